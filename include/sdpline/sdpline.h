@@ -1,0 +1,234 @@
+/*
+ * sdpline.h: SDP bodies to records and back. This is the whole C face; C11 and C++20.
+ *
+ *     SipString stText = {ulLength, pcBytes};
+ *     SdpLine *pstLine = NULL;
+ *     if (SdpLibDecodeSdp(&stText, &pstLine) == 0) {
+ *         ... read pstLine->stMediaSet ...
+ *         SdpLibReleaseSdp(&pstLine);
+ *     }
+ *
+ * Conventions
+ *  1. Results. Every operation answers an SDPResult, 0 for success. A failure is composed of
+ *
+ *         31      24 23            10 9        0
+ *        +----------+----------------+----------+
+ *        |   file   |    location    |  class   |
+ *        +----------+----------------+----------+
+ *
+ *     file: the stack's base g_gSipStackFileId plus the number of the source file that failed
+ *     (low 8 bits of the sum); location: the check that failed, never reused; class: one of
+ *     SDP_ERRCLASS_... A few operations answer a bare 1 or 8; their comments say so. Compare
+ *     with 0 only, log the rest.
+ *  2. Logging. A failure that is logged sets g_gSipCodePoint to file number << 16 | line and
+ *     calls g_gpfnSipLmLogHndlr, when set, with module 17.
+ *  3. Ownership. A decoded or created body lives in one memory block; SdpLibReleaseSdp gives it
+ *     back whole. Encoded text belongs to the string buffer that the caller releases.
+ *  4. Text is counted (SipString), not terminated. A body is at most SDP_MAX_BODY bytes long, one
+ *     value of a text line at most SDP_MAX_VALUE.
+ *  5. Threads. Decoding uses process-wide state (lexer, hooks, decode block): one decode at a
+ *     time. Encoding, creating, copying and releasing only read the configuration and may run
+ *     beside each other on different bodies. Configure before the first decode or encode.
+ *  6. Memory comes from the core services of sipcore.h and nowhere else; nothing is written to
+ *     files or terminals, no exception leaves the library.
+ */
+#ifndef SDPLINE_SDPLINE_H
+#define SDPLINE_SDPLINE_H
+
+#include <stdint.h>
+
+#include "sdpline/sdprecords.h"
+#include "sdpline/sipcore.h"
+
+#if defined(__GNUC__)
+#define SDPLINE_API __attribute__((visibility("default")))
+#else
+#define SDPLINE_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef uint32_t SDPResult;
+
+/* Class of a failure, the low 10 bits of a result. */
+enum {
+    SDP_ERRCLASS_RESOURCE = 1,          /* argument, memory, token too long, input ended */
+    SDP_ERRCLASS_NOT_SDP = 100,         /* no input, or it does not start with "v=" */
+    SDP_ERRCLASS_FIELD_SYNTAX = 101,    /* a token that the field's grammar does not admit */
+    SDP_ERRCLASS_UNEXPECTED_LINE = 102, /* a line kind that may not stand here */
+    SDP_ERRCLASS_BAD_ADDRESS = 104      /* an IPv6 address; in the encoder: a field encoder */
+};
+
+#define SDP_MAX_BODY  4093u /* bytes of a body that is decoded */
+#define SDP_MAX_VALUE 1023u /* bytes of one text value or token */
+
+/* ---- Whole bodies ---------------------------------------------------------------------------- */
+
+/*
+ * Decodes pstSdpText into a new body, which the caller gives back with SdpLibReleaseSdp. The text
+ * is not changed and not kept. Lines end in CR LF or LF; whatever follows the first empty line is
+ * not read. A refused text returns the code of the check that refused it, leaves *ppstSdpLine
+ * null and nothing allocated.
+ */
+SDPLINE_API SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine);
+
+/* The same for a body held in a string buffer, which stays the caller's. */
+SDPLINE_API SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine **ppstSdpLine);
+
+/* Makes an empty body in a block of its own. With a memory service that does not zero its memory
+ * (libsipcore does) the caller clears every field but pstMemCp before use. */
+SDPLINE_API SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine);
+
+/*
+ * Writes the body into a new string buffer, to be released with SipSbReleaseStringBuffer. Lines
+ * come out in the order v o s i u e p c b t z k a, then m i c b k a for each media description.
+ * *ppstText is null after a failure. An rtpmap attribute without a name may have its clock rate
+ * and channels filled in (see sdpLibEncodeAttribFieldRtpMap).
+ */
+SDPLINE_API SDPResult SdpLibEncodeSdp(SdpLine *pstSdpLine, SipStringBuffer **ppstText);
+
+/* Releases the body's block and nulls *ppstSdpLine; always answers 0. A null argument, a null
+ * body or one without a block is left alone. */
+SDPLINE_API SDPResult SdpLibReleaseSdp(SdpLine **ppstSdpLine);
+
+/* ---- Single lines and caller's buffers ------------------------------------------------------ */
+
+/*
+ * Writes one line of the kind enLineType (SDP_LINE_...) from the record of that kind, with its
+ * line end, into a new reference string, to be released with SipSmReleaseRefString. *pulWithPrefix
+ * 1 writes the letter and "=" too, any other value the value alone. *ppstText is null after a
+ * failure, and untouched when an argument is refused. A t= line comes without its r= lines; an
+ * attribute that cannot be written gives a short line and success.
+ */
+SDPLINE_API SDPResult SdpLibEncodeSdpLine(uint32_t *pulWithPrefix, uint32_t enLineType,
+                                          void *pValue, SipRefString **ppstText);
+
+/* Writes the body's text into ulBufLen bytes at pucBuf, without a NUL. A text that does not fit
+ * is a failure with *pulWrittenLen 0; the buffer then holds what was written before. */
+SDPLINE_API SDPResult SdpLibSerializeSdp(SdpLine *pstSdpLine, uint8_t *pucBuf, uint32_t ulBufLen,
+                                         uint32_t *pulWrittenLen);
+
+/* SdpLibDecodeSdp for plain bytes, which are only read. *ppstSdpLine is null after a failure, and
+ * untouched when an argument is refused. */
+SDPLINE_API SDPResult SdpLibDeSerializeSdp(uint8_t *pucBuf, uint32_t ulLen, SdpLine **ppstSdpLine);
+
+/* The checks of the three: all pointers given, a line type below SDP_LINE_COUNT, a length that is
+ * not 0. */
+SDPLINE_API SDPResult SdpLibEncodeSdpLineValidate(uint32_t *pulWithPrefix, uint32_t enLineType,
+                                                  void *pValue, SipRefString **ppstText);
+SDPLINE_API SDPResult SdpLibSerializeSdpValidate(SdpLine *pstSdpLine, uint8_t *pucBuf,
+                                                 uint32_t ulBufLen, uint32_t *pulWrittenLen);
+SDPLINE_API SDPResult SdpLibDeSerializeSdpValidate(uint8_t *pucBuf, uint32_t ulLen,
+                                                   SdpLine **ppstSdpLine);
+
+/* ---- Why a body was refused ------------------------------------------------------------------ */
+
+/* The last text that the parser refused. Lines and columns count from 1, offsets from 0, all in
+ * bytes of the caller's own text; line 0 means that no place in the text is to blame (its length,
+ * memory). The place is where the parser stood: the token that did not fit, or, where a whole word
+ * was judged, the one behind it. */
+typedef struct SDPFailure {
+    uint32_t ulResult; /* the code that was returned; 0 when nothing was refused yet */
+    uint32_t enToken;  /* SDP_TOK_... of the token there, see sdpinternals.h */
+    uint32_t ulLine;
+    uint32_t ulColumn;
+    uint32_t ulOffset;
+    const char *pcCheck; /* name of the check that failed, null when nothing was refused yet */
+} SDPFailure;
+
+/* Reads it. Parses that succeed leave it as it is. */
+SDPLINE_API void SdpLibGetLastFailure(SDPFailure *pstFailure);
+
+/* A result code in words; all text is static. */
+typedef struct SDPResultText {
+    const char *pcSource;   /* source file, as log entries name it */
+    const char *pcFunction; /* the operation that made the check */
+    const char *pcClass;    /* SDP_ERRCLASS_... without the prefix, "" for a bare 1 or 8 */
+    const char *pcCheck;    /* the check's own name */
+    const char *pcSentence; /* what was wrong */
+} SDPResultText;
+
+/* Answers 0 for a code of this library under the present g_gSipStackFileId, else 1 and empty
+ * texts. Several operations answer a bare 1: only the sentence tells it then. */
+SDPLINE_API SDPResult SdpLibDescribeResult(uint32_t ulResult, SDPResultText *pstText);
+
+/* ---- Configuration --------------------------------------------------------------------------- */
+
+/* enConfigType of SdpLibExtConfig. 2 and 3 are accepted and change nothing. */
+enum {
+    SDP_CONFIG_LINE_END = 1, /* SDP_LINE_END_... */
+    SDP_CONFIG_RTP_AVPF = 4  /* 0 or 1 */
+};
+enum { SDP_LINE_END_CRLF = 1, SDP_LINE_END_LF = 2, SDP_LINE_END_CR = 3 };
+
+/* How the encoder writes T38FaxFillBitRemoval, T38FaxTranscodingMMR and T38FaxTranscodingJBIG:
+ * styles 0 and 1 write the bare name of a set flag and no line for a flag of 0, style 2 writes
+ * name, ":" and value. */
+enum { SDP_T38_STYLE_FLAG = 0, SDP_T38_STYLE_FLAG_TOO = 1, SDP_T38_STYLE_VALUE = 2 };
+
+/* Sets one configuration value; a refused one leaves the setting as it was. */
+SDPLINE_API SDPResult SdpLibExtConfig(uint32_t enConfigType, uint32_t *pulValue);
+/* Succeeds for types 1 to 4 and a value that is not null. */
+SDPLINE_API SDPResult SdpLibExtConfigValidate(uint32_t enConfigType, uint32_t *pulValue);
+/* Selects the line end that the encoder writes, SDP_LINE_END_... */
+SDPLINE_API SDPResult SdpLibExtConfigCrlf(uint32_t *pulValue);
+/* The entry ucIndex behind the selected line end; 0 is the selected one. The caller stays inside
+ * the table of three. */
+SDPLINE_API SipString SdpGetCrlfString(uint8_t ucIndex);
+
+/* Answers a bare 1 for a style above 2 and keeps the old one. */
+SDPLINE_API SDPResult SdpSetT38OptCfg(uint32_t ulValue);
+SDPLINE_API uint32_t SdpGetT380ptCfg(void);
+
+/* Whether "RTP/AVPF" in an m= line is a protocol of its own (exactly 1) or kept as other text. */
+SDPLINE_API void SdpSetSupMedProtoRtpAvpf(uint32_t bValue);
+SDPLINE_API uint32_t SdpGetSupMedProtoRtpAvpf(void);
+
+SDPLINE_API extern const SipString g_gstSdpCrlfString[3]; /* CR LF, LF, CR */
+SDPLINE_API extern const SipString *g_gpstSdpCrlfCfg;     /* the selected one, CR LF at first */
+SDPLINE_API extern uint32_t g_gstSdpT38OptCfg;
+SDPLINE_API extern uint32_t g_bSupMedProtoRtpAvpf;
+
+/* ---- Static RTP payload profiles (RFC 3551) -------------------------------------------------- */
+
+/* Rows 0 to 34, and an empty one; a row is a profile number minus 1. Rows are not checked. */
+SDPLINE_API SipString SdpGetRtpmapProfile(uint16_t usRow);
+/* Appends the row's name; answers what the string buffer answers. */
+SDPLINE_API uint32_t SdpCopyRtpmapProfile(SipStringBuffer *pstBuf, uint16_t usRow);
+/* Clock rate in Hz; 0 for encodings without a fixed one. */
+SDPLINE_API uint32_t SdpGetRtpmapClockRates(uint16_t usRow);
+
+SDPLINE_API extern const SipString g_aStrRtpmapProfiles[36];
+SDPLINE_API extern const uint32_t g_aulRtpmapClockRates[36];
+
+/* Attribute names as they are written, a trailing ":" included; a row is an attribute type minus
+ * 1. Rows 34 and 35 (types 34 and 35) hold a blank: their names are in the record. */
+SDPLINE_API extern const SipString sstrSdpAttrNames[40];
+
+/* ---- Memory hooks of the decoder ------------------------------------------------------------- */
+
+typedef void *(*SdpFnAlloc)(uint32_t ulSize);
+typedef void (*SdpFnFree)(void *pMem);
+
+/* Every allocation and release of the parser goes through these two. Each decode sets them; after
+ * a decode that succeeded they stay set, but have no block to work on until the next one. */
+SDPLINE_API void SdpSetFnAlloc(SdpFnAlloc pfnAlloc);
+SDPLINE_API SdpFnAlloc SdpGetFnAlloc(void);
+SDPLINE_API void SdpSetFnFree(SdpFnFree pfnFree);
+SDPLINE_API SdpFnFree SdpGetFnFree(void);
+
+/* The hooks of a decode: they work on its block, and do nothing outside a decode. */
+SDPLINE_API void *SdpLibAllocSdpMem(uint32_t ulSize);
+SDPLINE_API void SdpLibFreeSdpMem(void *pMem);
+
+SDPLINE_API extern SdpFnAlloc g_gSdpFnAlloc;
+SDPLINE_API extern SdpFnFree g_gSdpFnFree;
+SDPLINE_API extern SDPMemCp *g_mSdpDecodeMemCp; /* the running decode's block, else null */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,278 @@
+// The values of the media-control attributes: modes, packet times, quality, T.38, silence
+// suppression, echo cancellation, IP bearer control and the T.120 setup role.
+#include "parser/sdpparser.hpp"
+
+namespace sdpline {
+
+namespace {
+
+struct NumericChecks {
+    Check colon;
+    NumberChecks number;
+};
+
+// ":" 1*DIGIT
+SDPResult takeNumericValue(SDPAttr &attr, uint32_t type, NumericChecks checks) {
+    attr.ulAttrType = type;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
+        return fail(checks.colon);
+    }
+    return takeNumber(attr.unAttrValue.ulValue, SDP_LEXCTX_ALNUM, checks.number);
+}
+
+struct ChoiceChecks {
+    Check colon;
+    WordChecks word;
+    Check unknown;
+    Check end;
+};
+
+// ":" token LF, where the token is one of the table's words
+SDPResult parseChoice(SDPAttr &attr, uint32_t type, std::span<const Word> table,
+                      ChoiceChecks checks) {
+    attr.ulAttrType = type;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_TOKEN)) {
+        return fail(checks.colon);
+    }
+    std::string_view word;
+    if (const SDPResult result = takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN, checks.word)) {
+        return result;
+    }
+    if (const SDPResult result = classify(attr.unAttrValue.ulValue, table, word, checks.unknown)) {
+        return result;
+    }
+    return takeLineEnd(checks.end);
+}
+
+struct ParamsChecks {
+    Check missing;
+    Check ended;
+    Check tooLong;
+    Check store;
+    Check end;
+};
+
+// 1*1023<any byte but LF> LF, kept with the blank it begins with
+SDPResult parseParams(SipString &params, ParamsChecks checks) {
+    if (lexer::at(SDP_TOK_LF)) {
+        return fail(checks.missing);
+    }
+    if (lexer::inputEnds()) {
+        return fail(checks.ended);
+    }
+    std::string_view text;
+    if (!lexer::takeRestOfLine(text, SDP_MAX_VALUE)) {
+        return fail(checks.tooLong);
+    }
+    if (storeText(params, text) != 0) {
+        return fail(checks.store);
+    }
+    return takeLineEnd(checks.end);
+}
+
+SDPResult classifySilence(SDPSilenceSuppression &silence, std::string_view word) {
+    return classify(silence.bOn, kSwitchWords, word, Check::SilenceWord);
+}
+
+SDPResult classifyEcanDirection(SDPEcan &ecan, std::string_view word) {
+    return classify(ecan.enEcanDir, kEcanDirWords, word, Check::EcanDirectionWord);
+}
+
+SDPResult classifyEcan(SDPEcan &ecan, std::string_view word) {
+    return classify(ecan.bOn, kSwitchWords, word, Check::EcanWord);
+}
+
+SDPResult classifyIpBcp(SDPIpBcp &ipBcp, std::string_view word) {
+    return classify(ipBcp.ucType, kIpBcpWords, word, Check::IpBcpType);
+}
+
+SDPResult classifySetup(SDPAttr &attr, std::string_view word) {
+    return classify(attr.unAttrValue.enT120Mode, kSetupWords, word, Check::SetupWord);
+}
+
+// direction SP ( "on" / "off" ), entered on the direction; the switch is left to the caller
+SDPResult takeEcanWords(SDPEcan &ecan) {
+    std::string_view word;
+    if (const SDPResult result =
+            readWord(word, SDP_TOK_ALPHA, {Check::EcanDirection, Check::EcanDirectionText})) {
+        return result;
+    }
+    if (const SDPResult result = classifyEcanDirection(ecan, word)) {
+        return result;
+    }
+    lexer::take(SDP_TOK_ALPHA, SDP_LEXCTX_ALNUM);
+    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::EcanBlank);
+    }
+    if (const SDPResult result =
+            takeWord(word, SDP_TOK_ALPHA, SDP_LEXCTX_STRING, {Check::EcanToken, Check::EcanText})) {
+        return result;
+    }
+    return classifyEcan(ecan, word);
+}
+
+} // namespace
+
+} // namespace sdpline
+
+using namespace sdpline;
+
+extern "C" {
+
+// LF
+SDPResult sdpModeAttr(SDPAttr *pstAttr, uint32_t enType) {
+    pstAttr->ulAttrType = enType;
+    return takeLineEnd(Check::ModeEnd);
+}
+
+// ":" 1*DIGIT LF, and for a frame rate ":" 1*DIGIT [ "." 1*DIGIT ] LF with the fraction dropped
+SDPResult sdpPacketizationAttr(SDPAttr *pstAttr, uint32_t enType) {
+    if (const SDPResult result = takeNumericValue(
+            *pstAttr, enType, {Check::PacketColon, {Check::PacketNumber, Check::PacketText}})) {
+        return result;
+    }
+    if (enType == SDP_ATTR_FRAMERATE && lexer::take(SDP_TOK_DOT, SDP_LEXCTX_ALNUM) &&
+        !lexer::take(SDP_TOK_DIGIT, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::PacketFraction);
+    }
+    return takeLineEnd(Check::PacketEnd);
+}
+
+// ":" 1*DIGIT LF
+SDPResult sdpQualityAttr(SDPAttr *pstAttr, uint32_t enType) {
+    if (const SDPResult result = takeNumericValue(
+            *pstAttr, enType, {Check::QualityColon, {Check::QualityNumber, Check::QualityText}})) {
+        return result;
+    }
+    return takeLineEnd(Check::QualityEnd);
+}
+
+// ":" 1*DIGIT LF
+SDPResult sdpFaxNumericAttr(SDPAttr *pstAttr, uint32_t enType) {
+    if (const SDPResult result = takeNumericValue(
+            *pstAttr, enType, {Check::FaxColon, {Check::FaxNumber, Check::FaxText}})) {
+        return result;
+    }
+    return takeLineEnd(Check::FaxEnd);
+}
+
+// ":" ( "localTCF" / "transferredTCF" ) LF
+SDPResult sdpFaxRateMgmtAttr(SDPAttr *pstAttr, uint32_t enType) {
+    return parseChoice(
+        *pstAttr, enType, kT38RateWords,
+        {Check::RateColon, {Check::RateToken, Check::RateText}, Check::RateWord, Check::RateEnd});
+}
+
+// ":" ( "t38UDPFEC" / "t38UDPRedundancy" ) LF
+SDPResult sdpFaxUdpEC(SDPAttr *pstAttr, uint32_t enType) {
+    return parseChoice(*pstAttr, enType, kT38UdpEcWords,
+                       {Check::UdpEcColon,
+                        {Check::UdpEcToken, Check::UdpEcText},
+                        Check::UdpEcWord,
+                        Check::UdpEcEnd});
+}
+
+// ":" ( "on" / "off" ) params LF
+SDPResult sdpSilenceSuppression(SDPAttr *pstAttr, uint32_t enType) {
+    pstAttr->ulAttrType = enType;
+    SDPSilenceSuppression &silence = pstAttr->unAttrValue.stSilenceSupp;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::SilenceColon);
+    }
+    std::string_view word;
+    if (const SDPResult result = takeWord(word, SDP_TOK_ALPHA, SDP_LEXCTX_STRING,
+                                          {Check::SilenceToken, Check::SilenceText})) {
+        return result;
+    }
+    if (const SDPResult result = classifySilence(silence, word)) {
+        return result;
+    }
+    return parseParams(silence.strParams,
+                       {Check::SilenceNoParams, Check::SilenceEnded, Check::SilenceTooLong,
+                        Check::SilenceStore, Check::SilenceEnd});
+}
+
+// ":" ( "fb" / "f" / "b" ) SP ( "on" / "off" ) params LF
+SDPResult sdpEchoCacellation(SDPAttr *pstAttr, uint32_t enType) {
+    pstAttr->ulAttrType = enType;
+    SDPEcan &ecan = pstAttr->unAttrValue.stEcan;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::EcanColon);
+    }
+    if (const SDPResult result = takeEcanWords(ecan)) {
+        return result;
+    }
+    return parseParams(ecan.strParams, {Check::EcanNoParams, Check::EcanEnded, Check::EcanTooLong,
+                                        Check::EcanStore, Check::EcanEnd});
+}
+
+// ":" 1*DIGIT SP ( "Request" / "Accepted" / "Confused" / "Rejected" ) LF
+SDPResult sdpIpBcpAttr(SDPAttr *pstAttr) {
+    pstAttr->ulAttrType = SDP_ATTR_IPBCP;
+    SDPIpBcp &ipBcp = pstAttr->unAttrValue.stIpBcp;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::IpBcpColon);
+    }
+    uint32_t version = 1;
+    if (const SDPResult result =
+            takeNumber(version, SDP_LEXCTX_ALNUM, {Check::IpBcpVersion, Check::IpBcpVersionText})) {
+        return result;
+    }
+    ipBcp.ucVersion = static_cast<uint8_t>(version);
+    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::IpBcpBlank);
+    }
+    const std::string_view word = lexer::text();
+    if (word.data() == nullptr) {
+        return fail(Check::IpBcpTypeText);
+    }
+    lexer::take(SDP_TOK_ALPHA, SDP_LEXCTX_STRING);
+    if (const SDPResult result = classifyIpBcp(ipBcp, word)) {
+        return result;
+    }
+    return takeLineEnd(Check::IpBcpEnd);
+}
+
+// ":" ( "passive" / "active" / "actpass" ) LF
+SDPResult sdpT120Attr(SDPAttr *pstAttr, uint32_t enType) {
+    pstAttr->ulAttrType = enType;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_STRING)) {
+        return fail(Check::SetupColon);
+    }
+    if (lexer::at(SDP_TOK_LF)) {
+        return fail(Check::SetupEmpty);
+    }
+    if (lexer::inputEnds()) {
+        return fail(Check::SetupEnded);
+    }
+    std::string_view role;
+    if (!lexer::takeRestOfLine(role, SDP_MAX_VALUE)) {
+        return fail(Check::SetupTooLong);
+    }
+    if (const SDPResult result = classifySetup(*pstAttr, role)) {
+        return result;
+    }
+    return takeLineEnd(Check::SetupEnd);
+}
+
+SDPResult sdpSilenceSuppressionOn(SDPAttr *pstAttr, const char *pcWord) {
+    return classifySilence(pstAttr->unAttrValue.stSilenceSupp, pcWord);
+}
+
+SDPResult sdpEchoCacellationDirection(SDPAttr *pstAttr, const char *pcWord) {
+    return classifyEcanDirection(pstAttr->unAttrValue.stEcan, pcWord);
+}
+
+SDPResult sdpEchoCacellationOn(SDPAttr *pstAttr, const char *pcWord) {
+    return classifyEcan(pstAttr->unAttrValue.stEcan, pcWord);
+}
+
+SDPResult sdpIpBcpAttrType(SDPAttr *pstAttr, const char *pcWord) {
+    return classifyIpBcp(pstAttr->unAttrValue.stIpBcp, pcWord);
+}
+
+SDPResult sdpT120AttrT120Mode(SDPAttr *pstAttr, const char *pcWord) {
+    return classifySetup(*pstAttr, pcWord);
+}
+
+} // extern "C"

@@ -1,0 +1,204 @@
+// The m= line: media type, port, transport protocol, and the formats that go with the protocol.
+#include "parser/sdpparser.hpp"
+
+#include <cstring>
+
+namespace sdpline {
+
+namespace {
+
+SDPResult classifyMedia(SDPMediaField &field, std::string_view word) {
+    field.stMedia.pstrOtherMedia = nullptr;
+    if (const Word *const known = findByText(kMediaWords, word)) {
+        field.stMedia.enMediaType = known->code;
+        return 0;
+    }
+    field.stMedia.enMediaType = SDP_MEDIA_OTHER;
+    auto *const text = allocate<SipString>("sdpMediaType");
+    field.stMedia.pstrOtherMedia = text;
+    if (text == nullptr) {
+        return fail(Check::MediaTypeAlloc);
+    }
+    return storeText(*text, word) == 0 ? 0 : fail(Check::MediaTypeStore);
+}
+
+// Whether payload numbers follow the protocol; one format of another kind follows the others.
+constexpr bool takesPayloads(uint32_t proto) {
+    return proto == SDP_PROTO_RTP_AVP || proto == SDP_PROTO_RTP_SAVP || proto == SDP_PROTO_RTP_AVPF;
+}
+
+// A word that cannot be stored for lack of memory leaves a string without bytes, and goes on.
+SDPResult parseOtherProto(SDPMediaField &field, std::string_view word) {
+    auto *const text = allocate<SipString>("sdpMediaFmt");
+    field.stProto.pstrOtherProto = text;
+    if (text == nullptr) {
+        return fail(Check::MediaProtoAlloc);
+    }
+    storeText(*text, word);
+    return sdpOtherMediaFmt(&field, SDP_PROTO_OTHER);
+}
+
+// The protocol's code, then its formats
+SDPResult parseProto(SDPMediaField &field, std::string_view word) {
+    const Word *const known = findByText(kProtoWords, word);
+    if (known == nullptr || (known->code == SDP_PROTO_RTP_AVPF && g_bSupMedProtoRtpAvpf != 1)) {
+        return parseOtherProto(field, word);
+    }
+    return takesPayloads(known->code) ? sdpRtpAvpMediaFmt(&field, known->code)
+                                      : sdpOtherMediaFmt(&field, known->code);
+}
+
+// port [ "/" number-of-ports ], behind the media type
+SDPResult parsePort(SDPMediaField &field) {
+    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::MediaWordBlank);
+    }
+    if (const SDPResult result =
+            takeNumber(field.ulPort, SDP_LEXCTX_ALNUM, {Check::MediaPort, Check::MediaPortText})) {
+        return result;
+    }
+    field.ulNoOfPorts = 1;
+    if (!lexer::take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+        return 0;
+    }
+    return takeNumber(field.ulNoOfPorts, SDP_LEXCTX_ALNUM,
+                      {Check::MediaPortCount, Check::MediaPortCountText});
+}
+
+// *( payload [ SP ] ) LF, behind the first blank. An empty list asks for zero bytes too, and keeps
+// no array.
+SDPResult parsePayloads(SDPMediaFmt &fmt) {
+    uint32_t numbers[SDP_MAX_PAYLOADS];
+    uint32_t count = 0;
+    if (const SDPResult result =
+            sdpRtpAvpMediaFmtGetNoOfPayloads(&count, numbers, SDP_MAX_PAYLOADS)) {
+        return result;
+    }
+    fmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
+    SDPRtpPayLoads &payLoads = fmt.unMediaFmt.stRtpPayLoads;
+    payLoads.ulNoOfPayLoads = count;
+    const uint32_t size = count * static_cast<uint32_t>(sizeof(uint32_t));
+    auto *const stored = static_cast<uint32_t *>(allocateBytes(size));
+    if (stored == nullptr) {
+        return fail(Check::PayloadsAlloc);
+    }
+    payLoads.pulPayLoads = count != 0 ? stored : nullptr;
+    std::memcpy(stored, numbers, size);
+    return takeLineEnd(Check::PayloadsEnd);
+}
+
+// The format's code, and its text where the code is that of other formats
+SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
+    SDPMediaFmt &fmt = field.stMediaFmt;
+    const Word *const known = findByText(kFmtWords, word);
+    if (known == nullptr) {
+        fmt.enFmtType = SDP_FMT_OTHER;
+        const SDPResult result = storeText(fmt.unMediaFmt.strOtherFmts, word);
+        return result == 0 ? 0 : fail(Check::FormatStore);
+    }
+    if (known->code == SDP_FMT_T120 && field.stProto.enProto != SDP_PROTO_TCP) {
+        return fail(Check::FormatT120);
+    }
+    fmt = {};
+    fmt.enFmtType = known->code;
+    return 0;
+}
+
+} // namespace
+
+} // namespace sdpline
+
+using namespace sdpline;
+
+extern "C" {
+
+// m= media SP port [ "/" number-of-ports ] SP proto formats LF
+SDPResult sdpMediaField(SDPMediaField *pstField) {
+    if (!lexer::take(SDP_TOK_MEDIA, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::MediaLine);
+    }
+    std::string_view word;
+    if (const SDPResult result =
+            readWord(word, SDP_TOK_TOKEN, {Check::MediaWord, Check::MediaWordText})) {
+        return result;
+    }
+    if (const SDPResult result = classifyMedia(*pstField, word)) {
+        return result;
+    }
+    lexer::take(SDP_TOK_TOKEN, SDP_LEXCTX_ALNUM);
+    if (const SDPResult result = parsePort(*pstField)) {
+        return result;
+    }
+    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::MediaPortBlank);
+    }
+    if (const SDPResult result = takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
+                                          {Check::MediaProto, Check::MediaProtoText})) {
+        return result;
+    }
+    return parseProto(*pstField, word);
+}
+
+SDPResult sdpMediaType(SDPMediaField *pstField, const char *pcWord) {
+    return classifyMedia(*pstField, pcWord);
+}
+
+SDPResult sdpMediaFmt(SDPMediaField *pstField, const char *pcProto) {
+    return parseProto(*pstField, pcProto);
+}
+
+// [ SP payloads ] LF: only a media with port 0 may have no payloads
+SDPResult sdpRtpAvpMediaFmt(SDPMediaField *pstField, uint32_t enProto) {
+    pstField->stProto.enProto = enProto;
+    SDPMediaFmt &fmt = pstField->stMediaFmt;
+    if (lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+        return parsePayloads(fmt);
+    }
+    if (pstField->ulPort != 0) {
+        return fail(Check::PayloadsMissing);
+    }
+    fmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
+    fmt.unMediaFmt.stRtpPayLoads = {};
+    return takeLineEnd(Check::NoPayloadsEnd);
+}
+
+// *( payload [ SP ] ), up to the line end; one blank may stand before it
+SDPResult sdpRtpAvpMediaFmtGetNoOfPayloads(uint32_t *pulCount, uint32_t *pulPayLoads,
+                                           uint32_t ulLimit) {
+    while (*pulCount < ulLimit) {
+        if (lexer::at(SDP_TOK_LF)) {
+            return 0;
+        }
+        if (const SDPResult result = takeNumber(pulPayLoads[*pulCount], SDP_LEXCTX_ALNUM,
+                                                {Check::Payload, Check::PayloadText})) {
+            return result;
+        }
+        ++*pulCount;
+        if (lexer::at(SDP_TOK_LF)) {
+            return 0;
+        }
+        if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+            return fail(Check::PayloadBlank);
+        }
+    }
+    return fail(Check::PayloadLimit);
+}
+
+// SP format LF: one format, and t120 over TCP only
+SDPResult sdpOtherMediaFmt(SDPMediaField *pstField, uint32_t enProto) {
+    pstField->stProto.enProto = enProto;
+    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::FormatBlank);
+    }
+    std::string_view word;
+    if (const SDPResult result = takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
+                                          {Check::FormatToken, Check::FormatText})) {
+        return result;
+    }
+    if (const SDPResult result = classifyFormat(*pstField, word)) {
+        return result;
+    }
+    return takeLineEnd(Check::FormatEnd);
+}
+
+} // extern "C"

@@ -1,0 +1,134 @@
+// a=rtpmap (RFC 4566 section 6), and the static profile that an encoding name stands for.
+#include "parser/sdpparser.hpp"
+
+namespace sdpline {
+
+namespace {
+
+constexpr uint32_t kMaxName = 255;
+constexpr uint32_t kMaxLookup = 1024;
+constexpr uint32_t kProfiles = 35;
+
+constexpr uint32_t kDvi4At8k = 4;
+constexpr uint32_t kDvi4At16k = 5;
+constexpr uint32_t kDvi4At11k = 15;
+constexpr uint32_t kDvi4At22k = 16;
+constexpr uint32_t kL16Stereo = 9;
+constexpr uint32_t kL16Mono = 10;
+
+// The number of the last profile of that name, 0 when there is none.
+uint32_t lastProfile(std::string_view name) {
+    for (uint32_t number = kProfiles; number > 0; --number) {
+        const SipString &profile = g_aStrRtpmapProfiles[number - 1];
+        if (name == std::string_view{profile.pcData, profile.ulLen}) {
+            return number;
+        }
+    }
+    return 0;
+}
+
+// payload SP name, entered on the payload type. One blank is skipped; others belong to the name.
+SDPResult parsePayloadAndName(SDPRtpMapAttr &rtpMap) {
+    if (const SDPResult result = takeNumber(rtpMap.ulPayloadType, SDP_LEXCTX_ALNUM,
+                                            {Check::RtpmapPayload, Check::RtpmapPayloadText})) {
+        return result;
+    }
+    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
+        return fail(Check::RtpmapBlank);
+    }
+    std::string_view name;
+    if (!lexer::takeBytesToSlash(name, kMaxName)) {
+        return fail(Check::RtpmapNameTooLong);
+    }
+    return storeText(rtpMap.strEncodingName, name) == 0 ? 0 : fail(Check::RtpmapNameStore);
+}
+
+// [ "/" channels ] LF
+SDPResult parseChannels(SDPRtpMapAttr &rtpMap) {
+    if (lexer::take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+        if (const SDPResult result = takeNumber(rtpMap.ulEncodingParams, SDP_LEXCTX_ALNUM,
+                                                {Check::RtpmapParams, Check::RtpmapParamsText})) {
+            return result;
+        }
+        return takeLineEnd(Check::RtpmapParamsEnd);
+    }
+    if (!lexer::at(SDP_TOK_LF)) {
+        return fail(Check::RtpmapEnd);
+    }
+    rtpMap.ulEncodingParams = 1;
+    return takeLineEnd(Check::RtpmapEnd);
+}
+
+} // namespace
+
+} // namespace sdpline
+
+using namespace sdpline;
+
+extern "C" {
+
+// ":" payload SP name "/" clock-rate [ "/" channels ] LF
+SDPResult sdpRtpmapAttr(SDPAttr *pstAttr, uint32_t enType) {
+    pstAttr->ulAttrType = enType;
+    SDPRtpMapAttr &rtpMap = pstAttr->unAttrValue.stRtpMap;
+    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::RtpmapColon);
+    }
+    if (const SDPResult result = parsePayloadAndName(rtpMap)) {
+        return result;
+    }
+    if (!lexer::take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::RtpmapSlash);
+    }
+    if (const SDPResult result = takeNumber(rtpMap.ulClockRate, SDP_LEXCTX_ALNUM,
+                                            {Check::RtpmapClock, Check::RtpmapClockText})) {
+        return result;
+    }
+    sdpRtpmapAttrLocateStdRtpProfile(&rtpMap); // a name that is no profile is fine
+    return parseChannels(rtpMap);
+}
+
+// The last profile of the name wins, so that the refinements below never apply to the profiles of
+// the table as it stands.
+SDPResult sdpRtpmapAttrLocateStdRtpProfile(SDPRtpMapAttr *pstRtpMap) {
+    const uint32_t length = pstRtpMap->strEncodingName.ulLen;
+    if (length > kMaxLookup) {
+        return fail(Check::ProfileNameTooLong);
+    }
+    char name[kMaxLookup + 1];
+    name[0] = '\0';
+    if (memcpy_s(name, kMaxLookup, pstRtpMap->strEncodingName.pcData, length) != 0) {
+        SIPAbnormalSecureFunc("sdpRtpmapAttrLocateStdRtpProfile", __LINE__);
+    }
+    name[length] = '\0';
+    pstRtpMap->ulEncodingId = lastProfile(name);
+    if (pstRtpMap->ulEncodingId == kDvi4At8k) {
+        return sdpRtpmapAttrPayloadDvi4For8K(pstRtpMap);
+    }
+    if (pstRtpMap->ulEncodingId == kL16Stereo) {
+        return sdpRtpmapAttrPayloadL16For2C(pstRtpMap);
+    }
+    return 0;
+}
+
+SDPResult sdpRtpmapAttrPayloadDvi4For8K(SDPRtpMapAttr *pstRtpMap) {
+    switch (pstRtpMap->ulClockRate) {
+    case 8000: pstRtpMap->ulEncodingId = kDvi4At8k; break;
+    case 16000: pstRtpMap->ulEncodingId = kDvi4At16k; break;
+    case 11025: pstRtpMap->ulEncodingId = kDvi4At11k; break;
+    case 22050: pstRtpMap->ulEncodingId = kDvi4At22k; break;
+    default: break;
+    }
+    return 0;
+}
+
+SDPResult sdpRtpmapAttrPayloadL16For2C(SDPRtpMapAttr *pstRtpMap) {
+    if (pstRtpMap->ulEncodingParams == 1) {
+        pstRtpMap->ulEncodingId = kL16Mono;
+    } else if (pstRtpMap->ulEncodingParams == 2) {
+        pstRtpMap->ulEncodingId = kL16Stereo;
+    }
+    return 0;
+}
+
+} // extern "C"

@@ -1,0 +1,40 @@
+// AddressSanitizer's view of memory that sipcore hands out in pieces. In other builds all of this
+// is nothing.
+#ifndef SIPCORE_ASAN_HPP
+#define SIPCORE_ASAN_HPP
+
+#include <cstddef>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define SIPCORE_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define SIPCORE_ASAN 1
+#endif
+#endif
+
+#if defined(SIPCORE_ASAN)
+#include <sanitizer/asan_interface.h>
+// For the functions that read and write piece headers, which stay poisoned for everybody else.
+#define SIPCORE_UNCHECKED __attribute__((no_sanitize_address))
+#else
+#define SIPCORE_UNCHECKED
+#endif
+
+namespace sipcore {
+
+inline void forbid([[maybe_unused]] const void *memory, [[maybe_unused]] std::size_t bytes) {
+#if defined(SIPCORE_ASAN)
+    ASAN_POISON_MEMORY_REGION(memory, bytes);
+#endif
+}
+
+inline void permit([[maybe_unused]] const void *memory, [[maybe_unused]] std::size_t bytes) {
+#if defined(SIPCORE_ASAN)
+    ASAN_UNPOISON_MEMORY_REGION(memory, bytes);
+#endif
+}
+
+} // namespace sipcore
+
+#endif
