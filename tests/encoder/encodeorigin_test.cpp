@@ -1,0 +1,127 @@
+// The o= line.
+#include "encoder/encodetest.hpp"
+
+namespace {
+
+using namespace support;
+
+using Lines = std::vector<std::string>;
+
+class EncodeOrigin : public EncodeTest {
+protected:
+    EncodeOrigin() {
+        origin.strUserName = str("-");
+        origin.strSessionId = str("1");
+        origin.strSessionVersion = str("2");
+        origin.stNetType.enNetType = SDP_NETTYPE_IN;
+        origin.stAddrType.enAddrType = SDP_ADDRTYPE_IP4;
+        origin.strAddress = str("host.example.com");
+    }
+
+    SDPResult encode() { return sdpLibEncodeOriginField(&prefixed, &origin, buffer); }
+
+    SDPOrigin origin = {};
+    SipString atm = str("ATM");
+    SipString nsap = str("NSAP");
+};
+
+TEST_F(EncodeOrigin, WritesSixItems) {
+    EXPECT_EQ(encode(), 0u);
+    EXPECT_EQ(text(), "o=- 1 2 IN IP4 host.example.com\r\n");
+}
+
+TEST_F(EncodeOrigin, WritesIp6ByItsName) {
+    origin.stAddrType.enAddrType = SDP_ADDRTYPE_IP6;
+    origin.strAddress = str("2001:db8::1");
+    EXPECT_EQ(encode(), 0u);
+    EXPECT_EQ(text(), "o=- 1 2 IN IP6 2001:db8::1\r\n");
+}
+
+TEST_F(EncodeOrigin, WritesOtherTypesByTheirText) {
+    origin.stNetType = {SDP_NETTYPE_OTHER, &atm};
+    origin.stAddrType = {SDP_ADDRTYPE_OTHER, &nsap};
+    EXPECT_EQ(encode(), 0u);
+    EXPECT_EQ(text(), "o=- 1 2 ATM NSAP host.example.com\r\n");
+}
+
+TEST_F(EncodeOrigin, WritesAnOtherTypeWithoutTextAsNothing) {
+    origin.stNetType = {SDP_NETTYPE_OTHER, nullptr};
+    origin.stAddrType = {SDP_ADDRTYPE_OTHER, nullptr};
+    EXPECT_EQ(encode(), 0u);
+    EXPECT_EQ(text(), "o=- 1 2   host.example.com\r\n");
+}
+
+TEST_F(EncodeOrigin, WritesEmptyTextsAsNothing) {
+    origin.strUserName = {0, nullptr};
+    origin.strAddress = {0, nullptr};
+    EXPECT_EQ(encode(), 0u);
+    EXPECT_EQ(text(), "o= 1 2 IN IP4 \r\n");
+    EXPECT_EQ(Appends::count(), 14u) << "an empty text is an append too";
+}
+
+TEST_F(EncodeOrigin, IgnoresTheTextOfAKnownType) {
+    origin.stNetType.pstrOtherNetType = &atm;
+    origin.stAddrType.pstrOtherAddrType = &nsap;
+    EXPECT_EQ(encode(), 0u);
+    EXPECT_EQ(text(), "o=- 1 2 IN IP4 host.example.com\r\n");
+}
+
+TEST_F(EncodeOrigin, RefusesAnUnknownNetworkType) {
+    for (const uint32_t type : {0u, 3u, 4294967295u}) {
+        startAnew();
+        origin.stNetType.enNetType = type;
+        EXPECT_EQ(encode(), 0xDE00C001u);
+        EXPECT_EQ(text(), "o=- 1 2 ");
+        EXPECT_EQ(log.texts(), Lines{"3 sdpencodeorigin sdpLibEncodeOriginFieldNetType 21"});
+        EXPECT_EQ(g_gSipCodePoint, 734u << 16 | log.entries().at(0).line);
+    }
+}
+
+TEST_F(EncodeOrigin, RefusesAnUnknownAddressType) {
+    for (const uint32_t type : {0u, 4u, 4294967295u}) {
+        startAnew();
+        origin.stAddrType.enAddrType = type;
+        EXPECT_EQ(encode(), 0xDE014001u);
+        EXPECT_EQ(text(), "o=- 1 2 IN ");
+        EXPECT_EQ(log.texts(), Lines{"3 sdpencodeorigin sdpLibEncodeOriginFieldAddrType 21"});
+    }
+}
+
+TEST_F(EncodeOrigin, StopsAtTheFirstRefusedAppend) {
+    EXPECT_EQ(trace([this] { return encode(); }), R"("o" refused ""
+"=" refused "o"
+"-" refused "o="
+" " refused "o=-"
+"1" refused "o=- "
+" " refused "o=- 1"
+"2" refused "o=- 1 "
+" " refused "o=- 1 2"
+"IN" refused "o=- 1 2 "
+" " refused "o=- 1 2 IN"
+"IP4" refused "o=- 1 2 IN "
+" " refused "o=- 1 2 IN IP4"
+"host.example.com" refused "o=- 1 2 IN IP4 "
+"\r\n" refused "o=- 1 2 IN IP4 host.example.com"
+)");
+}
+
+TEST_F(EncodeOrigin, LogsNoRefusedAppend) {
+    for (uint32_t n = 1; n <= 14; ++n) {
+        startAnew();
+        Appends::failAt(n);
+        EXPECT_EQ(encode(), Appends::kRefused);
+        EXPECT_EQ(Appends::count(), n) << "nothing more is tried";
+        EXPECT_EQ(log.texts(), Lines());
+    }
+}
+
+TEST_F(EncodeOrigin, PassesTheRefusedTextOfAnOtherTypeOn) {
+    origin.stNetType = {SDP_NETTYPE_OTHER, &atm};
+    origin.stAddrType = {SDP_ADDRTYPE_OTHER, &nsap};
+    Appends::failAt(1);
+    EXPECT_EQ(sdpLibEncodeOriginFieldNetType(buffer, &origin), Appends::kRefused);
+    Appends::failAt(2);
+    EXPECT_EQ(sdpLibEncodeOriginFieldAddrType(buffer, &origin), Appends::kRefused);
+}
+
+} // namespace
