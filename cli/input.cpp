@@ -4,10 +4,9 @@
 #include <cctype>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
+#include <memory>
 #include <string_view>
 
 namespace cli {
@@ -81,15 +80,17 @@ bool takeHeaders(std::string_view &text, Headers &headers) {
 } // namespace
 
 std::optional<std::string> readInput(const std::string &path, std::string &error) {
-    if (path == "-") {
-        return std::string(std::istreambuf_iterator<char>(std::cin), {});
-    }
-    std::ifstream file(path, std::ios::binary);
+    const auto close = [](std::FILE *file) { file != stdin ? std::fclose(file) : 0; };
+    const std::unique_ptr<std::FILE, decltype(close)> file(
+        path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
     std::string text;
-    if (file) {
-        text.assign(std::istreambuf_iterator<char>(file), {});
+    char chunk[65536];
+    errno = 0;
+    for (size_t got = 1; file && got != 0;) {
+        got = std::fread(chunk, 1, sizeof chunk, file.get());
+        text.append(chunk, got);
     }
-    if (!file) {
+    if (!file || std::ferror(file.get()) != 0) {
         error = std::strerror(errno);
         return std::nullopt;
     }

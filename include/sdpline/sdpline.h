@@ -231,4 +231,7 @@ SDPLINE_API extern SDPMemCp *g_mSdpDecodeMemCp; /* the running decode's block, e
 }
 #endif
 
+#include "sdpline/sdpcopy.h"
+#include "sdpline/sdpdescriptors.h"
+
 #endif

@@ -93,7 +93,7 @@ struct BodyLine {
     Check failed;
 };
 
-// The lines of a body in the order they are written (RFC 4566 section 5, but z= k= behind t=).
+// The lines of a body in the order they are written (RFC 4566 section 5).
 constexpr BodyLine kBodyLines[] = {
     {writeVersion, Check::EncodeVersion},
     {writeOrigin, Check::EncodeOrigin},

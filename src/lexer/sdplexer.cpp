@@ -23,7 +23,7 @@ uint32_t classify(uint32_t offset) {
 
 // Moves to the next token's first byte and answers its kind.
 uint32_t begin() {
-    mark();
+    moveMark();
     const uint32_t first = classify(state.start);
     if (first == SDP_TOK_EOF) {
         state.ended = 1;

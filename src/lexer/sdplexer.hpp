@@ -34,6 +34,17 @@ struct State {
 
 extern State state;
 
+// Ends the token under construction, or starts the next one behind the last. A token that ended at
+// offset 0 is taken for none.
+inline void moveMark() {
+    if (state.index != 0) {
+        state.end = state.start + state.index - 1;
+        state.index = 0;
+    } else {
+        state.start = state.end == 0 ? 0 : state.end + 1;
+    }
+}
+
 // Cuts the next token under one context. After the end token they do nothing.
 void advanceNone();
 void advanceSdp();

@@ -24,12 +24,7 @@ uint32_t nextToken() {
 }
 
 void mark() {
-    if (state.index != 0) {
-        state.end = state.start + state.index - 1;
-        state.index = 0;
-    } else {
-        state.start = state.end == 0 ? 0 : state.end + 1;
-    }
+    lexer::moveMark();
 }
 
 void consume() {

@@ -2,6 +2,7 @@
 // pointed at the copy, and a table of line kinds says which line may follow which.
 #include "parser/sdpparser.hpp"
 
+#include <cstring>
 #include <initializer_list>
 
 namespace sdpline {
@@ -156,15 +157,29 @@ static_assert(stepsAreComplete());
 constexpr uint32_t kBufferSize = 4096;
 static_assert(SDP_MAX_BODY + 3 <= kBufferSize, "LF LF NUL is put behind every body");
 
-// Whether a byte goes into the normal form. The first CR of CR LF, blanks at the start of a line
-// (judged by what was written last) and NUL bytes do not.
-bool isKept(const uint8_t *byte, const uint8_t *end, uint8_t written) {
-    switch (*byte) {
-    case '\r': return byte + 1 == end || byte[1] != '\n';
-    case ' ': return written != '\n';
-    case '\0': return false;
-    default: return true;
+// Hands `keep` the runs of bytes that go into the normal form, in order. The CR of CR LF, blanks at
+// the start of a line but the first, and NUL bytes do not; a NUL between a line end and a blank
+// hides nothing.
+template <class Keep>
+void normalise(const uint8_t *begin, const uint8_t *end, Keep keep) {
+    const uint8_t *run = begin;
+    for (const uint8_t *byte = begin; byte != end;) {
+        if (*byte > '\r') {
+            ++byte;
+        } else if (*byte == '\n') {
+            keep(run, ++byte);
+            while (byte != end && (*byte == ' ' || *byte == '\0')) {
+                ++byte;
+            }
+            run = byte;
+        } else if (*byte == '\0' || (*byte == '\r' && byte + 1 != end && byte[1] == '\n')) {
+            keep(run, byte);
+            run = ++byte;
+        } else {
+            ++byte;
+        }
     }
+    keep(run, end);
 }
 
 // ---- Place of a failure
@@ -173,18 +188,16 @@ bool isKept(const uint8_t *byte, const uint8_t *end, uint8_t written) {
 // behind it.
 uint32_t originalOffset(const SipString &text, uint32_t offset) {
     const auto *const begin = reinterpret_cast<const uint8_t *>(text.pcData);
-    const uint8_t *const end = begin + text.ulLen;
-    uint32_t kept = 0;
-    uint8_t written = 0;
-    for (const uint8_t *byte = begin; byte != end; ++byte) {
-        if (isKept(byte, end, written)) {
-            if (kept++ == offset) {
-                return static_cast<uint32_t>(byte - begin);
-            }
-            written = *byte;
+    uint32_t before = 0; // bytes of the normal form before the run
+    uint32_t found = text.ulLen;
+    normalise(begin, begin + text.ulLen, [&](const uint8_t *run, const uint8_t *end) {
+        const auto size = static_cast<uint32_t>(end - run);
+        if (offset >= before && offset - before < size) {
+            found = static_cast<uint32_t>(run - begin) + (offset - before);
         }
-    }
-    return text.ulLen;
+        before += size;
+    });
+    return found;
 }
 
 // Remembers why the text was refused and where the lexer stands.
@@ -298,15 +311,14 @@ void convertCRLFToCR(const uint8_t *pucText, uint32_t ulLen, uint8_t *pucOut, ui
     if (memset_s(pucOut, ulOutSize, 0, ulLen) != 0) {
         SIPAbnormalSecureFunc("convertCRLFToCR   ", __LINE__);
     }
-    const uint8_t *const end = pucText + ulLen;
     uint8_t *out = pucOut;
-    uint8_t written = 0;
-    for (const uint8_t *byte = pucText; byte != end; ++byte) {
-        if (isKept(byte, end, written)) {
-            written = *byte;
-            *out++ = written;
+    normalise(pucText, pucText + ulLen, [&out](const uint8_t *run, const uint8_t *end) {
+        const auto size = static_cast<size_t>(end - run);
+        if (size != 0) {
+            std::memcpy(out, run, size);
         }
-    }
+        out += size;
+    });
     *out++ = '\n';
     *out++ = '\n';
     *out = '\0';

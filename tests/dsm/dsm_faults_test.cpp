@@ -1,20 +1,23 @@
 // Every request for memory that a copy or a clone makes, refused in turn.
 #include "linememory.hpp"
 #include "linesamples.hpp"
-#include "services.hpp"
+#include "textfaults.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
 #include "sdpline/sdpcopy.h"
+#include "support/allocations.hpp"
 #include "support/logs.hpp"
+#include "support/securefaults.hpp"
 
 namespace {
 
 using dsmtest::LineMemory;
 using dsmtest::Look;
 using dsmtest::lookAt;
+using dsmtest::NoTexts;
 using dsmtest::recordSize;
 using dsmtest::Sample;
 using dsmtest::sampleNamed;
@@ -100,8 +103,7 @@ TEST(CloneLineFaults, EachRefusedRequestLeavesThePointerAndKeepsNothing) {
 }
 
 TEST(CloneLineFaults, InABlockNothingIsLeftOnceItIsReleased) {
-    SipMmStatistics before;
-    SipMmGetStatistics(&before);
+    const support::Held before = support::Held::now();
     for (const Sample &sample : samples()) {
         SCOPED_TRACE(sample.name);
         SDPMemCp *block = nullptr;
@@ -111,10 +113,7 @@ TEST(CloneLineFaults, InABlockNothingIsLeftOnceItIsReleased) {
         EXPECT_EQ(lookAt(sample.lineType, clone).text, lookAt(sample.lineType, sample.record).text);
         SipMmReleaseBufMem(&block);
     }
-    SipMmStatistics after;
-    SipMmGetStatistics(&after);
-    EXPECT_EQ(after.ulBlocks, before.ulBlocks);
-    EXPECT_EQ(after.ulHeapBytes, before.ulHeapBytes);
+    EXPECT_TRUE(support::Held::now() == before);
 }
 
 // What is logged when request n of copying the sample is refused.
@@ -169,6 +168,18 @@ TEST(CopyLineFaults, AnAddressOfNoKindIsTheServicesFailure) {
     EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpdsm SdpCopyLine:484 - \"enReturnVal=4\""});
 }
 
+TEST(ClearLineFaults, AnswerTheServicesCodeAndDoNotKeepARecordFromBeingFreed) {
+    LineMemory memory;
+    const Sample &sample = sampleNamed("c= IPv4");
+    void *clone = nullptr;
+    ASSERT_EQ(SdpCloneLine(memory.control(), sample.lineType, sample.record, &clone), 0u);
+    static_cast<SDPConnection *>(clone)->stTptAddr.enTptAddrType = 3;
+    EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, clone), uint32_t{SIP_OUT_OF_RANGE});
+    EXPECT_EQ(SdpFreeLine(memory.control(), sample.lineType, &clone), 0u);
+    EXPECT_EQ(clone, nullptr);
+    EXPECT_EQ(memory.live(), 0u);
+}
+
 // The per-record operations alone answer the codes that a media field hides behind its own.
 TEST(CopyMediaFormatFaults, HaveCodesOfTheirOwn) {
     LineMemory memory;
@@ -189,17 +200,70 @@ TEST(CopyMediaFormatFaults, HaveCodesOfTheirOwn) {
     EXPECT_EQ(copy.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads, 1u);
 }
 
+// A stack's string services need not touch their target when they fail. The target must be fit to
+// be cleared all the same.
+TEST(CopyLineFaults, LeaveNoPointerWhateverTheStringServicesDo) {
+    for (const Sample &sample : samples()) {
+        const bool byHand =
+            sample.lineType == SDP_LINE_ATTRIBUTE ||
+            (sample.lineType == SDP_LINE_MEDIA && !sample.refusals.empty() &&
+             static_cast<const SDPMediaField *>(sample.record)->stMediaFmt.enFmtType ==
+                 SDP_FMT_OTHER);
+        if (!byHand || sample.refusals.empty()) {
+            continue;
+        }
+        SCOPED_TRACE(sample.name);
+        const Witness unchanged(sample);
+        LineMemory memory;
+        const NoTexts noTexts(99, 98);
+        fillTarget();
+        const SDPResult result =
+            SdpCopyLine(memory.control(), sample.lineType, sample.record, target);
+        EXPECT_TRUE(result == 99 || result == 98 || sample.lineType == SDP_LINE_MEDIA);
+        EXPECT_NE(result, 0u);
+        EXPECT_TRUE(lookAt(sample.lineType, target).pieces.empty());
+        EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+    }
+}
+
+TEST(CopyMediaFormatFaults, LeaveNoTextWhateverTheStringServiceDoes) {
+    SDPMediaFmt source = {};
+    source.enFmtType = SDP_FMT_OTHER;
+    source.unMediaFmt.strOtherFmts = textOf("wb");
+    LineMemory memory;
+    const NoTexts noTexts(99, 0);
+    support::LogRecorder logs;
+    fillTarget();
+    auto &copy = *reinterpret_cast<SDPMediaFmt *>(target);
+    EXPECT_EQ(SdpCopyMediaFormat(memory.control(), &source, &copy), 0x020ed001u);
+    EXPECT_TRUE(copy.unMediaFmt.strOtherFmts.pcData == nullptr);
+    EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpdsm SdpCopyMediaFormat:949 3 \"ulRetVal=99\""});
+}
+
+TEST(CopyLineFaults, AFailedValueTakesTheNameAway) {
+    const Sample &sample = sampleNamed("a= type 34");
+    LineMemory memory;
+    const SDPAttr &source = *static_cast<const SDPAttr *>(sample.record);
+    SDPAttr copy;
+    memory.refuse(3);
+    EXPECT_EQ(SdpCopyAttribute(memory.control(), &source, &copy), uint32_t{SIP_NO_MEMORY});
+    EXPECT_EQ(memory.requests(), 3u);
+    EXPECT_TRUE(copy.pstAttrName == nullptr);
+    EXPECT_EQ(memory.live(), 0u);
+}
+
 // Numbers that could not be copied are reported, and the copy goes on without them.
 TEST(CopyMediaFormatFaults, AFailedCopyOfBytesIsReportedAndNoFailure) {
     const Sample &sample = sampleNamed("m= three payloads");
     LineMemory memory;
-    {
-        const dsmtest::NoCopies noCopies;
-        EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
-        ASSERT_EQ(noCopies.reports().size(), 1u);
-        EXPECT_EQ(noCopies.reports()[0].first, "SdpCopyNonOthersMediaFormat");
-        EXPECT_EQ(noCopies.reports()[0].second, 915u);
-    }
+    support::SecureFaults::reset();
+    support::SecureFaults::failAt(1);
+    EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
+    ASSERT_EQ(support::SecureFaults::reports().size(), 1u);
+    EXPECT_FALSE(support::SecureFaults::reports()[0].ex);
+    EXPECT_EQ(support::SecureFaults::reports()[0].name, "SdpCopyNonOthersMediaFormat");
+    EXPECT_EQ(support::SecureFaults::reports()[0].number, 915u);
+    support::SecureFaults::reset();
     EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
 }
 

@@ -1,7 +1,7 @@
 // The encoder's driver: whole bodies, single lines, and the lines of a number or a text.
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <utility>
 
 #include "encoder/encodetest.hpp"
 

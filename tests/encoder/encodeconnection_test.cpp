@@ -1,4 +1,7 @@
 // The c= line.
+#include <algorithm>
+#include <initializer_list>
+
 #include "encoder/encodetest.hpp"
 
 namespace {

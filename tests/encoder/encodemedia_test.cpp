@@ -1,5 +1,6 @@
 // The media descriptions.
 #include <algorithm>
+#include <iterator>
 
 #include "encoder/encodetest.hpp"
 

@@ -53,6 +53,7 @@ TEST_F(EncodePrecondition, OtherPreconditionsAreWrittenByTheirText) {
     EXPECT_EQ(encoded(SDP_ATTR_CURR), "curr:bw local sendrecv");
     status.stPrecondition.pstrOtherPrecondition = nullptr;
     EXPECT_EQ(encoded(SDP_ATTR_CURR), "curr: local sendrecv");
+    EXPECT_EQ(Appends::count(), 5u) << "a text that is missing is no append";
     status.stPrecondition = {2, &bw};
     EXPECT_EQ(encoded(SDP_ATTR_CURR), "curr: local sendrecv");
 }

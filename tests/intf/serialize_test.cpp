@@ -8,16 +8,19 @@
 #include <vector>
 
 #include "dsm/linememory.hpp"
-#include "dsm/services.hpp"
 #include "sdpline/sdpline.h"
+#include "support/allocations.hpp"
 #include "support/appends.hpp"
+#include "support/guarded.hpp"
 #include "support/logs.hpp"
 
 namespace {
 
-using dsmtest::NoBlocks;
 using dsmtest::SystemMemory;
+using support::Allocations;
 using support::Appends;
+using support::Guarded;
+using support::Held;
 using Texts = std::vector<std::string>;
 
 // Ends in an attribute, whose failure the encoder does not report.
@@ -50,12 +53,6 @@ Body deserialized(std::string_view text) {
     SdpLine *line = nullptr;
     EXPECT_EQ(SdpLibDeSerializeSdp(bytesOf(text), static_cast<uint32_t>(text.size()), &line), 0u);
     return Body(line);
-}
-
-SipMmStatistics statistics() {
-    SipMmStatistics now;
-    SipMmGetStatistics(&now);
-    return now;
 }
 
 TEST(SerializeSdp, WritesTheTextThatWasDeserialized) {
@@ -91,21 +88,20 @@ TEST(SerializeSdp, RoundTripsUnderEveryLineEnd) {
     }
 }
 
-// Blocks of exactly the length, so that a sanitizer sees a byte too many.
 TEST(SerializeSdp, NeedsExactlyTheLengthOfTheText) {
     const Body body = deserialized(kText);
     const auto fits = static_cast<uint32_t>(kText.size());
     for (uint32_t room = 0; room <= fits + 1; ++room) {
         SCOPED_TRACE(room);
         const SystemMemory system;
-        const std::unique_ptr<uint8_t[]> bytes(new uint8_t[room]);
+        Guarded bytes(room);
         uint32_t length = 12345;
-        const SDPResult result = SdpLibSerializeSdp(body.get(), bytes.get(), room, &length);
+        const SDPResult result = SdpLibSerializeSdp(body.get(), bytes.data(), room, &length);
         EXPECT_EQ(result, room == 0 ? 0x0407f001u : room < fits ? 0x04084001u : 0u);
         EXPECT_EQ(length, room == 0 ? 12345u : room < fits ? 0u : fits);
         EXPECT_EQ(system.memory.live(), 0u);
         if (room >= fits) {
-            EXPECT_EQ(std::memcmp(bytes.get(), kText.data(), fits), 0);
+            EXPECT_EQ(std::memcmp(bytes.data(), kText.data(), fits), 0);
         }
     }
 }
@@ -192,24 +188,22 @@ TEST(SerializeSdp, RefusesNullPointersAndNoRoom) {
 }
 
 TEST(DeSerializeSdp, MakesABodyInABlockOfItsOwn) {
-    const SipMmStatistics before = statistics();
+    const Held before = Held::now();
     SdpLine *line = nullptr;
     ASSERT_EQ(SdpLibDeSerializeSdp(bytesOf(kText), static_cast<uint32_t>(kText.size()), &line), 0u);
     EXPECT_EQ(line->stMediaSet.ulNoOfMediaDescs, 1u);
     EXPECT_TRUE(line->pstMemCp != nullptr);
-    EXPECT_EQ(statistics().ulBlocks, before.ulBlocks + 1);
+    EXPECT_EQ(Held::now().blocks, before.blocks + 1);
     EXPECT_EQ(SdpLibReleaseSdp(&line), 0u);
     EXPECT_EQ(line, nullptr);
-    EXPECT_EQ(statistics().ulHeapBytes, before.ulHeapBytes);
+    EXPECT_TRUE(Held::now() == before);
 }
 
-// Exactly the bytes, with nothing readable behind them.
 TEST(DeSerializeSdp, ReadsNoByteBehindTheText) {
-    const std::unique_ptr<uint8_t[]> bytes(new uint8_t[kText.size()]);
-    std::memcpy(bytes.get(), kText.data(), kText.size());
+    Guarded bytes(kText);
     SdpLine *line = nullptr;
-    EXPECT_EQ(SdpLibDeSerializeSdp(bytes.get(), static_cast<uint32_t>(kText.size()), &line), 0u);
-    EXPECT_EQ(std::memcmp(bytes.get(), kText.data(), kText.size()), 0);
+    EXPECT_EQ(SdpLibDeSerializeSdp(bytes.data(), static_cast<uint32_t>(kText.size()), &line), 0u);
+    EXPECT_EQ(std::memcmp(bytes.data(), kText.data(), kText.size()), 0);
     SdpLibReleaseSdp(&line);
 }
 
@@ -229,7 +223,7 @@ TEST(DeSerializeSdp, OfARefusedTextAnswersTheParsersCodeAndKeepsNothing) {
     const SDPResult decoded = SdpLibDecodeSdp(&text, &line);
     ASSERT_NE(decoded, 0u);
 
-    const SipMmStatistics before = statistics();
+    const Held before = Held::now();
     support::LogRecorder logs;
     SdpLine other = {};
     line = &other;
@@ -239,17 +233,17 @@ TEST(DeSerializeSdp, OfARefusedTextAnswersTheParsersCodeAndKeepsNothing) {
     EXPECT_EQ(SdpGetFnAlloc(), nullptr);
     EXPECT_EQ(SdpGetFnFree(), nullptr);
     EXPECT_EQ(g_mSdpDecodeMemCp, nullptr);
-    EXPECT_EQ(statistics().ulBlocks, before.ulBlocks);
-    EXPECT_EQ(statistics().ulHeapBytes, before.ulHeapBytes);
+    EXPECT_TRUE(Held::now() == before);
 }
 
 TEST(DeSerializeSdp, WithoutABlockAnswersTheServicesCode) {
-    const NoBlocks noBlocks(4711);
+    Allocations::failAt(1);
     support::LogRecorder logs;
     SdpLine other = {};
     SdpLine *line = &other;
     EXPECT_EQ(SdpLibDeSerializeSdp(bytesOf(kText), static_cast<uint32_t>(kText.size()), &line),
-              4711u);
+              uint32_t{SIP_NO_MEMORY});
+    Allocations::reset();
     EXPECT_EQ(line, nullptr);
     EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpintf SdpLibDeSerializeSdp:605 1"});
 }

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Builds the library without libsipcore, as a stack with services of its own does, and runs a
+# program that supplies them.
+# usage: without_sipcore.sh SOURCE_DIR WORK_DIR CC CXX
+set -euo pipefail
+source=$1 work=$2 cc=$3 cxx=$4
+
+cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER="$cc" \
+  -DCMAKE_CXX_COMPILER="$cxx" -DSDPLINE_SIPCORE=OFF -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF >/dev/null
+cmake --build "$work" -j2 >/dev/null
+library=$work/src/libsdpline.so
+
+if [ -e "$work/src/sipcore" ] || readelf -d "$library" | grep -q sipcore; then
+  echo "libsipcore was built or is needed" >&2
+  exit 1
+fi
+for service in SipMmCreateBufMem SipSbCopyChar SipSmStringNCmp memset_s g_gpfnSipLmLogHndlr; do
+  if ! nm -D --undefined-only "$library" | grep -qw "$service"; then
+    echo "$service is not imported" >&2
+    exit 1
+  fi
+done
+"$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror -I"$source/include" -rdynamic \
+  "$source/tests/link/own_services.c" -L"$work/src" -lsdpline -Wl,-rpath,"$work/src" \
+  -o "$work/own_services"
+"$work/own_services"
