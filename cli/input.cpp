@@ -81,11 +81,11 @@ bool takeHeaders(std::string_view &text, Headers &headers) {
 
 std::optional<std::string> readInput(const std::string &path, std::string &error) {
     const auto close = [](std::FILE *file) { file != stdin ? std::fclose(file) : 0; };
+    errno = 0;
     const std::unique_ptr<std::FILE, decltype(close)> file(
         path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
     std::string text;
     char chunk[65536];
-    errno = 0;
     for (size_t got = 1; file && got != 0;) {
         got = std::fread(chunk, 1, sizeof chunk, file.get());
         text.append(chunk, got);

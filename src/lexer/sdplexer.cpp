@@ -196,8 +196,10 @@ bool takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
     while (from[size] != '/' && from[size] != '\n' && from[size] != '\0' && size <= limit) {
         ++size;
     }
-    const bool repeats = state.end == 0 && size != 0;
-    if (size > limit || from[size] == '\0' || repeats) {
+    if (state.end == 0 && size != 0) {
+        return false; // the byte at offset 0 comes again and again
+    }
+    if (size > limit || from[size] == '\0') {
         jumpTo(state.start + (size > limit ? limit : size));
         return false;
     }

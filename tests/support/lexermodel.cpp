@@ -259,7 +259,11 @@ std::optional<std::string> LexerModel::gatherRestOfLine(uint32_t limit) {
         if (gathered.size() + (end - start + 1) > limit) {
             return std::nullopt;
         }
-        gathered += *tokenText();
+        const std::optional<std::string> token = tokenText();
+        if (!token) {
+            return std::nullopt;
+        }
+        gathered += *token;
         consume();
     }
     return gathered;

@@ -1,0 +1,350 @@
+// The lexer beside its model, on random inputs under random operations: after every operation all
+// getters answer the same. The seed is fixed.
+#include "lexer/lexertest.hpp"
+
+#include <array>
+#include <cstring>
+#include <random>
+#include <string_view>
+
+#include "lexer/sdplexer.hpp"
+#include "support/lexermodel.hpp"
+
+namespace {
+
+using sdpline::lexer::takeBytesToSlash;
+using sdpline::lexer::takeRestOfLine;
+using support::LexerModel;
+
+class Random {
+public:
+    explicit Random(uint32_t seed) : engine_(seed) {}
+
+    uint32_t below(uint32_t bound) { return static_cast<uint32_t>(engine_() % bound); }
+    bool oneIn(uint32_t n) { return below(n) == 0; }
+
+    // Bytes that the contexts tell apart, among them now and then any byte and long runs.
+    std::string input() {
+        static constexpr std::string_view kinds[] = {
+            "IN IP4 IP6 X-", "osvuiepcbtkamrz=", "=========",
+            " \t\n\r",       "0123456789",       "abcXYZ",
+            "--::..//",      "<>();:@,",         "!\"#$%&'*+?[]^_`{|}~\\",
+        };
+        std::string text;
+        for (uint32_t pieces = below(24); pieces > 0; --pieces) {
+            const std::string_view kind = kinds[below(std::size(kinds))];
+            if (oneIn(16)) {
+                text += std::string(1, static_cast<char>(1 + below(255)));
+            } else if (oneIn(40)) {
+                text += std::string(1000 + below(60), kind[below(size(kind))]);
+            } else if (oneIn(3)) {
+                const uint32_t from = below(size(kind));
+                text += kind.substr(from, 1 + below(5));
+            } else {
+                text += std::string(1 + below(3), kind[below(size(kind))]);
+            }
+        }
+        return text;
+    }
+
+private:
+    static uint32_t size(std::string_view text) { return static_cast<uint32_t>(text.size()); }
+
+    std::mt19937 engine_;
+};
+
+class LexerModelTest : public LexerTest {
+protected:
+    // Both at the start of the same bytes.
+    void start(const std::string &text, uint32_t context) {
+        use(text, context);
+        size_ = static_cast<uint32_t>(text.size());
+        std::memset(sdpGetThrowAwayBuffer(), '#', 1024);
+        model_ = {};
+        model_.text.fill('#');
+        model_.input = sdpGetInput();
+        model_.context = context;
+        done_.clear();
+    }
+
+    void compare() {
+        ASSERT_EQ(sdpGetStartToken(), model_.start);
+        ASSERT_EQ(sdpGetEndToken(), model_.end);
+        ASSERT_EQ(sdpGetIndex(), model_.index);
+        ASSERT_EQ(sdpGetLastChar(), model_.last);
+        ASSERT_EQ(sdpGetTToken(), model_.kind);
+        ASSERT_EQ(LA(), model_.kind);
+        ASSERT_EQ(sdpGetEnd(), model_.ended);
+        ASSERT_EQ(sdpGetLexerContext(), model_.context);
+        ASSERT_EQ(sdpGetInput(), model_.input);
+    }
+
+    // ---- One operation on both
+
+    void consumeBoth(Random &) {
+        consume();
+        model_.consume();
+    }
+
+    void switchBoth(uint32_t context) {
+        done_ += std::to_string(context) + ' ';
+        setLexerContext(context);
+        model_.context = context;
+    }
+
+    void switchToAny(Random &random) {
+        switchBoth(random.oneIn(6) ? random.below(12) : 1 + random.below(6));
+    }
+
+    void matchAny(Random &random) {
+        const uint32_t kind = random.oneIn(2) ? LA() : random.below(70);
+        const bool matched = sdp_match(kind) != 0;
+        EXPECT_EQ(matched, model_.match(kind));
+    }
+
+    void classifyBoth(Random &) {
+        if (model_.start + model_.index <= size_) {
+            const uint32_t kind = nextToken();
+            EXPECT_EQ(kind, model_.nextToken());
+        }
+    }
+
+    void markBoth(Random &) {
+        if (model_.end < size_) { // or the next token would begin behind the NUL
+            mark();
+            model_.mark();
+        }
+    }
+
+    void clearBoth(Random &random) {
+        if (random.oneIn(8)) {
+            EXPECT_EQ(clearSdpLexer(), 1u);
+            model_.clear();
+        }
+    }
+
+    void startBoth(Random &) {
+        const uint32_t kind = startTracking();
+        EXPECT_EQ(kind, model_.startTracking());
+    }
+
+    // Any place of the input, as setters may set it.
+    void jump(Random &random) {
+        if (size_ == 0) {
+            return;
+        }
+        model_.start = random.below(size_);
+        model_.end = model_.start + (random.oneIn(4) ? 0 : random.below(size_ - model_.start));
+        model_.index = 0;
+        model_.kind = random.below(70);
+        model_.last = static_cast<uint8_t>(random.below(256));
+        model_.ended = random.oneIn(8) ? 2 : 0;
+        sdpSetStartToken(model_.start);
+        sdpSetEndToken(model_.end);
+        sdpSetIndex(model_.index);
+        sdpSetTToken(model_.kind);
+        sdpSetLastChar(model_.last);
+        sdpSetEnd(model_.ended);
+    }
+
+    // A token half made.
+    void build(Random &random) {
+        if (model_.start < size_ && random.oneIn(3)) {
+            model_.index = random.below(size_ - model_.start + 1);
+            sdpSetIndex(model_.index);
+        }
+    }
+
+    void readText(Random &) {
+        const std::optional<std::string> expected = model_.tokenText();
+        const char *const text = LT();
+        ASSERT_EQ(text != nullptr, expected.has_value());
+        if (text != nullptr) {
+            EXPECT_EQ(text, *expected);
+        }
+        EXPECT_EQ(std::memcmp(sdpGetThrowAwayBuffer(), model_.text.data(), 1024), 0);
+    }
+
+    void fillBuffer(Random &random) {
+        const std::string bytes = random.input().substr(0, random.below(20));
+        sdpSetThrowAwayBuffer(reinterpret_cast<const uint8_t *>(bytes.data()),
+                              static_cast<int32_t>(bytes.size()));
+        std::memcpy(model_.text.data(), bytes.data(), bytes.size());
+    }
+
+    struct Operation {
+        const char *name;
+        void (LexerModelTest::*run)(Random &random);
+    };
+    static const Operation kOperations[10];
+
+    void operate(Random &random) {
+        static constexpr Operation mostly = {"consume", &LexerModelTest::consumeBoth};
+        const Operation &operation =
+            random.oneIn(2) ? mostly : kOperations[random.below(std::size(kOperations))];
+        done_ += operation.name;
+        done_ += ' ';
+        SCOPED_TRACE(done_);
+        (this->*operation.run)(random);
+        compare();
+    }
+
+    // ---- The fast operations beside token by token
+
+    // Both on a token of the context that was cut at any place of the input, or on its end.
+    void stand(Random &random, uint32_t context) {
+        switchBoth(context);
+        if (!random.oneIn(4) && size_ != 0) {
+            jump(random);
+        }
+        for (uint32_t steps = 1 + random.below(3); steps > 0; --steps) {
+            consumeBoth(random);
+        }
+    }
+
+    void compareRestOfLine(uint32_t limit) {
+        std::string_view rest;
+        const bool fits = takeRestOfLine(rest, limit);
+        const std::optional<std::string> expected = model_.gatherRestOfLine(limit);
+        ASSERT_EQ(fits, expected.has_value());
+        if (fits) {
+            EXPECT_EQ(rest, *expected);
+        }
+        compare();
+    }
+
+    void compareBytesToSlash(uint32_t limit) {
+        std::string_view bytes;
+        const bool fits = takeBytesToSlash(bytes, limit);
+        const std::optional<std::string> expected = model_.gatherToSlash(limit);
+        ASSERT_EQ(fits, expected.has_value());
+        if (fits) {
+            EXPECT_EQ(bytes, *expected);
+        }
+        compare();
+    }
+
+    LexerModel model_;
+    uint32_t size_ = 0;
+    std::string done_;
+};
+
+const LexerModelTest::Operation LexerModelTest::kOperations[10] = {
+    {"switch", &LexerModelTest::switchToAny}, {"match", &LexerModelTest::matchAny},
+    {"next", &LexerModelTest::classifyBoth},  {"mark", &LexerModelTest::markBoth},
+    {"clear", &LexerModelTest::clearBoth},    {"start", &LexerModelTest::startBoth},
+    {"jump", &LexerModelTest::jump},          {"build", &LexerModelTest::build},
+    {"text", &LexerModelTest::readText},      {"fill", &LexerModelTest::fillBuffer},
+};
+
+TEST_F(LexerModelTest, RandomOperationsLeaveTheSameState) {
+    Random random(20240611);
+    for (int round = 0; round < 20000 && !HasFailure(); ++round) {
+        const std::string text = random.input();
+        SCOPED_TRACE(testing::PrintToString(text));
+        start(text, random.below(8));
+        for (uint32_t operations = 4 + random.below(60); operations > 0; --operations) {
+            operate(random);
+        }
+    }
+}
+
+// As the parser uses it: one input from its start to its end.
+TEST_F(LexerModelTest, RandomInputsAreCutTheSameFromStartToEnd) {
+    Random random(7);
+    for (int round = 0; round < 5000 && !HasFailure(); ++round) {
+        const std::string text = "v=" + random.input();
+        SCOPED_TRACE(testing::PrintToString(text));
+        start(text, SDP_LEXCTX_SDP);
+        startBoth(random);
+        compare();
+        while (model_.ended != 1 && !HasFailure()) {
+            switchBoth(1 + random.below(6));
+            SCOPED_TRACE(done_);
+            consumeBoth(random);
+            compare();
+            readText(random);
+        }
+    }
+}
+
+TEST_F(LexerModelTest, RestsOfLinesAreGatheredAsTokenByToken) {
+    Random random(4711);
+    for (int round = 0; round < 20000 && !HasFailure(); ++round) {
+        const std::string text = random.input();
+        SCOPED_TRACE(testing::PrintToString(text));
+        start(text, SDP_LEXCTX_STRING);
+        stand(random, SDP_LEXCTX_STRING);
+        compareRestOfLine(random.oneIn(3) ? 1023 : random.below(40));
+    }
+}
+
+TEST_F(LexerModelTest, ARestOfLineFitsUpToItsLimit) {
+    for (uint32_t limit = 0; limit < 16; ++limit) {
+        for (const std::string text :
+             {"s=ab cd\tef  g\nx", "s=ab cd\tef  g", "s=\nx", "s=", "s=a b"}) {
+            SCOPED_TRACE(text + ' ' + std::to_string(limit));
+            start(text, SDP_LEXCTX_SDP);
+            Random random(1);
+            startBoth(random);
+            switchBoth(SDP_LEXCTX_STRING);
+            consumeBoth(random);
+            compareRestOfLine(limit);
+        }
+    }
+}
+
+// The token at offset 0 comes again and again, so that the rest of its line never fits.
+TEST_F(LexerModelTest, ARestOfLineBehindOffset0NeverFits) {
+    for (const std::string text : {"x yz\n", " xyz\n", "\txyz", "x", "x\n", "xy z\n", "\nx", ""}) {
+        for (const uint32_t limit : {0u, 1u, 2u, 3u, 4u, 5u, 1023u}) {
+            SCOPED_TRACE(testing::PrintToString(text) + ' ' + std::to_string(limit));
+            start(text, SDP_LEXCTX_STRING);
+            Random random(1);
+            startBoth(random);
+            compareRestOfLine(limit);
+        }
+    }
+}
+
+TEST_F(LexerModelTest, BytesToASlashAreGatheredAsByteByByte) {
+    Random random(815);
+    for (int round = 0; round < 20000 && !HasFailure(); ++round) {
+        const std::string text = random.input();
+        SCOPED_TRACE(testing::PrintToString(text));
+        start(text, SDP_LEXCTX_CHAR);
+        stand(random, SDP_LEXCTX_CHAR);
+        compareBytesToSlash(random.oneIn(3) ? 255 : random.below(20));
+    }
+}
+
+TEST_F(LexerModelTest, BytesToASlashFitUpToTheirLimit) {
+    for (uint32_t limit = 0; limit < 9; ++limit) {
+        for (const std::string text : {"5 L16 x/8000\n", "5 ab\n", "5 ab", "5 /8", "5 \n", "5 "}) {
+            SCOPED_TRACE(testing::PrintToString(text) + ' ' + std::to_string(limit));
+            start(text, SDP_LEXCTX_CHAR);
+            Random random(1);
+            sdpSetStartToken(1);
+            sdpSetEndToken(1);
+            model_.start = 1;
+            model_.end = 1;
+            consumeBoth(random);
+            compareBytesToSlash(limit);
+        }
+    }
+}
+
+// The byte at offset 0 comes again and again, so that no slash is ever reached.
+TEST_F(LexerModelTest, BytesBehindOffset0NeverReachASlash) {
+    for (const std::string text : {"ab/8\n", "a/\n", "a\n", "ab", "/ab", "\nab", ""}) {
+        for (const uint32_t limit : {0u, 1u, 2u, 3u, 255u}) {
+            SCOPED_TRACE(testing::PrintToString(text) + ' ' + std::to_string(limit));
+            start(text, SDP_LEXCTX_CHAR);
+            Random random(1);
+            startBoth(random);
+            compareBytesToSlash(limit);
+        }
+    }
+}
+
+} // namespace
