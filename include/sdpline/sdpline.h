@@ -127,11 +127,10 @@ SDPLINE_API SDPResult SdpLibDeSerializeSdpValidate(uint8_t *pucBuf, uint32_t ulL
 
 /* The last text that the parser refused. Lines and columns count from 1, offsets from 0, all in
  * bytes of the caller's own text; line 0 means that no place in the text is to blame (its length,
- * memory). The place is where the parser stood: the token that did not fit, or, where a whole word
- * was judged, the one behind it. */
+ * memory). The place is that of the token that did not fit, or of the word that was judged. */
 typedef struct SDPFailure {
     uint32_t ulResult; /* the code that was returned; 0 when nothing was refused yet */
-    uint32_t enToken;  /* SDP_TOK_... of the token there, see sdpinternals.h */
+    uint32_t enToken;  /* SDP_TOK_... of the token the parser had reached, see sdpinternals.h */
     uint32_t ulLine;
     uint32_t ulColumn;
     uint32_t ulOffset;

@@ -200,9 +200,13 @@ uint32_t originalOffset(const SipString &text, uint32_t offset) {
     return found;
 }
 
-// Remembers why the text was refused and where the lexer stands.
+// Remembers why the text was refused and where: at the word that was judged, or else where the
+// lexer stands.
 void rememberPlace(const SipString &text, SDPResult result) {
-    const uint32_t offset = originalOffset(text, lexer::state.start);
+    const char *const word = lastFailed.word;
+    const auto *const input = reinterpret_cast<const char *>(lexer::state.input);
+    const uint32_t offset = originalOffset(
+        text, word != nullptr ? static_cast<uint32_t>(word - input) : lexer::state.start);
     uint32_t line = 1;
     uint32_t lineStart = 0;
     for (uint32_t i = 0; i < offset; ++i) {
@@ -212,7 +216,7 @@ void rememberPlace(const SipString &text, SDPResult result) {
         }
     }
     lastFailure = {result, lexer::kind(),       line, offset - lineStart + 1,
-                   offset, row(lastFailed).name};
+                   offset, row(lastFailed.check).name};
 }
 
 SDPResult refuse(Check check) {

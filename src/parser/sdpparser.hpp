@@ -79,7 +79,7 @@ inline SDPResult classify(uint32_t &code, std::span<const Word> table, std::stri
                           Check unknown, uint32_t line = __builtin_LINE()) {
     const Word *const row = findByText(table, word);
     if (row == nullptr) {
-        return fail(unknown, 0, line);
+        return failWord(unknown, word.data(), line);
     }
     code = row->code;
     return 0;

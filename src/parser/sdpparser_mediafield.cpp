@@ -97,7 +97,7 @@ SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
         return result == 0 ? 0 : fail(Check::FormatStore);
     }
     if (known->code == SDP_FMT_T120 && field.stProto.enProto != SDP_PROTO_TCP) {
-        return fail(Check::FormatT120);
+        return failWord(Check::FormatT120, word.data());
     }
     fmt = {};
     fmt.enFmtType = known->code;

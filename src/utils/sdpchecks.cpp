@@ -103,7 +103,7 @@ const char *className(uint16_t errorClass) {
     }
 }
 
-Check lastFailed = Check::Count;
+LastFailed lastFailed = {Check::Count, nullptr};
 
 namespace {
 
@@ -160,10 +160,16 @@ SDPResult codeOf(Check check) {
 
 SDPResult fail(Check check, uint32_t value, uint32_t line) {
     if (isOfParsing(row(check).source)) {
-        lastFailed = check;
+        lastFailed = {check, nullptr};
     }
     report(row(check), value, line);
     return codeOf(check);
+}
+
+SDPResult failWord(Check check, const char *word, uint32_t line) {
+    const SDPResult result = fail(check, 0, line);
+    lastFailed.word = word;
+    return result;
 }
 
 SDPResult passUp(Check check, SDPResult result, uint32_t line) {

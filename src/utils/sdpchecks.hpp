@@ -81,6 +81,9 @@ SDPResult codeOf(Check check);
 // row's format; rows without a format ignore it.
 [[gnu::cold]] SDPResult fail(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE());
 
+// The same for a check that judged a word which the lexer has already left behind.
+[[gnu::cold]] SDPResult failWord(Check check, const char *word, uint32_t line = __builtin_LINE());
+
 // Logs a Pass row and answers `result` unchanged. The format's argument, where the row has a
 // format, is `result` too.
 [[gnu::cold]] SDPResult passUp(Check check, SDPResult result, uint32_t line = __builtin_LINE());
@@ -89,8 +92,13 @@ SDPResult codeOf(Check check);
 const char *sourceName(Source source);
 const char *className(uint16_t errorClass);
 
-// The last check of lexer, parser and utilities that fail() reported.
-extern Check lastFailed;
+// The last check of lexer, parser and utilities that fail() reported, and the word that it judged
+// where that is no longer the current token, else null.
+struct LastFailed {
+    Check check;
+    const char *word;
+};
+extern LastFailed lastFailed;
 
 #ifdef SDPLINE_COUNT_CHECKS
 // How often each check failed since the start; test builds only.
