@@ -1,6 +1,8 @@
 // Cutting tokens: one function per context, runs found in one loop over the byte tables.
 #include "lexer/sdplexer.hpp"
 
+#include <cstring>
+
 namespace sdpline::lexer {
 
 State state = {.input = nullptr,
@@ -166,13 +168,11 @@ void advanceIpv6() {
 }
 
 bool takeRestOfLine(std::string_view &rest, uint32_t limit) {
-    const uint8_t *const from = state.input + state.start;
-    const uint8_t *to = from;
-    while (*to != '\n' && *to != '\0') {
-        ++to;
-    }
-    const auto size = static_cast<uint32_t>(to - from);
-    rest = {reinterpret_cast<const char *>(from), size};
+    const auto *const from = reinterpret_cast<const char *>(state.input + state.start);
+    const char *const lineEnd = std::strchr(from, '\n');
+    const auto size =
+        static_cast<uint32_t>(lineEnd != nullptr ? lineEnd - from : std::strlen(from));
+    rest = {from, size};
     // A token that ended at offset 0 comes again and again, and so never fits.
     const bool repeats = state.end == 0;
     if (size <= limit && !repeats) {

@@ -1,9 +1,8 @@
 // The attribute names, and which name a text is.
 #include "parser/sdpattributes.hpp"
 
-#include <cstring>
-
 #include "sdpline/sdpline.h"
+#include "utils/sdpnames.hpp"
 
 namespace {
 
@@ -16,7 +15,7 @@ constexpr SipString literal(const char (&text)[N]) {
 
 extern "C" {
 
-constinit const SipString sstrSdpAttrNames[40] = {
+constexpr SipString sstrSdpAttrNames[40] = {
     literal("rtpmap:"),
     literal("sendrecv"),
     literal("sendonly"),
@@ -67,22 +66,25 @@ namespace {
 
 constexpr uint32_t kRows = 40;
 
-// The name without its colon.
-std::string_view nameOf(uint32_t row) {
-    const SipString &name = sstrSdpAttrNames[row];
-    const bool colon = name.ulLen > 1 && name.pcData[name.ulLen - 1] == ':';
-    return {name.pcData, name.ulLen - (colon ? 1 : 0)};
-}
+// The names without their colons.
+constexpr NamesByLength<kRows> kNames([] {
+    std::array<std::string_view, kRows> names;
+    for (uint32_t row = 0; row < kRows; ++row) {
+        const SipString &name = sstrSdpAttrNames[row];
+        names[row] = {name.pcData, name.ulLen};
+        if (names[row].ends_with(':')) {
+            names[row].remove_suffix(1);
+        }
+    }
+    return names;
+}());
+static_assert(kNames.holdsAll());
 
 } // namespace
 
 uint32_t attributeType(std::string_view name) {
-    for (uint32_t row = 0; row < kRows; ++row) {
-        if (nameOf(row) == name) {
-            return row + 1;
-        }
-    }
-    return SDP_ATTR_UNKNOWN;
+    static_assert(SDP_ATTR_UNKNOWN == kRows + 1);
+    return static_cast<uint32_t>(kNames.lastRow(name)) + 1;
 }
 
 } // namespace sdpline

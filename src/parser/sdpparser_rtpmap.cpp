@@ -1,5 +1,6 @@
 // a=rtpmap (RFC 4566 section 6), and the static profile that an encoding name stands for.
 #include "parser/sdpparser.hpp"
+#include "parser/sdprtpprofiles.hpp"
 
 namespace sdpline {
 
@@ -7,7 +8,6 @@ namespace {
 
 constexpr uint32_t kMaxName = 255;
 constexpr uint32_t kMaxLookup = 1024;
-constexpr uint32_t kProfiles = 35;
 
 constexpr uint32_t kDvi4At8k = 4;
 constexpr uint32_t kDvi4At16k = 5;
@@ -15,17 +15,6 @@ constexpr uint32_t kDvi4At11k = 15;
 constexpr uint32_t kDvi4At22k = 16;
 constexpr uint32_t kL16Stereo = 9;
 constexpr uint32_t kL16Mono = 10;
-
-// The number of the last profile of that name, 0 when there is none.
-uint32_t lastProfile(std::string_view name) {
-    for (uint32_t number = kProfiles; number > 0; --number) {
-        const SipString &profile = g_aStrRtpmapProfiles[number - 1];
-        if (name == std::string_view{profile.pcData, profile.ulLen}) {
-            return number;
-        }
-    }
-    return 0;
-}
 
 // payload SP name, entered on the payload type. One blank is skipped; others belong to the name.
 SDPResult parsePayloadAndName(SDPRtpMapAttr &rtpMap) {

@@ -1,5 +1,8 @@
 // The static RTP payload profiles (RFC 3551 section 6) and the accessors that stacks read them by.
+#include "parser/sdprtpprofiles.hpp"
+
 #include "sdpline/sdpline.h"
+#include "utils/sdpnames.hpp"
 
 // Name and clock rate in Hz, 0 where the encoding has no fixed one. The first 17 follow the static
 // payload types 0 and 3 to 18; a profile number is a row plus 1. L16 is there for two channels,
@@ -45,11 +48,11 @@
 extern "C" {
 
 #define PROFILE(name, clockRate) {sizeof name - 1, const_cast<char *>(name)},
-constinit const SipString g_aStrRtpmapProfiles[36] = {SDPLINE_PROFILES(PROFILE)};
+constexpr SipString g_aStrRtpmapProfiles[36] = {SDPLINE_PROFILES(PROFILE)};
 #undef PROFILE
 
 #define PROFILE(name, clockRate) clockRate,
-constinit const uint32_t g_aulRtpmapClockRates[36] = {SDPLINE_PROFILES(PROFILE)};
+constexpr uint32_t g_aulRtpmapClockRates[36] = {SDPLINE_PROFILES(PROFILE)};
 #undef PROFILE
 
 SipString SdpGetRtpmapProfile(uint16_t usRow) {
@@ -66,3 +69,27 @@ uint32_t SdpGetRtpmapClockRates(uint16_t usRow) {
 }
 
 } // extern "C"
+
+namespace sdpline {
+
+namespace {
+
+constexpr uint32_t kProfiles = 35;
+
+constexpr NamesByLength<kProfiles> kNames([] {
+    std::array<std::string_view, kProfiles> names;
+    for (uint32_t row = 0; row < kProfiles; ++row) {
+        names[row] = {g_aStrRtpmapProfiles[row].pcData, g_aStrRtpmapProfiles[row].ulLen};
+    }
+    return names;
+}());
+static_assert(kNames.holdsAll());
+
+} // namespace
+
+uint32_t lastProfile(std::string_view name) {
+    const size_t row = kNames.lastRow(name);
+    return row < kProfiles ? static_cast<uint32_t>(row) + 1 : 0;
+}
+
+} // namespace sdpline

@@ -5,6 +5,33 @@
 
 #include <cerrno>
 #include <cstring>
+#include <type_traits>
+
+namespace {
+
+// Records of a few fields are what is filled most: two overlapping stores of a fixed size each do
+// without a call.
+constexpr size_t kSmallFill = 64;
+
+void fillSmall(char *to, int value, size_t count) {
+    const auto fillEnds = [=]<size_t Half>(std::integral_constant<size_t, Half>) {
+        std::memset(to, value, Half);
+        std::memset(to + count - Half, value, Half);
+    };
+    if (count > 32) {
+        fillEnds(std::integral_constant<size_t, 32>());
+    } else if (count > 16) {
+        fillEnds(std::integral_constant<size_t, 16>());
+    } else if (count >= 8) {
+        fillEnds(std::integral_constant<size_t, 8>());
+    } else {
+        for (size_t i = 0; i < count; ++i) {
+            to[i] = static_cast<char>(value);
+        }
+    }
+}
+
+} // namespace
 
 int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount) {
     if (ulCount == 0) {
@@ -30,7 +57,11 @@ int memset_s(void *pDest, size_t ulDestMax, int iValue, size_t ulCount) {
     if (ulCount > ulDestMax) {
         return ERANGE;
     }
-    std::memset(pDest, iValue, ulCount);
+    if (ulCount <= kSmallFill) {
+        fillSmall(static_cast<char *>(pDest), iValue, ulCount);
+    } else {
+        std::memset(pDest, iValue, ulCount);
+    }
     return 0;
 }
 

@@ -9,6 +9,24 @@
 
 namespace sdpline {
 
+// Most texts are a word: up to sixteen bytes are copied without a call.
+inline void copyBytes(char *to, const char *from, size_t size) {
+    if (size > 16) {
+        std::memcpy(to, from, size);
+    } else if (size >= 8) {
+        uint64_t first;
+        uint64_t last;
+        std::memcpy(&first, from, 8);
+        std::memcpy(&last, from + size - 8, 8);
+        std::memcpy(to, &first, 8);
+        std::memcpy(to + size - 8, &last, 8);
+    } else {
+        for (size_t i = 0; i < size; ++i) {
+            to[i] = from[i];
+        }
+    }
+}
+
 // Null when there is no hook, or the hook has no memory.
 inline void *allocateBytes(uint32_t size) {
     const SdpFnAlloc alloc = g_gSdpFnAlloc;
@@ -47,7 +65,7 @@ inline SDPResult storeText(SipString &value, std::string_view text) {
     if (value.pcData == nullptr) {
         return fail(Check::SetString);
     }
-    std::memcpy(value.pcData, text.data(), text.size());
+    copyBytes(value.pcData, text.data(), text.size());
     return 0;
 }
 
