@@ -17,22 +17,32 @@ std::string joined(std::initializer_list<std::string_view> lines) {
 }
 
 std::string audioOffer() {
-    return joined({"v=0", "o=alice 2890844526 2890844526 IN IP4 192.0.2.101", "s=-",
-                   "c=IN IP4 192.0.2.101", "t=0 0", "m=audio 49172 RTP/AVP 0 8 101",
-                   "a=rtpmap:0 PCMU/8000", "a=rtpmap:8 PCMA/8000",
-                   "a=rtpmap:101 telephone-event/8000", "a=fmtp:101 0-15", "a=ptime:20",
-                   "a=sendrecv"});
+    return joined(
+        {"v=0", "o=alice 2890844526 2890844526 IN IP4 192.0.2.101", "s=-", "c=IN IP4 192.0.2.101",
+         "t=0 0", "m=audio 49172 RTP/AVP 0 8 101", "a=rtpmap:0 PCMU/8000", "a=rtpmap:8 PCMA/8000",
+         "a=rtpmap:101 telephone-event/8000", "a=fmtp:101 0-15", "a=ptime:20", "a=sendrecv"});
 }
 
 std::string audioMedia() {
-    return joined({"m=audio 49170 RTP/AVP 0 8 18 96 97 101", "c=IN IP4 192.0.2.101", "b=AS:80",
-                   "a=rtpmap:0 PCMU/8000", "a=rtpmap:8 PCMA/8000", "a=rtpmap:18 G729/8000",
-                   "a=fmtp:18 annexb=no", "a=rtpmap:96 AMR-WB/16000",
+    return joined({"m=audio 49170 RTP/AVP 0 8 18 96 97 101",
+                   "c=IN IP4 192.0.2.101",
+                   "b=AS:80",
+                   "a=rtpmap:0 PCMU/8000",
+                   "a=rtpmap:8 PCMA/8000",
+                   "a=rtpmap:18 G729/8000",
+                   "a=fmtp:18 annexb=no",
+                   "a=rtpmap:96 AMR-WB/16000",
                    "a=fmtp:96 mode-set=0,1,2; mode-change-period=2; octet-align=1",
-                   "a=rtpmap:97 AMR/8000", "a=fmtp:97 mode-set=7; octet-align=1",
-                   "a=rtpmap:101 telephone-event/8000", "a=fmtp:101 0-15", "a=ptime:20",
-                   "a=maxptime:240", "a=curr:qos local none", "a=curr:qos remote none",
-                   "a=des:qos mandatory local sendrecv", "a=des:qos optional remote sendrecv",
+                   "a=rtpmap:97 AMR/8000",
+                   "a=fmtp:97 mode-set=7; octet-align=1",
+                   "a=rtpmap:101 telephone-event/8000",
+                   "a=fmtp:101 0-15",
+                   "a=ptime:20",
+                   "a=maxptime:240",
+                   "a=curr:qos local none",
+                   "a=curr:qos remote none",
+                   "a=des:qos mandatory local sendrecv",
+                   "a=des:qos optional remote sendrecv",
                    "a=sendrecv"});
 }
 

@@ -80,9 +80,8 @@ using Measured = void (*)(benchmark::State &, const bench::Body &);
 void measure(const char *name, Measured function) {
     for (const bench::Body &body : bench::bodies()) {
         const std::string full = std::string(name) + '/' + body.name;
-        benchmark::RegisterBenchmark(full.c_str(), [function, &body](benchmark::State &state) {
-            function(state, body);
-        });
+        benchmark::RegisterBenchmark(
+            full.c_str(), [function, &body](benchmark::State &state) { function(state, body); });
     }
 }
 

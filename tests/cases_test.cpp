@@ -142,8 +142,8 @@ private:
         std::string logs;
         std::string expectedLogs;
         for (size_t i = 0; i < decoded.logs.size(); ++i) {
-            const bool lineStated = i + 1 < expected.size() &&
-                                    expected[i + 1] == decoded.logsWithLines[i];
+            const bool lineStated =
+                i + 1 < expected.size() && expected[i + 1] == decoded.logsWithLines[i];
             logs += (lineStated ? decoded.logsWithLines[i] : decoded.logs[i]) + '\n';
         }
         for (size_t i = 1; i < expected.size(); ++i) {
@@ -160,8 +160,8 @@ private:
         const std::string written = encode(*decoded.body);
         {
             SCOPED_TRACE(place(*case_.text));
-            EXPECT_EQ(visible(written), case_.text->has("same") ? visible(case_.body)
-                                                                : case_.text->joined());
+            EXPECT_EQ(visible(written),
+                      case_.text->has("same") ? visible(case_.body) : case_.text->joined());
         }
         const Decoded again = decode(written);
         ASSERT_EQ(again.result, 0u) << "what is written back is refused";
@@ -198,8 +198,8 @@ private:
                 SDPResultText text = {};
                 ASSERT_EQ(SdpLibDescribeResult(decoded.result, &text), 0u);
                 const std::string sentence = text.pcSentence;
-                const bool ofMemory = sentence.starts_with("no memory") ||
-                                      sentence.starts_with("the memory block");
+                const bool ofMemory =
+                    sentence.starts_with("no memory") || sentence.starts_with("the memory block");
                 ASSERT_TRUE(ofMemory || case_.refused)
                     << "allocation " << n << ": " << code(decoded.result) << ' ' << sentence;
                 ASSERT_EQ(decoded.body, nullptr);
@@ -258,7 +258,8 @@ std::string testName(const std::string &title) {
 const bool registered = [] {
     static const std::vector<Case> cases = support::readCases(SDPLINE_CASES);
     for (const Case &current : cases) {
-        const std::string suite = "Cases_" + testName(current.file.substr(0, current.file.find('.')));
+        const std::string suite =
+            "Cases_" + testName(current.file.substr(0, current.file.find('.')));
         testing::RegisterTest(suite.c_str(), testName(current.title).c_str(), nullptr, nullptr,
                               current.file.c_str(), current.at,
                               [&current]() -> CaseTest * { return new CaseTest(current); });

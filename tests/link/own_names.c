@@ -11,7 +11,9 @@ static int called;
 
 #define OWN(name)                                                                                  \
     int name(void);                                                                                \
-    int name(void) { return ++called; }
+    int name(void) {                                                                               \
+        return ++called;                                                                           \
+    }
 
 OWN(mark)
 OWN(consume)

@@ -218,8 +218,7 @@ uint32_t SipDsmClearGeneralField(SDPMemCp *memCp, void *value, const SipDsmTypeD
 }
 
 const SipDsmTypeDef g_gstStringDef = {sizeof(SipString), SIP_DSM_STRING, NULL};
-const SipDsmTypeDef g_gstStringPointerDef = {sizeof(SipString *), SIP_DSM_POINTER,
-                                             &g_gstStringDef};
+const SipDsmTypeDef g_gstStringPointerDef = {sizeof(SipString *), SIP_DSM_POINTER, &g_gstStringDef};
 const SipDsmTypeDef g_gstHostIPV4Def = {4, SIP_DSM_UNSIGNED, NULL};
 const SipDsmTypeDef g_gstHostIPV6Def = {16, SIP_DSM_UNSIGNED, NULL};
 
