@@ -50,7 +50,7 @@ SDPResult sdpLibEncodeRepeatFields(uint32_t *pulFlag, SDPRepeatFieldSet *pstSet,
         if (units != nullptr) {
             line.then([=] { return sdpLibEncodeTimeUnit(units[0], pstBuf); });
         }
-        for (uint32_t k = 1; k < field.ulNoOfTimeUnits; ++k) {
+        for (uint32_t k = 1; units != nullptr && k < field.ulNoOfTimeUnits; ++k) {
             line.character(' ').then([=] { return sdpLibEncodeTimeUnit(units[k], pstBuf); });
         }
         if (const SDPResult result = line.lineEnd().result()) {

@@ -170,8 +170,9 @@ void advanceIpv6() {
 bool takeRestOfLine(std::string_view &rest, uint32_t limit) {
     const auto *const from = reinterpret_cast<const char *>(state.input + state.start);
     const char *const lineEnd = std::strchr(from, '\n');
-    const auto size =
-        static_cast<uint32_t>(lineEnd != nullptr ? lineEnd - from : std::strlen(from));
+    const size_t length =
+        lineEnd != nullptr ? static_cast<size_t>(lineEnd - from) : std::strlen(from);
+    const auto size = static_cast<uint32_t>(length);
     rest = {from, size};
     // A token that ended at offset 0 comes again and again, and so never fits.
     const bool repeats = state.end == 0;

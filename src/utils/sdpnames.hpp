@@ -13,6 +13,8 @@ namespace sdpline {
 // The rows of a table of N names, those of one length together and in rising order.
 template <size_t N>
 class NamesByLength {
+    static_assert(N < 256, "rows are kept in bytes");
+
 public:
     static constexpr size_t kMaxLength = 31;
 
@@ -20,9 +22,9 @@ public:
         uint8_t at = 0;
         for (size_t length = 0; length <= kMaxLength; ++length) {
             first_[length] = at;
-            for (uint8_t row = 0; row < N; ++row) {
+            for (size_t row = 0; row < N; ++row) {
                 if (names[row].size() == length) {
-                    rows_[at++] = row;
+                    rows_[at++] = static_cast<uint8_t>(row);
                 }
             }
         }

@@ -17,8 +17,8 @@ namespace {
 constexpr uint32_t kMaxLetters = SDP_IPV6_PATTERN - 1;
 constexpr uint32_t kMaxColons = 8;
 constexpr uint32_t kAddressSize = 16;
-constexpr uint32_t kSlot = 4; // bytes of a token's text; a fifth, its NUL, is in the next slot
-constexpr uint32_t kSlots = kSlot * SDP_IPV6_TOKENS;
+constexpr size_t kSlot = 4; // bytes of a token's text; a fifth, its NUL, is in the next slot
+constexpr size_t kSlots = kSlot * SDP_IPV6_TOKENS;
 
 // Letters and token texts as they come. One step may write a letter more than the pattern keeps.
 struct Tokens {
