@@ -256,13 +256,13 @@ typedef struct SDPRtpMapAttr {
     uint32_t ulEncodingParams; /* channels; 1 when the text gives none */
 } SDPRtpMapAttr;
 
-/* a=silenceSupp; strParams begins with the blank behind "on" or "off". */
+/* a=silenceSupp; strParams is what follows "on" or "off", its blank included. */
 typedef struct SDPSilenceSuppression {
     uint32_t bOn;
     SipString strParams;
 } SDPSilenceSuppression;
 
-/* a=ecan; strParams begins with the blank behind "on" or "off". */
+/* a=ecan; strParams is what follows "on" or "off", its blank included. */
 typedef struct SDPEcan {
     uint32_t bOn;
     uint32_t enEcanDir;

@@ -86,23 +86,29 @@ public:
         }
     }
 
+    // No bytes are no bytes, wherever they are said to lie.
     void text(const SipString &value) {
         number(value.ulLen);
-        if (points(value.pcData)) {
+        if (value.ulLen == 0) {
+            keep(value.pcData);
+        } else if (points(value.pcData)) {
             look_.text.append("'").append(value.pcData, value.ulLen).append("' ");
         }
     }
 
 private:
-    void number(uint32_t value) { look_.text += std::to_string(value) + " "; }
+    void number(uint32_t value) { look_.text.append(std::to_string(value)).push_back(' '); }
+
+    bool keep(const void *piece) {
+        if (piece != nullptr) {
+            look_.pieces.push_back(piece);
+        }
+        return piece != nullptr;
+    }
 
     bool points(const void *to) {
-        if (to == nullptr) {
-            look_.text += "- ";
-            return false;
-        }
-        look_.pieces.push_back(to);
-        return true;
+        look_.text += to == nullptr ? "- " : "";
+        return keep(to);
     }
 
     void textAt(const SipString *value) {

@@ -1,4 +1,6 @@
-/* Every public C header in a C11 program, and a body decoded and written back. */
+/* Every public C header in a C11 program; a body decoded, edited with copied lines and written. */
+#include <sdpline/sdpcopy.h>
+#include <sdpline/sdpdescriptors.h>
 #include <sdpline/sdpinternals.h>
 #include <sdpline/sdpline.h>
 #include <sdpline/sdprecords.h>
@@ -7,36 +9,159 @@
 #include <stdio.h>
 #include <string.h>
 
+_Static_assert(sizeof(SipString) == 12, "counted text");
+_Static_assert(sizeof(SDPMemCp) == 24, "the memory control");
 _Static_assert(sizeof(SdpLine) == 192, "the body record");
-_Static_assert(sizeof(SDPAttr) == 40, "the attribute record");
+_Static_assert(sizeof(SDPOrigin) == 72, "the o= record");
+_Static_assert(sizeof(SDPConnection) == 52, "the c= record");
+_Static_assert(sizeof(SDPMediaField) == 48, "the m= record");
+_Static_assert(sizeof(SDPAttr) == 40, "the a= record");
+_Static_assert(sizeof(SDPTimeField) == 16, "the t= record");
+_Static_assert(sizeof(SDPRepeatField) == 12, "the r= record");
+_Static_assert(sizeof(SDPKey) == 12, "the k= record");
+_Static_assert(sizeof(SDPMediaDesc) == 88, "one media description");
+_Static_assert(sizeof(SipDsmTypeDef) == 16, "a descriptor");
+_Static_assert(sizeof(SipDsmChoiceDef) == 16, "a choice");
+_Static_assert(sizeof(SipDsmSequenceDef) == 12, "a sequence");
+_Static_assert(sizeof(SipDsmCPointerDef) == 20, "a coded text");
+_Static_assert(offsetof(SipString, pcData) == 4, "packed to 4 bytes");
+_Static_assert(offsetof(SipDsmTypeDef, pDetail) == 8, "packed to 4 bytes");
+_Static_assert(offsetof(SdpLine, pstConnection) == 120, "the session's c= line");
 _Static_assert(offsetof(SdpLine, stMediaSet) == 172, "the media descriptions");
+_Static_assert(offsetof(SDPAttr, pstAttrName) == 32, "the name of an attribute");
+_Static_assert(offsetof(SDPConnection, ulTtl) == 44, "the TTL");
 _Static_assert(offsetof(SDPMediaField, stMediaFmt.unMediaFmt.stRtpPayLoads.pulPayLoads) == 40,
                "the payload numbers");
 
-int main(void) {
-    static const char body[] = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n"
-                               "m=audio 49170 RTP/AVP 0 8\r\na=sendrecv\r\n";
-    static const char edited[] = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n"
-                                 "m=audio 49172 RTP/AVP 0 8\r\na=sendonly\r\n";
-    SipString text = {sizeof body - 1, (char *)body};
-    SdpLine *line = NULL;
-    if (SdpLibDecodeSdp(&text, &line) != 0) {
+/* clang-format off */
+static const char body[] =
+    "v=0\r\n"
+    "o=- 1 1 IN IP4 192.0.2.1\r\n"
+    "s=-\r\n"
+    "t=0 0\r\n"
+    "m=audio 49170 RTP/AVP 0 101\r\n"
+    "c=IN IP4 192.0.2.1\r\n"
+    "a=rtpmap:101 telephone-event/8000\r\n"
+    "a=sendrecv\r\n";
+
+static const char edited[] =
+    "v=0\r\n"
+    "o=- 1 1 IN IP4 192.0.2.1\r\n"
+    "s=-\r\n"
+    "c=IN IP4 192.0.2.1\r\n"
+    "t=0 0\r\n"
+    "a=rtpmap:101 telephone-event/8000\r\n"
+    "m=audio 49172 RTP/AVP 0 101\r\n"
+    "c=IN IP4 192.0.2.1\r\n"
+    "a=rtpmap:101 telephone-event/8000\r\n"
+    "a=sendonly\r\n";
+/* clang-format on */
+
+static int failed(const char *what) {
+    printf("c11: %s\n", what);
+    return 1;
+}
+
+/* A new record in the body's own block, all zero as its memory is. */
+static void *newRecord(SdpLine *line, size_t size) {
+    return line->pstMemCp->pfnAlloc(line->pstMemCp, (uint32_t)size);
+}
+
+/* The media's c= line copied into a record of the session's. */
+static int copyConnection(SdpLine *line) {
+    SDPConnection *connection = newRecord(line, sizeof *connection);
+    if (connection == NULL ||
+        SdpCopyLine(line->pstMemCp, SDP_LINE_CONNECTION,
+                    line->stMediaSet.ppstMediaDescs[0]->pstConnection, connection) != 0) {
+        return failed("a c= line is not copied");
+    }
+    line->pstConnection = connection;
+    return 0;
+}
+
+/* The media's first attribute cloned into a list of the session's. */
+static int cloneAttribute(SdpLine *line) {
+    SDPAttrList *list = newRecord(line, sizeof *list);
+    SDPAttr **slots = newRecord(line, sizeof *slots);
+    void *clone = NULL;
+    if (list == NULL || slots == NULL ||
+        SdpCloneLine(line->pstMemCp, SDP_LINE_ATTRIBUTE,
+                     line->stMediaSet.ppstMediaDescs[0]->pstAttrList->ppstAttrs[0], &clone) != 0) {
+        return failed("an attribute is not cloned");
+    }
+    slots[0] = clone;
+    list->ulNoOfAttrs = 1;
+    list->ppstAttrs = slots;
+    line->pstAttrList = list;
+    return 0;
+}
+
+/* A clone on the process heap, cleared and freed. */
+static int freeClone(const SDPMediaField *field) {
+    void *clone = NULL;
+    if (SdpCloneLine(gSipSystemMemCp, SDP_LINE_MEDIA, field, &clone) != 0) {
+        return failed("an m= line is not cloned");
+    }
+    const int kept = ((const SDPMediaField *)clone)->ulPort == field->ulPort;
+    if (SdpFreeLine(gSipSystemMemCp, SDP_LINE_MEDIA, &clone) != 0 || clone != NULL || !kept) {
+        return failed("an m= line is not freed");
+    }
+    return 0;
+}
+
+static int edit(SdpLine *line) {
+    SDPMediaDesc *media = line->stMediaSet.ppstMediaDescs[0];
+    if (copyConnection(line) != 0 || cloneAttribute(line) != 0 ||
+        freeClone(&media->stMediaField) != 0) {
         return 1;
     }
-    SDPMediaDesc *media = line->stMediaSet.ppstMediaDescs[0];
     media->stMediaField.ulPort = 49172;
-    media->pstAttrList->ppstAttrs[0]->ulAttrType = SDP_ATTR_SENDONLY;
+    media->pstAttrList->ppstAttrs[1]->ulAttrType = SDP_ATTR_SENDONLY;
+    return 0;
+}
 
+static int isWrittenAs(SdpLine *line, const char *expected) {
     SipStringBuffer *buffer = NULL;
     SipRefString *written = NULL;
     if (SdpLibEncodeSdp(line, &buffer) != 0 || SipSbConvertToRefString(buffer, &written) != 0) {
-        return 1;
+        SipSbReleaseStringBuffer(buffer);
+        return 0;
     }
-    const int same = SipSmGetLenFromRefString(written) == sizeof edited - 1 &&
-                     memcmp(SipSmGetDataFromRefString(written), edited, sizeof edited - 1) == 0;
+    const size_t length = strlen(expected);
+    const int same = SipSmGetLenFromRefString(written) == length &&
+                     memcmp(SipSmGetDataFromRefString(written), expected, length) == 0;
     SipSmReleaseRefString(written);
     SipSbReleaseStringBuffer(buffer);
-    SdpLibReleaseSdp(&line);
-    puts(same ? "c11: decoded, edited and written back" : "c11: other text");
-    return same ? 0 : 1;
+    return same;
+}
+
+/* The descriptors say what the records are. */
+static int describes(void) {
+    return g_gpstSdpLineDef[SDP_LINE_CONNECTION] == &g_gstSDPConnectionDef &&
+           g_gstSDPConnectionDef.ulSize == sizeof(SDPConnection) &&
+           g_gstSDPConnectionDef.enKind == SIP_DSM_SEQUENCE &&
+           ((const SipDsmSequenceDef *)g_gstSDPConnectionDef.pDetail)->ulNoOfMembers == 5;
+}
+
+int main(void) {
+    const SipString text = {sizeof body - 1, (char *)body};
+    SdpLine *line = NULL;
+    if (SdpLibDecodeSdp(&text, &line) != 0) {
+        return failed("not decoded");
+    }
+    if (edit(line) != 0) {
+        return 1;
+    }
+    const int same = isWrittenAs(line, edited);
+    if (SdpLibReleaseSdp(&line) != 0 || line != NULL) {
+        return failed("not released");
+    }
+    if (!same) {
+        return failed("other text");
+    }
+    if (!describes()) {
+        return failed("other descriptors");
+    }
+    puts("c11: decoded, edited with copied lines and written back");
+    return 0;
 }

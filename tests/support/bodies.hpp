@@ -1,0 +1,49 @@
+// Whole bodies, decoded and written back, for tests that run over many of them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sdpline/sdpline.h"
+
+namespace support {
+
+struct ReleaseBody {
+    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
+};
+using Body = std::unique_ptr<SdpLine, ReleaseBody>;
+
+// Null when the text is refused.
+Body decoded(std::string_view text);
+
+// What SdpLibEncodeSdp writes; a failure fails the test.
+std::string encoded(SdpLine &line);
+
+// What SdpLibEncodeSdpLine writes, with the line's prefix; a failure fails the test.
+std::string encodedLine(uint32_t lineType, const void *record);
+
+// One record of a body, of the kind that goes with the line type.
+struct BodyLine {
+    uint32_t lineType;
+    const void *record;
+};
+
+// Every record of a body that a line type names: r= lines beside the t= lines that hold them, too.
+std::vector<BodyLine> linesOf(const SdpLine &line);
+
+// The body's text for messages: bytes that do not print as \xHH, line feeds as they are.
+std::string readable(std::string_view text);
+
+// Configuration that is set while it lives; the defaults come back with its end.
+class Configured {
+public:
+    Configured(uint32_t t38Style, uint32_t rtpAvpf, uint32_t lineEnd);
+    ~Configured();
+    Configured(const Configured &) = delete;
+    Configured &operator=(const Configured &) = delete;
+};
+
+} // namespace support
