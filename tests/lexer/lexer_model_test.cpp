@@ -15,6 +15,7 @@ namespace {
 using sdpline::lexer::takeBytesToSlash;
 using sdpline::lexer::takeRestOfLine;
 using support::LexerModel;
+using support::LexerTest;
 
 class Random {
 public:

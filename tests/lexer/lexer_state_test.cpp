@@ -7,6 +7,9 @@
 
 namespace {
 
+using support::LexerTest;
+using support::Token;
+
 constexpr uint32_t kAll = 0xFFFFFFFF;
 
 // ---- Offset 0

@@ -6,7 +6,11 @@
 
 namespace {
 
-// Kinds of the bytes 0 to 127; all bytes above are 28. Sixteen bytes a row.
+using support::LexerTest;
+using support::Token;
+using support::Tokens;
+
+// Kinds of the bytes 0 to 127; all bytes above are 28. Eight bytes a row.
 constexpr std::array<uint32_t, 128> kKinds = {
     30, 28, 28, 28, 28, 28, 28, 28,
     28, 32, 15, 28, 28, 28, 28, 28, // control bytes
@@ -231,7 +235,7 @@ TEST_F(LexerTest, ASeparatorStandsAloneThoughAnotherFollows) {
 
 TEST_F(LexerTest, EveryByteStandsAloneInTheCharContextWhateverFollows) {
     for (int byte = 1; byte < 256; ++byte) {
-        useInside("o" + str(byte) + "\n", SDP_LEXCTX_CHAR);
+        useInside(std::string("o") + str(byte) + "\n", SDP_LEXCTX_CHAR);
         EXPECT_EQ(next(), (Token{2, 2, 2}));
         EXPECT_EQ(sdpGetLastChar(), 'o');
         EXPECT_EQ(next(), (Token{kindOf(byte), 3, 3})) << byte;
@@ -274,7 +278,7 @@ TEST_F(LexerTest, OfAllPairsOnlyLineKindsAndThreeWordsAreTwoBytesLong) {
 
 TEST_F(LexerTest, OnlyFourAndSixMakeAnAddressTypeOfIP) {
     for (int third = 0; third < 256; ++third) {
-        useInside("IP" + str(third) + "\n", SDP_LEXCTX_SDP);
+        useInside(std::string("IP") + str(third) + "\n", SDP_LEXCTX_SDP);
         const Token expected = third == '4'   ? Token{58, 2, 4}
                                : third == '6' ? Token{59, 2, 4}
                                               : Token{2, 2, 2};

@@ -14,6 +14,8 @@
 #include "support/guarded.hpp"
 #include "support/securefaults.hpp"
 
+namespace support {
+
 // One token as the getters tell it.
 struct Token {
     uint32_t kind;
@@ -40,13 +42,12 @@ protected:
         setLexerContext(SDP_LEXCTX_NONE);
         g_gSipStackFileId = 0;
         SdpSetFnAlloc(nullptr);
-        support::SecureFaults::reset();
+        SecureFaults::reset();
     }
 
     // Starts on a text, whose end is the end of readable memory.
     void use(const std::string &text, uint32_t context) {
-        input_ =
-            std::make_unique<support::Guarded>(std::string_view(text.c_str(), text.size() + 1));
+        input_ = std::make_unique<Guarded>(std::string_view(text.c_str(), text.size() + 1));
         const SipString input = input_->text();
         setInput(&input);
         clearSdpLexer();
@@ -70,17 +71,16 @@ protected:
         return current();
     }
 
-    // Kinds and texts of the tokens up to the end of the input.
+    // Kinds and texts of the tokens up to the end of the input, which tests keep near.
     static Tokens rest() {
         Tokens tokens;
-        for (;;) {
-            consume();
-            if (LA() == 30) {
-                return tokens;
-            }
+        for (consume(); LA() != SDP_TOK_EOF && tokens.size() < 100; consume()) {
             tokens.emplace_back(LA(), LT());
         }
+        return tokens;
     }
 
-    std::unique_ptr<support::Guarded> input_;
+    std::unique_ptr<Guarded> input_;
 };
+
+} // namespace support

@@ -132,11 +132,11 @@ private:
 
     // Blanks before any line but the first, and NULs before any byte.
     void untidyLine() {
-        if (chance_.oneIn(3)) {
-            line_.insert(chance_.below(line_.size()), 1, '\0');
-        }
         if (!body_.empty() && chance_.oneIn(3)) {
             line_.insert(0, 1 + chance_.below(3), ' ');
+        }
+        if (chance_.oneIn(3)) {
+            line_.insert(chance_.below(line_.size()), 1, '\0');
         }
     }
 
