@@ -227,8 +227,11 @@ uint32_t originalOffset(const SipString &text, uint32_t offset) {
 void rememberPlace(const SipString &text, SDPResult result) {
     const char *const word = lastFailed.word;
     const auto *const input = reinterpret_cast<const char *>(lexer::state.input);
-    const uint32_t offset = originalOffset(
-        text, word != nullptr ? static_cast<uint32_t>(word - input) : lexer::state.start);
+    uint32_t offset = originalOffset(text, word != nullptr ? static_cast<uint32_t>(word - input)
+                                                           : lexer::state.start);
+    const bool atPair = offset > 0 && offset < text.ulLen && text.pcData[offset] == '\n' &&
+                        text.pcData[offset - 1] == '\r';
+    offset -= atPair ? 1 : 0; // a line ends where its CR LF begins
     uint32_t line = 1;
     uint32_t lineStart = 0;
     for (uint32_t i = 0; i < offset; ++i) {

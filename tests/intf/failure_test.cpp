@@ -77,10 +77,10 @@ TEST(LastFailure, CountsBothBytesOfCrLf) {
     EXPECT_EQ(placeOf("v=0\r\no=-  1\r\n"), "OriginId 2:5 @9 31");
 }
 
-// With CR LF the place of a line end is its LF.
-TEST(LastFailure, PlacesALineEndAtItsLf) {
+// The column is that of LF alone: right behind the line's last byte.
+TEST(LastFailure, PlacesALineEndWhereItsCrLfBegins) {
     EXPECT_EQ(placeOf("v=\n"), "VersionDigits 1:3 @2 15");
-    EXPECT_EQ(placeOf("v=\r\n"), "VersionDigits 1:4 @3 15");
+    EXPECT_EQ(placeOf("v=\r\n"), "VersionDigits 1:3 @2 15");
 }
 
 TEST(LastFailure, CountsALoneCrAsAByteOfItsLine) {
