@@ -126,8 +126,9 @@ SDPLINE_API SDPResult SdpLibDeSerializeSdpValidate(uint8_t *pucBuf, uint32_t ulL
 /* ---- Why a body was refused ------------------------------------------------------------------ */
 
 /* The last text that the parser refused. Lines and columns count from 1, offsets from 0, all in
- * bytes of the caller's own text; line 0 means that no place in the text is to blame (its length,
- * memory). The place is that of the token that did not fit, or of the word that was judged. */
+ * bytes of the caller's own text. The place is that of the token that did not fit, or of the word
+ * that was judged; where memory ran out, it is how far the parser had come. Line 0 means that the
+ * text was not looked at: its length was wrong, or there was no memory for the body. */
 typedef struct SDPFailure {
     uint32_t ulResult; /* the code that was returned; 0 when nothing was refused yet */
     uint32_t enToken;  /* SDP_TOK_... of the token the parser had reached, see sdpinternals.h */

@@ -377,6 +377,37 @@ TEST_F(Intf, ReleaseLeavesABodyWithoutABlockAlone) {
     EXPECT_TRUE(log.entries().empty());
 }
 
+// ---- Sizes of blocks
+
+// The heap bytes of a block that needs a second chunk.
+uint64_t bytesOfTwoChunks(uint32_t first, uint32_t next) {
+    const uint64_t before = Held::now().heapBytes;
+    SDPMemCp *memCp = nullptr;
+    EXPECT_EQ(SipMmCreateBufMem(first, next, &memCp), 0u);
+    EXPECT_NE(memCp->pfnAlloc(memCp, 400), nullptr);
+    EXPECT_NE(memCp->pfnAlloc(memCp, 400), nullptr);
+    const uint64_t bytes = Held::now().heapBytes - before;
+    SipMmReleaseBufMem(&memCp);
+    return bytes;
+}
+
+TEST_F(Intf, DecodedBodyGrowsInChunksOf512And1032Bytes) {
+    const uint64_t before = Held::now().heapBytes;
+    SdpLine *line = decoded("v=0\no=- 1 1 IN IP4 x\ns=" + std::string(400, 'x') + "\n");
+    EXPECT_EQ(Held::now().heapBytes - before, bytesOfTwoChunks(512, 1032));
+    SdpLibReleaseSdp(&line);
+}
+
+TEST_F(Intf, CreatedBodyGrowsInChunksOf512Bytes) {
+    const uint64_t before = Held::now().heapBytes;
+    SdpLine *line = nullptr;
+    ASSERT_EQ(SdpLibCreateSdp(&line), 0u);
+    SDPMemCp *const memCp = line->pstMemCp;
+    EXPECT_NE(memCp->pfnAlloc(memCp, 400), nullptr);
+    EXPECT_EQ(Held::now().heapBytes - before, bytesOfTwoChunks(512, 512));
+    SdpLibReleaseSdp(&line);
+}
+
 // ---- Encoding
 
 char kUser[] = "-";
