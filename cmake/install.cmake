@@ -1,0 +1,48 @@
+# What cmake --install lays down: libraries, headers, the CMake package, pkg-config files, the
+# program with its man page and completion. All of it is relocatable.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(sdpline_libraries sdpline)
+if(SDPLINE_SIPCORE)
+  list(APPEND sdpline_libraries sipcore)
+endif()
+install(TARGETS ${sdpline_libraries} EXPORT sdplineTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/sdpline DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sdpline)
+install(EXPORT sdplineTargets NAMESPACE sdpline:: DESTINATION ${package_dir} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/sdplineConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+configure_package_config_file(cmake/sdplineConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/sdplineConfig.cmake INSTALL_DESTINATION ${package_dir})
+install(FILES ${PROJECT_BINARY_DIR}/sdplineConfig.cmake
+              ${PROJECT_BINARY_DIR}/sdplineConfigVersion.cmake
+  DESTINATION ${package_dir} COMPONENT development)
+
+# From the folder of the pkg-config files up to the prefix.
+file(RELATIVE_PATH SDPLINE_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" SDPLINE_PC_PREFIX "${SDPLINE_PC_PREFIX}")
+# A program that links libsdpline may call the core services too.
+if(SDPLINE_SIPCORE)
+  set(SDPLINE_PC_REQUIRES "Requires: sipcore = ${PROJECT_VERSION}")
+endif()
+foreach(module IN LISTS sdpline_libraries)
+  configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${module}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()
+
+if(SDPLINE_TOOLS)
+  install(TARGETS sdpline_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+  if(EXISTS ${PROJECT_SOURCE_DIR}/docs/man/sdpline.1)
+    install(FILES docs/man/sdpline.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+  endif()
+  if(EXISTS ${PROJECT_SOURCE_DIR}/completion/sdpline)
+    install(FILES completion/sdpline
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT program)
+  endif()
+endif()
