@@ -51,18 +51,17 @@ uint32_t LA() {
 }
 
 const char *LT() {
-    if (state.end < state.start) {
-        state.text[0] = '\0';
-        return state.text;
-    }
-    const uint32_t size = state.end - state.start + 1;
+    // A token that ends before it starts is empty.
+    const uint32_t size = state.end < state.start ? 0 : state.end - state.start + 1;
     if (size >= lexer::kTextSize) {
         return nullptr;
     }
     if (memset_s(state.text, lexer::kTextSize, 0, size + 1) != 0) {
         SIPAbnormalSecureFuncEx("sdplexer", __LINE__);
     }
-    std::memcpy(state.text, state.input + state.start, size);
+    if (size != 0) {
+        std::memcpy(state.text, state.input + state.start, size);
+    }
     state.text[size] = '\0';
     return state.text;
 }
