@@ -7,6 +7,7 @@
 set -euo pipefail
 source=$1 build=$2 cc=$3
 shift 3
+cd "$source" # documents may be named from there
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -38,13 +39,12 @@ for document in "$@"; do
   mkdir "$folder"
   ln -s "$source/examples" "$folder/examples"
   cut_blocks "$document" "$folder"
-  cd "$folder"
   for ((n = 1; ; ++n)); do
-    [ -e "$n.sh" ] || break
-    bash "$n.sh" >"$n.out" 2>&1 || true # a refused body is an example too
-    if ! diff -u --label "$document" --label printed "$n.text" "$n.out"; then
+    [ -e "$folder/$n.sh" ] || break
+    (cd "$folder" && bash "./$n.sh") >"$folder/$n.out" 2>&1 || true # a refused body is an example too
+    if ! diff -u --label "$document" --label printed "$folder/$n.text" "$folder/$n.out"; then
       echo "commands: these printed something else:" >&2
-      cat "$n.sh" >&2
+      cat "$folder/$n.sh" >&2
       failed=1
     fi
     ran=$((ran + 1))

@@ -1,0 +1,92 @@
+// The lines behind a refused one, each judged by the parser of its kind.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "body.hpp"
+#include "everyline.hpp"
+#include "support/bodies.hpp"
+#include "support/damage.hpp"
+#include "support/generator.hpp"
+
+namespace {
+
+// "13 ConnNetType, 30 -": offset and check of every fault.
+std::string faultsOf(const std::string &body, size_t refusedAt) {
+    std::string text;
+    for (const cli::LineFault &fault : cli::judgeLines(body, refusedAt)) {
+        SDPResultText words = {};
+        SdpLibDescribeResult(fault.result, &words);
+        text += (text.empty() ? "" : ", ") + std::to_string(fault.offset) + ' ' +
+                (fault.result != 0 ? words.pcCheck : "-");
+    }
+    return text;
+}
+
+TEST(EveryLine, JudgesEveryKind) {
+    for (const char *const good :
+         {"v=0", "o=- 1 1 IN IP4 x", "s=x", "i=x", "u=x", "e=x", "p=x", "c=IN IP6 ::1", "b=x",
+          "t=1 2", "r=1d 2h 0", "z=x", "k=x", "a=ptime:20", "m=audio 1 RTP/AVP 0"}) {
+        EXPECT_EQ(faultsOf(std::string("x\n") + good, 0), "") << good;
+    }
+    EXPECT_EQ(faultsOf("x\nv=x", 0), "4 VersionDigits");
+    EXPECT_EQ(faultsOf("x\no=- 1 x IN IP4 x", 0), "8 OriginVersion");
+    EXPECT_EQ(faultsOf("x\nt=1", 0), "5 TimeStartBlank");
+    EXPECT_EQ(faultsOf("x\nr=1x", 0), "5 TypedTimeUnit");
+    EXPECT_EQ(faultsOf("x\nm=audio RTP/AVP 0", 0), "10 MediaPort");
+    EXPECT_EQ(faultsOf("x\na=setup:holdconn", 0), "10 SetupWord");
+}
+
+TEST(EveryLine, NamesLinesOfNoKind) {
+    EXPECT_EQ(faultsOf("x\nf=1\nA=1\n=\nhello", 0), "2 -, 6 -, 10 -, 12 -");
+}
+
+TEST(EveryLine, StopsAtAnEmptyLine) {
+    EXPECT_EQ(faultsOf("x\nf=1\n\ng=1\n", 0), "2 -");
+    EXPECT_EQ(faultsOf("x\r\nf=1\r\n  \r\ng=1\r\n", 0), "3 -");
+    EXPECT_EQ(faultsOf("x", 0), "");
+    EXPECT_EQ(faultsOf("x\n", 1), "");
+}
+
+TEST(EveryLine, CountsBytesThatTheParserDrops) {
+    EXPECT_EQ(faultsOf(std::string("x\r\n \0 t=1 \0x\r\n", 14), 0), "11 TimeStop");
+}
+
+// The memory of one line does not add up over many.
+TEST(EveryLine, LeavesTheHooksAsTheyWere) {
+    SdpSetFnAlloc(SdpLibAllocSdpMem);
+    SdpSetFnFree(SdpLibFreeSdpMem);
+    faultsOf("x\na=ptime:20\na=foo:bar\n", 0);
+    EXPECT_EQ(SdpGetFnAlloc(), SdpLibAllocSdpMem);
+    EXPECT_EQ(SdpGetFnFree(), SdpLibFreeSdpMem);
+}
+
+// Where a body's line was refused for what is in it, the line alone is refused for the same, at the
+// same place.
+TEST(EveryLine, AgreesWithTheDecoder) {
+    std::mt19937 engine(11);
+    size_t compared = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const std::string body = support::damage(support::generateBody(engine), engine);
+        const cli::Decoded decoded = cli::decodeBody(body);
+        const bool inLine = decoded.result != 0 && decoded.failure.ulLine > 1 &&
+                            (decoded.result & 0x3FF) != SDP_ERRCLASS_UNEXPECTED_LINE &&
+                            std::string(decoded.failure.pcCheck) != "AfterMedia" &&
+                            std::string(decoded.failure.pcCheck) != "AfterMediaLine";
+        if (!inLine) {
+            continue;
+        }
+        const size_t lineStart = decoded.failure.ulOffset - decoded.failure.ulColumn + 1;
+        const auto faults = cli::judgeLines(body, lineStart - 1);
+        ASSERT_FALSE(faults.empty()) << decoded.failure.pcCheck << '\n' << support::readable(body);
+        EXPECT_EQ(faults.front().result, decoded.result) << support::readable(body);
+        EXPECT_EQ(faults.front().offset, decoded.failure.ulOffset)
+            << decoded.failure.pcCheck << '\n'
+            << support::readable(body);
+        ++compared;
+    }
+    EXPECT_GT(compared, 3000u);
+}
+
+} // namespace

@@ -1,0 +1,260 @@
+// Bodies to JSON and back, without loss; and JSON of every kind that is no body.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "json.hpp"
+#include "support/bodies.hpp"
+#include "support/cases.hpp"
+#include "support/generator.hpp"
+#include "tree.hpp"
+
+namespace {
+
+using nlohmann::json;
+using support::Configured;
+
+// Through the text of the document, as between two runs of the program.
+cli::Body throughJson(SdpLine &line, std::string &error) {
+    const json document = json::parse(cli::jsonOf(line).dump());
+    return cli::bodyOf(document, error);
+}
+
+void expectNoLoss(const std::string &text) {
+    const support::Body body = support::decoded(text);
+    ASSERT_NE(body, nullptr) << support::readable(text);
+    std::string error;
+    const cli::Body back = throughJson(*body, error);
+    ASSERT_NE(back, nullptr) << error << '\n' << support::readable(text);
+    EXPECT_EQ(cli::describeTree(*back), cli::describeTree(*body));
+    EXPECT_EQ(support::encoded(*back), support::encoded(*body));
+}
+
+TEST(Json, KeepsEveryAcceptedCase) {
+    size_t accepted = 0;
+    for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
+        if (!current.refused) {
+            SCOPED_TRACE(current.file + ':' + std::to_string(current.at));
+            const Configured configured(current.t38Style, current.avpf ? 1 : 0, current.lineEnd);
+            expectNoLoss(current.body);
+            ++accepted;
+        }
+    }
+    EXPECT_GT(accepted, 100u);
+}
+
+TEST(Json, KeepsGeneratedBodiesUnderEveryStyle) {
+    std::mt19937 engine(20260401);
+    for (uint32_t i = 0; i < 600; ++i) {
+        const Configured configured(i % 3, i % 2, 1 + i / 3 % 3);
+        expectNoLoss(support::generateBody(engine));
+    }
+}
+
+// ---- What is no body
+
+const char kBody[] =
+    "v=0\no=- 1 2 IN IP4 192.0.2.1\ns=-\nc=IN IP4 192.0.2.1/5/2\nt=0 0\nr=7d 1h 0\n"
+    "a=rtpmap:0 PCMU/8000\nm=audio 5004 RTP/AVP 0 8\na=curr:qos local none\n"
+    "m=text 5006 UDP/X 1\na=ipbcp:1 Request\na=ecan:fb on -\n";
+
+json sample() {
+    const support::Body body = support::decoded(kBody);
+    return json::parse(cli::jsonOf(*body).dump());
+}
+
+std::string errorOf(const json &document) {
+    std::string error;
+    const cli::Body body = cli::bodyOf(document, error);
+    EXPECT_EQ(body == nullptr, !error.empty());
+    return error;
+}
+
+// The sample with one field replaced.
+std::string errorWith(const char *field, const json &value) {
+    json document = sample();
+    document[json::json_pointer(field)] = value;
+    return errorOf(document);
+}
+
+std::string errorWithout(const char *parent, const char *field) {
+    json document = sample();
+    document[json::json_pointer(parent)].erase(field);
+    return errorOf(document);
+}
+
+TEST(JsonIn, NamesTheFieldThatIsWrong) {
+    const std::string outOfRange = ": not a number from 0 to 4294967295";
+    EXPECT_EQ(errorOf(sample()), "");
+    EXPECT_EQ(errorOf(json(3)), "/: not an object");
+    EXPECT_EQ(errorOf(json::object()), "/version: missing");
+    EXPECT_EQ(errorWith("/version", -1), "/version" + outOfRange);
+    EXPECT_EQ(errorWith("/version", 4294967296), "/version" + outOfRange);
+    EXPECT_EQ(errorWith("/version", 1.5), "/version" + outOfRange);
+    EXPECT_EQ(errorWith("/version", "0"), "/version" + outOfRange);
+    EXPECT_EQ(errorWith("/media/0/port", nullptr), "/media/0/port: missing");
+    EXPECT_EQ(errorWith("/media/1/prot", 1), "/media/1: no field \"prot\" belongs here");
+    EXPECT_EQ(errorWith("/media", 1), "/media: not an array");
+    EXPECT_EQ(errorWith("/media/0", 1), "/media/0: not an object");
+    EXPECT_EQ(errorWith("/times/0/repeats/0/times", json::array()),
+              "/times/0/repeats/0/times: empty");
+    EXPECT_EQ(errorWith("/attributes/0/rtpmap/profile", 36),
+              "/attributes/0/rtpmap/profile: not a number from 0 to 35");
+    EXPECT_EQ(errorWith("/media/1/attributes/0/ipbcp/version", 256),
+              "/media/1/attributes/0/ipbcp/version: not a number from 0 to 255");
+    EXPECT_EQ(errorWithout("/media/0", "format"), "/media/0/format: missing");
+}
+
+TEST(JsonIn, TakesOnlyCodesThatCanBeWritten) {
+    EXPECT_EQ(errorWith("/origin/netType", 3), "/origin/netType: not a number from 1 to 2");
+    EXPECT_EQ(errorWith("/origin/netType/code", 0),
+              "/origin/netType/code: not a number from 1 to 2");
+    EXPECT_EQ(errorWith("/origin/addrType/word", "IP6"),
+              "/origin/addrType/word: not the word for code 1");
+    EXPECT_EQ(errorWith("/origin/addrType/word", 1),
+              "/origin/addrType/word: not one of the words it may be");
+    EXPECT_EQ(errorWith("/attributes/0/type", 41), "/attributes/0/type: not a number from 1 to 40");
+    EXPECT_EQ(errorWith("/attributes/0/type", "RTPMAP"),
+              "/attributes/0/type: not one of the words it may be");
+    EXPECT_EQ(errorWith("/media/0/attributes/0/precondition/direction", 4),
+              "/media/0/attributes/0/precondition/direction: not a number from 0 to 3");
+    EXPECT_EQ(errorWith("/media/1/attributes/1/ecan/direction", 0), "");
+    EXPECT_EQ(errorWith("/connection/address/type", 0),
+              "/connection/address/type: not a number from 1 to 2");
+    EXPECT_EQ(errorWith("/connection/address/ipv4", "192.0.2.256"),
+              "/connection/address/ipv4: not an address");
+}
+
+TEST(JsonIn, WantsTheOtherTextExactlyWithItsCode) {
+    const std::string message = "code 7, and no other, goes with an \"other\" text";
+    EXPECT_EQ(errorWith("/media/0/type", 7), "/media/0/type: " + message);
+    EXPECT_EQ(errorWith("/media/0/type/other", "text"), "/media/0/type: " + message);
+    EXPECT_EQ(errorWithout("/media/1/type", "other"), "/media/1/type: " + message);
+}
+
+TEST(JsonIn, TakesWordsAndNumbersForCodes) {
+    json document = sample();
+    document["origin"]["netType"] = "ATM";
+    document["origin"]["addrType"] = 2;
+    document["media"][0]["type"] = "video";
+    document["media"][1]["type"] = "message";
+    document["media"][1]["protocol"] = "RTP/SAVP";
+    document["media"][1]["format"] = {{"type", 1}, {"payloads", {1, 2}}};
+    std::string error;
+    const cli::Body body = cli::bodyOf(document, error);
+    ASSERT_NE(body, nullptr) << error;
+    const std::string text = support::encoded(*body);
+    EXPECT_NE(text.find("o=- 1 2 ATM IP6 192.0.2.1\r\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("m=video 5004 RTP/AVP 0 8\r\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("m=message 5006 RTP/SAVP 1 2\r\n"), std::string::npos) << text;
+}
+
+TEST(JsonIn, KeepsBytesThatAreNotUtf8) {
+    json document = sample();
+    document["name"] = {{"hex", "c3a9ff0D"}};
+    std::string error;
+    const cli::Body body = cli::bodyOf(document, error);
+    ASSERT_NE(body, nullptr) << error;
+    EXPECT_NE(support::encoded(*body).find("s=\xc3\xa9\xff\r\r\n"), std::string::npos);
+    EXPECT_EQ(cli::jsonOf(*body)["name"], nlohmann::ordered_json({{"hex", "c3a9ff0d"}}));
+    EXPECT_EQ(errorWith("/name", {{"hex", "c"}}), "/name/hex: not pairs of hexadecimal digits");
+    EXPECT_EQ(errorWith("/name", {{"hex", "g0"}}), "/name/hex: not pairs of hexadecimal digits");
+    EXPECT_EQ(errorWith("/name", {{"hex", 1}}), "/name: neither a string nor {\"hex\": \"...\"}");
+}
+
+// A value with a line feed would be two lines.
+TEST(JsonIn, RefusesTextsThatNoLineCanCarry) {
+    const std::string message = "/name: holds a line feed or a NUL, which no line can carry";
+    EXPECT_EQ(errorWith("/name", "x\na=evil"), message);
+    EXPECT_EQ(errorWith("/name", std::string("x\0y", 3)), message);
+    EXPECT_EQ(errorWith("/name", {{"hex", "0a"}}), message);
+    EXPECT_EQ(errorWith("/media/0/type", "x\n"), "/media/0/type" + message.substr(5));
+}
+
+TEST(JsonIn, RefusesMorePayloadsThanALineHolds) {
+    json payloads = json::array();
+    for (int i = 0; i < 100; ++i) {
+        payloads.push_back(i);
+    }
+    EXPECT_EQ(errorWith("/media/0/format/payloads", payloads), "");
+    payloads.push_back(100);
+    EXPECT_EQ(errorWith("/media/0/format/payloads", payloads),
+              "/media/0/format/payloads: more than 100 payload numbers");
+}
+
+// ---- Any JSON at all
+
+// Every place of the document.
+void collect(json &value, std::vector<json *> &places) {
+    places.push_back(&value);
+    if (value.is_structured()) {
+        for (json &inner : value) {
+            collect(inner, places);
+        }
+    }
+}
+
+json someValue(std::mt19937 &engine, const json &document) {
+    switch (engine() % 12) {
+    case 0: return nullptr;
+    case 1: return engine() % 50;
+    case 2: return engine();
+    case 3: return -static_cast<int>(engine() % 3);
+    case 4: return 1e300;
+    case 5: return "text";
+    case 6: return std::string(engine() % 2000, 'x');
+    case 7: return json::array();
+    case 8: return json::object();
+    case 9: return {{"hex", "ff"}};
+    case 10: return engine() % 2 == 0;
+    default: return document;
+    }
+}
+
+void injure(json &document, std::mt19937 &engine) {
+    std::vector<json *> places;
+    collect(document, places);
+    json &place = *places[engine() % places.size()];
+    switch (engine() % 4) {
+    case 0:
+        if (place.is_object() && !place.empty()) {
+            place.erase(std::next(place.begin(), static_cast<int>(engine() % place.size())).key());
+        }
+        break;
+    case 1:
+        if (place.is_array()) {
+            place.push_back(someValue(engine, document));
+        }
+        break;
+    default: place = someValue(engine, document); break;
+    }
+}
+
+// Whatever is taken can be written, and what is written has as many lines as it must.
+TEST(JsonIn, TakesOrRefusesAnyJson) {
+    std::mt19937 engine(7);
+    size_t taken = 0;
+    size_t refused = 0;
+    for (int i = 0; i < 4000; ++i) {
+        const support::Body original = support::decoded(support::generateBody(engine));
+        json document = json::parse(cli::jsonOf(*original).dump());
+        for (uint32_t n = engine() % 3; n < 3; ++n) {
+            injure(document, engine);
+        }
+        std::string error;
+        const cli::Body body = cli::bodyOf(document, error);
+        if (!body) {
+            EXPECT_EQ(error.front(), '/') << error;
+            ++refused;
+            continue;
+        }
+        ++taken;
+        std::string problem;
+        EXPECT_TRUE(cli::encodeBody(*body, problem)) << problem << '\n' << document.dump();
+    }
+    EXPECT_GT(taken, 100u);
+    EXPECT_GT(refused, 1000u);
+}
+
+} // namespace

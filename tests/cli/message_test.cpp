@@ -1,0 +1,252 @@
+// Bodies found in texts of SIP messages, whatever the messages look like.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "message.hpp"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts bodiesOf(const std::string &text) {
+    Texts bodies;
+    for (const cli::BodyPlace &place : cli::findBodies(text).bodies) {
+        bodies.push_back(text.substr(place.offset, place.size));
+    }
+    return bodies;
+}
+
+// "120: the SIP message ends before its Content-Length"
+Texts problemsOf(const std::string &text) {
+    Texts problems;
+    for (const cli::Problem &problem : cli::findBodies(text).problems) {
+        problems.push_back(std::to_string(problem.offset) + ": " + problem.text);
+    }
+    return problems;
+}
+
+const std::string kInvite = "INVITE sip:bob@example.com SIP/2.0\r\nVia: SIP/2.0/UDP pc\r\n";
+const std::string kSdp = "v=0\r\no=- 1 1 IN IP4 x\r\ns=-\r\n";
+
+std::string message(const std::string &body, const std::string &headers) {
+    return kInvite + headers + "\r\n" + body;
+}
+
+std::string withLength(const std::string &body, const std::string &type = "application/sdp") {
+    return message(body, "Content-Type: " + type +
+                             "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n");
+}
+
+std::string withLineFeeds(std::string text) {
+    std::erase(text, '\r');
+    return text;
+}
+
+TEST(Messages, ATextWithoutAnyIsABody) {
+    EXPECT_EQ(bodiesOf(kSdp), Texts{kSdp});
+    EXPECT_EQ(bodiesOf("hello\n"), Texts{"hello\n"});
+    EXPECT_EQ(bodiesOf(""), Texts{""});
+    EXPECT_EQ(bodiesOf("\r\n" + kSdp + "INVITE sip:b SIP/2.0\r\n").size(), 1u);
+}
+
+TEST(Messages, StartWithRequestOrStatusLine) {
+    const std::string rest = "c: application/sdp\r\n\r\n" + kSdp;
+    for (const std::string start : {"INVITE sip:b SIP/2.0", "X-a tel:1 SIP/2.0", "SIP/2.0 200 OK",
+                                    "SIP/2.0 183", "SIP/2.0 200 "}) {
+        EXPECT_EQ(bodiesOf(start + "\r\n" + rest), Texts{kSdp}) << start;
+    }
+    for (const std::string start :
+         {"INVITE sip:b SIP/3.0", " sip:b SIP/2.0", "A B sip:b SIP/2.0", "INVITE b SIP/2.0",
+          "SIP/2.0 20 OK", "SIP/2.0 2000", "IN(VITE sip:b SIP/2.0", "SIP/2.0"}) {
+        const std::string text = start + "\r\n" + rest;
+        EXPECT_EQ(bodiesOf(text), Texts{text}) << start;
+    }
+}
+
+TEST(Messages, EndAtTheirLength) {
+    EXPECT_EQ(bodiesOf(withLength(kSdp) + "behind"), Texts{kSdp});
+    EXPECT_EQ(bodiesOf(message(kSdp, "c: application/sdp\r\nl: 5\r\n")), Texts{"v=0\r\n"});
+}
+
+TEST(Messages, MayFollowEachOtherWithAnythingBetween) {
+    const std::string other = "v=0\r\ns=other\r\n";
+    const std::string bye = "BYE sip:b SIP/2.0\r\nContent-Length: 0\r\n\r\n";
+    const std::string text = "12:00 received\n" + withLength(kSdp) + bye + "\n12:01 sent\r\n\r\n" +
+                             withLength(other) + "12:02 end\n";
+    EXPECT_EQ(bodiesOf(text), (Texts{kSdp, other}));
+    EXPECT_EQ(problemsOf(text), Texts{});
+}
+
+TEST(Messages, WithoutALengthEndBeforeTheNext) {
+    const std::string one = message(kSdp, "Content-Type: application/sdp\r\n");
+    EXPECT_EQ(bodiesOf(one + "\r\n\r\n" + one), (Texts{kSdp, kSdp}));
+    EXPECT_EQ(bodiesOf(withLineFeeds(one + "\r\n" + one)),
+              (Texts{withLineFeeds(kSdp), withLineFeeds(kSdp)}));
+    EXPECT_EQ(bodiesOf(one + "\r\n\r\n"), Texts{kSdp + "\r\n\r\n"});
+}
+
+TEST(Messages, MayHaveFoldedAndCompactHeadersInAnyCase) {
+    const std::string length = std::to_string(kSdp.size());
+    for (const std::string &headers :
+         {"Content-Type:\r\n application/sdp\r\n" + ("CONTENT-LENGTH:\r\n\t" + length) + "\r\n",
+          "C : Application/SDP ;charset=utf-8\r\nL : " + length + "\r\n",
+          "c: application/sdp;\r\n charset=\"a;b\"\r\nSubject: l: 3\r\nl: " + length + "\r\n",
+          "nonsense\r\nc:application/sdp\r\nl:" + length + "\r\n"}) {
+        EXPECT_EQ(bodiesOf(message(kSdp, headers) + "behind"), Texts{kSdp}) << headers;
+    }
+}
+
+// A text that lost its carriage returns says a length that counts them.
+TEST(Messages, WithBareLineFeedsMayCountCrLf) {
+    const std::string body = withLineFeeds(kSdp);
+    const std::string text = withLineFeeds(withLength(kSdp));
+    EXPECT_EQ(bodiesOf(text), Texts{body});
+    EXPECT_EQ(bodiesOf(text + "\n" + text), (Texts{body, body}));
+    EXPECT_EQ(bodiesOf(text.substr(0, text.size() - 1)), Texts{body.substr(0, body.size() - 1)});
+    EXPECT_EQ(bodiesOf(withLineFeeds(withLength(body)) + "\n" + text), (Texts{body, body}));
+    EXPECT_EQ(bodiesOf(withLineFeeds(withLength(body)) + "behind"), Texts{body});
+}
+
+TEST(Messages, ThatCannotBeCutAreProblems) {
+    const std::string type = "c: application/sdp\r\n";
+    EXPECT_EQ(problemsOf(message(kSdp, type + "l: 4x\r\n")),
+              Texts{"0: the SIP message's Content-Length is not a number"});
+    EXPECT_EQ(problemsOf(message(kSdp, type + "l: -1\r\n")),
+              Texts{"0: the SIP message's Content-Length is not a number"});
+    EXPECT_EQ(problemsOf("x\n" + message(kSdp, type + "l: 400\r\n")),
+              Texts{"2: the SIP message ends before its Content-Length"});
+    EXPECT_EQ(problemsOf(message(kSdp, type + "l: 99999999999999999999999\r\n")),
+              Texts{"0: the SIP message's Content-Length is not a number"});
+    EXPECT_EQ(problemsOf(message(kSdp, type + "e: gzip\r\n")),
+              Texts{"0: the body is encoded as gzip"});
+    EXPECT_EQ(bodiesOf(message(kSdp, type + "Content-Encoding: identity\r\n")), Texts{kSdp});
+}
+
+TEST(Messages, BehindOneThatCannotBeCutAreFound) {
+    const std::string bad = message("v=0\r\n", "c: application/sdp\r\nl: x\r\n");
+    EXPECT_EQ(bodiesOf(bad + withLength(kSdp)), Texts{kSdp});
+    EXPECT_EQ(problemsOf(bad + withLength(kSdp)).size(), 1u);
+}
+
+TEST(Messages, WithoutAnySdpAreAProblem) {
+    EXPECT_EQ(problemsOf(withLength("hello", "text/plain")),
+              Texts{"0: the SIP message carries no application/sdp body"});
+    EXPECT_EQ(problemsOf(kInvite), Texts{"0: the SIP message carries no application/sdp body"});
+    EXPECT_EQ(problemsOf("x\n" + kInvite + "\r\n" + kInvite),
+              Texts{"2: no SIP message carries an application/sdp body"});
+}
+
+// A message whose headers never end does not take the next one's.
+TEST(Messages, WithoutAnEmptyLineEndBeforeTheNext) {
+    EXPECT_EQ(bodiesOf(kInvite + "c: application/sdp\r\n" + withLength(kSdp)).back(), kSdp);
+}
+
+// ---- Multipart
+
+std::string multipart(const Texts &parts, const std::string &boundary) {
+    std::string body = "preamble\r\n";
+    for (const std::string &part : parts) {
+        body += "--" + boundary + "\r\n" + part + "\r\n";
+    }
+    return body + "--" + boundary + "--\r\nepilogue\r\n";
+}
+
+const std::string kPart = "Content-Type: application/sdp\r\n\r\n" + kSdp;
+
+TEST(Multipart, GivesItsSdpParts) {
+    const Texts parts = {
+        "Content-Type: text/plain\r\n\r\nv=0", kPart, "\r\nno header",
+        "content-type:application/SDP\r\nContent-Transfer-Encoding: 8bit\r\n\r\nx"};
+    for (const std::string &type :
+         {"multipart/mixed;boundary=b1", "Multipart/Related; type=\"a\\\";b\"; BOUNDARY=\"b1\"",
+          "multipart/alternative;\r\n boundary=b1 ; x=y"}) {
+        EXPECT_EQ(bodiesOf(withLength(multipart(parts, "b1"), type)), (Texts{kSdp, "x"})) << type;
+    }
+}
+
+TEST(Multipart, TakesOnlyItsOwnDelimiters) {
+    const std::string body = "--b\r\n" + kPart + "--bc\r\n --b\r\n--b--x\r\n--b \r\n\r\n--b--\r\n";
+    const Texts found = bodiesOf(withLength(body, "multipart/mixed;boundary=b"));
+    EXPECT_EQ(found, Texts{kSdp + "--bc\r\n --b\r\n--b--x"});
+}
+
+TEST(Multipart, WithoutAClosingDelimiterEndsWithTheMessage) {
+    EXPECT_EQ(bodiesOf(withLength("--b\r\n" + kPart, "multipart/mixed;boundary=b") + "behind"),
+              Texts{kSdp});
+}
+
+TEST(Multipart, MayBeAPartItself) {
+    std::string part = kPart;
+    for (int depth = 0; depth < 7; ++depth) {
+        const std::string boundary = "b" + std::to_string(depth);
+        part = "Content-Type: multipart/mixed; boundary=" + boundary + "\r\n\r\n" +
+               multipart({part}, boundary);
+    }
+    EXPECT_EQ(bodiesOf(withLength(multipart({part}, "top"), "multipart/mixed;boundary=top")),
+              Texts{kSdp});
+    part = "Content-Type: multipart/mixed; boundary=b7\r\n\r\n" + multipart({part}, "b7");
+    const auto problems =
+        problemsOf(withLength(multipart({part}, "top"), "multipart/mixed;boundary=top"));
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_NE(problems[0].find("the multipart bodies are nested too deep"), std::string::npos);
+}
+
+TEST(Multipart, WithoutABoundaryIsAProblem) {
+    for (const std::string type :
+         {"multipart/mixed", "multipart/mixed; boundary=", "multipart/mixed; x=\"boundary=b\""}) {
+        EXPECT_EQ(problemsOf(withLength(kSdp, type)),
+                  Texts{"0: the multipart body's Content-Type has no boundary"})
+            << type;
+    }
+}
+
+TEST(Multipart, ReportsEncodedPartsAtThePart) {
+    const std::string body = "--b\r\nContent-Transfer-Encoding: base64\r\n" + kPart + "\r\n--b--";
+    const std::string text = withLength(body, "multipart/mixed;boundary=b");
+    EXPECT_EQ(problemsOf(text), Texts{std::to_string(text.find("Content-Transfer")) +
+                                      ": the body is encoded as base64"});
+}
+
+// ---- Any text at all
+
+TEST(Messages, OfAnyBytesGivePlacesInsideTheText) {
+    const std::vector<std::string> pieces = {kInvite,
+                                             "SIP/2.0 200 OK\n",
+                                             "c: application/sdp\r\n",
+                                             "l: 20\n",
+                                             "l: 9\r\n",
+                                             "\r\n",
+                                             "\n",
+                                             "c: multipart/mixed;boundary=b\r\n",
+                                             "--b\r\n",
+                                             "--b--",
+                                             kSdp,
+                                             " folded\r\n",
+                                             "\r",
+                                             "\"",
+                                             "x",
+                                             std::string(1, '\0')};
+    std::mt19937 engine(3);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text;
+        for (uint32_t n = engine() % 14; n > 0; --n) {
+            text += pieces[engine() % pieces.size()];
+        }
+        const cli::Bodies found = cli::findBodies(text);
+        EXPECT_FALSE(found.bodies.empty() && found.problems.empty());
+        size_t end = 0;
+        for (const cli::BodyPlace &place : found.bodies) {
+            EXPECT_GE(place.offset, end);
+            end = place.offset + place.size;
+            EXPECT_LE(end, text.size());
+        }
+        for (const cli::Problem &problem : found.problems) {
+            EXPECT_LE(problem.offset, text.size());
+        }
+    }
+}
+
+} // namespace
