@@ -1,85 +1,59 @@
 #include "input.hpp"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <iostream>
 #include <memory>
-#include <string_view>
 
 namespace cli {
 
 namespace {
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-        return std::tolower(x) == std::tolower(y);
-    });
+namespace fs = std::filesystem;
+
+bool isHidden(const fs::path &path) {
+    return path.filename().string().starts_with('.');
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-// Takes the next line off the text, its line end dropped.
-std::string_view takeLine(std::string_view &text) {
-    const size_t end = text.find('\n');
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.ends_with('\r')) {
-        line.remove_suffix(1);
-    }
-    return line;
-}
-
-// "INVITE sip:... SIP/2.0" or "SIP/2.0 200 OK"
-bool isSipStart(std::string_view line) {
-    return line.starts_with("SIP/2.0 ") || line.ends_with(" SIP/2.0");
-}
-
-struct Headers {
-    std::string contentType;
-    std::optional<size_t> contentLength;
-};
-
-// Takes the headers and the empty line behind them. False when a length is no number.
-bool takeHeaders(std::string_view &text, Headers &headers) {
-    while (!text.empty()) {
-        const std::string_view line = takeLine(text);
-        if (line.empty()) {
-            return true;
+void addFolder(const std::string &folder, std::vector<std::string> &files,
+               std::vector<std::string> &errors) {
+    std::error_code problem;
+    fs::recursive_directory_iterator entry(folder, problem);
+    std::vector<std::string> found;
+    while (!problem && entry != fs::recursive_directory_iterator()) {
+        std::error_code ignored;
+        if (isHidden(entry->path())) {
+            entry.disable_recursion_pending();
+        } else if (entry->is_regular_file(ignored)) {
+            found.push_back(entry->path().string());
         }
-        const size_t colon = line.find(':');
-        if (colon == std::string_view::npos) {
-            continue;
-        }
-        const std::string_view name = trimmed(line.substr(0, colon));
-        const std::string_view value = trimmed(line.substr(colon + 1));
-        if (equalsIgnoringCase(name, "Content-Type") || equalsIgnoringCase(name, "c")) {
-            headers.contentType = trimmed(value.substr(0, value.find(';')));
-        } else if (equalsIgnoringCase(name, "Content-Length") || equalsIgnoringCase(name, "l")) {
-            size_t length = 0;
-            const auto [end, problem] =
-                std::from_chars(value.data(), value.data() + value.size(), length);
-            if (problem != std::errc{} || end != value.data() + value.size()) {
-                return false;
-            }
-            headers.contentLength = length;
-        }
+        entry.increment(problem);
     }
-    return true;
+    if (problem) {
+        errors.push_back(folder + ": " + problem.message());
+    }
+    std::sort(found.begin(), found.end());
+    files.insert(files.end(), found.begin(), found.end());
 }
 
 } // namespace
 
-std::optional<std::string> readInput(const std::string &path, std::string &error) {
+Source::Source(std::string name, std::string text)
+    : name_(std::move(name)), text_(std::move(text)), lineStarts_{0} {
+    for (size_t at = text_.find('\n'); at != std::string::npos; at = text_.find('\n', at + 1)) {
+        lineStarts_.push_back(at + 1);
+    }
+}
+
+Place Source::placeOf(size_t offset) const {
+    const auto next = std::upper_bound(lineStarts_.begin(), lineStarts_.end(), offset);
+    return {static_cast<size_t>(next - lineStarts_.begin()), offset - *(next - 1) + 1};
+}
+
+std::optional<Source> readSource(const std::string &path, std::string &error) {
     const auto close = [](std::FILE *file) { file != stdin ? std::fclose(file) : 0; };
     errno = 0;
     const std::unique_ptr<std::FILE, decltype(close)> file(
@@ -94,28 +68,52 @@ std::optional<std::string> readInput(const std::string &path, std::string &error
         error = std::strerror(errno);
         return std::nullopt;
     }
-    return text;
+    return Source(path == "-" ? "standard input" : path, std::move(text));
 }
 
-std::optional<std::string> extractSdp(const std::string &text, std::string &error) {
-    std::string_view rest = text;
-    if (!isSipStart(takeLine(rest))) {
-        return text;
+std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
+                                       std::vector<std::string> &errors) {
+    std::vector<std::string> files;
+    for (const std::string &path : paths) {
+        std::error_code ignored;
+        if (path != "-" && fs::is_directory(path, ignored)) {
+            addFolder(path, files, errors);
+        } else {
+            files.push_back(path);
+        }
     }
-    Headers headers;
-    if (!takeHeaders(rest, headers)) {
-        error = "the SIP message's Content-Length is not a number";
-        return std::nullopt;
+    return files;
+}
+
+Inputs readInputs(const std::vector<std::string> &paths) {
+    Inputs inputs;
+    inputs.sources.reserve(paths.size()); // bodies point to sources
+    for (const std::string &path : paths) {
+        std::string error;
+        std::optional<Source> source = readSource(path, error);
+        if (!source) {
+            std::cerr << "sdpline: " << (path == "-" ? "standard input" : path) << ": " << error
+                      << '\n';
+            inputs.complete = false;
+            continue;
+        }
+        inputs.sources.push_back(std::move(*source));
+        const Source &held = inputs.sources.back();
+        const Bodies found = findBodies(held.text());
+        for (const Problem &problem : found.problems) {
+            std::cerr << "sdpline: " << problemText(held, problem) << '\n';
+            inputs.complete = false;
+        }
+        for (const BodyPlace &place : found.bodies) {
+            inputs.bodies.push_back({&held, place});
+        }
     }
-    if (!equalsIgnoringCase(headers.contentType, "application/sdp")) {
-        error = "the SIP message carries no application/sdp body";
-        return std::nullopt;
-    }
-    if (headers.contentLength && *headers.contentLength > rest.size()) {
-        error = "the SIP message ends before its Content-Length";
-        return std::nullopt;
-    }
-    return std::string(rest.substr(0, headers.contentLength.value_or(rest.size())));
+    return inputs;
+}
+
+std::string problemText(const Source &source, const Problem &problem) {
+    const size_t line = source.placeOf(problem.offset).line;
+    return source.name() + (line > 1 ? ':' + std::to_string(line) : "") + ": " + problem.text;
 }
 
 } // namespace cli

@@ -236,10 +236,10 @@ TEST(JsonIn, TakesOrRefusesAnyJson) {
     std::mt19937 engine(7);
     size_t taken = 0;
     size_t refused = 0;
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < 1500; ++i) {
         const support::Body original = support::decoded(support::generateBody(engine));
         json document = json::parse(cli::jsonOf(*original).dump());
-        for (uint32_t n = engine() % 3; n < 3; ++n) {
+        for (size_t n = engine() % 3; n < 3; ++n) {
             injure(document, engine);
         }
         std::string error;
@@ -253,8 +253,8 @@ TEST(JsonIn, TakesOrRefusesAnyJson) {
         std::string problem;
         EXPECT_TRUE(cli::encodeBody(*body, problem)) << problem << '\n' << document.dump();
     }
-    EXPECT_GT(taken, 100u);
-    EXPECT_GT(refused, 1000u);
+    EXPECT_GT(taken, 50u);
+    EXPECT_GT(refused, 500u);
 }
 
 } // namespace

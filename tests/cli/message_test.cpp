@@ -160,7 +160,7 @@ TEST(Multipart, GivesItsSdpParts) {
     const Texts parts = {
         "Content-Type: text/plain\r\n\r\nv=0", kPart, "\r\nno header",
         "content-type:application/SDP\r\nContent-Transfer-Encoding: 8bit\r\n\r\nx"};
-    for (const std::string &type :
+    for (const std::string type :
          {"multipart/mixed;boundary=b1", "Multipart/Related; type=\"a\\\";b\"; BOUNDARY=\"b1\"",
           "multipart/alternative;\r\n boundary=b1 ; x=y"}) {
         EXPECT_EQ(bodiesOf(withLength(multipart(parts, "b1"), type)), (Texts{kSdp, "x"})) << type;
@@ -232,7 +232,7 @@ TEST(Messages, OfAnyBytesGivePlacesInsideTheText) {
     std::mt19937 engine(3);
     for (int i = 0; i < 20000; ++i) {
         std::string text;
-        for (uint32_t n = engine() % 14; n > 0; --n) {
+        for (size_t n = engine() % 14; n > 0; --n) {
             text += pieces[engine() % pieces.size()];
         }
         const cli::Bodies found = cli::findBodies(text);

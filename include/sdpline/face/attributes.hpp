@@ -53,11 +53,11 @@ inline RtpMap rtpMapOf(const SDPRtpMapAttr &map) {
 }
 
 inline Precondition preconditionOf(std::uint32_t type, const SDPRsrcMgmtStatus &status) {
-    return {StatusLine{type},
-            Keyword<PreconditionType>::of(
-                PreconditionType{status.stPrecondition.enPreconditionType},
-                viewOf(status.stPrecondition.pstrOtherPrecondition)),
-            StatusType{status.enStatusType}, Flow{status.enDirTag}, Strength{status.enStrengthTag}};
+    return {
+        StatusLine{type},
+        Keyword<PreconditionType>::of(PreconditionType{status.stPrecondition.enPreconditionType},
+                                      viewOf(status.stPrecondition.pstrOtherPrecondition)),
+        StatusType{status.enStatusType}, Flow{status.enDirTag}, Strength{status.enStrengthTag}};
 }
 
 inline AttributeValue attributeValueOf(const SDPAttr &attribute) {
@@ -101,8 +101,9 @@ inline AttributeValue attributeValueOf(const SDPAttr &attribute) {
     case AttributeType::Des:
     case AttributeType::Curr:
     case AttributeType::Conf: return preconditionOf(type, value.stRsrcMgmtStatus);
-    case AttributeType::IpBcp: return IpBcp{value.stIpBcp.ucVersion, IpBcpType{value.stIpBcp.ucType}};
-    case AttributeType::Setup: return Setup{value.enT120Mode};
+    case AttributeType::IpBcp:
+        return IpBcp{value.stIpBcp.ucVersion, IpBcpType{value.stIpBcp.ucType}};
+    case AttributeType::Setup: return SetupRole{value.enT120Mode};
     case AttributeType::Fax:
     case AttributeType::Modem:
     case AttributeType::XFax:
@@ -237,7 +238,8 @@ private:
  * and questions about the first line that answers them.
  *
  *     for (const sdpline::RtpMap &map : media.attributes().each<sdpline::RtpMap>()) ...
- *     const std::uint32_t ptime = media.attributes().number(sdpline::AttributeType::PTime).value_or(20);
+ *     const std::uint32_t ptime =
+ * media.attributes().number(sdpline::AttributeType::PTime).value_or(20);
  */
 class Attributes : public ListView<SDPAttrList, face_detail::MakeAttribute> {
 public:
@@ -275,7 +277,7 @@ public:
     }
 
     std::optional<Direction> direction() const { return first<Direction>(); }
-    std::optional<Setup> setup() const { return first<Setup>(); }
+    std::optional<SetupRole> setup() const { return first<SetupRole>(); }
 
     std::optional<RtpMap> rtpMap(std::uint32_t payload) const {
         for (const RtpMap &map : each<RtpMap>()) {

@@ -32,13 +32,11 @@ public:
     explicit AttributesEditor(Home home) : Attributes(home.get()), home_(home) {}
 
     /* Adds a line that holds the value: a Direction, RtpMap, Fmtp, T38RateManagement,
-     * T38ErrorCorrection, SilenceSupp, Ecan, Precondition, IpBcp or Setup; or an AttributeType
+     * T38ErrorCorrection, SilenceSupp, Ecan, Precondition, IpBcp or SetupRole; or an AttributeType
      * that needs no value: the directions, fax, modem, X-fax, X-modem and the three T.38 flags. */
     template <class Value>
-        requires requires(face_detail::Draft draft, const Value &value) { draft.fill(value); }
-    Status add(const Value &value) {
-        return addDraft(value);
-    }
+    requires requires(face_detail::Draft draft, const Value &value) { draft.fill(value); }
+    Status add(const Value &value) { return addDraft(value); }
 
     /* ptime, maxptime, framerate, quality, a T.38 number or flag. A flag of 0 is a line that the
      * encoder leaves out, unless SDP_T38_STYLE_VALUE is set. */
@@ -50,13 +48,15 @@ public:
     /* Any line by its text behind "a=", "ptime:20" or "candidate:1 1 UDP ...", which is decoded:
      * what it becomes, and what is wrong with it and where, the library says. */
     Status add(std::string_view text) {
-        auto decoded =
-            face_detail::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\na=", text);
+        auto decoded = face_detail::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\na=", text);
         if (!decoded) {
             return decoded.error();
         }
         return append({(*decoded)->pstAttrList->ppstAttrs[0], 1});
     }
+
+    /* A copy of a line, of whatever body. */
+    Status add(const Attribute &attribute) { return append({attribute.record(), 1}); }
 
     /* One line of the type in place of all of them: where the first one stood, else at the end. */
     Status set(AttributeType type, std::uint32_t number) {
@@ -65,7 +65,7 @@ public:
     Status set(AttributeType type, std::string_view text) {
         return setDraft([type](AttributeType one) { return one == type; }, type, text);
     }
-    Status setSetup(Setup setup) {
+    Status setSetup(SetupRole setup) {
         return setDraft([](AttributeType one) { return one == AttributeType::Setup; }, setup);
     }
     /* In place of every direction. */
@@ -91,8 +91,8 @@ public:
     std::size_t removeAll(std::string_view name) {
         return removeIf([name](const Attribute &one) { return one.name() == name; });
     }
-    /* Every line for which unwanted(Attribute) holds; answers how many. It is asked once for each
-     * line in order, and must neither throw nor change the body. */
+    /* Every line for which unwanted(Attribute) holds; answers how many. All lines are asked about,
+     * in order, before the first one goes; unwanted must not change the body. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
         return home_.eraseIf([&](const SDPAttr *one) { return unwanted(Attribute(one)); },
@@ -103,11 +103,7 @@ public:
     }
 
 private:
-    auto discard() const {
-        return [memory = home_.memory()](SDPAttr *one) {
-            memory.free(SDP_LINE_ATTRIBUTE, one);
-        };
-    }
+    face_detail::FreeLine discard() const { return {home_.memory(), SDP_LINE_ATTRIBUTE}; }
 
     Status append(std::span<const SDPAttr> sources) {
         const auto clone = [&](std::size_t n) {

@@ -67,6 +67,18 @@ inline Error decodeError(SDPResult code) {
     return error;
 }
 
+/* The decoder goes on when there is no memory for the word of an unknown protocol: its text then
+ * has a length and no bytes, and would be missing from what is written. */
+inline bool lacksAProtocol(const SdpLine &line) {
+    for (std::uint32_t i = 0; i < line.stMediaSet.ulNoOfMediaDescs; ++i) {
+        const SDPMediaProto &protocol = line.stMediaSet.ppstMediaDescs[i]->stMediaField.stProto;
+        if (protocol.enProto == SDP_PROTO_OTHER && viewOf(protocol.pstrOtherProto).empty()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 inline Result<BodyHandle> decodeText(std::string_view text) {
     /* A length that does not fit is far beyond what the library takes. */
     const SipString given =
@@ -78,7 +90,11 @@ inline Result<BodyHandle> decodeText(std::string_view text) {
     if (const SDPResult code = SdpLibDecodeSdp(&given, &line)) {
         return decodeError(code);
     }
-    return BodyHandle(line);
+    BodyHandle body(line);
+    if (lacksAProtocol(*body)) {
+        return noMemory();
+    }
+    return body;
 }
 
 /*

@@ -54,7 +54,7 @@ public:
         record.ulAttrType = static_cast<std::uint32_t>(direction);
         return refusedCode(direction);
     }
-    std::optional<Error> fill(Setup setup) { return fillCode(AttributeType::Setup, setup); }
+    std::optional<Error> fill(SetupRole setup) { return fillCode(AttributeType::Setup, setup); }
     std::optional<Error> fill(T38RateManagement management) {
         return fillCode(AttributeType::T38RateManagement, management);
     }
@@ -137,7 +137,7 @@ public:
     std::optional<Error> fill(const Ecan &ecan) {
         setType(AttributeType::Ecan);
         const auto [error, text] = join({}, ecan.parameters);
-        record.unAttrValue.stEcan = {static_cast<std::uint32_t>(ecan.direction), ecan.on ? 1u : 0u,
+        record.unAttrValue.stEcan = {ecan.on ? 1u : 0u, static_cast<std::uint32_t>(ecan.direction),
                                      lent(text)};
         return error ? error : refusedCode(ecan.direction);
     }
@@ -153,10 +153,9 @@ public:
             static_cast<std::uint32_t>(precondition.status),
             static_cast<std::uint32_t>(strength),
             static_cast<std::uint32_t>(precondition.flow)};
-        for (const auto &error :
-             {refusedToken(precondition.type.text()), refusedCode(precondition.line),
-              refusedCode(precondition.status), refusedCode(precondition.flow),
-              refusedCode(strength)}) {
+        for (const auto &error : {refusedToken(precondition.type.text()),
+                                  refusedCode(precondition.line), refusedCode(precondition.status),
+                                  refusedCode(precondition.flow), refusedCode(strength)}) {
             if (error) {
                 return error;
             }

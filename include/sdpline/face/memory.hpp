@@ -7,11 +7,14 @@
 #ifndef SDPLINE_FACE_MEMORY_HPP
 #define SDPLINE_FACE_MEMORY_HPP
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "sdpline/face/list.hpp"
 #include "sdpline/face/result.hpp"
@@ -55,7 +58,8 @@ public:
         return static_cast<Record *>(made);
     }
 
-    /* Puts a deep copy in place of what the target holds, which may be what the source refers to. */
+    /* Puts a deep copy in place of what the target holds, which may be what the source refers to.
+     */
     template <class Record>
     Status replace(std::uint32_t lineType, const Record &source, Record &target) const {
         Record fresh = {};
@@ -74,6 +78,13 @@ public:
 
 private:
     SDPMemCp *control_ = nullptr;
+};
+
+/* Takes items of a list back. */
+struct FreeLine {
+    Memory memory;
+    std::uint32_t lineType;
+    void operator()(void *record) const { memory.free(lineType, record); }
 };
 
 /* A pointer inside a packed record. It lies at a multiple of 4, so it is copied in and out. */
@@ -115,7 +126,8 @@ void removeLine(Memory memory, Slot<Record> slot, std::uint32_t lineType) {
     slot.set(nullptr);
 }
 
-/* ---- Lists ------------------------------------------------------------------------------------ */
+/* ---- Lists ------------------------------------------------------------------------------------
+ */
 
 /*
  * Adds `added` items at the end, all of them or none. Arrays have exactly one slot for each item,
@@ -151,34 +163,34 @@ Status append(Memory memory, List &list, std::size_t added, MakeItem make, Disca
     return {};
 }
 
-/* Removes the items that `unwanted` picks; answers how many. Never fails: where there is no memory
- * for an array of the exact size, the present one stays. */
+/* Removes the items that `unwanted` picks; answers how many. Every item is judged before the first
+ * one goes: what is compared with may lie in one of them. Never fails: where there is no memory for
+ * an array of the exact size, the present one stays. */
 template <class List, class Unwanted, class Discard>
 std::size_t eraseIf(Memory memory, List &list, Unwanted unwanted, Discard discard) {
     using Fields = ListOf<List>;
     using Item = typename Fields::Item;
-    Item **items = Fields::items(list);
+    Item **const items = Fields::items(list);
     const std::size_t count = items != nullptr ? Fields::count(list) : 0;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        if (unwanted(items[i])) {
-            discard(items[i]);
-        } else {
-            items[kept++] = items[i];
+        if (!unwanted(items[i])) {
+            std::swap(items[kept++], items[i]);
         }
     }
     if (kept == count) {
         return 0;
     }
+    std::for_each(items + kept, items + count, discard);
     Item **const exact = kept != 0 ? memory.allocate<Item *>(kept) : nullptr;
     if (exact != nullptr) {
         std::copy_n(items, kept, exact);
     }
-    if (exact != nullptr || kept == 0) {
+    const bool fits = exact != nullptr || kept == 0;
+    if (fits) {
         memory.release(items);
-        items = exact;
     }
-    Fields::set(list, items, static_cast<std::uint32_t>(kept));
+    Fields::set(list, fits ? exact : items, static_cast<std::uint32_t>(kept));
     return count - kept;
 }
 
@@ -220,7 +232,8 @@ private:
     Slot<List> slot_;
 };
 
-/* ---- What a text may hold --------------------------------------------------------------------- */
+/* ---- What a text may hold ---------------------------------------------------------------------
+ */
 
 /* The bytes that no value may hold: they would end the line, or be dropped on the way back. */
 inline constexpr std::string_view kLineBreaks("\r\n\0", 3);

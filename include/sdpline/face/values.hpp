@@ -107,7 +107,8 @@ struct TypedTime {
     }
 };
 
-/* ---- Values of attributes --------------------------------------------------------------------- */
+/* ---- Values of attributes ---------------------------------------------------------------------
+ */
 
 /* a=rtpmap. The name has at most 255 bytes and no "/". */
 struct RtpMap {
@@ -183,12 +184,12 @@ struct T38 {
  *     std::string_view      cat, keywds, tool, orient, type, charset, sdplang, lang, other names
  *     the others            the attribute of that name
  */
-using AttributeValue =
-    std::variant<std::monostate, Direction, std::uint32_t, std::string_view, RtpMap, Fmtp,
-                 T38RateManagement, T38ErrorCorrection, SilenceSupp, Ecan, Precondition, IpBcp,
-                 Setup>;
+using AttributeValue = std::variant<std::monostate, Direction, std::uint32_t, std::string_view,
+                                    RtpMap, Fmtp, T38RateManagement, T38ErrorCorrection,
+                                    SilenceSupp, Ecan, Precondition, IpBcp, SetupRole>;
 
-/* ---- m= --------------------------------------------------------------------------------------- */
+/* ---- m= ---------------------------------------------------------------------------------------
+ */
 
 /*
  * One m= line. RTP protocols go with the format Payloads and 1 to 100 payload numbers, none being
@@ -199,13 +200,14 @@ using AttributeValue =
 struct MediaLine {
     Keyword<MediaType> type = MediaType::Audio;
     std::uint32_t port = 0;      /* at most 65535 when written */
-    std::uint32_t portCount = 1; /* written when above 1 */
+    std::uint32_t portCount = 1; /* 0 counts as 1 */
     Keyword<Protocol> protocol = Protocol::RtpAvp;
     Keyword<Format> format = Format::Payloads;
     std::span<const std::uint32_t> payloads{}; /* for the format Payloads */
 };
 
-/* ---- Values of records ------------------------------------------------------------------------ */
+/* ---- Values of records ------------------------------------------------------------------------
+ */
 
 namespace face_detail {
 

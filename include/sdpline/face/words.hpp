@@ -117,7 +117,7 @@ enum class Direction : std::uint32_t {
     Inactive = SDP_ATTR_INACTIVE
 };
 
-enum class Setup : std::uint32_t {
+enum class SetupRole : std::uint32_t {
     Passive = SDP_T120_PASSIVE,
     Active = SDP_T120_ACTIVE,
     ActPass = SDP_T120_ACTPASS
@@ -193,26 +193,26 @@ template <>
 inline constexpr auto kRows<AddressType> =
     std::to_array<Row<AddressType>>({{AddressType::Ip4, "IP4"}, {AddressType::Ip6, "IP6"}});
 template <>
-inline constexpr auto kRows<MediaType> =
-    std::to_array<Row<MediaType>>({{MediaType::Audio, "audio"},
-                                   {MediaType::Video, "video"},
-                                   {MediaType::Application, "application"},
-                                   {MediaType::Data, "data"},
-                                   {MediaType::Control, "control"},
-                                   {MediaType::Image, "image"}});
+inline constexpr auto
+    kRows<MediaType> = std::to_array<Row<MediaType>>({{MediaType::Audio, "audio"},
+                                                      {MediaType::Video, "video"},
+                                                      {MediaType::Application, "application"},
+                                                      {MediaType::Data, "data"},
+                                                      {MediaType::Control, "control"},
+                                                      {MediaType::Image, "image"}});
 template <>
-inline constexpr auto kRows<Protocol> =
-    std::to_array<Row<Protocol>>({{Protocol::RtpAvp, "RTP/AVP"},
-                                  {Protocol::Udp, "udp"},
-                                  {Protocol::Udp, "UDP"},
-                                  {Protocol::Tcp, "TCP"},
-                                  {Protocol::Tcp, "tcp"},
-                                  {Protocol::Udptl, "udptl"},
-                                  {Protocol::RtpSavp, "RTP/SAVP"},
-                                  {Protocol::RtpAvpf, "RTP/AVPF"}});
+inline constexpr auto
+    kRows<Protocol> = std::to_array<Row<Protocol>>({{Protocol::RtpAvp, "RTP/AVP"},
+                                                    {Protocol::Udp, "udp"},
+                                                    {Protocol::Udp, "UDP"},
+                                                    {Protocol::Tcp, "TCP"},
+                                                    {Protocol::Tcp, "tcp"},
+                                                    {Protocol::Udptl, "udptl"},
+                                                    {Protocol::RtpSavp, "RTP/SAVP"},
+                                                    {Protocol::RtpAvpf, "RTP/AVPF"}});
 template <>
-inline constexpr auto kRows<Format> =
-    std::to_array<Row<Format>>({{Format::T38, "t38"}, {Format::T120, "t120"}});
+inline constexpr auto kRows<Format> = std::to_array<Row<Format>>({{Format::T38, "t38"},
+                                                                  {Format::T120, "t120"}});
 template <>
 inline constexpr auto kRows<PreconditionType> =
     std::to_array<Row<PreconditionType>>({{PreconditionType::Qos, "qos"}});
@@ -222,55 +222,50 @@ inline constexpr auto kRows<TimeUnit> = std::to_array<Row<TimeUnit>>({{TimeUnit:
                                                                       {TimeUnit::Minutes, "m"},
                                                                       {TimeUnit::Seconds, "s"}});
 template <>
-inline constexpr auto kRows<Direction> =
-    std::to_array<Row<Direction>>({{Direction::SendRecv, "sendrecv"},
-                                   {Direction::SendOnly, "sendonly"},
-                                   {Direction::RecvOnly, "recvonly"},
-                                   {Direction::Inactive, "inactive"}});
+inline constexpr auto
+    kRows<Direction> = std::to_array<Row<Direction>>({{Direction::SendRecv, "sendrecv"},
+                                                      {Direction::SendOnly, "sendonly"},
+                                                      {Direction::RecvOnly, "recvonly"},
+                                                      {Direction::Inactive, "inactive"}});
 template <>
-inline constexpr auto kRows<Setup> = std::to_array<Row<Setup>>(
-    {{Setup::Passive, "passive"}, {Setup::Active, "active"}, {Setup::ActPass, "actpass"}});
+inline constexpr auto
+    kRows<SetupRole> = std::to_array<Row<SetupRole>>({{SetupRole::Passive, "passive"},
+                                                      {SetupRole::Active, "active"},
+                                                      {SetupRole::ActPass, "actpass"}});
 template <>
 inline constexpr auto kRows<T38RateManagement> =
     std::to_array<Row<T38RateManagement>>({{T38RateManagement::LocalTcf, "localTCF"},
                                            {T38RateManagement::TransferredTcf, "transferredTCF"}});
 template <>
-inline constexpr auto kRows<T38ErrorCorrection> =
-    std::to_array<Row<T38ErrorCorrection>>({{T38ErrorCorrection::Fec, "t38UDPFEC"},
-                                            {T38ErrorCorrection::Redundancy, "t38UDPRedundancy"}});
+inline constexpr auto kRows<T38ErrorCorrection> = std::to_array<Row<T38ErrorCorrection>>(
+    {{T38ErrorCorrection::Fec, "t38UDPFEC"}, {T38ErrorCorrection::Redundancy, "t38UDPRedundancy"}});
 template <>
-inline constexpr auto kRows<EcanDirection> =
-    std::to_array<Row<EcanDirection>>({{EcanDirection::Both, "fb"},
-                                       {EcanDirection::Forward, "f"},
-                                       {EcanDirection::Backward, "b"}});
+inline constexpr auto kRows<EcanDirection> = std::to_array<Row<EcanDirection>>(
+    {{EcanDirection::Both, "fb"}, {EcanDirection::Forward, "f"}, {EcanDirection::Backward, "b"}});
 template <>
-inline constexpr auto kRows<IpBcpType> =
-    std::to_array<Row<IpBcpType>>({{IpBcpType::Request, "Request"},
-                                   {IpBcpType::Accepted, "Accepted"},
-                                   {IpBcpType::Confused, "Confused"},
-                                   {IpBcpType::Rejected, "Rejected"}});
+inline constexpr auto
+    kRows<IpBcpType> = std::to_array<Row<IpBcpType>>({{IpBcpType::Request, "Request"},
+                                                      {IpBcpType::Accepted, "Accepted"},
+                                                      {IpBcpType::Confused, "Confused"},
+                                                      {IpBcpType::Rejected, "Rejected"}});
 template <>
-inline constexpr auto kRows<StatusType> =
-    std::to_array<Row<StatusType>>({{StatusType::EndToEnd, "e2e"},
-                                    {StatusType::Local, "local"},
-                                    {StatusType::Remote, "remote"}});
+inline constexpr auto kRows<StatusType> = std::to_array<Row<StatusType>>(
+    {{StatusType::EndToEnd, "e2e"}, {StatusType::Local, "local"}, {StatusType::Remote, "remote"}});
 template <>
-inline constexpr auto kRows<Strength> =
-    std::to_array<Row<Strength>>({{Strength::Mandatory, "mandatory"},
-                                  {Strength::Optional, "optional"},
-                                  {Strength::None, "none"},
-                                  {Strength::Failure, "failure"},
-                                  {Strength::Unknown, "unknown"}});
+inline constexpr auto
+    kRows<Strength> = std::to_array<Row<Strength>>({{Strength::Mandatory, "mandatory"},
+                                                    {Strength::Optional, "optional"},
+                                                    {Strength::None, "none"},
+                                                    {Strength::Failure, "failure"},
+                                                    {Strength::Unknown, "unknown"}});
 template <>
 inline constexpr auto kRows<Flow> = std::to_array<Row<Flow>>({{Flow::None, "none"},
                                                               {Flow::Send, "send"},
                                                               {Flow::Recv, "recv"},
                                                               {Flow::SendRecv, "sendrecv"}});
 template <>
-inline constexpr auto kRows<StatusLine> =
-    std::to_array<Row<StatusLine>>({{StatusLine::Desired, "des"},
-                                    {StatusLine::Current, "curr"},
-                                    {StatusLine::Confirmed, "conf"}});
+inline constexpr auto kRows<StatusLine> = std::to_array<Row<StatusLine>>(
+    {{StatusLine::Desired, "des"}, {StatusLine::Current, "curr"}, {StatusLine::Confirmed, "conf"}});
 
 } // namespace face_detail
 

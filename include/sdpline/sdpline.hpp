@@ -1,0 +1,286 @@
+/*
+ * sdpline.hpp: SDP bodies in C++20. Header-only over libsdpline; this page is the manual.
+ *
+ *     auto body = sdpline::Body::decode(text);
+ *     if (!body) {
+ *         std::cerr << body.error().message() << '\n';   // 4:16: the fourth octet is above 255 ...
+ *         return;
+ *     }
+ *     for (sdpline::MediaEditor media : body->media()) {
+ *         if (media.type() == "video") {
+ *             media.setPort(0);
+ *         } else {
+ *             media.attributes().setDirection(sdpline::Direction::SendOnly);
+ *         }
+ *     }
+ *     send(*body->encode());
+ *
+ * Conventions
+ *  1. Ownership. A Body owns one memory block with all its lines; it moves and does not copy,
+ *     clone() makes another one. Everything else is a small value that refers to a body: ranges
+ *     (Texts, Times, MediaList, Attributes), lines (Media, Time, Attribute), editors of them, and
+ *     std::string_view. A constant body gives views, any other one editors, which are views too.
+ *  2. Lifetime. What refers to a body lives as long as the body does, wherever that is moved to,
+ *     and until the line that it came from is replaced or removed; values read from a line
+ *     (RtpMap, Origin, MediaLine ...) are copies whose texts do. Adding a line or removing another
+ *     one ends iterators only.
+ *  3. Results. What can fail answers a Result, which is a value or an Error, or a Status, which is
+ *     nothing or an Error. Nothing is thrown, but by std::string when the process heap is
+ *     exhausted; the headers compile without exceptions and without RTTI.
+ *  4. An operation that fails has changed nothing. Arguments may lie in the body that they change.
+ *  5. What is written is read back: a value that no text can carry, or that a decoder of this
+ *     library would not read as the same value, is refused (Fault::Argument) before it is stored:
+ *     empty texts, texts of more than SDP_MAX_VALUE bytes, line ends and NULs in texts, blanks in
+ *     words. Nobody can add a line of his own by way of a name. The exceptions: bodies of more
+ *     than SDP_MAX_BODY bytes, t= lines behind the first, flags of 0, and those of MediaLine.
+ *  6. Preconditions. An index beyond a list, the value of a failed Result, and any use of a body
+ *     that was moved from (but destroying it and assigning to it) end the program.
+ *  7. Threads. One body belongs to one thread at a time; several may read one that nobody
+ *     changes (encode() reads, but for rtpmap records without a name that a program made itself:
+ *     see SdpLibEncodeSdp). Decodes, those of the operations that take the text of a line among
+ *     them, run one at a time behind decodeMutex(), unless the program is compiled with
+ *     SDPLINE_THREAD_LOCAL, as the whole of it must be when libsdpline was built with
+ *     SDPLINE_THREAD_LOCAL, and must not be otherwise.
+ *  8. The C interface stays open: record() of a body or a line is the record to read and, with the
+ *     body's own block as memory control (pstMemCp), to change; adopt() and release() hand whole
+ *     bodies over. Configuration (line ends, T.38 flags, RTP/AVPF) is that of sdpline.h, for the
+ *     process.
+ *  9. Names are those of this namespace, sdpline, but for sdpline::face_detail, which may change
+ *     at any time. An inline namespace, v1, keeps its symbols apart from all others.
+ */
+#ifndef SDPLINE_SDPLINE_HPP
+#define SDPLINE_SDPLINE_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "sdpline/face/attributes.hpp"
+#include "sdpline/face/attributeseditor.hpp"
+#include "sdpline/face/clone.hpp"
+#include "sdpline/face/decode.hpp"
+#include "sdpline/face/editors.hpp"
+#include "sdpline/face/lines.hpp"
+#include "sdpline/face/media.hpp"
+#include "sdpline/face/result.hpp"
+#include "sdpline/face/values.hpp"
+#include "sdpline/face/words.hpp"
+#include "sdpline/sdpline.h"
+
+namespace sdpline::inline v1 {
+
+class Body {
+    template <class Record>
+    using Slot = face_detail::Slot<Record>;
+
+public:
+    /* ---- Making and giving away ----------------------------------------------------------------
+     */
+
+    /* Reads a body; the text is not kept. It has at most SDP_MAX_BODY bytes; what follows its first
+     * empty line is not read. An Error tells the line and column of the text that was refused. */
+    static Result<Body> decode(std::string_view text) {
+        auto decoded = face_detail::decodeText(text);
+        if (!decoded) {
+            return decoded.error();
+        }
+        return Body(std::move(*decoded));
+    }
+
+    /* A body of its first three lines, and no time: "t=0 0" is written. */
+    static Result<Body> create(const Origin &origin = {}, std::string_view sessionName = "-") {
+        auto made = face_detail::newBody();
+        if (!made) {
+            return made.error();
+        }
+        Body body(std::move(*made));
+        for (const Status &set : {body.setOrigin(origin), body.setSessionName(sessionName)}) {
+            if (!set) {
+                return set.error();
+            }
+        }
+        return body;
+    }
+
+    /* A copy of everything, in a block of its own, with what would not be written too. */
+    Result<Body> clone() const {
+        auto made = face_detail::cloneBody(line());
+        if (!made) {
+            return made.error();
+        }
+        return Body(std::move(*made));
+    }
+
+    /* Takes over a body of the C interface, which has a block; release() gives it back, to be
+     * released with SdpLibReleaseSdp. */
+    static Body adopt(SdpLine *line) {
+        face_detail::insist(line != nullptr && line->pstMemCp != nullptr);
+        return Body(face_detail::BodyHandle(line));
+    }
+    SdpLine *release() && { return line_.release(); }
+
+    SdpLine *record() { return &line(); }
+    const SdpLine *record() const { return &line(); }
+
+    /* ---- Text ----------------------------------------------------------------------------------
+     */
+
+    /* Lines come out in the order v o s i u e p c b t z k a, then m i c b k a for each media. */
+    Result<std::string> encode() const {
+        SipStringBuffer *buffer = nullptr;
+        if (const SDPResult code = SdpLibEncodeSdp(&line(), &buffer)) {
+            return face_detail::libraryError(code);
+        }
+        SipRefString *text = nullptr;
+        const std::uint32_t code = SipSbConvertToRefString(buffer, &text);
+        SipSbReleaseStringBuffer(buffer);
+        if (code != 0) {
+            return face_detail::libraryError(code);
+        }
+        std::string copy(SipSmGetDataFromRefString(text), SipSmGetLenFromRefString(text));
+        SipSmReleaseRefString(text);
+        return copy;
+    }
+
+    /* Into a buffer, without a NUL; answers the part that was written. A text that does not fit is
+     * refused; the buffer then holds what was written before. */
+    Result<std::string_view> encode(std::span<char> buffer) const {
+        const std::size_t size =
+            std::min<std::size_t>(buffer.size(), std::numeric_limits<std::uint32_t>::max());
+        std::uint32_t written = 0;
+        if (const SDPResult code =
+                SdpLibSerializeSdp(&line(), reinterpret_cast<std::uint8_t *>(buffer.data()),
+                                   static_cast<std::uint32_t>(size), &written)) {
+            return face_detail::libraryError(code);
+        }
+        return std::string_view(buffer.data(), written);
+    }
+
+    /* ---- Lines to look at ----------------------------------------------------------------------
+     */
+
+    std::uint32_t version() const { return line().ulProtoVersion; }
+    Origin origin() const { return face_detail::originOf(line().stOrigin); }
+    std::string_view sessionName() const { return face_detail::viewOf(line().strSessionName); }
+    std::optional<std::string_view> info() const {
+        return face_detail::optionalViewOf(line().pstrSessionInfo);
+    }
+    std::optional<std::string_view> uri() const {
+        return face_detail::optionalViewOf(line().pstrUri);
+    }
+    Texts emails() const { return Texts(line().pstEmailList); }
+    Texts phones() const { return Texts(line().pstPhoneList); }
+    std::optional<Connection> connection() const {
+        return face_detail::connectionOf(line().pstConnection);
+    }
+    Texts bandwidths() const { return Texts(line().pstBandwidthList); }
+    Times times() const { return Times(&line().stTimeSet); }
+    std::optional<std::string_view> zone() const {
+        return face_detail::optionalViewOf(line().pstrTimeZone);
+    }
+    std::optional<std::string_view> key() const { return face_detail::keyOf(line().pstKey); }
+    Attributes attributes() const { return Attributes(line().pstAttrList); }
+    MediaList media() const { return MediaList(&line().stMediaSet); }
+
+    /* What holds for a media description of this body: its own line, or else the session's; a
+     * direction that neither gives is SendRecv (RFC 3264 section 5.1). */
+    std::optional<Connection> connectionOf(const Media &media) const {
+        const auto own = media.connection();
+        return own ? own : connection();
+    }
+    Direction directionOf(const Media &media) const {
+        const auto own = media.attributes().direction();
+        return own ? *own : attributes().direction().value_or(Direction::SendRecv);
+    }
+
+    /* ---- Lines to change -----------------------------------------------------------------------
+     */
+
+    Status setOrigin(const Origin &origin) {
+        return face_detail::setOrigin(memory(), line().stOrigin, origin);
+    }
+
+    /* A blank or "-" stands for no name: the text must not be empty. */
+    Status setSessionName(std::string_view text) {
+        if (const auto error = face_detail::refusedText(text)) {
+            return *error;
+        }
+        return memory().replace(SDP_LINE_NAME, face_detail::lent(text), line().strSessionName);
+    }
+
+    Status setInfo(std::string_view text) {
+        return face_detail::setText(memory(), infoSlot(), SDP_LINE_INFO, text);
+    }
+    void removeInfo() { face_detail::removeLine(memory(), infoSlot(), SDP_LINE_INFO); }
+
+    Status setUri(std::string_view text) {
+        return face_detail::setText(memory(), uriSlot(), SDP_LINE_URI, text);
+    }
+    void removeUri() { face_detail::removeLine(memory(), uriSlot(), SDP_LINE_URI); }
+
+    TextsEditor emails() { return texts(offsetof(SdpLine, pstEmailList), SDP_LINE_EMAIL); }
+    TextsEditor phones() { return texts(offsetof(SdpLine, pstPhoneList), SDP_LINE_PHONE); }
+
+    Status setConnection(const Connection &connection) {
+        return face_detail::setConnection(memory(), connectionSlot(), connection);
+    }
+    /* By its text behind "c=", "IN IP4 192.0.2.1", which is decoded. */
+    Status setConnection(std::string_view text) {
+        return face_detail::setConnection(memory(), connectionSlot(), text);
+    }
+    void removeConnection() {
+        face_detail::removeLine(memory(), connectionSlot(), SDP_LINE_CONNECTION);
+    }
+
+    TextsEditor bandwidths() {
+        return texts(offsetof(SdpLine, pstBandwidthList), SDP_LINE_BANDWIDTH);
+    }
+    TimesEditor times() { return {memory(), &line().stTimeSet}; }
+
+    Status setZone(std::string_view text) {
+        return face_detail::setText(memory(), zoneSlot(), SDP_LINE_ZONE, text);
+    }
+    void removeZone() { face_detail::removeLine(memory(), zoneSlot(), SDP_LINE_ZONE); }
+
+    Status setKey(std::string_view text) { return face_detail::setKey(memory(), keySlot(), text); }
+    void removeKey() { face_detail::removeLine(memory(), keySlot(), SDP_LINE_KEY); }
+
+    AttributesEditor attributes() {
+        const Slot<SDPAttrList> slot(&line(), offsetof(SdpLine, pstAttrList));
+        return AttributesEditor({memory(), slot});
+    }
+
+    MediaListEditor media() { return {memory(), &line().stMediaSet}; }
+
+private:
+    explicit Body(face_detail::BodyHandle line) : line_(std::move(line)) {}
+
+    /* Constness is the methods' affair: the encoder takes records that it may change. */
+    SdpLine &line() const {
+        face_detail::insist(line_ != nullptr);
+        return *line_;
+    }
+
+    face_detail::Memory memory() const { return face_detail::Memory(line().pstMemCp); }
+
+    TextsEditor texts(std::size_t offset, std::uint32_t lineType) {
+        return TextsEditor({memory(), Slot<SDPStringList>(&line(), offset)}, lineType);
+    }
+
+    Slot<SipString> infoSlot() { return {&line(), offsetof(SdpLine, pstrSessionInfo)}; }
+    Slot<SipString> uriSlot() { return {&line(), offsetof(SdpLine, pstrUri)}; }
+    Slot<SipString> zoneSlot() { return {&line(), offsetof(SdpLine, pstrTimeZone)}; }
+    Slot<SDPConnection> connectionSlot() { return {&line(), offsetof(SdpLine, pstConnection)}; }
+    Slot<SDPKey> keySlot() { return {&line(), offsetof(SdpLine, pstKey)}; }
+
+    face_detail::BodyHandle line_;
+};
+
+} // namespace sdpline::inline v1
+
+#endif

@@ -1,0 +1,106 @@
+#!/usr/bin/env bash
+# sdpline decode, and what the program does whatever the subcommand.
+. "$(dirname "$0")/expect.sh"
+
+expect "a file" 0 good.tree nothing -- "$program" decode good.sdp
+expect "standard input" 0 good.tree nothing -- sh -c '"$1" decode <good.sdp' _ "$program"
+expect "- is standard input" 0 good.tree nothing -- sh -c '"$1" decode - <good.sdp' _ "$program"
+message good.sip good.sdp
+expect "a SIP message" 0 good.tree nothing -- "$program" decode good.sip
+expect "the shipped example" 0 - nothing -- "$program" decode "$source/examples/offer.sip"
+
+cat >refused <<'TEXT'
+bad.sdp:4:16: the fourth octet is above 255 (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)
+TEXT
+expect "a refused body" 1 nothing refused -- "$program" decode bad.sdp
+cat >empty <<'TEXT'
+nothing: the body is empty (sdpparser SdpLibParseSdp, 0x05000401)
+TEXT
+expect "an empty body" 1 nothing empty -- "$program" decode nothing
+head -c 4094 /dev/zero | tr '\0' x >big
+cat >long <<'TEXT'
+big: the body is 4094 bytes long, more than 4093 (sdpparser SdpLibParseSdp, 0x05000401)
+TEXT
+expect "a body that is too long" 1 nothing long -- "$program" decode big
+echo 'sdpline: none.sdp: No such file or directory' >none
+expect "a file that is not there" 1 nothing none -- "$program" decode none.sdp
+expect "a folder" 1 nothing "~^sdpline: \.: Is a directory$" -- "$program" decode .
+
+# ---- Several bodies
+{ echo "# good.sdp:1"; cat good.tree; echo; echo "# good.sip:6"; cat good.tree; } >titled
+expect "two files" 0 titled nothing -- "$program" decode good.sdp good.sip
+expect "two files, one refused" 1 "~^# good.sdp:1$" refused -- "$program" decode good.sdp bad.sdp
+cat good.sip good.sip >two.sip
+{ echo "# two.sip:6"; cat good.tree; echo; echo "# two.sip:16"; cat good.tree; } >titled
+expect "two messages in a file" 0 titled nothing -- "$program" decode two.sip
+
+# ---- Options
+file avpf.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+m=audio 5004 RTP/AVPF 0
+SDP
+expect "RTP/AVPF is other text" 0 '~proto "RTP/AVPF" format "0"$' nothing -- \
+  "$program" decode avpf.sdp
+expect "--avpf: a protocol of its own" 0 '~proto RTP/AVPF payloads 0$' nothing -- \
+  "$program" decode --avpf avpf.sdp
+cat >good.json <<'JSON'
+{
+  "version": 0,
+  "origin": {
+    "userName": "-",
+    "sessionId": "1",
+    "sessionVersion": "2",
+    "netType": {
+      "code": 1,
+      "word": "IN"
+    },
+    "addrType": {
+      "code": 1,
+      "word": "IP4"
+    },
+    "address": "192.0.2.1"
+  },
+  "name": "-",
+  "times": [
+    {
+      "start": 0,
+      "stop": 0
+    }
+  ],
+  "attributes": [
+    {
+      "type": {
+        "code": 6,
+        "word": "ptime"
+      },
+      "value": 20
+    }
+  ],
+  "media": []
+}
+JSON
+expect "--json" 0 good.json nothing -- "$program" decode --json good.sdp
+cat good.json good.json >twice.json
+expect "--json of two bodies" 0 twice.json nothing -- "$program" decode --json two.sip
+
+# ---- The program
+expect "--help" 0 '~^Subcommands:$' nothing -- "$program" --help
+expect "--version" 0 '~^sdpline [0-9]+\.[0-9]+\.[0-9]+$' nothing -- "$program" --version
+for subcommand in decode format encode check diff explain profiles; do
+  expect "$subcommand --help" 0 "~^  sdpline $subcommand" nothing -- "$program" $subcommand --help
+  expect "$subcommand --nonsense" 2 nothing '~--nonsense' -- \
+    "$program" $subcommand --nonsense good.sdp good.sdp
+done
+expect "no subcommand" 2 nothing '~A subcommand is required' -- "$program"
+expect "an unknown subcommand" 2 nothing - -- "$program" frobnicate
+for subcommand in "decode good.sdp" "format good.sdp" "encode good.json"; do
+  expect "$subcommand: output that cannot be written" 1 - '~cannot write the output' -- \
+    sh -c '"$1" $2 >/dev/full' _ "$program" "$subcommand"
+done
+for subcommand in "check good.sdp" "diff good.sdp good.sdp --json" "explain 1"; do
+  expect "$subcommand: output that cannot be written" 2 - '~cannot write the output' -- \
+    sh -c '"$1" $2 >/dev/full' _ "$program" "$subcommand"
+done
+finish

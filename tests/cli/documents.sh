@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# The man page and the bash completion know the subcommands and options of the program, no more and
+# no fewer.
+. "$(dirname "$0")/expect.sh"
+page=$source/docs/man/sdpline.1
+completion=$source/completion/sdpline
+
+# subcommands; options SUBCOMMAND: as the program's own help lists them, one a line, sorted.
+subcommands() { "$program" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p' | sort; }
+options() { "$program" "$@" --help | sed -n '/^Options:/,/^$/p' | grep -oE -- '^  .{0,3}--[a-z0-9-]+' |
+  grep -oE -- '--.*' | sort; }
+
+subcommands >subcommands.txt
+[ "$(wc -l <subcommands.txt)" -eq 7 ] || { failures=$((failures + 1)); echo "not seven subcommands"; }
+
+# ---- Man page
+sed -n 's/^\.SS //p' "$page" | sort >got
+expect "the page's subcommands" 0 subcommands.txt nothing -- cat got
+sed -n 's/^\.B sdpline //p' "$page" | sort >got
+expect "the synopsis' subcommands" 0 subcommands.txt nothing -- cat got
+while read -r subcommand; do
+  options "$subcommand" | grep -v '^--help$' >known
+  sed 's/\\-/-/g' "$page" |
+    awk -v name="$subcommand" '/^\.S[SH]/ { on = ($2 == name) } on && before == ".TP" { print } { before = $0 }' |
+    grep -oE -- '--[a-z0-9-]+' | sort >got
+  expect "the page's options of $subcommand" 0 known nothing -- cat got
+  sed 's/\\-/-/g' "$page" |
+    awk -v name="$subcommand" '/^\.SH/ { on = 0 } /^\.B sdpline/ { on = ($3 == name) } on' |
+    grep -oE -- '--[a-z0-9-]+' | sort >got
+  expect "the synopsis of $subcommand" 0 known nothing -- cat got
+done <subcommands.txt
+if command -v groff >/dev/null; then
+  groff -man -Tutf8 -ww -z "$page" >got 2>&1
+  expect "the page's markup" 0 nothing nothing -- cat got
+fi
+
+# ---- Completion
+# completed WORD...: what is offered for the last word, sorted.
+completed() {
+  bash -c '. "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _sdpline
+    printf "%s\n" "${COMPREPLY[@]}"' _ "$completion" "$@" | sort
+}
+{ cat subcommands.txt; options; } | sort >known
+expect "completion of the first word" 0 known nothing -- completed sdpline ""
+while read -r subcommand; do
+  options "$subcommand" >known
+  expect "completion of the options of $subcommand" 0 known nothing -- \
+    completed sdpline "$subcommand" -
+done <subcommands.txt
+printf '%s\n' cr crlf >known
+expect "completion of a line end" 0 known nothing -- completed sdpline format --line-end c
+printf '%s\n' 0 1 2 >known
+expect "completion of a style" 0 known nothing -- completed sdpline encode --t38 ""
+mkdir files && touch "files/a b.sdp" files/c.sdp
+printf '%s\n' "files/a b.sdp" files/c.sdp >known
+expect "completion of files" 0 known nothing -- completed sdpline check --json files/
+echo >known
+expect "no files for explain" 0 known nothing -- completed sdpline explain ""
+expect "it can be loaded" 0 - nothing -- bash -c '. "$1" && complete -p sdpline' _ "$completion"
+finish

@@ -1,0 +1,82 @@
+# What the tests of the program share: each runs it on files in a folder of its own.
+# Sourced by the scripts beside it, which are called with PROGRAM and SOURCE_DIR.
+set -uo pipefail
+program=$1 source=$2
+export LC_ALL=C.UTF-8
+unset NO_COLOR
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 2
+failures=0
+count=0
+: >nothing
+
+# expect NAME STATUS STDOUT STDERR -- COMMAND...
+# STDOUT and STDERR are files to compare with; "-" is output that is not looked at, and "~PATTERN"
+# an extended regular expression that must be found in it.
+expect() {
+  local name=$1 status=$2 output=$3 error=$4
+  shift 5
+  "$@" >.out 2>.err
+  local got=$?
+  count=$((count + 1))
+  local wrong=""
+  [ "$got" -eq "$status" ] || wrong="status $got instead of $status"
+  wrong+=$(differs "standard output" "$output" .out)
+  wrong+=$(differs "standard error" "$error" .err)
+  if [ -n "$wrong" ]; then
+    failures=$((failures + 1))
+    echo "$name: $wrong"
+  fi
+}
+
+differs() { # WHAT EXPECTED GOT
+  case $2 in
+  -) ;;
+  '~'*) grep -qE -- "${2#\~}" "$3" || printf '\n  %s lacks "%s":\n%s' "$1" "${2#\~}" "$(cat "$3")" ;;
+  *) cmp -s "$2" "$3" || printf '\n  %s differs:\n%s' "$1" "$(diff "$2" "$3" | head -20)" ;;
+  esac
+}
+
+# file NAME: standard input as a file, its lines ended by CR LF.
+file() { sed 's/$/\r/' >"$1"; }
+
+# message FILE BODY [HEADER...]: a SIP request with the body and its length.
+message() {
+  local file=$1 body=$2
+  shift 2
+  {
+    printf 'INVITE sip:bob@example.com SIP/2.0\r\nVia: SIP/2.0/UDP pc.example.com\r\n'
+    [ $# -eq 0 ] || printf '%s\r\n' "$@"
+    [ $# -gt 0 ] || printf 'Content-Type: application/sdp\r\n'
+    printf 'Content-Length: %d\r\n\r\n' "$(wc -c <"$body")"
+    cat "$body"
+  } >"$file"
+}
+
+finish() {
+  echo "$(basename "$0"): $((count - failures)) passed, $failures failed"
+  [ "$failures" -eq 0 ]
+}
+
+# Two bodies that most tests need.
+file good.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+t=0 0
+a=ptime:20
+SDP
+cat >good.tree <<'TREE'
+version 0
+origin "-" session "1" version "2" IN IP4 "192.0.2.1"
+name "-"
+time 0 0
+attribute 6 ptime 20
+TREE
+file bad.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+c=IN IP4 1.2.3.256
+SDP

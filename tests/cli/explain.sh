@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# sdpline explain
+. "$(dirname "$0")/expect.sh"
+
+cat >octet <<'TEXT'
+0x05035065: the fourth octet is above 255
+  check     ConnLastOctetRange
+  made by   sdpConnectionFieldAddrIpv4 in sdpparser
+  parts     file 5, location 212, class 101 (a token that the field's grammar does not admit)
+TEXT
+expect "hexadecimal" 0 octet nothing -- "$program" explain 0x05035065
+expect "hexadecimal, upper case" 0 octet nothing -- "$program" explain 0X05035065
+expect "decimal" 0 octet nothing -- "$program" explain 84103269
+cat octet octet >twice
+expect "two codes" 0 twice nothing -- "$program" explain 0x5035065 84103269
+sed 's/0x05/0x0c/; s/file 5/file 12/' octet >based
+expect "--file-base 7" 0 based nothing -- "$program" explain --file-base 7 0c035065
+expect "--file-base 0x107" 0 based nothing -- "$program" explain --file-base 0x107 0x0c035065
+cat >unknown <<'TEXT'
+0x0c035065: no check of the library answers this under file base 0
+  parts     file 12, location 212, class 101 (a token that the field's grammar does not admit)
+  with --file-base 7: the fourth octet is above 255 [ConnLastOctetRange]
+TEXT
+expect "the base is missing" 1 unknown nothing -- "$program" explain 0x0c035065
+echo '0x00000000: success' >success
+expect "0" 0 success nothing -- "$program" explain 0
+cat >bare <<'TEXT'
+0x00000008: a bare 8, which these checks answer; only the log entry tells which one failed
+  SdpTokanizeIPv6Str: the text, its length or a result pointer is missing [Ipv6TokensArgument]
+TEXT
+expect "a bare 8" 0 bare nothing -- "$program" explain 8
+expect "a bare 1" 0 '~^  SdpSetT38OptCfg: the T.38 style is above 2 \[ConfigT38Style\]$' nothing -- \
+  "$program" explain 1
+expect "several checks answer it" 0 '~^  SdpCopyLine: ' nothing -- "$program" explain 1
+expect "unknown and known" 1 '~ConnLastOctetRange$' nothing -- "$program" explain 2 0x05035065
+for word in zz 0x "" 4294967296 -1 1.5 "1 2"; do
+  expect "'$word' is no code" 2 nothing - -- "$program" explain -- "$word"
+done
+expect "a base that is no number" 2 nothing '~--file-base x: not a number' -- \
+  "$program" explain --file-base x 1
+expect "no code" 2 nothing '~CODE is required' -- "$program" explain
+
+# ---- Every code of the library can be explained
+"$program" explain --list >list
+expect "--list" 0 list nothing -- "$program" explain --list
+[ "$(wc -l <list)" -gt 200 ] || { failures=$((failures + 1)); echo "--list is short"; }
+awk '{ print $1, $2 }' list | while read -r code name; do
+  "$program" explain "$code" | grep -q "$name" || echo "$code is not explained as $name"
+done >wrong
+expect "every code of the list" 0 nothing nothing -- cat wrong
+"$program" explain --list --file-base 9 | awk '$1 !~ /^0x0000000/ { print $1 }' |
+  xargs "$program" explain --file-base 9 >explained
+expect "the list under another base" 1 nothing nothing -- grep 'no check of the library' explained
+finish

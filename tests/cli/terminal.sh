@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Colour and the progress bar: on a terminal only. script(1) makes one.
+. "$(dirname "$0")/expect.sh"
+export TERM=xterm
+
+onTerminal() { script -qec "$*" /dev/null | tr -d '\r'; }
+
+printf 'v=0\no=- 1 2 IN IP4 x\ns=-\nf=1\n' >f.sdp
+printf '\033[1mf.sdp:4:1: \033[0m\033[1;31merror: \033[0m\033[1mthis line may not follow the s= line\033[0m [AfterName]\n    4 | f=1\n      | \033[1;32m^\033[0m\nchecked 1 body in 1 file: 1 refused\n' >coloured
+sed 's/\x1b\[[0-9;]*m//g' coloured >plain
+expect "colour on a terminal" 1 coloured nothing -- onTerminal "$program check f.sdp"
+expect "none with NO_COLOR" 1 plain nothing -- onTerminal "NO_COLOR=1 $program check f.sdp"
+expect "an empty NO_COLOR is none" 1 coloured nothing -- onTerminal "NO_COLOR= $program check f.sdp"
+expect "none on a dumb terminal" 1 plain nothing -- onTerminal "TERM=dumb $program check f.sdp"
+expect "none through a pipe" 1 plain nothing -- onTerminal "$program check f.sdp | cat; exit 1"
+expect "none in a file" 1 plain nothing -- "$program" check f.sdp
+sed 's/ptime:20/ptime:30/' good.sdp >other.sdp
+printf '\033[1msession\033[0m: attribute \033[31ma=ptime:20\033[0m -> \033[32ma=ptime:30\033[0m\n' >coloured
+expect "diff has colour" 1 coloured nothing -- onTerminal "$program diff good.sdp other.sdp"
+
+# ---- Progress
+mkdir many few
+for i in $(seq 10 39); do cp good.sdp "many/$i"; done
+for i in $(seq 10 28); do cp good.sdp "few/$i"; done
+echo 'checked 30 bodies in 30 files: none refused' >summary
+expect "no bar without a terminal" 0 summary nothing -- "$program" check many
+script -qec "$program check many 2>err.txt" /dev/null >/dev/null
+expect "no bar where standard error is a file" 0 nothing nothing -- cat err.txt
+script -qec "$program check many >out.txt" /dev/null >bar
+expect "a bar on the terminal" 0 nothing nothing -- cmp out.txt summary
+expect "it begins" 0 - nothing -- grep -F '[#.............................] 1/30 files' bar
+expect "it ends" 0 - nothing -- grep -F '[##############################] 30/30 files' bar
+expect "it goes away" 0 - nothing -- grep -P '\r +\r$' bar
+script -qec "$program check few >out.txt" /dev/null >bar
+expect "no bar for a few files" 0 nothing nothing -- cat bar
+cp bad.sdp many/20
+script -qec "$program check many" /dev/null >bar
+expect "a refusal stands on a line of its own" 0 - nothing -- grep -P '\r\x1b\[1mmany/20:4:16: ' bar
+finish
