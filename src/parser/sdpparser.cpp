@@ -224,7 +224,7 @@ uint32_t originalOffset(const SipString &text, uint32_t offset) {
 
 // Remembers why the text was refused and where: at the word that was judged, or else where the
 // lexer stands.
-void rememberPlace(const SipString &text, SDPResult result) {
+[[gnu::cold, gnu::noinline]] void rememberPlace(const SipString &text, SDPResult result) {
     const char *const word = lastFailed.word;
     const auto *const input = reinterpret_cast<const char *>(lexer::state.input);
     uint32_t offset = originalOffset(text, word != nullptr ? static_cast<uint32_t>(word - input)

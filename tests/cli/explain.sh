@@ -44,10 +44,10 @@ expect "no code" 2 nothing '~CODE is required' -- "$program" explain
 "$program" explain --list >list
 expect "--list" 0 list nothing -- "$program" explain --list
 [ "$(wc -l <list)" -gt 200 ] || { failures=$((failures + 1)); echo "--list is short"; }
-awk '{ print $1, $2 }' list | while read -r code name; do
-  "$program" explain "$code" | grep -q "$name" || echo "$code is not explained as $name"
-done >wrong
-expect "every code of the list" 0 nothing nothing -- cat wrong
+awk '$1 !~ /^0x0000000/ { print $1 }' list >codes
+awk '$1 !~ /^0x0000000/ { print $2 }' list >names
+xargs "$program" explain <codes | awk '$1 == "check" { print $2 }' >explained
+expect "every code of the list" 0 names nothing -- cat explained
 "$program" explain --list --file-base 9 | awk '$1 !~ /^0x0000000/ { print $1 }' |
   xargs "$program" explain --file-base 9 >explained
 expect "the list under another base" 1 nothing nothing -- grep 'no check of the library' explained

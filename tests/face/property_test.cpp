@@ -34,15 +34,22 @@ public:
     }
 
 private:
-    // Mostly harmless bytes; blanks, separators, line ends and NULs among them.
+    // Mostly harmless bytes; blanks, separators, line ends and NULs among them. A few texts are
+    // about as long as a text may be, of harmless bytes only.
     std::string_view text() {
         static constexpr char kBytes[] = "abcxyz019AZ:;@,()<>/.-_= \t\r\n\0\x80\xFF";
-        texts_.emplace_back(chance_.oneIn(200) ? 1000 + chance_.below(40) : chance_.below(7), ' ');
+        const bool isLong = chance_.oneIn(200);
+        texts_.emplace_back(isLong ? 1015 + chance_.below(20) : chance_.below(7), ' ');
         for (char &byte : texts_.back()) {
-            const bool plain = !chance_.oneIn(6);
+            const bool plain = isLong || !chance_.oneIn(6);
             byte = kBytes[chance_.below(plain ? 11 : sizeof kBytes - 1)];
         }
         return texts_.back();
+    }
+
+    std::string_view encodingName() {
+        static constexpr const char *kNames[] = {"PCMU", "L16", "DVI4", "H263-1998", "pcmu"};
+        return chance_.oneIn(2) ? text() : std::string_view(chance_.pick(kNames));
     }
 
     AttributesEditor target(Body &body) {
@@ -103,7 +110,7 @@ private:
         case 0:
             return lines
                 .add(RtpMap{.payload = chance_.number(),
-                            .name = text(),
+                            .name = encodingName(),
                             .clockRate = chance_.number(),
                             .channels = chance_.below(4)})
                 .ok();

@@ -124,6 +124,25 @@ TEST(FaceScarce, AFailedRequestChangesNothing) {
     }
 }
 
+TEST(FaceScarce, AFailedRequestGivesBackWhatWasTakenBeforeIt) {
+    for (const Operation &operation : kOperations) {
+        const std::uint32_t failures = failuresOf(operation, kPlain);
+        for (std::uint32_t n = 1; n <= failures; ++n) {
+            Body body = decoded(kPlain);
+            support::Held once = {};
+            for (int i = 0; i < 100; ++i) {
+                Allocations::failAt(n);
+                EXPECT_FALSE(operation.run(body));
+                Allocations::reset();
+                if (i == 0) {
+                    once = support::Held::now();
+                }
+            }
+            EXPECT_EQ(support::Held::now(), once) << operation.name << ", request " << n;
+        }
+    }
+}
+
 TEST(FaceScarce, AListThatWasNotMadeIsStillAbsent) {
     Body body = decoded(kPlain);
     for (std::uint32_t n = 1; n <= 3; ++n) {
