@@ -141,7 +141,7 @@ std::string payloadText(uint32_t payload, const SDPMediaDesc &media) {
 // can be one for each.
 std::string attributeKey(const std::string &line) {
     const size_t colon = line.find(':');
-    const std::string name = line.substr(0, colon);
+    std::string name = line.substr(0, colon);
     if (colon != std::string::npos &&
         (name == "a=rtpmap" || name == "a=fmtp" || name == "a=rtcp-fb")) {
         return line.substr(0, line.find(' ', colon));

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "display.hpp"
 #include "input.hpp"
 #include "json.hpp"
 #include "text.hpp"
@@ -81,7 +82,7 @@ private:
 
     void report(const std::string &message) {
         const std::string which = number_ > 1 ? " (document " + std::to_string(number_) + ')' : "";
-        std::cerr << "sdpline: " << name_ << which << ": " << message << '\n';
+        std::cerr << "sdpline: " << name_ << which << ": " << escaped(message) << '\n';
         good_ = false;
     }
 

@@ -153,7 +153,7 @@ void addExplain(CLI::App &app, Outcome &outcome) {
                     "  sdpline explain --list | grep rtpmap\n\n"
                     "Exit status: 0, 1 when a code is none of the library's, 2 when it is no\n"
                     "number.");
-    command->callback([options, command, &outcome] {
+    command->callback([options, &outcome] {
         if (options->codes.empty() && !options->list) {
             throw CLI::RequiredError("CODE");
         }

@@ -87,6 +87,16 @@ std::string code(SDPResult result) {
     return text;
 }
 
+std::string replaced(const std::string &text, const std::string &what, const std::string &with) {
+    std::string result;
+    size_t at = 0;
+    for (size_t found; (found = text.find(what, at)) != std::string::npos;
+         at = found + what.size()) {
+        result += text.substr(at, found - at) + with;
+    }
+    return result + text.substr(at);
+}
+
 // "0x05035065 ConnLastOctetRange at 4:16"
 std::string describeRefusal(SDPResult result) {
     SDPFailure failure = {};
@@ -150,6 +160,34 @@ private:
             expectedLogs += expected[i] + '\n';
         }
         EXPECT_EQ(logs, expectedLogs);
+        runOtherSpellings();
+    }
+
+    // The same text with other line ends, and with bytes at its line starts that are not read: the
+    // check and the line stay, the column moves with the bytes before it.
+    void runOtherSpellings() {
+        SDPFailure plain = {};
+        SdpLibGetLastFailure(&plain);
+        if (plain.ulLine == 0) {
+            return; // no place in the text
+        }
+        const uint32_t shift = plain.ulLine > 1 ? 1 : 0;
+        expectPlace(replaced(case_.body, "\n", std::string("\n\0", 2)), plain, shift);
+        expectPlace(replaced(case_.body, "\n", "\n "), plain, shift);
+        if (case_.body.find("\r\r\n") == std::string::npos) {
+            expectPlace(replaced(case_.body, "\r\n", "\n"), plain, 0);
+        }
+    }
+
+    void expectPlace(const std::string &body, const SDPFailure &plain, uint32_t shift) {
+        if (body.size() > SDP_MAX_BODY) {
+            return;
+        }
+        SDPFailure failure = {};
+        EXPECT_EQ(decode(body).result, plain.ulResult);
+        SdpLibGetLastFailure(&failure);
+        EXPECT_EQ(failure.ulLine, plain.ulLine);
+        EXPECT_EQ(failure.ulColumn, plain.ulColumn + shift);
     }
 
     void runAccepted() {

@@ -80,6 +80,8 @@ refuse "a line break in a value" ": /name: holds a line feed or a NUL, which no 
   "$(sed 's/"name": "-"/"name": "-\\na=x"/' good.json)"
 refuse "an unknown field" ': /: no field "colour" belongs here' \
   "$(sed 's/"version": 0/"version": 0, "colour": 1/' good.json)"
+refuse "an unknown field that a terminal would obey" ': /: no field "\x1b[1m" belongs here' \
+  "$(sed 's/"version": 0/"version": 0, "\\u001b[1m": 1/' good.json)"
 head -c 500000 /dev/zero | tr '\0' '[' >deep.json
 expect "half a million brackets" 1 nothing '~parse error at line 1, column 500001' -- \
   "$program" encode deep.json
