@@ -37,7 +37,7 @@ std::vector<std::uint32_t> chosenPayloads(const sdpline::Media &offered) {
 // Takes the offered descriptions of the payload numbers over, and answers the direction.
 sdpline::Status describe(const sdpline::MediaEditor &answered, const sdpline::Media &offered,
                          sdpline::Direction direction) {
-    for (const sdpline::Attribute &line : offered.attributes()) {
+    for (const sdpline::Attribute line : offered.attributes()) {
         const auto map = line.as<sdpline::RtpMap>();
         const auto fmtp = line.as<sdpline::Fmtp>();
         const auto payload = map    ? std::optional(map->payload)
@@ -69,7 +69,7 @@ sdpline::Result<std::string> answerTo(std::string_view text) {
         return set.error();
     }
     bool accepted = false;
-    for (const sdpline::Media &offered : offer->media()) {
+    for (const sdpline::Media offered : offer->media()) {
         const auto payloads = accepted ? std::vector<std::uint32_t>() : chosenPayloads(offered);
         sdpline::MediaLine line = offered.line();
         line.port = 0; // rejected

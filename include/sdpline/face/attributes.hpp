@@ -194,8 +194,8 @@ public:
         iterator() = default;
         iterator(Lines::iterator at, Lines::iterator end) : at_(at), end_(end) { settle(); }
 
-        T operator*() const { return *found(); }
-        pointer operator->() const { return {*found()}; }
+        T operator*() const { return *found_; }
+        pointer operator->() const { return {*found_}; }
         iterator &operator++() {
             ++at_;
             settle();
@@ -211,15 +211,19 @@ public:
         }
 
     private:
-        std::optional<T> found() const { return (*at_).template as<T>(); }
+        /* Goes on to the next line that has such a value, this one included. */
         void settle() {
-            while (at_ != end_ && !found()) {
-                ++at_;
+            for (found_.reset(); at_ != end_; ++at_) {
+                found_ = (*at_).template as<T>();
+                if (found_) {
+                    return;
+                }
             }
         }
 
         Lines::iterator at_;
         Lines::iterator end_;
+        std::optional<T> found_{};
     };
 
     ValuesOf() = default;
@@ -237,7 +241,7 @@ private:
  * The a= lines of a session or of a media description: a range of Attribute with random access,
  * and questions about the first line that answers them.
  *
- *     for (const sdpline::RtpMap &map : media.attributes().each<sdpline::RtpMap>()) ...
+ *     for (const sdpline::RtpMap map : media.attributes().each<sdpline::RtpMap>()) ...
  *     const std::uint32_t ptime =
  * media.attributes().number(sdpline::AttributeType::PTime).value_or(20);
  */
@@ -257,8 +261,12 @@ public:
     /* The first value of type T, and all of them. */
     template <class T>
     std::optional<T> first() const {
-        const ValuesOf<T> values = each<T>();
-        return values.empty() ? std::nullopt : std::optional<T>(*values.begin());
+        for (const Attribute one : *this) {
+            if (const std::optional<T> value = one.as<T>()) {
+                return value;
+            }
+        }
+        return std::nullopt;
     }
     template <class T>
     ValuesOf<T> each() const {
@@ -280,7 +288,7 @@ public:
     std::optional<SetupRole> setup() const { return first<SetupRole>(); }
 
     std::optional<RtpMap> rtpMap(std::uint32_t payload) const {
-        for (const RtpMap &map : each<RtpMap>()) {
+        for (const RtpMap map : each<RtpMap>()) {
             if (map.payload == payload) {
                 return map;
             }
@@ -289,7 +297,7 @@ public:
     }
 
     std::optional<Fmtp> fmtp(std::uint32_t payload) const {
-        for (const Fmtp &fmtp : each<Fmtp>()) {
+        for (const Fmtp fmtp : each<Fmtp>()) {
             if (fmtp.payload() == payload) {
                 return fmtp;
             }
@@ -305,7 +313,7 @@ public:
 private:
     template <class Wanted>
     std::optional<Attribute> findIf(Wanted wanted) const {
-        for (const Attribute &one : *this) {
+        for (const Attribute one : *this) {
             if (wanted(one)) {
                 return one;
             }
