@@ -1,19 +1,22 @@
 /*
  * sdpline.hpp: SDP bodies in C++20. Header-only over libsdpline; this page is the manual.
  *
- *     auto body = sdpline::Body::decode(text);
- *     if (!body) {
- *         std::cerr << body.error().message() << '\n';   // 4:16: the fourth octet is above 255 ...
- *         return;
- *     }
- *     for (sdpline::MediaEditor media : body->media()) {
- *         if (media.type() == "video") {
- *             media.setPort(0);
- *         } else {
- *             media.attributes().setDirection(sdpline::Direction::SendOnly);
+ *     sdpline::Result<std::string> withoutVideo(std::string_view offer) {
+ *         auto body = sdpline::Body::decode(offer);
+ *         if (!body) {
+ *             return body.error(); // 4:16: the fourth octet is above 255 ...
  *         }
+ *         for (const sdpline::MediaEditor media : body->media()) {
+ *             const auto direction = sdpline::reversed(body->directionOf(media));
+ *             const sdpline::Status done = media.type() == "video"
+ *                                              ? media.setPort(0)
+ *                                              : media.attributes().setDirection(direction);
+ *             if (!done) {
+ *                 return done.error();
+ *             }
+ *         }
+ *         return body->encode();
  *     }
- *     send(*body->encode());
  *
  * Conventions
  *  1. Ownership. A Body owns one memory block with all its lines; it moves and does not copy,
@@ -72,7 +75,8 @@
 #include "sdpline/face/words.hpp"
 #include "sdpline/sdpline.h"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 class Body {
     template <class Record>
@@ -281,6 +285,7 @@ private:
     face_detail::BodyHandle line_;
 };
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 #endif

@@ -19,7 +19,8 @@
 #include "sdpline/face/values.hpp"
 #include "sdpline/face/words.hpp"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /* The name of an attribute without a colon; empty for the types of other names, and for numbers
  * that are no type. */
@@ -352,7 +353,8 @@ inline std::optional<T38> Attributes::t38() const {
     return all;
 }
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 template <class T>
 inline constexpr bool std::ranges::enable_borrowed_range<sdpline::ValuesOf<T>> = true;

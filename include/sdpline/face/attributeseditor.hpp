@@ -18,7 +18,8 @@
 #include "sdpline/face/draft.hpp"
 #include "sdpline/face/memory.hpp"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /*
  * The a= lines of a session or of a media description. Everything that Attributes answers, and:
@@ -200,7 +201,8 @@ inline Status AttributesEditor::setT38(const T38 &all) {
     return {};
 }
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 template <>
 inline constexpr bool std::ranges::enable_borrowed_range<sdpline::AttributesEditor> = true;

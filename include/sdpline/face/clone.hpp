@@ -12,7 +12,9 @@
 #include "sdpline/face/decode.hpp"
 #include "sdpline/face/memory.hpp"
 
-namespace sdpline::inline v1::face_detail {
+namespace sdpline {
+inline namespace v1 {
+namespace face_detail {
 
 /* All zero but for its block, also from a memory service that does not clear what it gives. */
 inline Result<BodyHandle> newBody() {
@@ -134,6 +136,8 @@ inline Result<BodyHandle> cloneBody(const SdpLine &from) {
     return made;
 }
 
-} // namespace sdpline::inline v1::face_detail
+} // namespace face_detail
+} // namespace v1
+} // namespace sdpline
 
 #endif

@@ -21,7 +21,8 @@
 #include "sdpline/face/memory.hpp"
 #include "sdpline/face/result.hpp"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 #ifndef SDPLINE_THREAD_LOCAL
 namespace face_detail {
@@ -122,6 +123,7 @@ inline Result<BodyHandle> decodeLine(std::string_view begin, std::string_view te
 
 } // namespace face_detail
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 #endif

@@ -18,7 +18,9 @@
 #include "sdpline/face/memory.hpp"
 #include "sdpline/face/values.hpp"
 
-namespace sdpline::inline v1::face_detail {
+namespace sdpline {
+inline namespace v1 {
+namespace face_detail {
 
 inline constexpr std::size_t kLongestRtpMapName = 255;
 inline constexpr std::string_view kRtpMapNameEnds("\r\n\0/", 4);
@@ -200,6 +202,8 @@ private:
     SipString other_ = {};
 };
 
-} // namespace sdpline::inline v1::face_detail
+} // namespace face_detail
+} // namespace v1
+} // namespace sdpline
 
 #endif

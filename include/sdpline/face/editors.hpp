@@ -18,7 +18,8 @@
 #include "sdpline/face/media.hpp"
 #include "sdpline/face/memory.hpp"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /* The e=, p= or b= lines. Everything that Texts answers, and: */
 class TextsEditor : public Texts {
@@ -257,7 +258,8 @@ private:
     SDPMediaSet *set_;
 };
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 template <>
 inline constexpr bool std::ranges::enable_borrowed_range<sdpline::TextsEditor> = true;

@@ -17,7 +17,9 @@
 #include "sdpline/face/memory.hpp"
 #include "sdpline/face/values.hpp"
 
-namespace sdpline::inline v1::face_detail {
+namespace sdpline {
+inline namespace v1 {
+namespace face_detail {
 
 /* ---- Texts and keys ---------------------------------------------------------------------------
  */
@@ -204,6 +206,8 @@ private:
     SipString protocol_ = {};
 };
 
-} // namespace sdpline::inline v1::face_detail
+} // namespace face_detail
+} // namespace v1
+} // namespace sdpline
 
 #endif

@@ -16,7 +16,8 @@
 #include "sdpline/face/result.hpp"
 #include "sdpline/sdprecords.h"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 namespace face_detail {
 
@@ -210,7 +211,8 @@ struct MakeText {
 /* Texts: the e=, p= or b= lines. */
 using Texts = ListView<SDPStringList, face_detail::MakeText>;
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 /* Iterators do without their range. */
 template <class List, class Make>

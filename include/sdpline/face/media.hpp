@@ -15,7 +15,8 @@
 #include "sdpline/face/list.hpp"
 #include "sdpline/face/values.hpp"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /* ---- Media descriptions -----------------------------------------------------------------------
  */
@@ -146,6 +147,7 @@ struct MakeTime {
 
 using Times = ListView<SDPTimeSet, face_detail::MakeTime>;
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 #endif

@@ -20,7 +20,9 @@
 #include "sdpline/face/result.hpp"
 #include "sdpline/sdpcopy.h"
 
-namespace sdpline::inline v1::face_detail {
+namespace sdpline {
+inline namespace v1 {
+namespace face_detail {
 
 /* A text for the C operations, which only read it. */
 inline SipString lent(std::string_view text) {
@@ -281,6 +283,8 @@ inline std::optional<Error> refusedDigits(std::string_view text) {
     return std::nullopt;
 }
 
-} // namespace sdpline::inline v1::face_detail
+} // namespace face_detail
+} // namespace v1
+} // namespace sdpline
 
 #endif

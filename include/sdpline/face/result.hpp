@@ -19,7 +19,8 @@
 
 #include "sdpline/sdpline.h"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /* Who refused. */
 enum class Fault : std::uint8_t {
@@ -189,6 +190,7 @@ private:
 
 using Status = Result<void>;
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 #endif

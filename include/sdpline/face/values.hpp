@@ -5,7 +5,8 @@
  * body gave, they lie in the body; in a value that you fill, they must live until the call that
  * takes it returns. Every member has a default, so that you name those that matter:
  *
- *     body.attributes().add(sdpline::RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000});
+ *     const sdpline::Status added = media.attributes().add(
+ *         sdpline::RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000});
  */
 #ifndef SDPLINE_FACE_VALUES_HPP
 #define SDPLINE_FACE_VALUES_HPP
@@ -24,7 +25,8 @@
 #include "sdpline/face/result.hpp"
 #include "sdpline/face/words.hpp"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /* o= . Session id and version are digits of any length. The network type is "IN" and the address
  * type "IP4" or "IP6" in every text that is read; no other is written. */
@@ -252,6 +254,7 @@ inline std::optional<std::string_view> keyOf(const SDPKey *key) {
 
 } // namespace face_detail
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 #endif

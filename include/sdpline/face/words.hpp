@@ -13,7 +13,8 @@
 
 #include "sdpline/sdprecords.h"
 
-namespace sdpline::inline v1 {
+namespace sdpline {
+inline namespace v1 {
 
 /* Every enumerator has the number of its code in sdprecords.h. A record that a program filled may
  * hold other numbers: they come through as they are, and have no word. */
@@ -335,6 +336,7 @@ constexpr Direction reversed(Direction direction) {
     return direction;
 }
 
-} // namespace sdpline::inline v1
+} // namespace v1
+} // namespace sdpline
 
 #endif
