@@ -2,6 +2,10 @@
 
 #include <initializer_list>
 #include <string_view>
+#include <utility>
+
+#include "sdpline/sdpline.h"
+#include "support/cases.hpp"
 
 namespace bench {
 
@@ -78,15 +82,98 @@ std::string heavyMedia(size_t size) {
     return text;
 }
 
+// Cases with a setting of their own would be refused, or written another way, without it.
+Body mixture() {
+    Body body = {"mixture", {}};
+    for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
+        if (!current.refused && !current.avpf && current.t38Style == 0 &&
+            current.lineEnd == SDP_LINE_END_CRLF) {
+            body.texts.push_back(current.body);
+        }
+    }
+    return body;
+}
+
+constexpr std::string_view kAttributes[] = {
+    "rtpmap:0 A/1",
+    "rtpmap:96 opus/48000/2",
+    "sendrecv",
+    "sendonly",
+    "recvonly",
+    "inactive",
+    "ptime:1",
+    "maxptime:1",
+    "framerate:1",
+    "fmtp:0 1",
+    "cat:1",
+    "keywds:1",
+    "tool:1",
+    "orient:seascape",
+    "type:test",
+    "charset:1",
+    "sdplang:1",
+    "lang:1",
+    "quality:1",
+    "T38FaxVersion:0",
+    "T38MaxBitRate:0",
+    "T38FaxFillBitRemoval",
+    "T38FaxTranscodingMMR",
+    "T38FaxTranscodingJBIG",
+    "T38FaxRateManagement:localTCF",
+    "T38FaxMaxBuffer:0",
+    "T38FaxMaxDatagram:0",
+    "T38FaxUdpEC:t38UDPFEC",
+    "silenceSupp:on - - - -",
+    "ecan:b on -",
+    "fax",
+    "modem",
+    "X-fax",
+    "X-modem",
+    "des:qos none e2e none",
+    "curr:qos e2e none",
+    "conf:qos e2e none",
+    "ipbcp:1 Accepted",
+    "setup:active",
+    "x",
+    "x:1",
+};
+
+constexpr size_t kLongest = SDP_MAX_BODY;
+
 } // namespace
+
+size_t Body::size() const {
+    size_t sum = 0;
+    for (const std::string &text : texts) {
+        sum += text.size();
+    }
+    return sum;
+}
 
 const std::vector<Body> &bodies() {
     static const std::vector<Body> all = {
-        {"240B", audioOffer()},
-        {"1KB", session() + audioMedia() + videoMedia() + faxMedia()},
-        {"2KB", session() + audioMedia() + videoMedia() + faxMedia() + heavyMedia(840)},
-        {"4KB", session() + audioMedia() + heavyMedia(3150)},
+        {"240B", {audioOffer()}},
+        {"1KB", {session() + audioMedia() + videoMedia() + faxMedia()}},
+        {"2KB", {session() + audioMedia() + videoMedia() + faxMedia() + heavyMedia(840)}},
+        {"4KB", {session() + audioMedia() + heavyMedia(3150)}},
+        mixture(),
     };
+    return all;
+}
+
+const std::vector<Body> &attributeBodies() {
+    static const std::vector<Body> all = [] {
+        std::vector<Body> bodies;
+        for (const std::string_view attribute : kAttributes) {
+            const std::string line = joined({"a=" + std::string(attribute)});
+            std::string text = session() + joined({"m=audio 9 RTP/AVP 0"});
+            while (text.size() + line.size() <= kLongest) {
+                text += line;
+            }
+            bodies.push_back({std::string(attribute), {std::move(text)}});
+        }
+        return bodies;
+    }();
     return all;
 }
 

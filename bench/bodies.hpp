@@ -1,18 +1,27 @@
-// The bodies that are measured: real-looking offers, by their sizes.
+// The bodies that are measured: real-looking offers by their sizes, and others made to cost.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace bench {
 
+// One text, or several that are measured as one.
 struct Body {
     std::string name;
-    std::string text;
+    std::vector<std::string> texts;
+
+    size_t size() const;
 };
 
-// An audio offer (240 bytes), audio with video and T.38 (1 KB), two of those and more (2 KB), and
-// one heavy with attributes (4 KB).
+// An audio offer (240 bytes), audio with video and T.38 (1 KB), that with candidates (2 KB), one
+// heavy with attributes (4 KB), and the mixture: every body of tests/cases that is accepted without
+// a setting, each once.
 const std::vector<Body> &bodies();
+
+// Bodies of 4 KB with one attribute over and over, named after it: each known kind of attribute at
+// its shortest value, and unknown ones.
+const std::vector<Body> &attributeBodies();
 
 } // namespace bench

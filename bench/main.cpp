@@ -1,103 +1,166 @@
-// Decode, encode and release, beside what others take to parse and print the same text and beside
-// two floors: one pass of a byte table over it, and a copy of it on the heap.
+// Everything that a user of sdpline does with a body, beside what others take to parse and print
+// the same text, and beside two floors: one pass of a byte table over it, and a copy of it on the
+// heap. A benchmark is called OPERATION/WHO/BODY.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "bodies.hpp"
+#include "measure.hpp"
+#include "operations.hpp"
 #include "peers.hpp"
-#include "sdpline/sdpline.h"
 
 namespace {
 
-SipString textOf(const bench::Body &body) {
-    return {static_cast<uint32_t>(body.text.size()), const_cast<char *>(body.text.data())};
+using bench::Body;
+
+benchmark::internal::Benchmark *add(const std::string &operation, const std::string &who,
+                                    const Body &body,
+                                    std::function<void(benchmark::State &)> function) {
+    const std::string name = operation + '/' + who + '/' + body.name;
+    return benchmark::RegisterBenchmark(name.c_str(), std::move(function));
 }
 
-void countBytes(benchmark::State &state, const bench::Body &body) {
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
-                            static_cast<int64_t>(body.text.size()));
+void addDecode(const char *operation, const Body &body) {
+    add(operation, "sdpline", body, [&body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, bench::decodeAndRelease);
+    });
 }
 
-SdpLine *decode(benchmark::State &state, const bench::Body &body) {
-    const SipString text = textOf(body);
-    SdpLine *line = nullptr;
-    if (SdpLibDecodeSdp(&text, &line) != 0) {
-        state.SkipWithError("the body is refused");
-    }
-    return line;
+void addOwn(const Body &body) {
+    addDecode("decode", body);
+    add("encode", "sdpline", body, [&body](benchmark::State &state) {
+        auto lines = bench::decoded(body);
+        bench::measureEach(state, body, lines, [](sdpline::Body &line) {
+            return bench::encodeAndRelease(line.record());
+        });
+    });
+    add("both", "sdpline", body, [&body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, bench::decodeEncodeAndRelease);
+    });
+    add("clone", "sdpline", body, [&body](benchmark::State &state) {
+        const auto lines = bench::decoded(body);
+        bench::measureEach(state, body, lines, bench::clone);
+    });
+    add("serialise", "sdpline", body, [&body](benchmark::State &state) {
+        auto lines = bench::decoded(body);
+        auto buffer = bench::roomForText();
+        bench::measureEach(state, body, lines, [&buffer](sdpline::Body &line) {
+            return bench::serialise(line.record(), buffer);
+        });
+    });
 }
 
-void decodeAndRelease(benchmark::State &state, const bench::Body &body) {
-    for (auto _ : state) {
-        SdpLine *line = decode(state, body);
-        SdpLibReleaseSdp(&line);
-    }
-    countBytes(state, body);
+// Where decodes are serialised, as they are but for SDPLINE_THREAD_LOCAL, two threads wait for each
+// other.
+void addThreads(const Body &body) {
+#ifdef SDPLINE_THREAD_LOCAL
+    const char *const who = "parallel";
+#else
+    const char *const who = "serialised";
+#endif
+    add("threads", who, body,
+        [&body](benchmark::State &state) {
+            for (auto _ : state) {
+                const auto decoded = sdpline::Body::decode(body.texts.front());
+                benchmark::DoNotOptimize(&decoded);
+            }
+            state.SetItemsProcessed(state.iterations());
+        })
+        ->Threads(1)
+        ->Threads(2)
+        ->UseRealTime();
 }
 
-void encode(benchmark::State &state, const bench::Body &body) {
-    SdpLine *line = decode(state, body);
-    for (auto _ : state) {
-        SipStringBuffer *text = nullptr;
-        if (SdpLibEncodeSdp(line, &text) != 0) {
-            state.SkipWithError("the body cannot be written");
+// What the peer loses of the body when it writes it back; nothing when it refuses one of the texts.
+// It is asked no more then: one of them takes minutes over a text of 61 bytes.
+std::optional<bench::Lost> lostBy(const bench::Peer &peer, const Body &body) {
+    bench::Lost lost = {0, 0};
+    for (const std::string &text : body.texts) {
+        const auto parsed = peer.keep(text);
+        if (parsed == nullptr) {
+            return std::nullopt;
         }
-        SipSbReleaseStringBuffer(text);
+        const bench::Lost here = bench::lostLines(text, parsed->printed());
+        lost = {lost.lines + here.lines, lost.of + here.of};
     }
-    SdpLibReleaseSdp(&line);
-    countBytes(state, body);
+    return lost;
 }
 
-void tablePass(benchmark::State &state, const bench::Body &body) {
-    uint8_t table[256];
-    for (int i = 0; i < 256; ++i) {
-        table[i] = static_cast<uint8_t>(i * 7);
+void addPeer(const bench::Peer &peer, const Body &body) {
+    const auto lost = lostBy(peer, body);
+    if (!lost) {
+        benchmark::AddCustomContext("refused/" + std::string(peer.name) + '/' + body.name, "yes");
+        return;
     }
-    for (auto _ : state) {
-        uint32_t sum = 0;
-        for (const char byte : body.text) {
-            sum = sum * 31 + table[static_cast<uint8_t>(byte)];
+    add("decode", peer.name, body, [parse = peer.parse, &body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, parse);
+    });
+    add("encode", peer.name, body,
+        [keep = peer.keep, lost = *lost, &body](benchmark::State &state) {
+            std::vector<std::unique_ptr<bench::Parsed>> all;
+            for (const std::string &text : body.texts) {
+                all.push_back(keep(text));
+            }
+            bench::measureEach(state, body, all, [](auto &one) { return one->print(); });
+            state.counters["lines"] = static_cast<double>(lost.of);
+            state.counters["lost"] = static_cast<double>(lost.lines);
+        });
+}
+
+[[gnu::noinline]] uint32_t tablePass(const std::string &text, const uint8_t (&table)[256]) {
+    uint32_t sum = 0;
+    for (const char byte : text) {
+        sum += table[static_cast<uint8_t>(byte)];
+    }
+    return sum;
+}
+
+void addFloors(const Body &body) {
+    add("floor", "table", body, [&body](benchmark::State &state) {
+        uint8_t table[256];
+        for (int i = 0; i < 256; ++i) {
+            table[i] = static_cast<uint8_t>(i * 7);
         }
-        benchmark::DoNotOptimize(sum);
-    }
-    countBytes(state, body);
-}
-
-void heapCopy(benchmark::State &state, const bench::Body &body) {
-    for (auto _ : state) {
-        void *const copy = std::malloc(body.text.size());
-        std::memcpy(copy, body.text.data(), body.text.size());
-        benchmark::DoNotOptimize(copy);
-        std::free(copy);
-    }
-    countBytes(state, body);
-}
-
-using Measured = void (*)(benchmark::State &, const bench::Body &);
-
-void measure(const char *name, Measured function) {
-    for (const bench::Body &body : bench::bodies()) {
-        const std::string full = std::string(name) + '/' + body.name;
-        benchmark::RegisterBenchmark(
-            full.c_str(), [function, &body](benchmark::State &state) { function(state, body); });
-    }
+        benchmark::DoNotOptimize(table);
+        bench::measureEach(state, body, body.texts, [&table](const std::string &text) {
+            benchmark::DoNotOptimize(tablePass(text, table));
+            return true;
+        });
+    });
+    add("floor", "copy", body, [&body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, [](const std::string &text) {
+            void *const copy = std::malloc(text.size());
+            std::memcpy(copy, text.data(), text.size());
+            benchmark::DoNotOptimize(copy);
+            std::free(copy);
+            return true;
+        });
+    });
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    measure("decode/sdpline", decodeAndRelease);
-#ifdef SDPLINE_BENCH_OSIP
-    measure("decode/osip2", bench::osipParse);
-#endif
-    measure("encode/sdpline", encode);
-#ifdef SDPLINE_BENCH_OSIP
-    measure("encode/osip2", bench::osipPrint);
-#endif
-    measure("floor/table", tablePass);
-    measure("floor/copy", heapCopy);
+    for (const Body &body : bench::bodies()) {
+        addOwn(body);
+        for (const bench::Peer &peer : bench::peers()) {
+            addPeer(peer, body);
+        }
+        addFloors(body);
+        if (body.texts.size() == 1) {
+            addThreads(body);
+        }
+    }
+    for (const Body &body : bench::attributeBodies()) {
+        addDecode("attribute", body);
+    }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

@@ -1,5 +1,7 @@
 # What cmake --install lays down: libraries, headers, the CMake package, pkg-config files, the
-# program with its man page and completion. All of it is relocatable.
+# program with its man page and completion. All of it is relocatable: whatever folder it is moved to,
+# the program finds the libraries, and one library the other. A distribution's package, which lies
+# where the loader looks anyway, is made with CMAKE_SKIP_INSTALL_RPATH.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -11,6 +13,7 @@ install(TARGETS ${sdpline_libraries} EXPORT sdplineTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+set_target_properties(${sdpline_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(DIRECTORY include/sdpline DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sdpline)
@@ -30,6 +33,9 @@ string(REGEX REPLACE "/$" "" SDPLINE_PC_PREFIX "${SDPLINE_PC_PREFIX}")
 if(SDPLINE_SIPCORE)
   set(SDPLINE_PC_REQUIRES "Requires: sipcore = ${PROJECT_VERSION}")
 endif()
+if(SDPLINE_THREAD_LOCAL)
+  set(SDPLINE_PC_CFLAGS " -DSDPLINE_THREAD_LOCAL")
+endif()
 foreach(module IN LISTS sdpline_libraries)
   configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${module}.pc
@@ -37,6 +43,8 @@ foreach(module IN LISTS sdpline_libraries)
 endforeach()
 
 if(SDPLINE_TOOLS)
+  file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(sdpline_program PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
   install(TARGETS sdpline_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
   if(EXISTS ${PROJECT_SOURCE_DIR}/docs/man/sdpline.1)
     install(FILES docs/man/sdpline.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)

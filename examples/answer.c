@@ -2,6 +2,7 @@
  * Reads an offer from standard input and writes an answer to it (RFC 3264): the first audio stream
  * that offers PCMU or PCMA is accepted with them and telephone events, everything else is rejected.
  *
+ *     cc -std=c11 answer.c $(pkg-config --cflags --libs sdpline) -o answer_c
  *     ./answer_c < offer.sdp
  *
  * Every record of the answer comes from the answer's own block. A failure gives up at once: the
@@ -258,6 +259,9 @@ int main(void) {
     if (result != 0) {
         return refuse(result);
     }
-    fwrite(written, 1, length, stdout);
+    if (fwrite(written, 1, length, stdout) != length || fflush(stdout) != 0) {
+        perror("answer");
+        return 1;
+    }
     return 0;
 }

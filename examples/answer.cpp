@@ -1,14 +1,17 @@
 // Reads an offer from standard input and writes an answer to it (RFC 3264): the first audio stream
 // that offers PCMU or PCMA is accepted with them and telephone events, everything else is rejected.
 //
+//     c++ -std=c++20 answer.cpp $(pkg-config --cflags --libs sdpline) -o answer_cpp
 //     ./answer_cpp < offer.sdp
 #include <sdpline/sdpline.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -101,6 +104,9 @@ int main() {
         std::cerr << "answer: " << answer.error().message() << '\n';
         return 1;
     }
-    std::cout << *answer;
+    if (!(std::cout << *answer << std::flush)) {
+        std::cerr << "answer: the answer cannot be written\n";
+        return 1;
+    }
     return 0;
 }

@@ -6,6 +6,8 @@ set(CPACK_PACKAGE_CONTACT "The sdpline authors <maintainers@sdpline.example>")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
+# Each package has its own summary: the first line of its description.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -13,6 +15,8 @@ set(CPACK_COMPONENTS_ALL runtime development program)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/src/sipcore)
@@ -22,28 +26,32 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libsdpline1)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
 "SDP bodies of SIP messages to plain C records and back
- A library that decodes the session descriptions which SIP messages carry into
- a tree of C records, and writes them back, with a reason for every one that it
- refuses. This package holds the shared libraries.")
+A library that decodes the session descriptions which SIP messages carry into
+a tree of C records, and writes them back, with a reason for every one that it
+refuses. This package holds the shared libraries.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+file(WRITE ${PROJECT_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/triggers)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libsdpline-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libsdpline1 (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 "SDP bodies of SIP messages to plain C records and back, development files
- A library that decodes the session descriptions which SIP messages carry into
- a tree of C records, and writes them back. This package holds what programs are
- built with: headers, the CMake package and the pkg-config files.")
+A library that decodes the session descriptions which SIP messages carry into
+a tree of C records, and writes them back. This package holds what programs
+are built with: headers, the CMake package and the pkg-config files.")
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME sdpline)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION comm)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libsdpline1 (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
 "reader of the SDP bodies of SIP messages
- A program that checks, prints, compares and writes back the session
- descriptions which SIP messages carry, and tells why one was refused.")
+A program that checks, prints, compares and writes back the session
+descriptions which SIP messages carry, and tells why one was refused.")
 
 include(${CMAKE_CURRENT_LIST_DIR}/documents.cmake)
+# The man page goes compressed into a package; ldconfig is run by the trigger, not by scripts.
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/compress.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/noscripts.cmake)
 include(CPack)

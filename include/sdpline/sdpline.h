@@ -26,9 +26,13 @@
  *     back whole. Encoded text belongs to the string buffer that the caller releases.
  *  4. Text is counted (SipString), not terminated. A body is at most SDP_MAX_BODY bytes long, one
  *     value of a text line at most SDP_MAX_VALUE.
- *  5. Threads. Decoding uses process-wide state (lexer, hooks, decode block): one decode at a
- *     time. Encoding, creating, copying and releasing only read the configuration and may run
- *     beside each other on different bodies. Configure before the first decode or encode.
+ *  5. Threads. Decoding uses process-wide state (lexer, hooks, decode block, last failure): one
+ *     decode at a time. A library built with SDPLINE_THREAD_LOCAL has that state once for each
+ *     thread, and decodes run beside each other; programs that use it are compiled with
+ *     SDPLINE_THREAD_LOCAL too (the CMake package and pkg-config say so). In both builds
+ *     encoding, creating, copying and releasing only read the configuration and may run beside
+ *     each other on different bodies. Configure, and set the globals of the log, before the
+ *     first decode or encode; g_gSipCodePoint is that of the process, last writer wins.
  *  6. Memory comes from the core services of sipcore.h and nowhere else; nothing is written to
  *     files or terminals, no exception leaves the library.
  */
@@ -44,6 +48,14 @@
 #define SDPLINE_API __attribute__((visibility("default")))
 #else
 #define SDPLINE_API
+#endif
+
+/* State that is per thread in a library built so. Not thread_local, which in C++ would make each
+ * access from outside a call. */
+#ifdef SDPLINE_THREAD_LOCAL
+#define SDPLINE_PER_THREAD __thread
+#else
+#define SDPLINE_PER_THREAD
 #endif
 
 #ifdef __cplusplus
@@ -223,9 +235,10 @@ SDPLINE_API SdpFnFree SdpGetFnFree(void);
 SDPLINE_API void *SdpLibAllocSdpMem(uint32_t ulSize);
 SDPLINE_API void SdpLibFreeSdpMem(void *pMem);
 
-SDPLINE_API extern SdpFnAlloc g_gSdpFnAlloc;
-SDPLINE_API extern SdpFnFree g_gSdpFnFree;
-SDPLINE_API extern SDPMemCp *g_mSdpDecodeMemCp; /* the running decode's block, else null */
+SDPLINE_API extern SDPLINE_PER_THREAD SdpFnAlloc g_gSdpFnAlloc;
+SDPLINE_API extern SDPLINE_PER_THREAD SdpFnFree g_gSdpFnFree;
+/* The running decode's block, else null. */
+SDPLINE_API extern SDPLINE_PER_THREAD SDPMemCp *g_mSdpDecodeMemCp;
 
 #ifdef __cplusplus
 }

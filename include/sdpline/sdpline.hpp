@@ -83,8 +83,7 @@ class Body {
     using Slot = face_detail::Slot<Record>;
 
 public:
-    /* ---- Making and giving away ----------------------------------------------------------------
-     */
+    /* ---- Making and giving away -------------------------------------------------------------- */
 
     /* Reads a body; the text is not kept. It has at most SDP_MAX_BODY bytes; what follows its first
      * empty line is not read. An Error tells the line and column of the text that was refused. */
@@ -131,8 +130,7 @@ public:
     SdpLine *record() { return &line(); }
     const SdpLine *record() const { return &line(); }
 
-    /* ---- Text ----------------------------------------------------------------------------------
-     */
+    /* ---- Text -------------------------------------------------------------------------------- */
 
     /* Lines come out in the order v o s i u e p c b t z k a, then m i c b k a for each media. */
     Result<std::string> encode() const {
@@ -165,8 +163,7 @@ public:
         return std::string_view(buffer.data(), written);
     }
 
-    /* ---- Lines to look at ----------------------------------------------------------------------
-     */
+    /* ---- Lines to look at -------------------------------------------------------------------- */
 
     std::uint32_t version() const { return line().ulProtoVersion; }
     Origin origin() const { return face_detail::originOf(line().stOrigin); }
@@ -202,8 +199,7 @@ public:
         return own ? *own : attributes().direction().value_or(Direction::SendRecv);
     }
 
-    /* ---- Lines to change -----------------------------------------------------------------------
-     */
+    /* ---- Lines to change --------------------------------------------------------------------- */
 
     Status setOrigin(const Origin &origin) {
         return face_detail::setOrigin(memory(), line().stOrigin, origin);

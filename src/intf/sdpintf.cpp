@@ -36,9 +36,9 @@ using namespace sdpline;
 
 extern "C" {
 
-SdpFnAlloc g_gSdpFnAlloc = nullptr;
-SdpFnFree g_gSdpFnFree = nullptr;
-SDPMemCp *g_mSdpDecodeMemCp = nullptr;
+SDPLINE_PER_THREAD SdpFnAlloc g_gSdpFnAlloc = nullptr;
+SDPLINE_PER_THREAD SdpFnFree g_gSdpFnFree = nullptr;
+SDPLINE_PER_THREAD SDPMemCp *g_mSdpDecodeMemCp = nullptr;
 
 SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
     if (pstSdpText == nullptr || ppstSdpLine == nullptr) {

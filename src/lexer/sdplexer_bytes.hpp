@@ -16,6 +16,7 @@ enum Run : uint8_t {
     kLetterRun = 8,
     kDigitRun = 16,
     kMinusRun = 32,
+    kNameRun = 64, // up to a "/" in any context
 };
 
 struct ByteTables {
@@ -46,20 +47,22 @@ inline constexpr Single kSingles[] = {
 };
 
 constexpr uint8_t runsOf(uint8_t kind) {
-    uint8_t runs = kStringRun | kTokenRun;
+    constexpr uint8_t text = kStringRun | kNameRun;
+    constexpr uint8_t runs = text | kTokenRun;
     switch (kind) {
     case SDP_TOK_LF:
-    case SDP_TOK_EOF:
+    case SDP_TOK_EOF: return 0;
     case SDP_TOK_SPACE:
-    case SDP_TOK_TAB: return 0;
+    case SDP_TOK_TAB: return kNameRun;
+    case SDP_TOK_SLASH: return kStringRun | kTokenRun;
     case SDP_TOK_LESS:
     case SDP_TOK_GREATER:
     case SDP_TOK_LPAREN:
     case SDP_TOK_RPAREN:
     case SDP_TOK_SEMICOLON:
     case SDP_TOK_AT:
-    case SDP_TOK_COMMA: return kStringRun;
-    case SDP_TOK_COLON: return kStringRun | kIpv6Run;
+    case SDP_TOK_COMMA: return text;
+    case SDP_TOK_COLON: return text | kIpv6Run;
     case SDP_TOK_DOT: return runs | kIpv6Run;
     case SDP_TOK_MINUS: return runs | kMinusRun;
     case SDP_TOK_ALPHA: return runs | kIpv6Run | kLetterRun;

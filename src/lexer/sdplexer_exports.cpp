@@ -8,6 +8,14 @@
 using namespace sdpline;
 using lexer::state;
 
+namespace {
+
+bool isContext(uint32_t context) {
+    return context >= SDP_LEXCTX_SDP && context <= SDP_LEXCTX_IPV6;
+}
+
+} // namespace
+
 extern "C" {
 
 void setInput(const SipString *pstText) {
@@ -15,7 +23,7 @@ void setInput(const SipString *pstText) {
 }
 
 void setLexerContext(uint32_t enContext) {
-    lexer::switchTo(enContext);
+    state.context = enContext;
 }
 
 uint32_t nextToken() {
@@ -24,11 +32,23 @@ uint32_t nextToken() {
 }
 
 void mark() {
-    lexer::moveMark();
+    if (state.index != 0) {
+        state.end = state.start + state.index - 1;
+        state.index = 0;
+    } else {
+        state.start = state.end == 0 ? 0 : state.end + 1; // an end at offset 0 counts as none
+    }
 }
 
 void consume() {
-    lexer::advance(state.context);
+    if (isContext(state.context)) {
+        Lexer lexer = lexer::enter();
+        lexer.advance(state.context);
+        lexer::leave(lexer);
+    } else if (state.ended != 1) {
+        mark(); // without a context nothing is cut
+        state.ended = nextToken() == SDP_TOK_EOF ? 1 : state.ended;
+    }
 }
 
 uint32_t startTracking() {
@@ -43,7 +63,11 @@ uint32_t startTracking() {
 }
 
 uint32_t sdp_match(uint32_t enKind) {
-    return lexer::take(enKind, state.context) ? 1 : 0;
+    if (state.kind != enKind) {
+        return 0;
+    }
+    consume();
+    return 1;
 }
 
 uint32_t LA() {
@@ -53,10 +77,10 @@ uint32_t LA() {
 const char *LT() {
     // A token that ends before it starts is empty.
     const uint32_t size = state.end < state.start ? 0 : state.end - state.start + 1;
-    if (size >= lexer::kTextSize) {
+    if (size >= kTextSize) {
         return nullptr;
     }
-    if (memset_s(state.text, lexer::kTextSize, 0, size + 1) != 0) {
+    if (memset_s(state.text, kTextSize, 0, size + 1) != 0) {
         SIPAbnormalSecureFuncEx("sdplexer", __LINE__);
     }
     if (size != 0) {
@@ -139,7 +163,7 @@ void sdpSetThrowAwayBuffer(const uint8_t *pucBytes, int32_t iCount) {
         return;
     }
     const auto count = static_cast<uint32_t>(iCount);
-    std::memcpy(state.text, pucBytes, count < lexer::kTextSize ? count : lexer::kTextSize);
+    std::memcpy(state.text, pucBytes, count < kTextSize ? count : kTextSize);
 }
 
 char *sdpGetRtpmapVar() {

@@ -2,6 +2,7 @@
 // pointed at the copy, and a table of line kinds says which line may follow which.
 #include "parser/sdpparser.hpp"
 
+#include <array>
 #include <bit>
 #include <cstring>
 #include <initializer_list>
@@ -30,119 +31,134 @@ constexpr bool contains(LineSet set, uint32_t kind) {
     return kind < 64 && (set >> kind & 1) != 0;
 }
 
-SDPResult parseVersion(SdpLine &line) {
-    return sdpProtoVersion(&line);
+SDPResult versionLine(Lexer &lexer, SdpLine &line) {
+    return parseVersion(lexer, line.ulProtoVersion);
 }
 
-SDPResult parseOrigin(SdpLine &line) {
-    return sdpOriginField(&line.stOrigin);
+SDPResult originLine(Lexer &lexer, SdpLine &line) {
+    return parseOrigin(lexer, line.stOrigin);
 }
 
-SDPResult parseName(SdpLine &line) {
-    return sdpStringField(SDP_TOK_SESSION_NAME, &line.strSessionName);
+SDPResult nameLine(Lexer &lexer, SdpLine &line) {
+    return parseText(lexer, SDP_TOK_SESSION_NAME, line.strSessionName);
 }
 
-SDPResult parseInfo(SdpLine &line) {
-    line.pstrSessionInfo = allocate<SipString>();
-    return parseText(SDP_TOK_INFO, line.pstrSessionInfo, Check::InfoAlloc);
+SDPResult infoLine(Lexer &lexer, SdpLine &line) {
+    line.pstrSessionInfo = allocateFor<SipString>(Check::InfoAlloc);
+    return parseInto(line.pstrSessionInfo, Check::InfoAlloc,
+                     [&](SipString &text) { return parseText(lexer, SDP_TOK_INFO, text); });
 }
 
-SDPResult parseUri(SdpLine &line) {
-    line.pstrUri = allocate<SipString>();
-    return parseText(SDP_TOK_URI, line.pstrUri, Check::UriAlloc);
+SDPResult uriLine(Lexer &lexer, SdpLine &line) {
+    line.pstrUri = allocateFor<SipString>(Check::UriAlloc);
+    return parseInto(line.pstrUri, Check::UriAlloc,
+                     [&](SipString &text) { return parseText(lexer, SDP_TOK_URI, text); });
 }
 
-SDPResult parseEmails(SdpLine &line) {
-    line.pstEmailList = allocate<SDPStringList>();
-    return parseTextList(SDP_TOK_EMAIL, line.pstEmailList, Check::EmailAlloc);
+SDPResult emailLines(Lexer &lexer, SdpLine &line) {
+    line.pstEmailList = allocateFor<SDPStringList>(Check::EmailAlloc);
+    return parseInto(line.pstEmailList, Check::EmailAlloc, [&](SDPStringList &list) {
+        return parseTextList(lexer, SDP_TOK_EMAIL, list);
+    });
 }
 
-SDPResult parsePhones(SdpLine &line) {
-    line.pstPhoneList = allocate<SDPStringList>();
-    return parseTextList(SDP_TOK_PHONE, line.pstPhoneList, Check::PhoneAlloc);
+SDPResult phoneLines(Lexer &lexer, SdpLine &line) {
+    line.pstPhoneList = allocateFor<SDPStringList>(Check::PhoneAlloc);
+    return parseInto(line.pstPhoneList, Check::PhoneAlloc, [&](SDPStringList &list) {
+        return parseTextList(lexer, SDP_TOK_PHONE, list);
+    });
 }
 
-SDPResult parseSessionConnection(SdpLine &line) {
-    line.pstConnection = allocate<SDPConnection>();
-    return parseConnection(line.pstConnection, Check::ConnectionAlloc);
+SDPResult connectionLine(Lexer &lexer, SdpLine &line) {
+    line.pstConnection = allocateFor<SDPConnection>(Check::ConnectionAlloc);
+    return parseInto(line.pstConnection, Check::ConnectionAlloc,
+                     [&](SDPConnection &connection) { return parseConnection(lexer, connection); });
 }
 
-SDPResult parseBandwidths(SdpLine &line) {
-    line.pstBandwidthList = allocate<SDPStringList>();
-    return parseTextList(SDP_TOK_BANDWIDTH, line.pstBandwidthList, Check::BandwidthAlloc);
+SDPResult bandwidthLines(Lexer &lexer, SdpLine &line) {
+    line.pstBandwidthList = allocateFor<SDPStringList>(Check::BandwidthAlloc);
+    return parseInto(line.pstBandwidthList, Check::BandwidthAlloc, [&](SDPStringList &list) {
+        return parseTextList(lexer, SDP_TOK_BANDWIDTH, list);
+    });
 }
 
-SDPResult parseTimes(SdpLine &line) {
-    return sdpTimeFieldsSet(&line.stTimeSet);
+SDPResult timeLines(Lexer &lexer, SdpLine &line) {
+    return parseTimes(lexer, line.stTimeSet);
 }
 
-SDPResult parseZone(SdpLine &line) {
-    line.pstrTimeZone = allocate<SipString>();
-    return parseText(SDP_TOK_ZONE, line.pstrTimeZone, Check::ZoneAlloc);
+SDPResult zoneLine(Lexer &lexer, SdpLine &line) {
+    line.pstrTimeZone = allocateFor<SipString>(Check::ZoneAlloc);
+    return parseInto(line.pstrTimeZone, Check::ZoneAlloc,
+                     [&](SipString &text) { return parseText(lexer, SDP_TOK_ZONE, text); });
 }
 
-SDPResult parseSessionKey(SdpLine &line) {
-    line.pstKey = allocate<SDPKey>();
-    return parseKey(line.pstKey, Check::KeyAlloc);
+SDPResult keyLine(Lexer &lexer, SdpLine &line) {
+    line.pstKey = allocateFor<SDPKey>(Check::KeyAlloc);
+    return parseInto(line.pstKey, Check::KeyAlloc,
+                     [&](SDPKey &key) { return parseText(lexer, SDP_TOK_KEY, key.strKey); });
 }
 
-SDPResult parseSessionAttributes(SdpLine &line) {
-    line.pstAttrList = allocate<SDPAttrList>();
-    return parseAttributes(line.pstAttrList, Check::AttributesAlloc);
+SDPResult attributeLines(Lexer &lexer, SdpLine &line) {
+    line.pstAttrList = allocateFor<SDPAttrList>(Check::AttributesAlloc);
+    return parseInto(line.pstAttrList, Check::AttributesAlloc,
+                     [&](SDPAttrList &list) { return parseAttributes(lexer, list); });
 }
 
-SDPResult parseMedia(SdpLine &line) {
-    return sdpMediaDescriptions(&line.stMediaSet);
+SDPResult mediaLines(Lexer &lexer, SdpLine &line) {
+    return parseMediaDescriptions(lexer, line.stMediaSet);
 }
 
 // One line kind, or run of lines: what parses it, what may follow it, and what is wrong otherwise.
 struct Step {
     uint32_t kind;
-    SDPResult (*parse)(SdpLine &line);
+    SDPResult (*parse)(Lexer &lexer, SdpLine &line);
     LineSet next;
     bool mayEnd; // an empty line may follow: the description ends there
     Check unexpected;
 };
 
 constexpr Step kSteps[] = {
-    {SDP_TOK_VERSION, parseVersion, lines({SDP_TOK_ORIGIN}), false, Check::StartOrigin},
-    {SDP_TOK_ORIGIN, parseOrigin, lines({SDP_TOK_SESSION_NAME}), false, Check::StartName},
-    {SDP_TOK_SESSION_NAME, parseName,
+    {SDP_TOK_VERSION, versionLine, lines({SDP_TOK_ORIGIN}), false, Check::StartOrigin},
+    {SDP_TOK_ORIGIN, originLine, lines({SDP_TOK_SESSION_NAME}), false, Check::StartName},
+    {SDP_TOK_SESSION_NAME, nameLine,
      lines({SDP_TOK_PHONE, SDP_TOK_BANDWIDTH, SDP_TOK_CONNECTION, SDP_TOK_TIME, SDP_TOK_MEDIA,
             SDP_TOK_URI, SDP_TOK_INFO, SDP_TOK_EMAIL}),
      true, Check::AfterName},
-    {SDP_TOK_INFO, parseInfo,
+    {SDP_TOK_INFO, infoLine,
      lines({SDP_TOK_PHONE, SDP_TOK_BANDWIDTH, SDP_TOK_CONNECTION, SDP_TOK_TIME, SDP_TOK_URI,
             SDP_TOK_EMAIL}),
      true, Check::AfterInfo},
-    {SDP_TOK_URI, parseUri,
+    {SDP_TOK_URI, uriLine,
      lines({SDP_TOK_PHONE, SDP_TOK_BANDWIDTH, SDP_TOK_CONNECTION, SDP_TOK_TIME, SDP_TOK_EMAIL}),
      true, Check::AfterUri},
-    {SDP_TOK_EMAIL, parseEmails,
+    {SDP_TOK_EMAIL, emailLines,
      lines({SDP_TOK_PHONE, SDP_TOK_CONNECTION, SDP_TOK_BANDWIDTH, SDP_TOK_TIME}), true,
      Check::AfterEmail},
-    {SDP_TOK_PHONE, parsePhones, lines({SDP_TOK_CONNECTION, SDP_TOK_BANDWIDTH, SDP_TOK_TIME}), true,
+    {SDP_TOK_PHONE, phoneLines, lines({SDP_TOK_CONNECTION, SDP_TOK_BANDWIDTH, SDP_TOK_TIME}), true,
      Check::AfterPhone},
-    {SDP_TOK_CONNECTION, parseSessionConnection,
-     lines({SDP_TOK_BANDWIDTH, SDP_TOK_TIME, SDP_TOK_MEDIA}), true, Check::AfterConnection},
-    {SDP_TOK_BANDWIDTH, parseBandwidths, lines({SDP_TOK_TIME}), true, Check::AfterBandwidth},
-    {SDP_TOK_TIME, parseTimes, lines({SDP_TOK_KEY, SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA, SDP_TOK_ZONE}),
+    {SDP_TOK_CONNECTION, connectionLine, lines({SDP_TOK_BANDWIDTH, SDP_TOK_TIME, SDP_TOK_MEDIA}),
+     true, Check::AfterConnection},
+    {SDP_TOK_BANDWIDTH, bandwidthLines, lines({SDP_TOK_TIME}), true, Check::AfterBandwidth},
+    {SDP_TOK_TIME, timeLines, lines({SDP_TOK_KEY, SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA, SDP_TOK_ZONE}),
      true, Check::AfterTime},
-    {SDP_TOK_ZONE, parseZone, lines({SDP_TOK_KEY, SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA}), true,
+    {SDP_TOK_ZONE, zoneLine, lines({SDP_TOK_KEY, SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA}), true,
      Check::AfterZone},
-    {SDP_TOK_KEY, parseSessionKey, lines({SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA}), true,
-     Check::AfterKey},
-    {SDP_TOK_ATTRIBUTE, parseSessionAttributes, lines({SDP_TOK_MEDIA}), true,
-     Check::AfterAttributes},
-    {SDP_TOK_MEDIA, parseMedia, lines({}), true, Check::AfterMedia},
+    {SDP_TOK_KEY, keyLine, lines({SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA}), true, Check::AfterKey},
+    {SDP_TOK_ATTRIBUTE, attributeLines, lines({SDP_TOK_MEDIA}), true, Check::AfterAttributes},
+    {SDP_TOK_MEDIA, mediaLines, lines({}), true, Check::AfterMedia},
 };
 
-constexpr const Step *stepOf(uint32_t kind) {
-    const Step *step = kSteps;
-    while (step->kind != kind) {
-        ++step;
+// The row of each line kind that has one.
+constexpr auto kStepRows = [] {
+    std::array<uint8_t, 64> rows{};
+    for (size_t row = 0; row < std::size(kSteps); ++row) {
+        rows[kSteps[row].kind] = static_cast<uint8_t>(row);
     }
-    return step;
+    return rows;
+}();
+
+const Step *stepOf(uint32_t kind) {
+    return &kSteps[kStepRows[kind]];
 }
 
 // Every line that may follow another has a step of its own.
@@ -157,51 +173,74 @@ constexpr bool stepsAreComplete() {
 }
 static_assert(stepsAreComplete());
 
+// From the version's key to the end of the description.
+SDPResult parseLines(Lexer &lexer, SdpLine &line) {
+    const Step *step = stepOf(SDP_TOK_VERSION);
+    for (;;) {
+        if (const SDPResult result = step->parse(lexer, line)) {
+            return result;
+        }
+        const uint32_t next = lexer.kind;
+        if (next == SDP_TOK_LF && step->mayEnd) {
+            return 0;
+        }
+        if (!contains(step->next, next)) {
+            return fail(step->unexpected, next);
+        }
+        step = stepOf(next);
+    }
+}
+
 // ---- Normal form
 
 constexpr uint32_t kBufferSize = 4096;
 static_assert(SDP_MAX_BODY + 3 <= kBufferSize, "LF LF NUL is put behind every body");
 
-// The first byte that is not above CR: all others are plain text. SSE2 looks at sixteen at once.
-const uint8_t *skipPlain(const uint8_t *byte, const uint8_t *end) {
+// What stands in the normal form for a text that begins with a byte of CR or below: one byte or
+// none. Reading goes on at `next`.
+struct Cut {
+    const uint8_t *byte;
+    uint32_t kept; // 0 or 1
+    const uint8_t *next;
+};
+
+// The CR of CR LF, blanks at the start of a line but the first, and NUL bytes go; a NUL between a
+// line end and a blank hides nothing.
+SDPLINE_INLINE Cut cutSpecial(const uint8_t *byte, const uint8_t *end) {
+    if (*byte == '\r' && byte + 1 != end && byte[1] == '\n') {
+        ++byte;
+    }
+    if (*byte != '\n') {
+        return {byte, *byte != '\0', byte + 1};
+    }
+    const uint8_t *next = byte + 1;
+    while (next != end && (*next == ' ' || *next == '\0')) {
+        ++next;
+    }
+    return {byte, 1, next};
+}
+
+// Copies the bytes above CR, which are plain text, from `byte` on, and answers where they end. SSE2
+// copies sixteen at once, those behind the end among them: they are written over later.
+SDPLINE_INLINE const uint8_t *copyPlain(const uint8_t *byte, const uint8_t *end, uint8_t *&out) {
 #ifdef __SSE2__
     const __m128i limit = _mm_set1_epi8('\r');
-    for (; end - byte >= 16; byte += 16) {
+    for (; end - byte >= 16; byte += 16, out += 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(byte));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), bytes);
         const __m128i low = _mm_cmpeq_epi8(_mm_min_epu8(bytes, limit), bytes);
         const auto mask = static_cast<uint32_t>(_mm_movemask_epi8(low));
         if (mask != 0) {
-            return byte + std::countr_zero(mask);
+            const int plain = std::countr_zero(mask);
+            out += plain;
+            return byte + plain;
         }
     }
 #endif
     while (byte != end && *byte > '\r') {
-        ++byte;
+        *out++ = *byte++;
     }
     return byte;
-}
-
-// Hands `keep` the runs of bytes that go into the normal form, in order. The CR of CR LF, blanks at
-// the start of a line but the first, and NUL bytes do not; a NUL between a line end and a blank
-// hides nothing.
-template <class Keep>
-void normalise(const uint8_t *begin, const uint8_t *end, Keep keep) {
-    const uint8_t *run = begin;
-    for (const uint8_t *byte = begin; (byte = skipPlain(byte, end)) != end;) {
-        if (*byte == '\n') {
-            keep(run, ++byte);
-            while (byte != end && (*byte == ' ' || *byte == '\0')) {
-                ++byte;
-            }
-            run = byte;
-        } else if (*byte == '\0' || (*byte == '\r' && byte + 1 != end && byte[1] == '\n')) {
-            keep(run, byte);
-            run = ++byte;
-        } else {
-            ++byte;
-        }
-    }
-    keep(run, end);
 }
 
 // ---- Place of a failure
@@ -210,16 +249,16 @@ void normalise(const uint8_t *begin, const uint8_t *end, Keep keep) {
 // behind it.
 uint32_t originalOffset(const SipString &text, uint32_t offset) {
     const auto *const begin = reinterpret_cast<const uint8_t *>(text.pcData);
-    uint32_t before = 0; // bytes of the normal form before the run
-    uint32_t found = text.ulLen;
-    normalise(begin, begin + text.ulLen, [&](const uint8_t *run, const uint8_t *end) {
-        const auto size = static_cast<uint32_t>(end - run);
-        if (offset >= before && offset - before < size) {
-            found = static_cast<uint32_t>(run - begin) + (offset - before);
+    const uint8_t *const end = begin + text.ulLen;
+    for (const uint8_t *byte = begin; byte != end;) {
+        const Cut cut = *byte > '\r' ? Cut{byte, 1, byte + 1} : cutSpecial(byte, end);
+        if (offset < cut.kept) {
+            return static_cast<uint32_t>(cut.byte - begin);
         }
-        before += size;
-    });
-    return found;
+        offset -= cut.kept;
+        byte = cut.next;
+    }
+    return text.ulLen;
 }
 
 // Remembers why the text was refused and where: at the word that was judged, or else where the
@@ -240,8 +279,8 @@ uint32_t originalOffset(const SipString &text, uint32_t offset) {
             lineStart = i + 1;
         }
     }
-    lastFailure = {
-        result, lexer::kind(), line, offset - lineStart + 1, offset, row(lastFailed.check).name};
+    lastFailure = {result, lexer::state.kind,         line, offset - lineStart + 1,
+                   offset, row(lastFailed.check).name};
 }
 
 SDPResult refuse(Check check) {
@@ -252,35 +291,7 @@ SDPResult refuse(Check check) {
 
 } // namespace
 
-SDPFailure lastFailure = {};
-
-// ---- Records that the session and the media descriptions share
-
-SDPResult parseText(uint32_t kind, SipString *text, Check noMemory, uint32_t line) {
-    return text != nullptr ? sdpStringField(kind, text) : fail(noMemory, 0, line);
-}
-
-SDPResult parseKey(SDPKey *key, Check noMemory, uint32_t line) {
-    return parseText(SDP_TOK_KEY, key != nullptr ? &key->strKey : nullptr, noMemory, line);
-}
-
-SDPResult parseTextList(uint32_t kind, SDPStringList *list, Check noMemory, uint32_t line) {
-    if (list == nullptr) {
-        return fail(noMemory, 0, line);
-    }
-    SipString **strings = nullptr;
-    const SDPResult result = sdpStringListFields(kind, &strings, &list->ulNoOfStrings);
-    list->ppstStrings = strings;
-    return result;
-}
-
-SDPResult parseConnection(SDPConnection *connection, Check noMemory, uint32_t line) {
-    return connection != nullptr ? sdpConnectionField(connection) : fail(noMemory, 0, line);
-}
-
-SDPResult parseAttributes(SDPAttrList *list, Check noMemory, uint32_t line) {
-    return list != nullptr ? sdpAttributeFields(list) : fail(noMemory, 0, line);
-}
+SDPLINE_PER_THREAD SDPFailure lastFailure = {};
 
 } // namespace sdpline
 
@@ -320,50 +331,28 @@ SDPResult startSdpParsing(SdpLine *pstLine) {
     if (startTracking() != SDP_TOK_VERSION) {
         return fail(Check::StartVersion);
     }
-    const Step *step = stepOf(SDP_TOK_VERSION);
-    for (;;) {
-        if (const SDPResult result = step->parse(*pstLine)) {
-            return result;
-        }
-        const uint32_t next = lexer::kind();
-        if (next == SDP_TOK_LF && step->mayEnd) {
-            return 0;
-        }
-        if (!contains(step->next, next)) {
-            return fail(step->unexpected, next);
-        }
-        step = stepOf(next);
-    }
+    return onState([pstLine](Lexer &lexer) { return parseLines(lexer, *pstLine); });
 }
 
 void convertCRLFToCR(const uint8_t *pucText, uint32_t ulLen, uint8_t *pucOut, uint32_t ulOutSize) {
     if (memset_s(pucOut, ulOutSize, 0, ulLen) != 0) {
         SIPAbnormalSecureFunc("convertCRLFToCR   ", __LINE__);
     }
+    const uint8_t *const end = pucText + ulLen;
     uint8_t *out = pucOut;
-    normalise(pucText, pucText + ulLen, [&out](const uint8_t *run, const uint8_t *end) {
-        const auto size = static_cast<size_t>(end - run);
-        if (size != 0) {
-            std::memcpy(out, run, size);
-        }
-        out += size;
-    });
+    for (const uint8_t *byte = pucText; (byte = copyPlain(byte, end, out)) != end;) {
+        const Cut cut = cutSpecial(byte, end);
+        *out = *cut.byte;
+        out += cut.kept;
+        byte = cut.next;
+    }
     *out++ = '\n';
     *out++ = '\n';
     *out = '\0';
 }
 
-// Arrays hold pointers of any type: their slots are copied and cleared as bytes.
 void **SdpLibUtilExtendDP(void **ppArray, uint32_t ulCount, uint32_t ulNewCount) {
-    auto *const longer = static_cast<void **>(allocateBytes(ulNewCount * sizeof(void *)));
-    if (longer == nullptr || ppArray == nullptr || ulCount == 0) {
-        return longer;
-    }
-    const size_t kept = ulCount * sizeof(void *);
-    std::memcpy(longer, ppArray, kept);
-    std::memset(longer + ulCount, 0, ulNewCount * sizeof(void *) - kept);
-    freeBytes(ppArray);
-    return longer;
+    return extendArray(ppArray, ulCount, ulNewCount);
 }
 
 } // extern "C"

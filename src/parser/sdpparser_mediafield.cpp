@@ -1,8 +1,6 @@
 // The m= line: media type, port, transport protocol, and the formats that go with the protocol.
 #include "parser/sdpparser.hpp"
 
-#include <cstring>
-
 namespace sdpline {
 
 namespace {
@@ -27,51 +25,51 @@ constexpr bool takesPayloads(uint32_t proto) {
     return proto == SDP_PROTO_RTP_AVP || proto == SDP_PROTO_RTP_SAVP || proto == SDP_PROTO_RTP_AVPF;
 }
 
-// A word that cannot be stored for lack of memory leaves a string without bytes, and goes on.
-SDPResult parseOtherProto(SDPMediaField &field, std::string_view word) {
-    auto *const text = allocate<SipString>("sdpMediaFmt");
-    field.stProto.pstrOtherProto = text;
-    if (text == nullptr) {
-        return fail(Check::MediaProtoAlloc);
-    }
-    storeText(*text, word);
-    return sdpOtherMediaFmt(&field, SDP_PROTO_OTHER);
-}
-
-// The protocol's code, then its formats
-SDPResult parseProto(SDPMediaField &field, std::string_view word) {
-    const Word *const known = findByText(kProtoWords, word);
-    if (known == nullptr || (known->code == SDP_PROTO_RTP_AVPF && g_bSupMedProtoRtpAvpf != 1)) {
-        return parseOtherProto(field, word);
-    }
-    return takesPayloads(known->code) ? sdpRtpAvpMediaFmt(&field, known->code)
-                                      : sdpOtherMediaFmt(&field, known->code);
-}
-
 // port [ "/" number-of-ports ], behind the media type
-SDPResult parsePort(SDPMediaField &field) {
-    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+SDPLINE_INLINE SDPResult takePort(Lexer &lexer, SDPMediaField &field) {
+    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
         return fail(Check::MediaWordBlank);
     }
-    if (const SDPResult result =
-            takeNumber(field.ulPort, SDP_LEXCTX_ALNUM, {Check::MediaPort, Check::MediaPortText})) {
+    if (const SDPResult result = takeNumber(lexer, field.ulPort, SDP_LEXCTX_ALNUM,
+                                            {Check::MediaPort, Check::MediaPortText})) {
         return result;
     }
     field.ulNoOfPorts = 1;
-    if (!lexer::take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+    if (!lexer.take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
         return 0;
     }
-    return takeNumber(field.ulNoOfPorts, SDP_LEXCTX_ALNUM,
+    return takeNumber(lexer, field.ulNoOfPorts, SDP_LEXCTX_ALNUM,
                       {Check::MediaPortCount, Check::MediaPortCountText});
 }
 
-// *( payload [ SP ] ) LF, behind the first blank. An empty list asks for zero bytes too, and keeps
-// no array.
-SDPResult parsePayloads(SDPMediaFmt &fmt) {
+// *( payload [ SP ] ), up to the line end; one blank may stand before it
+SDPLINE_INLINE SDPResult takePayloads(Lexer &lexer, uint32_t &count, uint32_t *numbers,
+                                      uint32_t limit) {
+    while (count < limit) {
+        if (lexer.is(SDP_TOK_LF)) {
+            return 0;
+        }
+        if (const SDPResult result = takeNumber(lexer, numbers[count], SDP_LEXCTX_ALNUM,
+                                                {Check::Payload, Check::PayloadText})) {
+            return result;
+        }
+        ++count;
+        if (lexer.is(SDP_TOK_LF)) {
+            return 0;
+        }
+        if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+            return fail(Check::PayloadBlank);
+        }
+    }
+    return fail(Check::PayloadLimit);
+}
+
+// The payloads and the line end, behind the first blank. An empty list asks for zero bytes too, and
+// keeps no array.
+SDPLINE_INLINE SDPResult payloads(Lexer &lexer, SDPMediaFmt &fmt) {
     uint32_t numbers[SDP_MAX_PAYLOADS];
     uint32_t count = 0;
-    if (const SDPResult result =
-            sdpRtpAvpMediaFmtGetNoOfPayloads(&count, numbers, SDP_MAX_PAYLOADS)) {
+    if (const SDPResult result = takePayloads(lexer, count, numbers, SDP_MAX_PAYLOADS)) {
         return result;
     }
     fmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
@@ -83,8 +81,23 @@ SDPResult parsePayloads(SDPMediaFmt &fmt) {
         return fail(Check::PayloadsAlloc);
     }
     payLoads.pulPayLoads = count != 0 ? stored : nullptr;
-    std::memcpy(stored, numbers, size);
-    return takeLineEnd(Check::PayloadsEnd);
+    copyBytes(stored, numbers, size);
+    return takeLineEnd(lexer, Check::PayloadsEnd);
+}
+
+// [ SP payloads ] LF: only a media with port 0 may have no payloads
+SDPLINE_INLINE SDPResult rtpFormats(Lexer &lexer, SDPMediaField &field, uint32_t proto) {
+    field.stProto.enProto = proto;
+    SDPMediaFmt &fmt = field.stMediaFmt;
+    if (lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
+        return payloads(lexer, fmt);
+    }
+    if (field.ulPort != 0) {
+        return fail(Check::PayloadsMissing);
+    }
+    fmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
+    fmt.unMediaFmt.stRtpPayLoads = {};
+    return takeLineEnd(lexer, Check::NoPayloadsEnd);
 }
 
 // The format's code, and its text where the code is that of other formats
@@ -104,7 +117,80 @@ SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
     return 0;
 }
 
+// SP format LF: one format, and t120 over TCP only
+SDPLINE_INLINE SDPResult otherFormat(Lexer &lexer, SDPMediaField &field, uint32_t proto) {
+    field.stProto.enProto = proto;
+    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::FormatBlank);
+    }
+    std::string_view word;
+    if (const SDPResult result = takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
+                                          {Check::FormatToken, Check::FormatText})) {
+        return result;
+    }
+    if (const SDPResult result = classifyFormat(field, word)) {
+        return result;
+    }
+    return takeLineEnd(lexer, Check::FormatEnd);
+}
+
+// A word that cannot be stored for lack of memory leaves a string without bytes, and goes on.
+SDPResult keepProto(SDPMediaField &field, std::string_view word) {
+    auto *const text = allocate<SipString>("sdpMediaFmt");
+    field.stProto.pstrOtherProto = text;
+    if (text == nullptr) {
+        return fail(Check::MediaProtoAlloc);
+    }
+    storeText(*text, word);
+    return 0;
+}
+
+// The protocol's code, then its formats
+SDPLINE_INLINE SDPResult protoAndFormats(Lexer &lexer, SDPMediaField &field,
+                                         std::string_view word) {
+    const Word *const known = findByText(kProtoWords, word);
+    if (known == nullptr || (known->code == SDP_PROTO_RTP_AVPF && g_bSupMedProtoRtpAvpf != 1)) {
+        if (const SDPResult result = keepProto(field, word)) {
+            return result;
+        }
+        return otherFormat(lexer, field, SDP_PROTO_OTHER);
+    }
+    return takesPayloads(known->code) ? rtpFormats(lexer, field, known->code)
+                                      : otherFormat(lexer, field, known->code);
+}
+
+// m= media SP port [ "/" number-of-ports ] SP proto formats LF
+SDPLINE_INLINE SDPResult mediaField(Lexer &lexer, SDPMediaField &field) {
+    if (!lexer.take(SDP_TOK_MEDIA, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::MediaLine);
+    }
+    std::string_view word;
+    if (const SDPResult result =
+            readWord(lexer, word, SDP_TOK_TOKEN, {Check::MediaWord, Check::MediaWordText})) {
+        return result;
+    }
+    if (const SDPResult result = classifyMedia(field, word)) {
+        return result;
+    }
+    lexer.take(SDP_TOK_TOKEN, SDP_LEXCTX_ALNUM);
+    if (const SDPResult result = takePort(lexer, field)) {
+        return result;
+    }
+    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::MediaPortBlank);
+    }
+    if (const SDPResult result = takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
+                                          {Check::MediaProto, Check::MediaProtoText})) {
+        return result;
+    }
+    return protoAndFormats(lexer, field, word);
+}
+
 } // namespace
+
+SDPResult parseMediaField(Lexer &lexer, SDPMediaField &field) {
+    return inRegisters<mediaField>(lexer, field);
+}
 
 } // namespace sdpline
 
@@ -112,31 +198,8 @@ using namespace sdpline;
 
 extern "C" {
 
-// m= media SP port [ "/" number-of-ports ] SP proto formats LF
 SDPResult sdpMediaField(SDPMediaField *pstField) {
-    if (!lexer::take(SDP_TOK_MEDIA, SDP_LEXCTX_TOKEN)) {
-        return fail(Check::MediaLine);
-    }
-    std::string_view word;
-    if (const SDPResult result =
-            readWord(word, SDP_TOK_TOKEN, {Check::MediaWord, Check::MediaWordText})) {
-        return result;
-    }
-    if (const SDPResult result = classifyMedia(*pstField, word)) {
-        return result;
-    }
-    lexer::take(SDP_TOK_TOKEN, SDP_LEXCTX_ALNUM);
-    if (const SDPResult result = parsePort(*pstField)) {
-        return result;
-    }
-    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
-        return fail(Check::MediaPortBlank);
-    }
-    if (const SDPResult result = takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
-                                          {Check::MediaProto, Check::MediaProtoText})) {
-        return result;
-    }
-    return parseProto(*pstField, word);
+    return onState([=](Lexer &lexer) { return parseMediaField(lexer, *pstField); });
 }
 
 SDPResult sdpMediaType(SDPMediaField *pstField, const char *pcWord) {
@@ -144,61 +207,21 @@ SDPResult sdpMediaType(SDPMediaField *pstField, const char *pcWord) {
 }
 
 SDPResult sdpMediaFmt(SDPMediaField *pstField, const char *pcProto) {
-    return parseProto(*pstField, pcProto);
+    return onState([=](Lexer &lexer) { return protoAndFormats(lexer, *pstField, pcProto); });
 }
 
-// [ SP payloads ] LF: only a media with port 0 may have no payloads
 SDPResult sdpRtpAvpMediaFmt(SDPMediaField *pstField, uint32_t enProto) {
-    pstField->stProto.enProto = enProto;
-    SDPMediaFmt &fmt = pstField->stMediaFmt;
-    if (lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
-        return parsePayloads(fmt);
-    }
-    if (pstField->ulPort != 0) {
-        return fail(Check::PayloadsMissing);
-    }
-    fmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
-    fmt.unMediaFmt.stRtpPayLoads = {};
-    return takeLineEnd(Check::NoPayloadsEnd);
+    return onState([=](Lexer &lexer) { return rtpFormats(lexer, *pstField, enProto); });
 }
 
-// *( payload [ SP ] ), up to the line end; one blank may stand before it
 SDPResult sdpRtpAvpMediaFmtGetNoOfPayloads(uint32_t *pulCount, uint32_t *pulPayLoads,
                                            uint32_t ulLimit) {
-    while (*pulCount < ulLimit) {
-        if (lexer::at(SDP_TOK_LF)) {
-            return 0;
-        }
-        if (const SDPResult result = takeNumber(pulPayLoads[*pulCount], SDP_LEXCTX_ALNUM,
-                                                {Check::Payload, Check::PayloadText})) {
-            return result;
-        }
-        ++*pulCount;
-        if (lexer::at(SDP_TOK_LF)) {
-            return 0;
-        }
-        if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
-            return fail(Check::PayloadBlank);
-        }
-    }
-    return fail(Check::PayloadLimit);
+    return onState(
+        [=](Lexer &lexer) { return takePayloads(lexer, *pulCount, pulPayLoads, ulLimit); });
 }
 
-// SP format LF: one format, and t120 over TCP only
 SDPResult sdpOtherMediaFmt(SDPMediaField *pstField, uint32_t enProto) {
-    pstField->stProto.enProto = enProto;
-    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
-        return fail(Check::FormatBlank);
-    }
-    std::string_view word;
-    if (const SDPResult result = takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
-                                          {Check::FormatToken, Check::FormatText})) {
-        return result;
-    }
-    if (const SDPResult result = classifyFormat(*pstField, word)) {
-        return result;
-    }
-    return takeLineEnd(Check::FormatEnd);
+    return onState([=](Lexer &lexer) { return otherFormat(lexer, *pstField, enProto); });
 }
 
 } // extern "C"

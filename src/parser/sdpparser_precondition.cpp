@@ -41,18 +41,61 @@ struct StepChecks {
 
 // SP token, handed to `classifyWord`
 template <class Classify>
-SDPResult takeStep(SDPRsrcMgmtStatus &status, StepChecks checks, Classify classifyWord) {
-    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
+SDPLINE_INLINE SDPResult takeStep(Lexer &lexer, SDPRsrcMgmtStatus &status, StepChecks checks,
+                                  Classify classifyWord) {
+    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
         return fail(checks.blank);
     }
     std::string_view word;
-    if (const SDPResult result = takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN, checks.word)) {
+    if (const SDPResult result =
+            takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN, checks.word)) {
         return result;
     }
     return classifyWord(status, word);
 }
 
+// ":" precondition-type [ SP strength-tag ] SP status-type SP direction-tag LF, the strength tag in
+// a=des and nowhere else
+SDPLINE_INLINE SDPResult resourceStatus(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+    SDPRsrcMgmtStatus &status = attr.unAttrValue.stRsrcMgmtStatus;
+    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_TOKEN)) {
+        return fail(Check::StatusColon);
+    }
+    std::string_view word;
+    if (const SDPResult result =
+            takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
+                     {Check::StatusPrecondition, Check::StatusPreconditionText})) {
+        return result;
+    }
+    attr.ulAttrType = type;
+    if (const SDPResult result = classifyPrecondition(status, word)) {
+        return result;
+    }
+    if (type == SDP_ATTR_DES) {
+        if (const SDPResult result = takeStep(
+                lexer, status, {Check::StrengthBlank, {Check::StrengthToken, Check::StrengthText}},
+                classifyStrength)) {
+            return result;
+        }
+    }
+    if (const SDPResult result =
+            takeStep(lexer, status, {Check::StatusBlank, {Check::StatusToken, Check::StatusText}},
+                     classifyStatus)) {
+        return result;
+    }
+    if (const SDPResult result = takeStep(
+            lexer, status, {Check::DirectionBlank, {Check::DirectionToken, Check::DirectionText}},
+            classifyDirection)) {
+        return result;
+    }
+    return takeLineEnd(lexer, Check::StatusEnd);
+}
+
 } // namespace
+
+SDPResult parseResourceStatus(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+    return inRegisters<resourceStatus>(lexer, attr, type);
+}
 
 } // namespace sdpline
 
@@ -60,41 +103,8 @@ using namespace sdpline;
 
 extern "C" {
 
-// ":" precondition-type [ SP strength-tag ] SP status-type SP direction-tag LF, the strength tag in
-// a=des and nowhere else
 SDPResult sdpResourceStatus(SDPAttr *pstAttr, uint32_t enType) {
-    SDPRsrcMgmtStatus &status = pstAttr->unAttrValue.stRsrcMgmtStatus;
-    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_TOKEN)) {
-        return fail(Check::StatusColon);
-    }
-    std::string_view word;
-    if (const SDPResult result =
-            takeWord(word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
-                     {Check::StatusPrecondition, Check::StatusPreconditionText})) {
-        return result;
-    }
-    pstAttr->ulAttrType = enType;
-    if (const SDPResult result = classifyPrecondition(status, word)) {
-        return result;
-    }
-    if (enType == SDP_ATTR_DES) {
-        if (const SDPResult result = takeStep(
-                status, {Check::StrengthBlank, {Check::StrengthToken, Check::StrengthText}},
-                classifyStrength)) {
-            return result;
-        }
-    }
-    if (const SDPResult result =
-            takeStep(status, {Check::StatusBlank, {Check::StatusToken, Check::StatusText}},
-                     classifyStatus)) {
-        return result;
-    }
-    if (const SDPResult result =
-            takeStep(status, {Check::DirectionBlank, {Check::DirectionToken, Check::DirectionText}},
-                     classifyDirection)) {
-        return result;
-    }
-    return takeLineEnd(Check::StatusEnd);
+    return onState([=](Lexer &lexer) { return parseResourceStatus(lexer, *pstAttr, enType); });
 }
 
 SDPResult sdpResourceStatusExtractPrecondition(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {

@@ -17,38 +17,63 @@ constexpr uint32_t kL16Stereo = 9;
 constexpr uint32_t kL16Mono = 10;
 
 // payload SP name, entered on the payload type. One blank is skipped; others belong to the name.
-SDPResult parsePayloadAndName(SDPRtpMapAttr &rtpMap) {
-    if (const SDPResult result = takeNumber(rtpMap.ulPayloadType, SDP_LEXCTX_ALNUM,
+SDPLINE_INLINE SDPResult payloadAndName(Lexer &lexer, SDPRtpMapAttr &rtpMap) {
+    if (const SDPResult result = takeNumber(lexer, rtpMap.ulPayloadType, SDP_LEXCTX_ALNUM,
                                             {Check::RtpmapPayload, Check::RtpmapPayloadText})) {
         return result;
     }
-    if (!lexer::take(SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
+    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
         return fail(Check::RtpmapBlank);
     }
     std::string_view name;
-    if (!lexer::takeBytesToSlash(name, kMaxName)) {
+    if (!lexer.takeBytesToSlash(name, kMaxName)) {
         return fail(Check::RtpmapNameTooLong);
     }
     return storeText(rtpMap.strEncodingName, name) == 0 ? 0 : fail(Check::RtpmapNameStore);
 }
 
 // [ "/" channels ] LF
-SDPResult parseChannels(SDPRtpMapAttr &rtpMap) {
-    if (lexer::take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
-        if (const SDPResult result = takeNumber(rtpMap.ulEncodingParams, SDP_LEXCTX_ALNUM,
+SDPLINE_INLINE SDPResult channels(Lexer &lexer, SDPRtpMapAttr &rtpMap) {
+    if (lexer.take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+        if (const SDPResult result = takeNumber(lexer, rtpMap.ulEncodingParams, SDP_LEXCTX_ALNUM,
                                                 {Check::RtpmapParams, Check::RtpmapParamsText})) {
             return result;
         }
-        return takeLineEnd(Check::RtpmapParamsEnd);
+        return takeLineEnd(lexer, Check::RtpmapParamsEnd);
     }
-    if (!lexer::at(SDP_TOK_LF)) {
+    if (!lexer.is(SDP_TOK_LF)) {
         return fail(Check::RtpmapEnd);
     }
     rtpMap.ulEncodingParams = 1;
-    return takeLineEnd(Check::RtpmapEnd);
+    return takeLineEnd(lexer, Check::RtpmapEnd);
+}
+
+// ":" payload SP name "/" clock-rate [ "/" channels ] LF
+SDPLINE_INLINE SDPResult rtpmap(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+    attr.ulAttrType = type;
+    SDPRtpMapAttr &rtpMap = attr.unAttrValue.stRtpMap;
+    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::RtpmapColon);
+    }
+    if (const SDPResult result = payloadAndName(lexer, rtpMap)) {
+        return result;
+    }
+    if (!lexer.take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+        return fail(Check::RtpmapSlash);
+    }
+    if (const SDPResult result = takeNumber(lexer, rtpMap.ulClockRate, SDP_LEXCTX_ALNUM,
+                                            {Check::RtpmapClock, Check::RtpmapClockText})) {
+        return result;
+    }
+    sdpRtpmapAttrLocateStdRtpProfile(&rtpMap); // a name that is no profile is fine
+    return channels(lexer, rtpMap);
 }
 
 } // namespace
+
+SDPResult parseRtpmap(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+    return inRegisters<rtpmap>(lexer, attr, type);
+}
 
 } // namespace sdpline
 
@@ -56,30 +81,13 @@ using namespace sdpline;
 
 extern "C" {
 
-// ":" payload SP name "/" clock-rate [ "/" channels ] LF
 SDPResult sdpRtpmapAttr(SDPAttr *pstAttr, uint32_t enType) {
-    pstAttr->ulAttrType = enType;
-    SDPRtpMapAttr &rtpMap = pstAttr->unAttrValue.stRtpMap;
-    if (!lexer::take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::RtpmapColon);
-    }
-    if (const SDPResult result = parsePayloadAndName(rtpMap)) {
-        return result;
-    }
-    if (!lexer::take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::RtpmapSlash);
-    }
-    if (const SDPResult result = takeNumber(rtpMap.ulClockRate, SDP_LEXCTX_ALNUM,
-                                            {Check::RtpmapClock, Check::RtpmapClockText})) {
-        return result;
-    }
-    sdpRtpmapAttrLocateStdRtpProfile(&rtpMap); // a name that is no profile is fine
-    return parseChannels(rtpMap);
+    return onState([=](Lexer &lexer) { return parseRtpmap(lexer, *pstAttr, enType); });
 }
 
-// The last profile of the name wins, so that the refinements below never apply to the profiles of
-// the table as it stands.
-SDPResult sdpRtpmapAttrLocateStdRtpProfile(SDPRtpMapAttr *pstRtpMap) {
+// The name is copied beside, which takes a frame of its own. The last profile of the name wins, so
+// that the refinements below never apply to the profiles of the table as it stands.
+[[gnu::noinline]] SDPResult sdpRtpmapAttrLocateStdRtpProfile(SDPRtpMapAttr *pstRtpMap) {
     const uint32_t length = pstRtpMap->strEncodingName.ulLen;
     if (length > kMaxLookup) {
         return fail(Check::ProfileNameTooLong);

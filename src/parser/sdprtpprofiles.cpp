@@ -76,14 +76,13 @@ namespace {
 
 constexpr uint32_t kProfiles = 35;
 
-constexpr NamesByLength<kProfiles> kNames([] {
+constexpr Names<kProfiles> kNames([] {
     std::array<std::string_view, kProfiles> names;
     for (uint32_t row = 0; row < kProfiles; ++row) {
         names[row] = {g_aStrRtpmapProfiles[row].pcData, g_aStrRtpmapProfiles[row].ulLen};
     }
     return names;
 }());
-static_assert(kNames.holdsAll());
 
 } // namespace
 

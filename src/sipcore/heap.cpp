@@ -1,12 +1,19 @@
-// The process heap: counted allocation, the statistics, and the system memory control. Counters
-// are relaxed atomics, since no counter is read to decide anything about another thread's memory.
+// The process heap: counted allocation, the pieces kept by each thread, the statistics, and the
+// system memory control. Counters are relaxed atomics, since no counter is read to decide anything
+// about another thread's memory; they change only where the process heap is called.
 #include "heap.hpp"
 
+#include "asan.hpp"
 #include "sdpline/sipcore.h"
+
+#include <pthread.h>
 
 #include <atomic>
 #include <cassert>
 #include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
 
 namespace sipcore {
 namespace {
@@ -30,33 +37,123 @@ void raisePeak(uint64_t bytes) {
     }
 }
 
-} // namespace
-
-void *heapTake(std::size_t bytes) {
-    void *memory = std::calloc(1, bytes);
+void *takeFromHeap(std::size_t size, Use use) {
+    void *memory = std::calloc(1, size);
     if (memory == nullptr) {
         return nullptr;
     }
+    counters.blocks.fetch_add(use == Use::Block ? 1 : 0, kRelaxed);
     counters.taken.fetch_add(1, kRelaxed);
-    raisePeak(counters.bytes.fetch_add(bytes, kRelaxed) + bytes);
+    raisePeak(counters.bytes.fetch_add(size, kRelaxed) + size);
     return memory;
 }
 
-void heapGive(void *memory) {
+void giveToHeap(void *memory, std::size_t size, Use use) {
     std::free(memory);
+    counters.blocks.fetch_sub(use == Use::Block ? 1 : 0, kRelaxed);
+    counters.given.fetch_add(1, kRelaxed);
+    counters.bytes.fetch_sub(size, kRelaxed);
 }
 
-void heapCountGiven(uint64_t pieces, uint64_t bytes) {
-    counters.given.fetch_add(pieces, kRelaxed);
-    counters.bytes.fetch_sub(bytes, kRelaxed);
+// ---- Kept pieces
+
+// AddressSanitizer finds a use of freed memory only when it was freed.
+#if defined(SIPCORE_ASAN)
+constexpr std::size_t kKeptMax = 0;
+#else
+constexpr std::size_t kKeptMax = 64 * 1024; // bytes of one thread
+#endif
+
+// Sizes that are kept: 256, 512, 768, ... 4096.
+constexpr std::size_t kStep = 256;
+constexpr std::size_t kLargestKept = 4096;
+constexpr std::size_t kSizes = kLargestKept / kStep;
+
+struct KeptPiece {
+    KeptPiece *next;
+};
+
+struct Kept {
+    KeptPiece *lists[2][kSizes];
+    std::size_t bytes;
+    bool watched; // the thread's end gives everything back
+};
+
+[[gnu::tls_model("initial-exec")]] constinit thread_local Kept kept{};
+
+KeptPiece *&listOf(std::size_t size, Use use) {
+    return kept.lists[static_cast<std::size_t>(use)][size / kStep - 1];
 }
 
-void countBlockCreated() {
-    counters.blocks.fetch_add(1, kRelaxed);
+void giveKeptBack() {
+    for (const Use use : {Use::Block, Use::Piece}) {
+        for (std::size_t size = kStep; size <= kLargestKept; size += kStep) {
+            KeptPiece *piece = std::exchange(listOf(size, use), nullptr);
+            while (piece != nullptr) {
+                giveToHeap(std::exchange(piece, piece->next), size, use);
+            }
+        }
+    }
+    kept.bytes = 0;
 }
 
-void countBlockReleased() {
-    counters.blocks.fetch_sub(1, kRelaxed);
+pthread_key_t threadEnd;
+bool threadEndIsKnown = false;
+
+// Pieces that are given back later than this are kept under a new watch.
+void onThreadEnd(void *) {
+    kept.watched = false;
+    giveKeptBack();
+}
+
+[[gnu::noinline]] bool watchThread() {
+    static pthread_once_t once = PTHREAD_ONCE_INIT;
+    pthread_once(&once,
+                 [] { threadEndIsKnown = pthread_key_create(&threadEnd, onThreadEnd) == 0; });
+    kept.watched = threadEndIsKnown && pthread_setspecific(threadEnd, &kept) == 0;
+    return kept.watched;
+}
+
+// By the library's memset, which is several times as fast as what the compiler makes of a size
+// whose bounds it knows: so it is not told them.
+void *clear(void *memory, std::size_t size) {
+    asm("" : "+r"(size));
+    return std::memset(memory, 0, size);
+}
+
+bool isKeptSize(std::size_t size) {
+    return size <= kLargestKept;
+}
+
+// What is taken from the heap for a request: one of few sizes as long as they are kept.
+std::size_t heapSize(std::size_t bytes) {
+    return bytes > kLargestKept ? bytes : (bytes + kStep - 1) / kStep * kStep;
+}
+
+} // namespace
+
+void *heapTake(std::size_t bytes, Use use) {
+    const std::size_t size = heapSize(bytes);
+    if (isKeptSize(size)) {
+        KeptPiece *&list = listOf(size, use);
+        if (KeptPiece *const piece = list) {
+            list = piece->next;
+            kept.bytes -= size;
+            return clear(piece, size);
+        }
+    }
+    return takeFromHeap(size, use);
+}
+
+void heapGive(void *memory, std::size_t bytes, Use use) {
+    const std::size_t size = heapSize(bytes);
+    if (isKeptSize(size) && kept.bytes + size <= kKeptMax && (kept.watched || watchThread())) {
+        KeptPiece *&list = listOf(size, use);
+        list = new (memory) KeptPiece{list};
+        kept.bytes += size;
+        return;
+    }
+    giveToHeap(memory, size, use);
 }
 
 void countAbnormalReport() {
@@ -78,7 +175,7 @@ void *systemAlloc(SDPMemCp *, uint32_t ulSize) {
     if (ulSize > kLargestRequest) {
         return nullptr;
     }
-    auto *header = static_cast<SystemHeader *>(heapTake(sizeof(SystemHeader) + ulSize));
+    auto *header = static_cast<SystemHeader *>(heapTake(sizeof(SystemHeader) + ulSize, Use::Piece));
     if (header == nullptr) {
         return nullptr;
     }
@@ -94,8 +191,7 @@ uint32_t systemFree(void *pMem) {
     SystemHeader *header = static_cast<SystemHeader *>(pMem) - 1;
     assert(header->state == kSystemLive && "not memory of the system control, or freed before");
     header->state = kSystemFreed;
-    heapCountGiven(1, sizeof(SystemHeader) + header->size);
-    heapGive(header);
+    heapGive(header, sizeof(SystemHeader) + header->size, Use::Piece);
     return SIP_OK;
 }
 
@@ -111,6 +207,7 @@ void SipMmGetStatistics(SipMmStatistics *pstStatistics) {
     if (pstStatistics == nullptr) {
         return;
     }
+    giveKeptBack(); // what the caller's thread keeps is not in use
     // Given before taken: a reader beside working threads never sees more given than taken.
     const uint64_t given = counters.given.load(kRelaxed);
     pstStatistics->ulBlocks = counters.blocks.load(kRelaxed);
@@ -123,5 +220,6 @@ void SipMmGetStatistics(SipMmStatistics *pstStatistics) {
 
 void SipMmResetPeak(void) {
     using namespace sipcore;
+    giveKeptBack();
     counters.peak.store(counters.bytes.load(kRelaxed), kRelaxed);
 }

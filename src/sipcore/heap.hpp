@@ -1,4 +1,7 @@
 // The one door to the process heap: everything sipcore allocates is counted here.
+//
+// What a thread gives back it keeps, up to a bound, and takes again: decoding and encoding one body
+// after the other leaves the process heap alone.
 #ifndef SIPCORE_HEAP_HPP
 #define SIPCORE_HEAP_HPP
 
@@ -11,16 +14,13 @@ namespace sipcore {
 // around it therefore never leave 32 bits.
 inline constexpr uint32_t kLargestRequest = uint32_t{1} << 30;
 
+// Blocks are told from other pieces, so that those alive can be counted where the heap is called.
+enum class Use : uint8_t { Block, Piece };
+
 // Zeroed memory, or null.
-void *heapTake(std::size_t bytes);
+void *heapTake(std::size_t bytes, Use use);
+void heapGive(void *memory, std::size_t bytes, Use use);
 
-// Gives one piece back without counting; heapCountGiven tells the statistics of any number of
-// such pieces at once, which is what makes releasing a block of many chunks cheap.
-void heapGive(void *memory);
-void heapCountGiven(uint64_t pieces, uint64_t bytes);
-
-void countBlockCreated();
-void countBlockReleased();
 void countAbnormalReport();
 
 } // namespace sipcore

@@ -188,7 +188,7 @@ void *cutLarge(Run &run, uint32_t request) {
 // Opens a chunk with room for one piece of the given payload size; a null chunk after a failure.
 Run openChunk(Block &block, uint32_t size) {
     const std::size_t heapBytes = sizeof(Chunk) + kHeaderSize + size;
-    auto *chunk = static_cast<Chunk *>(heapTake(heapBytes));
+    auto *chunk = static_cast<Chunk *>(heapTake(heapBytes, Use::Piece));
     if (chunk == nullptr) {
         return {};
     }
@@ -209,8 +209,7 @@ void closeChunk(Chunk *chunk) {
     if (chunk->next != nullptr) {
         chunk->next->previous = chunk->previous;
     }
-    heapCountGiven(1, chunk->heapBytes);
-    heapGive(chunk);
+    heapGive(chunk, chunk->heapBytes, Use::Piece);
 }
 
 // Whichever of the old run and what is left of the new one has more room is cut from next, so a
@@ -257,22 +256,37 @@ void keepRoomier(Block &block, const Run &opened) {
     return memory;
 }
 
-// Called for every record and string of a decoded body: the rarer ways are kept out of line so
-// that cutting from the run stays a handful of instructions.
+// A request for nothing gets 8 bytes.
+[[gnu::noinline]] void *allocateRare(Block &block, uint32_t request) {
+    if (request != 0) {
+        return allocateLarge(block, request);
+    }
+    if (block.freed[0] != nullptr) {
+        return reuse(block.freed[0], request);
+    }
+    if (block.run.room() < kHeaderSize + kSmallest) {
+        return allocateSmallInNewChunk(block, request, kSmallest);
+    }
+    return cut(block.run, request, kSmallest, kLive);
+}
+
+// Requests of a small class, 1 to 256 bytes, are nearly all of a decoded body's: the rarer ways are
+// kept out of line so that cutting from the run stays a handful of instructions.
 void *blockAlloc(SDPMemCp *pstMemCp, uint32_t ulSize) {
     auto &block = *static_cast<Block *>(pstMemCp->pService);
-    if (ulSize > kSmallMax) {
-        return allocateLarge(block, ulSize);
+    const uint32_t classNumber = (ulSize - 1) / 8;
+    if (classNumber >= kSmallClasses) [[unlikely]] {
+        return allocateRare(block, ulSize);
     }
-    const uint32_t size = roundUp8(ulSize | (ulSize == 0)); // a request for nothing gets 8 bytes
-    Piece *&list = block.freed[size / 8 - 1];
+    Piece *&list = block.freed[classNumber];
     if (list != nullptr) {
         return reuse(list, ulSize);
     }
-    if (block.run.room() >= kHeaderSize + size) {
-        return cut(block.run, ulSize, size, kLive);
+    const uint32_t size = roundUp8(ulSize);
+    if (block.run.room() < kHeaderSize + size) [[unlikely]] {
+        return allocateSmallInNewChunk(block, ulSize, size);
     }
-    return allocateSmallInNewChunk(block, ulSize, size);
+    return cut(block.run, ulSize, size, kLive);
 }
 
 uint32_t blockFree(void *pMem) {
@@ -308,7 +322,7 @@ uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp *
     }
     const std::size_t room = kHeaderSize + roundUp8(ulFirstSize);
     const std::size_t heapBytes = sizeof(Block) + room;
-    auto *block = static_cast<Block *>(heapTake(heapBytes));
+    auto *block = static_cast<Block *>(heapTake(heapBytes, Use::Block));
     if (block == nullptr) {
         return SIP_NO_MEMORY;
     }
@@ -318,7 +332,6 @@ uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp *
     block->run = {begin, begin + room, &block->first};
     block->nextSize = roundUp8(ulNextSize);
     block->first = {block, nullptr, nullptr, heapBytes};
-    countBlockCreated();
     *ppstMemCp = &block->control;
     return SIP_OK;
 }
@@ -335,18 +348,12 @@ uint32_t SipMmReleaseBufMem(SDPMemCp **ppstMemCp) {
     if (block == nullptr) { // the system memory control is no block
         return SIP_INVALID_ARGUMENT;
     }
-    uint64_t pieces = 1;
-    uint64_t bytes = block->first.heapBytes;
     for (Chunk *chunk = block->first.next; chunk != nullptr;) {
         Chunk *next = chunk->next;
-        bytes += chunk->heapBytes;
-        ++pieces;
-        heapGive(chunk);
+        heapGive(chunk, chunk->heapBytes, Use::Piece);
         chunk = next;
     }
-    heapGive(block);
-    heapCountGiven(pieces, bytes);
-    countBlockReleased();
+    heapGive(block, block->first.heapBytes, Use::Block);
     *ppstMemCp = nullptr;
     return SIP_OK;
 }

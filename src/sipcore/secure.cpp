@@ -5,30 +5,41 @@
 
 #include <cerrno>
 #include <cstring>
-#include <type_traits>
 
 namespace {
 
-// Records of a few fields are what is filled most: two overlapping stores of a fixed size each do
-// without a call.
-constexpr size_t kSmallFill = 64;
+// Records of a few fields are what is filled most, and with zeroes: stores of a fixed size, the
+// last of which overlaps the one before, do without a call.
+constexpr size_t kSmallFill = 256;
 
-void fillSmall(char *to, int value, size_t count) {
-    const auto fillEnds = [=]<size_t Half>(std::integral_constant<size_t, Half>) {
-        std::memset(to, value, Half);
-        std::memset(to + count - Half, value, Half);
-    };
-    if (count > 32) {
-        fillEnds(std::integral_constant<size_t, 32>());
-    } else if (count > 16) {
-        fillEnds(std::integral_constant<size_t, 16>());
+inline void zeroSmall(char *to, size_t count) {
+    if (count >= 16) {
+        for (size_t at = 0; at + 16 < count; at += 16) {
+            std::memset(to + at, 0, 16);
+        }
+        std::memset(to + count - 16, 0, 16);
     } else if (count >= 8) {
-        fillEnds(std::integral_constant<size_t, 8>());
+        std::memset(to, 0, 8);
+        std::memset(to + count - 8, 0, 8);
     } else {
         for (size_t i = 0; i < count; ++i) {
-            to[i] = static_cast<char>(value);
+            to[i] = 0;
         }
     }
+}
+
+[[gnu::noinline]] int fill(void *to, size_t max, int value, size_t count) {
+    if (count == 0) {
+        return 0;
+    }
+    if (to == nullptr) {
+        return EINVAL;
+    }
+    if (count > max) {
+        return ERANGE;
+    }
+    std::memset(to, value, count);
+    return 0;
 }
 
 } // namespace
@@ -48,20 +59,11 @@ int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount) {
 }
 
 int memset_s(void *pDest, size_t ulDestMax, int iValue, size_t ulCount) {
-    if (ulCount == 0) {
-        return 0;
+    if (ulCount > kSmallFill || ulCount > ulDestMax || pDest == nullptr || iValue != 0)
+        [[unlikely]] {
+        return fill(pDest, ulDestMax, iValue, ulCount);
     }
-    if (pDest == nullptr) {
-        return EINVAL;
-    }
-    if (ulCount > ulDestMax) {
-        return ERANGE;
-    }
-    if (ulCount <= kSmallFill) {
-        fillSmall(static_cast<char *>(pDest), iValue, ulCount);
-    } else {
-        std::memset(pDest, iValue, ulCount);
-    }
+    zeroSmall(static_cast<char *>(pDest), ulCount);
     return 0;
 }
 

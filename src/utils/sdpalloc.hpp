@@ -6,30 +6,51 @@
 
 #include "sdpline/sdpline.h"
 #include "utils/sdpchecks.hpp"
+#include "utils/sdpinline.hpp"
 
 namespace sdpline {
 
-// Most texts are a word: up to sixteen bytes are copied without a call.
-inline void copyBytes(char *to, const char *from, size_t size) {
-    if (size > 16) {
-        std::memcpy(to, from, size);
-    } else if (size >= 8) {
-        uint64_t first;
-        uint64_t last;
-        std::memcpy(&first, from, 8);
-        std::memcpy(&last, from + size - 8, 8);
-        std::memcpy(to, &first, 8);
-        std::memcpy(to + size - 8, &last, 8);
-    } else {
-        for (size_t i = 0; i < size; ++i) {
-            to[i] = from[i];
+// Most texts are a word, and most lists short: they are copied in parts of a fixed size, the last
+// of which overlaps the one before, without a call.
+SDPLINE_INLINE void copyBytes(void *to, const void *from, size_t size) {
+    constexpr size_t kLong = 128;
+    auto *const target = static_cast<char *>(to);
+    const auto *const source = static_cast<const char *>(from);
+    if (size >= 16) {
+        if (size > kLong) {
+            std::memcpy(to, from, size);
+            return;
         }
+        for (size_t at = 0; at + 16 < size; at += 16) {
+            std::memcpy(target + at, source + at, 16);
+        }
+        std::memcpy(target + size - 16, source + size - 16, 16);
+    } else if (size >= 8) {
+        uint64_t last;
+        std::memcpy(&last, source + size - 8, 8);
+        std::memcpy(target, source, 8);
+        std::memcpy(target + size - 8, &last, 8);
+    } else if (size >= 4) {
+        uint32_t last;
+        std::memcpy(&last, source + size - 4, 4);
+        std::memcpy(target, source, 4);
+        std::memcpy(target + size - 4, &last, 4);
+    } else if (size != 0) {
+        const char middle = source[size / 2];
+        const char last = source[size - 1];
+        target[0] = source[0];
+        target[size / 2] = middle;
+        target[size - 1] = last;
     }
 }
 
 // Null when there is no hook, or the hook has no memory.
-inline void *allocateBytes(uint32_t size) {
+SDPLINE_INLINE void *allocateBytes(uint32_t size) {
     const SdpFnAlloc alloc = g_gSdpFnAlloc;
+    if (alloc == SdpLibAllocSdpMem) [[likely]] { // the hook that decoding sets, without the call
+        SDPMemCp *const memCp = g_mSdpDecodeMemCp;
+        return memCp != nullptr ? memCp->pfnAlloc(memCp, size) : nullptr;
+    }
     return alloc != nullptr ? alloc(size) : nullptr;
 }
 
@@ -40,8 +61,8 @@ inline void freeBytes(void *memory) {
     }
 }
 
-inline void zeroFill(void *memory, uint32_t size, const char *function,
-                     uint32_t line = __builtin_LINE()) {
+SDPLINE_INLINE void zeroFill(void *memory, uint32_t size, const char *function,
+                             uint32_t line = __builtin_LINE()) {
     if (memset_s(memory, size, 0, size) != 0) {
         SIPAbnormalSecureFunc(function, line);
     }
@@ -59,7 +80,7 @@ Record *allocate(const char *function = __builtin_FUNCTION(), uint32_t line = __
 
 // Stores a copy of the text, without a terminator. Without memory the length stays and the
 // pointer is null. A text of length 0 asks for zero bytes all the same.
-inline SDPResult storeText(SipString &value, std::string_view text) {
+SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
     value.ulLen = static_cast<uint32_t>(text.size());
     value.pcData = static_cast<char *>(allocateBytes(value.ulLen));
     if (value.pcData == nullptr) {

@@ -1,6 +1,8 @@
 // The table of the failing checks, and the functions that report them.
 #include "utils/sdpchecks.hpp"
 
+#include <atomic>
+
 namespace sdpline {
 
 namespace {
@@ -57,9 +59,18 @@ constexpr bool sameCode(const CheckRow &a, const CheckRow &b) {
            a.outcome.errorClass == b.outcome.errorClass;
 }
 
+// What a failing check answers is not 0: a code has a class, a bare answer is itself.
+constexpr bool isFailure(const Outcome &outcome) {
+    return outcome.answer == Answer::Pass ||
+           (outcome.answer == Answer::Code ? outcome.errorClass : outcome.location) != 0;
+}
+
 // Two rows may not answer the same code, and every code must fit its fields.
 constexpr bool codesAreSound() {
     for (size_t i = 0; i < kCheckCount; ++i) {
+        if (!isFailure(kChecks[i].outcome)) {
+            return false;
+        }
         if (kChecks[i].outcome.location >= 1u << 14 || kChecks[i].outcome.errorClass >= 1u << 10) {
             return false;
         }
@@ -103,7 +114,7 @@ const char *className(uint16_t errorClass) {
     }
 }
 
-LastFailed lastFailed = {Check::Count, nullptr};
+SDPLINE_PER_THREAD LastFailed lastFailed = {Check::Count, nullptr};
 
 namespace {
 
@@ -126,7 +137,9 @@ void report(const CheckRow &failed, uint32_t value, uint32_t siteLine) {
         return;
     }
     const uint32_t line = log.line != 0 ? log.line : siteLine;
-    g_gSipCodePoint = fileNumber(failed.source) << 16 | line;
+    // The one thing of the stack's that operations running beside each other write.
+    std::atomic_ref(g_gSipCodePoint)
+        .store(fileNumber(failed.source) << 16 | line, std::memory_order_relaxed);
     const SipLmLogHndlr hook = g_gpfnSipLmLogHndlr;
     if (hook == nullptr) {
         return;
@@ -158,18 +171,12 @@ SDPResult codeOf(Check check) {
            outcome.errorClass;
 }
 
-SDPResult fail(Check check, uint32_t value, uint32_t line) {
+SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word) {
     if (isOfParsing(row(check).source)) {
-        lastFailed = {check, nullptr};
+        lastFailed = {check, word};
     }
     report(row(check), value, line);
     return codeOf(check);
-}
-
-SDPResult failWord(Check check, const char *word, uint32_t line) {
-    const SDPResult result = fail(check, 0, line);
-    lastFailed.word = word;
-    return result;
 }
 
 SDPResult passUp(Check check, SDPResult result, uint32_t line) {

@@ -1,14 +1,15 @@
 // The failing checks of the library: every way an operation can refuse its work is one row.
 //
 // The rows stand in src/utils/checks/*.def, one file per source file that makes them. A site
-// says `return fail(Check::OctetRange)`: fail() logs the row if it is a logged one, and answers
-// its result code. That is the one place to set a breakpoint.
+// says `return fail(Check::OctetRange)`: the row is logged if it is a logged one, and its result
+// code is the answer.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "sdpline/sdpline.h"
+#include "utils/sdpinline.hpp"
 
 namespace sdpline {
 
@@ -77,12 +78,27 @@ inline const CheckRow &row(Check check) {
 // The code that fail() composes for the row, under the stack's file base of this moment.
 SDPResult codeOf(Check check);
 
-// Logs the failing check as its row says and answers its result. `value` is the argument of the
-// row's format; rows without a format ignore it.
-[[gnu::cold]] SDPResult fail(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE());
+// Logs the failing check as its row says and answers its result: the one place to set a
+// breakpoint. `word` is what the check judged, where the lexer has already left it behind.
+[[gnu::cold]] SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word);
 
-// The same for a check that judged a word which the lexer has already left behind.
-[[gnu::cold]] SDPResult failWord(Check check, const char *word, uint32_t line = __builtin_LINE());
+// The same. `value` is the argument of the row's format; rows without a format ignore it. No check
+// answers 0, which the compiler is told: the way on is not considered where one failed.
+SDPLINE_INLINE SDPResult fail(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE()) {
+    const SDPResult result = reportFailed(check, value, line, nullptr);
+    if (result == 0) {
+        __builtin_unreachable();
+    }
+    return result;
+}
+
+SDPLINE_INLINE SDPResult failWord(Check check, const char *word, uint32_t line = __builtin_LINE()) {
+    const SDPResult result = reportFailed(check, 0, line, word);
+    if (result == 0) {
+        __builtin_unreachable();
+    }
+    return result;
+}
 
 // Logs a Pass row and answers `result` unchanged. The format's argument, where the row has a
 // format, is `result` too.
@@ -98,7 +114,7 @@ struct LastFailed {
     Check check;
     const char *word;
 };
-extern LastFailed lastFailed;
+extern SDPLINE_PER_THREAD LastFailed lastFailed;
 
 #ifdef SDPLINE_COUNT_CHECKS
 // How often each check failed since the start; test builds only.

@@ -1,5 +1,5 @@
-// Lookup in a fixed table of names, by length first: few names share a length, so that most
-// lookups compare one or two.
+// Lookup in a fixed table of names: a hash of the length and of three bytes picks the only name
+// that a text can be, and one comparison decides.
 #pragma once
 
 #include <array>
@@ -8,51 +8,93 @@
 #include <cstring>
 #include <string_view>
 
+#include "utils/sdpinline.hpp"
+
 namespace sdpline {
 
-// The rows of a table of N names, those of one length together and in rising order.
-template <size_t N>
-class NamesByLength {
-    static_assert(N < 256, "rows are kept in bytes");
-
-public:
-    static constexpr size_t kMaxLength = 31;
-
-    constexpr explicit NamesByLength(const std::array<std::string_view, N> &names) : names_(names) {
-        uint8_t at = 0;
-        for (size_t length = 0; length <= kMaxLength; ++length) {
-            first_[length] = at;
-            for (size_t row = 0; row < N; ++row) {
-                if (names[row].size() == length) {
-                    rows_[at++] = static_cast<uint8_t>(row);
-                }
+// Whether two texts of one length are equal; short texts need no call.
+SDPLINE_INLINE bool equalBytes(const char *a, const char *b, size_t size) {
+    const auto differ = [=]<class Part>(Part, size_t at) {
+        Part first;
+        Part second;
+        std::memcpy(&first, a + at, sizeof(Part));
+        std::memcpy(&second, b + at, sizeof(Part));
+        return first != second;
+    };
+    if (size >= 8) {
+        for (size_t at = 0; at + 8 < size; at += 8) {
+            if (differ(uint64_t{}, at)) {
+                return false;
             }
         }
-        first_[kMaxLength + 1] = at;
+        return !differ(uint64_t{}, size - 8);
+    }
+    if (size >= 4) {
+        return !differ(uint32_t{}, 0) && !differ(uint32_t{}, size - 4);
+    }
+    for (size_t at = 0; at < size; ++at) {
+        if (a[at] != b[at]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A table of N names. Of equal names the last row counts.
+template <size_t N>
+class Names {
+    static_assert(N < 255, "rows are kept in bytes");
+
+public:
+    constexpr explicit Names(const std::array<std::string_view, N> &names) : names_(names) {
+        while (!fill()) {
+            factor_ += 2;
+        }
     }
 
     // The last row of that name, case and all; N when there is none.
-    size_t lastRow(std::string_view name) const {
-        if (name.size() > kMaxLength || name.empty()) {
+    SDPLINE_INLINE size_t lastRow(std::string_view name) const {
+        if (name.empty()) {
             return N;
         }
-        for (size_t at = first_[name.size() + 1]; at > first_[name.size()]; --at) {
-            const std::string_view candidate = names_[rows_[at - 1]];
-            if (candidate.back() == name.back() && candidate.front() == name.front() &&
-                std::memcmp(candidate.data(), name.data(), name.size()) == 0) {
-                return rows_[at - 1];
-            }
+        const size_t row = slots_[slotOf(name)];
+        if (row == N || names_[row].size() != name.size()) {
+            return N;
         }
-        return N;
+        return equalBytes(names_[row].data(), name.data(), name.size()) ? row : N;
     }
 
-    // Whether every name is short enough to be found.
-    constexpr bool holdsAll() const { return first_[kMaxLength + 1] == N; }
-
 private:
+    static constexpr size_t kSlots = 256;
+
+    constexpr size_t slotOf(std::string_view name) const {
+        const auto byteAt = [name](size_t at) {
+            return static_cast<uint32_t>(static_cast<uint8_t>(name[at]));
+        };
+        const uint32_t key = static_cast<uint32_t>(name.size()) | byteAt(0) << 8 |
+                             byteAt(name.size() / 2) << 16 | byteAt(name.size() - 1) << 24;
+        return key * factor_ >> 24;
+    }
+
+    // Whether no two names share a slot under the factor.
+    constexpr bool fill() {
+        slots_.fill(static_cast<uint8_t>(N));
+        for (size_t row = 0; row < N; ++row) {
+            if (names_[row].empty()) {
+                continue;
+            }
+            uint8_t &slot = slots_[slotOf(names_[row])];
+            if (slot != N && names_[slot] != names_[row]) {
+                return false;
+            }
+            slot = static_cast<uint8_t>(row);
+        }
+        return true;
+    }
+
     std::array<std::string_view, N> names_;
-    std::array<uint8_t, kMaxLength + 2> first_{};
-    std::array<uint8_t, N> rows_{};
+    std::array<uint8_t, kSlots> slots_{};
+    uint32_t factor_ = 0x9E3779B1; // odd, of mixed bits
 };
 
 } // namespace sdpline

@@ -1,21 +1,27 @@
 #!/usr/bin/env bash
 # Runs the commands that a document shows with their output, and compares the two: every ```sh block
-# that a ```text block follows directly. A ```c block that begins with "/* name.c" is that file to the
-# commands below it. They find the headers, the libraries, the program sdpline and examples/ of the
-# build as a user finds installed ones.
-# usage: commands.sh SOURCE_DIR BUILD_DIR CC DOCUMENT...
+# that a ```text block follows directly. A ```c block that begins with "/* name.c", or a ```cpp block
+# that begins with "// name.cpp", is that file to the commands below it. They find the headers, the
+# libraries, the program sdpline and examples/ as a user finds installed ones. The tree is the folder
+# of a build, or a prefix that sdpline is installed in.
+# usage: commands.sh SOURCE_DIR TREE CC CXX DOCUMENT...
 set -euo pipefail
-source=$1 build=$2 cc=$3
-shift 3
+source=$1 tree=$2 cc=$3 cxx=$4
+shift 4
 cd "$source" # documents may be named from there
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 mkdir "$work/bin"
 ln -s "$(command -v "$cc")" "$work/bin/cc"
-ln -s "$build/cli/sdpline" "$work/bin/sdpline"
-export PATH=$work/bin:$PATH CPATH=$source/include
-export LIBRARY_PATH=$build/src:$build/src/sipcore LD_LIBRARY_PATH=$build/src:$build/src/sipcore
+ln -s "$(command -v "$cxx")" "$work/bin/c++"
+include=$source/include program=$tree/cli/sdpline libraries=$tree/src:$tree/src/sipcore
+if [ -d "$tree/include" ]; then
+  include=$tree/include program=$tree/bin/sdpline
+  libraries=$(dirname "$(find "$tree" -name libsdpline.so)")
+fi
+ln -s "$program" "$work/bin/sdpline"
+export PATH=$work/bin:$PATH CPATH=$include LIBRARY_PATH=$libraries LD_LIBRARY_PATH=$libraries
 
 # Writes the blocks of a document into the folder: N.sh with N.text, and files by name.
 cut_blocks() { # DOCUMENT FOLDER
@@ -23,7 +29,8 @@ cut_blocks() { # DOCUMENT FOLDER
     function finish() { if (kind == "sh") shell = text
       else if (kind == "text" && shell != "") { ++n
         printf "%s", shell >(folder "/" n ".sh"); printf "%s", text >(folder "/" n ".text") }
-      else if (kind == "c" && split(text, word, /[ :\n]/) && word[1] == "/*" && word[2] ~ /\.c$/)
+      else if (kind ~ /^c(pp)?$/ && split(text, word, /[ :\n]/) && word[1] ~ /^\/[*\/]$/ &&
+               word[2] ~ ("\\." kind "$"))
         printf "%s", text >(folder "/" word[2])
       if (kind != "sh") shell = "" }
     /^```/ { if (inside) { finish(); inside = 0 } else { inside = 1; kind = substr($0, 4); text = "" }

@@ -16,4 +16,6 @@ look sdpline_8h.html 'Decodes <a class="el"\|Decodes pstSdpText'
 look sdprecords_8h.html 'milliseconds'
 look sipcore_8h.html 'porting guide'
 look structSDPConnection.html 'no TTL or no number of addresses'
+look classsdpline_1_1v1_1_1Body.html 'tells the line and column of the text'
+look structsdpline_1_1v1_1_1Error.html 'All text is static'
 echo "doxygen: no warnings"

@@ -12,8 +12,7 @@
 
 namespace {
 
-using sdpline::lexer::takeBytesToSlash;
-using sdpline::lexer::takeRestOfLine;
+using sdpline::Lexer;
 using support::LexerModel;
 using support::LexerTest;
 
@@ -205,7 +204,9 @@ protected:
 
     void compareRestOfLine(uint32_t limit) {
         std::string_view rest;
-        const bool fits = takeRestOfLine(rest, limit);
+        Lexer lexer = sdpline::lexer::enter();
+        const bool fits = lexer.takeRestOfLine(rest, limit);
+        sdpline::lexer::leave(lexer);
         const std::optional<std::string> expected = model_.gatherRestOfLine(limit);
         ASSERT_EQ(fits, expected.has_value());
         if (fits) {
@@ -216,7 +217,9 @@ protected:
 
     void compareBytesToSlash(uint32_t limit) {
         std::string_view bytes;
-        const bool fits = takeBytesToSlash(bytes, limit);
+        Lexer lexer = sdpline::lexer::enter();
+        const bool fits = lexer.takeBytesToSlash(bytes, limit);
+        sdpline::lexer::leave(lexer);
         const std::optional<std::string> expected = model_.gatherToSlash(limit);
         ASSERT_EQ(fits, expected.has_value());
         if (fits) {

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "sdpline/sdpline.h"
+#include "support/bodylines.hpp"
 
 namespace support {
 
@@ -24,15 +24,6 @@ std::string encoded(SdpLine &line);
 
 // What SdpLibEncodeSdpLine writes, with the line's prefix; a failure fails the test.
 std::string encodedLine(uint32_t lineType, const void *record);
-
-// One record of a body, of the kind that goes with the line type.
-struct BodyLine {
-    uint32_t lineType;
-    const void *record;
-};
-
-// Every record of a body that a line type names: r= lines beside the t= lines that hold them, too.
-std::vector<BodyLine> linesOf(const SdpLine &line);
 
 // The body's text for messages: bytes that do not print as \xHH, line feeds as they are.
 std::string readable(std::string_view text);

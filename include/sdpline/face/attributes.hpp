@@ -242,9 +242,8 @@ private:
  * The a= lines of a session or of a media description: a range of Attribute with random access,
  * and questions about the first line that answers them.
  *
- *     for (const sdpline::RtpMap map : media.attributes().each<sdpline::RtpMap>()) ...
- *     const std::uint32_t ptime =
- * media.attributes().number(sdpline::AttributeType::PTime).value_or(20);
+ *     for (const sdpline::RtpMap map : attributes.each<sdpline::RtpMap>()) ...
+ *     const auto ptime = attributes.number(sdpline::AttributeType::PTime).value_or(20);
  */
 class Attributes : public ListView<SDPAttrList, face_detail::MakeAttribute> {
 public:

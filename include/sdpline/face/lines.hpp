@@ -21,8 +21,7 @@ namespace sdpline {
 inline namespace v1 {
 namespace face_detail {
 
-/* ---- Texts and keys ---------------------------------------------------------------------------
- */
+/* ---- Texts and keys -------------------------------------------------------------------------- */
 
 inline Status setText(Memory memory, Slot<SipString> slot, std::uint32_t lineType,
                       std::string_view text) {
@@ -39,8 +38,7 @@ inline Status setKey(Memory memory, Slot<SDPKey> slot, std::string_view text) {
     return setLine(memory, slot, SDP_LINE_KEY, SDPKey{lent(text)});
 }
 
-/* ---- o= ---------------------------------------------------------------------------------------
- */
+/* ---- o= -------------------------------------------------------------------------------------- */
 
 inline std::optional<Error> refusedOrigin(const Origin &origin) {
     if (origin.netType != NetType::In ||
@@ -69,8 +67,7 @@ inline Status setOrigin(Memory memory, SDPOrigin &target, const Origin &origin) 
     return memory.replace(SDP_LINE_ORIGIN, source, target);
 }
 
-/* ---- c= ---------------------------------------------------------------------------------------
- */
+/* ---- c= -------------------------------------------------------------------------------------- */
 
 inline std::optional<Error> refusedConnection(const Connection &connection) {
     const AddressType type = connection.address.isV4() ? AddressType::Ip4 : AddressType::Ip6;
@@ -113,8 +110,7 @@ inline Status setConnection(Memory memory, Slot<SDPConnection> slot, std::string
     return setLine(memory, slot, SDP_LINE_CONNECTION, *(*decoded)->pstConnection);
 }
 
-/* ---- m= ---------------------------------------------------------------------------------------
- */
+/* ---- m= -------------------------------------------------------------------------------------- */
 
 /* What a protocol goes with. */
 enum class FormatRule { Payloads, OneWord, Either };

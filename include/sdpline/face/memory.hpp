@@ -128,8 +128,7 @@ void removeLine(Memory memory, Slot<Record> slot, std::uint32_t lineType) {
     slot.set(nullptr);
 }
 
-/* ---- Lists ------------------------------------------------------------------------------------
- */
+/* ---- Lists ----------------------------------------------------------------------------------- */
 
 /*
  * Adds `added` items at the end, all of them or none. Arrays have exactly one slot for each item,
@@ -234,8 +233,7 @@ private:
     Slot<List> slot_;
 };
 
-/* ---- What a text may hold ---------------------------------------------------------------------
- */
+/* ---- What a text may hold -------------------------------------------------------------------- */
 
 /* The bytes that no value may hold: they would end the line, or be dropped on the way back. */
 inline constexpr std::string_view kLineBreaks("\r\n\0", 3);

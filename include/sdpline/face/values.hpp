@@ -109,8 +109,7 @@ struct TypedTime {
     }
 };
 
-/* ---- Values of attributes ---------------------------------------------------------------------
- */
+/* ---- Values of attributes -------------------------------------------------------------------- */
 
 /* a=rtpmap. The name has at most 255 bytes and no "/". */
 struct RtpMap {
@@ -190,8 +189,7 @@ using AttributeValue = std::variant<std::monostate, Direction, std::uint32_t, st
                                     RtpMap, Fmtp, T38RateManagement, T38ErrorCorrection,
                                     SilenceSupp, Ecan, Precondition, IpBcp, SetupRole>;
 
-/* ---- m= ---------------------------------------------------------------------------------------
- */
+/* ---- m= -------------------------------------------------------------------------------------- */
 
 /*
  * One m= line. RTP protocols go with the format Payloads and 1 to 100 payload numbers, none being
@@ -208,8 +206,7 @@ struct MediaLine {
     std::span<const std::uint32_t> payloads{}; /* for the format Payloads */
 };
 
-/* ---- Values of records ------------------------------------------------------------------------
- */
+/* ---- Values of records ----------------------------------------------------------------------- */
 
 namespace face_detail {
 

@@ -1,0 +1,73 @@
+// sdpline_instructions OPERATION BODY COUNT: does one operation on one body COUNT times, for a tool
+// that counts instructions. The difference of two counts is free of what comes before and behind.
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "bodies.hpp"
+#include "operations.hpp"
+
+namespace {
+
+bool onTexts(const bench::Body &body, bool (*operation)(const std::string &)) {
+    bool done = true;
+    for (const std::string &text : body.texts) {
+        done &= operation(text);
+    }
+    return done;
+}
+
+template <class Operation>
+bool repeated(long count, Operation operation) {
+    bool done = true;
+    for (long i = 0; i < count; ++i) {
+        done &= operation();
+    }
+    return done;
+}
+
+template <class Operation>
+bool onLines(const bench::Body &body, long count, Operation operation) {
+    auto lines = bench::decoded(body);
+    return !lines.empty() && repeated(count, [&] {
+        bool done = true;
+        for (sdpline::Body &line : lines) {
+            done &= operation(line);
+        }
+        return done;
+    });
+}
+
+bool run(std::string_view operation, const bench::Body &body, long count) {
+    if (operation == "decode") {
+        return repeated(count, [&] { return onTexts(body, bench::decodeAndRelease); });
+    }
+    if (operation == "encode") {
+        return onLines(body, count,
+                       [](sdpline::Body &line) { return bench::encodeAndRelease(line.record()); });
+    }
+    if (operation == "clone") {
+        return onLines(body, count, bench::clone);
+    }
+    if (operation == "serialise") {
+        auto buffer = bench::roomForText();
+        return onLines(body, count, [&buffer](sdpline::Body &line) {
+            return bench::serialise(line.record(), buffer);
+        });
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc == 4) {
+        for (const bench::Body &body : bench::bodies()) {
+            if (body.name == argv[2] && run(argv[1], body, std::strtol(argv[3], nullptr, 10))) {
+                return 0;
+            }
+        }
+    }
+    std::fputs("usage: sdpline_instructions decode|encode|clone|serialise BODY COUNT\n", stderr);
+    return 2;
+}

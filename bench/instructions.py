@@ -1,0 +1,120 @@
+#!/usr/bin/env -S python3 -B
+"""Counts the instructions of each operation on each body and compares them with a baseline: one
+that grew by more than 5 % is an error. Counts belong to a compiler and a C library, which the
+baseline names.
+
+usage: instructions.py PROGRAM BASELINE [--update]
+"""
+
+import re
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+
+OPERATIONS = ["decode", "encode", "clone", "serialise"]
+BODIES = ["240B", "1KB", "2KB", "4KB", "mixture"]
+FEWER, MORE = 4, 12  # the first ones bring the heap into its steady state
+GROWTH = 0.05
+
+
+def collected(program, operation, body, count):
+    command = [
+        "valgrind",
+        "--tool=callgrind",
+        "--callgrind-out-file=/dev/null",
+        program,
+        operation,
+        body,
+        str(count),
+    ]
+    done = subprocess.run(command, stderr=subprocess.PIPE, text=True, check=False)
+    found = re.search(r"Collected : (\d+)", done.stderr)
+    if done.returncode != 0 or not found:
+        sys.exit(f"{' '.join(command)} ended with {done.returncode}:\n{done.stderr}")
+    return int(found.group(1))
+
+
+def per_operation(program, operation, body):
+    more, fewer = (collected(program, operation, body, count) for count in (MORE, FEWER))
+    return round((more - fewer) / (MORE - FEWER))
+
+
+def counted(program):
+    pairs = [(operation, body) for operation in OPERATIONS for body in BODIES]
+    with ThreadPoolExecutor(2) as pool:
+        return dict(zip(pairs, pool.map(lambda pair: per_operation(program, *pair), pairs)))
+
+
+def tools():
+    """What the counts depend on."""
+    versions = [
+        subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout.split("\n")[0]
+        for command in (["c++", "--version"], ["ldd", "--version"], ["valgrind", "--version"])
+    ]
+    return "; ".join(versions)
+
+
+def read_baseline(text):
+    """The tools and the counts."""
+    counts = {}
+    for line in text.splitlines():
+        if not line.startswith("#") and line.strip():
+            operation, body, count = line.split()
+            counts[operation, body] = int(count)
+    comment = re.search(r"^# by (.*)$", text, re.M)
+    return (comment.group(1) if comment else ""), counts
+
+
+def baseline_text(by, counts):
+    lines = [
+        "# Instructions for each operation, release build. Written by ./dev instructions --update.",
+        f"# by {by}",
+    ]
+    lines += [f"{operation} {body} {count}" for (operation, body), count in counts.items()]
+    return "\n".join(lines) + "\n"
+
+
+def compare(counts, baseline):
+    """The lines of a report, and the errors among them."""
+    lines, errors = [], []
+    for (operation, body), count in counts.items():
+        before = baseline.get((operation, body))
+        if before is None:
+            errors.append(f"{operation} {body} is not in the baseline")
+            continue
+        change = (count - before) / before
+        lines.append(f"{operation:10} {body:8} {count:12,} {before:12,} {change:+7.1%}")
+        if change > GROWTH:
+            errors.append(f"{operation} {body} grew by {change:.1%}")
+    errors += [
+        f"{operation} {body} is in the baseline and not counted"
+        for operation, body in baseline.keys() - counts.keys()
+    ]
+    return lines, errors
+
+
+def main():
+    program, path, *rest = sys.argv[1:]
+    counts = counted(program)
+    if rest == ["--update"]:
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(baseline_text(tools(), counts))
+        return
+    with open(path, encoding="utf-8") as file:
+        by, baseline = read_baseline(file.read())
+    lines, errors = compare(counts, baseline)
+    print(f"{'operation':10} {'body':8} {'counted':>12} {'baseline':>12}  change")
+    print("\n".join(lines))
+    if by != tools():
+        print(f"note: the baseline was counted by {by}; this is {tools()}")
+    if errors:
+        print("\n".join(f"error: {error}" for error in errors))
+        print("where that is meant: ./dev instructions --update, in the same commit")
+        sys.exit(1)
+    print("instructions: within 5 % of the baseline")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) not in (3, 4) or sys.argv[3:] not in ([], ["--update"]):
+        sys.exit(__doc__)
+    main()

@@ -1,0 +1,66 @@
+#include "operations.hpp"
+
+#include <utility>
+
+namespace bench {
+
+namespace {
+
+SdpLine *decode(const std::string &text) {
+    const SipString given = {static_cast<uint32_t>(text.size()), const_cast<char *>(text.data())};
+    SdpLine *line = nullptr;
+    SdpLibDecodeSdp(&given, &line);
+    return line;
+}
+
+} // namespace
+
+bool decodeAndRelease(const std::string &text) {
+    SdpLine *line = decode(text);
+    const bool done = line != nullptr;
+    SdpLibReleaseSdp(&line);
+    return done;
+}
+
+bool decodeEncodeAndRelease(const std::string &text) {
+    SdpLine *line = decode(text);
+    const bool done = line != nullptr && encodeAndRelease(line);
+    SdpLibReleaseSdp(&line);
+    return done;
+}
+
+bool encodeAndRelease(SdpLine *line) {
+    SipStringBuffer *text = nullptr;
+    const bool done = SdpLibEncodeSdp(line, &text) == 0;
+    SipSbReleaseStringBuffer(text);
+    return done;
+}
+
+bool clone(const sdpline::Body &body) {
+    return static_cast<bool>(body.clone());
+}
+
+bool serialise(SdpLine *line, std::vector<uint8_t> &buffer) {
+    uint32_t written = 0;
+    return SdpLibSerializeSdp(line, buffer.data(), static_cast<uint32_t>(buffer.size()),
+                              &written) == 0;
+}
+
+std::vector<sdpline::Body> decoded(const Body &body) {
+    std::vector<sdpline::Body> result;
+    for (const std::string &text : body.texts) {
+        SdpLine *const line = decode(text);
+        if (line == nullptr) {
+            return {};
+        }
+        result.push_back(sdpline::Body::adopt(line));
+    }
+    return result;
+}
+
+// A text grows where it is written with what it was read without, by much less than its own size.
+std::vector<uint8_t> roomForText() {
+    return std::vector<uint8_t>(size_t{2} * SDP_MAX_BODY);
+}
+
+} // namespace bench

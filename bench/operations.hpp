@@ -1,0 +1,27 @@
+// The operations of sdpline that are measured. Each answers whether it did its work.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "bodies.hpp"
+#include "sdpline/sdpline.h"
+#include "sdpline/sdpline.hpp"
+
+namespace bench {
+
+bool decodeAndRelease(const std::string &text);
+bool decodeEncodeAndRelease(const std::string &text);
+
+bool encodeAndRelease(SdpLine *line);
+bool clone(const sdpline::Body &body); // line by line, and releases the clone
+bool serialise(SdpLine *line, std::vector<uint8_t> &buffer);
+
+// The decoded texts of a body; empty when one is refused.
+std::vector<sdpline::Body> decoded(const Body &body);
+
+// A buffer that every body of ours is written into.
+std::vector<uint8_t> roomForText();
+
+} // namespace bench

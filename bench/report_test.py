@@ -1,0 +1,157 @@
+#!/usr/bin/env -S python3 -B
+"""What the scripts of this folder make of measurements that are given to them."""
+
+import json
+import os
+import socket
+import tempfile
+import unittest
+import xml.dom.minidom
+
+import instructions
+import machine
+import plot
+import report
+import run
+from results import Results
+
+
+def runs(operation, library, body, times, size, **more):
+    return [
+        {
+            "name": f"{operation}/{library}/{body}",
+            "run_type": "iteration",
+            "cpu_time": time,
+            "bytes": float(size),
+            "allocs": 1.0,
+            **more,
+        }
+        for time in times
+    ]
+
+
+def read(benchmarks, **context):
+    with tempfile.TemporaryDirectory() as folder:
+        path = os.path.join(folder, "out.json")
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump({"context": context, "benchmarks": benchmarks}, file)
+        results = Results()
+        results.read(path)
+        return results
+
+
+def sample():
+    benchmarks = [
+        *runs("decode", "sdpline", "240B", [90.0, 100.0, 900.0], 240),
+        *runs("decode", "slow", "240B", [600.0], 240),
+        *runs("decode", "fast", "240B", [510.0], 240),
+        *runs("decode", "sdpline", "1KB", [500.0], 1000),
+        *runs("floor", "table", "1KB", [100.0], 1000),
+        *runs("decode", "sdpline", "4KB", [3200.0], 4000),
+        *runs("encode", "sdpline", "240B", [100.0], 240),
+        *runs("encode", "slow", "240B", [390.0], 240, lines=12.0, lost=0.0),
+        *runs("encode", "fast", "240B", [50.0], 240, lines=12.0, lost=9.0),
+        *runs("attribute", "sdpline", "x:1", [9000.0], 4000),
+    ]
+    for threads, rate in ((1, 2e6), (2, 3e6)):
+        benchmarks.append(
+            {
+                "name": f"threads/parallel/1KB/real_time/threads:{threads}",
+                "cpu_time": 1.0,
+                "threads": threads,
+                "items_per_second": rate,
+            }
+        )
+    return read(benchmarks, **{"refused/fast/1KB": "yes"})
+
+
+class ReportTest(unittest.TestCase):
+    def test_takes_the_median_of_the_repetitions(self):
+        self.assertEqual(sample().get("decode", "sdpline", "240B").time, 100.0)
+
+    def test_compares_with_the_fastest_peer_that_writes_back_what_it_read(self):
+        results = sample()
+        self.assertEqual(results.fastest_peer("decode", "240B"), ("fast", 510.0))
+        self.assertEqual(results.fastest_peer("encode", "240B"), ("slow", 390.0))
+        self.assertIsNone(results.fastest_peer("decode", "1KB"))
+
+    def test_says_which_targets_are_held_missed_and_not_measured(self):
+        text = report.markdown(sample())
+        self.assertIn("PASS decode 240B, fastest peer (fast) / ours: 5.10, at least 5", text)
+        self.assertIn("MISS decode 1KB, ours / table pass: 5.00, at most 4", text)
+        self.assertIn("MISS encode 240B, fastest peer (slow) / ours: 3.90, at least 4", text)
+        self.assertIn("MISS time per byte of decode, 4KB / 1KB: 1.60, at most 1.5", text)
+        self.assertIn("not measured: decode 1KB, fastest peer / ours, at least 5", text)
+
+    def test_marks_what_a_peer_refuses_and_loses(self):
+        text = report.markdown(sample())
+        self.assertIn("fast refuses the body 1KB", text)
+        self.assertIn("50.0 (0.5×) †3/12", text)
+
+    def test_shows_attributes_and_threads(self):
+        text = report.markdown(sample())
+        self.assertIn("| `a=x:1` | 9,000 | 2.25 | 4.5× |", text)
+        self.assertIn("| parallel, 1KB | 2,000 | 3,000 | 1.50 |", text)
+
+    def test_reports_a_benchmark_that_failed(self):
+        results = read(
+            [{"name": "decode/sdpline/1KB", "error_occurred": True, "error_message": "refused"}]
+        )
+        self.assertIn("Failed: decode/sdpline/1KB: refused", report.markdown(results))
+
+    def test_writes_every_measurement_as_csv(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "out.csv")
+            report.write_csv(sample(), path)
+            with open(path, encoding="utf-8") as file:
+                lines = file.read().splitlines()
+        self.assertEqual(len(lines), 11)
+        self.assertIn("encode,fast,240B,240,50.0,0.2083,1,12,9,1", lines)
+
+    def test_draws_a_bar_for_each_library(self):
+        picture = xml.dom.minidom.parseString(plot.svg(sample()))
+        bars = [bar.getAttribute("class") for bar in picture.getElementsByTagName("rect")]
+        self.assertEqual(bars.count("ours"), 4)
+        self.assertEqual(bars.count("peer"), 3)
+        self.assertEqual(bars.count("part"), 1)
+        self.assertEqual(bars.count("floor"), 1)
+
+    def test_rewrites_a_document_between_its_markers_alone(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "page.md")
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(f"before\n{run.BEGIN}\nold\n{run.END}\nafter\n")
+            run.replace_measured(path, "new")
+            with open(path, encoding="utf-8") as file:
+                self.assertEqual(file.read(), f"before\n{run.BEGIN}\nnew\n{run.END}\nafter\n")
+
+    def test_names_the_processor_and_no_host(self):
+        text = machine.markdown()
+        self.assertIn("| Compiler |", text)
+        self.assertNotIn(socket.gethostname(), text.split())
+
+
+class InstructionsTest(unittest.TestCase):
+    def test_reads_back_the_baseline_that_it_writes(self):
+        counts = {("decode", "1KB"): 1000, ("encode", "1KB"): 400}
+        text = instructions.baseline_text("g++ 12", counts)
+        self.assertEqual(instructions.read_baseline(text), ("g++ 12", counts))
+
+    def test_refuses_growth_above_the_bound_alone(self):
+        def errors(count):
+            return instructions.compare({("decode", "1KB"): count}, {("decode", "1KB"): 1000})[1]
+
+        self.assertEqual(errors(1050), [])
+        self.assertEqual(errors(500), [])
+        self.assertEqual(errors(1051), ["decode 1KB grew by 5.1%"])
+
+    def test_refuses_what_is_missing_on_either_side(self):
+        errors = instructions.compare({("decode", "1KB"): 1}, {("encode", "1KB"): 1})[1]
+        self.assertEqual(
+            errors,
+            ["decode 1KB is not in the baseline", "encode 1KB is in the baseline and not counted"],
+        )
+
+
+if __name__ == "__main__":
+    unittest.main()

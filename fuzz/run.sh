@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Runs fuzz targets of a build for a time each: run.sh BUILD TARGET|all SECONDS
+#
+# They start from the corpus, the cases, and what earlier runs have found, which grows in
+# BUILD/fuzz/found. Inputs that break a property are kept in BUILD/fuzz/findings, beside the log.
+set -euo pipefail
+sources=$(dirname "$(realpath "$0")")
+build=$(realpath "$1")/fuzz
+seconds=$3
+
+if [ "$2" = all ]; then
+  "$build/fuzz_seeds" "$sources/sdp.dict" "$build/seeds"
+  find "$sources/corpus" -mindepth 1 -maxdepth 1 -type d -printf '%f\n' | sort |
+    xargs -P "$(nproc)" -I{} "$0" "$1" {} "$seconds"
+  exit
+fi
+
+target=$2
+program=$build/fuzz_$target
+[ -x "$program" ] || { echo "no fuzz target $target" >&2; exit 2; }
+[ -d "$build/seeds/$target" ] || "$build/fuzz_seeds" "$sources/sdp.dict" "$build/seeds"
+mkdir -p "$build/found/$target" "$build/findings"
+log=$build/findings/$target.log
+if ! "$program" -max_total_time="$seconds" -max_len=4200 -timeout=10 -rss_limit_mb=3000 \
+  -dict="$build/seeds/sdp.dict" -artifact_prefix="$build/findings/$target-" \
+  "$build/found/$target" "$sources/corpus/$target" "$build/seeds/$target" >"$log" 2>&1; then
+  { echo "$target: FINDING, all of it in $log"
+    grep -E '^(FINDING|SUMMARY|==.*ERROR|Test unit|.*runtime error)|Test unit written' "$log" || tail -n 5 "$log"; } >&2
+  exit 1
+fi
+# "#551816  DONE   cov: 1997 ft: 9191 ..."
+awk -v target="$target" '
+  $2 == "DONE" { printf "%-10s %9d executions %6d edges\n", target, substr($1, 2), $4; done = 1 }
+  END { exit !done }' "$log"

@@ -1,0 +1,155 @@
+// Makes what the fuzzers start from: seeds DICTIONARY FOLDER
+//
+// Each target gets a folder with one file for each case document's body, in the form that the
+// target reads; beside the folders the dictionary is written anew with the library's own words.
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "fuzz.hpp"
+#include "json.hpp"
+#include "support/cases.hpp"
+#include "utils/sdpwords.hpp"
+
+namespace {
+
+using support::Case;
+
+std::string configurationOf(const Case &current) {
+    const uint32_t avpf = current.avpf ? 1 : 0;
+    const fuzz::Configuration configuration = {current.t38Style, avpf, current.lineEnd};
+    return {static_cast<char>(configuration.byte())};
+}
+
+// A number for Input::below(65536)
+std::string share(size_t value) {
+    return {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8 & 0xFF)};
+}
+
+// ---- What each target reads
+
+std::string body(const Case &current) {
+    return current.body + configurationOf(current);
+}
+
+std::string sized(const Case &current) {
+    const size_t length = current.body.size();
+    return current.body + share(length) + share(length / 2) + configurationOf(current);
+}
+
+// The body's JSON; a refused one has none.
+std::string document(const Case &current) {
+    const fuzz::Body decoded = fuzz::decode(current.body);
+    return decoded == nullptr ? "" : cli::jsonOf(*decoded).dump() + configurationOf(current);
+}
+
+std::string message(const Case &current) {
+    return "SIP/2.0 200 OK\r\nContent-Type: application/sdp\r\nContent-Length: " +
+           std::to_string(current.body.size()) + "\r\n\r\n" + current.body + share(40);
+}
+
+// The text, and as many operations: the next token, switches between contexts, and texts.
+std::string operations(const Case &current) {
+    const std::string text = current.body.substr(0, 255);
+    std::string numbers;
+    for (size_t i = 0; i < text.size(); ++i) {
+        constexpr std::string_view turns =
+            "\x0F\x07\x0F\x11\x0F\x07\x21\x0F\x31\x0F\x41\x07\x51\x0F\x01";
+        numbers += turns[i % turns.size()];
+    }
+    return text + numbers + static_cast<char>(text.size());
+}
+
+struct Target {
+    const char *name;
+    std::string (*seed)(const Case &current);
+};
+
+constexpr Target kTargets[] = {
+    {"decode", body},      {"roundtrip", body}, {"copies", body},   {"serialize", sized},
+    {"faults", sized},     {"json", body},      {"json", document}, {"message", message},
+    {"lexer", operations}, {"records", sized},
+};
+
+void write(const std::filesystem::path &path, const std::string &bytes) {
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream file(path, std::ios::binary);
+    file << bytes;
+    if (!file.flush()) {
+        std::fprintf(stderr, "%s: cannot be written\n", path.c_str());
+        std::exit(1);
+    }
+}
+
+// ---- The dictionary
+
+std::string quoted(std::string_view word) {
+    std::string text = "\"";
+    for (const char byte : word) {
+        text += byte == '"' || byte == '\\' ? "\\" : "";
+        text += byte;
+    }
+    return text + "\"\n";
+}
+
+std::set<std::string_view> words() {
+    std::set<std::string_view> all;
+    const auto add = [&all](std::string_view word) {
+        if (word.find_first_not_of(' ') != word.npos) {
+            all.insert(word);
+        }
+    };
+    for (const SipString &name : sstrSdpAttrNames) {
+        add({name.pcData, name.ulLen});
+    }
+    for (const SipString &profile : g_aStrRtpmapProfiles) {
+        add({profile.pcData, profile.ulLen});
+    }
+    using namespace sdpline;
+    const std::span<const Word> tables[] = {
+        kNetTypeWords, kAddrTypeWords, kMediaWritten,      kProtoWords,    kFmtWords,
+        kT38RateWords, kT38UdpEcWords, kEcanSwitchWritten, kEcanDirWords,  kIpBcpWritten,
+        kSetupWords,   kStatusWords,   kPreconditionWords, kStrengthWords, kDirWords,
+    };
+    for (const auto table : tables) {
+        for (const Word &word : table) {
+            add(word.text);
+        }
+    }
+    return all;
+}
+
+std::string dictionary(const std::filesystem::path &start) {
+    std::ifstream file(start);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    for (const std::string_view word : words()) {
+        text += quoted(word);
+    }
+    return text;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: seeds DICTIONARY FOLDER\n");
+        return 2;
+    }
+    const std::filesystem::path folder = argv[2];
+    const auto cases = support::readCases(SDPLINE_CASES);
+    size_t made = 0;
+    for (const Target &target : kTargets) {
+        for (const Case &current : cases) {
+            const std::string seed = target.seed(current);
+            if (!seed.empty()) {
+                write(folder / target.name / std::to_string(++made), seed);
+            }
+        }
+    }
+    write(folder / "sdp.dict", dictionary(argv[1]));
+    return 0;
+}

@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Makes the Debian packages of a build, has lintian look at them, and installs, uses and removes them
+# in a scratch root that believes to have this machine's packages: dependencies are checked, and
+# nothing of the machine is touched.
+# usage: check.sh SOURCE_DIR BUILD_DIR
+set -euo pipefail
+source=$1 build=$2
+work=$(cd "$(mktemp -d)" && pwd -P)
+trap 'rm -rf "$work"' EXIT
+root=$work/root names="libsdpline1 libsdpline-dev sdpline"
+
+fail() {
+  echo "packages: $*" >&2
+  exit 1
+}
+
+rm -f "$build"/*.deb
+(cd "$build" && cpack -G DEB >/dev/null 2>&1) || fail "cpack -G DEB fails in $build"
+for name in $names; do
+  [ -s "$(echo "$build/$name"_*.deb)" ] || fail "there is no package $name"
+done
+as_root=()
+[ "$(id -u)" -ne 0 ] || as_root=(--allow-root)
+lintian "${as_root[@]}" --fail-on error,warning "$build"/*.deb
+
+# The names of the machine's packages and files, without the triggers that would run there.
+mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
+cp /var/lib/dpkg/status "$root/var/lib/dpkg/"
+cp /var/lib/dpkg/info/format /var/lib/dpkg/info/*.list "$root/var/lib/dpkg/info/"
+in_root() { dpkg --root="$root" --force-not-root --force-bad-path "$@"; }
+in_root --log="$work/log" --install "$build"/*.deb >/dev/null
+# In a root that is not the loader's, the libraries have to be pointed at.
+LD_LIBRARY_PATH=$(dirname "$(find "$root/usr" -name libsdpline.so.1)")
+export LD_LIBRARY_PATH
+"$root/usr/bin/sdpline" check "$source/examples/offer.sip"
+"$source/tests/install/consumers.sh" "$source/examples" "$root/usr" "$work/gcc" gcc g++
+"$source/tests/install/consumers.sh" "$source/examples" "$root/usr" "$work/clang" clang clang++
+"$source/tests/docs/readme.sh" "$source" "$root/usr" gcc g++
+
+# shellcheck disable=SC2086 # names are words
+in_root --log="$work/log" --purge $names >/dev/null
+left=$(find "$root" -path "$root/var/lib/dpkg" -prune -o ! -type d -print)
+[ -z "$left" ] || fail "removing the packages leaves $left"
+echo "packages: made, installed, used and removed"

@@ -1,0 +1,9 @@
+// For the small functions of the way from text to records: inlined always, so that the contexts,
+// kinds and checks that their callers pass are constants and the position stays in registers.
+#pragma once
+
+// A build that counts branches defines it as plain inline: each place a function goes to would count
+// as branches of its own.
+#ifndef SDPLINE_INLINE
+#define SDPLINE_INLINE [[gnu::always_inline]] inline
+#endif

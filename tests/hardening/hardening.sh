@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# What a release build must carry, looked up in the built files.
+# usage: hardening.sh COMPILE_COMMANDS FILE...     compile_commands.json; libraries and programs
+set -euo pipefail
+commands=$1
+shift
+status=0
+
+complain() {
+  echo "$*" >&2
+  status=1
+}
+
+for file in "$@"; do
+  # Taken once: a pipe into grep -q would end readelf early.
+  headers=$(readelf --wide --file-header --program-headers "$file")
+  dynamic=$(readelf --wide --dynamic "$file")
+  imports=$(readelf --wide --dyn-syms "$file" | awk '$7 == "UND" { sub(/@.*/, "", $8); print $8 }')
+
+  grep -qE 'Type: +DYN' <<<"$headers" || complain "$file lies at a fixed address"
+  stack=$(awk '$1 == "GNU_STACK" { print $7 }' <<<"$headers")
+  [ "$stack" = RW ] || complain "$file: its stack is '$stack', not RW"
+  grep -q 'GNU_RELRO' <<<"$headers" || complain "$file: tables of addresses stay writable"
+  grep -qE '\((FLAGS|BIND_NOW)\).*BIND_NOW|\(FLAGS_1\).*NOW' <<<"$dynamic" ||
+    complain "$file: functions are bound late"
+  grep -q 'TEXTREL' <<<"$dynamic" && complain "$file: its code is changed at the start"
+  awk '$1 == "LOAD"' <<<"$headers" | grep -q 'RWE' &&
+    complain "$file: memory that is written and executed"
+  grep -qx '__stack_chk_fail' <<<"$imports" || complain "$file: no guards on the stack"
+done
+
+# The sources have nothing of a known size that is copied by a length known late, so that the
+# checked copies of the C library never show in the files: the commands tell.
+compiled=$(grep -E '"command":.* -c [^"]*/(src|cli)/[^"]*\.cpp"' "$commands" || true)
+[ "$(wc -l <<<"$compiled")" -ge 30 ] || complain "$commands lists too few sources"
+for option in -D_FORTIFY_SOURCE=2 -fstack-protector-strong -O; do
+  without=$(grep -vcF -e " $option" <<<"$compiled" || true)
+  [ "$without" -eq 0 ] || complain "$without sources are compiled without $option"
+done
+[ $status -eq 0 ] && echo "$# files as they should be"
+exit $status

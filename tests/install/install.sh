@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Installs the build into a scratch prefix and builds the consumers against it; once more after the
+# prefix was moved; and once more with the libraries as static ones.
+# usage: install.sh SOURCE_DIR BUILD_DIR CC CXX
+set -euo pipefail
+source=$1 build=$2 cc=$3 cxx=$4
+work=$(cd "$(mktemp -d)" && pwd -P)
+trap 'rm -rf "$work"' EXIT
+consumers=$source/tests/install/consumers.sh
+
+fail() {
+  echo "install: $*" >&2
+  exit 1
+}
+
+# A tree of headers that every one stands on its own, and that names no folder of the build.
+look() { # PREFIX
+  local header
+  for header in "$1"/include/sdpline/*.h; do
+    "$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I"$1/include" -x c "$header"
+  done
+  diff <(cd "$source/include" && find sdpline -type f | sort) \
+    <(cd "$1/include" && find sdpline -type f | sort)
+  if grep -rIlF -e "$source" -e "$build" -e "$work" "$1"; then
+    fail "the files above name a folder of the build"
+  fi
+}
+
+cmake --install "$build" --prefix "$work/first" >/dev/null
+look "$work/first"
+for file in share/man/man1/sdpline.1 share/bash-completion/completions/sdpline; do
+  [ -s "$work/first/$file" ] || fail "$file is not there"
+done
+"$consumers" "$source/examples" "$work/first" "$work/consumers" "$cc" "$cxx"
+
+mv "$work/first" "$work/moved"
+"$consumers" "$source/examples" "$work/moved" "$work/consumers" "$cc" "$cxx"
+"$work/moved/bin/sdpline" check "$source/examples/offer.sdp" >/dev/null ||
+  fail "the program does not run where it was moved to"
+
+cmake -S "$source" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSDPLINE_STATIC=ON \
+  -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF >/dev/null
+cmake --build "$work/build" -j2 >/dev/null
+cmake --install "$work/build" --prefix "$work/static" >/dev/null
+"$consumers" "$source/examples" "$work/static" "$work/consumers" "$cc" "$cxx" --static
+
+# A project that knows no C++ links the static libraries as well.
+mkdir "$work/plain"
+cat >"$work/plain/CMakeLists.txt" <<TEXT
+cmake_minimum_required(VERSION 3.25)
+project(plain LANGUAGES C)
+find_package(sdpline 0.1 CONFIG REQUIRED)
+add_executable(answer $source/examples/answer.c)
+target_link_libraries(answer PRIVATE sdpline::sdpline)
+TEXT
+cmake -S "$work/plain" -B "$work/plain/build" -G Ninja -DCMAKE_PREFIX_PATH="$work/static" \
+  -DCMAKE_C_COMPILER="$cc" >/dev/null
+cmake --build "$work/plain/build" >/dev/null
+"$work/plain/build/answer" <"$source/examples/offer.sdp" | tr -d '\r' | diff "$source/examples/answer.sdp" -
+echo "install: installed, moved and static, all of them serve consumers"
