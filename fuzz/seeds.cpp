@@ -2,6 +2,7 @@
 //
 // Each target gets a folder with one file for each case document's body, in the form that the
 // target reads; beside the folders the dictionary is written anew with the library's own words.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -52,16 +53,23 @@ std::string message(const Case &current) {
            std::to_string(current.body.size()) + "\r\n\r\n" + current.body + share(40);
 }
 
-// The text, and as many operations: the next token, switches between contexts, and texts.
-std::string operations(const Case &current) {
-    const std::string text = current.body.substr(0, 255);
+// The text, and as many operations on it as the turns make.
+std::string operated(const std::string &text, size_t share, std::string_view turns) {
     std::string numbers;
-    for (size_t i = 0; i < text.size(); ++i) {
-        constexpr std::string_view turns =
-            "\x0F\x07\x0F\x11\x0F\x07\x21\x0F\x31\x0F\x41\x07\x51\x0F\x01";
+    for (size_t i = 0; i < text.size() / share; ++i) {
         numbers += turns[i % turns.size()];
     }
-    return text + numbers + static_cast<char>(text.size());
+    return text + numbers + static_cast<char>(std::min<size_t>(numbers.size(), 255));
+}
+
+// The next token, switches between the contexts, and texts.
+std::string operations(const Case &current) {
+    return operated(current.body.substr(0, 255), 1, "\x0F\x07\x0F\x11\x0F\x07\x21\x0F\x31\x0F\x41");
+}
+
+// Tokens in the context of lines, and texts and rtpmaps between them.
+std::string gatherings(const Case &current) {
+    return operated(current.body, 3, std::string_view("\x0F\x0F\x00\x00\x0F\x02\x0F\x01", 8));
 }
 
 struct Target {
@@ -70,9 +78,9 @@ struct Target {
 };
 
 constexpr Target kTargets[] = {
-    {"decode", body},      {"roundtrip", body}, {"copies", body},   {"serialize", sized},
-    {"faults", sized},     {"json", body},      {"json", document}, {"message", message},
-    {"lexer", operations}, {"records", sized},
+    {"decode", body},      {"roundtrip", body},    {"copies", body},   {"serialize", sized},
+    {"faults", sized},     {"json", body},         {"json", document}, {"message", message},
+    {"lexer", operations}, {"gather", gatherings}, {"records", sized},
 };
 
 void write(const std::filesystem::path &path, const std::string &bytes) {

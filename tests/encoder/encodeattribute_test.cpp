@@ -118,6 +118,7 @@ TEST_F(EncodeAttribute, T38FlagsFollowTheConfiguredStyle) {
         g_gstSdpT38OptCfg = row.style;
         EXPECT_EQ(listed(number(SDP_ATTR_T38_FILL_BIT_REMOVAL, 0)), row.zero) << row.style;
         EXPECT_EQ(listed(number(SDP_ATTR_T38_FILL_BIT_REMOVAL, 7)), row.set) << row.style;
+        EXPECT_EQ("a=" + encoded(number(SDP_ATTR_T38_FILL_BIT_REMOVAL, 7)) + "\r\n", row.set);
     }
 }
 

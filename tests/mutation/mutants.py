@@ -249,8 +249,8 @@ class Worker:
             return "same"
         program = self.folder / "tests"
         command = [str(program) if w == "tests/sdpline_tests" else w for w in self.original.link]
-        # The changed objects stand first, before inline functions in those of the tests.
-        first = command.index("-o")
+        # The changed objects stand first, before inline functions and tables in those of the tests.
+        first = next(i for i, w in enumerate(command) if w.endswith(".o"))
         archive = next(i for i, w in enumerate(command) if w.endswith("libsdpline_counted.a"))
         unchanged = [name for name in self.original.compile if name not in objects]
         command[archive:archive + 1] = unchanged

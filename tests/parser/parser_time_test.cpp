@@ -94,6 +94,15 @@ TEST_F(ParserTime, EndOfInputIsNoUnit) {
 
 // ---- What a unit may be
 
+TEST_F(ParserTime, ATypedTimeSwitchesTheContextBeforeItLooks) {
+    start("r=x");
+    setLexerContext(SDP_LEXCTX_CHAR);
+    consume();
+    SDPTimeUnit unit = {};
+    EXPECT_EQ(named(sdpTypedTime(&unit)), "TypedTime 101");
+    EXPECT_EQ(sdpGetLexerContext(), uint32_t{SDP_LEXCTX_ALNUM});
+}
+
 TEST_F(ParserTime, BlankAndLineEndBehindATypedTimeStayCurrent) {
     for (const char *const text : {"7 1", "7\n"}) {
         startTypedTime(text);
