@@ -282,9 +282,10 @@ SIPCORE_API void SIPAbnormalSecureFuncEx(const char *pcName, uint32_t ulNumber);
 
 /* What libsipcore holds and has done so far, over all threads. Of what it gives back, a thread
  * keeps pieces of at most 4096 bytes, 64 KiB in all, and takes them again before it calls the
- * process heap; they go back when the thread ends. Asking for the statistics, or resetting the
- * peak, gives the calling thread's back first, so that only what other threads keep is counted with
- * what is in use. Pieces that may be kept are rounded up to multiples of 256 bytes. */
+ * process heap; they go back when the thread ends, and are lost where the library is unloaded
+ * before. Asking for the statistics, or resetting the peak, gives the calling thread's back first,
+ * so that only what other threads keep is counted with what is in use. Pieces that may be kept are
+ * rounded up to multiples of 256 bytes. */
 typedef struct SipMmStatistics {
     uint64_t ulBlocks;          /* blocks alive */
     uint64_t ulHeapAllocations; /* allocations made from the process heap since the start */

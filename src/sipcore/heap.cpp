@@ -106,6 +106,15 @@ void onThreadEnd(void *) {
     giveKeptBack();
 }
 
+// A program that closes the library while its threads live must not be led back into it when they
+// end: what they keep is lost then.
+[[gnu::destructor]] void forgetThreads() {
+    if (threadEndIsKnown) {
+        pthread_key_delete(threadEnd);
+        threadEndIsKnown = false;
+    }
+}
+
 [[gnu::noinline]] bool watchThread() {
     static pthread_once_t once = PTHREAD_ONCE_INIT;
     pthread_once(&once,
