@@ -37,8 +37,8 @@ void raisePeak(uint64_t bytes) {
     }
 }
 
-void *takeFromHeap(std::size_t size, Use use) {
-    void *memory = std::calloc(1, size);
+void *takeFromHeap(std::size_t size, Use use, Content content) {
+    void *memory = content == Content::Zeroed ? std::calloc(1, size) : std::malloc(size);
     if (memory == nullptr) {
         return nullptr;
     }
@@ -141,17 +141,17 @@ std::size_t heapSize(std::size_t bytes) {
 
 } // namespace
 
-void *heapTake(std::size_t bytes, Use use) {
+void *heapTake(std::size_t bytes, Use use, Content content) {
     const std::size_t size = heapSize(bytes);
     if (isKeptSize(size)) {
         KeptPiece *&list = listOf(size, use);
         if (KeptPiece *const piece = list) {
             list = piece->next;
             kept.bytes -= size;
-            return clear(piece, size);
+            return content == Content::Zeroed ? clear(piece, size) : piece;
         }
     }
-    return takeFromHeap(size, use);
+    return takeFromHeap(size, use, content);
 }
 
 void heapGive(void *memory, std::size_t bytes, Use use) {
@@ -180,17 +180,22 @@ struct alignas(std::max_align_t) SystemHeader {
 constexpr uint32_t kSystemLive = 0x51A11Cu;
 constexpr uint32_t kSystemFreed = 0xF4EEDu;
 
-void *systemAlloc(SDPMemCp *, uint32_t ulSize) {
-    if (ulSize > kLargestRequest) {
+void *systemTake(uint32_t size, Content content) {
+    if (size > kLargestRequest) {
         return nullptr;
     }
-    auto *header = static_cast<SystemHeader *>(heapTake(sizeof(SystemHeader) + ulSize, Use::Piece));
+    void *const memory = heapTake(sizeof(SystemHeader) + size, Use::Piece, content);
+    auto *const header = static_cast<SystemHeader *>(memory);
     if (header == nullptr) {
         return nullptr;
     }
-    header->size = ulSize;
+    header->size = size;
     header->state = kSystemLive;
     return header + 1;
+}
+
+void *systemAlloc(SDPMemCp *, uint32_t ulSize) {
+    return systemTake(ulSize, Content::Zeroed);
 }
 
 uint32_t systemFree(void *pMem) {
@@ -207,6 +212,12 @@ uint32_t systemFree(void *pMem) {
 constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
 
 } // namespace
+
+void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
+    return memCp->pfnAlloc == systemAlloc ? systemTake(size, Content::Any)
+                                          : memCp->pfnAlloc(memCp, size);
+}
+
 } // namespace sipcore
 
 SDPMemCp *gSipSystemMemCp = &sipcore::systemMemCp;

@@ -5,6 +5,8 @@
 #ifndef SIPCORE_HEAP_HPP
 #define SIPCORE_HEAP_HPP
 
+#include "sdpline/sipcore.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -17,9 +19,14 @@ inline constexpr uint32_t kLargestRequest = uint32_t{1} << 30;
 // Blocks are told from other pieces, so that those alive can be counted where the heap is called.
 enum class Use : uint8_t { Block, Piece };
 
-// Zeroed memory, or null.
-void *heapTake(std::size_t bytes, Use use);
+// Null without memory. What is kept holds what it held before, unless it is asked for zeroed.
+enum class Content : uint8_t { Any, Zeroed };
+void *heapTake(std::size_t bytes, Use use, Content content);
 void heapGive(void *memory, std::size_t bytes, Use use);
+
+// A piece of a memory control that the caller fills: of the system's, one that is not zeroed
+// before.
+void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
 
 void countAbnormalReport();
 

@@ -1,5 +1,7 @@
 // Bounds-checked memory and the reports of its failures.
+#include "fill.hpp"
 #include "heap.hpp"
+#include "own.hpp"
 
 #include "sdpline/sipcore.h"
 
@@ -7,26 +9,6 @@
 #include <cstring>
 
 namespace {
-
-// Records of a few fields are what is filled most, and with zeroes: stores of a fixed size, the
-// last of which overlaps the one before, do without a call.
-constexpr size_t kSmallFill = 256;
-
-inline void zeroSmall(char *to, size_t count) {
-    if (count >= 16) {
-        for (size_t at = 0; at + 16 < count; at += 16) {
-            std::memset(to + at, 0, 16);
-        }
-        std::memset(to + count - 16, 0, 16);
-    } else if (count >= 8) {
-        std::memset(to, 0, 8);
-        std::memset(to + count - 8, 0, 8);
-    } else {
-        for (size_t i = 0; i < count; ++i) {
-            to[i] = 0;
-        }
-    }
-}
 
 [[gnu::noinline]] int fill(void *to, size_t max, int value, size_t count) {
     if (count == 0) {
@@ -59,11 +41,11 @@ int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount) {
 }
 
 int memset_s(void *pDest, size_t ulDestMax, int iValue, size_t ulCount) {
-    if (ulCount > kSmallFill || ulCount > ulDestMax || pDest == nullptr || iValue != 0)
+    if (ulCount > sipcore::kSmallFill || ulCount > ulDestMax || pDest == nullptr || iValue != 0)
         [[unlikely]] {
         return fill(pDest, ulDestMax, iValue, ulCount);
     }
-    zeroSmall(static_cast<char *>(pDest), ulCount);
+    sipcore::zeroSmall(static_cast<char *>(pDest), ulCount);
     return 0;
 }
 
@@ -83,4 +65,9 @@ void SIPAbnormalSecureFunc(const char *, uint32_t) {
 
 void SIPAbnormalSecureFuncEx(const char *, uint32_t) {
     sipcore::countAbnormalReport();
+}
+
+extern "C" {
+SIPCORE_ALIAS(memcpy_s, sipcoreCopy)
+SIPCORE_ALIAS(memset_s, sipcoreFill)
 }

@@ -1,29 +1,15 @@
 // String buffers: one contiguous text that grows by at least doubling, or a fixed range of the
 // caller's. A growable buffer's first bytes share the record's allocation; growth moves the text
 // to a piece of its own.
+#include "stringbuffer.hpp"
+
+#include "block.hpp"
+#include "heap.hpp"
+#include "own.hpp"
 #include "refstring.hpp"
 
-#include "sdpline/sipcore.h"
-
 #include <algorithm>
-#include <array>
 #include <cstring>
-
-//   data          at                end
-//   |  the text   |  room           |
-struct SipStringBuffer {
-    char *data;
-    char *at;  // where the next byte goes
-    char *end; // behind the room; before `at` once an append failed, so that nothing fits any more
-    uint32_t growSize;
-    bool fixed;
-    SDPMemCp *memCp;
-
-    char *firstBytes() { return reinterpret_cast<char *>(this + 1); }
-    uint32_t length() const { return static_cast<uint32_t>(at - data); }
-    uint32_t capacity() const { return static_cast<uint32_t>(end - data); }
-    bool failed() const { return end < at; }
-};
 
 namespace sipcore {
 namespace {
@@ -41,29 +27,6 @@ void dropText(SipStringBuffer &buffer) {
     }
 }
 
-// Copies without a call what is at most sixteen bytes long, as most words are.
-inline void copyBytes(char *to, const char *from, uint32_t size) {
-    const auto copyEnds = [=]<class Part>(Part) {
-        Part first;
-        Part last;
-        std::memcpy(&first, from, sizeof(Part));
-        std::memcpy(&last, from + size - sizeof(Part), sizeof(Part));
-        std::memcpy(to, &first, sizeof(Part));
-        std::memcpy(to + size - sizeof(Part), &last, sizeof(Part));
-    };
-    if (size > 16) {
-        std::memcpy(to, from, size);
-    } else if (size >= 8) {
-        copyEnds(uint64_t{});
-    } else if (size >= 4) {
-        copyEnds(uint32_t{});
-    } else if (size >= 2) {
-        copyEnds(uint16_t{});
-    } else if (size == 1) {
-        *to = *from;
-    }
-}
-
 uint32_t growAndAppend(SipStringBuffer &buffer, const char *text, uint32_t size) {
     const uint64_t wanted = uint64_t{buffer.length()} + size;
     if (wanted > UINT32_MAX) {
@@ -73,7 +36,7 @@ uint32_t growAndAppend(SipStringBuffer &buffer, const char *text, uint32_t size)
         uint64_t{buffer.capacity()} + std::max(buffer.capacity(), buffer.growSize);
     const auto capacity =
         static_cast<uint32_t>(std::min<uint64_t>(std::max(wanted, grown), UINT32_MAX));
-    auto *data = static_cast<char *>(buffer.memCp->pfnAlloc(buffer.memCp, capacity));
+    auto *data = static_cast<char *>(takeUnfilled(buffer.memCp, capacity));
     if (data == nullptr) {
         return refuse(buffer, SIP_NO_MEMORY);
     }
@@ -107,62 +70,47 @@ uint32_t growAndAppend(SipStringBuffer &buffer, const char *text, uint32_t size)
     return growAndAppend(*buffer, text, size);
 }
 
+[[gnu::noinline]] uint32_t appendSlowly(SipStringBuffer *buffer, char letter) {
+    return appendSlowly(buffer, &letter, 1);
+}
+
 inline bool fits(const SipStringBuffer *buffer, uint32_t size) {
     return buffer != nullptr && int64_t{size} <= buffer->end - buffer->at;
 }
 
+[[gnu::noinline]] uint32_t appendLong(SipStringBuffer *buffer, const char *text, uint32_t size) {
+    char *const at = buffer->at;
+    buffer->at = at + size;
+    std::memcpy(at, text, size);
+    return SIP_OK;
+}
+
+// Everything but a short text that simply fits is left to functions of its own, whose calls are the
+// last thing done, so that nothing is saved for them.
 inline uint32_t append(SipStringBuffer *buffer, const char *text, uint32_t size) {
     if (!fits(buffer, size) || text == nullptr) [[unlikely]] {
         return appendSlowly(buffer, text, size);
     }
-    copyBytes(buffer->at, text, size);
-    buffer->at += size;
+    if (size > kShortText) [[unlikely]] {
+        return appendLong(buffer, text, size);
+    }
+    buffer->at = putShortText(buffer->at, text, size);
     return SIP_OK;
 }
 
-// ---- Decimal numbers
-
-constexpr uint32_t kMostDigits = 10; // 4294967295
-
-// "00" to "99", one behind the other.
-constexpr auto kPairs = [] {
-    std::array<char, 200> pairs{};
-    for (std::size_t value = 0; value < 100; ++value) {
-        pairs[2 * value] = static_cast<char>('0' + value / 10);
-        pairs[2 * value + 1] = static_cast<char>('0' + value % 10);
-    }
-    return pairs;
-}();
-
-inline uint32_t digitsOf(uint32_t value) {
-    if (value < 1000) {
-        return value < 10 ? 1 : value < 100 ? 2 : 3;
-    }
-    uint32_t digits = 4;
-    for (value /= 10000; value != 0; value /= 10) {
-        ++digits;
-    }
-    return digits;
-}
-
-// Writes the digits, as many as the value has, from their end.
-inline void writeDigits(char *end, uint32_t value) {
-    for (; value >= 100; value /= 100) {
-        end -= 2;
-        std::memcpy(end, &kPairs[2 * (value % 100)], 2);
-    }
-    if (value >= 10) {
-        std::memcpy(end - 2, &kPairs[2 * value], 2);
-    } else {
-        end[-1] = static_cast<char>('0' + value);
-    }
+[[gnu::noinline]] uint32_t appendNumberSlowly(SipStringBuffer *buffer, uint32_t value) {
+    char digits[kMostDigits];
+    const char *const end = putNumber(digits, value);
+    const auto size = static_cast<uint32_t>(end - digits);
+    return fits(buffer, size) ? appendLong(buffer, digits, size)
+                              : appendSlowly(buffer, digits, size);
 }
 
 SipStringBuffer *newBuffer(SDPMemCp *memCp, uint32_t firstSize) {
     if (firstSize > UINT32_MAX - kRecordSize) {
         return nullptr;
     }
-    void *memory = memCp->pfnAlloc(memCp, kRecordSize + firstSize);
+    void *memory = takeUnfilled(memCp, kRecordSize + firstSize);
     auto *buffer = static_cast<SipStringBuffer *>(memory);
     if (buffer != nullptr) {
         char *const first = buffer->firstBytes();
@@ -248,10 +196,12 @@ uint32_t SipSbConvertToRefString(SipStringBuffer *pstBuf, SipRefString **ppstRef
 }
 
 uint32_t SipSbCopyChar(SipStringBuffer *pstBuf, char cChar) {
-    if (!sipcore::fits(pstBuf, 1)) [[unlikely]] {
-        return sipcore::appendSlowly(pstBuf, &cChar, 1);
+    if (pstBuf == nullptr || pstBuf->at >= pstBuf->end) [[unlikely]] {
+        return sipcore::appendSlowly(pstBuf, cChar);
     }
-    *pstBuf->at++ = cChar;
+    char *const at = pstBuf->at;
+    *at = cChar;
+    pstBuf->at = at + 1;
     return SIP_OK;
 }
 
@@ -260,20 +210,36 @@ uint32_t SipSbCopyConstString(SipStringBuffer *pstBuf, const char *pcText, uint3
 }
 
 uint32_t SipSbCopyString(SipStringBuffer *pstBuf, const SipString *pstText) {
-    if (pstText == nullptr || pstText->pcData == nullptr) {
+    if (pstText == nullptr || pstText->pcData == nullptr) [[unlikely]] {
         return sipcore::append(pstBuf, "", 0);
     }
     return sipcore::append(pstBuf, pstText->pcData, pstText->ulLen);
 }
 
 uint32_t SipSbCopyLong(SipStringBuffer *pstBuf, uint32_t ulValue) {
-    const uint32_t size = sipcore::digitsOf(ulValue);
-    if (sipcore::fits(pstBuf, size)) [[likely]] {
-        pstBuf->at += size;
-        sipcore::writeDigits(pstBuf->at, ulValue);
-        return SIP_OK;
+    if (!sipcore::fits(pstBuf, sipcore::kMostDigits)) [[unlikely]] {
+        return sipcore::appendNumberSlowly(pstBuf, ulValue);
     }
-    char digits[sipcore::kMostDigits];
-    sipcore::writeDigits(digits + size, ulValue);
-    return sipcore::appendSlowly(pstBuf, digits, size);
+    pstBuf->at = sipcore::putNumber(pstBuf->at, ulValue);
+    return SIP_OK;
+}
+
+// ---- What libsdpline compares with
+
+extern "C" {
+SIPCORE_ALIAS(SipSbCopyChar, sipcoreCopyChar)
+SIPCORE_ALIAS(SipSbCopyConstString, sipcoreCopyConstString)
+SIPCORE_ALIAS(SipSbCopyString, sipcoreCopyString)
+SIPCORE_ALIAS(SipSbCopyLong, sipcoreCopyLong)
+
+// It stands here, where every program that uses a string buffer of a static libsipcore links it.
+SIPCORE_API extern const SipCoreOwn SIPCORE_OWN;
+const SipCoreOwn SIPCORE_OWN = {.copyChar = sipcoreCopyChar,
+                                .copyConstString = sipcoreCopyConstString,
+                                .copyString = sipcoreCopyString,
+                                .copyLong = sipcoreCopyLong,
+                                .copy = sipcoreCopy,
+                                .fill = sipcoreFill,
+                                .blockAlloc = sipcore::blockAlloc,
+                                .blockFree = sipcore::kFillsFreed ? nullptr : sipcore::blockFree};
 }

@@ -1,0 +1,41 @@
+// The services as libsipcore defines them, for libsdpline to compare with what their dynamic
+// symbols and function pointers lead to. Where they are these functions, it may do in place what
+// they do; where a program has put a service of its own in the place of one, that one is called.
+//
+// The number in the record's name stands for the records and rules that both libraries then share:
+// those of stringbuffer.hpp. Who changes one of them raises it, and libraries of
+// different builds call each other as strangers do.
+#ifndef SIPCORE_OWN_HPP
+#define SIPCORE_OWN_HPP
+
+#include "asan.hpp"
+#include "sdpline/sipcore.h"
+
+struct SipCoreOwn {
+    decltype(&SipSbCopyChar) copyChar;
+    decltype(&SipSbCopyConstString) copyConstString;
+    decltype(&SipSbCopyString) copyString;
+    decltype(&SipSbCopyLong) copyLong;
+    decltype(&memcpy_s) copy;
+    decltype(&memset_s) fill;
+    decltype(SDPMemCp::pfnAlloc) blockAlloc;
+    decltype(SDPMemCp::pfnFree)
+        blockFree; // null where freed memory is filled, which takes the call
+};
+
+#if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use
+#define SIPCORE_OWN g_stSipCoreOwn1Asan
+#else
+#define SIPCORE_OWN g_stSipCoreOwn1
+#endif
+
+// A service under a name that no program can take over.
+#define SIPCORE_ALIAS(service, alias_)                                                             \
+    __attribute__((alias(#service), visibility("hidden"))) decltype(service) alias_;
+
+extern "C" {
+decltype(memcpy_s) sipcoreCopy;
+decltype(memset_s) sipcoreFill;
+}
+
+#endif

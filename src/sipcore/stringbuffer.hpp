@@ -1,0 +1,122 @@
+// A string buffer's record, and how bytes are put behind its text. libsdpline includes this too,
+// and writes into the buffer itself where no service was replaced (own.hpp).
+#ifndef SIPCORE_STRINGBUFFER_HPP
+#define SIPCORE_STRINGBUFFER_HPP
+
+#include "sdpline/sipcore.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+//   data          at                end
+//   |  the text   |  room           |
+struct SipStringBuffer {
+    char *data;
+    char *at;  // where the next byte goes
+    char *end; // behind the room; before `at` once an append failed, so that nothing fits any more
+    uint32_t growSize;
+    bool fixed;
+    SDPMemCp *memCp;
+
+    char *firstBytes() { return reinterpret_cast<char *>(this + 1); }
+    uint32_t length() const { return static_cast<uint32_t>(at - data); }
+    uint32_t capacity() const { return static_cast<uint32_t>(end - data); }
+    bool failed() const { return end < at; }
+};
+
+namespace sipcore {
+
+// ---- Texts
+
+struct Bytes16 {
+    uint64_t halves[2];
+};
+
+// The first and the last bytes of a text, which meet or overlap.
+template <class Part>
+inline void putEnds(char *to, const char *from, uint32_t size) {
+    Part first;
+    Part last;
+    std::memcpy(&first, from, sizeof(Part));
+    std::memcpy(&last, from + size - sizeof(Part), sizeof(Part));
+    std::memcpy(to, &first, sizeof(Part));
+    std::memcpy(to + size - sizeof(Part), &last, sizeof(Part));
+}
+
+constexpr uint32_t kShortText = 32;
+
+// Copies a text of at most kShortText bytes without a call and answers where it ends. Line ends,
+// the most frequent of all, come first.
+inline char *putShortText(char *to, const char *from, uint32_t size) {
+    if (size < 4) {
+        if (size >= 2) [[likely]] {
+            putEnds<uint16_t>(to, from, size);
+        } else if (size == 1) {
+            *to = *from;
+        }
+    } else if (size < 8) {
+        putEnds<uint32_t>(to, from, size);
+    } else if (size <= 16) {
+        putEnds<uint64_t>(to, from, size);
+    } else {
+        putEnds<Bytes16>(to, from, size);
+    }
+    return to + size;
+}
+
+// ---- Decimal numbers
+
+constexpr uint32_t kMostDigits = 10; // 4294967295
+
+using Digits2 = std::array<char, 2>;
+
+// "00" to "99".
+inline constexpr auto kPairs = [] {
+    std::array<Digits2, 100> pairs{};
+    for (uint32_t value = 0; value < pairs.size(); ++value) {
+        pairs[value] = {static_cast<char>('0' + value / 10), static_cast<char>('0' + value % 10)};
+    }
+    return pairs;
+}();
+
+inline char *putPair(char *to, uint32_t value) {
+    std::memcpy(to, &kPairs[value], sizeof(Digits2));
+    return to + sizeof(Digits2);
+}
+
+inline char *putFour(char *to, uint32_t value) {
+    return putPair(putPair(to, value / 100), value % 100);
+}
+
+// A number below 10000, without leading zeros.
+inline char *putShortNumber(char *to, uint32_t value) {
+    if (value < 10) {
+        *to = static_cast<char>('0' + value);
+        return to + 1;
+    }
+    if (value < 100) {
+        return putPair(to, value);
+    }
+    if (value < 1000) {
+        *to = static_cast<char>('0' + value / 100);
+        return putPair(to + 1, value % 100);
+    }
+    return putFour(to, value);
+}
+
+// Writes a number and answers where it ends; the digits, at most kMostDigits, and nothing else.
+inline char *putNumber(char *to, uint32_t value) {
+    if (value < 10000) {
+        return putShortNumber(to, value);
+    }
+    const uint32_t high = value / 10000;
+    if (high < 10000) {
+        return putFour(putShortNumber(to, high), value % 10000);
+    }
+    return putFour(putFour(putShortNumber(to, high / 10000), high % 10000), value % 10000);
+}
+
+} // namespace sipcore
+
+#endif
