@@ -1,8 +1,12 @@
-// The encoder's driver: a whole body line by line, or one line alone, and the writers of the
-// lines that hold nothing but a number or a text.
+// The encoder's driver: a whole body line by line, or one line alone, and the lines that hold
+// nothing but a number or a text.
 #include "encoder/sdpencode.hpp"
 
 #include <iterator>
+
+#include "encoder/sdpencodemedia.hpp"
+#include "encoder/sdpencodeorigin.hpp"
+#include "encoder/sdpencodetime.hpp"
 
 namespace sdpline {
 
@@ -12,104 +16,76 @@ namespace {
 
 constexpr uint32_t kPrefixed = 1;
 
-// What the writers of one body share.
-struct Out {
-    uint32_t prefixed;
-    SipStringBuffer *buffer;
-
-    SDPResult text(char key, SipString *value) {
-        return value != nullptr ? sdpLibEncodeStringField(&prefixed, key, value, buffer) : 0;
+// v= 1*DIGIT CRLF
+SDPLINE_INLINE SDPResult writeVersion(Output &out, const uint32_t *flag, uint32_t version) {
+    if (const uint32_t result = appendPrefix(out, flag, 'v')) {
+        return passUp(Check::EncodeVersionPrefix, result);
     }
-    SDPResult texts(char key, SDPStringList *list) {
-        return list != nullptr ? sdpLibEncodeStringListField(&prefixed, key, list->ulNoOfStrings,
-                                                             list->ppstStrings, buffer)
-                               : 0;
+    if (const uint32_t result = out.number(version)) {
+        return passUp(Check::EncodeVersionNumber, result);
     }
-};
-
-SDPResult writeVersion(Out &out, SdpLine &body) {
-    return sdpLibEncodeProtocolField(&out.prefixed, &body.ulProtoVersion, out.buffer);
+    return out.lineEnd();
 }
 
-SDPResult writeOrigin(Out &out, SdpLine &body) {
-    return sdpLibEncodeOriginField(&out.prefixed, &body.stOrigin, out.buffer);
-}
+// Writes the lines of one body: each one that the body has, while none failed.
+class BodyWriter {
+public:
+    SDPLINE_INLINE explicit BodyWriter(Output &out) : out_(out) {}
 
-SDPResult writeName(Out &out, SdpLine &body) {
-    return out.text('s', &body.strSessionName);
-}
+    template <class Write>
+    SDPLINE_INLINE BodyWriter &line(Check failed, Write write) {
+        if (result_ == 0 && write() != 0) [[unlikely]] {
+            result_ = fail(failed);
+        }
+        return *this;
+    }
+    SDPLINE_INLINE BodyWriter &text(Check failed, char key, const SipString *value) {
+        return line(failed, [=, this] {
+            return value != nullptr ? writeTextLine(out_, &kPrefixed, key, value) : 0;
+        });
+    }
+    SDPLINE_INLINE BodyWriter &texts(Check failed, char key, const SDPStringList *list) {
+        return line(failed, [=, this] {
+            return list != nullptr ? writeTextLines(out_, &kPrefixed, key, list->ulNoOfStrings,
+                                                    list->ppstStrings)
+                                   : 0;
+        });
+    }
 
-SDPResult writeInfo(Out &out, SdpLine &body) {
-    return out.text('i', body.pstrSessionInfo);
-}
+    SDPLINE_INLINE SDPResult result() const { return result_; }
 
-SDPResult writeUri(Out &out, SdpLine &body) {
-    return out.text('u', body.pstrUri);
-}
-
-SDPResult writeEmail(Out &out, SdpLine &body) {
-    return out.texts('e', body.pstEmailList);
-}
-
-SDPResult writePhone(Out &out, SdpLine &body) {
-    return out.texts('p', body.pstPhoneList);
-}
-
-SDPResult writeConnection(Out &out, SdpLine &body) {
-    SDPConnection *const connection = body.pstConnection;
-    return connection != nullptr
-               ? sdpLibEncodeConnectionField(&out.prefixed, connection, out.buffer)
-               : 0;
-}
-
-SDPResult writeBandwidth(Out &out, SdpLine &body) {
-    return out.texts('b', body.pstBandwidthList);
-}
-
-SDPResult writeTimes(Out &out, SdpLine &body) {
-    return sdpLibEncodeTimeSet(&out.prefixed, &body.stTimeSet, out.buffer);
-}
-
-SDPResult writeZone(Out &out, SdpLine &body) {
-    return out.text('z', body.pstrTimeZone);
-}
-
-SDPResult writeKey(Out &out, SdpLine &body) {
-    SDPKey *const key = body.pstKey;
-    return key != nullptr ? out.text('k', &key->strKey) : 0;
-}
-
-SDPResult writeAttributes(Out &out, SdpLine &body) {
-    SDPAttrList *const list = body.pstAttrList;
-    return list != nullptr ? sdpLibEncodeAttribFields(&out.prefixed, list, out.buffer) : 0;
-}
-
-SDPResult writeMedia(Out &out, SdpLine &body) {
-    return sdpLibEncodeMediaSet(&out.prefixed, &body.stMediaSet, out.buffer);
-}
-
-struct BodyLine {
-    SDPResult (*write)(Out &out, SdpLine &body); // a line that the body lacks: success
-    Check failed;
+private:
+    Output &out_;
+    SDPResult result_ = 0;
 };
 
 // The lines of a body in the order they are written (RFC 4566 section 5).
-constexpr BodyLine kBodyLines[] = {
-    {writeVersion, Check::EncodeVersion},
-    {writeOrigin, Check::EncodeOrigin},
-    {writeName, Check::EncodeName},
-    {writeInfo, Check::EncodeInfo},
-    {writeUri, Check::EncodeUri},
-    {writeEmail, Check::EncodeEmail},
-    {writePhone, Check::EncodePhone},
-    {writeConnection, Check::EncodeConnection},
-    {writeBandwidth, Check::EncodeBandwidth},
-    {writeTimes, Check::EncodeTimes},
-    {writeZone, Check::EncodeZone},
-    {writeKey, Check::EncodeKey},
-    {writeAttributes, Check::EncodeAttributes},
-    {writeMedia, Check::EncodeMedia},
-};
+SDPLINE_INLINE SDPResult writeBody(Output &out, SdpLine &body) {
+    constexpr const uint32_t *flag = &kPrefixed;
+    const SDPConnection *const connection = body.pstConnection;
+    const SDPAttrList *const attributes = body.pstAttrList;
+    const SDPKey *const key = body.pstKey;
+    return BodyWriter(out)
+        .line(Check::EncodeVersion, [&] { return writeVersion(out, flag, body.ulProtoVersion); })
+        .line(Check::EncodeOrigin, [&] { return writeOrigin(out, flag, body.stOrigin); })
+        .text(Check::EncodeName, 's', &body.strSessionName)
+        .text(Check::EncodeInfo, 'i', body.pstrSessionInfo)
+        .text(Check::EncodeUri, 'u', body.pstrUri)
+        .texts(Check::EncodeEmail, 'e', body.pstEmailList)
+        .texts(Check::EncodePhone, 'p', body.pstPhoneList)
+        .line(Check::EncodeConnection,
+              [&] { return connection != nullptr ? writeConnection(out, flag, *connection) : 0; })
+        .texts(Check::EncodeBandwidth, 'b', body.pstBandwidthList)
+        .line(Check::EncodeTimes, [&] { return writeTimes(out, flag, body.stTimeSet); })
+        .text(Check::EncodeZone, 'z', body.pstrTimeZone)
+        .text(Check::EncodeKey, 'k', key != nullptr ? &key->strKey : nullptr)
+        .line(Check::EncodeAttributes,
+              [&] {
+                  return attributes != nullptr ? apart<writeAttributes>(out, flag, attributes) : 0;
+              })
+        .line(Check::EncodeMedia, [&] { return writeMediaSet(out, flag, body.stMediaSet); })
+        .result();
+}
 
 // ---- One line
 
@@ -131,9 +107,11 @@ SDPResult mediaLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) 
 
 // As in a list, an attribute that cannot be written leaves its line short and is no failure.
 SDPResult attributeLine(char key, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    appendPrefix(buffer, flag, key);
-    sdpLibEncodeAttribField(static_cast<SDPAttr *>(field), buffer);
-    return appendLineEnd(buffer);
+    return writeTo(buffer, [=](Output &out) {
+        appendPrefix(out, flag, key);
+        writeAttribute(out, *static_cast<SDPAttr *>(field));
+        return out.lineEnd();
+    });
 }
 
 // The t= line alone: a set of one, without r= lines.
@@ -201,17 +179,12 @@ using namespace sdpline;
 
 extern "C" {
 
-SDPResult SdpLibEncodeSdpInt(SdpLine *pstLine, SipStringBuffer *pstBuf) {
+// Flattened, so that no part of it asks for the place of the Output.
+[[gnu::flatten]] SDPResult SdpLibEncodeSdpInt(SdpLine *pstLine, SipStringBuffer *pstBuf) {
     if (pstLine == nullptr || pstBuf == nullptr) {
         return fail(Check::EncodeBodyArgument);
     }
-    Out out = {kPrefixed, pstBuf};
-    for (const BodyLine &line : kBodyLines) {
-        if (line.write(out, *pstLine) != 0) {
-            return fail(line.failed);
-        }
-    }
-    return 0;
+    return writeTo(pstBuf, [=](Output &out) { return writeBody(out, *pstLine); });
 }
 
 SDPResult SdpLibEncodeLine(int32_t enLineType, uint32_t *pulFlag, void *pField,
@@ -226,32 +199,22 @@ SDPResult SdpLibEncodeLine(int32_t enLineType, uint32_t *pulFlag, void *pField,
     return line.write(line.key, pulFlag, pField, pstBuf);
 }
 
-// v= 1*DIGIT CRLF
 SDPResult sdpLibEncodeProtocolField(uint32_t *pulFlag, uint32_t *pulVersion,
                                     SipStringBuffer *pstBuf) {
-    if (const uint32_t result = appendPrefix(pstBuf, pulFlag, 'v')) {
-        return passUp(Check::EncodeVersionPrefix, result);
-    }
-    if (const uint32_t result = SipSbCopyLong(pstBuf, *pulVersion)) {
-        return passUp(Check::EncodeVersionNumber, result);
-    }
-    return appendLineEnd(pstBuf);
+    return writeTo(pstBuf, [=](Output &out) { return writeVersion(out, pulFlag, *pulVersion); });
 }
 
-// key "=" byte-string CRLF
 SDPResult sdpLibEncodeStringField(uint32_t *pulFlag, char cKey, SipString *pstValue,
                                   SipStringBuffer *pstBuf) {
-    return Appender(pstBuf).prefix(pulFlag, cKey).text(pstValue).lineEnd().result();
+    return writeTo(pstBuf,
+                   [=](Output &out) { return writeTextLine(out, pulFlag, cKey, pstValue); });
 }
 
 SDPResult sdpLibEncodeStringListField(uint32_t *pulFlag, char cKey, uint32_t ulCount,
                                       SipString **ppstItems, SipStringBuffer *pstBuf) {
-    for (uint32_t i = 0; i < ulCount; ++i) {
-        if (const SDPResult result = sdpLibEncodeStringField(pulFlag, cKey, ppstItems[i], pstBuf)) {
-            return result;
-        }
-    }
-    return 0;
+    return writeTo(pstBuf, [=](Output &out) {
+        return writeTextLines(out, pulFlag, cKey, ulCount, ppstItems);
+    });
 }
 
 } // extern "C"

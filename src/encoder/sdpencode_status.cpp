@@ -1,23 +1,20 @@
-// The words of a precondition (RFC 3312 section 4). They report as part of the encoder's driver.
-#include "encoder/sdpencode.hpp"
+// The exported names of what writes the words of a precondition.
+#include "encoder/sdpencode_status.hpp"
 
 using namespace sdpline;
 
 extern "C" {
 
-// strength-tag = "mandatory" / "optional" / "none" / "failure" / "unknown"
 SDPResult sdpLibEncodeStatusStrengthTag(SDPRsrcMgmtStatus *pstStatus, SipStringBuffer *pstBuf) {
-    return appendWord(pstBuf, kStrengthWords, pstStatus->enStrengthTag, Check::WordStrength);
+    return writeTo(pstBuf, [=](Output &out) { return writeStrengthTag(out, *pstStatus); });
 }
 
-// status-type = "e2e" / "local" / "remote"
 SDPResult sdpLibEncodeStatusType(SDPRsrcMgmtStatus *pstStatus, SipStringBuffer *pstBuf) {
-    return appendWord(pstBuf, kStatusWords, pstStatus->enStatusType, Check::WordStatusType);
+    return writeTo(pstBuf, [=](Output &out) { return writeStatusType(out, *pstStatus); });
 }
 
-// direction-tag = "none" / "send" / "recv" / "sendrecv"
 SDPResult sdpLibEncodeStatusDirTag(SDPRsrcMgmtStatus *pstStatus, SipStringBuffer *pstBuf) {
-    return appendWord(pstBuf, kDirWords, pstStatus->enDirTag, Check::WordDirection);
+    return writeTo(pstBuf, [=](Output &out) { return writeDirTag(out, *pstStatus); });
 }
 
 } // extern "C"

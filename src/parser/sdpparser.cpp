@@ -243,6 +243,26 @@ SDPLINE_INLINE const uint8_t *copyPlain(const uint8_t *byte, const uint8_t *end,
     return byte;
 }
 
+// Writes the normal form of a text and the end of the description behind it: at most two bytes more
+// than the text has, and the NUL.
+void normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
+    const uint8_t *const end = text + length;
+    for (const uint8_t *byte = text; (byte = copyPlain(byte, end, out)) != end;) {
+        if (end - byte > 2 && byte[0] == '\r' && byte[1] == '\n' && byte[2] > ' ') [[likely]] {
+            *out++ = '\n'; // as nearly all lines end
+            byte += 2;
+            continue;
+        }
+        const Cut cut = cutSpecial(byte, end);
+        *out = *cut.byte;
+        out += cut.kept;
+        byte = cut.next;
+    }
+    *out++ = '\n';
+    *out++ = '\n';
+    *out = '\0';
+}
+
 // ---- Place of a failure
 
 // The offset in the caller's text of a byte of the normal form; the text's length for what was put
@@ -310,8 +330,12 @@ SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine) {
         return refuse(Check::ParseAlloc);
     }
     uint8_t buffer[kBufferSize];
-    convertCRLFToCR(reinterpret_cast<const uint8_t *>(pstText->pcData), pstText->ulLen, buffer,
-                    kBufferSize);
+    const auto *const text = reinterpret_cast<const uint8_t *>(pstText->pcData);
+    if (own.fill) [[likely]] {
+        normalise(text, pstText->ulLen, buffer); // what would be cleared is written over
+    } else {
+        convertCRLFToCR(text, pstText->ulLen, buffer, kBufferSize);
+    }
     const SipString input = {pstText->ulLen, reinterpret_cast<char *>(buffer)};
     setInput(&input);
     setLexerContext(SDP_LEXCTX_SDP);
@@ -338,17 +362,7 @@ void convertCRLFToCR(const uint8_t *pucText, uint32_t ulLen, uint8_t *pucOut, ui
     if (memset_s(pucOut, ulOutSize, 0, ulLen) != 0) {
         SIPAbnormalSecureFunc("convertCRLFToCR   ", __LINE__);
     }
-    const uint8_t *const end = pucText + ulLen;
-    uint8_t *out = pucOut;
-    for (const uint8_t *byte = pucText; (byte = copyPlain(byte, end, out)) != end;) {
-        const Cut cut = cutSpecial(byte, end);
-        *out = *cut.byte;
-        out += cut.kept;
-        byte = cut.next;
-    }
-    *out++ = '\n';
-    *out++ = '\n';
-    *out = '\0';
+    normalise(pucText, ulLen, pucOut);
 }
 
 void **SdpLibUtilExtendDP(void **ppArray, uint32_t ulCount, uint32_t ulNewCount) {

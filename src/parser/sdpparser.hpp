@@ -107,7 +107,9 @@ inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
     if (longer == nullptr || array == nullptr || count == 0) {
         return longer;
     }
-    copyBytes(longer, array, count * sizeof(void *));
+    // The last slot apart: it has just been written, and by itself.
+    copyBytes(longer, array, (count - 1) * sizeof(void *));
+    longer[count - 1] = array[count - 1];
     for (uint32_t slot = count; slot < newCount; ++slot) {
         longer[slot] = nullptr;
     }
@@ -123,11 +125,10 @@ template <class Item, class Counter, class Attach, class Parse, class More>
 SDPLINE_INLINE SDPResult parseList(Lexer &lexer, Counter &count, ListChecks checks, Attach attach,
                                    Parse parse, More more) {
     count = 0;
-    auto **slots = static_cast<Item **>(allocateBytes(sizeof(Item *)));
+    auto **slots = allocate<Item *>(row(checks.array).function);
     if (slots == nullptr) {
         return fail(checks.array);
     }
-    zeroFill(slots, sizeof(Item *), row(checks.array).function);
     attach(slots);
     for (;;) {
         Item *const item = allocate<Item>(row(checks.item).function);

@@ -16,8 +16,20 @@ constexpr uint32_t kDvi4At22k = 16;
 constexpr uint32_t kL16Stereo = 9;
 constexpr uint32_t kL16Mono = 10;
 
+// The last profile of the name wins, so that the refinements never apply to the profiles of the
+// table as it stands.
+SDPLINE_INLINE SDPResult locateProfile(SDPRtpMapAttr &rtpMap, std::string_view name) {
+    rtpMap.ulEncodingId = lastProfile(name);
+    switch (rtpMap.ulEncodingId) {
+    case kDvi4At8k: return sdpRtpmapAttrPayloadDvi4For8K(&rtpMap);
+    case kL16Stereo: return sdpRtpmapAttrPayloadL16For2C(&rtpMap);
+    default: return 0;
+    }
+}
+
 // payload SP name, entered on the payload type. One blank is skipped; others belong to the name.
-SDPLINE_INLINE SDPResult payloadAndName(Lexer &lexer, SDPRtpMapAttr &rtpMap) {
+SDPLINE_INLINE SDPResult payloadAndName(Lexer &lexer, SDPRtpMapAttr &rtpMap,
+                                        std::string_view &name) {
     if (const SDPResult result = takeNumber(lexer, rtpMap.ulPayloadType, SDP_LEXCTX_ALNUM,
                                             {Check::RtpmapPayload, Check::RtpmapPayloadText})) {
         return result;
@@ -25,7 +37,6 @@ SDPLINE_INLINE SDPResult payloadAndName(Lexer &lexer, SDPRtpMapAttr &rtpMap) {
     if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
         return fail(Check::RtpmapBlank);
     }
-    std::string_view name;
     if (!lexer.takeBytesToSlash(name, kMaxName)) {
         return fail(Check::RtpmapNameTooLong);
     }
@@ -55,7 +66,8 @@ SDPLINE_INLINE SDPResult rtpmap(Lexer &lexer, SDPAttr &attr, uint32_t type) {
     if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
         return fail(Check::RtpmapColon);
     }
-    if (const SDPResult result = payloadAndName(lexer, rtpMap)) {
+    std::string_view name;
+    if (const SDPResult result = payloadAndName(lexer, rtpMap, name)) {
         return result;
     }
     if (!lexer.take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
@@ -65,7 +77,12 @@ SDPLINE_INLINE SDPResult rtpmap(Lexer &lexer, SDPAttr &attr, uint32_t type) {
                                             {Check::RtpmapClock, Check::RtpmapClockText})) {
         return result;
     }
-    sdpRtpmapAttrLocateStdRtpProfile(&rtpMap); // a name that is no profile is fine
+    // A name that is no profile is fine. The input holds no NUL: the text is the name as it is.
+    if (own.copy) [[likely]] {
+        locateProfile(rtpMap, name);
+    } else {
+        sdpRtpmapAttrLocateStdRtpProfile(&rtpMap);
+    }
     return channels(lexer, rtpMap);
 }
 
@@ -85,8 +102,7 @@ SDPResult sdpRtpmapAttr(SDPAttr *pstAttr, uint32_t enType) {
     return onState([=](Lexer &lexer) { return parseRtpmap(lexer, *pstAttr, enType); });
 }
 
-// The name is copied beside, which takes a frame of its own. The last profile of the name wins, so
-// that the refinements below never apply to the profiles of the table as it stands.
+// The name ends at a NUL, where it holds one.
 [[gnu::noinline]] SDPResult sdpRtpmapAttrLocateStdRtpProfile(SDPRtpMapAttr *pstRtpMap) {
     const uint32_t length = pstRtpMap->strEncodingName.ulLen;
     if (length > kMaxLookup) {
@@ -98,14 +114,7 @@ SDPResult sdpRtpmapAttr(SDPAttr *pstAttr, uint32_t enType) {
         SIPAbnormalSecureFunc("sdpRtpmapAttrLocateStdRtpProfile", __LINE__);
     }
     name[length] = '\0';
-    pstRtpMap->ulEncodingId = lastProfile(name);
-    if (pstRtpMap->ulEncodingId == kDvi4At8k) {
-        return sdpRtpmapAttrPayloadDvi4For8K(pstRtpMap);
-    }
-    if (pstRtpMap->ulEncodingId == kL16Stereo) {
-        return sdpRtpmapAttrPayloadL16For2C(pstRtpMap);
-    }
-    return 0;
+    return locateProfile(*pstRtpMap, name);
 }
 
 SDPResult sdpRtpmapAttrPayloadDvi4For8K(SDPRtpMapAttr *pstRtpMap) {

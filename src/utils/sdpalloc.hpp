@@ -5,8 +5,10 @@
 #include <string_view>
 
 #include "sdpline/sdpline.h"
+#include "sipcore/block.hpp"
 #include "utils/sdpchecks.hpp"
 #include "utils/sdpinline.hpp"
+#include "utils/sdpown.hpp"
 
 namespace sdpline {
 
@@ -44,38 +46,66 @@ SDPLINE_INLINE void copyBytes(void *to, const void *from, size_t size) {
     }
 }
 
-// Null when there is no hook, or the hook has no memory.
+SDPLINE_INLINE void *cutSmall(SDPMemCp *memCp, uint32_t size) {
+    return sipcore::cutSmall(*static_cast<sipcore::Block *>(memCp->pService), size);
+}
+
+// Null when there is no hook, or the hook has no memory. What it holds is for the caller to write.
 SDPLINE_INLINE void *allocateBytes(uint32_t size) {
     const SdpFnAlloc alloc = g_gSdpFnAlloc;
-    if (alloc == SdpLibAllocSdpMem) [[likely]] { // the hook that decoding sets, without the call
-        SDPMemCp *const memCp = g_mSdpDecodeMemCp;
-        return memCp != nullptr ? memCp->pfnAlloc(memCp, size) : nullptr;
+    if (alloc != SdpLibAllocSdpMem) [[unlikely]] {
+        return alloc != nullptr ? alloc(size) : nullptr;
     }
-    return alloc != nullptr ? alloc(size) : nullptr;
+    // The hook that decoding sets, without the call.
+    SDPMemCp *const memCp = g_mSdpDecodeMemCp;
+    if (memCp == nullptr) [[unlikely]] {
+        return nullptr;
+    }
+    if (memCp->pfnAlloc == own.blockAlloc) [[likely]] {
+        if (void *const memory = cutSmall(memCp, size)) [[likely]] {
+            return memory;
+        }
+    }
+    return memCp->pfnAlloc(memCp, size);
 }
 
-inline void freeBytes(void *memory) {
+SDPLINE_INLINE void freeBytes(void *memory) {
     const SdpFnFree release = g_gSdpFnFree;
-    if (release != nullptr) {
-        release(memory);
+    if (release != SdpLibFreeSdpMem) [[unlikely]] {
+        if (release != nullptr) {
+            release(memory);
+        }
+        return;
     }
+    SDPMemCp *const memCp = g_mSdpDecodeMemCp;
+    if (memCp == nullptr) [[unlikely]] {
+        return;
+    }
+    if (memCp->pfnFree == own.blockFree && memory != nullptr) [[likely]] {
+        sipcore::Piece *const piece = sipcore::pieceOf(memory);
+        if (sipcore::stateOf(piece) == sipcore::kLive) [[likely]] {
+            return sipcore::giveBack(piece);
+        }
+    }
+    memCp->pfnFree(memory);
 }
 
-SDPLINE_INLINE void zeroFill(void *memory, uint32_t size, const char *function,
-                             uint32_t line = __builtin_LINE()) {
-    if (memset_s(memory, size, 0, size) != 0) {
-        SIPAbnormalSecureFunc(function, line);
-    }
-}
+// Filled by the service, which may be the program's own.
+[[gnu::noinline]] void *fillByService(void *memory, uint32_t size, const char *function,
+                                      uint32_t line);
 
 // A zeroed record, or null.
 template <class Record>
-Record *allocate(const char *function = __builtin_FUNCTION(), uint32_t line = __builtin_LINE()) {
+SDPLINE_INLINE Record *allocate(const char *function = __builtin_FUNCTION(),
+                                uint32_t line = __builtin_LINE()) {
     void *const memory = allocateBytes(sizeof(Record));
-    if (memory != nullptr) {
-        zeroFill(memory, sizeof(Record), function, line);
+    if (memory == nullptr) [[unlikely]] {
+        return nullptr;
     }
-    return static_cast<Record *>(memory);
+    if (!own.fill) [[unlikely]] {
+        return static_cast<Record *>(fillByService(memory, sizeof(Record), function, line));
+    }
+    return static_cast<Record *>(std::memset(memory, 0, sizeof(Record)));
 }
 
 // Stores a copy of the text, without a terminator. Without memory the length stays and the

@@ -1,0 +1,75 @@
+/*
+ * A program that takes over one service, SERVICE, and leaves the others to libsipcore: every call
+ * of it is the program's.
+ */
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <stdio.h>
+#include <string.h>
+
+#include <sdpline/sdpline.h>
+
+static unsigned calls;
+
+/* The service that this program's own definition hides. */
+#define TAKE_OVER(result, service, parameters, arguments)                                          \
+    result service parameters {                                                                    \
+        result(*real) parameters;                                                                  \
+        *(void **)&real = dlsym(RTLD_NEXT, #service);                                              \
+        ++calls;                                                                                   \
+        return real arguments;                                                                     \
+    }
+
+#if defined(OWN_SipSbCopyChar)
+#define EXPECTED 32 /* 16 of prefixes, 13 blanks and slashes, 3 dots */
+TAKE_OVER(uint32_t, SipSbCopyChar, (SipStringBuffer * buffer, char byte), (buffer, byte))
+#elif defined(OWN_SipSbCopyConstString)
+#define EXPECTED 15 /* 8 line ends, 6 words, and the empty one that serialising ends with */
+TAKE_OVER(uint32_t, SipSbCopyConstString,
+          (SipStringBuffer * buffer, const char *text, uint32_t length), (buffer, text, length))
+#elif defined(OWN_SipSbCopyString)
+#define EXPECTED 8 /* 4 of o=, 1 of s=, 3 of a= */
+TAKE_OVER(uint32_t, SipSbCopyString, (SipStringBuffer * buffer, const SipString *text),
+          (buffer, text))
+#elif defined(OWN_SipSbCopyLong)
+#define EXPECTED 12 /* 1 of v=, 4 of c=, 2 of t=, 3 of m=, 2 of a= */
+TAKE_OVER(uint32_t, SipSbCopyLong, (SipStringBuffer * buffer, uint32_t value), (buffer, value))
+#elif defined(OWN_memcpy_s)
+#define EXPECTED 1 /* the name that a profile is looked up for */
+TAKE_OVER(int, memcpy_s, (void *to, size_t room, const void *from, size_t size),
+          (to, room, from, size))
+#elif defined(OWN_memset_s)
+#define EXPECTED 11 /* the normal form, 7 records and 3 arrays */
+TAKE_OVER(int, memset_s, (void *to, size_t room, int value, size_t size), (to, room, value, size))
+#endif
+
+static const char body[] = "v=0\r\n"
+                           "o=alice 1 2 IN IP4 192.0.2.1\r\n"
+                           "s=-\r\n"
+                           "c=IN IP4 192.0.2.1\r\n"
+                           "t=0 0\r\n"
+                           "m=audio 49170 RTP/AVP 0 8\r\n"
+                           "a=rtpmap:8 PCMA/8000\r\n"
+                           "a=sendrecv\r\n";
+
+int main(void) {
+    const SipString text = {sizeof body - 1, (char *)body};
+    uint8_t written[sizeof body];
+    uint32_t length = 0;
+    SdpLine *line = NULL;
+    if (SdpLibDecodeSdp(&text, &line) != 0 ||
+        SdpLibSerializeSdp(line, written, sizeof written, &length) != 0) {
+        fprintf(stderr, "own_one: the body is refused\n");
+        return 1;
+    }
+    SdpLibReleaseSdp(&line);
+    if (length != text.ulLen || memcmp(written, body, length) != 0) {
+        fprintf(stderr, "own_one: another body was written\n");
+        return 1;
+    }
+    if (calls != EXPECTED) {
+        fprintf(stderr, "own_one: called %u times, not %u\n", calls, EXPECTED);
+        return 1;
+    }
+    return 0;
+}
