@@ -1,6 +1,6 @@
 // Everything that a user of sdpline does with a body, beside what others take to parse and print
-// the same text, and beside two floors: one pass of a byte table over it, and a copy of it on the
-// heap. A benchmark is called OPERATION/WHO/BODY.
+// the same text, and beside floors: one pass of a byte table over it, the steps that every decode
+// has, each alone, and a copy of it on the heap. A benchmark is called OPERATION/WHO/BODY.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "bodies.hpp"
+#include "floors.hpp"
 #include "measure.hpp"
 #include "operations.hpp"
 #include "peers.hpp"
+#include "sdpline/sdpinternals.h"
 
 namespace {
 
@@ -114,14 +116,6 @@ void addPeer(const bench::Peer &peer, const Body &body) {
         });
 }
 
-[[gnu::noinline]] uint32_t tablePass(const std::string &text, const uint8_t (&table)[256]) {
-    uint32_t sum = 0;
-    for (const char byte : text) {
-        sum += table[static_cast<uint8_t>(byte)];
-    }
-    return sum;
-}
-
 void addFloors(const Body &body) {
     add("floor", "table", body, [&body](benchmark::State &state) {
         uint8_t table[256];
@@ -130,9 +124,36 @@ void addFloors(const Body &body) {
         }
         benchmark::DoNotOptimize(table);
         bench::measureEach(state, body, body.texts, [&table](const std::string &text) {
-            benchmark::DoNotOptimize(tablePass(text, table));
+            benchmark::DoNotOptimize(bench::passTable(text, table));
             return true;
         });
+    });
+    add("floor", "normal", body, [&body](benchmark::State &state) {
+        auto buffer = bench::roomForText();
+        bench::measureEach(state, body, body.texts, [&buffer](const std::string &text) {
+            convertCRLFToCR(reinterpret_cast<const uint8_t *>(text.data()),
+                            static_cast<uint32_t>(text.size()), buffer.data(),
+                            static_cast<uint32_t>(buffer.size()));
+            benchmark::DoNotOptimize(buffer.data());
+            return true;
+        });
+    });
+    add("floor", "runs", body, [&body](benchmark::State &state) {
+        std::vector<std::string> forms;
+        for (const std::string &text : body.texts) {
+            forms.push_back(bench::normalForm(text));
+        }
+        bench::measureEach(state, body, forms, [](const std::string &form) {
+            benchmark::DoNotOptimize(bench::countRuns(form));
+            return true;
+        });
+    });
+    add("floor", "pieces", body, [&body](benchmark::State &state) {
+        std::vector<std::vector<uint32_t>> requests;
+        for (const std::string &text : body.texts) {
+            requests.push_back(bench::requestsOf(text));
+        }
+        bench::measureEach(state, body, requests, bench::cutAll);
     });
     add("floor", "copy", body, [&body](benchmark::State &state) {
         bench::measureEach(state, body, body.texts, [](const std::string &text) {

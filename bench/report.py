@@ -19,6 +19,13 @@ OWN_OPERATIONS = [
     ("clone", "clone line by line, release"),
     ("serialise", "serialise into a buffer"),
 ]
+FLOORS = [
+    ("table", "floor: one table pass"),
+    ("normal", "floor: the normal form alone"),
+    ("runs", "floor: its runs told apart"),
+    ("pieces", "floor: the tree's pieces, cut and released"),
+    ("copy", "floor: malloc, memcpy, free"),
+]
 
 
 def table(head, rows):
@@ -84,7 +91,7 @@ def own_operations(results):
                     ),
                 ]
             )
-    for who, title in (("table", "floor: one table pass"), ("copy", "floor: malloc, memcpy, free")):
+    for who, title in FLOORS:
         found = [results.get(FLOOR, who, body) for body in bodies]
         if any(found):
             rows.append([title, *(nanoseconds(each.time) if each else "-" for each in found)])

@@ -4,7 +4,8 @@
  * This header is the porting guide. A SIP stack that already has memory blocks, string buffers
  * and a log defines these symbols itself and builds sdpline with SDPLINE_SIPCORE=OFF; everybody
  * else links libsipcore, which implements all of them on the standard library. A program that
- * defines one of them wins over libsipcore: sdpline always calls through the dynamic symbol.
+ * defines one of them wins over libsipcore: sdpline calls what the dynamic symbol leads to, and
+ * where that is libsipcore's own function it may do in place what the function does.
  *
  * Conventions
  *  1. Functions that return uint32_t answer 0 for success, unless their comment says otherwise.

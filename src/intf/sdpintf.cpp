@@ -3,6 +3,7 @@
 #include "intf/sdpintf.hpp"
 
 #include "sdpline/sdpinternals.h"
+#include "utils/sdpalloc.hpp"
 #include "utils/sdpchecks.hpp"
 
 namespace sdpline {
@@ -20,9 +21,13 @@ void beginDecode(SDPMemCp *pstMemCp) {
     g_gSdpFnFree = SdpLibFreeSdpMem;
     g_mSdpDecodeMemCp = pstMemCp;
     g_gSdpFnAlloc = SdpLibAllocSdpMem;
+    decodeBlock = own.fill && pstMemCp->pfnAlloc == own.blockAlloc
+                      ? static_cast<sipcore::Block *>(pstMemCp->pService)
+                      : nullptr;
 }
 
 void endDecode(bool bParsed) {
+    decodeBlock = nullptr;
     g_mSdpDecodeMemCp = nullptr;
     if (!bParsed) {
         g_gSdpFnAlloc = nullptr;

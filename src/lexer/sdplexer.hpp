@@ -127,6 +127,20 @@ private:
 
 namespace lexer {
 
+// The first byte that does not continue the run; the NUL behind the input continues none.
+SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run) {
+    while ((kBytes.runs[*byte] & run) != 0) {
+        ++byte;
+    }
+    return byte;
+}
+
+// A byte that a loop has just read, read once more: else the loop would keep each one for the case
+// that it is the last.
+SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
+    return *const_cast<const volatile uint8_t *>(byte);
+}
+
 // Bytes before the line end or the end of the input.
 uint32_t lineSize(const uint8_t *text);
 
@@ -246,12 +260,8 @@ inline void Lexer::closeRun(lexer::Run run, uint32_t closed) {
     if ((lexer::kBytes.runs[last] & run) == 0) {
         return closeByte();
     }
-    const uint8_t *byte = at;
-    do {
-        ++byte;
-    } while ((lexer::kBytes.runs[*byte] & run) != 0);
-    last = *byte;
-    behind = byte;
+    behind = lexer::runEnd(at + 1, run);
+    last = lexer::readAnew(behind);
     kind = closed;
 }
 
@@ -308,10 +318,7 @@ inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
 }
 
 inline bool Lexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
-    const uint8_t *byte = at;
-    while ((lexer::kBytes.runs[*byte] & lexer::kNameRun) != 0) {
-        ++byte;
-    }
+    const uint8_t *const byte = lexer::runEnd(at, lexer::kNameRun);
     const auto size = static_cast<uint32_t>(byte - at);
     if (odd != 0 && behind == input + 1 && size != 0) [[unlikely]] {
         return false; // the byte at offset 0 comes again and again

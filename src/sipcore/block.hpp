@@ -165,8 +165,9 @@ inline Piece *pieceOf(void *memory) {
     return reinterpret_cast<Piece *>(static_cast<std::byte *>(memory) - kHeaderSize);
 }
 
-// pfnAlloc and pfnFree of a block's memory control. Memory is zeroed, or null.
+// pfnAlloc and pfnFree of a block's memory control, and what pfnAlloc answers before it is zeroed.
 void *blockAlloc(SDPMemCp *memCp, uint32_t size);
+void *blockTake(SDPMemCp *memCp, uint32_t size);
 uint32_t blockFree(void *memory);
 
 } // namespace sipcore

@@ -3,6 +3,8 @@
 // A copy starts from an all-zero target, links every new piece into it before filling that piece,
 // and so can be undone at any point by clearing the target. Values are packed to 4 bytes: pointers
 // inside them may be misaligned and are moved as bytes.
+#include "heap.hpp"
+
 #include "sdpline/sipcore.h"
 
 #include <cstring>
@@ -243,7 +245,7 @@ private:
 
     // Not every memory service zeroes what it hands out.
     Bytes take(uint32_t size) {
-        auto memory = static_cast<Bytes>(memCp_->pfnAlloc(memCp_, size));
+        auto memory = static_cast<Bytes>(takeUnfilled(memCp_, size));
         if (memory != nullptr) {
             std::memset(memory, 0, size);
         }

@@ -4,6 +4,8 @@
 #include "heap.hpp"
 
 #include "asan.hpp"
+#include "block.hpp"
+#include "fill.hpp"
 #include "sdpline/sipcore.h"
 
 #include <pthread.h>
@@ -123,13 +125,6 @@ void onThreadEnd(void *) {
     return kept.watched;
 }
 
-// By the library's memset, which is several times as fast as what the compiler makes of a size
-// whose bounds it knows: so it is not told them.
-void *clear(void *memory, std::size_t size) {
-    asm("" : "+r"(size));
-    return std::memset(memory, 0, size);
-}
-
 bool isKeptSize(std::size_t size) {
     return size <= kLargestKept;
 }
@@ -214,6 +209,9 @@ constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
 } // namespace
 
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
+    if (memCp->pfnAlloc == blockAlloc) {
+        return blockTake(memCp, size);
+    }
     return memCp->pfnAlloc == systemAlloc ? systemTake(size, Content::Any)
                                           : memCp->pfnAlloc(memCp, size);
 }

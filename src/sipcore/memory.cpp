@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
-#include <cstring>
-#include <iterator>
 
 namespace sipcore {
 namespace {
@@ -47,7 +45,7 @@ void fillFreed(Piece *piece) {
 // cutSmall() serves, never are.
 inline void *zeroed(void *memory, uint32_t size) {
     if (size > kSmallFill) {
-        return std::memset(memory, 0, size);
+        return clear(memory, size);
     }
     zeroSmall(static_cast<char *>(memory), size);
     return memory;
@@ -59,7 +57,7 @@ void *cutLarge(Run &run, uint32_t request) {
     if (size <= kListedMax && run.room() >= kHeaderSize + std::bit_ceil(size)) {
         size = std::bit_ceil(size);
     }
-    return zeroed(cut(run, request, size, kLive), request);
+    return cut(run, request, size, kLive);
 }
 
 [[gnu::noinline]] void *reuse(Piece *&list, uint32_t request) {
@@ -67,7 +65,7 @@ void *cutLarge(Run &run, uint32_t request) {
     assert(stateOf(piece) == kFreed && isFilled(piece) && "freed memory was written to");
     setState(piece, kLive);
     permit(payloadOf(piece), request);
-    return zeroed(payloadOf(piece), request);
+    return payloadOf(piece);
 }
 
 // Opens a chunk with room for one piece of the given payload size; a null chunk after a failure.
@@ -110,7 +108,7 @@ void keepRoomier(Block &block, const Run &opened) {
     if (opened.chunk == nullptr) {
         return nullptr;
     }
-    void *memory = zeroed(cut(opened, request, size, kLive), request);
+    void *memory = cut(opened, request, size, kLive);
     keepRoomier(block, opened);
     return memory;
 }
@@ -154,16 +152,24 @@ void keepRoomier(Block &block, const Run &opened) {
     if (block.run.room() < kHeaderSize + size) {
         return allocateSmallInNewChunk(block, request, size);
     }
-    return zeroed(cut(block.run, request, size, kLive), request);
+    return cut(block.run, request, size, kLive);
 }
 
 } // namespace
 
 // The rarer ways are kept out of line so that cutting from the run stays a handful of instructions.
-void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
+void *blockTake(SDPMemCp *memCp, uint32_t size) {
     auto &block = *static_cast<Block *>(memCp->pService);
     void *const memory = cutSmall(block, size);
-    return memory != nullptr ? zeroed(memory, size) : allocateRare(block, size);
+    return memory != nullptr ? memory : allocateRare(block, size);
+}
+
+void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
+    void *const memory = blockTake(memCp, size);
+    if (memory == nullptr || stateOf(pieceOf(memory)) == kLiveInOwnChunk) {
+        return memory; // the heap zeroes what may never be touched
+    }
+    return zeroed(memory, size);
 }
 
 uint32_t blockFree(void *memory) {
@@ -204,7 +210,7 @@ uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp *
     block->run = {begin, begin + room, &block->first};
     block->nextSize = roundUp8(ulNextSize);
     block->first = {block, nullptr, nullptr, heapBytes};
-    std::fill(std::begin(block->freed), std::end(block->freed), nullptr);
+    clearRecord<sizeof block->freed>(block->freed);
     *ppstMemCp = &block->control;
     return SIP_OK;
 }

@@ -3,7 +3,7 @@
 // they do; where a program has put a service of its own in the place of one, that one is called.
 //
 // The number in the record's name stands for the records and rules that both libraries then share:
-// those of stringbuffer.hpp. Who changes one of them raises it, and libraries of
+// those of stringbuffer.hpp and block.hpp. Who changes one of them raises it, and libraries of
 // different builds call each other as strangers do.
 #ifndef SIPCORE_OWN_HPP
 #define SIPCORE_OWN_HPP
@@ -19,8 +19,10 @@ struct SipCoreOwn {
     decltype(&memcpy_s) copy;
     decltype(&memset_s) fill;
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
-    decltype(SDPMemCp::pfnFree)
-        blockFree; // null where freed memory is filled, which takes the call
+    // The same, but that memory holds anything.
+    decltype(SDPMemCp::pfnAlloc) blockTake;
+    // Null where freed memory is filled, which takes the call.
+    decltype(SDPMemCp::pfnFree) blockFree;
 };
 
 #if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use

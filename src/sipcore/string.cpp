@@ -1,4 +1,5 @@
 // Counted strings and reference strings.
+#include "heap.hpp"
 #include "refstring.hpp"
 
 #include "sdpline/sipcore.h"
@@ -18,7 +19,7 @@ SipRefString *sipcore::newRefString(SDPMemCp *memCp, const char *text, uint32_t 
     if (length > UINT32_MAX - sizeof(SipRefString)) {
         return nullptr;
     }
-    void *memory = memCp->pfnAlloc(memCp, static_cast<uint32_t>(sizeof(SipRefString)) + length);
+    void *memory = takeUnfilled(memCp, static_cast<uint32_t>(sizeof(SipRefString)) + length);
     if (memory == nullptr) {
         return nullptr;
     }
@@ -64,7 +65,7 @@ uint32_t SipSmCopyString(SDPMemCp *pstMemCp, const SipString *pstSrc, SipString 
         pstDst->ulLen = source.ulLen;
         return SIP_OK;
     }
-    auto *data = static_cast<char *>(pstMemCp->pfnAlloc(pstMemCp, source.ulLen));
+    auto *data = static_cast<char *>(sipcore::takeUnfilled(pstMemCp, source.ulLen));
     if (data == nullptr) {
         return SIP_NO_MEMORY;
     }

@@ -241,5 +241,6 @@ const SipCoreOwn SIPCORE_OWN = {.copyChar = sipcoreCopyChar,
                                 .copy = sipcoreCopy,
                                 .fill = sipcoreFill,
                                 .blockAlloc = sipcore::blockAlloc,
+                                .blockTake = sipcore::blockTake,
                                 .blockFree = sipcore::kFillsFreed ? nullptr : sipcore::blockFree};
 }

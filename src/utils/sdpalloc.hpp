@@ -1,4 +1,4 @@
-// The parser's memory: everything goes through the two hooks.
+// The parser's memory: everything goes through the two hooks, or does in place what they would.
 #pragma once
 
 #include <cstring>
@@ -6,6 +6,7 @@
 
 #include "sdpline/sdpline.h"
 #include "sipcore/block.hpp"
+#include "sipcore/fill.hpp"
 #include "utils/sdpchecks.hpp"
 #include "utils/sdpinline.hpp"
 #include "utils/sdpown.hpp"
@@ -46,66 +47,55 @@ SDPLINE_INLINE void copyBytes(void *to, const void *from, size_t size) {
     }
 }
 
-SDPLINE_INLINE void *cutSmall(SDPMemCp *memCp, uint32_t size) {
-    return sipcore::cutSmall(*static_cast<sipcore::Block *>(memCp->pService), size);
+// The block of the decode under way, where its memory is handled in place: it is libsipcore's, and
+// so is memset_s, and the hooks are those that decoding sets. Else null, and each request goes
+// through the hooks. Only a log hook could change them before the decode ends: the first entry that
+// is logged makes this null.
+extern SDPLINE_PER_THREAD sipcore::Block *decodeBlock;
+
+[[gnu::cold, gnu::noinline]] void *allocateByHook(uint32_t size);
+[[gnu::cold, gnu::noinline]] void freeByHook(void *memory);
+// Filled by the service.
+[[gnu::cold, gnu::noinline]] void *allocateFilled(uint32_t size, const char *function,
+                                                  uint32_t line);
+
+// From the decode's block: memory that holds anything, or null.
+SDPLINE_INLINE void *takeFrom(sipcore::Block &block, uint32_t size) {
+    void *const memory = sipcore::cutSmall(block, size);
+    return memory != nullptr ? memory : own.blockTake(&block.control, size);
 }
 
 // Null when there is no hook, or the hook has no memory. What it holds is for the caller to write.
 SDPLINE_INLINE void *allocateBytes(uint32_t size) {
-    const SdpFnAlloc alloc = g_gSdpFnAlloc;
-    if (alloc != SdpLibAllocSdpMem) [[unlikely]] {
-        return alloc != nullptr ? alloc(size) : nullptr;
-    }
-    // The hook that decoding sets, without the call.
-    SDPMemCp *const memCp = g_mSdpDecodeMemCp;
-    if (memCp == nullptr) [[unlikely]] {
-        return nullptr;
-    }
-    if (memCp->pfnAlloc == own.blockAlloc) [[likely]] {
-        if (void *const memory = cutSmall(memCp, size)) [[likely]] {
-            return memory;
-        }
-    }
-    return memCp->pfnAlloc(memCp, size);
+    sipcore::Block *const block = decodeBlock;
+    return block != nullptr ? takeFrom(*block, size) : allocateByHook(size);
 }
 
 SDPLINE_INLINE void freeBytes(void *memory) {
-    const SdpFnFree release = g_gSdpFnFree;
-    if (release != SdpLibFreeSdpMem) [[unlikely]] {
-        if (release != nullptr) {
-            release(memory);
-        }
-        return;
+    if (decodeBlock == nullptr) [[unlikely]] {
+        return freeByHook(memory);
     }
-    SDPMemCp *const memCp = g_mSdpDecodeMemCp;
-    if (memCp == nullptr) [[unlikely]] {
-        return;
+    sipcore::Piece *const piece = sipcore::pieceOf(memory);
+    if (own.blockFree != nullptr && sipcore::stateOf(piece) == sipcore::kLive) [[likely]] {
+        sipcore::giveBack(piece);
+    } else {
+        decodeBlock->control.pfnFree(memory);
     }
-    if (memCp->pfnFree == own.blockFree && memory != nullptr) [[likely]] {
-        sipcore::Piece *const piece = sipcore::pieceOf(memory);
-        if (sipcore::stateOf(piece) == sipcore::kLive) [[likely]] {
-            return sipcore::giveBack(piece);
-        }
-    }
-    memCp->pfnFree(memory);
 }
-
-// Filled by the service, which may be the program's own.
-[[gnu::noinline]] void *fillByService(void *memory, uint32_t size, const char *function,
-                                      uint32_t line);
 
 // A zeroed record, or null.
 template <class Record>
 SDPLINE_INLINE Record *allocate(const char *function = __builtin_FUNCTION(),
                                 uint32_t line = __builtin_LINE()) {
-    void *const memory = allocateBytes(sizeof(Record));
-    if (memory == nullptr) [[unlikely]] {
-        return nullptr;
+    sipcore::Block *const block = decodeBlock;
+    if (block == nullptr) [[unlikely]] {
+        return static_cast<Record *>(allocateFilled(sizeof(Record), function, line));
     }
-    if (!own.fill) [[unlikely]] {
-        return static_cast<Record *>(fillByService(memory, sizeof(Record), function, line));
+    void *const memory = takeFrom(*block, sizeof(Record));
+    if (memory != nullptr) [[likely]] {
+        sipcore::clearRecord<sizeof(Record)>(memory);
     }
-    return static_cast<Record *>(std::memset(memory, 0, sizeof(Record)));
+    return static_cast<Record *>(memory);
 }
 
 // Stores a copy of the text, without a terminator. Without memory the length stays and the

@@ -1,6 +1,8 @@
 // The table of the failing checks, and the functions that report them.
 #include "utils/sdpchecks.hpp"
 
+#include "utils/sdpalloc.hpp"
+
 #include <atomic>
 
 namespace sdpline {
@@ -174,12 +176,16 @@ SDPResult codeOf(Check check) {
 SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word) {
     if (isOfParsing(row(check).source)) {
         lastFailed = {check, word};
+        decodeBlock = nullptr; // the log hook may set others
     }
     report(row(check), value, line);
     return codeOf(check);
 }
 
 SDPResult passUp(Check check, SDPResult result, uint32_t line) {
+    if (isOfParsing(row(check).source)) {
+        decodeBlock = nullptr;
+    }
     report(row(check), result, line);
     return result;
 }

@@ -1,8 +1,9 @@
-// Lookup in a fixed table of names: a hash of the length and of three bytes picks the only name
+// Lookup in a fixed table of names: a hash of the first and of the last bytes picks the only name
 // that a text can be, and one comparison decides.
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -40,13 +41,31 @@ SDPLINE_INLINE bool equalBytes(const char *a, const char *b, size_t size) {
     return true;
 }
 
+// Four bytes as a number, the same when the compiler reads them.
+SDPLINE_INLINE constexpr uint32_t fourBytes(const char *bytes) {
+    if (!std::is_constant_evaluated()) {
+        uint32_t value;
+        std::memcpy(&value, bytes, sizeof value);
+        return value;
+    }
+    uint32_t value = 0;
+    for (uint32_t i = 0; i < 4; ++i) {
+        const uint32_t shift = std::endian::native == std::endian::little ? 8 * i : 24 - 8 * i;
+        value |= uint32_t{static_cast<uint8_t>(bytes[i])} << shift;
+    }
+    return value;
+}
+
 // A table of N names. Of equal names the last row counts.
 template <size_t N>
 class Names {
     static_assert(N < 255, "rows are kept in bytes");
 
 public:
-    constexpr explicit Names(const std::array<std::string_view, N> &names) : names_(names) {
+    constexpr explicit Names(const std::array<std::string_view, N> &names) {
+        for (size_t row = 0; row < N; ++row) {
+            names_[row] = names[row];
+        }
         while (!fill()) {
             factor_ += 2;
         }
@@ -58,7 +77,7 @@ public:
             return N;
         }
         const size_t row = slots_[slotOf(name)];
-        if (row == N || names_[row].size() != name.size()) {
+        if (names_[row].size() != name.size()) {
             return N;
         }
         return equalBytes(names_[row].data(), name.data(), name.size()) ? row : N;
@@ -67,12 +86,17 @@ public:
 private:
     static constexpr size_t kSlots = 256;
 
-    constexpr size_t slotOf(std::string_view name) const {
-        const auto byteAt = [name](size_t at) {
-            return static_cast<uint32_t>(static_cast<uint8_t>(name[at]));
-        };
-        const uint32_t key = static_cast<uint32_t>(name.size()) | byteAt(0) << 8 |
-                             byteAt(name.size() / 2) << 16 | byteAt(name.size() - 1) << 24;
+    SDPLINE_INLINE constexpr size_t slotOf(std::string_view name) const {
+        const char *const bytes = name.data();
+        const size_t size = name.size();
+        uint32_t key;
+        if (size >= 4) [[likely]] {
+            key = fourBytes(bytes) + 5 * fourBytes(bytes + size - 4);
+        } else {
+            key = uint32_t{static_cast<uint8_t>(bytes[0])} |
+                  uint32_t{static_cast<uint8_t>(bytes[size / 2])} << 8 |
+                  uint32_t{static_cast<uint8_t>(bytes[size - 1])} << 16;
+        }
         return key * factor_ >> 24;
     }
 
@@ -92,7 +116,7 @@ private:
         return true;
     }
 
-    std::array<std::string_view, N> names_;
+    std::array<std::string_view, N + 1> names_{}; // the last one, empty, is that of unused slots
     std::array<uint8_t, kSlots> slots_{};
     uint32_t factor_ = 0x9E3779B1; // odd, of mixed bits
 };

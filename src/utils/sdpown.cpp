@@ -21,6 +21,7 @@ Own findOwn() {
             .copy = core.copy == memcpy_s,
             .fill = core.fill == memset_s,
             .blockAlloc = core.blockAlloc,
+            .blockTake = core.blockTake,
             .blockFree = core.blockFree};
 }
 

@@ -12,8 +12,10 @@ struct Own {
     bool appends; // all four appends of string buffers
     bool copy;    // memcpy_s
     bool fill;    // memset_s
-    // pfnAlloc and pfnFree of the blocks; null where that is not to be done in place.
+    // pfnAlloc and pfnFree of the blocks; null where that is not to be done in place. blockTake is
+    // pfnAlloc without its zeroing.
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
+    decltype(SDPMemCp::pfnAlloc) blockTake;
     decltype(SDPMemCp::pfnFree) blockFree;
 };
 

@@ -1,5 +1,5 @@
-// What is done in place of libsipcore's services gives what their calls give: every case, bodies made
-// by chance and damaged ones, decoded and written both ways.
+// What is done in place of libsipcore's services gives what their calls give: every case, bodies
+// made by chance and damaged ones, decoded and written both ways.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -152,26 +152,26 @@ TEST(InPlace, givesWhatTheCallsGiveForBodiesMadeByChance) {
 
 // Records that no text gives: every writer stops where it stops when it calls.
 TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
-    const std::string bytes = "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP4 1.2.3.4/5/6\r\nt=1 2\r\n"
-                              "r=7d 1h 0 25h\r\nm=audio 1/2 RTP/AVP 0 8\r\na=rtpmap:0 PCMU/8000/2\r\n"
-                              "a=des:qos optional remote sendrecv\r\na=ipbcp:1 Request\r\n";
+    const std::string bytes =
+        "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP4 1.2.3.4/5/6\r\nt=1 2\r\n"
+        "r=7d 1h 0 25h\r\nm=audio 1/2 RTP/AVP 0 8\r\na=rtpmap:0 PCMU/8000/2\r\n"
+        "a=des:qos optional remote sendrecv\r\na=ipbcp:1 Request\r\n";
     const auto outcome = [&](uint32_t spoiled) {
         support::LogRecorder log;
         const Body body = support::decoded(bytes);
         SDPMediaDesc &media = *body->stMediaSet.ppstMediaDescs[0];
-        uint32_t *const codes[] = {&body->stOrigin.stNetType.enNetType,
-                                   &body->stOrigin.stAddrType.enAddrType,
-                                   &body->pstConnection->stNetType.enNetType,
-                                   &body->pstConnection->stAddrType.enAddrType,
-                                   &body->pstConnection->stTptAddr.enTptAddrType,
-                                   &media.stMediaField.stMedia.enMediaType,
-                                   &media.stMediaField.stProto.enProto,
-                                   &media.stMediaField.stMediaFmt.enFmtType,
-                                   &media.pstAttrList->ppstAttrs[0]->ulAttrType,
-                                   &media.pstAttrList->ppstAttrs[1]->unAttrValue.stRsrcMgmtStatus
-                                        .enStrengthTag,
-                                   &media.pstAttrList->ppstAttrs[1]->unAttrValue.stRsrcMgmtStatus
-                                        .enStatusType};
+        uint32_t *const codes[] = {
+            &body->stOrigin.stNetType.enNetType,
+            &body->stOrigin.stAddrType.enAddrType,
+            &body->pstConnection->stNetType.enNetType,
+            &body->pstConnection->stAddrType.enAddrType,
+            &body->pstConnection->stTptAddr.enTptAddrType,
+            &media.stMediaField.stMedia.enMediaType,
+            &media.stMediaField.stProto.enProto,
+            &media.stMediaField.stMediaFmt.enFmtType,
+            &media.pstAttrList->ppstAttrs[0]->ulAttrType,
+            &media.pstAttrList->ppstAttrs[1]->unAttrValue.stRsrcMgmtStatus.enStrengthTag,
+            &media.pstAttrList->ppstAttrs[1]->unAttrValue.stRsrcMgmtStatus.enStatusType};
         if (spoiled == std::size(codes)) {
             return std::string("all");
         }

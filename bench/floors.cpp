@@ -1,0 +1,99 @@
+#include "floors.hpp"
+
+#include <array>
+#include <memory>
+
+#include "sdpline/sdpinternals.h"
+#include "sdpline/sdpline.h"
+
+namespace bench {
+
+namespace {
+
+struct Requests {
+    std::vector<uint32_t> sizes;
+    std::vector<std::unique_ptr<uint8_t[]>> pieces; // until the body is dropped
+};
+
+Requests *requests = nullptr;
+
+void *noteRequest(uint32_t size) {
+    requests->sizes.push_back(size);
+    requests->pieces.push_back(std::make_unique<uint8_t[]>(size + 1));
+    return requests->pieces.back().get();
+}
+
+constexpr auto kClasses = [] {
+    std::array<uint8_t, 256> classes{};
+    for (int byte = 0; byte < 256; ++byte) {
+        const int letter = byte | 0x20;
+        if (byte >= '0' && byte <= '9') {
+            classes[static_cast<size_t>(byte)] = 1;
+        } else if (letter >= 'a' && letter <= 'z') {
+            classes[static_cast<size_t>(byte)] = 2;
+        }
+    }
+    return classes;
+}();
+
+} // namespace
+
+// Aligned, so that the floor does not lie deeper or higher with every change of what stands before
+// it.
+[[gnu::noinline, gnu::aligned(64)]] uint32_t passTable(const std::string &text,
+                                                       const uint8_t (&table)[256]) {
+    uint32_t sum = 0;
+    for (const char byte : text) {
+        sum += table[static_cast<uint8_t>(byte)];
+    }
+    return sum;
+}
+
+std::string normalForm(const std::string &text) {
+    std::string form(text.size() + 3, '\0');
+    convertCRLFToCR(reinterpret_cast<const uint8_t *>(text.data()),
+                    static_cast<uint32_t>(text.size()), reinterpret_cast<uint8_t *>(form.data()),
+                    static_cast<uint32_t>(form.size()));
+    return form;
+}
+
+[[gnu::noinline, gnu::aligned(64)]] uint32_t countRuns(const std::string &text) {
+    const auto *byte = reinterpret_cast<const uint8_t *>(text.c_str());
+    uint32_t runs = 0;
+    for (; *byte != 0; ++runs) {
+        const uint8_t run = kClasses[*byte++];
+        while (run != 0 && kClasses[*byte] == run) {
+            ++byte;
+        }
+    }
+    return runs;
+}
+
+std::vector<uint32_t> requestsOf(const std::string &text) {
+    Requests noted;
+    requests = &noted;
+    SdpSetFnAlloc(noteRequest);
+    SdpSetFnFree([](void *) {});
+    const SipString view = {static_cast<uint32_t>(text.size()), const_cast<char *>(text.data())};
+    SdpLine *line = nullptr;
+    SdpLibParseSdp(&view, &line);
+    SdpSetFnAlloc(nullptr);
+    SdpSetFnFree(nullptr);
+    requests = nullptr;
+    return noted.sizes;
+}
+
+bool cutAll(const std::vector<uint32_t> &sizes) {
+    SDPMemCp *block = nullptr;
+    if (SipMmCreateBufMem(512, 1032, &block) != 0) {
+        return false;
+    }
+    bool all = true;
+    for (const uint32_t size : sizes) {
+        all = all && block->pfnAlloc(block, size) != nullptr;
+    }
+    SipMmReleaseBufMem(&block);
+    return all;
+}
+
+} // namespace bench
