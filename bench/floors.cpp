@@ -1,10 +1,8 @@
 #include "floors.hpp"
 
-#include <array>
 #include <memory>
 
 #include "sdpline/sdpinternals.h"
-#include "sdpline/sdpline.h"
 
 namespace bench {
 
@@ -23,19 +21,6 @@ void *noteRequest(uint32_t size) {
     return requests->pieces.back().get();
 }
 
-constexpr auto kClasses = [] {
-    std::array<uint8_t, 256> classes{};
-    for (int byte = 0; byte < 256; ++byte) {
-        const int letter = byte | 0x20;
-        if (byte >= '0' && byte <= '9') {
-            classes[static_cast<size_t>(byte)] = 1;
-        } else if (letter >= 'a' && letter <= 'z') {
-            classes[static_cast<size_t>(byte)] = 2;
-        }
-    }
-    return classes;
-}();
-
 } // namespace
 
 // Aligned, so that the floor does not lie deeper or higher with every change of what stands before
@@ -47,26 +32,6 @@ constexpr auto kClasses = [] {
         sum += table[static_cast<uint8_t>(byte)];
     }
     return sum;
-}
-
-std::string normalForm(const std::string &text) {
-    std::string form(text.size() + 3, '\0');
-    convertCRLFToCR(reinterpret_cast<const uint8_t *>(text.data()),
-                    static_cast<uint32_t>(text.size()), reinterpret_cast<uint8_t *>(form.data()),
-                    static_cast<uint32_t>(form.size()));
-    return form;
-}
-
-[[gnu::noinline, gnu::aligned(64)]] uint32_t countRuns(const std::string &text) {
-    const auto *byte = reinterpret_cast<const uint8_t *>(text.c_str());
-    uint32_t runs = 0;
-    for (; *byte != 0; ++runs) {
-        const uint8_t run = kClasses[*byte++];
-        while (run != 0 && kClasses[*byte] == run) {
-            ++byte;
-        }
-    }
-    return runs;
 }
 
 std::vector<uint32_t> requestsOf(const std::string &text) {

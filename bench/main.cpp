@@ -138,16 +138,6 @@ void addFloors(const Body &body) {
             return true;
         });
     });
-    add("floor", "runs", body, [&body](benchmark::State &state) {
-        std::vector<std::string> forms;
-        for (const std::string &text : body.texts) {
-            forms.push_back(bench::normalForm(text));
-        }
-        bench::measureEach(state, body, forms, [](const std::string &form) {
-            benchmark::DoNotOptimize(bench::countRuns(form));
-            return true;
-        });
-    });
     add("floor", "pieces", body, [&body](benchmark::State &state) {
         std::vector<std::vector<uint32_t>> requests;
         for (const std::string &text : body.texts) {

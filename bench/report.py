@@ -21,9 +21,8 @@ OWN_OPERATIONS = [
 ]
 FLOORS = [
     ("table", "floor: one table pass"),
-    ("normal", "floor: the normal form alone"),
-    ("runs", "floor: its runs told apart"),
-    ("pieces", "floor: the tree's pieces, cut and released"),
+    ("normal", "the normal form alone"),
+    ("pieces", "the tree's memory alone, by calls"),
     ("copy", "floor: malloc, memcpy, free"),
 ]
 
