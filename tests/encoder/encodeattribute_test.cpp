@@ -240,6 +240,24 @@ TEST_F(EncodeAttribute, ValueWritersAnswerTheirOwnAppend) {
     EXPECT_EQ(log.texts(), Lines());
 }
 
+TEST_F(EncodeAttribute, ValueWritersWriteTheValueAlone) {
+    SDPRtpMapAttr opus = {};
+    opus.ulPayloadType = 111;
+    opus.strEncodingName = str("opus");
+    opus.ulClockRate = 48000;
+    opus.ulEncodingParams = 2;
+    SDPAttr attr = rtpMap(opus);
+    EXPECT_EQ(sdpLibEncodeAttribFieldRtpMap(&attr, buffer), 0u);
+    EXPECT_EQ(text(), "111 opus/48000/2");
+
+    startAnew();
+    attr = number(SDP_ATTR_SETUP, SDP_T120_ACTIVE);
+    EXPECT_EQ(sdpLibEncodeAttribT120Setup(&attr, buffer), 0u);
+    attr.unAttrValue.stIpBcp = {1, 0, 0, SDP_IPBCP_REQUEST};
+    EXPECT_EQ(sdpLibEncodeAttribFieldIbpCp(&attr, buffer), 0u);
+    EXPECT_EQ(text(), "active1 Request");
+}
+
 // ---- The list
 
 class EncodeAttributeList : public EncodeAttribute {

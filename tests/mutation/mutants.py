@@ -28,6 +28,7 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+PROGRAMS = ("tests/sdpline_tests", "tests/inplace_tests")
 FOLDERS = ("src/lexer", "src/parser", "src/encoder", "src/dsm")
 GOAL = 95.0
 
@@ -164,18 +165,20 @@ class Original:
         must(["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-Wno-dev",
               "-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS=-O1", "-DCMAKE_C_FLAGS=-O1",
               "-DSDPLINE_HARDEN=OFF", "-DSDPLINE_INSTALL=OFF"], folder)
-        must(["ninja", "-C", self.build, "-j2", "tests/sdpline_tests"], folder)
-        self.compile, self.link = {}, []
-        for line in must(["ninja", "-t", "commands", "tests/sdpline_tests"],
-                         self.build).splitlines():
+        must(["ninja", "-C", self.build, "-j2", *PROGRAMS], folder)
+        self.compile, self.links = {}, {}
+        for line in must(["ninja", "-t", "commands", *PROGRAMS], self.build).splitlines():
             words = [w for w in shlex.split(line)]
             if "-c" in words and "sdpline_counted.dir" in line:
                 self.compile[words[words.index("-o") + 1]] = self.plain(words)
             elif words[-1] != ":" or "-o" in words:
-                if "tests/sdpline_tests" in words:
-                    self.link = words[words.index("&&") + 1:] if words[0] == ":" else words
-        while self.link and self.link[-1] in ("&&", ":"):
-            self.link.pop()
+                for program in PROGRAMS:
+                    if program in words:
+                        link = words[words.index("&&") + 1:] if words[0] == ":" else words
+                        self.links[program] = link
+        for link in self.links.values():
+            while link and link[-1] in ("&&", ":"):
+                link.pop()
         self.users = self.dependents()
         self.limit = self.time_of_tests() * 5 + 10
 
@@ -216,9 +219,10 @@ class Original:
 
     def time_of_tests(self):
         begun = time.monotonic()
-        status, output = run(["tests/sdpline_tests", "--gtest_brief=1"], self.build, 600)
-        if status != 0:
-            sys.exit("the tests fail as they are:\n" + output[-4000:])
+        for program in PROGRAMS:
+            status, output = run([program, "--gtest_brief=1"], self.build, 600)
+            if status != 0:
+                sys.exit("the tests fail as they are:\n" + output[-4000:])
         return time.monotonic() - begun
 
 
@@ -247,12 +251,20 @@ class Worker:
                 objects[name] = made
         if not objects:
             return "same"
+        for name in PROGRAMS:
+            verdict = self.tested(name, objects)
+            if verdict != "survived":
+                return verdict
+        return "same" if self.same_optimised(mutant, objects) else "survived"
+
+    def tested(self, name, objects):
+        """What one program makes of the changed objects."""
         program = self.folder / "tests"
-        command = [str(program) if w == "tests/sdpline_tests" else w for w in self.original.link]
+        command = [str(program) if w == name else w for w in self.original.links[name]]
         # The changed objects stand first, before inline functions and tables in those of the tests.
         first = next(i for i, w in enumerate(command) if w.endswith(".o"))
         archive = next(i for i, w in enumerate(command) if w.endswith("libsdpline_counted.a"))
-        unchanged = [name for name in self.original.compile if name not in objects]
+        unchanged = [each for each in self.original.compile if each not in objects]
         command[archive:archive + 1] = unchanged
         command[first:first] = [str(made) for made in objects.values()]
         status, _ = run(command, self.original.build)
@@ -261,8 +273,6 @@ class Worker:
         status, _ = run(["prlimit", "--as=4294967296", "--core=0", str(program),
                          "--gtest_brief=1", "--gtest_fail_fast"], self.original.build,
                         self.original.limit)
-        if status == 0 and self.same_optimised(mutant, objects):
-            return "same"
         return "hung" if status is None else "survived" if status == 0 else "killed"
 
     def same_optimised(self, mutant, objects):
