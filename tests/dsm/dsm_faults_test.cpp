@@ -265,6 +265,11 @@ TEST(CopyMediaFormatFaults, AFailedCopyOfBytesIsReportedAndNoFailure) {
     EXPECT_EQ(support::SecureFaults::reports()[0].number, 915u);
     support::SecureFaults::reset();
     EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+
+    EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
+    EXPECT_EQ(support::SecureFaults::count(), 1u);
+    EXPECT_TRUE(support::SecureFaults::reports().empty()) << "one that succeeds is none";
+    EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
 }
 
 } // namespace

@@ -244,6 +244,14 @@ TEST_F(ParserAttribute, ValuesOf1023Bytes) {
     }
 }
 
+// A token at offset 0 counts as none: the first one behind it begins there again.
+TEST_F(ParserAttribute, ValueWhoseColonBeginsTheInputHoldsTheColon) {
+    start(":one two\n");
+    SDPAttr attr = {};
+    EXPECT_EQ(named(sdpOtherRecAttr(&attr, SDP_ATTR_TOOL)), "ok");
+    EXPECT_EQ(textOf(attr.unAttrValue.strValue), ":one two");
+}
+
 TEST_F(ParserAttribute, ValueThatRunsIntoTheEndKeepsItsText) {
     startValue("tool:one two");
     SDPAttr attr = {};
