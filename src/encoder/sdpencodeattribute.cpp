@@ -55,9 +55,6 @@ SDPResult sdpLibEncodeAttribT120Setup(SDPAttr *pstAttr, SipStringBuffer *pstBuf)
 
 SDPResult sdpLibEncodeStatusAttribField(SDPRsrcMgmtStatus *pstStatus, uint32_t enAttrType,
                                         SipStringBuffer *pstBuf) {
-    if (pstStatus == nullptr || pstBuf == nullptr) {
-        return fail(Check::StatusArgument);
-    }
     return writeTo(pstBuf, [=](Output &out) { return writeStatus(out, pstStatus, enAttrType); });
 }
 

@@ -123,6 +123,9 @@ SDPLINE_INLINE SDPResult writeStatusName(Output &out, uint32_t type) {
 // ( "curr:" / "des:" / "conf:" ) precondition-type [ SP strength-tag ] SP status-type
 // SP direction-tag, where the strength is that of "des:" alone
 inline SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t type) {
+    if (status == nullptr || !out.hasBuffer()) {
+        return fail(Check::StatusArgument);
+    }
     if (writeStatusName(out, type) != 0) {
         return fail(Check::StatusAttrFailed, type);
     }

@@ -36,6 +36,8 @@ public:
         }
     }
 
+    bool hasBuffer() const { return buffer_ != nullptr; }
+
     SDPLINE_INLINE uint32_t character(char letter) {
         if (!fits(1)) [[unlikely]] {
             return call<SipSbCopyChar>(letter);
@@ -87,7 +89,7 @@ private:
         uint32_t result;
     };
 
-    bool isOpen() const { return own.appends && buffer_ != nullptr; }
+    bool isOpen() const { return own.appends && hasBuffer(); }
 
     // Without a buffer that may be written to, there is less than no room: nothing fits.
     SDPLINE_INLINE void enter() {

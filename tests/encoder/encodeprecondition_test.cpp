@@ -65,6 +65,18 @@ TEST_F(EncodePrecondition, RefusesNullArguments) {
     EXPECT_EQ(Appends::count(), 0u);
 }
 
+TEST_F(EncodePrecondition, RefusesANullBufferAsAnAttributeToo) {
+    SDPAttr attr = {};
+    attr.unAttrValue.stRsrcMgmtStatus = status;
+    for (const uint32_t type : {SDP_ATTR_DES, SDP_ATTR_CURR, SDP_ATTR_CONF}) {
+        startAnew();
+        attr.ulAttrType = type;
+        EXPECT_EQ(sdpLibEncodeAttribField(&attr, nullptr), 0xDB023001u);
+        EXPECT_EQ(log.texts(), Lines{"3 sdpencodeattribute sdpLibEncodeStatusAttribField 0"});
+        EXPECT_EQ(Appends::count(), 0u);
+    }
+}
+
 TEST_F(EncodePrecondition, RefusesAnAttributeThatIsNone) {
     EXPECT_EQ(encode(SDP_ATTR_IPBCP), 0xDB024001u);
     const std::string message = " 21 \"Attribute type = 39\"";
