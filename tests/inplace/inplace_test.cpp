@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "intf/sdpintf.hpp"
 #include "sdpline/sdpinternals.h"
 #include "sdpline/sdpline.h"
 #include "support/bodies.hpp"
@@ -15,6 +16,8 @@
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
 #include "tree.hpp"
+#include "utils/sdpalloc.hpp"
+#include "utils/sdpchecks.hpp"
 #include "utils/sdpown.hpp"
 
 namespace {
@@ -186,6 +189,32 @@ TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
         const std::string inPlace = outcome(spoiled);
         const Called calledOnly;
         EXPECT_EQ(outcome(spoiled), inPlace) << spoiled;
+    }
+}
+
+// A log hook may set other hooks: what a decode asks for behind an entry is asked of those.
+TEST(InPlace, goesThroughTheHooksOnceAnEntryWasLogged) {
+    for (const bool passedUp : {false, true}) {
+        SDPMemCp *block = nullptr;
+        ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
+        sdpline::beginDecode(block);
+        void *const piece = sdpline::allocateBytes(24);
+        EXPECT_NE(sdpline::decodeBlock, nullptr);
+        if (passedUp) {
+            sdpline::passUp(sdpline::Check::ParseRefused, 1);
+        } else {
+            sdpline::fail(sdpline::Check::ConnLastOctetRange);
+        }
+        static uint8_t other[24];
+        static const void *freed;
+        SdpSetFnAlloc([](uint32_t) -> void * { return other; });
+        SdpSetFnFree([](void *memory) { freed = memory; });
+        EXPECT_EQ(sdpline::allocateBytes(24), other);
+        EXPECT_EQ(static_cast<void *>(sdpline::allocate<SipString>()), other);
+        sdpline::freeBytes(piece);
+        EXPECT_EQ(freed, piece);
+        sdpline::endDecode(false);
+        SipMmReleaseBufMem(&block);
     }
 }
 
