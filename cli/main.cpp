@@ -1,7 +1,7 @@
 // The sdpline program: SDP bodies decoded, checked, compared and written, for people and scripts.
 #include <iostream>
 
-#include "commands.hpp"
+#include "commands/commands.hpp"
 
 namespace {
 

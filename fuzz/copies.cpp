@@ -4,7 +4,7 @@
 #include <deque>
 #include <vector>
 
-#include "dsm/linesamples.hpp"
+#include "copy/linesamples.hpp"
 #include "fuzz.hpp"
 #include "support/bodylines.hpp"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "fuzz.hpp"
-#include "tree.hpp"
+#include "output/tree.hpp"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // With any allocation and any append failing, nothing but success or that failure's own reason
 // comes back, nothing is lost, and what was made can be used.
-#include "dsm/linesamples.hpp"
+#include "copy/linesamples.hpp"
 #include "fuzz.hpp"
 #include "support/allocations.hpp"
 #include "support/appends.hpp"

@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz.hpp"
-#include "json.hpp"
-#include "tree.hpp"
+#include "output/tree.hpp"
+#include "json/json.hpp"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "fuzz.hpp"
-#include "message.hpp"
+#include "input/message.hpp"
 
 namespace {
 

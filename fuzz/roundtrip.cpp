@@ -15,7 +15,7 @@
 #include <string>
 
 #include "fuzz.hpp"
-#include "tree.hpp"
+#include "output/tree.hpp"
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <string_view>
 
 #include "fuzz.hpp"
-#include "json.hpp"
 #include "support/cases.hpp"
-#include "utils/sdpwords.hpp"
+#include "tables/keywords.hpp"
+#include "json/json.hpp"
 
 namespace {
 

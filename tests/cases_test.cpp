@@ -6,13 +6,13 @@
 #include <memory>
 #include <string>
 
+#include "output/tree.hpp"
 #include "sdpline/sdpline.h"
 #include "support/allocations.hpp"
 #include "support/appends.hpp"
 #include "support/cases.hpp"
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
-#include "tree.hpp"
 
 namespace {
 

@@ -63,16 +63,16 @@
 #include <string_view>
 #include <utility>
 
-#include "sdpline/face/attributes.hpp"
-#include "sdpline/face/attributeseditor.hpp"
-#include "sdpline/face/clone.hpp"
-#include "sdpline/face/decode.hpp"
-#include "sdpline/face/editors.hpp"
-#include "sdpline/face/lines.hpp"
-#include "sdpline/face/media.hpp"
-#include "sdpline/face/result.hpp"
-#include "sdpline/face/values.hpp"
-#include "sdpline/face/words.hpp"
+#include "sdpline/cpp/attributes.hpp"
+#include "sdpline/cpp/attributeseditor.hpp"
+#include "sdpline/cpp/clone.hpp"
+#include "sdpline/cpp/decode.hpp"
+#include "sdpline/cpp/editors.hpp"
+#include "sdpline/cpp/lines.hpp"
+#include "sdpline/cpp/media.hpp"
+#include "sdpline/cpp/result.hpp"
+#include "sdpline/cpp/values.hpp"
+#include "sdpline/cpp/words.hpp"
 #include "sdpline/sdpline.h"
 
 namespace sdpline {

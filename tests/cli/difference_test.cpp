@@ -4,7 +4,7 @@
 #include <random>
 #include <string>
 
-#include "difference.hpp"
+#include "compare/difference.hpp"
 #include "support/bodies.hpp"
 #include "support/generator.hpp"
 

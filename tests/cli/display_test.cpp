@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "display.hpp"
-#include "text.hpp"
+#include "output/display.hpp"
+#include "output/text.hpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <random>
 #include <string>
 
-#include "body.hpp"
-#include "everyline.hpp"
+#include "input/body.hpp"
+#include "output/everyline.hpp"
 #include "support/bodies.hpp"
 #include "support/damage.hpp"
 #include "support/generator.hpp"

@@ -4,11 +4,11 @@
 #include <random>
 #include <string>
 
-#include "json.hpp"
+#include "output/tree.hpp"
 #include "support/bodies.hpp"
 #include "support/cases.hpp"
 #include "support/generator.hpp"
-#include "tree.hpp"
+#include "json/json.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "message.hpp"
+#include "input/message.hpp"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <random>
 #include <string>
 
-#include "body.hpp"
-#include "redact.hpp"
+#include "input/body.hpp"
+#include "redact/redact.hpp"
 #include "support/bodies.hpp"
 #include "support/damage.hpp"
 #include "support/generator.hpp"

@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
 #include "support/appends.hpp"
 #include "support/logs.hpp"
-#include "utils/sdpchecks.hpp"
 
 namespace support {
 

@@ -6,19 +6,19 @@
 #include <string>
 #include <vector>
 
-#include "intf/sdpintf.hpp"
+#include "api/decode.hpp"
+#include "checks/checks.hpp"
+#include "output/tree.hpp"
 #include "sdpline/sdpinternals.h"
 #include "sdpline/sdpline.h"
+#include "services/allocation.hpp"
+#include "services/builtin.hpp"
 #include "support/bodies.hpp"
 #include "support/cases.hpp"
 #include "support/damage.hpp"
 #include "support/generator.hpp"
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
-#include "tree.hpp"
-#include "utils/sdpalloc.hpp"
-#include "utils/sdpchecks.hpp"
-#include "utils/sdpown.hpp"
 
 namespace {
 

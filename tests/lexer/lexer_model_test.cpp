@@ -7,7 +7,7 @@
 #include <random>
 #include <string_view>
 
-#include "lexer/sdplexer.hpp"
+#include "lexer/lexer.hpp"
 #include "support/lexermodel.hpp"
 
 namespace {

@@ -29,7 +29,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 PROGRAMS = ("tests/sdpline_tests", "tests/inplace_tests")
-FOLDERS = ("src/lexer", "src/parser", "src/encoder", "src/dsm")
+FOLDERS = ("src/lexer", "src/parser", "src/encoder", "src/copy")
 GOAL = 95.0
 
 # What is changed into what; the first group of a pattern is replaced. Patterns see code only:

@@ -2,7 +2,7 @@
 // have failed somewhere in a whole run of sdpline_tests.
 #pragma once
 
-#include "utils/sdpchecks.hpp"
+#include "checks/checks.hpp"
 
 namespace support {
 

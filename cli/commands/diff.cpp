@@ -1,0 +1,120 @@
+// sdpline diff: what differs between two bodies.
+#include "commands/commands.hpp"
+
+#include <iostream>
+
+#include "compare/difference.hpp"
+#include "input/input.hpp"
+#include "output/diagnostic.hpp"
+#include "output/display.hpp"
+
+namespace cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kDifferent = 1;
+constexpr int kTrouble = 2;
+
+struct Options {
+    std::string first;
+    std::string second;
+    bool json = false;
+    bool avpf = false;
+};
+
+// The one body of the file; null when there is not exactly one, or it is refused.
+Body bodyOf(const std::string &path) {
+    const Inputs inputs = readInputs({path});
+    if (!inputs.complete) {
+        return nullptr;
+    }
+    if (inputs.bodies.size() != 1) {
+        std::cerr << "sdpline: " << inputs.sources.front().name() << ": holds "
+                  << inputs.bodies.size() << " bodies, not one\n";
+        return nullptr;
+    }
+    const Found &found = inputs.bodies.front();
+    Decoded decoded = decodeBody(found.text());
+    if (!decoded.body) {
+        std::cerr << shortText(found, diagnosticOf(decoded, found.place)) << '\n';
+    }
+    return std::move(decoded.body);
+}
+
+void printText(const std::vector<Change> &changes) {
+    const Style &style = styleFor(stdout);
+    for (const Change &change : changes) {
+        std::cout << style.bold
+                  << (change.media ? "media " + std::to_string(*change.media) + ' ' +
+                                         escaped(change.mediaType)
+                                   : "session")
+                  << style.reset << ": " << change.what << ' ';
+        if (change.from && change.to) {
+            std::cout << style.removed << escaped(*change.from) << style.reset << " -> "
+                      << style.added << escaped(*change.to) << style.reset << '\n';
+        } else if (change.to) {
+            std::cout << style.added << escaped(*change.to) << style.reset << " added\n";
+        } else {
+            std::cout << style.removed << escaped(*change.from) << style.reset << " removed\n";
+        }
+    }
+}
+
+void printJson(const std::vector<Change> &changes) {
+    Json list = Json::array();
+    for (const Change &change : changes) {
+        Json row = {{"what", change.what}};
+        if (change.media) {
+            row["media"] = *change.media;
+            row["mediaType"] = change.mediaType;
+        }
+        if (change.from) {
+            row["from"] = *change.from;
+        }
+        if (change.to) {
+            row["to"] = *change.to;
+        }
+        list.push_back(std::move(row));
+    }
+    std::cout << dumped({{"same", changes.empty()}, {"changes", std::move(list)}});
+}
+
+int run(const Options &options) {
+    SdpSetSupMedProtoRtpAvpf(options.avpf ? 1 : 0);
+    const Body first = bodyOf(options.first);
+    const Body second = bodyOf(options.second);
+    if (!first || !second) {
+        return kTrouble;
+    }
+    const std::vector<Change> changes = differences(*first, *second);
+    options.json ? printJson(changes) : printText(changes);
+    return changes.empty() ? 0 : kDifferent;
+}
+
+} // namespace
+
+void addDiff(CLI::App &app, Outcome &outcome) {
+    const auto options = std::make_shared<Options>();
+    CLI::App *const command = app.add_subcommand("diff", "Say what differs between two bodies.");
+    command->add_option("A", options->first, "A file with one body; - is standard input")
+        ->required()
+        ->type_name("");
+    command->add_option("B", options->second, "Another one")->required()->type_name("");
+    command->add_flag("--json", options->json, "Print one JSON document");
+    addAvpf(*command, options->avpf);
+    command->footer("Media descriptions are paired by their place. Direction and connection are\n"
+                    "compared as they are in force; the order of attributes, line ends and the\n"
+                    "spelling of addresses make no difference.\n\n"
+                    "Examples:\n"
+                    "  sdpline diff offer.sdp answer.sdp\n"
+                    "  sdpline diff --json before.sip after.sip\n\n"
+                    "Exit status: 0 when they are the same, 1 when they differ, 2 on trouble.");
+    command->callback([options, &outcome] {
+        outcome.trouble = kTrouble;
+        outcome.status = run(*options);
+    });
+}
+
+} // namespace cli

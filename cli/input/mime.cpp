@@ -1,0 +1,154 @@
+#include "input/mime.hpp"
+
+#include "output/text.hpp"
+
+namespace cli {
+
+namespace {
+
+void keepHeader(Headers &headers, std::string_view header) {
+    const size_t colon = header.find(':');
+    if (colon == std::string_view::npos) {
+        return;
+    }
+    const std::string_view name = trimmed(header.substr(0, colon));
+    const std::string value(trimmed(header.substr(colon + 1)));
+    const auto is = [name](std::string_view full, std::string_view compact) {
+        return equalsIgnoringCase(name, full) ||
+               (!compact.empty() && equalsIgnoringCase(name, compact));
+    };
+    const auto isOneOf = [&value](std::initializer_list<std::string_view> words) {
+        for (const std::string_view word : words) {
+            if (equalsIgnoringCase(value, word)) {
+                return true;
+            }
+        }
+        return false;
+    };
+    if (is("Content-Type", "c")) {
+        headers.contentType = value;
+    } else if (is("Content-Length", "l")) {
+        headers.contentLength = value;
+    } else if ((is("Content-Encoding", "e") && !isOneOf({"", "identity"})) ||
+               (is("Content-Transfer-Encoding", "") && !isOneOf({"", "7bit", "8bit", "binary"}))) {
+        headers.encoding = value;
+    }
+}
+
+// What a quoted string holds, the quotes and backslashes taken away; other text as it is.
+std::string unquoted(std::string_view text) {
+    if (!text.starts_with('"')) {
+        return std::string(text);
+    }
+    std::string result;
+    for (size_t i = 1; i < text.size() && text[i] != '"'; ++i) {
+        i += text[i] == '\\' && i + 1 < text.size() ? 1 : 0;
+        result += text[i];
+    }
+    return result;
+}
+
+// The end of the parameter that begins at the offset: its ";", quoted ones not counted.
+size_t parameterEnd(std::string_view text, size_t offset) {
+    bool quoted = false;
+    for (; offset < text.size(); ++offset) {
+        if (text[offset] == '"') {
+            quoted = !quoted;
+        } else if (text[offset] == '\\' && quoted) {
+            ++offset;
+        } else if (text[offset] == ';' && !quoted) {
+            break;
+        }
+    }
+    return offset < text.size() ? offset : text.size();
+}
+
+} // namespace
+
+LinePlace lineAt(std::string_view text, size_t offset) {
+    const size_t feed = text.find('\n', offset);
+    if (feed == std::string_view::npos) {
+        return {offset, text.size(), text.size()};
+    }
+    const bool crlf = feed > offset && text[feed - 1] == '\r';
+    return {offset, feed - (crlf ? 1 : 0), feed + 1};
+}
+
+Headers readHeaders(std::string_view text, size_t offset, bool (*stops)(std::string_view line)) {
+    Headers headers;
+    std::string header; // the one before the line, continuation lines appended
+    headers.bodyAt = text.size();
+    while (offset < text.size()) {
+        const LinePlace place = lineAt(text, offset);
+        const std::string_view line = text.substr(offset, place.end - offset);
+        headers.bareLineFeeds = headers.bareLineFeeds || place.next == place.end + 1;
+        if (stops(line)) {
+            headers.bodyAt = offset;
+            break;
+        }
+        offset = place.next;
+        if (line.empty()) {
+            headers.bodyAt = offset;
+            break;
+        }
+        if (line.front() == ' ' || line.front() == '\t') {
+            header += ' ';
+            header += trimmed(line);
+            continue;
+        }
+        keepHeader(headers, header);
+        header = line;
+    }
+    keepHeader(headers, header);
+    return headers;
+}
+
+std::string_view mediaType(std::string_view contentType) {
+    return trimmed(contentType.substr(0, contentType.find(';')));
+}
+
+std::optional<std::string> parameter(std::string_view contentType, std::string_view name) {
+    size_t begin = contentType.find(';');
+    while (begin < contentType.size()) {
+        const size_t end = parameterEnd(contentType, begin + 1);
+        const std::string_view item = contentType.substr(begin + 1, end - begin - 1);
+        const size_t equal = item.find('=');
+        if (equal != std::string_view::npos &&
+            equalsIgnoringCase(trimmed(item.substr(0, equal)), name)) {
+            return unquoted(trimmed(item.substr(equal + 1)));
+        }
+        begin = end;
+    }
+    return std::nullopt;
+}
+
+std::vector<PartPlace> partsOf(std::string_view text, size_t offset, std::string_view boundary) {
+    const std::string delimiter = "--" + std::string(boundary);
+    std::vector<PartPlace> parts;
+    bool inPart = false;
+    size_t lineEnd = offset; // where the line before ends, its line end not counted
+    while (offset < text.size()) {
+        const LinePlace place = lineAt(text, offset);
+        std::string_view line = text.substr(offset, place.end - offset);
+        if (line.starts_with(delimiter)) {
+            line.remove_prefix(delimiter.size());
+            const bool closes = line.starts_with("--");
+            line.remove_prefix(closes ? 2 : 0);
+            if (trimmed(line).empty()) {
+                if (inPart) {
+                    parts.back().end = lineEnd > parts.back().begin ? lineEnd : parts.back().begin;
+                }
+                if (closes) {
+                    return parts;
+                }
+                parts.push_back({place.next, text.size()});
+                inPart = true;
+            }
+        }
+        lineEnd = place.end;
+        offset = place.next;
+    }
+    return parts;
+}
+
+} // namespace cli

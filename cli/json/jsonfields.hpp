@@ -1,0 +1,231 @@
+// The fields of the records under their names in JSON: one list for writing and reading. `Io` is
+// the object that is written or read, see jsonout.cpp and jsonin.cpp.
+//
+// Pointers in the records may lie at a multiple of 4 only, where no reference may point: they are
+// handed over and stored back by value. Writing stores back what was there.
+#pragma once
+
+#include <array>
+#include <span>
+
+#include "sdpline/sdpline.h"
+#include "tables/keywords.hpp"
+
+namespace cli {
+
+// The codes that a field may hold, and the words for them.
+struct Codes {
+    std::span<const sdpline::Word> words;
+    uint32_t first;
+    uint32_t last;
+};
+
+inline constexpr auto kTptAddrWords = std::to_array<sdpline::Word>({
+    {"IPv4", SDP_TPTADDR_IPV4},
+    {"IPv6", SDP_TPTADDR_IPV6},
+});
+
+inline constexpr Codes kTptAddrTypes = {kTptAddrWords, SDP_TPTADDR_IPV4, SDP_TPTADDR_IPV6};
+inline constexpr Codes kNetTypes = {sdpline::kNetTypeWords, SDP_NETTYPE_IN, SDP_NETTYPE_OTHER};
+inline constexpr Codes kAddrTypes = {sdpline::kAddrTypeWords, SDP_ADDRTYPE_IP4, SDP_ADDRTYPE_OTHER};
+inline constexpr Codes kTimeTypes = {sdpline::kTimeUnitWords, SDP_TIME_DAYS, SDP_TIME_SECONDS};
+inline constexpr Codes kMediaTypes = {sdpline::kMediaWords, SDP_MEDIA_AUDIO, SDP_MEDIA_OTHER};
+inline constexpr Codes kProtocols = {sdpline::kProtoWords, SDP_PROTO_RTP_AVP, SDP_PROTO_OTHER};
+inline constexpr Codes kFormats = {sdpline::kFmtWords, SDP_FMT_RTP_PAYLOADS, SDP_FMT_OTHER};
+inline constexpr Codes kT38Rates = {sdpline::kT38RateWords, SDP_T38_RATE_LOCAL_TCF,
+                                    SDP_T38_RATE_TRANSFERRED_TCF};
+inline constexpr Codes kT38Corrections = {sdpline::kT38UdpEcWords, SDP_T38_EC_FEC,
+                                          SDP_T38_EC_REDUNDANCY};
+inline constexpr Codes kEcanDirections = {sdpline::kEcanDirWords, 0, SDP_ECAN_B};
+inline constexpr Codes kIpBcpTypes = {sdpline::kIpBcpWords, SDP_IPBCP_REQUEST, SDP_IPBCP_REJECTED};
+inline constexpr Codes kSetups = {sdpline::kSetupWords, SDP_T120_PASSIVE, SDP_T120_ACTPASS};
+inline constexpr Codes kPreconditions = {sdpline::kPreconditionWords, SDP_PRECONDITION_QOS,
+                                         SDP_PRECONDITION_OTHER};
+inline constexpr Codes kStatusTypes = {sdpline::kStatusWords, SDP_STATUS_E2E, SDP_STATUS_REMOTE};
+inline constexpr Codes kStrengths = {sdpline::kStrengthWords, SDP_STRENGTH_MANDATORY,
+                                     SDP_STRENGTH_UNKNOWN};
+inline constexpr Codes kDirections = {sdpline::kDirWords, SDP_DIR_NONE, SDP_DIR_SENDRECV};
+
+// Attribute types by their names, "rtpmap" and so on; 34 and 35 have none.
+Codes attributeTypes();
+
+template <class Io>
+void fields(Io &io, SDPNetType &net, SDPAddrType &addr) {
+    net.pstrOtherNetType =
+        io.codeOrText("netType", net.enNetType, kNetTypes, net.pstrOtherNetType, SDP_NETTYPE_OTHER);
+    addr.pstrOtherAddrType = io.codeOrText("addrType", addr.enAddrType, kAddrTypes,
+                                           addr.pstrOtherAddrType, SDP_ADDRTYPE_OTHER);
+}
+
+template <class Io>
+void fields(Io &io, SDPOrigin &origin) {
+    io.text("userName", origin.strUserName);
+    io.text("sessionId", origin.strSessionId);
+    io.text("sessionVersion", origin.strSessionVersion);
+    fields(io, origin.stNetType, origin.stAddrType);
+    io.text("address", origin.strAddress);
+}
+
+template <class Io>
+void fields(Io &io, SDPConnection &connection) {
+    fields(io, connection.stNetType, connection.stAddrType);
+    io.address("address", connection.stTptAddr);
+    io.given("ttl", connection.ulTtl);
+    io.given("addresses", connection.ulNoOfAddrs);
+}
+
+template <class Io>
+void fields(Io &io, SDPTimeUnit &unit) {
+    io.number("value", unit.ulTimeValue);
+    io.code("unit", unit.enTimeType, kTimeTypes);
+}
+
+template <class Io>
+void fields(Io &io, SDPRepeatField &repeat) {
+    repeat.ppstTimeUnits = io.list("times", repeat.ulNoOfTimeUnits, repeat.ppstTimeUnits, 1);
+}
+
+template <class Io>
+void items(Io &io, const char *key, SDPRepeatFieldSet &set) {
+    set.ppstRepeatFields = io.list(key, set.ulNoOfRepeatFields, set.ppstRepeatFields, 0);
+}
+
+template <class Io>
+void fields(Io &io, SDPTimeField &time) {
+    io.number("start", time.ulStartTime);
+    io.number("stop", time.ulStopTime);
+    time.pstRepeatFieldSet = io.optionalList("repeats", time.pstRepeatFieldSet);
+}
+
+template <class Io>
+void fields(Io &io, SDPRtpMapAttr &map) {
+    io.number("payload", map.ulPayloadType);
+    io.number("profile", map.ulEncodingId, 35);
+    io.text("name", map.strEncodingName);
+    io.number("clockRate", map.ulClockRate);
+    io.number("channels", map.ulEncodingParams);
+}
+
+template <class Io>
+void fields(Io &io, SDPSilenceSuppression &suppression) {
+    io.number("on", suppression.bOn);
+    io.text("parameters", suppression.strParams);
+}
+
+template <class Io>
+void fields(Io &io, SDPEcan &ecan) {
+    io.number("on", ecan.bOn);
+    io.code("direction", ecan.enEcanDir, kEcanDirections);
+    io.text("parameters", ecan.strParams);
+}
+
+template <class Io>
+void fields(Io &io, SDPIpBcp &ipBcp) {
+    io.number("version", ipBcp.ucVersion);
+    io.reserved("reserved8", ipBcp.ucReserved);
+    io.reserved("reserved16", ipBcp.usReserved);
+    io.code("type", ipBcp.ucType, kIpBcpTypes);
+}
+
+template <class Io>
+void fields(Io &io, SDPRsrcMgmtStatus &status) {
+    SDPPreconditionS &type = status.stPrecondition;
+    type.pstrOtherPrecondition = io.codeOrText("type", type.enPreconditionType, kPreconditions,
+                                               type.pstrOtherPrecondition, SDP_PRECONDITION_OTHER);
+    io.code("status", status.enStatusType, kStatusTypes);
+    io.code("strength", status.enStrengthTag, kStrengths);
+    io.code("direction", status.enDirTag, kDirections);
+}
+
+template <class Io>
+void valueFields(Io &io, SDPAttr &attr) {
+    auto &value = attr.unAttrValue;
+    const uint32_t type = attr.ulAttrType;
+    switch (type) {
+    case SDP_ATTR_RTPMAP: io.record("rtpmap", value.stRtpMap); return;
+    case SDP_ATTR_T38_RATE_MANAGEMENT: io.code("value", value.ulValue, kT38Rates); return;
+    case SDP_ATTR_T38_UDP_EC: io.code("value", value.ulValue, kT38Corrections); return;
+    case SDP_ATTR_SILENCE_SUPP: io.record("silenceSupp", value.stSilenceSupp); return;
+    case SDP_ATTR_ECAN: io.record("ecan", value.stEcan); return;
+    case SDP_ATTR_UNREC_VALUE: io.text("text", value.strValue); return;
+    case SDP_ATTR_DES:
+    case SDP_ATTR_CURR:
+    case SDP_ATTR_CONF: io.record("precondition", value.stRsrcMgmtStatus); return;
+    case SDP_ATTR_IPBCP: io.record("ipbcp", value.stIpBcp); return;
+    case SDP_ATTR_SETUP: io.code("value", value.enT120Mode, kSetups); return;
+    default: break;
+    }
+    if (type >= SDP_ATTR_FMTP && type <= SDP_ATTR_LANG) {
+        io.text("text", value.strValue);
+    } else if ((type >= SDP_ATTR_PTIME && type <= SDP_ATTR_FRAMERATE) ||
+               (type >= SDP_ATTR_QUALITY && type <= SDP_ATTR_T38_MAX_DATAGRAM)) {
+        io.number("value", value.ulValue);
+    }
+}
+
+template <class Io>
+void fields(Io &io, SDPAttr &attr) {
+    io.code("type", attr.ulAttrType, attributeTypes());
+    if (attr.ulAttrType == SDP_ATTR_UNREC_VALUE || attr.ulAttrType == SDP_ATTR_UNREC_NOVALUE) {
+        attr.pstAttrName = io.ownText("name", attr.pstAttrName);
+    }
+    valueFields(io, attr);
+}
+
+template <class Io>
+void items(Io &io, const char *key, SDPAttrList &list) {
+    list.ppstAttrs = io.list(key, list.ulNoOfAttrs, list.ppstAttrs, 0);
+}
+
+template <class Io>
+void fields(Io &io, SDPMediaFmt &fmt) {
+    io.code("type", fmt.enFmtType, kFormats);
+    if (fmt.enFmtType == SDP_FMT_OTHER) {
+        io.text("text", fmt.unMediaFmt.strOtherFmts);
+    } else if (fmt.enFmtType == SDP_FMT_RTP_PAYLOADS) {
+        io.payloads("payloads", fmt.unMediaFmt.stRtpPayLoads);
+    }
+}
+
+template <class Io>
+void fields(Io &io, SDPMediaField &media) {
+    media.stMedia.pstrOtherMedia = io.codeOrText("type", media.stMedia.enMediaType, kMediaTypes,
+                                                 media.stMedia.pstrOtherMedia, SDP_MEDIA_OTHER);
+    io.number("port", media.ulPort);
+    io.number("ports", media.ulNoOfPorts);
+    media.stProto.pstrOtherProto = io.codeOrText("protocol", media.stProto.enProto, kProtocols,
+                                                 media.stProto.pstrOtherProto, SDP_PROTO_OTHER);
+    io.record("format", media.stMediaFmt);
+}
+
+template <class Io>
+void fields(Io &io, SDPMediaDesc &desc) {
+    fields(io, desc.stMediaField);
+    desc.pstrMediaInfo = io.optionalText("info", desc.pstrMediaInfo);
+    desc.pstConnection = io.optionalRecord("connection", desc.pstConnection);
+    desc.pstBandwidthList = io.optionalTexts("bandwidths", desc.pstBandwidthList);
+    desc.pstKey = io.optionalKey("key", desc.pstKey);
+    desc.pstAttrList = io.optionalList("attributes", desc.pstAttrList);
+}
+
+template <class Io>
+void fields(Io &io, SdpLine &line) {
+    io.number("version", line.ulProtoVersion);
+    io.record("origin", line.stOrigin);
+    io.text("name", line.strSessionName);
+    line.pstrSessionInfo = io.optionalText("info", line.pstrSessionInfo);
+    line.pstrUri = io.optionalText("uri", line.pstrUri);
+    line.pstEmailList = io.optionalTexts("emails", line.pstEmailList);
+    line.pstPhoneList = io.optionalTexts("phones", line.pstPhoneList);
+    line.pstConnection = io.optionalRecord("connection", line.pstConnection);
+    line.pstBandwidthList = io.optionalTexts("bandwidths", line.pstBandwidthList);
+    SDPTimeSet &times = line.stTimeSet;
+    times.ppstTimeFields = io.list("times", times.ulNoOfTimeFields, times.ppstTimeFields, 0);
+    line.pstrTimeZone = io.optionalText("zone", line.pstrTimeZone);
+    line.pstKey = io.optionalKey("key", line.pstKey);
+    line.pstAttrList = io.optionalList("attributes", line.pstAttrList);
+    SDPMediaSet &media = line.stMediaSet;
+    media.ppstMediaDescs = io.list("media", media.ulNoOfMediaDescs, media.ppstMediaDescs, 0);
+}
+
+} // namespace cli

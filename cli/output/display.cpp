@@ -1,0 +1,89 @@
+#include "output/display.hpp"
+
+#include <vector>
+
+#include "output/text.hpp"
+
+namespace cli {
+
+namespace {
+
+constexpr size_t kWidth = 100;        // columns of a long line that are shown
+constexpr size_t kBeforeTheMark = 60; // and of those before the mark
+constexpr std::string_view kCut = "...";
+
+// A byte or a UTF-8 sequence as it is shown.
+struct Piece {
+    std::string text;
+    size_t columns;
+    size_t bytes;
+};
+
+// Control characters of Latin-1 are two bytes of UTF-8, and terminals obey them.
+bool isControl(std::string_view sequence) {
+    const auto byte = [sequence](size_t i) { return static_cast<unsigned char>(sequence[i]); };
+    return byte(0) < ' ' || byte(0) == 0x7F || (byte(0) == 0xC2 && byte(1) < 0xA0);
+}
+
+Piece pieceAt(std::string_view text) {
+    const size_t size = utf8Length(text);
+    if (size != 0 && !isControl(text.substr(0, size))) {
+        return {std::string(text.substr(0, size)), 1, size};
+    }
+    const char byte = text.front();
+    const std::string escape = byte == '\t'   ? "\\t"
+                               : byte == '\r' ? "\\r"
+                               : byte == '\0' ? "\\0"
+                                              : "\\x" + hexOf(text.substr(0, 1));
+    return {escape, escape.size(), 1};
+}
+
+// The first piece that is shown of a long line.
+size_t firstShown(const std::vector<Piece> &pieces, size_t mark) {
+    size_t first = mark;
+    for (size_t columns = 0; first > 0; --first) {
+        columns += pieces[first - 1].columns;
+        if (columns > kBeforeTheMark) {
+            break;
+        }
+    }
+    return first;
+}
+
+} // namespace
+
+Excerpt excerptOf(std::string_view line, size_t offset) {
+    std::vector<Piece> pieces;
+    size_t mark = 0; // the piece that is marked
+    size_t columns = 0;
+    for (size_t at = 0; at < line.size(); at += pieces.back().bytes) {
+        pieces.push_back(pieceAt(line.substr(at)));
+        columns += pieces.back().columns;
+        mark += at + pieces.back().bytes <= offset ? 1 : 0;
+    }
+    const size_t first = columns > kWidth ? firstShown(pieces, mark) : 0;
+    Excerpt excerpt = {std::string(first > 0 ? kCut : ""), first > 0 ? kCut.size() : 0};
+    size_t shown = 0;
+    for (size_t i = first; i < pieces.size(); ++i) {
+        if (shown >= kWidth) {
+            excerpt.line += kCut;
+            break;
+        }
+        shown += pieces[i].columns;
+        excerpt.line += pieces[i].text;
+        excerpt.mark += i < mark ? pieces[i].columns : 0;
+    }
+    return excerpt;
+}
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const Piece piece = pieceAt(text);
+        result += piece.text;
+        text.remove_prefix(piece.bytes);
+    }
+    return result;
+}
+
+} // namespace cli

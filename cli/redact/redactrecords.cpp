@@ -1,0 +1,141 @@
+// A decoded body with masks in its records. The rules are those of the text: every value is looked
+// at as the line it came from.
+#include <array>
+#include <cstring>
+
+#include <arpa/inet.h>
+
+#include "output/text.hpp"
+#include "redact/redact.hpp"
+
+namespace cli {
+
+namespace {
+
+class RecordRedactor {
+public:
+    RecordRedactor(SDPMemCp &memory, Redactor &redactor) : memory_(memory), redactor_(redactor) {}
+
+    void body(SdpLine &line) {
+        store(line.stOrigin.strUserName, redactor_.user(view(line.stOrigin.strUserName)));
+        store(line.stOrigin.strAddress, redactor_.address(view(line.stOrigin.strAddress)));
+        text("s=", &line.strSessionName);
+        text("i=", line.pstrSessionInfo);
+        text("u=", line.pstrUri);
+        texts("e=", line.pstEmailList);
+        texts("p=", line.pstPhoneList);
+        connection(line.pstConnection);
+        texts("b=", line.pstBandwidthList);
+        text("z=", line.pstrTimeZone);
+        key(line.pstKey);
+        attributes(line.pstAttrList);
+        for (uint32_t i = 0; i < line.stMediaSet.ulNoOfMediaDescs; ++i) {
+            media(*line.stMediaSet.ppstMediaDescs[i]);
+        }
+    }
+
+private:
+    void media(SDPMediaDesc &desc) {
+        SDPMediaField &field = desc.stMediaField;
+        text("m=", field.stMedia.pstrOtherMedia);
+        text("m=audio 0 ", field.stProto.pstrOtherProto);
+        if (field.stMediaFmt.enFmtType == SDP_FMT_OTHER) {
+            text("m=audio 0 udp ", &field.stMediaFmt.unMediaFmt.strOtherFmts);
+        }
+        text("i=", desc.pstrMediaInfo);
+        connection(desc.pstConnection);
+        texts("b=", desc.pstBandwidthList);
+        key(desc.pstKey);
+        attributes(desc.pstAttrList);
+    }
+
+    // Without memory nothing is left rather than the value.
+    void store(SipString &value, const std::string &with) {
+        if (view(value) == with) {
+            return;
+        }
+        const auto size = static_cast<uint32_t>(with.size());
+        value = {0, static_cast<char *>(memory_.pfnAlloc(&memory_, size))};
+        if (value.pcData != nullptr) {
+            std::memcpy(value.pcData, with.data(), size);
+            value.ulLen = size;
+        }
+    }
+
+    void text(const std::string &prefix, SipString *value) {
+        if (value == nullptr) {
+            return;
+        }
+        std::vector<Edit> edits = redactor_.editsOf(prefix + std::string(view(*value)));
+        std::vector<Edit> ofValue;
+        for (Edit &edit : edits) {
+            if (edit.begin >= prefix.size()) {
+                ofValue.push_back(
+                    {edit.begin - prefix.size(), edit.end - prefix.size(), std::move(edit.with)});
+            }
+        }
+        store(*value, applied(view(*value), ofValue));
+    }
+
+    void texts(const std::string &prefix, const SDPStringList *list) {
+        for (uint32_t i = 0; list != nullptr && i < list->ulNoOfStrings; ++i) {
+            text(prefix, list->ppstStrings[i]);
+        }
+    }
+
+    void key(SDPKey *value) {
+        if (value != nullptr) {
+            text("k=", &value->strKey);
+        }
+    }
+
+    void connection(SDPConnection *value) {
+        if (value == nullptr) {
+            return;
+        }
+        auto &address = value->stTptAddr.unTptAddr;
+        if (value->stTptAddr.enTptAddrType == SDP_TPTADDR_IPV4) {
+            const std::string mask = redactor_.ipv4(std::to_array(address.aucIpv4));
+            inet_pton(AF_INET, mask.c_str(), address.aucIpv4);
+        } else if (value->stTptAddr.enTptAddrType == SDP_TPTADDR_IPV6) {
+            const std::string mask = redactor_.ipv6(std::to_array(address.aucIpv6));
+            inet_pton(AF_INET6, mask.c_str(), address.aucIpv6);
+        }
+    }
+
+    void attributes(const SDPAttrList *list) {
+        for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
+            attribute(*list->ppstAttrs[i]);
+        }
+    }
+
+    void attribute(SDPAttr &attr) {
+        const uint32_t type = attr.ulAttrType;
+        auto &value = attr.unAttrValue;
+        if (type >= SDP_ATTR_FMTP && type <= SDP_ATTR_LANG) {
+            text("a=" + std::string(view(sstrSdpAttrNames[type - 1])), &value.strValue);
+        } else if (type == SDP_ATTR_UNREC_VALUE && attr.pstAttrName != nullptr) {
+            text("a=" + std::string(view(*attr.pstAttrName)) + ':', &value.strValue);
+        } else if (type == SDP_ATTR_RTPMAP) {
+            text("a=rtpmap:0 ", &value.stRtpMap.strEncodingName);
+        } else if (type == SDP_ATTR_SILENCE_SUPP) {
+            text("a=silenceSupp:on", &value.stSilenceSupp.strParams);
+        } else if (type == SDP_ATTR_ECAN) {
+            text("a=ecan:fb on", &value.stEcan.strParams);
+        } else if (type >= SDP_ATTR_DES && type <= SDP_ATTR_CONF) {
+            text("a=curr:", value.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition);
+        }
+        text("a=", attr.pstAttrName);
+    }
+
+    SDPMemCp &memory_;
+    Redactor &redactor_;
+};
+
+} // namespace
+
+void redactRecords(SdpLine &line, Redactor &redactor) {
+    RecordRedactor(*line.pstMemCp, redactor).body(line);
+}
+
+} // namespace cli

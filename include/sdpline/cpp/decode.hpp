@@ -1,0 +1,129 @@
+/*
+ * decode.hpp: text to records, one decode at a time.
+ *
+ * Part of sdpline.hpp, whose conventions hold here.
+ */
+#ifndef SDPLINE_FACE_DECODE_HPP
+#define SDPLINE_FACE_DECODE_HPP
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string_view>
+
+#ifndef SDPLINE_THREAD_LOCAL
+#include <mutex>
+#endif
+
+#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/result.hpp"
+
+namespace sdpline {
+inline namespace v1 {
+
+#ifndef SDPLINE_THREAD_LOCAL
+namespace face_detail {
+
+/* Visible whatever the program's default, so that the linker can make all of them one. */
+[[gnu::visibility("default")]] inline std::mutex decoding;
+
+} // namespace face_detail
+
+/*
+ * The lock that the face holds during every decode. Code that calls the C decoder itself, or
+ * reads SdpLibGetLastFailure after it, holds it too:
+ *
+ *     std::scoped_lock lock(sdpline::decodeMutex());
+ *     SdpLibDecodeSdp(&text, &line);
+ *
+ * There is one in a program and the shared libraries that it is linked with. A library loaded with
+ * local symbols may have one of its own: then only one of the two decodes, or they lock outside.
+ * A program compiled with SDPLINE_THREAD_LOCAL has none.
+ */
+inline std::mutex &decodeMutex() {
+    return face_detail::decoding;
+}
+#endif
+
+namespace face_detail {
+
+struct ReleaseBody {
+    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
+};
+using BodyHandle = std::unique_ptr<SdpLine, ReleaseBody>;
+
+/* Why the decode that just failed did; to be asked before the next one. */
+inline Error decodeError(SDPResult code) {
+    Error error = libraryError(code);
+    SDPFailure failure = {};
+    SdpLibGetLastFailure(&failure);
+    if (failure.ulResult == code) { /* else it failed before the parser saw the text */
+        error.line = failure.ulLine;
+        error.column = failure.ulColumn;
+        error.offset = failure.ulOffset;
+    }
+    return error;
+}
+
+/* The decoder goes on when there is no memory for the word of an unknown protocol: its text then
+ * has a length and no bytes, and would be missing from what is written. */
+inline bool lacksAProtocol(const SdpLine &line) {
+    for (std::uint32_t i = 0; i < line.stMediaSet.ulNoOfMediaDescs; ++i) {
+        const SDPMediaProto &protocol = line.stMediaSet.ppstMediaDescs[i]->stMediaField.stProto;
+        if (protocol.enProto == SDP_PROTO_OTHER && viewOf(protocol.pstrOtherProto).empty()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+inline Result<BodyHandle> decodeText(std::string_view text) {
+    /* A length that does not fit is far beyond what the library takes. */
+    const SipString given =
+        lent(text.substr(0, std::numeric_limits<decltype(SipString::ulLen)>::max()));
+#ifndef SDPLINE_THREAD_LOCAL
+    const std::scoped_lock lock(decodeMutex());
+#endif
+    SdpLine *line = nullptr;
+    if (const SDPResult code = SdpLibDecodeSdp(&given, &line)) {
+        return decodeError(code);
+    }
+    BodyHandle body(line);
+    if (lacksAProtocol(*body)) {
+        return noMemory();
+    }
+    return body;
+}
+
+/*
+ * Decodes one line as the last of an otherwise plain body: `begin` is that body up to and with the
+ * line's letter and "=". Places of a failure are those in the line's text.
+ */
+inline Result<BodyHandle> decodeLine(std::string_view begin, std::string_view text) {
+    std::array<char, SDP_MAX_BODY> body;
+    if (const auto error = refusedText(text, body.size() - begin.size())) {
+        return *error;
+    }
+    std::memcpy(body.data(), begin.data(), begin.size());
+    std::memcpy(body.data() + begin.size(), text.data(), text.size());
+    auto decoded = decodeText({body.data(), begin.size() + text.size()});
+    if (decoded) {
+        return decoded;
+    }
+    Error error = decoded.error();
+    const bool inside = error.line != 0 && error.offset >= begin.size();
+    error.offset = inside ? error.offset - static_cast<std::uint32_t>(begin.size()) : 0;
+    error.line = inside ? 1 : 0;
+    error.column = inside ? error.offset + 1 : 0;
+    return error;
+}
+
+} // namespace face_detail
+
+} // namespace v1
+} // namespace sdpline
+
+#endif

@@ -1,0 +1,209 @@
+/*
+ * lines.hpp: single lines made of values, for the C operations to copy and clone.
+ *
+ * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
+ * library reads back as the same value, but for the payload numbers of unknown protocols.
+ */
+#ifndef SDPLINE_FACE_LINES_HPP
+#define SDPLINE_FACE_LINES_HPP
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "sdpline/cpp/decode.hpp"
+#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/values.hpp"
+
+namespace sdpline {
+inline namespace v1 {
+namespace face_detail {
+
+/* ---- Texts and keys -------------------------------------------------------------------------- */
+
+inline Status setText(Memory memory, Slot<SipString> slot, std::uint32_t lineType,
+                      std::string_view text) {
+    if (const auto error = refusedText(text)) {
+        return *error;
+    }
+    return setLine(memory, slot, lineType, lent(text));
+}
+
+inline Status setKey(Memory memory, Slot<SDPKey> slot, std::string_view text) {
+    if (const auto error = refusedText(text)) {
+        return *error;
+    }
+    return setLine(memory, slot, SDP_LINE_KEY, SDPKey{lent(text)});
+}
+
+/* ---- o= -------------------------------------------------------------------------------------- */
+
+inline std::optional<Error> refusedOrigin(const Origin &origin) {
+    if (origin.netType != NetType::In ||
+        (origin.addressType != AddressType::Ip4 && origin.addressType != AddressType::Ip6)) {
+        return refusedArgument("an origin is IN and IP4 or IP6");
+    }
+    for (const auto &error : {refusedWord(origin.userName), refusedDigits(origin.sessionId),
+                              refusedDigits(origin.sessionVersion), refusedWord(origin.address)}) {
+        if (error) {
+            return error;
+        }
+    }
+    return std::nullopt;
+}
+
+inline Status setOrigin(Memory memory, SDPOrigin &target, const Origin &origin) {
+    if (const auto error = refusedOrigin(origin)) {
+        return *error;
+    }
+    const SDPOrigin source = {lent(origin.userName),
+                              lent(origin.sessionId),
+                              lent(origin.sessionVersion),
+                              {SDP_NETTYPE_IN, nullptr},
+                              {static_cast<std::uint32_t>(origin.addressType.code()), nullptr},
+                              lent(origin.address)};
+    return memory.replace(SDP_LINE_ORIGIN, source, target);
+}
+
+/* ---- c= -------------------------------------------------------------------------------------- */
+
+inline std::optional<Error> refusedConnection(const Connection &connection) {
+    const AddressType type = connection.address.isV4() ? AddressType::Ip4 : AddressType::Ip6;
+    if (connection.address.empty()) {
+        return refusedArgument("a connection has no address");
+    }
+    if (connection.netType != NetType::In ||
+        (connection.addressType != type && !connection.addressType.text().empty())) {
+        return refusedArgument("a connection is IN and of its address's type");
+    }
+    if (connection.addressCount && !connection.ttl) {
+        return refusedArgument("a number of addresses needs a TTL before it");
+    }
+    if (connection.ttl == SDP_NOT_GIVEN || connection.addressCount == SDP_NOT_GIVEN) {
+        return refusedArgument("a TTL or a number of addresses stands for none");
+    }
+    return std::nullopt;
+}
+
+inline Status setConnection(Memory memory, Slot<SDPConnection> slot, const Connection &connection) {
+    if (const auto error = refusedConnection(connection)) {
+        return *error;
+    }
+    const bool v4 = connection.address.isV4();
+    SDPConnection source = {{SDP_NETTYPE_IN, nullptr},
+                            {v4 ? SDP_ADDRTYPE_IP4 : SDP_ADDRTYPE_IP6, nullptr},
+                            {v4 ? SDP_TPTADDR_IPV4 : SDP_TPTADDR_IPV6, {}},
+                            connection.ttl.value_or(SDP_NOT_GIVEN),
+                            connection.addressCount.value_or(SDP_NOT_GIVEN)};
+    const auto octets = connection.address.octets();
+    std::copy(octets.begin(), octets.end(), source.stTptAddr.unTptAddr.aucIpv6);
+    return setLine(memory, slot, SDP_LINE_CONNECTION, source);
+}
+
+inline Status setConnection(Memory memory, Slot<SDPConnection> slot, std::string_view text) {
+    auto decoded = decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nc=", text);
+    if (!decoded) {
+        return decoded.error();
+    }
+    return setLine(memory, slot, SDP_LINE_CONNECTION, *(*decoded)->pstConnection);
+}
+
+/* ---- m= -------------------------------------------------------------------------------------- */
+
+/* What a protocol goes with. */
+enum class FormatRule { Payloads, OneWord, Either };
+
+inline FormatRule formatRuleOf(Protocol protocol) {
+    switch (protocol) {
+    case Protocol::RtpAvp:
+    case Protocol::RtpSavp:
+    case Protocol::RtpAvpf: return FormatRule::Payloads;
+    case Protocol::Udp:
+    case Protocol::Tcp:
+    case Protocol::Udptl: return FormatRule::OneWord;
+    case Protocol::Other: break;
+    }
+    return FormatRule::Either;
+}
+
+inline std::optional<Error> refusedFormat(const MediaLine &line) {
+    const FormatRule rule = formatRuleOf(line.protocol.code());
+    if (line.format == Format::Payloads) {
+        if (rule == FormatRule::OneWord) {
+            return refusedArgument("the protocol takes a format word, no payload numbers");
+        }
+        if (line.payloads.size() > SDP_MAX_PAYLOADS) {
+            return refusedArgument("there are more than 100 payload numbers");
+        }
+        if (line.payloads.empty() && (line.port != 0 || rule == FormatRule::Either)) {
+            return refusedArgument("there are no payload numbers");
+        }
+        return std::nullopt;
+    }
+    if (rule == FormatRule::Payloads) {
+        return refusedArgument("the protocol takes payload numbers, no format word");
+    }
+    if (line.format == Format::T120 && line.protocol != Protocol::Tcp) {
+        return refusedArgument("the format t120 goes over TCP only");
+    }
+    return refusedToken(line.format.text());
+}
+
+inline std::optional<Error> refusedLine(const MediaLine &line) {
+    if (const auto error = refusedToken(line.type.text())) {
+        return error;
+    }
+    if (const auto error = refusedToken(line.protocol.text())) {
+        return error;
+    }
+    if (line.port > 65535) {
+        return refusedArgument("a port is above 65535");
+    }
+    return refusedFormat(line);
+}
+
+/* An m= line on the stack; it stays where it is. */
+class MediaDraft {
+public:
+    MediaDraft() = default;
+    MediaDraft(const MediaDraft &) = delete;
+    MediaDraft &operator=(const MediaDraft &) = delete;
+
+    SDPMediaField record = {};
+
+    std::optional<Error> fill(const MediaLine &line) {
+        if (const auto error = refusedLine(line)) {
+            return error;
+        }
+        type_ = lent(line.type.text());
+        protocol_ = lent(line.protocol.text());
+        const bool otherType = line.type == MediaType::Other;
+        const bool otherProtocol = line.protocol == Protocol::Other;
+        record = {{static_cast<std::uint32_t>(line.type.code()), otherType ? &type_ : nullptr},
+                  line.port,
+                  std::max(line.portCount, std::uint32_t{1}),
+                  {static_cast<std::uint32_t>(line.protocol.code()),
+                   otherProtocol ? &protocol_ : nullptr},
+                  {static_cast<std::uint32_t>(line.format.code()), {}}};
+        auto &format = record.stMediaFmt.unMediaFmt;
+        if (line.format == Format::Payloads) {
+            format.stRtpPayLoads = {static_cast<std::uint32_t>(line.payloads.size()),
+                                    const_cast<std::uint32_t *>(line.payloads.data())};
+        } else if (line.format == Format::Other) {
+            format.strOtherFmts = lent(line.format.text());
+        }
+        return std::nullopt;
+    }
+
+private:
+    SipString type_ = {};
+    SipString protocol_ = {};
+};
+
+} // namespace face_detail
+} // namespace v1
+} // namespace sdpline
+
+#endif

@@ -1,0 +1,151 @@
+/*
+ * media.hpp: m= lines with what stands below them, and t= lines with theirs, to look at.
+ *
+ * Part of sdpline.hpp, whose conventions hold here.
+ */
+#ifndef SDPLINE_FACE_MEDIA_HPP
+#define SDPLINE_FACE_MEDIA_HPP
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "sdpline/cpp/attributes.hpp"
+#include "sdpline/cpp/list.hpp"
+#include "sdpline/cpp/values.hpp"
+
+namespace sdpline {
+inline namespace v1 {
+
+/* ---- Media descriptions ---------------------------------------------------------------------- */
+
+namespace face_detail {
+
+inline std::span<const std::uint32_t> payloadsOf(const SDPMediaFmt &format) {
+    if (format.enFmtType == SDP_FMT_OTHER) {
+        return {};
+    }
+    const SDPRtpPayLoads &payloads = format.unMediaFmt.stRtpPayLoads;
+    const bool present = payloads.pulPayLoads != nullptr;
+    return {payloads.pulPayLoads, present ? payloads.ulNoOfPayLoads : 0};
+}
+
+inline Keyword<Format> formatOf(const SDPMediaFmt &format) {
+    const bool other = format.enFmtType == SDP_FMT_OTHER;
+    return Keyword<Format>::of(Format{format.enFmtType},
+                               other ? viewOf(format.unMediaFmt.strOtherFmts) : "");
+}
+
+} // namespace face_detail
+
+/* One media description. Lines that are absent give nothing, or an empty range. */
+class Media {
+public:
+    explicit Media(const SDPMediaDesc *record) : record_(record) {}
+
+    Keyword<MediaType> type() const {
+        const SDPMedia &media = field().stMedia;
+        return Keyword<MediaType>::of(MediaType{media.enMediaType},
+                                      face_detail::viewOf(media.pstrOtherMedia));
+    }
+    std::uint32_t port() const { return field().ulPort; }
+    std::uint32_t portCount() const { return field().ulNoOfPorts; }
+    Keyword<Protocol> protocol() const {
+        const SDPMediaProto &protocol = field().stProto;
+        return Keyword<Protocol>::of(Protocol{protocol.enProto},
+                                     face_detail::viewOf(protocol.pstrOtherProto));
+    }
+    Keyword<Format> format() const { return face_detail::formatOf(field().stMediaFmt); }
+    /* Empty unless the format is Payloads. */
+    std::span<const std::uint32_t> payloads() const {
+        return face_detail::payloadsOf(field().stMediaFmt);
+    }
+    /* All of the above. */
+    MediaLine line() const {
+        return {type(), port(), portCount(), protocol(), format(), payloads()};
+    }
+
+    std::optional<std::string_view> info() const {
+        return face_detail::optionalViewOf(record_->pstrMediaInfo);
+    }
+    /* The media's own; Body::connectionOf falls back to the session's. */
+    std::optional<Connection> connection() const {
+        return face_detail::connectionOf(record_->pstConnection);
+    }
+    Texts bandwidths() const { return Texts(record_->pstBandwidthList); }
+    std::optional<std::string_view> key() const { return face_detail::keyOf(record_->pstKey); }
+    Attributes attributes() const { return Attributes(record_->pstAttrList); }
+
+    const SDPMediaDesc *record() const { return record_; }
+
+    /* Whether both look at the same media description. */
+    friend bool operator==(const Media &, const Media &) = default;
+
+private:
+    const SDPMediaField &field() const { return record_->stMediaField; }
+
+    const SDPMediaDesc *record_;
+};
+
+/* ---- Times ----------------------------------------------------------------------------------- */
+
+namespace face_detail {
+
+struct MakeMedia {
+    Media operator()(const SDPMediaDesc *media) const { return Media(media); }
+};
+
+struct MakeTypedTime {
+    TypedTime operator()(const SDPTimeUnit *time) const {
+        return {time->ulTimeValue, TimeUnit{time->enTimeType}};
+    }
+};
+
+} // namespace face_detail
+
+using MediaList = ListView<SDPMediaSet, face_detail::MakeMedia>;
+
+/* One r= line: the repeat interval, the active duration, then the offsets, as one range. A number
+ * without a unit is seconds. */
+using Repeat = ListView<SDPRepeatField, face_detail::MakeTypedTime>;
+
+namespace face_detail {
+
+struct MakeRepeat {
+    Repeat operator()(const SDPRepeatField *repeat) const { return Repeat(repeat); }
+};
+
+} // namespace face_detail
+
+using Repeats = ListView<SDPRepeatFieldSet, face_detail::MakeRepeat>;
+
+/* One t= line, in NTP seconds, with the r= lines below it. */
+class Time {
+public:
+    explicit Time(const SDPTimeField *record) : record_(record) {}
+
+    std::uint32_t start() const { return record_->ulStartTime; }
+    std::uint32_t stop() const { return record_->ulStopTime; }
+    Repeats repeats() const { return Repeats(record_->pstRepeatFieldSet); }
+
+    const SDPTimeField *record() const { return record_; }
+
+private:
+    const SDPTimeField *record_;
+};
+
+namespace face_detail {
+
+struct MakeTime {
+    Time operator()(const SDPTimeField *time) const { return Time(time); }
+};
+
+} // namespace face_detail
+
+using Times = ListView<SDPTimeSet, face_detail::MakeTime>;
+
+} // namespace v1
+} // namespace sdpline
+
+#endif

@@ -1,0 +1,144 @@
+// The entry points for whole bodies, and the memory discipline of the library: one block for each
+// body, and the parser's hooks pointed at it while it decodes.
+#include "api/decode.hpp"
+
+#include "checks/checks.hpp"
+#include "sdpline/sdpinternals.h"
+#include "services/allocation.hpp"
+
+namespace sdpline {
+
+namespace {
+
+constexpr uint32_t kDecodeFirst = 512;
+constexpr uint32_t kDecodeNext = 1032;
+constexpr uint32_t kCreateSize = 512;
+constexpr uint32_t kEncodeSize = 512;
+
+} // namespace
+
+void beginDecode(SDPMemCp *pstMemCp) {
+    g_gSdpFnFree = SdpLibFreeSdpMem;
+    g_mSdpDecodeMemCp = pstMemCp;
+    g_gSdpFnAlloc = SdpLibAllocSdpMem;
+    decodeBlock = own.fill && pstMemCp->pfnAlloc == own.blockAlloc
+                      ? static_cast<sipcore::Block *>(pstMemCp->pService)
+                      : nullptr;
+}
+
+void endDecode(bool bParsed) {
+    decodeBlock = nullptr;
+    g_mSdpDecodeMemCp = nullptr;
+    if (!bParsed) {
+        g_gSdpFnAlloc = nullptr;
+        g_gSdpFnFree = nullptr;
+    }
+}
+
+} // namespace sdpline
+
+using namespace sdpline;
+
+extern "C" {
+
+SDPLINE_PER_THREAD SdpFnAlloc g_gSdpFnAlloc = nullptr;
+SDPLINE_PER_THREAD SdpFnFree g_gSdpFnFree = nullptr;
+SDPLINE_PER_THREAD SDPMemCp *g_mSdpDecodeMemCp = nullptr;
+
+SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
+    if (pstSdpText == nullptr || ppstSdpLine == nullptr) {
+        return fail(Check::DecodeArgument);
+    }
+    *ppstSdpLine = nullptr;
+    SDPMemCp *memCp = nullptr;
+    if (SipMmCreateBufMem(kDecodeFirst, kDecodeNext, &memCp) != 0) {
+        return fail(Check::DecodeBlock);
+    }
+    beginDecode(memCp);
+    SdpLine *line = nullptr;
+    const SDPResult result = SdpLibParseSdp(pstSdpText, &line);
+    endDecode(result == 0);
+    if (result != 0) {
+        SipMmReleaseBufMem(&memCp);
+        return passUp(Check::DecodeRefused, result);
+    }
+    line->pstMemCp = memCp;
+    *ppstSdpLine = line;
+    return 0;
+}
+
+SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine **ppstSdpLine) {
+    if (pstBody == nullptr || ppstSdpLine == nullptr) {
+        return fail(Check::DecodeBodyArgument);
+    }
+    *ppstSdpLine = nullptr;
+    SipRefString *body = nullptr;
+    if (const uint32_t result = SipSbConvertToRefString(pstBody, &body)) {
+        return fail(Check::DecodeBodyText, result);
+    }
+    const SipString text = {SipSmGetLenFromRefString(body),
+                            const_cast<char *>(SipSmGetDataFromRefString(body))};
+    const SDPResult result = SdpLibDecodeSdp(&text, ppstSdpLine);
+    SipSmReleaseRefString(body);
+    return result;
+}
+
+SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine) {
+    if (ppstSdpLine == nullptr) {
+        return fail(Check::CreateArgument);
+    }
+    *ppstSdpLine = nullptr;
+    SDPMemCp *memCp = nullptr;
+    if (SipMmCreateBufMem(kCreateSize, kCreateSize, &memCp) != 0) {
+        return fail(Check::CreateBlock);
+    }
+    auto *const line = static_cast<SdpLine *>(memCp->pfnAlloc(memCp, sizeof(SdpLine)));
+    if (line == nullptr) {
+        SipMmReleaseBufMem(&memCp);
+        return fail(Check::CreateAlloc);
+    }
+    line->pstMemCp = memCp;
+    *ppstSdpLine = line;
+    return 0;
+}
+
+SDPResult SdpLibEncodeSdp(SdpLine *pstSdpLine, SipStringBuffer **ppstText) {
+    if (pstSdpLine == nullptr || ppstText == nullptr) {
+        return fail(Check::EncodeArgument);
+    }
+    *ppstText = nullptr;
+    SipStringBuffer *text = nullptr;
+    if (const uint32_t result =
+            SipSbCreateStringBufferNew(gSipSystemMemCp, kEncodeSize, kEncodeSize, &text)) {
+        return passUp(Check::EncodeBuffer, result);
+    }
+    if (const SDPResult result = SdpLibEncodeSdpInt(pstSdpLine, text)) {
+        SipSbReleaseStringBuffer(text);
+        return passUp(Check::EncodeFailed, result);
+    }
+    *ppstText = text;
+    return 0;
+}
+
+SDPResult SdpLibReleaseSdp(SdpLine **ppstSdpLine) {
+    if (ppstSdpLine != nullptr && *ppstSdpLine != nullptr && (*ppstSdpLine)->pstMemCp != nullptr) {
+        SDPMemCp *memCp = (*ppstSdpLine)->pstMemCp; // the body goes with its block
+        SipMmReleaseBufMem(&memCp);
+        *ppstSdpLine = nullptr;
+    }
+    return 0;
+}
+
+void *SdpLibAllocSdpMem(uint32_t ulSize) {
+    SDPMemCp *const memCp = g_mSdpDecodeMemCp;
+    return memCp != nullptr ? memCp->pfnAlloc(memCp, ulSize) : nullptr;
+}
+
+void SdpLibFreeSdpMem(void *pMem) {
+    SDPMemCp *const memCp = g_mSdpDecodeMemCp;
+    if (memCp != nullptr) {
+        memCp->pfnFree(pMem);
+    }
+}
+
+} // extern "C"

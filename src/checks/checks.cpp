@@ -1,0 +1,193 @@
+// The table of the failing checks, and the functions that report them.
+#include "checks/checks.hpp"
+
+#include "services/allocation.hpp"
+
+#include <atomic>
+
+namespace sdpline {
+
+namespace {
+
+constexpr uint32_t kModule = 17;
+constexpr uint32_t kInstance = 0xFFFFFFFF;
+
+// The words that the rows are written in.
+constexpr Outcome PASS = {Answer::Pass, 0, 0};
+constexpr Outcome CODE(uint16_t location, uint16_t errorClass) {
+    return {Answer::Code, location, errorClass};
+}
+constexpr Outcome BARE(uint16_t result) {
+    return {Answer::Bare, result, 0};
+}
+
+constexpr uint16_t RESOURCE = SDP_ERRCLASS_RESOURCE;
+constexpr uint16_t NOT_SDP = SDP_ERRCLASS_NOT_SDP;
+constexpr uint16_t FIELD_SYNTAX = SDP_ERRCLASS_FIELD_SYNTAX;
+constexpr uint16_t UNEXPECTED_LINE = SDP_ERRCLASS_UNEXPECTED_LINE;
+constexpr uint16_t BAD_ADDRESS = SDP_ERRCLASS_BAD_ADDRESS;
+
+constexpr Logged QUIET = {0, kNoCategory, nullptr, 0};
+constexpr Logged LOG(uint8_t level, uint32_t category, const char *format = nullptr) {
+    return {level, category, format, 0};
+}
+constexpr Logged LOG_AT(uint32_t line, uint8_t level, uint32_t category,
+                        const char *format = nullptr) {
+    return {level, category, format, line};
+}
+
+// Log categories.
+constexpr uint32_t NULL_ARGUMENT = 0;
+constexpr uint32_t ALLOCATION = 1;
+constexpr uint32_t STORE_OR_WORD = 3;
+constexpr uint32_t ENCODER = 21;
+constexpr uint32_t PARSER = 22;
+constexpr uint32_t NO_CATEGORY = kNoCategory;
+
+} // namespace
+
+constexpr CheckRow kChecks[kCheckCount] = {
+#define CHECK(source, name, function, outcome, logged, sentence)                                   \
+    {Source::source, #name, #function, outcome, logged, sentence},
+#include "checks/all.def"
+#undef CHECK
+};
+
+namespace {
+
+constexpr bool sameCode(const CheckRow &a, const CheckRow &b) {
+    return a.outcome.answer == Answer::Code && b.outcome.answer == Answer::Code &&
+           a.source == b.source && a.outcome.location == b.outcome.location &&
+           a.outcome.errorClass == b.outcome.errorClass;
+}
+
+// What a failing check answers is not 0: a code has a class, a bare answer is itself.
+constexpr bool isFailure(const Outcome &outcome) {
+    return outcome.answer == Answer::Pass ||
+           (outcome.answer == Answer::Code ? outcome.errorClass : outcome.location) != 0;
+}
+
+// Two rows may not answer the same code, and every code must fit its fields.
+constexpr bool codesAreSound() {
+    for (size_t i = 0; i < kCheckCount; ++i) {
+        if (!isFailure(kChecks[i].outcome)) {
+            return false;
+        }
+        if (kChecks[i].outcome.location >= 1u << 14 || kChecks[i].outcome.errorClass >= 1u << 10) {
+            return false;
+        }
+        for (size_t j = i + 1; j < kCheckCount; ++j) {
+            if (sameCode(kChecks[i], kChecks[j])) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+static_assert(codesAreSound());
+
+} // namespace
+
+const char *sourceName(Source source) {
+    switch (source) {
+    case Source::Dsm: return "sdpdsm";
+    case Source::Encode: return "sdpencode";
+    case Source::Intf: return "sdpintf";
+    case Source::Parser: return "sdpparser";
+    case Source::Utils: return "sdputils";
+    case Source::Lexer: return "sdplexer";
+    case Source::EncodeAttribute: return "sdpencodeattribute";
+    case Source::EncodeConnection: return "sdpencodeconnection";
+    case Source::EncodeMedia: return "sdpencodemedia";
+    case Source::EncodeOrigin: return "sdpencodeorigin";
+    case Source::EncodeTime: return "sdpencodetime";
+    }
+    return "";
+}
+
+const char *className(uint16_t errorClass) {
+    switch (errorClass) {
+    case RESOURCE: return "RESOURCE";
+    case NOT_SDP: return "NOT_SDP";
+    case FIELD_SYNTAX: return "FIELD_SYNTAX";
+    case UNEXPECTED_LINE: return "UNEXPECTED_LINE";
+    case BAD_ADDRESS: return "BAD_ADDRESS";
+    default: return "";
+    }
+}
+
+SDPLINE_PER_THREAD LastFailed lastFailed = {Check::Count, nullptr};
+
+namespace {
+
+// Encoders may run on several threads at once: what they fail is not remembered.
+bool isOfParsing(Source source) {
+    return source == Source::Parser || source == Source::Lexer || source == Source::Utils;
+}
+
+uint32_t fileNumber(Source source) {
+    return g_gSipStackFileId + static_cast<uint32_t>(source);
+}
+
+// The code point is set and the hook called for logged rows only.
+void report(const CheckRow &failed, uint32_t value, uint32_t siteLine) {
+#ifdef SDPLINE_COUNT_CHECKS
+    ++checkHits[static_cast<size_t>(&failed - kChecks)];
+#endif
+    const Logged &log = failed.logged;
+    if (log.level == 0) {
+        return;
+    }
+    const uint32_t line = log.line != 0 ? log.line : siteLine;
+    // The one thing of the stack's that operations running beside each other write.
+    std::atomic_ref(g_gSipCodePoint)
+        .store(fileNumber(failed.source) << 16 | line, std::memory_order_relaxed);
+    const SipLmLogHndlr hook = g_gpfnSipLmLogHndlr;
+    if (hook == nullptr) {
+        return;
+    }
+    const char *const source = sourceName(failed.source);
+    if (log.format != nullptr) {
+        hook(kModule, kInstance, log.level, source, failed.function, line, log.category, log.format,
+             value);
+    } else {
+        hook(kModule, kInstance, log.level, source, failed.function, line, log.category, nullptr);
+    }
+}
+
+} // namespace
+
+#ifdef SDPLINE_COUNT_CHECKS
+uint32_t checkHits[kCheckCount];
+#endif
+
+SDPResult codeOf(Check check) {
+    const CheckRow &failed = row(check);
+    const Outcome &outcome = failed.outcome;
+    switch (outcome.answer) {
+    case Answer::Bare: return outcome.location;
+    case Answer::Pass: return 0;
+    case Answer::Code: break;
+    }
+    return fileNumber(failed.source) << 24 | static_cast<uint32_t>(outcome.location) << 10 |
+           outcome.errorClass;
+}
+
+SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word) {
+    if (isOfParsing(row(check).source)) {
+        lastFailed = {check, word};
+        decodeBlock = nullptr; // the log hook may set others
+    }
+    report(row(check), value, line);
+    return codeOf(check);
+}
+
+SDPResult passUp(Check check, SDPResult result, uint32_t line) {
+    if (isOfParsing(row(check).source)) {
+        decodeBlock = nullptr;
+    }
+    report(row(check), result, line);
+    return result;
+}
+
+} // namespace sdpline

@@ -1,0 +1,45 @@
+// How an o= line is written.
+#pragma once
+
+#include "encoder/encoder.hpp"
+
+namespace sdpline {
+
+// nettype = "IN" / token
+SDPLINE_INLINE SDPResult writeOriginNetType(Output &out, const SDPOrigin &origin) {
+    const SDPNetType &type = origin.stNetType;
+    if (type.enNetType == SDP_NETTYPE_OTHER) {
+        return out.text(type.pstrOtherNetType);
+    }
+    return appendWord(out, kNetTypeWords, type.enNetType, Check::OriginNetTypeValue);
+}
+
+// addrtype = "IP4" / "IP6" / token
+SDPLINE_INLINE SDPResult writeOriginAddrType(Output &out, const SDPOrigin &origin) {
+    const SDPAddrType &type = origin.stAddrType;
+    if (type.enAddrType == SDP_ADDRTYPE_OTHER) {
+        return out.text(type.pstrOtherAddrType);
+    }
+    return appendWord(out, kAddrTypeWords, type.enAddrType, Check::OriginAddrTypeValue);
+}
+
+// o= username SP sess-id SP sess-version SP nettype SP addrtype SP unicast-address CRLF
+SDPLINE_INLINE SDPResult writeOrigin(Output &out, const uint32_t *flag, const SDPOrigin &origin) {
+    return Appender(out)
+        .prefix(flag, 'o')
+        .text(&origin.strUserName)
+        .character(' ')
+        .text(&origin.strSessionId)
+        .character(' ')
+        .text(&origin.strSessionVersion)
+        .character(' ')
+        .then([&] { return writeOriginNetType(out, origin); })
+        .character(' ')
+        .then([&] { return writeOriginAddrType(out, origin); })
+        .character(' ')
+        .text(&origin.strAddress)
+        .lineEnd()
+        .result();
+}
+
+} // namespace sdpline

@@ -1,0 +1,124 @@
+// Lookup in a fixed table of names: a hash of the first and of the last bytes picks the only name
+// that a text can be, and one comparison decides.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "services/inline.hpp"
+
+namespace sdpline {
+
+// Whether two texts of one length are equal; short texts need no call.
+SDPLINE_INLINE bool equalBytes(const char *a, const char *b, size_t size) {
+    const auto differ = [=]<class Part>(Part, size_t at) {
+        Part first;
+        Part second;
+        std::memcpy(&first, a + at, sizeof(Part));
+        std::memcpy(&second, b + at, sizeof(Part));
+        return first != second;
+    };
+    if (size >= 8) {
+        for (size_t at = 0; at + 8 < size; at += 8) {
+            if (differ(uint64_t{}, at)) {
+                return false;
+            }
+        }
+        return !differ(uint64_t{}, size - 8);
+    }
+    if (size >= 4) {
+        return !differ(uint32_t{}, 0) && !differ(uint32_t{}, size - 4);
+    }
+    for (size_t at = 0; at < size; ++at) {
+        if (a[at] != b[at]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Four bytes as a number, the same when the compiler reads them.
+SDPLINE_INLINE constexpr uint32_t fourBytes(const char *bytes) {
+    if (!std::is_constant_evaluated()) {
+        uint32_t value;
+        std::memcpy(&value, bytes, sizeof value);
+        return value;
+    }
+    uint32_t value = 0;
+    for (uint32_t i = 0; i < 4; ++i) {
+        const uint32_t shift = std::endian::native == std::endian::little ? 8 * i : 24 - 8 * i;
+        value |= uint32_t{static_cast<uint8_t>(bytes[i])} << shift;
+    }
+    return value;
+}
+
+// A table of N names. Of equal names the last row counts.
+template <size_t N>
+class Names {
+    static_assert(N < 255, "rows are kept in bytes");
+
+public:
+    constexpr explicit Names(const std::array<std::string_view, N> &names) {
+        for (size_t row = 0; row < N; ++row) {
+            names_[row] = names[row];
+        }
+        while (!fill()) {
+            factor_ += 2;
+        }
+    }
+
+    // The last row of that name, case and all; N when there is none.
+    SDPLINE_INLINE size_t lastRow(std::string_view name) const {
+        if (name.empty()) {
+            return N;
+        }
+        const size_t row = slots_[slotOf(name)];
+        if (names_[row].size() != name.size()) {
+            return N;
+        }
+        return equalBytes(names_[row].data(), name.data(), name.size()) ? row : N;
+    }
+
+private:
+    static constexpr size_t kSlots = 256;
+
+    SDPLINE_INLINE constexpr size_t slotOf(std::string_view name) const {
+        const char *const bytes = name.data();
+        const size_t size = name.size();
+        uint32_t key;
+        if (size >= 4) [[likely]] {
+            key = fourBytes(bytes) + 5 * fourBytes(bytes + size - 4);
+        } else {
+            key = uint32_t{static_cast<uint8_t>(bytes[0])} |
+                  uint32_t{static_cast<uint8_t>(bytes[size / 2])} << 8 |
+                  uint32_t{static_cast<uint8_t>(bytes[size - 1])} << 16;
+        }
+        return key * factor_ >> 24;
+    }
+
+    // Whether no two names share a slot under the factor.
+    constexpr bool fill() {
+        slots_.fill(static_cast<uint8_t>(N));
+        for (size_t row = 0; row < N; ++row) {
+            if (names_[row].empty()) {
+                continue;
+            }
+            uint8_t &slot = slots_[slotOf(names_[row])];
+            if (slot != N && names_[slot] != names_[row]) {
+                return false;
+            }
+            slot = static_cast<uint8_t>(row);
+        }
+        return true;
+    }
+
+    std::array<std::string_view, N + 1> names_{}; // the last one, empty, is that of unused slots
+    std::array<uint8_t, kSlots> slots_{};
+    uint32_t factor_ = 0x9E3779B1; // odd, of mixed bits
+};
+
+} // namespace sdpline

@@ -1,0 +1,187 @@
+// Single lines as text: SdpLibEncodeSdpLine.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "copy/linememory.hpp"
+#include "copy/linesamples.hpp"
+#include "sdpline/sdpline.h"
+#include "support/appends.hpp"
+#include "support/logs.hpp"
+
+namespace {
+
+using dsmtest::Sample;
+using dsmtest::sampleNamed;
+using dsmtest::SystemMemory;
+using dsmtest::textOf;
+using support::Appends;
+using Texts = std::vector<std::string>;
+
+uint32_t prefixed = 1;
+uint32_t bare = 0;
+
+// A pointer that no operation wrote over.
+SipRefString *const kUntouched = reinterpret_cast<SipRefString *>(&prefixed);
+
+// The line's text; "failed" when there is none.
+std::string encoded(uint32_t lineType, const void *record, uint32_t withPrefix = 1) {
+    SipRefString *text = kUntouched;
+    if (SdpLibEncodeSdpLine(&withPrefix, lineType, const_cast<void *>(record), &text) != 0) {
+        return "failed";
+    }
+    const std::string bytes(SipSmGetDataFromRefString(text), SipSmGetLenFromRefString(text));
+    SipSmReleaseRefString(text);
+    return bytes;
+}
+
+TEST(EncodeSdpLine, WritesAKeyWithOrWithoutItsPrefix) {
+    SDPKey key = {textOf("prompt")};
+    EXPECT_EQ(encoded(SDP_LINE_KEY, &key, 1), "k=prompt\r\n");
+    EXPECT_EQ(encoded(SDP_LINE_KEY, &key, 0), "prompt\r\n");
+    EXPECT_EQ(encoded(SDP_LINE_KEY, &key, 2), "prompt\r\n");
+}
+
+TEST(EncodeSdpLine, EndsTheLineAsConfigured) {
+    SDPKey key = {textOf("prompt")};
+    uint32_t lineEnd = SDP_LINE_END_LF;
+    ASSERT_EQ(SdpLibExtConfig(SDP_CONFIG_LINE_END, &lineEnd), 0u);
+    EXPECT_EQ(encoded(SDP_LINE_KEY, &key), "k=prompt\n");
+    lineEnd = SDP_LINE_END_CR;
+    ASSERT_EQ(SdpLibExtConfig(SDP_CONFIG_LINE_END, &lineEnd), 0u);
+    EXPECT_EQ(encoded(SDP_LINE_KEY, &key), "k=prompt\r");
+    lineEnd = SDP_LINE_END_CRLF;
+    ASSERT_EQ(SdpLibExtConfig(SDP_CONFIG_LINE_END, &lineEnd), 0u);
+}
+
+TEST(EncodeSdpLine, WritesEveryKindOfLine) {
+    const struct {
+        const char *sample;
+        const char *text;
+    } kLines[] = {
+        {"v=", "v=7\r\n"},
+        {"c= IPv4", "c=IN IP4 240.241.242.243/127\r\n"},
+        {"o= IN IP4", "o=jdoe 2890844526 2890842807 IN IP4 10.47.16.5\r\n"},
+        {"m= three payloads", "m=audio 49170/2 RTP/AVP 0 3 6\r\n"},
+        {"a= type 1", "a=rtpmap:101 telephone-event/8000\r\n"},
+        {"a= type 34", "a=foo:bar\r\n"},
+        {"t= with r=", "t=2873397496 2873404696\r\n"},
+        {"r=", "r=7d 1h 0s 25h\r\n"},
+        {"text of line type 7", "i=some words\r\n"},
+        {"text of line type 8", "s=some words\r\n"},
+        {"text of line type 9", "u=some words\r\n"},
+        {"text of line type 10", "e=some words\r\n"},
+        {"text of line type 11", "p=some words\r\n"},
+        {"text of line type 12", "b=some words\r\n"},
+        {"text of line type 13", "z=some words\r\n"},
+        {"k=", "k=prompt\r\n"},
+    };
+    for (const auto &line : kLines) {
+        const Sample &sample = sampleNamed(line.sample);
+        EXPECT_EQ(encoded(sample.lineType, sample.record), line.text) << line.sample;
+    }
+}
+
+TEST(EncodeSdpLine, AnAttributeThatCannotBeWrittenIsAShortLine) {
+    SDPAttr attribute = {};
+    attribute.ulAttrType = SDP_ATTR_UNKNOWN;
+    EXPECT_EQ(encoded(SDP_LINE_ATTRIBUTE, &attribute), "a=\r\n");
+}
+
+TEST(EncodeSdpLine, RefusesOtherArgumentsBeforeAnythingIsAllocated) {
+    SDPKey key = {textOf("prompt")};
+    SipRefString *text = kUntouched;
+    const struct {
+        uint32_t *flag;
+        uint32_t lineType;
+        void *record;
+        SipRefString **text;
+    } kRefused[] = {{nullptr, SDP_LINE_KEY, &key, &text},
+                    {&prefixed, SDP_LINE_COUNT, &key, &text},
+                    {&prefixed, 0xFFFFFFFFu, &key, &text},
+                    {&prefixed, SDP_LINE_KEY, nullptr, &text},
+                    {&prefixed, SDP_LINE_KEY, &key, nullptr}};
+    const SystemMemory system;
+    for (const auto &given : kRefused) {
+        support::LogRecorder logs;
+        EXPECT_EQ(SdpLibEncodeSdpLine(given.flag, given.lineType, given.record, given.text),
+                  0x04069001u);
+        EXPECT_EQ(logs.textsWithLines(), (Texts{"3 sdpintf SdpLibEncodeSdpLineValidate:388 0",
+                                                "3 sdpintf SdpLibEncodeSdpLine:420 0"}));
+        EXPECT_EQ(g_gSipCodePoint, 4u << 16 | 420u);
+        EXPECT_EQ(SdpLibEncodeSdpLineValidate(given.flag, given.lineType, given.record, given.text),
+                  0x04061001u);
+    }
+    EXPECT_EQ(text, kUntouched);
+    EXPECT_EQ(system.memory.requests(), 0u);
+    for (uint32_t lineType = 0; lineType < SDP_LINE_COUNT; ++lineType) {
+        EXPECT_EQ(SdpLibEncodeSdpLineValidate(&bare, lineType, &key, &text), 0u);
+    }
+}
+
+TEST(EncodeSdpLine, WithoutMemoryForTheBufferFailsWithItsOwnCode) {
+    SDPKey key = {textOf("prompt")};
+    SystemMemory system;
+    system.memory.refuse(1);
+    support::LogRecorder logs;
+    SipRefString *text = kUntouched;
+    EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), 0x0406b001u);
+    EXPECT_EQ(text, nullptr);
+    EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpintf SdpLibEncodeSdpLine:430 1 \"retVal=2\""});
+}
+
+TEST(EncodeSdpLine, WithoutMemoryForTheTextPassesTheServicesCodeUp) {
+    SDPKey key = {textOf("prompt")};
+    SystemMemory system;
+    system.memory.refuse(2);
+    support::LogRecorder logs;
+    SipRefString *text = kUntouched;
+    EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), uint32_t{SIP_NO_MEMORY});
+    EXPECT_EQ(text, nullptr);
+    EXPECT_TRUE(logs.entries().empty());
+    EXPECT_EQ(system.memory.live(), 0u);
+}
+
+TEST(EncodeSdpLine, PassesAFailedAppendUpAndKeepsNothing) {
+    SDPKey key = {textOf("prompt")};
+    for (uint32_t n = 1; n <= 4; ++n) { // k, =, prompt, line end
+        const SystemMemory system;
+        support::LogRecorder logs;
+        SipRefString *text = kUntouched;
+        Appends::reset();
+        Appends::failAt(n);
+        EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), Appends::kRefused);
+        EXPECT_EQ(Appends::count(), n);
+        Appends::off();
+        EXPECT_EQ(text, nullptr);
+        EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpintf SdpLibEncodeSdpLine:439 21"});
+        EXPECT_EQ(system.memory.live(), 0u);
+    }
+}
+
+// A text longer than the buffer's first 64 bytes: it grows, and may fail to.
+TEST(EncodeSdpLine, GrowsForLongText) {
+    const std::string words(1000, 'x');
+    SipString text = textOf(words.c_str());
+    EXPECT_EQ(encoded(SDP_LINE_NAME, &text), "s=" + words + "\r\n");
+    SystemMemory system;
+    system.memory.refuse(2);
+    EXPECT_EQ(encoded(SDP_LINE_NAME, &text), "failed");
+    EXPECT_EQ(system.memory.live(), 0u);
+}
+
+// An attribute that did not fit is a success of the encoder; the broken buffer then shows in the
+// conversion.
+TEST(EncodeSdpLine, ATextThatTheBufferLostIsNotHandedOut) {
+    const std::string words(1000, 'x');
+    SDPAttr attribute = {};
+    attribute.ulAttrType = SDP_ATTR_TOOL;
+    attribute.unAttrValue.strValue = textOf(words.c_str());
+    SystemMemory system;
+    system.memory.refuse(2);
+    EXPECT_EQ(encoded(SDP_LINE_ATTRIBUTE, &attribute), "failed");
+    EXPECT_EQ(system.memory.live(), 0u);
+}
+
+} // namespace

@@ -1,0 +1,189 @@
+// Whole bodies: text in, text out, and who owns what in between.
+#include <array>
+#include <type_traits>
+#include <utility>
+
+#include "cpp/facetest.hpp"
+#include "support/allocations.hpp"
+
+using namespace facetest;
+using sdpline::Body;
+using sdpline::Fault;
+using support::Held;
+
+static_assert(std::is_nothrow_move_constructible_v<Body>);
+static_assert(std::is_nothrow_move_assignable_v<Body>);
+static_assert(!std::is_copy_constructible_v<Body>);
+
+TEST(FaceDecode, WhatIsReadIsWrittenBack) {
+    EXPECT_EQ(written(decoded(kEveryLine)), kEveryLine);
+}
+
+TEST(FaceDecode, ARefusalTellsCodePlaceAndSentence) {
+    const std::string text = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nc=IN IP4 192.0.2.300\r\n";
+    const auto body = Body::decode(text);
+    ASSERT_FALSE(body);
+    EXPECT_EQ(body.error().fault, Fault::Library);
+    EXPECT_EQ(body.error().code & 0x3FF, std::uint32_t{SDP_ERRCLASS_FIELD_SYNTAX});
+    EXPECT_EQ(body.error().line, 4u);
+    EXPECT_EQ(body.error().column, 18u);
+    EXPECT_EQ(body.error().offset, text.find("300"));
+    EXPECT_EQ(body.error().sentence, "the fourth octet is above 255");
+    EXPECT_EQ(body.error().function, "sdpConnectionFieldAddrIpv4");
+    EXPECT_EQ(body.error().source, "sdpparser");
+    EXPECT_EQ(body.error().check, "ConnLastOctetRange");
+    EXPECT_EQ(body.error().message(), "4:18: the fourth octet is above 255 "
+                                      "(sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)");
+}
+
+TEST(FaceDecode, ALengthOutOfBoundsHasNoPlace) {
+    for (const std::size_t size : {std::size_t{0}, std::size_t{SDP_MAX_BODY + 1}}) {
+        const auto body = Body::decode(std::string(size, 'v'));
+        ASSERT_FALSE(body);
+        EXPECT_EQ(body.error().line, 0u);
+        EXPECT_NE(body.error().code, 0u);
+        EXPECT_FALSE(body.error().sentence.empty());
+    }
+    EXPECT_FALSE(Body::decode({}));
+}
+
+TEST(FaceDecode, ThePlaceOfAnEarlierRefusalIsNotTold) {
+    ASSERT_FALSE(Body::decode("v=0\r\nx=\r\n"));
+    support::Allocations::failAt(1); // the block: the parser is not reached
+    const auto body = Body::decode(kPlain);
+    support::Allocations::reset();
+    ASSERT_FALSE(body);
+    EXPECT_EQ(body.error().line, 0u);
+    EXPECT_EQ(body.error().function, "SdpLibDecodeSdp");
+}
+
+// The parser goes on without the word of an unknown protocol; the face does not.
+TEST(FaceDecode, EveryFailedRequestIsAFailure) {
+    support::Allocations::reset();
+    ASSERT_TRUE(Body::decode(kEveryLine));
+    const std::uint32_t requests = support::Allocations::count();
+    EXPECT_GT(requests, 100u);
+    for (std::uint32_t n = 1; n <= requests; ++n) {
+        support::Allocations::failAt(n);
+        EXPECT_FALSE(Body::decode(kEveryLine)) << n;
+    }
+    support::Allocations::reset();
+}
+
+TEST(FaceDecode, TheTextIsNotKept) {
+    std::string text(kEveryLine);
+    const Body body = decoded(text);
+    text.assign(text.size(), '?');
+    EXPECT_EQ(written(body), kEveryLine);
+}
+
+TEST(FaceEncode, IntoABufferAnswersTheWrittenPart) {
+    const Body body = decoded(kPlain);
+    std::array<char, 256> buffer{};
+    const auto text = body.encode(buffer);
+    ASSERT_TRUE(text) << text.error().message();
+    EXPECT_EQ(*text, kPlain);
+    EXPECT_EQ(text->data(), buffer.data());
+}
+
+TEST(FaceEncode, ATextThatDoesNotFitIsRefused) {
+    const Body body = decoded(kPlain);
+    std::string buffer(kPlain.size() - 1, ' ');
+    EXPECT_FALSE(body.encode(buffer));
+    EXPECT_FALSE(body.encode(std::span<char>()));
+    buffer.resize(kPlain.size());
+    EXPECT_TRUE(body.encode(buffer));
+}
+
+TEST(FaceEncode, ARecordThatCannotBeWrittenIsRefused) {
+    Body body = decoded(kPlain);
+    body.record()->stOrigin.stNetType.enNetType = 9;
+    const auto text = body.encode();
+    ASSERT_FALSE(text);
+    EXPECT_EQ(text.error().fault, Fault::Library);
+    EXPECT_EQ(text.error().source, "sdpencode");
+    EXPECT_EQ(text.error().line, 0u);
+}
+
+TEST(FaceBody, ANewOneHasItsFirstThreeLines) {
+    const auto body = Body::create();
+    ASSERT_TRUE(body) << body.error().message();
+    EXPECT_EQ(written(*body), "v=0\r\no=- 0 0 IN IP4 0.0.0.0\r\ns=-\r\nt=0 0\r\n");
+
+    const auto other = Body::create(
+        {.userName = "gw", .sessionId = "7", .sessionVersion = "8", .address = "gw.example.com"},
+        "call");
+    ASSERT_TRUE(other) << other.error().message();
+    EXPECT_EQ(written(*other), "v=0\r\no=gw 7 8 IN IP4 gw.example.com\r\ns=call\r\nt=0 0\r\n");
+}
+
+TEST(FaceBody, ANewOneIsRefusedWhenItsLinesAre) {
+    EXPECT_REFUSED(Body::create({}, ""), "a text is empty");
+    EXPECT_REFUSED(Body::create({.sessionId = "x"}), "a number holds something else than digits");
+}
+
+TEST(FaceBody, ItsBlockGoesWithIt) {
+    const Held before = Held::now();
+    {
+        Body body = decoded(kEveryLine);
+        Body other = decoded(kPlain);
+        EXPECT_EQ(Held::now().blocks, before.blocks + 2);
+        other = std::move(body);
+        EXPECT_EQ(Held::now().blocks, before.blocks + 1);
+        EXPECT_EQ(written(other), kEveryLine);
+        Body moved(std::move(other));
+        EXPECT_EQ(written(moved), kEveryLine);
+        other = decoded(kPlain); // what was moved from may be assigned to
+        EXPECT_EQ(written(other), kPlain);
+    }
+    EXPECT_EQ(Held::now(), before);
+}
+
+TEST(FaceBody, ViewsSurviveAMove) {
+    Body body = decoded(kEveryLine);
+    const std::string_view name = body.sessionName();
+    const auto media = std::as_const(body).media();
+    const Body moved = std::move(body);
+    EXPECT_EQ(name, "Weekly call");
+    EXPECT_EQ(media.size(), 4u);
+    EXPECT_EQ(media[0], moved.media()[0]);
+}
+
+TEST(FaceBody, ItGoesToTheCInterfaceAndComesBack) {
+    const Held before = Held::now();
+    {
+        SdpLine *line = decoded(kEveryLine).release();
+        ASSERT_NE(line, nullptr);
+        line->stMediaSet.ppstMediaDescs[0]->stMediaField.ulPort = 4;
+        const Body body = Body::adopt(line);
+        EXPECT_EQ(body.record(), line);
+        EXPECT_EQ(body.media()[0].port(), 4u);
+    }
+    EXPECT_EQ(Held::now(), before);
+}
+
+TEST(FaceBodyDeathTest, ABodyThatWasMovedFromEndsTheProgram) {
+    Body body = decoded(kPlain);
+    const Body moved = std::move(body);
+    EXPECT_DEATH((void)body.sessionName(), "");
+    EXPECT_DEATH(Body::adopt(nullptr), "");
+}
+
+TEST(FaceResultDeathTest, TheValueOfAFailureEndsTheProgram) {
+    auto refused = Body::decode("");
+    EXPECT_DEATH((void)refused->sessionName(), "");
+    auto accepted = Body::decode(kPlain);
+    EXPECT_DEATH((void)accepted.error(), "");
+    EXPECT_DEATH((void)sdpline::Status().error(), "");
+}
+
+TEST(FaceResult, AnotherValueTakesThePlaceOfAFailure) {
+    EXPECT_EQ(sdpline::Result<int>(3).valueOr(4), 3);
+    EXPECT_EQ(sdpline::Result<int>(sdpline::Error{}).valueOr(4), 4);
+}
+
+TEST(FaceError, ACodeOfAnotherServiceIsToldAsItIs) {
+    const sdpline::Error error = sdpline::face_detail::libraryError(SIP_NO_MEMORY);
+    EXPECT_EQ(error.code, std::uint32_t{SIP_NO_MEMORY});
+    EXPECT_EQ(error.message(), "a service that the library calls failed (0x00000002)");
+}

@@ -1,0 +1,87 @@
+// Several threads over the face at once. Bodies are not shared between those that change them.
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "cpp/facetest.hpp"
+
+using namespace facetest;
+using namespace sdpline;
+
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 400;
+
+template <class Work>
+void inThreads(Work work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back(work, i);
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+}
+
+} // namespace
+
+TEST(FaceThreads, DecodesGoOneAtATime) {
+    std::atomic<int> wrong = 0;
+    inThreads([&](int i) {
+        const std::string name = "thread " + std::to_string(i);
+        const std::string text =
+            "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=" + name + "\r\nt=0 0\r\na=" + name + "\r\n";
+        const std::string refused = std::string(static_cast<std::size_t>(i) + 1, '\n') + "v=0";
+        const std::string lines = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\na=" +
+                                  std::string(static_cast<std::size_t>(i), 'x') + ":\r\n";
+        for (int round = 0; round < kRounds; ++round) {
+            auto body = Body::decode(text.substr(0, text.find("a=")));
+            const bool edited = body && body->attributes().add("x:" + name).ok() &&
+                                body->media().add("audio 1 RTP/AVP 0").ok();
+            const auto fails = Body::decode(lines);
+            wrong += !edited || body->sessionName() != name || body->attributes().text("x") != name;
+            wrong += fails.ok() || fails.error().line != 5 ||
+                     (i > 0 && fails.error().column != static_cast<std::uint32_t>(i) + 4);
+            wrong += Body::decode(refused).ok();
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST(FaceThreads, OneBodyIsReadByMany) {
+    const Body body = decoded(kEveryLine);
+    std::atomic<int> wrong = 0;
+    inThreads([&](int) {
+        for (int round = 0; round < kRounds; ++round) {
+            wrong += *body.encode() != kEveryLine;
+            const auto copy = body.clone();
+            wrong += !copy || copy->media().size() != 4;
+            wrong += body.media()[0].attributes().number(AttributeType::PTime) != 20u;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+
+#ifndef SDPLINE_THREAD_LOCAL
+TEST(FaceThreads, CallersOfTheCDecoderTakeTheSameLock) {
+    std::atomic<int> wrong = 0;
+    inThreads([&](int i) {
+        for (int round = 0; round < kRounds; ++round) {
+            if (i % 2 == 0) {
+                wrong += !Body::decode(kEveryLine).ok();
+                continue;
+            }
+            const std::scoped_lock lock(decodeMutex());
+            const SipString text = {static_cast<std::uint32_t>(kPlain.size()),
+                                    const_cast<char *>(kPlain.data())};
+            SdpLine *line = nullptr;
+            wrong += SdpLibDecodeSdp(&text, &line) != 0;
+            SdpLibReleaseSdp(&line);
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+#endif
