@@ -162,7 +162,7 @@ def threads(results):
     if not rows:
         return ""
     return (
-        "**Decodes through the C++ face from two threads**, thousand bodies a second\n\n"
+        "**Decodes through the C++ API from two threads**, thousand bodies a second\n\n"
         + table(["", "1 thread", "2 threads", "ratio"], rows)
     )
 

@@ -1,5 +1,5 @@
 /*
- * sdpline.h: SDP bodies to records and back. This is the whole C face; C11 and C++20.
+ * sdpline.h: SDP bodies to records and back. This is the whole C interface; C11 and C++20.
  *
  *     SipString stText = {ulLength, pcBytes};
  *     SdpLine *pstLine = NULL;

@@ -48,7 +48,7 @@
  *     body's own block as memory control (pstMemCp), to change; adopt() and release() hand whole
  *     bodies over. Configuration (line ends, T.38 flags, RTP/AVPF) is that of sdpline.h, for the
  *     process.
- *  9. Names are those of this namespace, sdpline, but for sdpline::face_detail, which may change
+ *  9. Names are those of this namespace, sdpline, but for sdpline::internal, which may change
  *     at any time. An inline namespace, v1, keeps its symbols apart from all others.
  */
 #ifndef SDPLINE_SDPLINE_HPP
@@ -65,10 +65,11 @@
 
 #include "sdpline/cpp/attributes.hpp"
 #include "sdpline/cpp/attributeseditor.hpp"
-#include "sdpline/cpp/clone.hpp"
-#include "sdpline/cpp/decode.hpp"
+#include "sdpline/cpp/decodemutex.hpp"
+#include "sdpline/cpp/detail/clone.hpp"
+#include "sdpline/cpp/detail/decode.hpp"
+#include "sdpline/cpp/detail/lines.hpp"
 #include "sdpline/cpp/editors.hpp"
-#include "sdpline/cpp/lines.hpp"
 #include "sdpline/cpp/media.hpp"
 #include "sdpline/cpp/result.hpp"
 #include "sdpline/cpp/values.hpp"
@@ -80,7 +81,7 @@ inline namespace v1 {
 
 class Body {
     template <class Record>
-    using Slot = face_detail::Slot<Record>;
+    using Slot = internal::Slot<Record>;
 
 public:
     /* ---- Making and giving away -------------------------------------------------------------- */
@@ -88,7 +89,7 @@ public:
     /* Reads a body; the text is not kept. It has at most SDP_MAX_BODY bytes; what follows its first
      * empty line is not read. An Error tells the line and column of the text that was refused. */
     static Result<Body> decode(std::string_view text) {
-        auto decoded = face_detail::decodeText(text);
+        auto decoded = internal::decodeText(text);
         if (!decoded) {
             return decoded.error();
         }
@@ -97,7 +98,7 @@ public:
 
     /* A body of its first three lines, and no time: "t=0 0" is written. */
     static Result<Body> create(const Origin &origin = {}, std::string_view sessionName = "-") {
-        auto made = face_detail::newBody();
+        auto made = internal::newBody();
         if (!made) {
             return made.error();
         }
@@ -112,7 +113,7 @@ public:
 
     /* A copy of everything, in a block of its own, with what would not be written too. */
     Result<Body> clone() const {
-        auto made = face_detail::cloneBody(line());
+        auto made = internal::cloneBody(line());
         if (!made) {
             return made.error();
         }
@@ -122,13 +123,13 @@ public:
     /* Takes over a body of the C interface, which has a block; release() gives it back, to be
      * released with SdpLibReleaseSdp. */
     static Body adopt(SdpLine *line) {
-        face_detail::insist(line != nullptr && line->pstMemCp != nullptr);
-        return Body(face_detail::BodyHandle(line));
+        internal::insist(line != nullptr && line->pstMemCp != nullptr);
+        return Body(internal::BodyHandle(line));
     }
     SdpLine *release() && { return line_.release(); }
 
-    SdpLine *record() { return &line(); }
-    const SdpLine *record() const { return &line(); }
+    SdpLine *record() & { return &line(); }
+    const SdpLine *record() const & { return &line(); }
 
     /* ---- Text -------------------------------------------------------------------------------- */
 
@@ -136,13 +137,13 @@ public:
     Result<std::string> encode() const {
         SipStringBuffer *buffer = nullptr;
         if (const SDPResult code = SdpLibEncodeSdp(&line(), &buffer)) {
-            return face_detail::libraryError(code);
+            return internal::libraryError(code);
         }
         SipRefString *text = nullptr;
         const std::uint32_t code = SipSbConvertToRefString(buffer, &text);
         SipSbReleaseStringBuffer(buffer);
         if (code != 0) {
-            return face_detail::libraryError(code);
+            return internal::libraryError(code);
         }
         std::string copy(SipSmGetDataFromRefString(text), SipSmGetLenFromRefString(text));
         SipSmReleaseRefString(text);
@@ -158,7 +159,7 @@ public:
         if (const SDPResult code =
                 SdpLibSerializeSdp(&line(), reinterpret_cast<std::uint8_t *>(buffer.data()),
                                    static_cast<std::uint32_t>(size), &written)) {
-            return face_detail::libraryError(code);
+            return internal::libraryError(code);
         }
         return std::string_view(buffer.data(), written);
     }
@@ -166,31 +167,31 @@ public:
     /* ---- Lines to look at -------------------------------------------------------------------- */
 
     std::uint32_t version() const { return line().ulProtoVersion; }
-    Origin origin() const { return face_detail::originOf(line().stOrigin); }
-    std::string_view sessionName() const { return face_detail::viewOf(line().strSessionName); }
-    std::optional<std::string_view> info() const {
-        return face_detail::optionalViewOf(line().pstrSessionInfo);
+    Origin origin() const & { return internal::originOf(line().stOrigin); }
+    std::string_view sessionName() const & { return internal::viewOf(line().strSessionName); }
+    std::optional<std::string_view> info() const & {
+        return internal::optionalViewOf(line().pstrSessionInfo);
     }
-    std::optional<std::string_view> uri() const {
-        return face_detail::optionalViewOf(line().pstrUri);
+    std::optional<std::string_view> uri() const & {
+        return internal::optionalViewOf(line().pstrUri);
     }
-    Texts emails() const { return Texts(line().pstEmailList); }
-    Texts phones() const { return Texts(line().pstPhoneList); }
-    std::optional<Connection> connection() const {
-        return face_detail::connectionOf(line().pstConnection);
+    Texts emails() const & { return Texts(line().pstEmailList); }
+    Texts phones() const & { return Texts(line().pstPhoneList); }
+    std::optional<Connection> connection() const & {
+        return internal::connectionOf(line().pstConnection);
     }
-    Texts bandwidths() const { return Texts(line().pstBandwidthList); }
-    Times times() const { return Times(&line().stTimeSet); }
-    std::optional<std::string_view> zone() const {
-        return face_detail::optionalViewOf(line().pstrTimeZone);
+    Texts bandwidths() const & { return Texts(line().pstBandwidthList); }
+    Times times() const & { return Times(&line().stTimeSet); }
+    std::optional<std::string_view> zone() const & {
+        return internal::optionalViewOf(line().pstrTimeZone);
     }
-    std::optional<std::string_view> key() const { return face_detail::keyOf(line().pstKey); }
-    Attributes attributes() const { return Attributes(line().pstAttrList); }
-    MediaList media() const { return MediaList(&line().stMediaSet); }
+    std::optional<std::string_view> key() const & { return internal::keyOf(line().pstKey); }
+    Attributes attributes() const & { return Attributes(line().pstAttrList); }
+    MediaList media() const & { return MediaList(&line().stMediaSet); }
 
     /* What holds for a media description of this body: its own line, or else the session's; a
      * direction that neither gives is SendRecv (RFC 3264 section 5.1). */
-    std::optional<Connection> connectionOf(const Media &media) const {
+    std::optional<Connection> connectionOf(const Media &media) const & {
         const auto own = media.connection();
         return own ? own : connection();
     }
@@ -199,74 +200,91 @@ public:
         return own ? *own : attributes().direction().value_or(Direction::SendRecv);
     }
 
+    /* Views of a body that is gone at the end of the line: they do not compile. Name the body. */
+    Origin origin() const && = delete;
+    std::string_view sessionName() const && = delete;
+    std::optional<std::string_view> info() const && = delete;
+    std::optional<std::string_view> uri() const && = delete;
+    Texts emails() const && = delete;
+    Texts phones() const && = delete;
+    std::optional<Connection> connection() const && = delete;
+    Texts bandwidths() const && = delete;
+    Times times() const && = delete;
+    std::optional<std::string_view> zone() const && = delete;
+    std::optional<std::string_view> key() const && = delete;
+    Attributes attributes() const && = delete;
+    MediaList media() const && = delete;
+    std::optional<Connection> connectionOf(const Media &media) const && = delete;
+    const SdpLine *record() const && = delete;
+
     /* ---- Lines to change --------------------------------------------------------------------- */
 
     Status setOrigin(const Origin &origin) {
-        return face_detail::setOrigin(memory(), line().stOrigin, origin);
+        return internal::setOrigin(memory(), line().stOrigin, origin);
     }
 
     /* A blank or "-" stands for no name: the text must not be empty. */
     Status setSessionName(std::string_view text) {
-        if (const auto error = face_detail::refusedText(text)) {
+        if (const auto error = internal::refusedText(text)) {
             return *error;
         }
-        return memory().replace(SDP_LINE_NAME, face_detail::lent(text), line().strSessionName);
+        return memory().replace(SDP_LINE_NAME, internal::lent(text), line().strSessionName);
     }
 
     Status setInfo(std::string_view text) {
-        return face_detail::setText(memory(), infoSlot(), SDP_LINE_INFO, text);
+        return internal::setText(memory(), infoSlot(), SDP_LINE_INFO, text);
     }
-    void removeInfo() { face_detail::removeLine(memory(), infoSlot(), SDP_LINE_INFO); }
+    void removeInfo() { internal::removeLine(memory(), infoSlot(), SDP_LINE_INFO); }
 
     Status setUri(std::string_view text) {
-        return face_detail::setText(memory(), uriSlot(), SDP_LINE_URI, text);
+        return internal::setText(memory(), uriSlot(), SDP_LINE_URI, text);
     }
-    void removeUri() { face_detail::removeLine(memory(), uriSlot(), SDP_LINE_URI); }
+    void removeUri() { internal::removeLine(memory(), uriSlot(), SDP_LINE_URI); }
 
-    TextsEditor emails() { return texts(offsetof(SdpLine, pstEmailList), SDP_LINE_EMAIL); }
-    TextsEditor phones() { return texts(offsetof(SdpLine, pstPhoneList), SDP_LINE_PHONE); }
+    TextsEditor emails() & { return texts(offsetof(SdpLine, pstEmailList), SDP_LINE_EMAIL); }
+    TextsEditor phones() & { return texts(offsetof(SdpLine, pstPhoneList), SDP_LINE_PHONE); }
 
     Status setConnection(const Connection &connection) {
-        return face_detail::setConnection(memory(), connectionSlot(), connection);
+        return internal::setConnection(memory(), connectionSlot(), connection);
     }
     /* By its text behind "c=", "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) {
-        return face_detail::setConnection(memory(), connectionSlot(), text);
+        return internal::setConnection(memory(), connectionSlot(), text);
     }
     void removeConnection() {
-        face_detail::removeLine(memory(), connectionSlot(), SDP_LINE_CONNECTION);
+        internal::removeLine(memory(), connectionSlot(), SDP_LINE_CONNECTION);
     }
 
-    TextsEditor bandwidths() {
+    TextsEditor bandwidths() & {
         return texts(offsetof(SdpLine, pstBandwidthList), SDP_LINE_BANDWIDTH);
     }
-    TimesEditor times() { return {memory(), &line().stTimeSet}; }
+    TimesEditor times() & { return {memory(), &line().stTimeSet}; }
 
     Status setZone(std::string_view text) {
-        return face_detail::setText(memory(), zoneSlot(), SDP_LINE_ZONE, text);
+        return internal::setText(memory(), zoneSlot(), SDP_LINE_ZONE, text);
     }
-    void removeZone() { face_detail::removeLine(memory(), zoneSlot(), SDP_LINE_ZONE); }
+    void removeZone() { internal::removeLine(memory(), zoneSlot(), SDP_LINE_ZONE); }
 
-    Status setKey(std::string_view text) { return face_detail::setKey(memory(), keySlot(), text); }
-    void removeKey() { face_detail::removeLine(memory(), keySlot(), SDP_LINE_KEY); }
+    Status setKey(std::string_view text) { return internal::setKey(memory(), keySlot(), text); }
+    void removeKey() { internal::removeLine(memory(), keySlot(), SDP_LINE_KEY); }
 
-    AttributesEditor attributes() {
+    AttributesEditor attributes() & {
         const Slot<SDPAttrList> slot(&line(), offsetof(SdpLine, pstAttrList));
         return AttributesEditor({memory(), slot});
     }
 
-    MediaListEditor media() { return {memory(), &line().stMediaSet}; }
+    MediaListEditor media() & { return {memory(), &line().stMediaSet}; }
 
 private:
-    explicit Body(face_detail::BodyHandle line) : line_(std::move(line)) {}
+    explicit Body(internal::BodyHandle line) : line_(std::move(line)) {}
 
     /* Constness is the methods' affair: the encoder takes records that it may change. */
     SdpLine &line() const {
-        face_detail::insist(line_ != nullptr);
+        internal::insist(line_ != nullptr);
         return *line_;
     }
 
-    face_detail::Memory memory() const { return face_detail::Memory(line().pstMemCp); }
+    internal::Memory memory() const { return internal::Memory(line().pstMemCp); }
 
     TextsEditor texts(std::size_t offset, std::uint32_t lineType) {
         return TextsEditor({memory(), Slot<SDPStringList>(&line(), offset)}, lineType);
@@ -278,7 +296,7 @@ private:
     Slot<SDPConnection> connectionSlot() { return {&line(), offsetof(SdpLine, pstConnection)}; }
     Slot<SDPKey> keySlot() { return {&line(), offsetof(SdpLine, pstKey)}; }
 
-    face_detail::BodyHandle line_;
+    internal::BodyHandle line_;
 };
 
 } // namespace v1

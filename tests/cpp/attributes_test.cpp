@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
 namespace {
@@ -22,7 +22,7 @@ private:
 
 } // namespace
 
-TEST(FaceAttribute, ARtpMap) {
+TEST(CppAttribute, ARtpMap) {
     const One one("rtpmap:10 L16/44100/2");
     EXPECT_EQ((*one).type(), AttributeType::RtpMap);
     EXPECT_EQ((*one).name(), "rtpmap");
@@ -36,7 +36,7 @@ TEST(FaceAttribute, ARtpMap) {
     EXPECT_FALSE((*one).as<Fmtp>());
 }
 
-TEST(FaceAttribute, AFmtp) {
+TEST(CppAttribute, AFmtp) {
     const One one("fmtp:96 mode-set=0,1; octet-align=1");
     const auto fmtp = (*one).as<Fmtp>();
     ASSERT_TRUE(fmtp);
@@ -50,7 +50,7 @@ TEST(FaceAttribute, AFmtp) {
     EXPECT_EQ(Fmtp().payload(), std::nullopt);
 }
 
-TEST(FaceAttribute, NumbersTextsAndFlags) {
+TEST(CppAttribute, NumbersTextsAndFlags) {
     for (const char *const name :
          {"ptime", "maxptime", "framerate", "quality", "T38FaxVersion", "T38MaxBitRate",
           "T38FaxFillBitRemoval", "T38FaxTranscodingMMR", "T38FaxTranscodingJBIG",
@@ -74,7 +74,7 @@ TEST(FaceAttribute, NumbersTextsAndFlags) {
     EXPECT_EQ((*One("setup:actpass")).as<SetupRole>(), SetupRole::ActPass);
 }
 
-TEST(FaceAttribute, OtherNames) {
+TEST(CppAttribute, OtherNames) {
     const One value("candidate:1 1 UDP 2130706431 192.0.2.1 49170 typ host");
     EXPECT_EQ((*value).type(), AttributeType::OtherValue);
     EXPECT_EQ((*value).name(), "candidate");
@@ -85,7 +85,7 @@ TEST(FaceAttribute, OtherNames) {
     EXPECT_TRUE((*flag).as<std::monostate>());
 }
 
-TEST(FaceAttribute, SilenceSuppressionAndEcan) {
+TEST(CppAttribute, SilenceSuppressionAndEcan) {
     const One silence("silenceSupp:off - - - -");
     EXPECT_FALSE((*silence).as<SilenceSupp>()->on);
     EXPECT_EQ((*silence).as<SilenceSupp>()->parameters, "- - - -");
@@ -97,7 +97,7 @@ TEST(FaceAttribute, SilenceSuppressionAndEcan) {
     EXPECT_EQ((*tight).as<SilenceSupp>()->parameters, "- -");
 }
 
-TEST(FaceAttribute, PreconditionsAndIpbcp) {
+TEST(CppAttribute, PreconditionsAndIpbcp) {
     const One desired("des:qos optional remote sendrecv");
     const auto status = (*desired).as<Precondition>();
     ASSERT_TRUE(status);
@@ -114,7 +114,7 @@ TEST(FaceAttribute, PreconditionsAndIpbcp) {
     EXPECT_EQ((*bearer).as<IpBcp>()->type, IpBcpType::Confused);
 }
 
-TEST(FaceAttribute, ItsValueIsVisited) {
+TEST(CppAttribute, ItsValueIsVisited) {
     struct Kind {
         std::string operator()(std::monostate) const { return "nothing"; }
         std::string operator()(Direction) const { return "direction"; }
@@ -151,7 +151,7 @@ TEST(FaceAttribute, ItsValueIsVisited) {
     }
 }
 
-TEST(FaceAttribute, ItsTextIsTheLine) {
+TEST(CppAttribute, ItsTextIsTheLine) {
     for (const char *const line :
          {"rtpmap:96 AMR/8000", "sendrecv", "candidate:1", "ice-lite", "des:qos none e2e recv"}) {
         const One one(line);
@@ -161,7 +161,7 @@ TEST(FaceAttribute, ItsTextIsTheLine) {
     }
 }
 
-TEST(FaceAttribute, ANumberThatIsNoTypeHasNothing) {
+TEST(CppAttribute, ANumberThatIsNoTypeHasNothing) {
     Body body = decoded(std::string(kPlain) + "a=ptime:1\r\n");
     for (const std::uint32_t type : {0u, 41u, 0xFFFFFFFFu}) {
         body.record()->stMediaSet.ppstMediaDescs[0]->pstAttrList->ppstAttrs[0]->ulAttrType = type;
@@ -171,7 +171,7 @@ TEST(FaceAttribute, ANumberThatIsNoTypeHasNothing) {
     }
 }
 
-TEST(FaceAttributes, ListsAnswerQuestions) {
+TEST(CppAttributes, ListsAnswerQuestions) {
     const Body body = decoded(kEveryLine);
     const Attributes audio = body.media()[0].attributes();
     EXPECT_EQ(audio.rtpMap(101)->name, "telephone-event");
@@ -199,7 +199,7 @@ TEST(FaceAttributes, ListsAnswerQuestions) {
     EXPECT_FALSE(audio.t38());
 }
 
-TEST(FaceAttributes, TheT38SetTogether) {
+TEST(CppAttributes, TheT38SetTogether) {
     const Body body = decoded(std::string(kPlain) +
                               "a=T38FaxVersion:3\r\na=T38MaxBitRate:14400\r\n"
                               "a=T38FaxFillBitRemoval\r\na=T38FaxTranscodingMMR:0\r\n"
@@ -220,7 +220,7 @@ TEST(FaceAttributes, TheT38SetTogether) {
     EXPECT_EQ((*one).as<std::uint32_t>(), 1u);
 }
 
-TEST(FaceAttributes, PreconditionsInTheirOrder) {
+TEST(CppAttributes, PreconditionsInTheirOrder) {
     const Body body = decoded(std::string(kPlain) +
                               "a=curr:qos local none\r\na=sendrecv\r\n"
                               "a=des:qos mandatory local sendrecv\r\na=conf:qos remote recv\r\n");

@@ -1,10 +1,10 @@
 // Attributes to change.
 #include <utility>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "support/allocations.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
 namespace {
@@ -16,7 +16,7 @@ std::string attributesOf(const Body &body) {
 
 } // namespace
 
-TEST(FaceAttributesEditor, EveryValueIsWrittenAndReadBack) {
+TEST(CppAttributesEditor, EveryValueIsWrittenAndReadBack) {
     Body body = decoded(kPlain);
     AttributesEditor lines = body.media()[0].attributes();
     EXPECT_DONE(lines.add(RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000}));
@@ -63,7 +63,7 @@ TEST(FaceAttributesEditor, EveryValueIsWrittenAndReadBack) {
     EXPECT_EQ(again.media()[0].attributes()[8].as<T38ErrorCorrection>(), T38ErrorCorrection::Fec);
 }
 
-TEST(FaceAttributesEditor, ValuesThatGoWithNoTypeAreRefused) {
+TEST(CppAttributesEditor, ValuesThatGoWithNoTypeAreRefused) {
     Body body = decoded(kPlain);
     auto lines = body.attributes();
     const char *const noNumber = "the attribute's value is no number";
@@ -85,7 +85,7 @@ TEST(FaceAttributesEditor, ValuesThatGoWithNoTypeAreRefused) {
     EXPECT_REFUSED(lines.add(AttributeType::PTime), needsValue);
 }
 
-TEST(FaceAttributesEditor, ValuesThatNoLineCarriesAreRefused) {
+TEST(CppAttributesEditor, ValuesThatNoLineCarriesAreRefused) {
     Body body = decoded(kPlain);
     auto lines = body.attributes();
     const std::string longest(SDP_MAX_VALUE, 'x');
@@ -133,7 +133,7 @@ TEST(FaceAttributesEditor, ValuesThatNoLineCarriesAreRefused) {
     EXPECT_REFUSED(lines.setT38({.errorCorrection = T38ErrorCorrection{0}}), noWord);
 }
 
-TEST(FaceAttributesEditor, ALineThatIsNotUnderstoodTellsItsPlace) {
+TEST(CppAttributesEditor, ALineThatIsNotUnderstoodTellsItsPlace) {
     Body body = decoded(kPlain);
     const auto refused = body.attributes().add("ptime:20ms");
     ASSERT_FALSE(refused);
@@ -150,7 +150,7 @@ TEST(FaceAttributesEditor, ALineThatIsNotUnderstoodTellsItsPlace) {
     EXPECT_EQ(written(body), kPlain);
 }
 
-TEST(FaceAttributesEditor, LinesComeFromOtherBodies) {
+TEST(CppAttributesEditor, LinesComeFromOtherBodies) {
     const Body offer = decoded(kEveryLine);
     Body answer = decoded(kPlain);
     for (const Attribute &one : offer.media()[0].attributes()) {
@@ -161,7 +161,7 @@ TEST(FaceAttributesEditor, LinesComeFromOtherBodies) {
               "rtpmap:101 telephone-event/8000|fmtp:101 0-15|ptime:20|sendonly");
 }
 
-TEST(FaceAttributesEditor, SetTakesThePlaceOfAllOfTheType) {
+TEST(CppAttributesEditor, SetTakesThePlaceOfAllOfTheType) {
     Body body = decoded(std::string(kPlain) + "a=sendonly\r\na=ptime:20\r\na=recvonly\r\n"
                                               "a=ptime:30\r\na=tool:x\r\n");
     auto lines = body.media()[0].attributes();
@@ -177,7 +177,7 @@ TEST(FaceAttributesEditor, SetTakesThePlaceOfAllOfTheType) {
     EXPECT_REFUSED(lines.set(AttributeType::Tool, 1), "the attribute's value is no number");
 }
 
-TEST(FaceAttributesEditor, TheT38SetIsReplaced) {
+TEST(CppAttributesEditor, TheT38SetIsReplaced) {
     Body body = decoded(std::string(kPlain) +
                         "a=T38FaxVersion:0\r\na=sendrecv\r\na=T38FaxUdpEC:t38UDPFEC\r\n");
     auto lines = body.media()[0].attributes();
@@ -199,7 +199,7 @@ TEST(FaceAttributesEditor, TheT38SetIsReplaced) {
     EXPECT_EQ(attributesOf(body), "sendrecv");
 }
 
-TEST(FaceAttributesEditor, LinesGo) {
+TEST(CppAttributesEditor, LinesGo) {
     Body body =
         decoded(std::string(kPlain) + "a=x:1\r\na=ptime:20\r\na=x:2\r\na=sendonly\r\na=y\r\n");
     auto lines = body.media()[0].attributes();
@@ -223,7 +223,7 @@ TEST(FaceAttributesEditor, LinesGo) {
     EXPECT_EQ(attributesOf(body), "sendrecv");
 }
 
-TEST(FaceAttributesEditor, RemovalNeedsNoMemory) {
+TEST(CppAttributesEditor, RemovalNeedsNoMemory) {
     Body body = decoded(std::string(kPlain) + "a=ptime:20\r\na=x:2\r\na=sendonly\r\n");
     auto lines = body.media()[0].attributes();
     support::Allocations::failAt(1);
@@ -235,7 +235,7 @@ TEST(FaceAttributesEditor, RemovalNeedsNoMemory) {
     EXPECT_EQ(attributesOf(body), "ptime:20|sendonly|y");
 }
 
-TEST(FaceAttributesEditor, RangesKeepLookingAtTheList) {
+TEST(CppAttributesEditor, RangesKeepLookingAtTheList) {
     Body body = decoded(kPlain);
     auto one = body.attributes();
     auto two = body.attributes();

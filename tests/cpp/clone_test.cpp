@@ -1,14 +1,14 @@
 // Copies of whole bodies.
 #include <random>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "support/allocations.hpp"
 #include "support/generator.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
-TEST(FaceClone, ACopyIsWrittenTheSame) {
+TEST(CppClone, ACopyIsWrittenTheSame) {
     std::mt19937 engine(20);
     for (int i = 0; i < 300; ++i) {
         const std::string text = support::generateBody(engine);
@@ -19,7 +19,7 @@ TEST(FaceClone, ACopyIsWrittenTheSame) {
     }
 }
 
-TEST(FaceClone, ACopyHoldsWhatIsNotWritten) {
+TEST(CppClone, ACopyHoldsWhatIsNotWritten) {
     const Body body = decoded("v=0\no=- 1 1 IN IP4 0\ns=-\nt=1 2\nt=3 4\nr=1d 1 0\n"
                               "a=T38FaxFillBitRemoval:0\n");
     const auto copy = body.clone();
@@ -30,7 +30,7 @@ TEST(FaceClone, ACopyHoldsWhatIsNotWritten) {
     EXPECT_EQ(copy->attributes().number(AttributeType::T38FillBitRemoval), 0u);
 }
 
-TEST(FaceClone, ACopyLivesAlone) {
+TEST(CppClone, ACopyLivesAlone) {
     auto copy = [] {
         const Body body = decoded(kEveryLine);
         return body.clone();
@@ -41,7 +41,7 @@ TEST(FaceClone, ACopyLivesAlone) {
     EXPECT_EQ(copy->media()[0].port(), 4u);
 }
 
-TEST(FaceClone, AnEmptyListStaysOne) {
+TEST(CppClone, AnEmptyListStaysOne) {
     Body body = decoded(kEveryLine);
     body.emails().clear();
     const auto copy = body.clone();
@@ -51,7 +51,7 @@ TEST(FaceClone, AnEmptyListStaysOne) {
     EXPECT_TRUE(copy->emails().record()->ppstStrings == nullptr);
 }
 
-TEST(FaceClone, ARecordThatCannotBeCopiedIsRefused) {
+TEST(CppClone, ARecordThatCannotBeCopiedIsRefused) {
     const support::Held before = support::Held::now();
     {
         Body body = decoded(kEveryLine);

@@ -1,25 +1,60 @@
 // Whole bodies: text in, text out, and who owns what in between.
 #include <array>
+#include <mutex>
 #include <type_traits>
 #include <utility>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "support/allocations.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using sdpline::Body;
 using sdpline::Fault;
 using support::Held;
+
+namespace {
+
+// A log hook that decodes, and what it was told at the first entry of each decode.
+class DecodingHook {
+public:
+    DecodingHook() : before_(g_gpfnSipLmLogHndlr) { g_gpfnSipLmLogHndlr = decode; }
+    ~DecodingHook() { g_gpfnSipLmLogHndlr = before_; }
+    DecodingHook(const DecodingHook &) = delete;
+    DecodingHook &operator=(const DecodingHook &) = delete;
+
+    static inline int calls = 0;
+    static inline sdpline::Error error;
+
+private:
+    static void decode(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                       const char *, ...) {
+        const auto body = Body::decode(kPlain);
+        if (calls++ == 0) {
+            error = body ? sdpline::Error{} : body.error();
+        }
+    }
+
+    SipLmLogHndlr before_;
+};
+
+void expectBusy() {
+    EXPECT_GT(std::exchange(DecodingHook::calls, 0), 0);
+    EXPECT_EQ(DecodingHook::error.fault, Fault::Busy);
+    EXPECT_EQ(DecodingHook::error.message(),
+              "this thread is decoding already: a log hook must not decode");
+}
+
+} // namespace
 
 static_assert(std::is_nothrow_move_constructible_v<Body>);
 static_assert(std::is_nothrow_move_assignable_v<Body>);
 static_assert(!std::is_copy_constructible_v<Body>);
 
-TEST(FaceDecode, WhatIsReadIsWrittenBack) {
+TEST(CppDecode, WhatIsReadIsWrittenBack) {
     EXPECT_EQ(written(decoded(kEveryLine)), kEveryLine);
 }
 
-TEST(FaceDecode, ARefusalTellsCodePlaceAndSentence) {
+TEST(CppDecode, ARefusalTellsCodePlaceAndSentence) {
     const std::string text = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nc=IN IP4 192.0.2.300\r\n";
     const auto body = Body::decode(text);
     ASSERT_FALSE(body);
@@ -36,7 +71,7 @@ TEST(FaceDecode, ARefusalTellsCodePlaceAndSentence) {
                                       "(sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)");
 }
 
-TEST(FaceDecode, ALengthOutOfBoundsHasNoPlace) {
+TEST(CppDecode, ALengthOutOfBoundsHasNoPlace) {
     for (const std::size_t size : {std::size_t{0}, std::size_t{SDP_MAX_BODY + 1}}) {
         const auto body = Body::decode(std::string(size, 'v'));
         ASSERT_FALSE(body);
@@ -47,7 +82,7 @@ TEST(FaceDecode, ALengthOutOfBoundsHasNoPlace) {
     EXPECT_FALSE(Body::decode({}));
 }
 
-TEST(FaceDecode, ThePlaceOfAnEarlierRefusalIsNotTold) {
+TEST(CppDecode, ThePlaceOfAnEarlierRefusalIsNotTold) {
     ASSERT_FALSE(Body::decode("v=0\r\nx=\r\n"));
     support::Allocations::failAt(1); // the block: the parser is not reached
     const auto body = Body::decode(kPlain);
@@ -57,8 +92,8 @@ TEST(FaceDecode, ThePlaceOfAnEarlierRefusalIsNotTold) {
     EXPECT_EQ(body.error().function, "SdpLibDecodeSdp");
 }
 
-// The parser goes on without the word of an unknown protocol; the face does not.
-TEST(FaceDecode, EveryFailedRequestIsAFailure) {
+// The parser goes on without the word of an unknown protocol; the C++ API does not.
+TEST(CppDecode, EveryFailedRequestIsAFailure) {
     support::Allocations::reset();
     ASSERT_TRUE(Body::decode(kEveryLine));
     const std::uint32_t requests = support::Allocations::count();
@@ -70,14 +105,53 @@ TEST(FaceDecode, EveryFailedRequestIsAFailure) {
     support::Allocations::reset();
 }
 
-TEST(FaceDecode, TheTextIsNotKept) {
+TEST(CppDecode, ALogHookThatDecodesIsRefused) {
+    const DecodingHook hook;
+    const auto refused = Body::decode("v=0\r\nx=\r\n");
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().line, 2u);
+    expectBusy();
+
+    Body body = decoded(kPlain);
+    EXPECT_FALSE(body.attributes().add("ptime:20ms"));
+    expectBusy();
+
+    const SipString text = {3, const_cast<char *>("v=1")}; // the C decoder, without the lock
+    SdpLine *line = nullptr;
+    EXPECT_NE(SdpLibDecodeSdp(&text, &line), 0u); // whose last entry comes after the decode
+    expectBusy();
+    EXPECT_TRUE(Body::decode(kPlain)); // and afterwards as ever
+}
+
+#ifndef SDPLINE_THREAD_LOCAL
+TEST(CppDecode, AThreadThatHoldsTheLockIsRefused) {
+    auto &mutex = sdpline::decodeMutex();
+    EXPECT_FALSE(mutex.isHeldHere());
+    {
+        const std::scoped_lock lock(mutex);
+        EXPECT_TRUE(mutex.isHeldHere());
+        const auto body = Body::decode(kPlain);
+        ASSERT_FALSE(body);
+        EXPECT_EQ(body.error().fault, Fault::Busy);
+        EXPECT_FALSE(mutex.try_lock());
+        EXPECT_TRUE(mutex.isHeldHere());
+    }
+    EXPECT_TRUE(Body::decode(kPlain));
+    ASSERT_TRUE(mutex.try_lock());
+    EXPECT_TRUE(mutex.isHeldHere());
+    mutex.unlock();
+    EXPECT_FALSE(mutex.isHeldHere());
+}
+#endif
+
+TEST(CppDecode, TheTextIsNotKept) {
     std::string text(kEveryLine);
     const Body body = decoded(text);
     text.assign(text.size(), '?');
     EXPECT_EQ(written(body), kEveryLine);
 }
 
-TEST(FaceEncode, IntoABufferAnswersTheWrittenPart) {
+TEST(CppEncode, IntoABufferAnswersTheWrittenPart) {
     const Body body = decoded(kPlain);
     std::array<char, 256> buffer{};
     const auto text = body.encode(buffer);
@@ -86,7 +160,7 @@ TEST(FaceEncode, IntoABufferAnswersTheWrittenPart) {
     EXPECT_EQ(text->data(), buffer.data());
 }
 
-TEST(FaceEncode, ATextThatDoesNotFitIsRefused) {
+TEST(CppEncode, ATextThatDoesNotFitIsRefused) {
     const Body body = decoded(kPlain);
     std::string buffer(kPlain.size() - 1, ' ');
     EXPECT_FALSE(body.encode(buffer));
@@ -95,7 +169,7 @@ TEST(FaceEncode, ATextThatDoesNotFitIsRefused) {
     EXPECT_TRUE(body.encode(buffer));
 }
 
-TEST(FaceEncode, ARecordThatCannotBeWrittenIsRefused) {
+TEST(CppEncode, ARecordThatCannotBeWrittenIsRefused) {
     Body body = decoded(kPlain);
     body.record()->stOrigin.stNetType.enNetType = 9;
     const auto text = body.encode();
@@ -105,7 +179,7 @@ TEST(FaceEncode, ARecordThatCannotBeWrittenIsRefused) {
     EXPECT_EQ(text.error().line, 0u);
 }
 
-TEST(FaceBody, ANewOneHasItsFirstThreeLines) {
+TEST(CppBody, ANewOneHasItsFirstThreeLines) {
     const auto body = Body::create();
     ASSERT_TRUE(body) << body.error().message();
     EXPECT_EQ(written(*body), "v=0\r\no=- 0 0 IN IP4 0.0.0.0\r\ns=-\r\nt=0 0\r\n");
@@ -117,12 +191,12 @@ TEST(FaceBody, ANewOneHasItsFirstThreeLines) {
     EXPECT_EQ(written(*other), "v=0\r\no=gw 7 8 IN IP4 gw.example.com\r\ns=call\r\nt=0 0\r\n");
 }
 
-TEST(FaceBody, ANewOneIsRefusedWhenItsLinesAre) {
+TEST(CppBody, ANewOneIsRefusedWhenItsLinesAre) {
     EXPECT_REFUSED(Body::create({}, ""), "a text is empty");
     EXPECT_REFUSED(Body::create({.sessionId = "x"}), "a number holds something else than digits");
 }
 
-TEST(FaceBody, ItsBlockGoesWithIt) {
+TEST(CppBody, ItsBlockGoesWithIt) {
     const Held before = Held::now();
     {
         Body body = decoded(kEveryLine);
@@ -139,7 +213,7 @@ TEST(FaceBody, ItsBlockGoesWithIt) {
     EXPECT_EQ(Held::now(), before);
 }
 
-TEST(FaceBody, ViewsSurviveAMove) {
+TEST(CppBody, ViewsSurviveAMove) {
     Body body = decoded(kEveryLine);
     const std::string_view name = body.sessionName();
     const auto media = std::as_const(body).media();
@@ -149,7 +223,7 @@ TEST(FaceBody, ViewsSurviveAMove) {
     EXPECT_EQ(media[0], moved.media()[0]);
 }
 
-TEST(FaceBody, ItGoesToTheCInterfaceAndComesBack) {
+TEST(CppBody, ItGoesToTheCInterfaceAndComesBack) {
     const Held before = Held::now();
     {
         SdpLine *line = decoded(kEveryLine).release();
@@ -162,14 +236,14 @@ TEST(FaceBody, ItGoesToTheCInterfaceAndComesBack) {
     EXPECT_EQ(Held::now(), before);
 }
 
-TEST(FaceBodyDeathTest, ABodyThatWasMovedFromEndsTheProgram) {
+TEST(CppBodyDeathTest, ABodyThatWasMovedFromEndsTheProgram) {
     Body body = decoded(kPlain);
     const Body moved = std::move(body);
     EXPECT_DEATH((void)body.sessionName(), "");
     EXPECT_DEATH(Body::adopt(nullptr), "");
 }
 
-TEST(FaceResultDeathTest, TheValueOfAFailureEndsTheProgram) {
+TEST(CppResultDeathTest, TheValueOfAFailureEndsTheProgram) {
     auto refused = Body::decode("");
     EXPECT_DEATH((void)refused->sessionName(), "");
     auto accepted = Body::decode(kPlain);
@@ -177,13 +251,13 @@ TEST(FaceResultDeathTest, TheValueOfAFailureEndsTheProgram) {
     EXPECT_DEATH((void)sdpline::Status().error(), "");
 }
 
-TEST(FaceResult, AnotherValueTakesThePlaceOfAFailure) {
+TEST(CppResult, AnotherValueTakesThePlaceOfAFailure) {
     EXPECT_EQ(sdpline::Result<int>(3).valueOr(4), 3);
     EXPECT_EQ(sdpline::Result<int>(sdpline::Error{}).valueOr(4), 4);
 }
 
-TEST(FaceError, ACodeOfAnotherServiceIsToldAsItIs) {
-    const sdpline::Error error = sdpline::face_detail::libraryError(SIP_NO_MEMORY);
+TEST(CppError, ACodeOfAnotherServiceIsToldAsItIs) {
+    const sdpline::Error error = sdpline::internal::libraryError(SIP_NO_MEMORY);
     EXPECT_EQ(error.code, std::uint32_t{SIP_NO_MEMORY});
     EXPECT_EQ(error.message(), "a service that the library calls failed (0x00000002)");
 }

@@ -2,13 +2,13 @@
 #include <array>
 #include <utility>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "support/allocations.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
-TEST(FaceSession, EveryLineIsSetAndReadBack) {
+TEST(CppSession, EveryLineIsSetAndReadBack) {
     auto made = Body::create();
     ASSERT_TRUE(made);
     Body &body = *made;
@@ -38,7 +38,7 @@ TEST(FaceSession, EveryLineIsSetAndReadBack) {
     EXPECT_EQ(written(decoded(text)), text);
 }
 
-TEST(FaceSession, EveryLineGoes) {
+TEST(CppSession, EveryLineGoes) {
     Body body = decoded(kEveryLine);
     body.removeInfo();
     body.removeUri();
@@ -61,7 +61,7 @@ TEST(FaceSession, EveryLineGoes) {
     EXPECT_EQ(body.phones().clear(), 0u);
 }
 
-TEST(FaceSession, LinesAreReplacedByTextsOfTheirOwn) {
+TEST(CppSession, LinesAreReplacedByTextsOfTheirOwn) {
     Body body = decoded(kEveryLine);
     EXPECT_DONE(body.setSessionName(body.sessionName().substr(7)));
     EXPECT_DONE(body.setInfo(body.info()->substr(6)));
@@ -76,7 +76,7 @@ TEST(FaceSession, LinesAreReplacedByTextsOfTheirOwn) {
     EXPECT_EQ(body.emails()[2], "alice@example.com");
 }
 
-TEST(FaceSession, TextsThatNoLineCarriesAreRefused) {
+TEST(CppSession, TextsThatNoLineCarriesAreRefused) {
     Body body = decoded(kPlain);
     const char *const lineEnd = "a text holds a line end or a NUL";
     const std::string tooLong(SDP_MAX_VALUE + 1, 'x');
@@ -90,7 +90,7 @@ TEST(FaceSession, TextsThatNoLineCarriesAreRefused) {
     EXPECT_EQ(written(body), kPlain);
 }
 
-TEST(FaceSession, OriginsThatNoDecoderReadsAreRefused) {
+TEST(CppSession, OriginsThatNoDecoderReadsAreRefused) {
     Body body = decoded(kPlain);
     const char *const digits = "a number holds something else than digits";
     const char *const word = "a word holds a blank, a line end or a NUL";
@@ -105,7 +105,7 @@ TEST(FaceSession, OriginsThatNoDecoderReadsAreRefused) {
     EXPECT_EQ(body.origin().addressType, AddressType::Ip6);
 }
 
-TEST(FaceSession, ConnectionsByValueAndByText) {
+TEST(CppSession, ConnectionsByValueAndByText) {
     Body body = decoded(kPlain);
     EXPECT_DONE(body.setConnection("IN IP6 2001:db8::65"));
     EXPECT_EQ(body.connection()->address.text(), "2001:0DB8:0000:0000:0000:0000:0000:0065");
@@ -134,7 +134,7 @@ TEST(FaceSession, ConnectionsByValueAndByText) {
     EXPECT_EQ(body.connection()->ttl, 5u);
 }
 
-TEST(FaceMedia, LinesAreAddedByValueAndByText) {
+TEST(CppMedia, LinesAreAddedByValueAndByText) {
     auto made = Body::create();
     ASSERT_TRUE(made);
     Body &body = *made;
@@ -161,7 +161,7 @@ TEST(FaceMedia, LinesAreAddedByValueAndByText) {
     EXPECT_EQ(body.media().size(), 6u);
 }
 
-TEST(FaceMedia, LinesThatNoDecoderReadsAreRefused) {
+TEST(CppMedia, LinesThatNoDecoderReadsAreRefused) {
     Body body = decoded(kPlain);
     const std::array<std::uint32_t, 101> many{};
     const auto add = [&](const MediaLine &line) { return body.media().add(line); };
@@ -186,7 +186,7 @@ TEST(FaceMedia, LinesThatNoDecoderReadsAreRefused) {
     EXPECT_EQ(body.media().size(), 2u);
 }
 
-TEST(FaceMedia, TheLineChanges) {
+TEST(CppMedia, TheLineChanges) {
     Body body = decoded(kPlain);
     const MediaEditor media = body.media()[0];
     EXPECT_DONE(media.setPort(5004));
@@ -209,7 +209,7 @@ TEST(FaceMedia, TheLineChanges) {
     EXPECT_EQ(linesOf(written(body), 'm'), "text 9 x/y z");
 }
 
-TEST(FaceMedia, TheLinesBelowChange) {
+TEST(CppMedia, TheLinesBelowChange) {
     Body body = decoded(kPlain);
     const MediaEditor media = body.media()[0];
     EXPECT_DONE(media.setInfo("Speech"));
@@ -230,7 +230,7 @@ TEST(FaceMedia, TheLinesBelowChange) {
     EXPECT_EQ(written(body), kPlain);
 }
 
-TEST(FaceMedia, DescriptionsGoWithAllTheirLines) {
+TEST(CppMedia, DescriptionsGoWithAllTheirLines) {
     Body body = decoded(kEveryLine);
     const MediaEditor last = body.media().back();
     EXPECT_TRUE(body.media().remove(body.media()[0]));
@@ -241,7 +241,7 @@ TEST(FaceMedia, DescriptionsGoWithAllTheirLines) {
     EXPECT_FALSE(body.media().remove(other.media()[0]));
 }
 
-TEST(FaceMedia, ALoopOverAnyBodyEditsIt) {
+TEST(CppMedia, ALoopOverAnyBodyEditsIt) {
     Body body = decoded(kEveryLine);
     for (const MediaEditor &media : body.media()) {
         EXPECT_DONE(media.setPort(0));
@@ -251,7 +251,7 @@ TEST(FaceMedia, ALoopOverAnyBodyEditsIt) {
                                            "image 0 udptl t38|message 0 TCP/MSRP *");
 }
 
-TEST(FaceTimes, TheFirstOneIsWritten) {
+TEST(CppTimes, TheFirstOneIsWritten) {
     auto made = Body::create();
     ASSERT_TRUE(made);
     EXPECT_DONE(made->times().add(10, 20));
@@ -261,7 +261,7 @@ TEST(FaceTimes, TheFirstOneIsWritten) {
     EXPECT_EQ(linesOf(written(*made), 't'), "10 20");
 }
 
-TEST(FaceMemory, WhatIsReplacedIsGivenBack) {
+TEST(CppMemory, WhatIsReplacedIsGivenBack) {
     const support::Held before = support::Held::now();
     {
         Body body = decoded(kEveryLine);

@@ -1,4 +1,4 @@
-// The face in a program without exceptions and without run-time types.
+// The API in a program without exceptions and without run-time types.
 #include "cpp/plain.hpp"
 
 #include "sdpline/sdpline.hpp"
@@ -7,7 +7,7 @@
 #error "this file is compiled without exceptions and run-time types"
 #endif
 
-namespace facetest {
+namespace cpptest {
 
 std::string answerWithoutExceptions(const std::string &offer) {
     auto body = sdpline::Body::decode(offer);
@@ -24,4 +24,4 @@ std::string answerWithoutExceptions(const std::string &offer) {
     return copy ? copy->encode().valueOr("") : copy.error().message();
 }
 
-} // namespace facetest
+} // namespace cpptest

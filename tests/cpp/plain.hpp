@@ -2,9 +2,9 @@
 
 #include <string>
 
-namespace facetest {
+namespace cpptest {
 
 // Decodes, edits, clones and encodes; the text, or why not.
 std::string answerWithoutExceptions(const std::string &offer);
 
-} // namespace facetest
+} // namespace cpptest

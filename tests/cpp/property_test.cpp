@@ -1,14 +1,14 @@
-// Edits by chance over bodies by chance: what the face lets through is read back as it was meant.
+// Edits by chance over bodies by chance: what the API lets through is read back as it was meant.
 #include <algorithm>
 #include <deque>
 #include <random>
 #include <vector>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "support/chance.hpp"
 #include "support/generator.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
 namespace {
@@ -192,7 +192,7 @@ void expectSame(const Body &one, const Body &two) {
 
 } // namespace
 
-TEST(FaceProperty, WhatIsLetThroughIsReadBack) {
+TEST(CppProperty, WhatIsLetThroughIsReadBack) {
     ASSERT_EQ(SdpSetT38OptCfg(SDP_T38_STYLE_VALUE), 0u); // flags of 0 are written too
     std::mt19937 engine(5);
     int edits = 0;

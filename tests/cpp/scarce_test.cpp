@@ -3,10 +3,10 @@
 #include <array>
 #include <functional>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "support/allocations.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 using support::Allocations;
 
@@ -117,14 +117,14 @@ std::uint32_t failuresOf(const Operation &operation, std::string_view text) {
 
 } // namespace
 
-TEST(FaceScarce, AFailedRequestChangesNothing) {
+TEST(CppScarce, AFailedRequestChangesNothing) {
     for (const Operation &operation : kOperations) {
         EXPECT_GE(failuresOf(operation, kEveryLine), 1u) << operation.name;
         EXPECT_GE(failuresOf(operation, kPlain), 1u) << operation.name;
     }
 }
 
-TEST(FaceScarce, AFailedRequestGivesBackWhatWasTakenBeforeIt) {
+TEST(CppScarce, AFailedRequestGivesBackWhatWasTakenBeforeIt) {
     for (const Operation &operation : kOperations) {
         const std::uint32_t failures = failuresOf(operation, kPlain);
         for (std::uint32_t n = 1; n <= failures; ++n) {
@@ -143,7 +143,7 @@ TEST(FaceScarce, AFailedRequestGivesBackWhatWasTakenBeforeIt) {
     }
 }
 
-TEST(FaceScarce, AListThatWasNotMadeIsStillAbsent) {
+TEST(CppScarce, AListThatWasNotMadeIsStillAbsent) {
     Body body = decoded(kPlain);
     for (std::uint32_t n = 1; n <= 3; ++n) {
         Allocations::failAt(n);

@@ -1,13 +1,13 @@
-// Several threads over the face at once. Bodies are not shared between those that change them.
+// Several threads over the C++ API at once. Bodies are not shared between those that change them.
 #include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <thread>
 #include <vector>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
 namespace {
@@ -28,7 +28,7 @@ void inThreads(Work work) {
 
 } // namespace
 
-TEST(FaceThreads, DecodesGoOneAtATime) {
+TEST(CppThreads, DecodesGoOneAtATime) {
     std::atomic<int> wrong = 0;
     inThreads([&](int i) {
         const std::string name = "thread " + std::to_string(i);
@@ -51,7 +51,7 @@ TEST(FaceThreads, DecodesGoOneAtATime) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST(FaceThreads, OneBodyIsReadByMany) {
+TEST(CppThreads, OneBodyIsReadByMany) {
     const Body body = decoded(kEveryLine);
     std::atomic<int> wrong = 0;
     inThreads([&](int) {
@@ -66,7 +66,7 @@ TEST(FaceThreads, OneBodyIsReadByMany) {
 }
 
 #ifndef SDPLINE_THREAD_LOCAL
-TEST(FaceThreads, CallersOfTheCDecoderTakeTheSameLock) {
+TEST(CppThreads, CallersOfTheCDecoderTakeTheSameLock) {
     std::atomic<int> wrong = 0;
     inThreads([&](int i) {
         for (int round = 0; round < kRounds; ++round) {

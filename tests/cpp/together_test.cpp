@@ -1,5 +1,5 @@
-// The face beside others: programs without exceptions, and the library's own headers, whose names
-// live in the namespace around the face's.
+// The C++ API beside others: programs without exceptions, and the library's own headers, whose names
+// live in the namespace around that API's.
 #include "sdpline/sdpline.hpp"
 
 #include "checks/checks.hpp"
@@ -15,12 +15,12 @@
 
 #include <type_traits>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 #include "cpp/plain.hpp"
 
 namespace sdpline {
 
-// Every name of the face that a program writes is found from the namespace that the library's
+// Every name of the API that a program writes is found from the namespace that the library's
 // internals are in, and is not one of theirs.
 static_assert(std::is_same_v<Body, v1::Body>);
 static_assert(std::is_same_v<Error, v1::Error> && std::is_same_v<Fault, v1::Fault>);
@@ -49,8 +49,8 @@ static_assert(wordOf(Flow::Send) == v1::wordOf(Flow::Send));
 
 } // namespace sdpline
 
-TEST(FaceTogether, InAProgramWithoutExceptions) {
-    EXPECT_EQ(facetest::answerWithoutExceptions(std::string(facetest::kPlain)),
-              std::string(facetest::kPlain) + "a=recvonly\r\n");
-    EXPECT_EQ(facetest::answerWithoutExceptions("x"), sdpline::Body::decode("x").error().message());
+TEST(CppTogether, InAProgramWithoutExceptions) {
+    EXPECT_EQ(cpptest::answerWithoutExceptions(std::string(cpptest::kPlain)),
+              std::string(cpptest::kPlain) + "a=recvonly\r\n");
+    EXPECT_EQ(cpptest::answerWithoutExceptions("x"), sdpline::Body::decode("x").error().message());
 }

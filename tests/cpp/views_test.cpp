@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
 static_assert(std::ranges::random_access_range<Texts>);
@@ -28,7 +28,7 @@ static_assert(std::ranges::common_range<Attributes>);
 static_assert(std::ranges::forward_range<ValuesOf<RtpMap>> && std::ranges::view<ValuesOf<RtpMap>>);
 static_assert(std::sized_sentinel_for<Texts::iterator, Texts::iterator>);
 
-TEST(FaceViews, TheSessionLines) {
+TEST(CppViews, TheSessionLines) {
     const Body body = decoded(kEveryLine);
     EXPECT_EQ(body.version(), 0u);
     EXPECT_EQ(body.origin().userName, "alice");
@@ -50,7 +50,7 @@ TEST(FaceViews, TheSessionLines) {
     EXPECT_EQ(body.media().size(), 4u);
 }
 
-TEST(FaceViews, AbsentLinesAreNothing) {
+TEST(CppViews, AbsentLinesAreNothing) {
     const Body body = decoded("v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nm=audio 1 RTP/AVP 0\r\n");
     EXPECT_FALSE(body.info() || body.uri() || body.zone() || body.key() || body.connection());
     EXPECT_TRUE(body.emails().empty() && body.phones().empty() && body.bandwidths().empty());
@@ -62,7 +62,7 @@ TEST(FaceViews, AbsentLinesAreNothing) {
     EXPECT_TRUE(media.bandwidths().empty() && media.attributes().empty());
 }
 
-TEST(FaceViews, AConnectionHasItsAddressTtlAndCount) {
+TEST(CppViews, AConnectionHasItsAddressTtlAndCount) {
     const Body body = decoded(kEveryLine);
     const auto connection = body.connection();
     ASSERT_TRUE(connection);
@@ -83,7 +83,7 @@ TEST(FaceViews, AConnectionHasItsAddressTtlAndCount) {
     EXPECT_EQ(Address().text(), "");
 }
 
-TEST(FaceViews, WhatHoldsForAMediaIsItsOwnLineOrTheSessions) {
+TEST(CppViews, WhatHoldsForAMediaIsItsOwnLineOrTheSessions) {
     const Body body = decoded(kEveryLine);
     EXPECT_TRUE(body.connectionOf(body.media()[0])->address.isV6());
     EXPECT_TRUE(body.connectionOf(body.media()[1])->address.isV4());
@@ -94,7 +94,7 @@ TEST(FaceViews, WhatHoldsForAMediaIsItsOwnLineOrTheSessions) {
     EXPECT_FALSE(plain.connectionOf(plain.media()[0]));
 }
 
-TEST(FaceViews, TimesHaveTheirRepeats) {
+TEST(CppViews, TimesHaveTheirRepeats) {
     const Body body = decoded(kEveryLine);
     ASSERT_EQ(body.times().size(), 1u);
     const Time time = body.times()[0];
@@ -112,7 +112,7 @@ TEST(FaceViews, TimesHaveTheirRepeats) {
     EXPECT_EQ((TypedTime{0xFFFFFFFF, TimeUnit::Days}.seconds()), 86400u * 0xFFFFFFFFull);
 }
 
-TEST(FaceViews, TheMediaLines) {
+TEST(CppViews, TheMediaLines) {
     const Body body = decoded(kEveryLine);
     const Media audio = body.media()[0];
     EXPECT_EQ(audio.type(), MediaType::Audio);
@@ -143,7 +143,7 @@ TEST(FaceViews, TheMediaLines) {
     EXPECT_TRUE(message.payloads().empty());
 }
 
-TEST(FaceViews, AlgorithmsWorkOnTheRanges) {
+TEST(CppViews, AlgorithmsWorkOnTheRanges) {
     const Body body = decoded(kEveryLine);
     const auto emails = body.emails();
     EXPECT_EQ(std::ranges::find(emails, "alice@example.com"), emails.begin());
@@ -161,7 +161,7 @@ TEST(FaceViews, AlgorithmsWorkOnTheRanges) {
     EXPECT_EQ(std::ranges::distance(maps), 2);
 }
 
-TEST(FaceViews, IteratorsGoEveryWay) {
+TEST(CppViews, IteratorsGoEveryWay) {
     const Body body = decoded(kEveryLine);
     const auto media = body.media();
     auto at = media.begin();
@@ -180,7 +180,7 @@ TEST(FaceViews, IteratorsGoEveryWay) {
     EXPECT_EQ(Texts::iterator(), Texts::iterator());
 }
 
-TEST(FaceViews, ABorrowedIteratorOutlivesItsRange) {
+TEST(CppViews, ABorrowedIteratorOutlivesItsRange) {
     const Body body = decoded(kEveryLine);
     const auto found = std::ranges::find(body.emails(), "bob@example.com (Bob)");
     EXPECT_EQ(*found, "bob@example.com (Bob)");
@@ -189,7 +189,7 @@ TEST(FaceViews, ABorrowedIteratorOutlivesItsRange) {
     EXPECT_EQ(map->name, "telephone-event");
 }
 
-TEST(FaceViewsDeathTest, AnIndexBeyondAListEndsTheProgram) {
+TEST(CppViewsDeathTest, AnIndexBeyondAListEndsTheProgram) {
     const Body body = decoded(kPlain);
     EXPECT_DEATH((void)body.media()[1], "");
     EXPECT_DEATH((void)body.emails()[0], "");
@@ -197,7 +197,7 @@ TEST(FaceViewsDeathTest, AnIndexBeyondAListEndsTheProgram) {
     EXPECT_DEATH((void)body.emails().back(), "");
 }
 
-TEST(FaceViews, ACountWithoutAnArrayIsEmpty) {
+TEST(CppViews, ACountWithoutAnArrayIsEmpty) {
     Body body = decoded(kPlain);
     SDPRtpPayLoads &payloads = body.record()
                                    ->stMediaSet.ppstMediaDescs[0]
@@ -208,7 +208,7 @@ TEST(FaceViews, ACountWithoutAnArrayIsEmpty) {
     EXPECT_TRUE(std::as_const(body).media().empty());
 }
 
-TEST(FaceViews, NumbersThatAreNoCodeComeThrough) {
+TEST(CppViews, NumbersThatAreNoCodeComeThrough) {
     Body body = decoded(kPlain);
     SDPMediaField &field = body.record()->stMediaSet.ppstMediaDescs[0]->stMediaField;
     field.stMedia.enMediaType = 99;

@@ -1,9 +1,9 @@
 // The words of the enumerations are those that the library reads and writes.
 #include <vector>
 
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 
-using namespace facetest;
+using namespace cpptest;
 using namespace sdpline;
 
 namespace {
@@ -26,7 +26,7 @@ std::optional<Value> valueOf(const std::string &line) {
 template <class Code>
 std::vector<Code> codesOf() {
     std::vector<Code> codes;
-    for (const auto &row : face_detail::kRows<Code>) {
+    for (const auto &row : internal::kRows<Code>) {
         codes.push_back(row.code);
     }
     return codes;
@@ -49,14 +49,14 @@ Precondition preconditionOf(const std::string &line) {
 
 } // namespace
 
-TEST(FaceWords, OfAttributesWithOneWord) {
+TEST(CppWords, OfAttributesWithOneWord) {
     expectWords<Direction>("");
     expectWords<SetupRole>("setup:");
     expectWords<T38RateManagement>("T38FaxRateManagement:");
     expectWords<T38ErrorCorrection>("T38FaxUdpEC:");
 }
 
-TEST(FaceWords, OfPreconditions) {
+TEST(CppWords, OfPreconditions) {
     for (const StatusLine line : codesOf<StatusLine>()) {
         const std::string strength = line == StatusLine::Desired ? "mandatory " : "";
         const std::string text = std::string(wordOf(line)) + ":qos " + strength + "e2e none";
@@ -79,7 +79,7 @@ TEST(FaceWords, OfPreconditions) {
     }
 }
 
-TEST(FaceWords, OfEcanAndIpbcp) {
+TEST(CppWords, OfEcanAndIpbcp) {
     for (const EcanDirection direction : codesOf<EcanDirection>()) {
         const std::string text = "ecan:" + std::string(wordOf(direction)) + " on -";
         EXPECT_EQ(valueOf<Ecan>(text).value().direction, direction);
@@ -92,7 +92,7 @@ TEST(FaceWords, OfEcanAndIpbcp) {
     }
 }
 
-TEST(FaceWords, OfMediaLines) {
+TEST(CppWords, OfMediaLines) {
     for (const MediaType type : codesOf<MediaType>()) {
         Body body = decoded(kPlain);
         const auto media = body.media().add(std::string(wordOf(type)) + " 1 RTP/AVP 0");
@@ -101,7 +101,7 @@ TEST(FaceWords, OfMediaLines) {
         EXPECT_NE(written(body).find("m=" + std::string(wordOf(type)) + " 1 "), std::string::npos);
     }
     SdpSetSupMedProtoRtpAvpf(1);
-    for (const auto &row : face_detail::kRows<Protocol>) {
+    for (const auto &row : internal::kRows<Protocol>) {
         Body body = decoded(kPlain);
         const auto media = body.media().add("audio 1 " + std::string(row.word) + " 0");
         ASSERT_TRUE(media) << media.error().message();
@@ -118,7 +118,7 @@ TEST(FaceWords, OfMediaLines) {
     }
 }
 
-TEST(FaceWords, OfTimeUnitsAndNetworks) {
+TEST(CppWords, OfTimeUnitsAndNetworks) {
     for (const TimeUnit unit : codesOf<TimeUnit>()) {
         const Body body = decoded("v=0\no=- 1 1 IN IP6 ::\ns=-\nt=0 0\nr=1" +
                                   std::string(wordOf(unit)) + " 1 0\n");
@@ -129,7 +129,7 @@ TEST(FaceWords, OfTimeUnitsAndNetworks) {
     }
 }
 
-TEST(FaceWords, AttributeNamesAreThoseOfTheTable) {
+TEST(CppWords, AttributeNamesAreThoseOfTheTable) {
     EXPECT_EQ(wordOf(AttributeType::RtpMap), "rtpmap");
     EXPECT_EQ(wordOf(AttributeType::SendRecv), "sendrecv");
     EXPECT_EQ(wordOf(AttributeType::T38FillBitRemoval), "T38FaxFillBitRemoval");
@@ -140,7 +140,7 @@ TEST(FaceWords, AttributeNamesAreThoseOfTheTable) {
     EXPECT_EQ(wordOf(AttributeType{41}), "");
 }
 
-TEST(FaceKeyword, ACodeAndItsWordAreTheSame) {
+TEST(CppKeyword, ACodeAndItsWordAreTheSame) {
     static_assert(Keyword<MediaType>("audio") == Keyword<MediaType>(MediaType::Audio));
     static_assert(Keyword<MediaType>("message") == MediaType::Other);
     static_assert(Keyword<MediaType>("message") == "message");
@@ -153,7 +153,7 @@ TEST(FaceKeyword, ACodeAndItsWordAreTheSame) {
     EXPECT_NE(Keyword<MediaType>("message"), MediaType::Audio);
 }
 
-TEST(FaceDirection, TheOtherSideSeesItReversed) {
+TEST(CppDirection, TheOtherSideSeesItReversed) {
     EXPECT_EQ(reversed(Direction::SendOnly), Direction::RecvOnly);
     EXPECT_EQ(reversed(Direction::RecvOnly), Direction::SendOnly);
     EXPECT_EQ(reversed(Direction::SendRecv), Direction::SendRecv);

@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_ATTRIBUTES_HPP
-#define SDPLINE_FACE_ATTRIBUTES_HPP
+#ifndef SDPLINE_CPP_ATTRIBUTES_HPP
+#define SDPLINE_CPP_ATTRIBUTES_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -28,14 +28,14 @@ inline std::string_view wordOf(AttributeType type) {
     const auto row = static_cast<std::uint32_t>(type) - 1;
     const bool named = row < std::size(sstrSdpAttrNames) && type != AttributeType::OtherValue &&
                        type != AttributeType::OtherFlag;
-    std::string_view name = named ? face_detail::viewOf(sstrSdpAttrNames[row]) : "";
+    std::string_view name = named ? internal::viewOf(sstrSdpAttrNames[row]) : "";
     if (name.ends_with(':')) {
         name.remove_suffix(1);
     }
     return name;
 }
 
-namespace face_detail {
+namespace internal {
 
 /* The one blank between a word and what follows it. */
 inline std::string_view withoutBlank(std::string_view text) {
@@ -114,7 +114,7 @@ inline AttributeValue attributeValueOf(const SDPAttr &attribute) {
     return std::monostate();
 }
 
-} // namespace face_detail
+} // namespace internal
 
 /* One a= line. */
 class Attribute {
@@ -127,10 +127,10 @@ public:
     std::string_view name() const {
         const bool other =
             type() == AttributeType::OtherValue || type() == AttributeType::OtherFlag;
-        return other ? face_detail::viewOf(record_->pstAttrName) : wordOf(type());
+        return other ? internal::viewOf(record_->pstAttrName) : wordOf(type());
     }
 
-    AttributeValue value() const { return face_detail::attributeValueOf(*record_); }
+    AttributeValue value() const { return internal::attributeValueOf(*record_); }
 
     /* The value when it is a T, one of the alternatives of AttributeValue. */
     template <class T>
@@ -146,10 +146,10 @@ public:
         SipRefString *line = nullptr;
         if (const SDPResult code = SdpLibEncodeSdpLine(&prefix, SDP_LINE_ATTRIBUTE,
                                                        const_cast<SDPAttr *>(record_), &line)) {
-            return face_detail::libraryError(code);
+            return internal::libraryError(code);
         }
         std::string_view written(SipSmGetDataFromRefString(line), SipSmGetLenFromRefString(line));
-        const std::string_view lineEnd = face_detail::viewOf(SdpGetCrlfString(0));
+        const std::string_view lineEnd = internal::viewOf(SdpGetCrlfString(0));
         if (written.ends_with(lineEnd)) {
             written.remove_suffix(lineEnd.size());
         }
@@ -167,18 +167,18 @@ private:
     const SDPAttr *record_;
 };
 
-namespace face_detail {
+namespace internal {
 
 struct MakeAttribute {
     Attribute operator()(const SDPAttr *attribute) const { return Attribute(attribute); }
 };
 
-} // namespace face_detail
+} // namespace internal
 
 /* The values of type T of a list of attributes, in their order: a forward range. */
 template <class T>
 class ValuesOf : public std::ranges::view_base {
-    using Lines = ListView<SDPAttrList, face_detail::MakeAttribute>;
+    using Lines = ListView<SDPAttrList, internal::MakeAttribute>;
 
 public:
     using value_type = T;
@@ -190,7 +190,7 @@ public:
         using value_type = T;
         using difference_type = std::ptrdiff_t;
         using reference = T;
-        using pointer = face_detail::Arrow<T>;
+        using pointer = internal::Arrow<T>;
 
         iterator() = default;
         iterator(Lines::iterator at, Lines::iterator end) : at_(at), end_(end) { settle(); }
@@ -245,7 +245,7 @@ private:
  *     for (const sdpline::RtpMap map : attributes.each<sdpline::RtpMap>()) ...
  *     const auto ptime = attributes.number(sdpline::AttributeType::PTime).value_or(20);
  */
-class Attributes : public ListView<SDPAttrList, face_detail::MakeAttribute> {
+class Attributes : public ListView<SDPAttrList, internal::MakeAttribute> {
 public:
     using ListView::ListView;
 
@@ -327,16 +327,16 @@ private:
     }
 };
 
-namespace face_detail {
+namespace internal {
 
 inline bool isT38(AttributeType type) {
     return type >= AttributeType::T38FaxVersion && type <= AttributeType::T38UdpEc;
 }
 
-} // namespace face_detail
+} // namespace internal
 
 inline std::optional<T38> Attributes::t38() const {
-    if (!findIf([](const Attribute &one) { return face_detail::isT38(one.type()); })) {
+    if (!findIf([](const Attribute &one) { return internal::isT38(one.type()); })) {
         return std::nullopt;
     }
     T38 all;

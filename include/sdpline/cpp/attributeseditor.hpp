@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_ATTRIBUTESEDITOR_HPP
-#define SDPLINE_FACE_ATTRIBUTESEDITOR_HPP
+#ifndef SDPLINE_CPP_ATTRIBUTESEDITOR_HPP
+#define SDPLINE_CPP_ATTRIBUTESEDITOR_HPP
 
 #include <array>
 #include <cstddef>
@@ -14,9 +14,9 @@
 #include <string_view>
 
 #include "sdpline/cpp/attributes.hpp"
-#include "sdpline/cpp/decode.hpp"
-#include "sdpline/cpp/draft.hpp"
-#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/detail/decode.hpp"
+#include "sdpline/cpp/detail/draft.hpp"
+#include "sdpline/cpp/detail/memory.hpp"
 
 namespace sdpline {
 inline namespace v1 {
@@ -27,7 +27,7 @@ inline namespace v1 {
  * are dead; those of the other lines live on.
  */
 class AttributesEditor : public Attributes {
-    using Home = face_detail::ListHome<SDPAttrList>;
+    using Home = internal::ListHome<SDPAttrList>;
 
 public:
     explicit AttributesEditor(Home home) : Attributes(home.get()), home_(home) {}
@@ -36,7 +36,7 @@ public:
      * T38ErrorCorrection, SilenceSupp, Ecan, Precondition, IpBcp or SetupRole; or an AttributeType
      * that needs no value: the directions, fax, modem, X-fax, X-modem and the three T.38 flags. */
     template <class Value>
-    requires requires(face_detail::Draft draft, const Value &value) { draft.fill(value); }
+    requires requires(internal::Draft draft, const Value &value) { draft.fill(value); }
     Status add(const Value &value) { return addDraft(value); }
 
     /* ptime, maxptime, framerate, quality, a T.38 number or flag. A flag of 0 is a line that the
@@ -49,7 +49,7 @@ public:
     /* Any line by its text behind "a=", "ptime:20" or "candidate:1 1 UDP ...", which is decoded:
      * what it becomes, and what is wrong with it and where, the library says. */
     Status add(std::string_view text) {
-        auto decoded = face_detail::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\na=", text);
+        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\na=", text);
         if (!decoded) {
             return decoded.error();
         }
@@ -104,7 +104,7 @@ public:
     }
 
 private:
-    face_detail::FreeLine discard() const { return {home_.memory(), SDP_LINE_ATTRIBUTE}; }
+    internal::FreeLine discard() const { return {home_.memory(), SDP_LINE_ATTRIBUTE}; }
 
     Status append(std::span<const SDPAttr> sources) {
         const auto clone = [&](std::size_t n) {
@@ -117,7 +117,7 @@ private:
 
     template <class... Values>
     Status addDraft(const Values &...values) {
-        face_detail::Draft draft;
+        internal::Draft draft;
         if (const auto error = draft.fill(values...)) {
             return *error;
         }
@@ -126,7 +126,7 @@ private:
 
     template <class IsOld, class... Values>
     Status setDraft(IsOld isOld, const Values &...values) {
-        face_detail::Draft draft;
+        internal::Draft draft;
         if (const auto error = draft.fill(values...)) {
             return *error;
         }
@@ -170,8 +170,8 @@ inline Status AttributesEditor::setT38(const T38 &all) {
         }
     };
     for (const auto &error :
-         {all.rateManagement ? face_detail::refusedCode(*all.rateManagement) : std::nullopt,
-          all.errorCorrection ? face_detail::refusedCode(*all.errorCorrection) : std::nullopt}) {
+         {all.rateManagement ? internal::refusedCode(*all.rateManagement) : std::nullopt,
+          all.errorCorrection ? internal::refusedCode(*all.errorCorrection) : std::nullopt}) {
         if (error) {
             return *error;
         }
@@ -196,7 +196,7 @@ inline Status AttributesEditor::setT38(const T38 &all) {
     removeIf([&](const Attribute &one) {
         const bool present = old != 0;
         old -= present ? 1 : 0;
-        return present && face_detail::isT38(one.type());
+        return present && internal::isT38(one.type());
     });
     return {};
 }

@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_EDITORS_HPP
-#define SDPLINE_FACE_EDITORS_HPP
+#ifndef SDPLINE_CPP_EDITORS_HPP
+#define SDPLINE_CPP_EDITORS_HPP
 
 #include <algorithm>
 #include <cstddef>
@@ -14,16 +14,16 @@
 #include <string_view>
 
 #include "sdpline/cpp/attributeseditor.hpp"
-#include "sdpline/cpp/lines.hpp"
+#include "sdpline/cpp/detail/lines.hpp"
+#include "sdpline/cpp/detail/memory.hpp"
 #include "sdpline/cpp/media.hpp"
-#include "sdpline/cpp/memory.hpp"
 
 namespace sdpline {
 inline namespace v1 {
 
 /* The e=, p= or b= lines. Everything that Texts answers, and: */
 class TextsEditor : public Texts {
-    using Home = face_detail::ListHome<SDPStringList>;
+    using Home = internal::ListHome<SDPStringList>;
 
 public:
     TextsEditor(Home home, std::uint32_t lineType)
@@ -31,10 +31,10 @@ public:
 
     /* Adds a line at the end. */
     Status add(std::string_view text) {
-        if (const auto error = face_detail::refusedText(text)) {
+        if (const auto error = internal::refusedText(text)) {
             return *error;
         }
-        const SipString source = face_detail::lent(text);
+        const SipString source = internal::lent(text);
         Status status = home_.append(
             1, [&](std::size_t) { return home_.memory().clone(lineType_, source); }, discard());
         lookAt(home_.get());
@@ -44,15 +44,15 @@ public:
     /* Every line whose text unwanted(std::string_view) picks; answers how many. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
-        return home_.eraseIf(
-            [&](const SipString *one) { return unwanted(face_detail::viewOf(one)); }, discard());
+        return home_.eraseIf([&](const SipString *one) { return unwanted(internal::viewOf(one)); },
+                             discard());
     }
     std::size_t clear() {
         return removeIf([](std::string_view) { return true; });
     }
 
 private:
-    face_detail::FreeLine discard() const { return {home_.memory(), lineType_}; }
+    internal::FreeLine discard() const { return {home_.memory(), lineType_}; }
 
     Home home_;
     std::uint32_t lineType_;
@@ -61,28 +61,28 @@ private:
 /* The t= lines. Everything that Times answers, and: */
 class TimesEditor : public Times {
 public:
-    TimesEditor(face_detail::Memory memory, SDPTimeSet *set)
+    TimesEditor(internal::Memory memory, SDPTimeSet *set)
         : Times(set), memory_(memory), set_(set) {}
 
     /* Adds a line at the end, in NTP seconds. Without any, "t=0 0" is written; of several, the
      * encoder writes the first one only. */
     Status add(std::uint32_t start, std::uint32_t stop) {
         const SDPTimeField source = {start, stop, nullptr};
-        return face_detail::append(
+        return internal::append(
             memory_, *set_, 1, [&](std::size_t) { return memory_.clone(SDP_LINE_TIME, source); },
             discard());
     }
 
     /* Removes all, with their r= lines; answers how many. */
     std::size_t clear() {
-        return face_detail::eraseIf(
+        return internal::eraseIf(
             memory_, *set_, [](const SDPTimeField *) { return true; }, discard());
     }
 
 private:
-    face_detail::FreeLine discard() const { return {memory_, SDP_LINE_TIME}; }
+    internal::FreeLine discard() const { return {memory_, SDP_LINE_TIME}; }
 
-    face_detail::Memory memory_;
+    internal::Memory memory_;
     SDPTimeSet *set_;
 };
 
@@ -92,15 +92,15 @@ private:
  */
 class MediaEditor : public Media {
     template <class Record>
-    using Slot = face_detail::Slot<Record>;
+    using Slot = internal::Slot<Record>;
 
 public:
-    MediaEditor(face_detail::Memory memory, SDPMediaDesc *record)
+    MediaEditor(internal::Memory memory, SDPMediaDesc *record)
         : Media(record), memory_(memory), record_(record) {}
 
     /* The m= line as a whole. */
     Status setLine(const MediaLine &line) const {
-        face_detail::MediaDraft draft;
+        internal::MediaDraft draft;
         if (const auto error = draft.fill(line)) {
             return *error;
         }
@@ -113,7 +113,7 @@ public:
         MediaLine line = this->line();
         line.port = port;
         line.portCount = portCount;
-        if (const auto error = face_detail::refusedLine(line)) {
+        if (const auto error = internal::refusedLine(line)) {
             return *error;
         }
         record_->stMediaField.ulPort = port;
@@ -128,25 +128,25 @@ public:
     }
 
     Status setInfo(std::string_view text) const {
-        return face_detail::setText(memory_, infoSlot(), SDP_LINE_INFO, text);
+        return internal::setText(memory_, infoSlot(), SDP_LINE_INFO, text);
     }
-    void removeInfo() const { face_detail::removeLine(memory_, infoSlot(), SDP_LINE_INFO); }
+    void removeInfo() const { internal::removeLine(memory_, infoSlot(), SDP_LINE_INFO); }
 
     Status setConnection(const Connection &connection) const {
-        return face_detail::setConnection(memory_, connectionSlot(), connection);
+        return internal::setConnection(memory_, connectionSlot(), connection);
     }
     /* By its text behind "c=", "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) const {
-        return face_detail::setConnection(memory_, connectionSlot(), text);
+        return internal::setConnection(memory_, connectionSlot(), text);
     }
     void removeConnection() const {
-        face_detail::removeLine(memory_, connectionSlot(), SDP_LINE_CONNECTION);
+        internal::removeLine(memory_, connectionSlot(), SDP_LINE_CONNECTION);
     }
 
     Status setKey(std::string_view text) const {
-        return face_detail::setKey(memory_, keySlot(), text);
+        return internal::setKey(memory_, keySlot(), text);
     }
-    void removeKey() const { face_detail::removeLine(memory_, keySlot(), SDP_LINE_KEY); }
+    void removeKey() const { internal::removeLine(memory_, keySlot(), SDP_LINE_KEY); }
 
     TextsEditor bandwidths() const {
         const Slot<SDPStringList> slot(record_, offsetof(SDPMediaDesc, pstBandwidthList));
@@ -182,28 +182,28 @@ private:
         memory_.release(record_);
     }
 
-    face_detail::Memory memory_;
+    internal::Memory memory_;
     SDPMediaDesc *record_;
 };
 
-namespace face_detail {
+namespace internal {
 
 struct MakeMediaEditor {
     Memory memory{};
     MediaEditor operator()(SDPMediaDesc *media) const { return {memory, media}; }
 };
 
-} // namespace face_detail
+} // namespace internal
 
 /* The media descriptions: a range of MediaEditor with random access, and: */
-class MediaListEditor : public ListView<SDPMediaSet, face_detail::MakeMediaEditor> {
+class MediaListEditor : public ListView<SDPMediaSet, internal::MakeMediaEditor> {
 public:
-    MediaListEditor(face_detail::Memory memory, SDPMediaSet *set)
+    MediaListEditor(internal::Memory memory, SDPMediaSet *set)
         : ListView(set, {memory}), memory_(memory), set_(set) {}
 
     /* Adds a media description that has only its m= line, at the end, and gives it to be filled. */
     Result<MediaEditor> add(const MediaLine &line) {
-        face_detail::MediaDraft draft;
+        internal::MediaDraft draft;
         if (const auto error = draft.fill(line)) {
             return *error;
         }
@@ -211,7 +211,7 @@ public:
     }
     /* The same by the text behind "m=", "audio 49170 RTP/AVP 0 8", which is decoded. */
     Result<MediaEditor> add(std::string_view text) {
-        auto decoded = face_detail::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nm=", text);
+        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nm=", text);
         if (!decoded) {
             return decoded.error();
         }
@@ -225,7 +225,7 @@ public:
     /* Every one that unwanted(Media) picks; answers how many. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
-        return face_detail::eraseIf(
+        return internal::eraseIf(
             memory_, *set_, [&](const SDPMediaDesc *one) { return unwanted(Media(one)); },
             [this](SDPMediaDesc *one) { MediaEditor(memory_, one).discard(); });
     }
@@ -238,7 +238,7 @@ private:
         const auto make = [&](std::size_t) -> Result<SDPMediaDesc *> {
             auto *const media = memory_.allocate<SDPMediaDesc>();
             if (media == nullptr) {
-                return face_detail::noMemory();
+                return internal::noMemory();
             }
             if (Status copied = memory_.replace(SDP_LINE_MEDIA, field, media->stMediaField);
                 !copied) {
@@ -248,13 +248,13 @@ private:
             return media;
         };
         const auto discard = [this](SDPMediaDesc *one) { MediaEditor(memory_, one).discard(); };
-        if (Status added = face_detail::append(memory_, *set_, 1, make, discard); !added) {
+        if (Status added = internal::append(memory_, *set_, 1, make, discard); !added) {
             return added.error();
         }
         return back();
     }
 
-    face_detail::Memory memory_;
+    internal::Memory memory_;
     SDPMediaSet *set_;
 };
 

@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_LIST_HPP
-#define SDPLINE_FACE_LIST_HPP
+#ifndef SDPLINE_CPP_LIST_HPP
+#define SDPLINE_CPP_LIST_HPP
 
 #include <compare>
 #include <cstddef>
@@ -19,7 +19,7 @@
 namespace sdpline {
 inline namespace v1 {
 
-namespace face_detail {
+namespace internal {
 
 /* The text of a record; empty for a null pointer. */
 inline std::string_view viewOf(const SipString &text) {
@@ -104,7 +104,7 @@ struct Arrow {
     const Value *operator->() const { return &value; }
 };
 
-} // namespace face_detail
+} // namespace internal
 
 /*
  * A list of a body, looked at as a range with random access. Elements are small values (a text, a
@@ -116,7 +116,7 @@ struct Arrow {
  */
 template <class List, class Make>
 class ListView : public std::ranges::view_base {
-    using Fields = face_detail::ListOf<List>;
+    using Fields = internal::ListOf<List>;
     using Item = typename Fields::Item;
 
 public:
@@ -130,7 +130,7 @@ public:
         using value_type = typename ListView::value_type;
         using difference_type = std::ptrdiff_t;
         using reference = value_type;
-        using pointer = face_detail::Arrow<value_type>;
+        using pointer = internal::Arrow<value_type>;
 
         iterator() = default;
         iterator(Item *const *at, Make make) : at_(at), make_(make) {}
@@ -181,7 +181,7 @@ public:
 
     /* An index beyond the list ends the program. */
     value_type operator[](std::size_t index) const {
-        face_detail::insist(index < size());
+        internal::insist(index < size());
         return make_(items()[index]);
     }
     value_type front() const { return (*this)[0]; }
@@ -200,16 +200,16 @@ private:
     Make make_{};
 };
 
-namespace face_detail {
+namespace internal {
 
 struct MakeText {
     std::string_view operator()(const SipString *text) const { return viewOf(text); }
 };
 
-} // namespace face_detail
+} // namespace internal
 
 /* Texts: the e=, p= or b= lines. */
-using Texts = ListView<SDPStringList, face_detail::MakeText>;
+using Texts = ListView<SDPStringList, internal::MakeText>;
 
 } // namespace v1
 } // namespace sdpline

@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_MEDIA_HPP
-#define SDPLINE_FACE_MEDIA_HPP
+#ifndef SDPLINE_CPP_MEDIA_HPP
+#define SDPLINE_CPP_MEDIA_HPP
 
 #include <cstdint>
 #include <optional>
@@ -20,7 +20,7 @@ inline namespace v1 {
 
 /* ---- Media descriptions ---------------------------------------------------------------------- */
 
-namespace face_detail {
+namespace internal {
 
 inline std::span<const std::uint32_t> payloadsOf(const SDPMediaFmt &format) {
     if (format.enFmtType == SDP_FMT_OTHER) {
@@ -37,7 +37,7 @@ inline Keyword<Format> formatOf(const SDPMediaFmt &format) {
                                other ? viewOf(format.unMediaFmt.strOtherFmts) : "");
 }
 
-} // namespace face_detail
+} // namespace internal
 
 /* One media description. Lines that are absent give nothing, or an empty range. */
 class Media {
@@ -47,19 +47,19 @@ public:
     Keyword<MediaType> type() const {
         const SDPMedia &media = field().stMedia;
         return Keyword<MediaType>::of(MediaType{media.enMediaType},
-                                      face_detail::viewOf(media.pstrOtherMedia));
+                                      internal::viewOf(media.pstrOtherMedia));
     }
     std::uint32_t port() const { return field().ulPort; }
     std::uint32_t portCount() const { return field().ulNoOfPorts; }
     Keyword<Protocol> protocol() const {
         const SDPMediaProto &protocol = field().stProto;
         return Keyword<Protocol>::of(Protocol{protocol.enProto},
-                                     face_detail::viewOf(protocol.pstrOtherProto));
+                                     internal::viewOf(protocol.pstrOtherProto));
     }
-    Keyword<Format> format() const { return face_detail::formatOf(field().stMediaFmt); }
+    Keyword<Format> format() const { return internal::formatOf(field().stMediaFmt); }
     /* Empty unless the format is Payloads. */
     std::span<const std::uint32_t> payloads() const {
-        return face_detail::payloadsOf(field().stMediaFmt);
+        return internal::payloadsOf(field().stMediaFmt);
     }
     /* All of the above. */
     MediaLine line() const {
@@ -67,14 +67,14 @@ public:
     }
 
     std::optional<std::string_view> info() const {
-        return face_detail::optionalViewOf(record_->pstrMediaInfo);
+        return internal::optionalViewOf(record_->pstrMediaInfo);
     }
     /* The media's own; Body::connectionOf falls back to the session's. */
     std::optional<Connection> connection() const {
-        return face_detail::connectionOf(record_->pstConnection);
+        return internal::connectionOf(record_->pstConnection);
     }
     Texts bandwidths() const { return Texts(record_->pstBandwidthList); }
-    std::optional<std::string_view> key() const { return face_detail::keyOf(record_->pstKey); }
+    std::optional<std::string_view> key() const { return internal::keyOf(record_->pstKey); }
     Attributes attributes() const { return Attributes(record_->pstAttrList); }
 
     const SDPMediaDesc *record() const { return record_; }
@@ -90,7 +90,7 @@ private:
 
 /* ---- Times ----------------------------------------------------------------------------------- */
 
-namespace face_detail {
+namespace internal {
 
 struct MakeMedia {
     Media operator()(const SDPMediaDesc *media) const { return Media(media); }
@@ -102,23 +102,23 @@ struct MakeTypedTime {
     }
 };
 
-} // namespace face_detail
+} // namespace internal
 
-using MediaList = ListView<SDPMediaSet, face_detail::MakeMedia>;
+using MediaList = ListView<SDPMediaSet, internal::MakeMedia>;
 
 /* One r= line: the repeat interval, the active duration, then the offsets, as one range. A number
  * without a unit is seconds. */
-using Repeat = ListView<SDPRepeatField, face_detail::MakeTypedTime>;
+using Repeat = ListView<SDPRepeatField, internal::MakeTypedTime>;
 
-namespace face_detail {
+namespace internal {
 
 struct MakeRepeat {
     Repeat operator()(const SDPRepeatField *repeat) const { return Repeat(repeat); }
 };
 
-} // namespace face_detail
+} // namespace internal
 
-using Repeats = ListView<SDPRepeatFieldSet, face_detail::MakeRepeat>;
+using Repeats = ListView<SDPRepeatFieldSet, internal::MakeRepeat>;
 
 /* One t= line, in NTP seconds, with the r= lines below it. */
 class Time {
@@ -135,15 +135,15 @@ private:
     const SDPTimeField *record_;
 };
 
-namespace face_detail {
+namespace internal {
 
 struct MakeTime {
     Time operator()(const SDPTimeField *time) const { return Time(time); }
 };
 
-} // namespace face_detail
+} // namespace internal
 
-using Times = ListView<SDPTimeSet, face_detail::MakeTime>;
+using Times = ListView<SDPTimeSet, internal::MakeTime>;
 
 } // namespace v1
 } // namespace sdpline

@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_RESULT_HPP
-#define SDPLINE_FACE_RESULT_HPP
+#ifndef SDPLINE_CPP_RESULT_HPP
+#define SDPLINE_CPP_RESULT_HPP
 
 #include <algorithm>
 #include <array>
@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -25,8 +26,10 @@ inline namespace v1 {
 /* Who refused. */
 enum class Fault : std::uint8_t {
     Library,  /* the C library, or a service under it: Error::code is its answer */
-    Argument, /* this face, before anything was touched: a value that no SDP text can carry */
-    Memory    /* the body's memory block is exhausted */
+    Argument, /* this API, before anything was touched: a value that no SDP text can carry */
+    Memory,   /* the body's memory block is exhausted */
+    Busy      /* a decode that the calling thread started inside a decode: in a log hook, or while
+                 it holds decodeMutex() */
 };
 
 /*
@@ -52,7 +55,7 @@ struct Error {
     std::string message() const;
 };
 
-namespace face_detail {
+namespace internal {
 
 /* A broken precondition ends the program: going on would read foreign memory. */
 inline void insist(bool holds) {
@@ -85,6 +88,13 @@ inline Error noMemory() {
     return error;
 }
 
+inline Error busy() {
+    Error error;
+    error.fault = Fault::Busy;
+    error.sentence = "this thread is decoding already: a log hook must not decode";
+    return error;
+}
+
 /* What the library says of one of its codes. Services of a stack have codes that it does not know:
  * they are passed up as they are. */
 inline Error libraryError(SDPResult code) {
@@ -99,14 +109,14 @@ inline Error libraryError(SDPResult code) {
     return error;
 }
 
-} // namespace face_detail
+} // namespace internal
 
 inline std::string Error::message() const {
     std::string text;
     if (line != 0) {
-        face_detail::appendNumber(text, line);
+        internal::appendNumber(text, line);
         text += ':';
-        face_detail::appendNumber(text, column);
+        internal::appendNumber(text, column);
         text += ": ";
     }
     text += sentence;
@@ -116,7 +126,7 @@ inline std::string Error::message() const {
             text.append(source).append(" ").append(function).append(", ");
         }
         text += "0x";
-        face_detail::appendNumber(text, code, 16);
+        internal::appendNumber(text, code, 16);
         text += ')';
     }
     return text;
@@ -146,21 +156,31 @@ public:
     Value &value() & { return *checked(std::get_if<0>(&state_)); }
     const Value &value() const & { return *checked(std::get_if<0>(&state_)); }
     Value &&value() && { return std::move(*checked(std::get_if<0>(&state_))); }
+    const Value &&value() const && { return std::move(*checked(std::get_if<0>(&state_))); }
 
     Value &operator*() & { return value(); }
     const Value &operator*() const & { return value(); }
     Value &&operator*() && { return std::move(*this).value(); }
-    Value *operator->() { return &value(); }
-    const Value *operator->() const { return &value(); }
+    const Value &&operator*() const && { return std::move(*this).value(); }
+
+    /* Not of a temporary result whose value owns what its members give: a view of a body that is
+     * gone at the end of the line does not compile. Values that own nothing, as editors, do. */
+    Value *operator->() & { return &value(); }
+    const Value *operator->() const & { return &value(); }
+    const Value *operator->() const &&requires std::is_trivially_destructible_v<Value> {
+        return &value();
+    }
+    const Value *operator->() const && = delete;
 
     Value valueOr(Value other) && { return ok() ? std::move(*this).value() : std::move(other); }
 
-    const Error &error() const { return *checked(std::get_if<1>(&state_)); }
+    const Error &error() const & { return *checked(std::get_if<1>(&state_)); }
+    Error error() const && { return *checked(std::get_if<1>(&state_)); }
 
 private:
     template <class Member>
     static Member *checked(Member *member) {
-        face_detail::insist(member != nullptr);
+        internal::insist(member != nullptr);
         return member;
     }
 
@@ -179,10 +199,11 @@ public:
     bool ok() const noexcept { return !error_.has_value(); }
     explicit operator bool() const noexcept { return ok(); }
 
-    const Error &error() const {
-        face_detail::insist(error_.has_value());
+    const Error &error() const & {
+        internal::insist(error_.has_value());
         return *error_;
     }
+    Error error() const && { return error(); }
 
 private:
     std::optional<Error> error_;

@@ -8,8 +8,8 @@
  *     const sdpline::Status added = media.attributes().add(
  *         sdpline::RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000});
  */
-#ifndef SDPLINE_FACE_VALUES_HPP
-#define SDPLINE_FACE_VALUES_HPP
+#ifndef SDPLINE_CPP_VALUES_HPP
+#define SDPLINE_CPP_VALUES_HPP
 
 #include <algorithm>
 #include <array>
@@ -62,7 +62,7 @@ public:
                 text += size_ == 4 ? '.' : ':';
             }
             if (size_ == 4) {
-                face_detail::appendNumber(text, octets_[i]);
+                internal::appendNumber(text, octets_[i]);
             } else {
                 text += "0123456789ABCDEF"[octets_[i] >> 4];
                 text += "0123456789ABCDEF"[octets_[i] & 15];
@@ -208,7 +208,7 @@ struct MediaLine {
 
 /* ---- Values of records ----------------------------------------------------------------------- */
 
-namespace face_detail {
+namespace internal {
 
 inline Keyword<NetType> netTypeOf(const SDPNetType &type) {
     return Keyword<NetType>::of(NetType{type.enNetType}, viewOf(type.pstrOtherNetType));
@@ -249,7 +249,7 @@ inline std::optional<std::string_view> keyOf(const SDPKey *key) {
     return key != nullptr ? std::optional(viewOf(key->strKey)) : std::nullopt;
 }
 
-} // namespace face_detail
+} // namespace internal
 
 } // namespace v1
 } // namespace sdpline

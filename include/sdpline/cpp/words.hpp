@@ -3,8 +3,8 @@
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
-#ifndef SDPLINE_FACE_WORDS_HPP
-#define SDPLINE_FACE_WORDS_HPP
+#ifndef SDPLINE_CPP_WORDS_HPP
+#define SDPLINE_CPP_WORDS_HPP
 
 #include <array>
 #include <cstddef>
@@ -175,7 +175,7 @@ enum class StatusLine : std::uint32_t {
     Confirmed = SDP_ATTR_CONF
 };
 
-namespace face_detail {
+namespace internal {
 
 template <class Code>
 struct Row {
@@ -268,12 +268,12 @@ template <>
 inline constexpr auto kRows<StatusLine> = std::to_array<Row<StatusLine>>(
     {{StatusLine::Desired, "des"}, {StatusLine::Current, "curr"}, {StatusLine::Confirmed, "conf"}});
 
-} // namespace face_detail
+} // namespace internal
 
 /* The word that the encoder writes for a code; empty for "other" codes and unknown numbers. */
 template <class Code>
 constexpr std::string_view wordOf(Code code) {
-    for (const auto &row : face_detail::kRows<Code>) {
+    for (const auto &row : internal::kRows<Code>) {
         if (row.code == code) {
             return row.word;
         }
@@ -294,7 +294,7 @@ public:
     constexpr Keyword() = default;
     constexpr Keyword(Code code) : code_(code), text_(wordOf(code)) {}
     constexpr Keyword(std::string_view text) : code_(Code::Other), text_(text) {
-        for (const auto &row : face_detail::kRows<Code>) {
+        for (const auto &row : internal::kRows<Code>) {
             if (row.word == text) {
                 *this = Keyword(row.code);
                 return;

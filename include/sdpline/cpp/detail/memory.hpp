@@ -1,11 +1,11 @@
 /*
- * memory.hpp: how the face writes into a body: lines cloned by the C operations, lists that hold
+ * memory.hpp: how editors write into a body: lines cloned by the C operations, lists that hold
  * exactly as many slots as items, pointers inside packed records.
  *
  * Part of sdpline.hpp; nothing here is for users.
  */
-#ifndef SDPLINE_FACE_MEMORY_HPP
-#define SDPLINE_FACE_MEMORY_HPP
+#ifndef SDPLINE_CPP_DETAIL_MEMORY_HPP
+#define SDPLINE_CPP_DETAIL_MEMORY_HPP
 
 #include <algorithm>
 #include <cstddef>
@@ -22,7 +22,7 @@
 
 namespace sdpline {
 inline namespace v1 {
-namespace face_detail {
+namespace internal {
 
 /* A text for the C operations, which only read it. */
 inline SipString lent(std::string_view text) {
@@ -213,7 +213,7 @@ public:
         if (list == nullptr) {
             return noMemory();
         }
-        Status status = face_detail::append(memory_, *list, added, make, discard);
+        Status status = internal::append(memory_, *list, added, make, discard);
         if (status) {
             slot_.set(list);
         } else if (present == nullptr) {
@@ -225,7 +225,7 @@ public:
     template <class Unwanted, class Discard>
     std::size_t eraseIf(Unwanted unwanted, Discard discard) const {
         List *const list = slot_.get();
-        return list != nullptr ? face_detail::eraseIf(memory_, *list, unwanted, discard) : 0;
+        return list != nullptr ? internal::eraseIf(memory_, *list, unwanted, discard) : 0;
     }
 
 private:
@@ -281,7 +281,7 @@ inline std::optional<Error> refusedDigits(std::string_view text) {
     return std::nullopt;
 }
 
-} // namespace face_detail
+} // namespace internal
 } // namespace v1
 } // namespace sdpline
 

@@ -1,10 +1,10 @@
 /*
  * decode.hpp: text to records, one decode at a time.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp; nothing here is for users.
  */
-#ifndef SDPLINE_FACE_DECODE_HPP
-#define SDPLINE_FACE_DECODE_HPP
+#ifndef SDPLINE_CPP_DETAIL_DECODE_HPP
+#define SDPLINE_CPP_DETAIL_DECODE_HPP
 
 #include <algorithm>
 #include <array>
@@ -14,41 +14,14 @@
 #include <memory>
 #include <string_view>
 
-#ifndef SDPLINE_THREAD_LOCAL
-#include <mutex>
-#endif
-
-#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/decodemutex.hpp"
+#include "sdpline/cpp/detail/memory.hpp"
 #include "sdpline/cpp/result.hpp"
 
 namespace sdpline {
 inline namespace v1 {
 
-#ifndef SDPLINE_THREAD_LOCAL
-namespace face_detail {
-
-/* Visible whatever the program's default, so that the linker can make all of them one. */
-[[gnu::visibility("default")]] inline std::mutex decoding;
-
-} // namespace face_detail
-
-/*
- * The lock that the face holds during every decode. Code that calls the C decoder itself, or
- * reads SdpLibGetLastFailure after it, holds it too:
- *
- *     std::scoped_lock lock(sdpline::decodeMutex());
- *     SdpLibDecodeSdp(&text, &line);
- *
- * There is one in a program and the shared libraries that it is linked with. A library loaded with
- * local symbols may have one of its own: then only one of the two decodes, or they lock outside.
- * A program compiled with SDPLINE_THREAD_LOCAL has none.
- */
-inline std::mutex &decodeMutex() {
-    return face_detail::decoding;
-}
-#endif
-
-namespace face_detail {
+namespace internal {
 
 struct ReleaseBody {
     void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
@@ -84,9 +57,10 @@ inline Result<BodyHandle> decodeText(std::string_view text) {
     /* A length that does not fit is far beyond what the library takes. */
     const SipString given =
         lent(text.substr(0, std::numeric_limits<decltype(SipString::ulLen)>::max()));
-#ifndef SDPLINE_THREAD_LOCAL
-    const std::scoped_lock lock(decodeMutex());
-#endif
+    const DecodeTurn turn;
+    if (turn.refused()) {
+        return busy();
+    }
     SdpLine *line = nullptr;
     if (const SDPResult code = SdpLibDecodeSdp(&given, &line)) {
         return decodeError(code);
@@ -121,7 +95,7 @@ inline Result<BodyHandle> decodeLine(std::string_view begin, std::string_view te
     return error;
 }
 
-} // namespace face_detail
+} // namespace internal
 
 } // namespace v1
 } // namespace sdpline

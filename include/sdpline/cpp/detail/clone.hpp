@@ -3,18 +3,18 @@
  *
  * Part of sdpline.hpp; nothing here is for users.
  */
-#ifndef SDPLINE_FACE_CLONE_HPP
-#define SDPLINE_FACE_CLONE_HPP
+#ifndef SDPLINE_CPP_DETAIL_CLONE_HPP
+#define SDPLINE_CPP_DETAIL_CLONE_HPP
 
 #include <cstddef>
 #include <cstdint>
 
-#include "sdpline/cpp/decode.hpp"
-#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/detail/decode.hpp"
+#include "sdpline/cpp/detail/memory.hpp"
 
 namespace sdpline {
 inline namespace v1 {
-namespace face_detail {
+namespace internal {
 
 /* All zero but for its block, also from a memory service that does not clear what it gives. */
 inline Result<BodyHandle> newBody() {
@@ -136,7 +136,7 @@ inline Result<BodyHandle> cloneBody(const SdpLine &from) {
     return made;
 }
 
-} // namespace face_detail
+} // namespace internal
 } // namespace v1
 } // namespace sdpline
 

@@ -4,8 +4,8 @@
  * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
  * library reads back as the same value.
  */
-#ifndef SDPLINE_FACE_DRAFT_HPP
-#define SDPLINE_FACE_DRAFT_HPP
+#ifndef SDPLINE_CPP_DETAIL_DRAFT_HPP
+#define SDPLINE_CPP_DETAIL_DRAFT_HPP
 
 #include <algorithm>
 #include <array>
@@ -15,12 +15,12 @@
 #include <optional>
 #include <string_view>
 
-#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/detail/memory.hpp"
 #include "sdpline/cpp/values.hpp"
 
 namespace sdpline {
 inline namespace v1 {
-namespace face_detail {
+namespace internal {
 
 inline constexpr std::size_t kLongestRtpMapName = 255;
 inline constexpr std::string_view kRtpMapNameEnds("\r\n\0/", 4);
@@ -202,7 +202,7 @@ private:
     SipString other_ = {};
 };
 
-} // namespace face_detail
+} // namespace internal
 } // namespace v1
 } // namespace sdpline
 

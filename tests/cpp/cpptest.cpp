@@ -1,9 +1,9 @@
-#include "cpp/facetest.hpp"
+#include "cpp/cpptest.hpp"
 
 #include <cstdlib>
 #include <iostream>
 
-namespace facetest {
+namespace cpptest {
 
 const std::string_view kEveryLine = "v=0\r\n"
                                     "o=alice 2890844526 2890842807 IN IP4 host.example.com\r\n"
@@ -72,4 +72,4 @@ std::string linesOf(const std::string &text, char letter) {
     return found;
 }
 
-} // namespace facetest
+} // namespace cpptest

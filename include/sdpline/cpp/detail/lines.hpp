@@ -4,8 +4,8 @@
  * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
  * library reads back as the same value, but for the payload numbers of unknown protocols.
  */
-#ifndef SDPLINE_FACE_LINES_HPP
-#define SDPLINE_FACE_LINES_HPP
+#ifndef SDPLINE_CPP_DETAIL_LINES_HPP
+#define SDPLINE_CPP_DETAIL_LINES_HPP
 
 #include <algorithm>
 #include <cstddef>
@@ -13,13 +13,13 @@
 #include <optional>
 #include <string_view>
 
-#include "sdpline/cpp/decode.hpp"
-#include "sdpline/cpp/memory.hpp"
+#include "sdpline/cpp/detail/decode.hpp"
+#include "sdpline/cpp/detail/memory.hpp"
 #include "sdpline/cpp/values.hpp"
 
 namespace sdpline {
 inline namespace v1 {
-namespace face_detail {
+namespace internal {
 
 /* ---- Texts and keys -------------------------------------------------------------------------- */
 
@@ -202,7 +202,7 @@ private:
     SipString protocol_ = {};
 };
 
-} // namespace face_detail
+} // namespace internal
 } // namespace v1
 } // namespace sdpline
 

@@ -1,4 +1,4 @@
-// What the tests of the C++ face share.
+// What the tests of the C++ API share.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 #include "sdpline/sdpline.hpp"
 
-namespace facetest {
+namespace cpptest {
 
 // A body with every kind of line in it, as the encoder writes it.
 extern const std::string_view kEveryLine;
@@ -39,4 +39,4 @@ std::string linesOf(const std::string &text, char letter);
         EXPECT_EQ(refused_.error().sentence, why);                                                 \
     } while (false)
 
-} // namespace facetest
+} // namespace cpptest

@@ -1,0 +1,157 @@
+/*
+ * decodemutex.hpp: decodes take turns, and none starts inside another one.
+ *
+ * Part of sdpline.hpp, whose conventions hold here.
+ */
+#ifndef SDPLINE_CPP_DECODEMUTEX_HPP
+#define SDPLINE_CPP_DECODEMUTEX_HPP
+
+#ifndef SDPLINE_THREAD_LOCAL
+#if defined(__has_include) && __has_include(<pthread.h>)
+#include <pthread.h> /* a tenth of what <mutex> takes to compile */
+#else
+#include <mutex>
+#endif
+#endif
+
+#include "sdpline/cpp/result.hpp"
+
+namespace sdpline {
+inline namespace v1 {
+
+namespace internal {
+
+/* Whether the calling thread decodes, or holds the lock. Visible whatever the program's default, so
+ * that the linker can make all copies of it one; so is the lock. */
+[[gnu::visibility("default")]] inline constinit thread_local bool decodingHere = false;
+
+} // namespace internal
+
+#ifndef SDPLINE_THREAD_LOCAL
+
+/* A mutex for std::scoped_lock and the like that knows whether the calling thread holds it. */
+class DecodeMutex {
+public:
+    constexpr DecodeMutex() = default;
+    DecodeMutex(const DecodeMutex &) = delete;
+    DecodeMutex &operator=(const DecodeMutex &) = delete;
+
+    /* Waits until no other thread holds it. A thread that holds it would wait for ever: see
+     * isHeldHere. */
+    void lock() {
+#ifdef PTHREAD_MUTEX_INITIALIZER
+        internal::insist(pthread_mutex_lock(&mutex_) == 0);
+#else
+        mutex_.lock();
+#endif
+        internal::decodingHere = true;
+    }
+
+    bool try_lock() {
+#ifdef PTHREAD_MUTEX_INITIALIZER
+        const bool taken = pthread_mutex_trylock(&mutex_) == 0;
+#else
+        const bool taken = !internal::decodingHere && mutex_.try_lock();
+#endif
+        internal::decodingHere = internal::decodingHere || taken;
+        return taken;
+    }
+
+    void unlock() {
+        internal::decodingHere = false;
+#ifdef PTHREAD_MUTEX_INITIALIZER
+        pthread_mutex_unlock(&mutex_);
+#else
+        mutex_.unlock();
+#endif
+    }
+
+    static bool isHeldHere() {
+        return internal::decodingHere;
+    }
+
+private:
+#ifdef PTHREAD_MUTEX_INITIALIZER
+    pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
+#else
+    std::mutex mutex_;
+#endif
+};
+
+namespace internal {
+
+[[gnu::visibility("default")]] inline constinit DecodeMutex decoding;
+
+} // namespace internal
+
+/*
+ * The lock that is held during every decode of this API. Code that calls the C decoder itself, or
+ * reads SdpLibGetLastFailure after it, holds it too:
+ *
+ *     std::scoped_lock lock(sdpline::decodeMutex());
+ *     SdpLibDecodeSdp(&text, &line);
+ *
+ * While a thread holds it, and in a log hook that a decode calls, decodes of this API fail with
+ * Fault::Busy instead of waiting for themselves.
+ *
+ * There is one in a program and the shared libraries that it is linked with. A library loaded with
+ * local symbols may have one of its own: then only one of the two decodes, or they lock outside.
+ * A program compiled with SDPLINE_THREAD_LOCAL has none: each thread decodes for itself.
+ */
+inline DecodeMutex &decodeMutex() {
+    return internal::decoding;
+}
+
+#endif
+
+namespace internal {
+
+/* One decode's turn, from the construction to the destruction. */
+class DecodeTurn {
+public:
+    DecodeTurn() : refused_(decodingHere) {
+        if (!refused_) {
+            take();
+            refused_ = g_mSdpDecodeMemCp != nullptr; /* a log hook under the C decoder */
+            if (refused_) {
+                giveBack();
+            }
+        }
+    }
+    ~DecodeTurn() {
+        if (!refused_) {
+            giveBack();
+        }
+    }
+    DecodeTurn(const DecodeTurn &) = delete;
+    DecodeTurn &operator=(const DecodeTurn &) = delete;
+
+    /* This thread is decoding already: the decoder's state is that of the decode that runs. */
+    bool refused() const { return refused_; }
+
+private:
+#ifdef SDPLINE_THREAD_LOCAL
+    static void take() {
+        decodingHere = true;
+    }
+    static void giveBack() {
+        decodingHere = false;
+    }
+#else
+    static void take() {
+        decoding.lock();
+    }
+    static void giveBack() {
+        decoding.unlock();
+    }
+#endif
+
+    bool refused_;
+};
+
+} // namespace internal
+
+} // namespace v1
+} // namespace sdpline
+
+#endif
