@@ -4,73 +4,46 @@
 // pointer of its own.
 #include "checks/checks.hpp"
 #include "sdpline/sdpcopy.h"
+#include "tables/attributes.hpp"
 
 using namespace sdpline;
 
 namespace {
 
-// What the value of an attribute is, as far as copying it goes.
-enum class Value : uint8_t {
-    None,
-    Number,
-    Text,
-    RtpMap,
-    SilenceSupp,
-    Ecan,
-    IpBcp,
-    Precondition,
-    NamedText, // and a name
-    NameOnly,
-};
-
-constexpr Value valueOf(uint32_t ulAttrType) {
-    if (ulAttrType >= SDP_ATTR_FMTP && ulAttrType <= SDP_ATTR_LANG) {
-        return Value::Text;
-    }
-    if ((ulAttrType >= SDP_ATTR_PTIME && ulAttrType <= SDP_ATTR_FRAMERATE) ||
-        (ulAttrType >= SDP_ATTR_QUALITY && ulAttrType <= SDP_ATTR_T38_UDP_EC)) {
-        return Value::Number;
-    }
-    switch (ulAttrType) {
-    case SDP_ATTR_RTPMAP: return Value::RtpMap;
-    case SDP_ATTR_SILENCE_SUPP: return Value::SilenceSupp;
-    case SDP_ATTR_ECAN: return Value::Ecan;
-    case SDP_ATTR_UNREC_VALUE: return Value::NamedText;
-    case SDP_ATTR_UNREC_NOVALUE: return Value::NameOnly;
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF: return Value::Precondition;
-    case SDP_ATTR_IPBCP: return Value::IpBcp;
-    case SDP_ATTR_SETUP: return Value::Number;
-    default: return Value::None;
-    }
+SDPResult stored(uint32_t result) {
+    return result == 0 ? 0 : passUp(Check::CopyAttributeText, result);
 }
 
 class AttributeCopier {
 public:
-    AttributeCopier(SDPMemCp *pstMemCp, const SDPAttr &stSrc, SDPAttr &stDst)
-        : memCp_(pstMemCp), src_(stSrc), dst_(stDst) {}
+    AttributeCopier(SDPMemCp *memCp, const SDPAttr &source, SDPAttr &target)
+        : memCp_(memCp), source_(source), target_(target) {}
 
     SDPResult copyValue() {
-        const auto &from = src_.unAttrValue;
-        auto &to = dst_.unAttrValue;
-        switch (valueOf(src_.ulAttrType)) {
-        case Value::Number: to.ulValue = from.ulValue; return 0;
-        case Value::IpBcp: to.stIpBcp = from.stIpBcp; return 0;
-        case Value::Text: return copyText(from.strValue, to.strValue);
-        case Value::RtpMap:
+        const auto &from = source_.unAttrValue;
+        auto &to = target_.unAttrValue;
+        switch (shapeOf(source_.ulAttrType)) {
+        case Shape::None:
+        case Shape::Flag:
+        case Shape::Direction: return 0;
+        case Shape::Number:
+        case Shape::Decimal:
+        case Shape::Switch:
+        case Shape::Keyword: to.ulValue = from.ulValue; return 0;
+        case Shape::IpBcp: to.stIpBcp = from.stIpBcp; return 0;
+        case Shape::Text: return copyText(from.strValue, to.strValue);
+        case Shape::RtpMap:
             to.stRtpMap = from.stRtpMap;
             return copyText(from.stRtpMap.strEncodingName, to.stRtpMap.strEncodingName);
-        case Value::SilenceSupp:
+        case Shape::SilenceSupp:
             to.stSilenceSupp = from.stSilenceSupp;
             return copyText(from.stSilenceSupp.strParams, to.stSilenceSupp.strParams);
-        case Value::Ecan:
+        case Shape::Ecan:
             to.stEcan = from.stEcan;
             return copyText(from.stEcan.strParams, to.stEcan.strParams);
-        case Value::Precondition: return copyPrecondition();
-        case Value::NamedText: return copyNamedText();
-        case Value::NameOnly: return copyName();
-        case Value::None: break;
+        case Shape::Precondition: return copyPrecondition();
+        case Shape::NamedText: return copyNamedText();
+        case Shape::NameOnly: return copyName();
         }
         return 0;
     }
@@ -78,97 +51,96 @@ public:
 private:
     // The target's text is emptied first: should the copy fail, it holds no pointer of the source
     // and none of the memory that the target lies in.
-    SDPResult copyText(const SipString &strFrom, SipString &strTo) {
-        strTo = {0, nullptr};
-        return stored(SipSmCopyString(memCp_, &strFrom, &strTo));
+    SDPResult copyText(const SipString &from, SipString &to) {
+        to = {0, nullptr};
+        return stored(SipSmCopyString(memCp_, &from, &to));
     }
 
-    SDPResult cloneText(const SipString *pstrFrom, SipString *&pstrTo) {
-        pstrTo = nullptr;
-        return stored(SipSmCloneString(memCp_, pstrFrom, &pstrTo));
-    }
-
-    static SDPResult stored(uint32_t ulResult) {
-        return ulResult == 0 ? 0 : passUp(Check::CopyAttributeText, ulResult);
+    SDPResult cloneText(const SipString *from, SipString *&to) {
+        to = nullptr;
+        return stored(SipSmCloneString(memCp_, from, &to));
     }
 
     SDPResult copyPrecondition() {
-        const SDPRsrcMgmtStatus &from = src_.unAttrValue.stRsrcMgmtStatus;
-        SDPRsrcMgmtStatus &to = dst_.unAttrValue.stRsrcMgmtStatus;
+        const SDPRsrcMgmtStatus &from = source_.unAttrValue.stRsrcMgmtStatus;
+        SDPRsrcMgmtStatus &to = target_.unAttrValue.stRsrcMgmtStatus;
         to = from;
         if (from.stPrecondition.enPreconditionType != SDP_PRECONDITION_OTHER) {
             return 0;
         }
-        SipString *pstrText = nullptr;
-        const SDPResult ulResult = cloneText(from.stPrecondition.pstrOtherPrecondition, pstrText);
-        to.stPrecondition.pstrOtherPrecondition = ulResult == 0 ? pstrText : nullptr;
-        return ulResult;
+        SipString *text = nullptr;
+        const SDPResult result = cloneText(from.stPrecondition.pstrOtherPrecondition, text);
+        to.stPrecondition.pstrOtherPrecondition = result == 0 ? text : nullptr;
+        return result;
     }
 
     SDPResult copyName() {
-        SipString *pstrName = nullptr;
-        const SDPResult ulResult = cloneText(src_.pstAttrName, pstrName);
-        dst_.pstAttrName = ulResult == 0 ? pstrName : nullptr;
-        return ulResult;
+        SipString *name = nullptr;
+        const SDPResult result = cloneText(source_.pstAttrName, name);
+        target_.pstAttrName = result == 0 ? name : nullptr;
+        return result;
     }
 
     SDPResult copyNamedText() {
-        dst_.unAttrValue.strValue = {0, nullptr};
-        SDPResult ulResult = copyName();
-        if (ulResult != 0) {
-            return ulResult;
+        target_.unAttrValue.strValue = {0, nullptr};
+        if (const SDPResult result = copyName()) {
+            return result;
         }
-        ulResult = copyText(src_.unAttrValue.strValue, dst_.unAttrValue.strValue);
-        if (ulResult != 0) {
-            SipString *pstrName = dst_.pstAttrName;
-            SipSmFreeString(memCp_, &pstrName);
-            dst_.pstAttrName = nullptr;
+        const SDPResult result =
+            copyText(source_.unAttrValue.strValue, target_.unAttrValue.strValue);
+        if (result != 0) {
+            SipString *name = target_.pstAttrName;
+            SipSmFreeString(memCp_, &name);
+            target_.pstAttrName = nullptr;
         }
-        return ulResult;
+        return result;
     }
 
     SDPMemCp *memCp_;
-    const SDPAttr &src_;
-    SDPAttr &dst_;
+    const SDPAttr &source_;
+    SDPAttr &target_;
 };
 
-void freeText(SDPMemCp *pstMemCp, SipString *pstrText) {
-    SipSmFreeString(pstMemCp, &pstrText);
+void freeText(SDPMemCp *memCp, SipString *text) {
+    SipSmFreeString(memCp, &text);
 }
 
-void freePrecondition(SDPMemCp *pstMemCp, const SDPPreconditionS &stPrecondition) {
-    if (stPrecondition.enPreconditionType == SDP_PRECONDITION_OTHER) {
-        freeText(pstMemCp, stPrecondition.pstrOtherPrecondition);
+void freePrecondition(SDPMemCp *memCp, const SDPPreconditionS &precondition) {
+    if (precondition.enPreconditionType == SDP_PRECONDITION_OTHER) {
+        freeText(memCp, precondition.pstrOtherPrecondition);
     }
 }
 
 } // namespace
 
-SDPResult SdpCopyAttribute(SDPMemCp *pstMemCp, const SDPAttr *pstSrc, SDPAttr *pstDst) {
-    pstDst->ulAttrType = pstSrc->ulAttrType;
-    pstDst->pstAttrName = nullptr;
-    return AttributeCopier(pstMemCp, *pstSrc, *pstDst).copyValue();
+SDPResult SdpCopyAttribute(SDPMemCp *memCp, const SDPAttr *source, SDPAttr *target) {
+    target->ulAttrType = source->ulAttrType;
+    target->pstAttrName = nullptr;
+    return AttributeCopier(memCp, *source, *target).copyValue();
 }
 
-SDPResult SdpClearAttribute(SDPMemCp *pstMemCp, SDPAttr *pstAttr) {
-    auto &value = pstAttr->unAttrValue;
-    switch (valueOf(pstAttr->ulAttrType)) {
-    case Value::RtpMap: SipSmClearString(pstMemCp, &value.stRtpMap.strEncodingName); break;
-    case Value::Text: SipSmClearString(pstMemCp, &value.strValue); break;
-    case Value::SilenceSupp: SipSmClearString(pstMemCp, &value.stSilenceSupp.strParams); break;
-    case Value::Ecan: SipSmClearString(pstMemCp, &value.stEcan.strParams); break;
-    case Value::NamedText:
-        freeText(pstMemCp, pstAttr->pstAttrName);
-        SipSmClearString(pstMemCp, &value.strValue);
+SDPResult SdpClearAttribute(SDPMemCp *memCp, SDPAttr *attr) {
+    auto &value = attr->unAttrValue;
+    switch (shapeOf(attr->ulAttrType)) {
+    case Shape::None:
+    case Shape::Flag:
+    case Shape::Direction:
+    case Shape::Number:
+    case Shape::Decimal:
+    case Shape::Switch:
+    case Shape::Keyword:
+    case Shape::IpBcp: break;
+    case Shape::Text: SipSmClearString(memCp, &value.strValue); break;
+    case Shape::RtpMap: SipSmClearString(memCp, &value.stRtpMap.strEncodingName); break;
+    case Shape::SilenceSupp: SipSmClearString(memCp, &value.stSilenceSupp.strParams); break;
+    case Shape::Ecan: SipSmClearString(memCp, &value.stEcan.strParams); break;
+    case Shape::Precondition: freePrecondition(memCp, value.stRsrcMgmtStatus.stPrecondition); break;
+    case Shape::NamedText:
+        freeText(memCp, attr->pstAttrName);
+        SipSmClearString(memCp, &value.strValue);
         break;
-    case Value::NameOnly: freeText(pstMemCp, pstAttr->pstAttrName); break;
-    case Value::Precondition:
-        freePrecondition(pstMemCp, value.stRsrcMgmtStatus.stPrecondition);
-        break;
-    case Value::None:
-    case Value::Number:
-    case Value::IpBcp: break;
+    case Shape::NameOnly: freeText(memCp, attr->pstAttrName); break;
     }
-    *pstAttr = {};
+    *attr = {};
     return 0;
 }

@@ -3,6 +3,16 @@
 
 using namespace sdpline;
 
+namespace {
+
+// The words of a type, whatever type the attribute is of.
+SDPResult writeWordOf(uint32_t type, const SDPAttr *attr, SipStringBuffer *buffer) {
+    return writeTo(buffer,
+                   [=](Output &out) { return writeKeyword(out, attributeRow(type), *attr); });
+}
+
+} // namespace
+
 extern "C" {
 
 SDPResult sdpLibEncodeAttribFields(uint32_t *pulFlag, SDPAttrList *pstList,
@@ -11,17 +21,27 @@ SDPResult sdpLibEncodeAttribFields(uint32_t *pulFlag, SDPAttrList *pstList,
 }
 
 SDPResult sdpLibEncodeAttribField(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeAttribute(out, *pstAttr); });
+    return writeTo(pstBuf, [=](Output &out) {
+        return writeAttribute(out, *pstAttr, shapeOf(pstAttr->ulAttrType));
+    });
 }
 
 SDPResult sdpLibEncodeAppAttribField(SDPAttr *pstAttr, SipStringBuffer *pstBuf,
                                      uint32_t *pbNameWritten) {
-    return writeTo(pstBuf,
-                   [=](Output &out) { return writeAttributeName(out, *pstAttr, *pbNameWritten); });
+    const Shape shape = shapeOf(pstAttr->ulAttrType);
+    if (shape != Shape::Precondition) {
+        *pbNameWritten = 1;
+    }
+    return writeTo(pstBuf, [=](Output &out) {
+        return isNamedByTable(shape) ? writeTableName(out, *pstAttr)
+                                     : writeWhole(out, pstAttr, shape);
+    });
 }
 
 SDPResult sdpLibEncodeDefinedAttribField(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeAttributeValue(out, *pstAttr); });
+    return writeTo(pstBuf, [=](Output &out) {
+        return writeAttributeValue(out, *pstAttr, shapeOf(pstAttr->ulAttrType));
+    });
 }
 
 SDPResult sdpLibEncodeAttribFieldRtpMap(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
@@ -30,11 +50,11 @@ SDPResult sdpLibEncodeAttribFieldRtpMap(SDPAttr *pstAttr, SipStringBuffer *pstBu
 }
 
 SDPResult sdpLibEncodeAttribFieldT38RateMgmt(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeT38RateManagement(out, pstAttr); });
+    return writeWordOf(SDP_ATTR_T38_RATE_MANAGEMENT, pstAttr, pstBuf);
 }
 
 SDPResult sdpLibEncodeAttribFieldT38UdpEc(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeT38UdpEc(out, pstAttr); });
+    return writeWordOf(SDP_ATTR_T38_UDP_EC, pstAttr, pstBuf);
 }
 
 SDPResult sdpLibEncodeAttribFieldT38SilenceSupp(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
@@ -50,7 +70,7 @@ SDPResult sdpLibEncodeAttribFieldIbpCp(SDPAttr *pstAttr, SipStringBuffer *pstBuf
 }
 
 SDPResult sdpLibEncodeAttribT120Setup(SDPAttr *pstAttr, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeSetup(out, pstAttr); });
+    return writeWordOf(SDP_ATTR_SETUP, pstAttr, pstBuf);
 }
 
 SDPResult sdpLibEncodeStatusAttribField(SDPRsrcMgmtStatus *pstStatus, uint32_t enAttrType,

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "encoder/precondition.hpp"
+#include "tables/attributes.hpp"
 
 namespace sdpline {
 
@@ -51,18 +52,14 @@ SDPLINE_INLINE SDPResult writeRtpMap(Output &out, SDPRtpMapAttr &rtpMap) {
 
 // ---- Media control
 
-inline bool isT38Flag(uint32_t type) {
-    return type >= SDP_ATTR_T38_FILL_BIT_REMOVAL && type <= SDP_ATTR_T38_TRANSCODING_JBIG;
-}
-
 // T.38 flags of 0 have no line in the styles that write a flag as its bare name.
-inline bool isLeftOut(const SDPAttr &attr) {
-    return isT38Flag(attr.ulAttrType) && g_gstSdpT38OptCfg < SDP_T38_STYLE_VALUE &&
+inline bool isLeftOut(const SDPAttr &attr, Shape shape) {
+    return shape == Shape::Switch && g_gstSdpT38OptCfg < SDP_T38_STYLE_VALUE &&
            attr.unAttrValue.ulValue == 0;
 }
 
 // [ ":" value ], where the refused ":" is no failure
-inline SDPResult writeT38Flag(Output &out, const SDPAttr *attr) {
+inline SDPResult writeSwitch(Output &out, const SDPAttr *attr) {
     if (g_gstSdpT38OptCfg != SDP_T38_STYLE_VALUE) {
         return 0;
     }
@@ -70,14 +67,13 @@ inline SDPResult writeT38Flag(Output &out, const SDPAttr *attr) {
     return out.number(attr->unAttrValue.ulValue);
 }
 
-// "localTCF" / "transferredTCF"
-inline SDPResult writeT38RateManagement(Output &out, const SDPAttr *attr) {
-    return appendKnownWord(out, kT38RateWords, attr->unAttrValue.ulValue);
-}
-
-// "t38UDPFEC" / "t38UDPRedundancy"
-inline SDPResult writeT38UdpEc(Output &out, const SDPAttr *attr) {
-    return appendKnownWord(out, kT38UdpEcWords, attr->unAttrValue.ulValue);
+// One of the row's words.
+SDPLINE_INLINE SDPResult writeKeyword(Output &out, const AttributeRow &row, const SDPAttr &attr) {
+    const uint32_t code = attr.unAttrValue.ulValue;
+    if (const Word *const word = findByCode(row.words, code)) {
+        return out.word(word->text);
+    }
+    return row.has(kUnknownRefused) ? fail(Check::SetupValue, code) : 0;
 }
 
 // ( "on" / "off" ) params, which bring their own blank
@@ -104,20 +100,11 @@ inline SDPResult writeIpBcp(Output &out, const SDPAttr *attr) {
     return appendWord(out, kIpBcpWritten, ipBcp.ucType, Check::IpBcpTypeValue);
 }
 
-// "passive" / "active" / "actpass"
-inline SDPResult writeSetup(Output &out, const SDPAttr *attr) {
-    return appendWord(out, kSetupWords, attr->unAttrValue.enT120Mode, Check::SetupValue);
-}
-
 // ---- Preconditions
 
 SDPLINE_INLINE SDPResult writeStatusName(Output &out, uint32_t type) {
-    switch (type) {
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF: return out.text(&sstrSdpAttrNames[type - 1]);
-    default: return fail(Check::WordAttrType, type);
-    }
+    return shapeOf(type) == Shape::Precondition ? out.text(&sstrSdpAttrNames[type - 1])
+                                                : fail(Check::WordAttrType, type);
 }
 
 // ( "curr:" / "des:" / "conf:" ) precondition-type [ SP strength-tag ] SP status-type
@@ -136,7 +123,7 @@ inline SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint3
         out.text(precondition.pstrOtherPrecondition);
     }
     out.character(' ');
-    if (type == SDP_ATTR_DES) {
+    if (attributeRow(type).has(kStrengthTag)) {
         if (writeStrengthTag(out, *status) != 0) {
             return fail(Check::StatusStrengthFailed, status->enStrengthTag);
         }
@@ -154,76 +141,72 @@ inline SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint3
 
 // ---- Every attribute
 
-// The name with its ":". Attributes that are kept by name, and the preconditions, are written
-// whole.
-SDPLINE_INLINE SDPResult writeAttributeName(Output &out, const SDPAttr &attr,
-                                            uint32_t &nameWritten) {
-    switch (attr.ulAttrType) {
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF:
-        return apart<writeStatus>(out, &attr.unAttrValue.stRsrcMgmtStatus, attr.ulAttrType);
-    case SDP_ATTR_UNREC_VALUE:
-        nameWritten = 1;
-        out.text(attr.pstAttrName);
-        out.character(':');
-        out.text(&attr.unAttrValue.strValue);
-        return 0;
-    case SDP_ATTR_UNREC_NOVALUE:
-        nameWritten = 1;
-        out.text(attr.pstAttrName);
-        return 0;
-    default: nameWritten = 1; return out.text(&sstrSdpAttrNames[attr.ulAttrType - 1]);
+// Whether the name comes from the table, and the value follows it.
+constexpr bool isNamedByTable(Shape shape) {
+    static_assert(Shape::Precondition < Shape::NamedText && Shape::NamedText < Shape::NameOnly);
+    return shape > Shape::None && shape < Shape::Precondition;
+}
+
+// name ":" value, where refused appends are no failure
+SDPLINE_INLINE SDPResult writeNamedText(Output &out, const SDPAttr &attr) {
+    out.text(attr.pstAttrName);
+    out.character(':');
+    out.text(&attr.unAttrValue.strValue);
+    return 0;
+}
+
+// An attribute that is kept by name, or a precondition: they are written whole.
+inline SDPResult writeWhole(Output &out, const SDPAttr *attr, Shape shape) {
+    switch (shape) {
+    case Shape::Precondition:
+        return writeStatus(out, &attr->unAttrValue.stRsrcMgmtStatus, attr->ulAttrType);
+    case Shape::NamedText: return writeNamedText(out, *attr);
+    case Shape::NameOnly: out.text(attr->pstAttrName); return 0;
+    default: return fail(Check::AttrTypeValue);
     }
 }
 
-SDPLINE_INLINE SDPResult writeAttributeValue(Output &out, SDPAttr &attr) {
-    switch (attr.ulAttrType) {
-    case SDP_ATTR_RTPMAP: writeRtpMap(out, attr.unAttrValue.stRtpMap); return 0;
-    case SDP_ATTR_PTIME:
-    case SDP_ATTR_MAXPTIME:
-    case SDP_ATTR_FRAMERATE:
-    case SDP_ATTR_QUALITY:
-    case SDP_ATTR_T38_FAX_VERSION:
-    case SDP_ATTR_T38_MAX_BIT_RATE:
-    case SDP_ATTR_T38_MAX_BUFFER:
-    case SDP_ATTR_T38_MAX_DATAGRAM: return out.number(attr.unAttrValue.ulValue);
-    case SDP_ATTR_FMTP:
-    case SDP_ATTR_CAT:
-    case SDP_ATTR_KEYWDS:
-    case SDP_ATTR_TOOL:
-    case SDP_ATTR_ORIENT:
-    case SDP_ATTR_TYPE:
-    case SDP_ATTR_CHARSET:
-    case SDP_ATTR_SDPLANG:
-    case SDP_ATTR_LANG: return out.text(&attr.unAttrValue.strValue);
-    case SDP_ATTR_T38_FILL_BIT_REMOVAL:
-    case SDP_ATTR_T38_TRANSCODING_MMR:
-    case SDP_ATTR_T38_TRANSCODING_JBIG: return apart<writeT38Flag>(out, &attr);
-    case SDP_ATTR_T38_RATE_MANAGEMENT: return apart<writeT38RateManagement>(out, &attr);
-    case SDP_ATTR_T38_UDP_EC: apart<writeT38UdpEc>(out, &attr); return 0;
-    case SDP_ATTR_SILENCE_SUPP: apart<writeSilenceSupp>(out, &attr); return 0;
-    case SDP_ATTR_ECAN: apart<writeEcan>(out, &attr); return 0;
-    case SDP_ATTR_IPBCP: return apart<writeIpBcp>(out, &attr);
-    case SDP_ATTR_SETUP: return apart<writeSetup>(out, &attr);
-    default: return 0;
+SDPLINE_INLINE SDPResult writeKeywordValue(Output &out, const SDPAttr &attr) {
+    const AttributeRow &row = attributeRow(attr.ulAttrType);
+    const SDPResult result = writeKeyword(out, row, attr);
+    return row.has(kResultDropped) ? 0 : result;
+}
+
+SDPLINE_INLINE SDPResult writeAttributeValue(Output &out, SDPAttr &attr, Shape shape) {
+    switch (shape) {
+    case Shape::Number:
+    case Shape::Decimal: return out.number(attr.unAttrValue.ulValue);
+    case Shape::Switch: return apart<writeSwitch>(out, &attr);
+    case Shape::Keyword: return writeKeywordValue(out, attr);
+    case Shape::Text: return out.text(&attr.unAttrValue.strValue);
+    case Shape::RtpMap: writeRtpMap(out, attr.unAttrValue.stRtpMap); return 0;
+    case Shape::SilenceSupp: apart<writeSilenceSupp>(out, &attr); return 0;
+    case Shape::Ecan: apart<writeEcan>(out, &attr); return 0;
+    case Shape::IpBcp: return apart<writeIpBcp>(out, &attr);
+    case Shape::None:
+    case Shape::Flag:
+    case Shape::Direction:
+    case Shape::Precondition:
+    case Shape::NamedText:
+    case Shape::NameOnly: break;
     }
+    return 0;
+}
+
+SDPLINE_INLINE SDPResult writeTableName(Output &out, const SDPAttr &attr) {
+    return out.text(&sstrSdpAttrNames[attr.ulAttrType - 1]);
 }
 
 // attribute = name [ ":" value ]
-SDPLINE_INLINE SDPResult writeAttribute(Output &out, SDPAttr &attr) {
-    if (attr.ulAttrType < SDP_ATTR_RTPMAP || attr.ulAttrType > SDP_ATTR_SETUP) {
-        return fail(Check::AttrTypeValue);
+SDPLINE_INLINE SDPResult writeAttribute(Output &out, SDPAttr &attr, Shape shape) {
+    if (!isNamedByTable(shape)) {
+        return shape == Shape::NamedText ? writeNamedText(out, attr)
+                                         : apart<writeWhole>(out, &attr, shape);
     }
-    uint32_t nameWritten = 0;
-    const SDPResult result = writeAttributeName(out, attr, nameWritten);
-    if (nameWritten == 0) {
-        return result;
-    }
-    if (result != 0) {
+    if (const SDPResult result = writeTableName(out, attr)) {
         return passUp(Check::AttrNameAppend, result);
     }
-    return writeAttributeValue(out, attr);
+    return writeAttributeValue(out, attr, shape);
 }
 
 // *( a= attribute CRLF )
@@ -231,11 +214,12 @@ SDPLINE_INLINE SDPResult writeAttributes(Output &out, const uint32_t *flag,
                                          const SDPAttrList *list) {
     for (uint32_t i = 0; i < list->ulNoOfAttrs; ++i) {
         SDPAttr &attr = *list->ppstAttrs[i];
-        if (isLeftOut(attr)) {
+        const Shape shape = shapeOf(attr.ulAttrType);
+        if (isLeftOut(attr, shape)) {
             continue;
         }
         appendPrefix(out, flag, 'a');
-        writeAttribute(out, attr);
+        writeAttribute(out, attr, shape);
         out.lineEnd();
     }
     return 0;

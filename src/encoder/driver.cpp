@@ -109,7 +109,8 @@ SDPResult mediaLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) 
 SDPResult attributeLine(char key, uint32_t *flag, void *field, SipStringBuffer *buffer) {
     return writeTo(buffer, [=](Output &out) {
         appendPrefix(out, flag, key);
-        writeAttribute(out, *static_cast<SDPAttr *>(field));
+        auto &attr = *static_cast<SDPAttr *>(field);
+        writeAttribute(out, attr, shapeOf(attr.ulAttrType));
         return out.lineEnd();
     });
 }

@@ -58,11 +58,11 @@ SDPLINE_INLINE constexpr uint32_t fourBytes(const char *bytes) {
 
 // A table of N names. Of equal names the last row counts.
 template <size_t N>
-class Names {
+class PerfectHash {
     static_assert(N < 255, "rows are kept in bytes");
 
 public:
-    constexpr explicit Names(const std::array<std::string_view, N> &names) {
+    constexpr explicit PerfectHash(const std::array<std::string_view, N> &names) {
         for (size_t row = 0; row < N; ++row) {
             names_[row] = names[row];
         }

@@ -76,7 +76,7 @@ namespace {
 
 constexpr uint32_t kProfiles = 35;
 
-constexpr Names<kProfiles> kNames([] {
+constexpr PerfectHash<kProfiles> kNames([] {
     std::array<std::string_view, kProfiles> names;
     for (uint32_t row = 0; row < kProfiles; ++row) {
         names[row] = {g_aStrRtpmapProfiles[row].pcData, g_aStrRtpmapProfiles[row].ulLen};

@@ -1,0 +1,115 @@
+/*
+ * attributes.hpp: what every type of attribute is: its name, the shape of its value and its
+ * keywords, one row each (attributes.def). Parser, encoder, copy, C++ API and program go by the
+ * shape: an attribute of a known shape is a row and no code.
+ */
+#ifndef SDPLINE_DETAIL_ATTRIBUTES_HPP
+#define SDPLINE_DETAIL_ATTRIBUTES_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "sdpline/cpp/detail/keywords.hpp"
+#include "sdpline/sdprecords.h"
+
+namespace sdpline::tables {
+
+/* The value of an attribute: which member of unAttrValue holds it, and what its text looks like. */
+enum class Shape : std::uint8_t {
+    None,         /* no type of attribute */
+    Flag,         /* no value */
+    Direction,    /* no value: which way the media flows */
+    Number,       /* ulValue: digits */
+    Decimal,      /* ulValue: digits with a fraction, which is dropped */
+    Switch,       /* ulValue: nothing or ":" and digits; nothing is read as 1 */
+    Keyword,      /* ulValue: one of the row's words */
+    Text,         /* strValue: the rest of the line */
+    RtpMap,       /* stRtpMap */
+    SilenceSupp,  /* stSilenceSupp */
+    Ecan,         /* stEcan */
+    IpBcp,        /* stIpBcp */
+    Precondition, /* stRsrcMgmtStatus */
+    NamedText,    /* strValue, under the name in pstAttrName */
+    NameOnly      /* no value, but the name in pstAttrName */
+};
+
+/* What a row does otherwise than its shape: a set of these. */
+enum Exception : std::uint8_t {
+    kRegular = 0,
+    kAnyCase = 1 << 0,        /* the name is known in any case of its letters */
+    kPacketChecks = 1 << 1,   /* a number that is refused by the checks of ptime, */
+    kQualityChecks = 1 << 2,  /* by those of quality; all others by those of T.38 */
+    kRestOfLine = 1 << 3,     /* the keyword is the rest of the line, not a word */
+    kUnknownRefused = 1 << 4, /* a code without a word is refused, not written as nothing */
+    kResultDropped = 1 << 5,  /* an append of the value that is refused is no failure */
+    kStrengthTag = 1 << 6     /* a precondition with a strength */
+};
+
+struct AttributeRow {
+    std::uint32_t type;
+    std::string_view name; /* as it is written: with its colon where a value follows */
+    Shape shape;
+    std::uint8_t exceptions;
+    std::span<const KeywordRow> words;
+
+    constexpr bool has(Exception exception) const { return (exceptions & exception) != 0; }
+
+    constexpr std::string_view bareName() const {
+        return name.ends_with(':') ? name.substr(0, name.size() - 1) : name;
+    }
+};
+
+inline constexpr std::span<const KeywordRow> kNoWords;
+
+/* Indexed by type. The first row is that of no type. */
+inline constexpr auto kAttributes = std::to_array<AttributeRow>({
+    {0, {}, Shape::None, kRegular, {}},
+#define ATTRIBUTE(type, enumerator, name, shape, words, exceptions)                                \
+    {type, name, Shape::shape, exceptions, words},
+#include "sdpline/cpp/detail/attributes.def"
+#undef ATTRIBUTE
+});
+
+inline constexpr std::uint32_t kLastAttribute = SDP_ATTR_UNKNOWN - 1;
+
+/* The row of a type; that of no type for numbers that are none. */
+constexpr const AttributeRow &attributeRow(std::uint32_t type) {
+    return kAttributes[type <= kLastAttribute ? type : 0];
+}
+
+/* The shapes alone, a byte each: most that goes by the table needs no more of it. */
+inline constexpr auto kShapes = [] {
+    std::array<Shape, kAttributes.size()> shapes{};
+    for (std::size_t type = 0; type < shapes.size(); ++type) {
+        shapes[type] = kAttributes[type].shape;
+    }
+    return shapes;
+}();
+
+constexpr Shape shapeOf(std::uint32_t type) {
+    return type <= kLastAttribute ? kShapes[type] : Shape::None;
+}
+
+/* A row holds what its shape asks for, and the records have room for it. */
+constexpr bool isComplete(const AttributeRow &row, std::size_t index) {
+    const bool kept = row.shape == Shape::NamedText || row.shape == Shape::NameOnly;
+    return row.type == index && (row.shape == Shape::None) == (index == 0) &&
+           row.words.empty() == (row.shape != Shape::Keyword) && kept == (row.name == " ");
+}
+static_assert([] {
+    for (std::size_t index = 0; index < kAttributes.size(); ++index) {
+        if (!isComplete(kAttributes[index], index)) {
+            return false;
+        }
+    }
+    return kAttributes.size() == kLastAttribute + 1;
+}());
+static_assert(sizeof(SDPAttr::unAttrValue.ulValue) == sizeof(std::uint32_t) &&
+              sizeof(SDPAttr::unAttrValue.enT120Mode) == sizeof(std::uint32_t));
+
+} // namespace sdpline::tables
+
+#endif
