@@ -1,6 +1,6 @@
 // The failing checks of the library: every way an operation can refuse its work is one row.
 //
-// The rows stand in src/checks/*.def, one file per source file that makes them. A site
+// The rows are in src/checks/*.def, one file per source file that makes them. A site
 // says `return fail(Check::OctetRange)`: the row is logged if it is a logged one, and its result
 // code is the answer.
 #pragma once

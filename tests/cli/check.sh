@@ -24,7 +24,7 @@ TEXT
 expect "bytes that are dropped count" 1 refused nothing -- "$program" check dropped.sdp
 printf 'v=0\no=- 1 2 IN IP4 x\n' >short.sdp
 cat >refused <<'TEXT'
-short.sdp:3:1: error: the line behind o= is not an s= line [StartName]
+short.sdp:3:1: error: expected an s= line after the o= line [StartName]
     3 | 
       | ^
 nothing:1: error: the body is empty [ParseArgument]
@@ -83,19 +83,19 @@ cat >refused <<'TEXT'
 many.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
-many.sdp:6:11: error: the line goes on behind the number [PacketEnd] (line judged on its own)
+many.sdp:6:11: error: unexpected text after the number [PacketEnd] (line judged on its own)
     6 | a=ptime:20.5
       |           ^
 many.sdp:7:1: error: no line of SDP begins like this [LineKind] (line judged on its own)
     7 | f=1
       | ^
-many.sdp:9:24: error: a payload number is not a number [Payload] (line judged on its own)
+many.sdp:9:24: error: expected a payload number [Payload] (line judged on its own)
     9 | m=audio 5004 RTP/AVP 0 x
       |                        ^
-many.sdp:10:21: error: no "/" behind the encoding name [RtpmapSlash] (line judged on its own)
+many.sdp:10:21: error: expected "/" after the encoding name [RtpmapSlash] (line judged on its own)
    10 | a=rtpmap:97 AMR 8000
       |                     ^
-many.sdp:11:11: error: the strength is none of mandatory, optional, none, failure and unknown [StrengthWord] (line judged on its own)
+many.sdp:11:11: error: expected mandatory, optional, none, failure or unknown as the strength [StrengthWord] (line judged on its own)
    11 | a=des:qos e2e sendrecv
       |           ^
 checked 1 body in 1 file: 1 refused
@@ -113,7 +113,7 @@ SDP
 expect "--every-line takes no RTP/AVPF" 1 '~^avpf.sdp:5:24: error: ' nothing -- \
   "$program" check --every-line avpf.sdp
 cat >refused <<'TEXT'
-avpf.sdp:4:1: error: this line may not follow the s= line [AfterName]
+avpf.sdp:4:1: error: unexpected line after the s= line [AfterName]
     4 | s=twice
       | ^
 checked 1 body in 1 file: 1 refused

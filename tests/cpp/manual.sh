@@ -29,7 +29,7 @@ t=0 0
 m=video 0 RTP/AVP 31
 m=audio 7 RTP/AVP 0
 a=recvonly
-3:3: the line has no value
+3:3: expected a value after the "=" of the line
 TEXT
 cd "$work"
 "$cxx" -std=c++20 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -I"$source/include" \
