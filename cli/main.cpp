@@ -5,32 +5,27 @@
 
 namespace {
 
-constexpr int kUsage = 2;
+constexpr cli::Program kProgram = {
+    "sdpline", "Reads the SDP bodies of SIP messages.", "sdpline " SDPLINE_VERSION,
+    "Each subcommand has --help and examples. Colour is used on terminals only, and not\n"
+    "when NO_COLOR is set."};
 
 } // namespace
 
 int main(int argc, char **argv) {
     std::ios::sync_with_stdio(false);
-    CLI::App app("Reads the SDP bodies of SIP messages.", "sdpline");
-    app.require_subcommand(1);
-    app.set_version_flag("--version", "sdpline " SDPLINE_VERSION);
-    app.footer(
-        "Each subcommand has --help and examples. Colour is used on terminals only, and not\n"
-        "when NO_COLOR is set.");
-
     cli::Outcome outcome;
-    cli::addDecode(app, outcome);
-    cli::addFormat(app, outcome);
-    cli::addEncode(app, outcome);
-    cli::addCheck(app, outcome);
-    cli::addDiff(app, outcome);
-    cli::addExplain(app, outcome);
-    cli::addProfiles(app, outcome);
-
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : kUsage;
+    const auto addCommands = [&outcome](CLI::App &app) {
+        cli::addDecode(app, outcome);
+        cli::addFormat(app, outcome);
+        cli::addEncode(app, outcome);
+        cli::addCheck(app, outcome);
+        cli::addDiff(app, outcome);
+        cli::addExplain(app, outcome);
+        cli::addProfiles(app, outcome);
+    };
+    if (int status = 0; !cli::readCommandLine(kProgram, argc, argv, addCommands, status)) {
+        return status;
     }
     std::cout.flush();
     if (!std::cout) {

@@ -151,24 +151,25 @@ int run(const Options &options) {
 
 void addCheck(CLI::App &app, Outcome &outcome) {
     const auto options = std::make_shared<Options>();
-    CLI::App *const command =
-        app.add_subcommand("check", "Say which bodies are refused, where and why.");
-    addPaths(*command, options->decode, "SDP, SIP messages that carry it, or folders of both");
-    command->add_flag("--every-line", options->everyLine,
-                      "Judge the lines behind the refused one, each on its own");
-    command->add_flag("--json", options->decode.json, "Print one JSON document");
-    addAvpf(*command, options->decode.avpf);
-    addRedact(*command, options->decode.redact);
-    command->footer("Examples:\n"
+    CLI::App &command =
+        addCommand(app,
+                   {"check", "Say which bodies are refused, where and why.",
+                    "Examples:\n"
                     "  sdpline check offer.sip\n"
                     "  sdpline check --every-line --redact trace.txt\n"
                     "  sdpline check captures/ --json\n\n"
                     "Exit status: 0 when every body is accepted, 1 when one is refused, 2 when\n"
-                    "something could not be read.");
-    command->callback([options, &outcome] {
-        outcome.trouble = kUnreadable;
-        outcome.status = run(*options);
-    });
+                    "something could not be read."},
+                   [options, &outcome] {
+                       outcome.trouble = kUnreadable;
+                       outcome.status = run(*options);
+                   });
+    addPaths(command, options->decode, "SDP, SIP messages that carry it, or folders of both");
+    addFlag(command, "--every-line", options->everyLine,
+            "Judge the lines behind the refused one, each on its own");
+    addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addAvpf(command, options->decode.avpf);
+    addRedact(command, options->decode.redact);
 }
 
 } // namespace cli

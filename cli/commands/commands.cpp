@@ -9,27 +9,23 @@
 namespace cli {
 
 void addPaths(CLI::App &command, DecodeOptions &options, const std::string &what) {
-    command.add_option("FILE", options.paths, what + "; - is standard input")->type_name("");
+    addWords(command, "FILE", options.paths, what + "; - is standard input");
 }
 
 void addAvpf(CLI::App &command, bool &avpf) {
-    command.add_flag("--avpf", avpf, "Take RTP/AVPF for a protocol of its own");
+    addFlag(command, "--avpf", avpf, "Take RTP/AVPF for a protocol of its own");
 }
 
 void addRedact(CLI::App &command, bool &redact) {
-    command.add_flag("--redact", redact,
-                     "Mask addresses, names, keys and credentials, equal ones equally");
+    addFlag(command, "--redact", redact,
+            "Mask addresses, names, keys and credentials, equal ones equally");
 }
 
 void addWriteOptions(CLI::App &command, WriteOptions &options) {
-    command.add_option("--line-end", options.lineEnd, "Line end: crlf (the default), lf or cr")
-        ->check(CLI::IsMember({"crlf", "lf", "cr"}).description(""))
-        ->type_name("END");
-    command
-        .add_option("--t38", options.t38Style,
-                    "T.38 flags: 0 and 1 write the names of those set, 2 writes name:value")
-        ->check(CLI::Range(SDP_T38_STYLE_FLAG, SDP_T38_STYLE_VALUE).description(""))
-        ->type_name("STYLE");
+    addChoice(command, "--line-end", options.lineEnd, "END", {"crlf", "lf", "cr"},
+              "Line end: crlf (the default), lf or cr");
+    addNumber(command, "--t38", options.t38Style, "STYLE", SDP_T38_STYLE_FLAG, SDP_T38_STYLE_VALUE,
+              "T.38 flags: 0 and 1 write the names of those set, 2 writes name:value");
 }
 
 void configure(const WriteOptions &options) {

@@ -2,13 +2,13 @@
 // leaves the exit status.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "commands/options.hpp"
 #include "redact/redact.hpp"
 #include "sdpline/sdpline.h"
 

@@ -31,18 +31,20 @@ int run(const DecodeOptions &options) {
 
 void addDecode(CLI::App &app, Outcome &outcome) {
     const auto options = std::make_shared<DecodeOptions>();
-    CLI::App *const command = app.add_subcommand("decode", "Print decoded bodies as trees.");
-    addPaths(*command, *options, "SDP, or SIP messages that carry it");
-    command->add_flag("--json", options->json,
-                      "Print JSON that holds every field, one document for each body");
-    addAvpf(*command, options->avpf);
-    addRedact(*command, options->redact);
-    command->footer("Examples:\n"
+    CLI::App &command =
+        addCommand(app,
+                   {"decode", "Print decoded bodies as trees.",
+                    "Examples:\n"
                     "  sdpline decode offer.sip\n"
                     "  sdpline decode --json offer.sdp | jq '.media[].port'\n"
                     "  sdpline decode --redact trace.txt\n\n"
-                    "Exit status: 0, or 1 when a body was refused or could not be read.");
-    command->callback([options, &outcome] { outcome.status = run(*options); });
+                    "Exit status: 0, or 1 when a body was refused or could not be read."},
+                   [options, &outcome] { outcome.status = run(*options); });
+    addPaths(command, *options, "SDP, or SIP messages that carry it");
+    addFlag(command, "--json", options->json,
+            "Print JSON that holds every field, one document for each body");
+    addAvpf(command, options->avpf);
+    addRedact(command, options->redact);
 }
 
 } // namespace cli

@@ -97,24 +97,24 @@ int run(const Options &options) {
 
 void addDiff(CLI::App &app, Outcome &outcome) {
     const auto options = std::make_shared<Options>();
-    CLI::App *const command = app.add_subcommand("diff", "Say what differs between two bodies.");
-    command->add_option("A", options->first, "A file with one body; - is standard input")
-        ->required()
-        ->type_name("");
-    command->add_option("B", options->second, "Another one")->required()->type_name("");
-    command->add_flag("--json", options->json, "Print one JSON document");
-    addAvpf(*command, options->avpf);
-    command->footer("Media descriptions are paired by their place. Direction and connection are\n"
+    CLI::App &command =
+        addCommand(app,
+                   {"diff", "Say what differs between two bodies.",
+                    "Media descriptions are paired by their place. Direction and connection are\n"
                     "compared as they are in force; the order of attributes, line ends and the\n"
                     "spelling of addresses make no difference.\n\n"
                     "Examples:\n"
                     "  sdpline diff offer.sdp answer.sdp\n"
                     "  sdpline diff --json before.sip after.sip\n\n"
-                    "Exit status: 0 when they are the same, 1 when they differ, 2 on trouble.");
-    command->callback([options, &outcome] {
-        outcome.trouble = kTrouble;
-        outcome.status = run(*options);
-    });
+                    "Exit status: 0 when they are the same, 1 when they differ, 2 on trouble."},
+                   [options, &outcome] {
+                       outcome.trouble = kTrouble;
+                       outcome.status = run(*options);
+                   });
+    addRequired(command, "A", options->first, "A file with one body; - is standard input");
+    addRequired(command, "B", options->second, "Another one");
+    addFlag(command, "--json", options->json, "Print one JSON document");
+    addAvpf(command, options->avpf);
 }
 
 } // namespace cli

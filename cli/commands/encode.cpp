@@ -105,18 +105,18 @@ int run(const Options &options) {
 
 void addEncode(CLI::App &app, Outcome &outcome) {
     const auto options = std::make_shared<Options>();
-    CLI::App *const command =
-        app.add_subcommand("encode", "Write bodies from the JSON that decode prints.");
-    command->add_option("FILE", options->paths, "JSON documents; - is standard input")
-        ->type_name("");
-    addWriteOptions(*command, options->write);
-    command->footer("Several bodies are written with an empty line between them.\n\n"
+    CLI::App &command =
+        addCommand(app,
+                   {"encode", "Write bodies from the JSON that decode prints.",
+                    "Several bodies are written with an empty line between them.\n\n"
                     "Examples:\n"
                     "  sdpline encode offer.json > offer.sdp\n"
                     "  sdpline decode --json offer.sip | sdpline encode\n"
                     "  sdpline decode --json a.sdp | jq '.media[0].port = 0' | sdpline encode\n\n"
-                    "Exit status: 0, or 1 when a document is no body or could not be read.");
-    command->callback([options, &outcome] { outcome.status = run(*options); });
+                    "Exit status: 0, or 1 when a document is no body or could not be read."},
+                   [options, &outcome] { outcome.status = run(*options); });
+    addWords(command, "FILE", options->paths, "JSON documents; - is standard input");
+    addWriteOptions(command, options->write);
 }
 
 } // namespace cli

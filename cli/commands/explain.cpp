@@ -138,28 +138,26 @@ int run(const Options &options) {
 
 void addExplain(CLI::App &app, Outcome &outcome) {
     const auto options = std::make_shared<Options>();
-    CLI::App *const command =
-        app.add_subcommand("explain", "Say what result codes of the library mean.");
-    command->add_option("CODE", options->codes, "Result codes, hexadecimal or decimal")
-        ->type_name("");
-    command
-        ->add_option("--file-base", options->fileBase,
-                     "The stack's base of file numbers (0 by default)")
-        ->type_name("N");
-    command->add_flag("--list", options->list, "Print every code of the library");
-    command->footer("Examples:\n"
+    CLI::App &command =
+        addCommand(app,
+                   {"explain", "Say what result codes of the library mean.",
+                    "Examples:\n"
                     "  sdpline explain 0x05035065\n"
                     "  sdpline explain 84103269 --file-base 0\n"
                     "  sdpline explain --list | grep rtpmap\n\n"
                     "Exit status: 0, 1 when a code is none of the library's, 2 when it is no\n"
-                    "number.");
-    command->callback([options, &outcome] {
-        if (options->codes.empty() && !options->list) {
-            throw CLI::RequiredError("CODE");
-        }
-        outcome.trouble = kNoNumber;
-        outcome.status = run(*options);
-    });
+                    "number."},
+                   [options, &outcome] {
+                       if (options->codes.empty() && !options->list) {
+                           requireOperand("CODE");
+                       }
+                       outcome.trouble = kNoNumber;
+                       outcome.status = run(*options);
+                   });
+    addWords(command, "CODE", options->codes, "Result codes, hexadecimal or decimal");
+    addWord(command, "--file-base", options->fileBase, "N",
+            "The stack's base of file numbers (0 by default)");
+    addFlag(command, "--list", options->list, "Print every code of the library");
 }
 
 } // namespace cli

@@ -36,18 +36,20 @@ int run(const Options &options) {
 
 void addFormat(CLI::App &app, Outcome &outcome) {
     const auto options = std::make_shared<Options>();
-    CLI::App *const command = app.add_subcommand("format", "Decode bodies and write them back.");
-    addPaths(*command, options->decode, "SDP, or SIP messages that carry it");
-    addWriteOptions(*command, options->write);
-    addAvpf(*command, options->decode.avpf);
-    addRedact(*command, options->decode.redact);
-    command->footer("Several bodies are written with an empty line between them.\n\n"
+    CLI::App &command =
+        addCommand(app,
+                   {"format", "Decode bodies and write them back.",
+                    "Several bodies are written with an empty line between them.\n\n"
                     "Examples:\n"
                     "  sdpline format offer.sip > offer.sdp\n"
                     "  sdpline format --line-end lf --t38 2 fax.sdp\n"
                     "  sdpline format --redact offer.sip\n\n"
-                    "Exit status: 0, or 1 when a body was refused or could not be read.");
-    command->callback([options, &outcome] { outcome.status = run(*options); });
+                    "Exit status: 0, or 1 when a body was refused or could not be read."},
+                   [options, &outcome] { outcome.status = run(*options); });
+    addPaths(command, options->decode, "SDP, or SIP messages that carry it");
+    addWriteOptions(command, options->write);
+    addAvpf(command, options->decode.avpf);
+    addRedact(command, options->decode.redact);
 }
 
 } // namespace cli

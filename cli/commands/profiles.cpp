@@ -70,20 +70,20 @@ std::vector<Profile> profiles() {
 
 void addProfiles(CLI::App &app, Outcome &outcome) {
     const auto json = std::make_shared<bool>(false);
-    CLI::App *const command =
-        app.add_subcommand("profiles", "Print the static RTP payload profiles.");
-    command->add_flag("--json", *json, "Print one JSON document");
-    command->footer(
-        "A profile is what an a=rtpmap line's name is recognised as; a payload type is\n"
-        "given where RFC 3551 has one. L8, RED and VDVI have no clock rate of their\n"
-        "own.\n\n"
-        "Examples:\n"
-        "  sdpline profiles\n"
-        "  sdpline profiles --json | jq '.[] | select(.payload == 18)'");
-    command->callback([json, &outcome] {
-        outcome.status = 0;
-        *json ? printJson() : printText();
-    });
+    CLI::App &command = addCommand(
+        app,
+        {"profiles", "Print the static RTP payload profiles.",
+         "A profile is what an a=rtpmap line's name is recognised as; a payload type is\n"
+         "given where RFC 3551 has one. L8, RED and VDVI have no clock rate of their\n"
+         "own.\n\n"
+         "Examples:\n"
+         "  sdpline profiles\n"
+         "  sdpline profiles --json | jq '.[] | select(.payload == 18)'"},
+        [json, &outcome] {
+            outcome.status = 0;
+            *json ? printJson() : printText();
+        });
+    addFlag(command, "--json", *json, "Print one JSON document");
 }
 
 } // namespace cli
