@@ -22,7 +22,7 @@ a=rtcp:53020 IN IP4 10.1.2.3
 SDP
 file masked.sdp <<'SDP'
 v=0
-o=user1 1 2 IN IP4 198.18.0.1
+o=user1 1 1 IN IP4 198.18.0.1
 s=call with email1@redacted.invalid at 198.18.0.1:5060
 e=email2@redacted.invalid
 p=phone1
@@ -67,7 +67,7 @@ expect "check --json" 1 '~"text": "a=ice-pwd secret1"' nothing -- \
 sed 's/^o=.*/o=alicia 1 2 IN IP4 10.1.2.3 \r/' call.sdp >origin.sdp
 cat >refused <<'TEXT'
 origin.sdp:2:31: error: unexpected text after the address [OriginEnd]
-    2 | o=user1 1 2 IN IP4 198.18.0.1 
+    2 | o=user1 1 1 IN IP4 198.18.0.1 
       |                              ^
 checked 1 body in 1 file: 1 refused
 TEXT

@@ -1,11 +1,11 @@
 // A decoded body with masks in its records. The rules are those of the text: every value is looked
 // at as the line it came from.
-#include <array>
 #include <cstring>
 
 #include <arpa/inet.h>
 
 #include "output/text.hpp"
+#include "redact/linemasks.hpp"
 #include "redact/redact.hpp"
 
 namespace cli {
@@ -17,8 +17,7 @@ public:
     RecordRedactor(SDPMemCp &memory, Redactor &redactor) : memory_(memory), redactor_(redactor) {}
 
     void body(SdpLine &line) {
-        store(line.stOrigin.strUserName, redactor_.user(view(line.stOrigin.strUserName)));
-        store(line.stOrigin.strAddress, redactor_.address(view(line.stOrigin.strAddress)));
+        origin(line.stOrigin);
         text("s=", &line.strSessionName);
         text("i=", line.pstrSessionInfo);
         text("u=", line.pstrUri);
@@ -35,6 +34,14 @@ public:
     }
 
 private:
+    void origin(SDPOrigin &origin) {
+        Masks &masks = redactor_.masks();
+        text("o=", &origin.strUserName);
+        store(origin.strSessionId, masks.sessionId(view(origin.strSessionId)));
+        store(origin.strSessionVersion, masks.sessionVersion(view(origin.strSessionVersion)));
+        store(origin.strAddress, addressMask(view(origin.strAddress), masks));
+    }
+
     void media(SDPMediaDesc &desc) {
         SDPMediaField &field = desc.stMediaField;
         text("m=", field.stMedia.pstrOtherMedia);
@@ -66,15 +73,7 @@ private:
         if (value == nullptr) {
             return;
         }
-        std::vector<Edit> edits = redactor_.editsOf(prefix + std::string(view(*value)));
-        std::vector<Edit> ofValue;
-        for (Edit &edit : edits) {
-            if (edit.begin >= prefix.size()) {
-                ofValue.push_back(
-                    {edit.begin - prefix.size(), edit.end - prefix.size(), std::move(edit.with)});
-            }
-        }
-        store(*value, applied(view(*value), ofValue));
+        store(*value, redactor_.redactedAfter(prefix, view(*value)));
     }
 
     void texts(const std::string &prefix, const SDPStringList *list) {
@@ -95,10 +94,10 @@ private:
         }
         auto &address = value->stTptAddr.unTptAddr;
         if (value->stTptAddr.enTptAddrType == SDP_TPTADDR_IPV4) {
-            const std::string mask = redactor_.ipv4(std::to_array(address.aucIpv4));
+            const std::string mask = redactor_.masks().ipv4(std::to_array(address.aucIpv4));
             inet_pton(AF_INET, mask.c_str(), address.aucIpv4);
         } else if (value->stTptAddr.enTptAddrType == SDP_TPTADDR_IPV6) {
-            const std::string mask = redactor_.ipv6(std::to_array(address.aucIpv6));
+            const std::string mask = redactor_.masks().ipv6(std::to_array(address.aucIpv6));
             inet_pton(AF_INET6, mask.c_str(), address.aucIpv6);
         }
     }
