@@ -1,6 +1,7 @@
 // sdpline diff: what differs between two bodies.
 #include "commands/commands.hpp"
 
+#include <algorithm>
 #include <iostream>
 
 #include "compare/difference.hpp"
@@ -22,25 +23,38 @@ struct Options {
     std::string second;
     bool json = false;
     bool avpf = false;
+    bool redact = false;
 };
 
-// The one body of the file; null when there is not exactly one, or it is refused.
-Body bodyOf(const std::string &path) {
+// The one body of the file, whose values get their masks; none when there is not exactly one, or it
+// is refused.
+std::optional<sdpline::Body> bodyOf(const std::string &path, Redactor &redactor) {
     const Inputs inputs = readInputs({path});
     if (!inputs.complete) {
-        return nullptr;
+        return std::nullopt;
     }
     if (inputs.bodies.size() != 1) {
         std::cerr << "sdpline: " << inputs.sources.front().name() << ": holds "
                   << inputs.bodies.size() << " bodies, not one\n";
-        return nullptr;
+        return std::nullopt;
     }
     const Found &found = inputs.bodies.front();
     Decoded decoded = decodeBody(found.text());
     if (!decoded.body) {
         std::cerr << shortText(found, diagnosticOf(decoded, found.place)) << '\n';
+        return std::nullopt;
     }
-    return std::move(decoded.body);
+    redactor.learn(found.text());
+    return sdpline::Body::adopt(decoded.body.release());
+}
+
+void mask(Change &change, Redactor &redactor) {
+    change.mediaType = redactor.redactedAfter("m=", change.mediaType);
+    for (std::optional<std::string> *const text : {&change.from, &change.to}) {
+        if (*text) {
+            *text = redactor.redactedAfter(change.before, **text);
+        }
+    }
 }
 
 void printText(const std::vector<Change> &changes) {
@@ -83,12 +97,16 @@ void printJson(const std::vector<Change> &changes) {
 
 int run(const Options &options) {
     SdpSetSupMedProtoRtpAvpf(options.avpf ? 1 : 0);
-    const Body first = bodyOf(options.first);
-    const Body second = bodyOf(options.second);
+    Redactor redactor;
+    const std::optional<sdpline::Body> first = bodyOf(options.first, redactor);
+    const std::optional<sdpline::Body> second = bodyOf(options.second, redactor);
     if (!first || !second) {
         return kTrouble;
     }
-    const std::vector<Change> changes = differences(*first, *second);
+    std::vector<Change> changes = differences(*first, *second);
+    if (options.redact) {
+        std::ranges::for_each(changes, [&](Change &change) { mask(change, redactor); });
+    }
     options.json ? printJson(changes) : printText(changes);
     return changes.empty() ? 0 : kDifferent;
 }
@@ -105,7 +123,8 @@ void addDiff(CLI::App &app, Outcome &outcome) {
                     "spelling of addresses make no difference.\n\n"
                     "Examples:\n"
                     "  sdpline diff offer.sdp answer.sdp\n"
-                    "  sdpline diff --json before.sip after.sip\n\n"
+                    "  sdpline diff --json before.sip after.sip\n"
+                    "  sdpline diff --redact before.sip after.sip\n\n"
                     "Exit status: 0 when they are the same, 1 when they differ, 2 on trouble."},
                    [options, &outcome] {
                        outcome.trouble = kTrouble;
@@ -115,6 +134,7 @@ void addDiff(CLI::App &app, Outcome &outcome) {
     addRequired(command, "B", options->second, "Another one");
     addFlag(command, "--json", options->json, "Print one JSON document");
     addAvpf(command, options->avpf);
+    addRedact(command, options->redact);
 }
 
 } // namespace cli

@@ -3,9 +3,6 @@
 #include <algorithm>
 
 #include "commands/profiles.hpp"
-#include "input/body.hpp"
-#include "output/text.hpp"
-#include "tables/keywords.hpp"
 
 namespace cli {
 
@@ -14,124 +11,94 @@ namespace {
 using Texts = std::vector<std::string>;
 using OptionalText = std::optional<std::string>;
 
-// ---- Records as text
+// ---- Lines as text
 
-// The value of a line, "0 0" of "t=0 0".
-std::string valueOf(uint32_t lineType, void *record) {
-    const std::string line = encodeLine(lineType, record);
-    return line.size() > 2 ? line.substr(2) : "";
+OptionalText textOf(std::optional<std::string_view> text) {
+    return text ? OptionalText(*text) : std::nullopt;
 }
 
-OptionalText optionalText(const SipString *text) {
-    return text != nullptr ? OptionalText(view(*text)) : std::nullopt;
-}
-
-OptionalText keyText(const SDPKey *key) {
-    return key != nullptr ? OptionalText(view(key->strKey)) : std::nullopt;
-}
-
-OptionalText connectionText(SDPConnection *connection) {
-    return connection != nullptr ? OptionalText(valueOf(SDP_LINE_CONNECTION, connection))
-                                 : std::nullopt;
-}
-
-Texts textsOf(const SDPStringList *list) {
-    Texts texts;
-    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfStrings; ++i) {
-        texts.emplace_back(view(*list->ppstStrings[i]));
+OptionalText textOf(const std::optional<sdpline::Connection> &connection) {
+    if (!connection) {
+        return std::nullopt;
     }
-    return texts;
+    std::string text = std::string(connection->netType.text()) + ' ' +
+                       std::string(connection->addressType.text()) + ' ' +
+                       connection->address.text();
+    for (const std::optional<uint32_t> &number : {connection->ttl, connection->addressCount}) {
+        text += number ? '/' + std::to_string(*number) : "";
+    }
+    return text;
 }
 
-Texts timesOf(const SDPTimeSet &set) {
+Texts textsOf(const sdpline::Texts &list) {
+    return {list.begin(), list.end()};
+}
+
+// "0 0", with " r=7d 1h 0s" for every r= line.
+Texts textsOf(const sdpline::Times &times) {
     Texts texts;
-    for (uint32_t i = 0; i < set.ulNoOfTimeFields; ++i) {
-        SDPTimeField &time = *set.ppstTimeFields[i];
-        std::string text = valueOf(SDP_LINE_TIME, &time);
-        const SDPRepeatFieldSet *const repeats = time.pstRepeatFieldSet;
-        for (uint32_t r = 0; repeats != nullptr && r < repeats->ulNoOfRepeatFields; ++r) {
-            text += " r=" + valueOf(SDP_LINE_REPEAT, repeats->ppstRepeatFields[r]);
+    for (const sdpline::Time time : times) {
+        std::string text = std::to_string(time.start()) + ' ' + std::to_string(time.stop());
+        for (const sdpline::Repeat repeat : time.repeats()) {
+            std::string_view before = " r=";
+            for (const sdpline::TypedTime unit : repeat) {
+                text += before;
+                text += std::to_string(unit.value);
+                text += sdpline::wordOf(unit.unit);
+                before = " ";
+            }
         }
         texts.push_back(std::move(text));
     }
     return texts;
 }
 
-bool isDirection(const SDPAttr &attr) {
-    return attr.ulAttrType >= SDP_ATTR_SENDRECV && attr.ulAttrType <= SDP_ATTR_INACTIVE;
-}
-
 // "a=ptime:20" and so on, directions left out.
-Texts attributesOf(const SDPAttrList *list) {
+Texts textsOf(const sdpline::Attributes &attributes) {
     Texts texts;
-    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
-        if (!isDirection(*list->ppstAttrs[i])) {
-            texts.push_back(encodeLine(SDP_LINE_ATTRIBUTE, list->ppstAttrs[i]));
+    for (const sdpline::Attribute attribute : attributes) {
+        if (!attribute.as<sdpline::Direction>()) {
+            texts.push_back("a=" + attribute.text().valueOr({}));
         }
     }
     return texts;
 }
 
-OptionalText directionOf(const SDPAttrList *list) {
-    OptionalText direction;
-    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
-        if (isDirection(*list->ppstAttrs[i])) {
-            direction = valueOf(SDP_LINE_ATTRIBUTE, list->ppstAttrs[i]);
-        }
+// The last one, as the lines below override those above.
+std::optional<sdpline::Direction> directionOf(const sdpline::Attributes &attributes) {
+    std::optional<sdpline::Direction> last;
+    for (const sdpline::Direction direction : attributes.each<sdpline::Direction>()) {
+        last = direction;
     }
-    return direction;
+    return last;
 }
 
-std::string typeOf(const SDPMediaDesc &media) {
-    const SDPMedia &type = media.stMediaField.stMedia;
-    if (type.pstrOtherMedia != nullptr) {
-        return std::string(view(*type.pstrOtherMedia));
+// "m=audio 5004 RTP/AVP 0 8"
+std::string mediaText(const sdpline::Media &media) {
+    std::string text = "m=" + std::string(media.type().text()) + ' ' + std::to_string(media.port());
+    text += media.portCount() > 1 ? '/' + std::to_string(media.portCount()) : "";
+    text += ' ' + std::string(media.protocol().text());
+    for (const uint32_t payload : media.payloads()) {
+        text += ' ' + std::to_string(payload);
     }
-    const sdpline::Word *const word = sdpline::findByCode(sdpline::kMediaWords, type.enMediaType);
-    return word != nullptr ? std::string(word->text) : "";
-}
-
-std::string protocolOf(const SDPMediaDesc &media) {
-    const SDPMediaProto &protocol = media.stMediaField.stProto;
-    if (protocol.pstrOtherProto != nullptr) {
-        return std::string(view(*protocol.pstrOtherProto));
+    if (media.format() != sdpline::Format::Payloads) {
+        text += ' ' + std::string(media.format().text());
     }
-    const sdpline::Word *const word = sdpline::findByCode(sdpline::kProtoWords, protocol.enProto);
-    return word != nullptr ? std::string(word->text) : "";
-}
-
-std::vector<uint32_t> payloadsOf(const SDPMediaDesc &media) {
-    const SDPMediaFmt &fmt = media.stMediaField.stMediaFmt;
-    const SDPRtpPayLoads &payloads = fmt.unMediaFmt.stRtpPayLoads;
-    if (fmt.enFmtType != SDP_FMT_RTP_PAYLOADS || payloads.pulPayLoads == nullptr) {
-        return {};
-    }
-    return {payloads.pulPayLoads, payloads.pulPayLoads + payloads.ulNoOfPayLoads};
-}
-
-OptionalText formatOf(const SDPMediaDesc &media) {
-    const SDPMediaFmt &fmt = media.stMediaField.stMediaFmt;
-    if (fmt.enFmtType == SDP_FMT_OTHER) {
-        return std::string(view(fmt.unMediaFmt.strOtherFmts));
-    }
-    const sdpline::Word *const word = sdpline::findByCode(sdpline::kFmtWords, fmt.enFmtType);
-    return word != nullptr ? OptionalText(word->text) : std::nullopt;
+    return text;
 }
 
 // "101 (telephone-event/8000)": the mapping of the media description, or the static one.
-std::string payloadText(uint32_t payload, const SDPMediaDesc &media) {
-    const SDPAttrList *const list = media.pstAttrList;
-    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
-        const SDPRtpMapAttr &map = list->ppstAttrs[i]->unAttrValue.stRtpMap;
-        if (list->ppstAttrs[i]->ulAttrType == SDP_ATTR_RTPMAP && map.ulPayloadType == payload) {
-            return std::to_string(payload) + " (" + std::string(view(map.strEncodingName)) + '/' +
-                   std::to_string(map.ulClockRate) + ')';
-        }
+std::string payloadText(uint32_t payload, const sdpline::Media &media) {
+    const auto mapped = [payload](std::string_view name, uint32_t clockRate) {
+        return std::to_string(payload) + " (" + std::string(name) + '/' +
+               std::to_string(clockRate) + ')';
+    };
+    if (const auto map = media.attributes().rtpMap(payload)) {
+        return mapped(map->name, map->clockRate);
     }
     for (const Profile &profile : profiles()) {
         if (profile.payload == payload) {
-            return std::to_string(payload) + " (" + std::string(profile.name) + '/' +
-                   std::to_string(profile.clockRate) + ')';
+            return mapped(profile.name, profile.clockRate);
         }
     }
     return std::to_string(payload);
@@ -149,174 +116,165 @@ std::string attributeKey(const std::string &line) {
     return name;
 }
 
+// What is compared, and what comes before its text in a line.
+struct What {
+    std::string_view name;
+    std::string_view before;
+};
+
+constexpr std::string_view kWholeLine = "";
+constexpr std::string_view kProtocolWords = "a=fmtp:";
+
 // ---- Comparison
 
 class Comparer {
 public:
-    Comparer(SdpLine &first, SdpLine &second) : first_(first), second_(second) {}
+    Comparer(const sdpline::Body &first, const sdpline::Body &second)
+        : first_(first), second_(second),
+          pairs_(std::min(first.media().size(), second.media().size())) {}
 
     std::vector<Change> run() {
         origin();
-        text("version", std::to_string(first_.ulProtoVersion),
-             std::to_string(second_.ulProtoVersion));
-        text("name", view(first_.strSessionName), view(second_.strSessionName));
-        optional("info", optionalText(first_.pstrSessionInfo),
-                 optionalText(second_.pstrSessionInfo));
-        optional("uri", optionalText(first_.pstrUri), optionalText(second_.pstrUri));
-        texts("email", textsOf(first_.pstEmailList), textsOf(second_.pstEmailList));
-        texts("phone", textsOf(first_.pstPhoneList), textsOf(second_.pstPhoneList));
-        if (isInForce([](const SDPMediaDesc &media) { return media.pstConnection != nullptr; })) {
-            optional("connection", sessionConnection(first_), sessionConnection(second_));
+        session();
+        for (size_t i = 0; i < pairs_; ++i) {
+            place_ = i + 1;
+            media(first_.media()[i], second_.media()[i]);
         }
-        texts("bandwidth", textsOf(first_.pstBandwidthList), textsOf(second_.pstBandwidthList));
-        texts("time", timesOf(first_.stTimeSet), timesOf(second_.stTimeSet));
-        optional("zone", optionalText(first_.pstrTimeZone), optionalText(second_.pstrTimeZone));
-        optional("key", keyText(first_.pstKey), keyText(second_.pstKey));
-        if (isInForce([](const SDPMediaDesc &media) {
-                return directionOf(media.pstAttrList).has_value();
-            })) {
-            text("direction", sessionDirection(first_), sessionDirection(second_));
-        }
-        attributes(first_.pstAttrList, second_.pstAttrList);
-        allMedia();
+        onlyIn(first_, &Change::from);
+        onlyIn(second_, &Change::to);
         return std::move(changes_);
     }
 
 private:
     void origin() {
-        const SDPOrigin &a = first_.stOrigin;
-        const SDPOrigin &b = second_.stOrigin;
-        text("origin user", view(a.strUserName), view(b.strUserName));
-        text("origin session id", view(a.strSessionId), view(b.strSessionId));
-        text("origin session version", view(a.strSessionVersion), view(b.strSessionVersion));
-        text("origin address type", std::to_string(a.stAddrType.enAddrType),
-             std::to_string(b.stAddrType.enAddrType));
-        text("origin address", view(a.strAddress), view(b.strAddress));
+        const sdpline::Origin a = first_.origin();
+        const sdpline::Origin b = second_.origin();
+        text({"origin user", "o="}, a.userName, b.userName);
+        text({"origin session id", "o=- "}, a.sessionId, b.sessionId);
+        text({"origin session version", "o=- 0 "}, a.sessionVersion, b.sessionVersion);
+        text({"origin address type", "o=- 0 0 IN "}, a.addressType.text(), b.addressType.text());
+        text({"origin address", "o=- 0 0 IN IP4 "}, a.address, b.address);
     }
 
-    static OptionalText sessionConnection(const SdpLine &line) {
-        return connectionText(line.pstConnection);
-    }
-    static std::string sessionDirection(const SdpLine &line) {
-        return directionOf(line.pstAttrList).value_or("sendrecv");
+    void session() {
+        number({"version", "v="}, first_.version(), second_.version());
+        text({"name", "s="}, first_.sessionName(), second_.sessionName());
+        optional({"info", "i="}, textOf(first_.info()), textOf(second_.info()));
+        optional({"uri", "u="}, textOf(first_.uri()), textOf(second_.uri()));
+        texts({"email", "e="}, textsOf(first_.emails()), textsOf(second_.emails()));
+        texts({"phone", "p="}, textsOf(first_.phones()), textsOf(second_.phones()));
+        if (isInForce([](const auto &media) { return media.connection().has_value(); })) {
+            optional({"connection", "c="}, textOf(first_.connection()),
+                     textOf(second_.connection()));
+        }
+        texts({"bandwidth", "b="}, textsOf(first_.bandwidths()), textsOf(second_.bandwidths()));
+        texts({"time", kProtocolWords}, textsOf(first_.times()), textsOf(second_.times()));
+        optional({"zone", "z="}, textOf(first_.zone()), textOf(second_.zone()));
+        optional({"key", "k="}, textOf(first_.key()), textOf(second_.key()));
+        if (isInForce(
+                [](const auto &media) { return directionOf(media.attributes()).has_value(); })) {
+            direction(sessionDirection(first_), sessionDirection(second_));
+        }
+        attributes(first_.attributes(), second_.attributes());
     }
 
-    uint32_t pairs() const {
-        return std::min(first_.stMediaSet.ulNoOfMediaDescs, second_.stMediaSet.ulNoOfMediaDescs);
+    static sdpline::Direction sessionDirection(const sdpline::Body &body) {
+        return directionOf(body.attributes()).value_or(sdpline::Direction::SendRecv);
     }
 
     // Whether the session's value counts in both bodies for some media description; without any
     // media it does.
-    bool isInForce(bool (*hasOwn)(const SDPMediaDesc &media)) const {
-        for (uint32_t i = 0; i < pairs(); ++i) {
-            if (!hasOwn(*first_.stMediaSet.ppstMediaDescs[i]) &&
-                !hasOwn(*second_.stMediaSet.ppstMediaDescs[i])) {
+    bool isInForce(bool (*overrides)(const sdpline::Media &media)) const {
+        for (size_t i = 0; i < pairs_; ++i) {
+            if (!overrides(first_.media()[i]) && !overrides(second_.media()[i])) {
                 return true;
             }
         }
-        return pairs() == 0;
-    }
-
-    void allMedia() {
-        for (uint32_t i = 0; i < pairs(); ++i) {
-            place_ = i + 1;
-            mediaType_ = typeOf(*second_.stMediaSet.ppstMediaDescs[i]);
-            media(*first_.stMediaSet.ppstMediaDescs[i], *second_.stMediaSet.ppstMediaDescs[i]);
-        }
-        wholeMedia(first_.stMediaSet, true);
-        wholeMedia(second_.stMediaSet, false);
+        return pairs_ == 0;
     }
 
     // The media descriptions that only one body has.
-    void wholeMedia(const SDPMediaSet &set, bool isFirst) {
-        for (uint32_t i = pairs(); i < set.ulNoOfMediaDescs; ++i) {
-            SDPMediaDesc &desc = *set.ppstMediaDescs[i];
+    void onlyIn(const sdpline::Body &body, OptionalText Change::*side) {
+        for (size_t i = pairs_; i < body.media().size(); ++i) {
             place_ = i + 1;
-            mediaType_ = typeOf(desc);
-            const std::string line = encodeLine(SDP_LINE_MEDIA, &desc.stMediaField);
-            add("description", isFirst ? OptionalText(line) : std::nullopt,
-                isFirst ? std::nullopt : OptionalText(line));
+            mediaType_ = body.media()[i].type().text();
+            add({"description", kWholeLine}, std::nullopt, std::nullopt);
+            changes_.back().*side = mediaText(body.media()[i]);
         }
     }
 
-    void media(SDPMediaDesc &a, SDPMediaDesc &b) {
-        text("type", typeOf(a), typeOf(b));
-        text("port", std::to_string(a.stMediaField.ulPort), std::to_string(b.stMediaField.ulPort));
-        text("ports", std::to_string(a.stMediaField.ulNoOfPorts),
-             std::to_string(b.stMediaField.ulNoOfPorts));
-        text("protocol", protocolOf(a), protocolOf(b));
-        optional("format", formatOf(a), formatOf(b));
+    void media(const sdpline::Media &a, const sdpline::Media &b) {
+        mediaType_ = b.type().text();
+        text({"type", "m="}, a.type().text(), b.type().text());
+        number({"port", "m=audio "}, a.port(), b.port());
+        number({"ports", "m=audio "}, a.portCount(), b.portCount());
+        text({"protocol", "m=audio 0 "}, a.protocol().text(), b.protocol().text());
+        optional({"format", "m=audio 0 udp "}, formatOf(a), formatOf(b));
         payloads(a, b);
-        optional("info", optionalText(a.pstrMediaInfo), optionalText(b.pstrMediaInfo));
-        if (a.pstConnection != nullptr || b.pstConnection != nullptr) {
-            const auto inForce = [](SDPMediaDesc &desc, const SdpLine &line) {
-                return desc.pstConnection != nullptr ? connectionText(desc.pstConnection)
-                                                     : sessionConnection(line);
-            };
-            optional("connection", inForce(a, first_), inForce(b, second_));
+        optional({"info", "i="}, textOf(a.info()), textOf(b.info()));
+        if (a.connection() || b.connection()) {
+            optional({"connection", "c="}, textOf(first_.connectionOf(a)),
+                     textOf(second_.connectionOf(b)));
         }
-        const OptionalText directionA = directionOf(a.pstAttrList);
-        const OptionalText directionB = directionOf(b.pstAttrList);
+        const auto directionA = directionOf(a.attributes());
+        const auto directionB = directionOf(b.attributes());
         if (directionA || directionB) {
-            text("direction", directionA.value_or(sessionDirection(first_)),
-                 directionB.value_or(sessionDirection(second_)));
+            direction(directionA.value_or(sessionDirection(first_)),
+                      directionB.value_or(sessionDirection(second_)));
         }
-        texts("bandwidth", textsOf(a.pstBandwidthList), textsOf(b.pstBandwidthList));
-        optional("key", keyText(a.pstKey), keyText(b.pstKey));
-        attributes(a.pstAttrList, b.pstAttrList);
+        texts({"bandwidth", "b="}, textsOf(a.bandwidths()), textsOf(b.bandwidths()));
+        optional({"key", "k="}, textOf(a.key()), textOf(b.key()));
+        attributes(a.attributes(), b.attributes());
     }
 
-    void payloads(const SDPMediaDesc &a, const SDPMediaDesc &b) {
-        const std::vector<uint32_t> from = payloadsOf(a);
-        const std::vector<uint32_t> to = payloadsOf(b);
-        const auto missingIn = [](const std::vector<uint32_t> &list) {
-            return [&list](uint32_t payload) {
-                return std::find(list.begin(), list.end(), payload) == list.end();
-            };
-        };
-        std::string common[2]; // those in both, in the order of each
-        for (const uint32_t payload : from) {
-            if (missingIn(to)(payload)) {
-                add("payload", payloadText(payload, a), std::nullopt);
-            } else {
-                common[0] += (common[0].empty() ? "" : " ") + std::to_string(payload);
-            }
-        }
-        for (const uint32_t payload : to) {
-            if (missingIn(from)(payload)) {
-                add("payload", std::nullopt, payloadText(payload, b));
-            } else {
-                common[1] += (common[1].empty() ? "" : " ") + std::to_string(payload);
-            }
-        }
-        text("payload order", common[0], common[1]);
+    static OptionalText formatOf(const sdpline::Media &media) {
+        const sdpline::Keyword<sdpline::Format> format = media.format();
+        return format == sdpline::Format::Payloads ? std::nullopt : OptionalText(format.text());
     }
 
-    void attributes(const SDPAttrList *a, const SDPAttrList *b) {
-        Texts from = attributesOf(a);
-        Texts to = attributesOf(b);
+    void payloads(const sdpline::Media &a, const sdpline::Media &b) {
+        const std::string commonA = payloadsOnlyIn(a, b, &Change::from);
+        const std::string commonB = payloadsOnlyIn(b, a, &Change::to);
+        text({"payload order", kProtocolWords}, commonA, commonB);
+    }
+
+    // Returns those that both have, in the order of the first.
+    std::string payloadsOnlyIn(const sdpline::Media &media, const sdpline::Media &other,
+                               OptionalText Change::*side) {
+        std::string common;
+        for (const uint32_t payload : media.payloads()) {
+            if (std::ranges::find(other.payloads(), payload) != other.payloads().end()) {
+                common += (common.empty() ? "" : " ") + std::to_string(payload);
+            } else {
+                add({"payload", kProtocolWords}, std::nullopt, std::nullopt);
+                changes_.back().*side = payloadText(payload, media);
+            }
+        }
+        return common;
+    }
+
+    void attributes(const sdpline::Attributes &a, const sdpline::Attributes &b) {
+        Texts from = textsOf(a);
+        Texts to = textsOf(b);
         removeCommon(from, to);
         for (const std::string &line : from) {
-            const auto sameKey = [&line](const std::string &other) {
-                return attributeKey(other) == attributeKey(line);
-            };
-            const auto partner = std::find_if(to.begin(), to.end(), sameKey);
+            const auto partner = std::ranges::find(to, attributeKey(line), attributeKey);
             if (partner != to.end()) {
-                add("attribute", line, *partner);
+                add({"attribute", kWholeLine}, line, *partner);
                 to.erase(partner);
             } else {
-                add("attribute", line, std::nullopt);
+                add({"attribute", kWholeLine}, line, std::nullopt);
             }
         }
         for (const std::string &line : to) {
-            add("attribute", std::nullopt, line);
+            add({"attribute", kWholeLine}, std::nullopt, line);
         }
     }
 
     // Leaves what only one of them has.
     static void removeCommon(Texts &a, Texts &b) {
         std::erase_if(a, [&b](const std::string &text) {
-            const auto found = std::find(b.begin(), b.end(), text);
+            const auto found = std::ranges::find(b, text);
             const bool isCommon = found != b.end();
             if (isCommon) {
                 b.erase(found);
@@ -325,7 +283,7 @@ private:
         });
     }
 
-    void texts(const char *what, Texts from, Texts to) {
+    void texts(What what, Texts from, Texts to) {
         removeCommon(from, to);
         for (size_t i = 0; i < std::max(from.size(), to.size()); ++i) {
             add(what, i < from.size() ? OptionalText(from[i]) : std::nullopt,
@@ -333,22 +291,32 @@ private:
         }
     }
 
-    void text(const char *what, std::string_view from, std::string_view to) {
+    void text(What what, std::string_view from, std::string_view to) {
         optional(what, std::string(from), std::string(to));
     }
 
-    void optional(const char *what, const OptionalText &from, const OptionalText &to) {
+    void number(What what, uint32_t from, uint32_t to) {
+        text(what, std::to_string(from), std::to_string(to));
+    }
+
+    void direction(sdpline::Direction from, sdpline::Direction to) {
+        text({"direction", "a="}, sdpline::wordOf(from), sdpline::wordOf(to));
+    }
+
+    void optional(What what, const OptionalText &from, const OptionalText &to) {
         if (from != to) {
             add(what, from, to);
         }
     }
 
-    void add(const char *what, OptionalText from, OptionalText to) {
-        changes_.push_back({place_, mediaType_, what, std::move(from), std::move(to)});
+    void add(What what, OptionalText from, OptionalText to) {
+        changes_.push_back(
+            {place_, mediaType_, what.name, std::move(from), std::move(to), what.before});
     }
 
-    SdpLine &first_;
-    SdpLine &second_;
+    const sdpline::Body &first_;
+    const sdpline::Body &second_;
+    size_t pairs_; // media descriptions that both bodies have
     std::optional<size_t> place_;
     std::string mediaType_;
     std::vector<Change> changes_;
@@ -356,7 +324,7 @@ private:
 
 } // namespace
 
-std::vector<Change> differences(SdpLine &first, SdpLine &second) {
+std::vector<Change> differences(const sdpline::Body &first, const sdpline::Body &second) {
     const uint32_t style = SdpGetT380ptCfg();
     SdpSetT38OptCfg(SDP_T38_STYLE_VALUE); // the only one that tells the flags apart
     std::vector<Change> changes = Comparer(first, second).run();

@@ -93,6 +93,47 @@ expect "RTP/AVPF is refused with many payloads" 2 nothing '~^avpf.sdp:6:24: ' --
 expect "--avpf" 1 '~^media 1 audio: protocol RTP/AVP -> RTP/AVPF$' nothing -- \
   "$program" diff --avpf a.sdp avpf.sdp
 
+# ---- Masks
+file mine.sdp <<'SDP'
+v=0
+o=alice 2890844526 1 IN IP4 192.0.2.1
+s=call with bob
+p=+1 617 555-6011
+c=IN IP4 192.0.2.1
+t=0 0
+m=audio 5004 RTP/AVP 0
+a=label:desk
+a=ice-pwd:topsecret
+a=candidate:c0000201 1 udp 1 alices-phone 9 typ host
+SDP
+file theirs.sdp <<'SDP'
+v=0
+o=bob 2890844527 2 IN IP4 192.0.2.9
+s=-
+c=IN IP4 192.0.2.9
+t=0 0
+m=audio 6004 RTP/AVP 0
+a=label:attic
+a=ice-pwd:othersecret
+SDP
+cat >text <<'TEXT'
+session: origin user user1 -> word1
+session: origin session id 1 -> 2
+session: origin session version 1 -> 2
+session: origin address 198.18.0.1 -> 198.18.0.2
+session: name call with word1 -> -
+session: phone phone1 removed
+session: connection IN IP4 198.18.0.1 -> IN IP4 198.18.0.2
+media 1 audio: port 5004 -> 6004
+media 1 audio: attribute a=label:word2 -> a=label:word4
+media 1 audio: attribute a=ice-pwd:secret1 -> a=ice-pwd:secret2
+media 1 audio: attribute a=candidate:word3 1 udp 1 host1.invalid 9 typ host removed
+TEXT
+expect "--redact" 1 text nothing -- "$program" diff --redact mine.sdp theirs.sdp
+expect "--redact --json" 1 '~"from": "a=ice-pwd:secret1"' nothing -- \
+  "$program" diff --redact --json mine.sdp theirs.sdp
+expect "no difference with masks" 0 nothing nothing -- "$program" diff --redact mine.sdp mine.sdp
+
 # ---- Trouble
 expect "a refused body" 2 nothing '~^bad.sdp:4:16: the fourth octet' -- "$program" diff a.sdp bad.sdp
 expect "a missing file" 2 nothing '~^sdpline: none: No such file' -- "$program" diff none a.sdp

@@ -5,21 +5,24 @@
 #include <string>
 
 #include "compare/difference.hpp"
+#include "redact/redact.hpp"
 #include "support/bodies.hpp"
 #include "support/generator.hpp"
+#include "support/secrets.hpp"
 
 namespace {
 
 std::string differencesOf(const std::string &first, const std::string &second) {
-    const support::Body a = support::decoded(first);
-    const support::Body b = support::decoded(second);
+    const auto a = sdpline::Body::decode(first);
+    const auto b = sdpline::Body::decode(second);
     EXPECT_TRUE(a && b);
     std::string text;
     for (const cli::Change &change : cli::differences(*a, *b)) {
         text += text.empty() ? "" : "; ";
         text +=
             (change.media ? std::to_string(*change.media) + ' ' + change.mediaType : "session") +
-            ' ' + change.what + ' ' + change.from.value_or("-") + " > " + change.to.value_or("-");
+            ' ' + std::string(change.what) + ' ' + change.from.value_or("-") + " > " +
+            change.to.value_or("-");
     }
     return text;
 }
@@ -37,7 +40,7 @@ std::string mediaDifference(const std::string &first, const std::string &second)
 TEST(Differences, OfTheSession) {
     EXPECT_EQ(differencesOf(kSession, "v=1\no=me 2 3 IN IP6 y\ns=x\n"),
               "session origin user - > me; session origin session id 1 > 2; "
-              "session origin session version 1 > 3; session origin address type 1 > 2; "
+              "session origin session version 1 > 3; session origin address type IP4 > IP6; "
               "session origin address x > y; session version 0 > 1; session name - > x");
     EXPECT_EQ(differencesOf(kSession, kSession +
                                           "i=a\nu=b\ne=c\np=d\nc=IN IP4 10.0.0.1\nb=f\nt=1 2\n"
@@ -122,6 +125,55 @@ TEST(Differences, NoneOfABodyToItself) {
     for (int i = 0; i < 500; ++i) {
         const std::string body = support::generateBody(engine);
         EXPECT_EQ(differencesOf(body, body), "");
+    }
+}
+
+// The texts of a change follow what comes before them in a line of the bodies.
+TEST(Differences, NameTheLineOfTheirTexts) {
+    std::mt19937 engine(10);
+    size_t checked = 0;
+    for (int i = 0; i < 200; ++i) {
+        const auto a = sdpline::Body::decode(support::generateSecrets(engine).text);
+        const auto b = sdpline::Body::decode(support::generateSecrets(engine).text);
+        if (!a || !b) {
+            continue;
+        }
+        const std::string written = *a->encode();
+        for (const cli::Change &change : cli::differences(*a, *b)) {
+            const bool isWhole = change.before.empty() || change.before.size() == 2;
+            if (isWhole && change.from && change.what != "direction") {
+                const std::string line = std::string(change.before) + *change.from;
+                EXPECT_NE(written.find(line), std::string::npos) << line << "\n" << written;
+                ++checked;
+            }
+        }
+    }
+    EXPECT_GT(checked, 1000u);
+}
+
+// Masks of a change are those of the line that it comes from.
+TEST(Differences, HaveNoSecretsOnceMasked) {
+    std::mt19937 engine(12);
+    for (int i = 0; i < 300; ++i) {
+        const support::SecretBody first = support::generateSecrets(engine);
+        const support::SecretBody second = support::generateSecrets(engine);
+        const auto a = sdpline::Body::decode(first.text);
+        const auto b = sdpline::Body::decode(second.text);
+        if (!a || !b) {
+            continue;
+        }
+        std::string shown;
+        cli::Redactor redactor;
+        for (const cli::Change &change : cli::differences(*a, *b)) {
+            for (const auto &text : {change.from, change.to}) {
+                shown += text ? redactor.redactedAfter(change.before, *text) + '\n' : "";
+            }
+        }
+        for (const support::SecretBody &body : {first, second}) {
+            for (const std::string &secret : body.secrets) {
+                ASSERT_EQ(shown.find(secret), std::string::npos) << secret << "\n" << shown;
+            }
+        }
     }
 }
 
