@@ -20,6 +20,7 @@ extern "C" {
 
 void setInput(const SipString *pstText) {
     state.input = reinterpret_cast<const uint8_t *>(pstText->pcData);
+    state.inputGone = false;
 }
 
 void setLexerContext(uint32_t enContext) {
@@ -27,7 +28,7 @@ void setLexerContext(uint32_t enContext) {
 }
 
 uint32_t nextToken() {
-    state.last = state.input[state.start + state.index];
+    state.last = state.inputGone ? uint8_t{'\0'} : state.input[state.start + state.index];
     return lexer::kBytes.kind[state.last];
 }
 
@@ -80,13 +81,12 @@ const char *LT() {
     if (size >= kTextSize) {
         return nullptr;
     }
-    if (memset_s(state.text, kTextSize, 0, size + 1) != 0) {
-        SIPAbnormalSecureFuncEx("sdplexer", __LINE__);
+    lexer::publishText();
+    if (state.inputGone) {
+        lexer::takeText(reinterpret_cast<const uint8_t *>(""), 0);
+    } else {
+        lexer::takeText(state.input + state.start, size);
     }
-    if (size != 0) {
-        std::memcpy(state.text, state.input + state.start, size);
-    }
-    state.text[size] = '\0';
     return state.text;
 }
 
@@ -155,6 +155,7 @@ void sdpSetTToken(uint32_t enKind) {
 }
 
 char *sdpGetThrowAwayBuffer() {
+    lexer::publishText();
     return state.text;
 }
 
@@ -162,6 +163,7 @@ void sdpSetThrowAwayBuffer(const uint8_t *pucBytes, int32_t iCount) {
     if (iCount <= 0) {
         return;
     }
+    lexer::publishText();
     const auto count = static_cast<uint32_t>(iCount);
     std::memcpy(state.text, pucBytes, count < kTextSize ? count : kTextSize);
 }

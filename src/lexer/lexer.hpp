@@ -25,6 +25,14 @@ struct LetterToken {
     uint8_t last;
 };
 
+// The token text that was taken last and has not been put into the text buffer yet: bytes of the
+// input, or a rest of line, of which the last token was taken last.
+struct TakenText {
+    const uint8_t *from; // null: the buffer holds what was taken last
+    uint32_t size;
+    static constexpr uint32_t kRestOfLine = 1u << 31; // a bit of `size`
+};
+
 // Where the next token begins, when that is not behind the current one.
 struct OddStart {
     const uint8_t *from; // null: there is no next token
@@ -49,17 +57,14 @@ struct Lexer {
     static constexpr uint32_t kHalfCut = 2;
     // The token ended at offset 0 and so is taken for none, or it ends before it starts.
     static constexpr uint32_t kRepeats = 4;
+    // memset_s is not libsipcore's: each taking of a text makes its call.
+    static constexpr uint32_t kCallsForTexts = 8;
 
     SDPLINE_INLINE bool is(uint32_t wanted) const { return kind == wanted; }
 
-    // The current token's bytes, in the input; null data when it is longer than 1023 bytes.
-    SDPLINE_INLINE std::string_view text() const {
-        const auto size = static_cast<uint32_t>(behind - at);
-        if (size >= kTextSize) [[unlikely]] {
-            return {};
-        }
-        return {reinterpret_cast<const char *>(at), size};
-    }
+    // Takes the current token's text: its bytes, in the input. Null data when they are more than
+    // 1023, and nothing was taken.
+    SDPLINE_INLINE std::string_view text();
 
     // Whether the input ends at the current token.
     SDPLINE_INLINE bool inputEnds() const { return *at == '\0'; }
@@ -107,7 +112,13 @@ struct Lexer {
     }
 
 private:
+    // The same, and odd where that one is: but a lexer on which nothing is odd stays so.
+    SDPLINE_INLINE void standWhere(const Lexer &other) {
+        standAs(other);
+        odd = odd != 0 ? other.odd : 0;
+    }
     SDPLINE_INLINE bool begin();
+    SDPLINE_INLINE void taken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
 
     SDPLINE_INLINE void close(uint32_t size, uint32_t closed) {
         behind = at + size;
@@ -144,13 +155,19 @@ SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
 // Bytes before the line end or the end of the input.
 uint32_t lineSize(const uint8_t *text);
 
+// Puts a text into the text buffer: by the calls of a lexer without tables, and without them.
+[[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
+void publishText();
+
 LetterToken cutLetter(const uint8_t *letter);
 OddStart startOddly(const uint8_t *input, const uint8_t *at, const uint8_t *behind, uint32_t odd);
 Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits);
+Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits);
 
 // The state behind the exported operations. Offsets count from the start of the input.
 struct State {
     const uint8_t *input;
+    bool inputGone; // the input was a parse's copy, which lives no longer: nothing is read there
     uint32_t start;
     uint32_t end;   // of the last byte, not behind it
     uint32_t index; // bytes of a token under construction
@@ -163,6 +180,7 @@ struct State {
 };
 
 extern SDPLINE_PER_THREAD State state;
+extern SDPLINE_PER_THREAD TakenText takenText;
 
 // A lexer that stands where the state stands, and the state put where a lexer stands.
 Lexer enter();
@@ -208,6 +226,23 @@ SDPLINE_INLINE SDPResult inRegisters(Lexer &lexer, Arguments &...arguments) {
     const SDPResult result = Parse(copy, arguments...);
     lexer.standAs(copy);
     return result;
+}
+
+inline void Lexer::taken(const uint8_t *from, uint32_t size, uint32_t flags) {
+    if ((odd & kCallsForTexts) != 0) [[unlikely]] {
+        return lexer::takeText(from, size);
+    }
+    lexer::takenText.from = from;
+    lexer::takenText.size = size | flags;
+}
+
+inline std::string_view Lexer::text() {
+    const auto size = static_cast<uint32_t>(behind - at);
+    if (size >= kTextSize) [[unlikely]] {
+        return {};
+    }
+    taken(at, size);
+    return {reinterpret_cast<const char *>(at), size};
 }
 
 // Moves to the next token's first byte; false when there is none.
@@ -307,28 +342,28 @@ inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
     rest = {reinterpret_cast<const char *>(at), size};
     if (size <= limit && odd == 0) [[likely]] {
         if (size != 0) {
+            taken(at, size, TakenText::kRestOfLine);
             jumpTo(at + size);
         }
         return true;
     }
     closeText();
     bool fits = false;
-    *this = lexer::gatherTokens(*this, limit, fits);
+    standWhere(lexer::gatherTokens(*this, limit, fits));
     return fits;
 }
 
 inline bool Lexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
     const uint8_t *const byte = lexer::runEnd(at, lexer::kNameRun);
     const auto size = static_cast<uint32_t>(byte - at);
-    if (odd != 0 && behind == input + 1 && size != 0) [[unlikely]] {
-        return false; // the byte at offset 0 comes again and again
-    }
-    if (size > limit || *byte == '\0') [[unlikely]] {
-        jumpTo(at + (size > limit ? limit : size));
-        return false;
-    }
     bytes = {reinterpret_cast<const char *>(at), size};
+    if (odd != 0 || size > limit || *byte == '\0') [[unlikely]] {
+        bool fits = false;
+        standWhere(lexer::gatherToSlash(*this, limit, fits));
+        return fits;
+    }
     if (size != 0) {
+        taken(byte - 1, 1);
         jumpTo(byte);
     }
     return true;

@@ -344,10 +344,13 @@ SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine) {
         rememberPlace(*pstText, result);
         clearSdpLexer();
         freeBytes(line);
-        return passUp(Check::ParseRefused, result);
+        passUp(Check::ParseRefused, result);
+        lexer::state.inputGone = true;
+        return result;
     }
     *ppstLine = line;
     clearSdpLexer();
+    lexer::state.inputGone = true;
     return 0;
 }
 

@@ -176,9 +176,10 @@ SDPLINE_INLINE SDPResult mediaField(Lexer &lexer, SDPMediaField &field) {
     if (const SDPResult result = takePort(lexer, field)) {
         return result;
     }
-    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
+    if (!lexer.is(SDP_TOK_SPACE)) {
         return fail(Check::MediaPortBlank);
     }
+    lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN);
     if (const SDPResult result = takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
                                           {Check::MediaProto, Check::MediaProtoText})) {
         return result;

@@ -34,9 +34,10 @@ SDPLINE_INLINE SDPResult payloadAndName(Lexer &lexer, SDPRtpMapAttr &rtpMap,
                                             {Check::RtpmapPayload, Check::RtpmapPayloadText})) {
         return result;
     }
-    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
+    if (!lexer.is(SDP_TOK_SPACE)) {
         return fail(Check::RtpmapBlank);
     }
+    lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_CHAR);
     if (!lexer.takeBytesToSlash(name, kMaxName)) {
         return fail(Check::RtpmapNameTooLong);
     }

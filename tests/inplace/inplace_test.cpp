@@ -40,6 +40,7 @@ private:
 struct Outcome {
     SDPResult result = 0;
     std::string place;
+    std::string lexer; // what its getters show afterwards
     std::vector<std::string> logs;
     std::string tree;
     std::string text;
@@ -54,6 +55,15 @@ std::string placeOfFailure() {
     SdpLibGetLastFailure(&failure);
     return std::to_string(failure.ulLine) + ':' + std::to_string(failure.ulColumn) + ' ' +
            failure.pcCheck;
+}
+
+std::string lexerState() {
+    std::string state = sdpGetThrowAwayBuffer();
+    for (const uint32_t value : {sdpGetLexerContext(), LA(), sdpGetStartToken(), sdpGetEndToken(),
+                                 sdpGetEnd(), sdpGetIndex(), uint32_t{sdpGetLastChar()}}) {
+        state += ' ' + std::to_string(value);
+    }
+    return state;
 }
 
 // The whole of the caller's bytes, those that are not written to among them.
@@ -100,6 +110,7 @@ Outcome outcomeOf(const std::string &bytes, uint32_t roomStep) {
     SdpLine *line = nullptr;
     Outcome outcome;
     outcome.result = SdpLibDecodeSdp(&text, &line);
+    outcome.lexer = lexerState();
     const Body body(line);
     if (body == nullptr) {
         outcome.place = placeOfFailure();

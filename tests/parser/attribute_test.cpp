@@ -445,7 +445,63 @@ TEST_F(ParserAttribute, FailingFillsAreReported) {
         EXPECT_FALSE(SecureFaults::reports()[0].ex);
         EXPECT_EQ(SecureFaults::reports()[0].name, "sdpAttributeFields");
     }
-    EXPECT_EQ(SecureFaults::count(), 2u) << "one fill for the array, one for the attribute";
+    EXPECT_EQ(SecureFaults::count(), 3u) << "the array, the attribute, the text of its name";
+    SecureFaults::reset();
+}
+
+// ---- Each text that is taken clears the text buffer
+
+struct Taking {
+    SDPResult (*parse)();
+    const char *value;
+    uint32_t texts;
+};
+
+template <SDPResult (*Parse)(SDPAttr *, uint32_t), uint32_t type>
+SDPResult parseAs() {
+    SDPAttr attr = {};
+    return Parse(&attr, type);
+}
+
+SDPResult parseIpBcp() {
+    SDPAttr attr = {};
+    return sdpIpBcpAttr(&attr);
+}
+
+constexpr Taking kTakings[] = {
+    {parseAs<sdpModeAttr, SDP_ATTR_FAX>, "n\n", 0},
+    {parseAs<sdpPacketizationAttr, SDP_ATTR_FRAMERATE>, "n:29.97\n", 1},
+    {parseAs<sdpFaxRateMgmtAttr, SDP_ATTR_T38_RATE_MANAGEMENT>, "n:localTCF\n", 1},
+    {parseAs<sdpOtherRecAttr, SDP_ATTR_FMTP>, "n:a b\tc \n", 6},
+    {parseAs<sdpSilenceSuppression, SDP_ATTR_SILENCE_SUPP>, "n:on - -\n", 5},
+    {parseAs<sdpEchoCacellation, SDP_ATTR_ECAN>, "n:fb on x\n", 4},
+    {parseAs<sdpT120Attr, SDP_ATTR_SETUP>, "n:active\n", 1},
+    {parseAs<sdpResourceStatus, SDP_ATTR_DES>, "n:qos optional e2e send\n", 4},
+    {parseAs<sdpResourceStatus, SDP_ATTR_CURR>, "n:qos e2e send\n", 3},
+    {parseIpBcp, "n:1 Request\n", 2},
+};
+
+TEST_F(ParserAttribute, EachTextTakenIsACallOfTheFill) {
+    for (const Taking &taking : kTakings) {
+        startValue(taking.value);
+        SecureFaults::reset();
+        EXPECT_EQ(named(taking.parse()), "ok") << taking.value;
+        EXPECT_EQ(SecureFaults::count(), taking.texts) << taking.value;
+    }
+}
+
+TEST_F(ParserAttribute, AFailingClearOfTheTextBufferIsReportedAndTheWorkGoesOn) {
+    for (const Taking &taking : kTakings) {
+        for (uint32_t n = 1; n <= taking.texts; ++n) {
+            startValue(taking.value);
+            SecureFaults::reset();
+            SecureFaults::failAt(n);
+            EXPECT_EQ(named(taking.parse()), "ok") << taking.value;
+            ASSERT_EQ(SecureFaults::reports().size(), 1u) << taking.value << n;
+            EXPECT_TRUE(SecureFaults::reports()[0].ex);
+            EXPECT_EQ(SecureFaults::reports()[0].name, "sdplexer");
+        }
+    }
     SecureFaults::reset();
 }
 

@@ -149,9 +149,10 @@ TEST_F(ParserRtpmap, NameOf1025BytesIsNotLookedUp) {
 TEST_F(ParserRtpmap, FailingCopyOfTheNameIsReported) {
     startValue("rtpmap:0 PCMU/8000/2\n");
     SecureFaults::reset();
-    SecureFaults::failAt(1);
+    SecureFaults::failAt(7); // after the texts of the payload, four letters and the clock rate
     SDPAttr attr = {};
     EXPECT_EQ(named(sdpRtpmapAttr(&attr, SDP_ATTR_RTPMAP)), "ok");
+    EXPECT_EQ(SecureFaults::count(), 8u) << "and that of the channels";
     EXPECT_EQ(attr.unAttrValue.stRtpMap.ulEncodingId, 0u);
     EXPECT_EQ(attr.unAttrValue.stRtpMap.ulEncodingParams, 2u);
     ASSERT_EQ(SecureFaults::reports().size(), 1u);
