@@ -38,7 +38,7 @@ mv "$work/first" "$work/moved"
 "$work/moved/bin/sdpline" check "$source/examples/offer.sdp" >/dev/null ||
   fail "the program does not run where it was moved to"
 
-cmake -S "$source" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DSDPLINE_STATIC=ON \
+cmake -S "$source" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DSDPLINE_STATIC=ON \
   -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF >/dev/null
 cmake --build "$work/build" -j2 >/dev/null
 cmake --install "$work/build" --prefix "$work/static" >/dev/null
