@@ -7,7 +7,7 @@
 #include "input/input.hpp"
 #include "output/display.hpp"
 #include "output/text.hpp"
-#include "json/json.hpp"
+#include "json/readback.hpp"
 
 namespace cli {
 
@@ -70,8 +70,7 @@ private:
     void write(const nlohmann::json &document) {
         ++number_;
         std::string error;
-        const Body body = bodyOf(document, error);
-        const std::optional<std::string> text = body ? encodeBody(*body, error) : std::nullopt;
+        const std::optional<std::string> text = textOfJson(document, error);
         if (!text) {
             report(error);
             return;
@@ -108,7 +107,8 @@ void addEncode(CLI::App &app, Outcome &outcome) {
     CLI::App &command =
         addCommand(app,
                    {"encode", "Write bodies from the JSON that decode prints.",
-                    "Several bodies are written with an empty line between them.\n\n"
+                    "Several bodies are written with an empty line between them. What is written\n"
+                    "decodes to the same JSON, or is refused.\n\n"
                     "Examples:\n"
                     "  sdpline encode offer.json > offer.sdp\n"
                     "  sdpline decode --json offer.sip | sdpline encode\n"

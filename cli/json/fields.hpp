@@ -1,5 +1,5 @@
 // The fields of the records under their names in JSON: one list for writing and reading. `Io` is
-// the object that is written or read, see jsonout.cpp and jsonin.cpp.
+// the object that is written or read, see write.cpp and read.cpp.
 //
 // Pointers in the records may lie at a multiple of 4 only, where no reference may point: they are
 // handed over and stored back by value. Writing stores back what was there.
@@ -8,46 +8,54 @@
 #include <array>
 #include <span>
 
+#include "sdpline/cpp/detail/attributes.hpp"
 #include "sdpline/sdpline.h"
-#include "tables/keywords.hpp"
 
 namespace cli {
 
+namespace tables = sdpline::tables;
+
 // The codes that a field may hold, and the words for them.
 struct Codes {
-    std::span<const sdpline::Word> words;
+    std::span<const tables::KeywordRow> words;
     uint32_t first;
     uint32_t last;
 };
 
-inline constexpr auto kTptAddrWords = std::to_array<sdpline::Word>({
+inline constexpr auto kTptAddrWords = std::to_array<tables::KeywordRow>({
     {"IPv4", SDP_TPTADDR_IPV4},
     {"IPv6", SDP_TPTADDR_IPV6},
 });
 
 inline constexpr Codes kTptAddrTypes = {kTptAddrWords, SDP_TPTADDR_IPV4, SDP_TPTADDR_IPV6};
-inline constexpr Codes kNetTypes = {sdpline::kNetTypeWords, SDP_NETTYPE_IN, SDP_NETTYPE_OTHER};
-inline constexpr Codes kAddrTypes = {sdpline::kAddrTypeWords, SDP_ADDRTYPE_IP4, SDP_ADDRTYPE_OTHER};
-inline constexpr Codes kTimeTypes = {sdpline::kTimeUnitWords, SDP_TIME_DAYS, SDP_TIME_SECONDS};
-inline constexpr Codes kMediaTypes = {sdpline::kMediaWords, SDP_MEDIA_AUDIO, SDP_MEDIA_OTHER};
-inline constexpr Codes kProtocols = {sdpline::kProtoWords, SDP_PROTO_RTP_AVP, SDP_PROTO_OTHER};
-inline constexpr Codes kFormats = {sdpline::kFmtWords, SDP_FMT_RTP_PAYLOADS, SDP_FMT_OTHER};
-inline constexpr Codes kT38Rates = {sdpline::kT38RateWords, SDP_T38_RATE_LOCAL_TCF,
-                                    SDP_T38_RATE_TRANSFERRED_TCF};
-inline constexpr Codes kT38Corrections = {sdpline::kT38UdpEcWords, SDP_T38_EC_FEC,
-                                          SDP_T38_EC_REDUNDANCY};
-inline constexpr Codes kEcanDirections = {sdpline::kEcanDirWords, 0, SDP_ECAN_B};
-inline constexpr Codes kIpBcpTypes = {sdpline::kIpBcpWords, SDP_IPBCP_REQUEST, SDP_IPBCP_REJECTED};
-inline constexpr Codes kSetups = {sdpline::kSetupWords, SDP_T120_PASSIVE, SDP_T120_ACTPASS};
-inline constexpr Codes kPreconditions = {sdpline::kPreconditionWords, SDP_PRECONDITION_QOS,
+inline constexpr Codes kNetTypes = {tables::kNetTypeWords, SDP_NETTYPE_IN, SDP_NETTYPE_OTHER};
+inline constexpr Codes kAddrTypes = {tables::kAddrTypeWords, SDP_ADDRTYPE_IP4, SDP_ADDRTYPE_OTHER};
+inline constexpr Codes kTimeTypes = {tables::kTimeUnitWords, SDP_TIME_DAYS, SDP_TIME_SECONDS};
+inline constexpr Codes kMediaTypes = {tables::kMediaWords, SDP_MEDIA_AUDIO, SDP_MEDIA_OTHER};
+inline constexpr Codes kProtocols = {tables::kProtoWords, SDP_PROTO_RTP_AVP, SDP_PROTO_OTHER};
+inline constexpr Codes kFormats = {tables::kFmtWords, SDP_FMT_RTP_PAYLOADS, SDP_FMT_OTHER};
+inline constexpr Codes kEcanDirections = {tables::kEcanDirWords, 0, SDP_ECAN_B};
+inline constexpr Codes kIpBcpTypes = {tables::kIpBcpWords, SDP_IPBCP_REQUEST, SDP_IPBCP_REJECTED};
+inline constexpr Codes kPreconditions = {tables::kPreconditionWords, SDP_PRECONDITION_QOS,
                                          SDP_PRECONDITION_OTHER};
-inline constexpr Codes kStatusTypes = {sdpline::kStatusWords, SDP_STATUS_E2E, SDP_STATUS_REMOTE};
-inline constexpr Codes kStrengths = {sdpline::kStrengthWords, SDP_STRENGTH_MANDATORY,
+inline constexpr Codes kStatusTypes = {tables::kStatusWords, SDP_STATUS_E2E, SDP_STATUS_REMOTE};
+inline constexpr Codes kStrengths = {tables::kStrengthWords, SDP_STRENGTH_MANDATORY,
                                      SDP_STRENGTH_UNKNOWN};
-inline constexpr Codes kDirections = {sdpline::kDirWords, SDP_DIR_NONE, SDP_DIR_SENDRECV};
+inline constexpr Codes kDirections = {tables::kDirWords, SDP_DIR_NONE, SDP_DIR_SENDRECV};
 
-// Attribute types by their names, "rtpmap" and so on; 34 and 35 have none.
-Codes attributeTypes();
+// Attribute types by their names, "rtpmap" and so on; those that keep their name have none.
+inline constexpr auto kAttributeWords = [] {
+    constexpr size_t kNamed = tables::kLastAttribute - 2;
+    std::array<tables::KeywordRow, kNamed> words;
+    size_t count = 0;
+    for (const tables::AttributeRow &row : tables::kAttributes) {
+        if (row.type != SDP_ATTR_NONE && row.name != " ") {
+            words[count++] = {row.bareName(), row.type};
+        }
+    }
+    return words;
+}();
+inline constexpr Codes kAttributeTypes = {kAttributeWords, SDP_ATTR_RTPMAP, tables::kLastAttribute};
 
 template <class Io>
 void fields(Io &io, SDPNetType &net, SDPAddrType &addr) {
@@ -139,35 +147,35 @@ void fields(Io &io, SDPRsrcMgmtStatus &status) {
 
 template <class Io>
 void valueFields(Io &io, SDPAttr &attr) {
+    const tables::AttributeRow &row = tables::attributeRow(attr.ulAttrType);
     auto &value = attr.unAttrValue;
-    const uint32_t type = attr.ulAttrType;
-    switch (type) {
-    case SDP_ATTR_RTPMAP: io.record("rtpmap", value.stRtpMap); return;
-    case SDP_ATTR_T38_RATE_MANAGEMENT: io.code("value", value.ulValue, kT38Rates); return;
-    case SDP_ATTR_T38_UDP_EC: io.code("value", value.ulValue, kT38Corrections); return;
-    case SDP_ATTR_SILENCE_SUPP: io.record("silenceSupp", value.stSilenceSupp); return;
-    case SDP_ATTR_ECAN: io.record("ecan", value.stEcan); return;
-    case SDP_ATTR_UNREC_VALUE: io.text("text", value.strValue); return;
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF: io.record("precondition", value.stRsrcMgmtStatus); return;
-    case SDP_ATTR_IPBCP: io.record("ipbcp", value.stIpBcp); return;
-    case SDP_ATTR_SETUP: io.code("value", value.enT120Mode, kSetups); return;
-    default: break;
-    }
-    if (type >= SDP_ATTR_FMTP && type <= SDP_ATTR_LANG) {
-        io.text("text", value.strValue);
-    } else if ((type >= SDP_ATTR_PTIME && type <= SDP_ATTR_FRAMERATE) ||
-               (type >= SDP_ATTR_QUALITY && type <= SDP_ATTR_T38_MAX_DATAGRAM)) {
-        io.number("value", value.ulValue);
+    switch (row.shape) {
+    case tables::Shape::None:
+    case tables::Shape::Flag:
+    case tables::Shape::Direction:
+    case tables::Shape::NameOnly: return;
+    case tables::Shape::Number:
+    case tables::Shape::Decimal:
+    case tables::Shape::Switch: io.number("value", value.ulValue); return;
+    case tables::Shape::Keyword:
+        io.code("value", value.ulValue, {row.words, 1, static_cast<uint32_t>(row.words.size())});
+        return;
+    case tables::Shape::Text:
+    case tables::Shape::NamedText: io.text("text", value.strValue); return;
+    case tables::Shape::RtpMap: io.record("rtpmap", value.stRtpMap); return;
+    case tables::Shape::SilenceSupp: io.record("silenceSupp", value.stSilenceSupp); return;
+    case tables::Shape::Ecan: io.record("ecan", value.stEcan); return;
+    case tables::Shape::IpBcp: io.record("ipbcp", value.stIpBcp); return;
+    case tables::Shape::Precondition: io.record("precondition", value.stRsrcMgmtStatus); return;
     }
 }
 
 template <class Io>
 void fields(Io &io, SDPAttr &attr) {
-    io.code("type", attr.ulAttrType, attributeTypes());
-    if (attr.ulAttrType == SDP_ATTR_UNREC_VALUE || attr.ulAttrType == SDP_ATTR_UNREC_NOVALUE) {
-        attr.pstAttrName = io.ownText("name", attr.pstAttrName);
+    io.code("type", attr.ulAttrType, kAttributeTypes);
+    const tables::Shape shape = tables::shapeOf(attr.ulAttrType);
+    if (shape == tables::Shape::NamedText || shape == tables::Shape::NameOnly) {
+        attr.pstAttrName = io.namedText("name", attr.pstAttrName);
     }
     valueFields(io, attr);
 }

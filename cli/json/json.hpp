@@ -5,13 +5,13 @@
  *      "origin": {"userName": "-", ..., "netType": {"code": 1, "word": "IN"}, ...},
  *      "media": [{"type": {"code": 7, "other": "text"}, "port": 5004, ...}]}
  *
- * A text is a string; where its bytes are not UTF-8 it is {"hex": "66ff"}. A code is its number,
- * with the word it stands for, or with the text that was written where the code says "other". What
- * is absent in the record is absent here.
+ * A text is a string; where its bytes are not UTF-8 it is {"hex": "66ff"}. A code is its number
+ * with its word, or with the text that was written where the code says "other". What is absent in
+ * the record is absent here.
  *
- * Reading also takes a bare number or a word for a code, "other" texts among the words, and null
- * for what is absent. It refuses fields it does not know, numbers and codes out of range, texts
- * with line feeds or NUL, and lists that the encoder could not write.
+ * Reading also takes a bare number or a word for a code, "other" texts among the words, and null or
+ * an empty list for what is absent. It refuses fields it does not know, numbers and codes out of
+ * range, texts with line feeds or NUL, and lists that the encoder could not write.
  */
 #pragma once
 

@@ -9,7 +9,7 @@
 #include <arpa/inet.h>
 
 #include "output/text.hpp"
-#include "json/jsonfields.hpp"
+#include "json/fields.hpp"
 
 namespace cli {
 
@@ -96,7 +96,7 @@ public:
         return {static_cast<uint32_t>(bytes.size()), data};
     }
 
-    SipString *ownText(const std::string &bytes) {
+    SipString *newText(const std::string &bytes) {
         auto *const text = make<SipString>();
         *text = this->text(bytes);
         return text;
@@ -146,23 +146,23 @@ public:
         text = memory_.text(bytesOf(needed(key), pathOf(key)));
     }
 
-    SipString *ownText(const char *key, SipString * /*old*/) {
-        return memory_.ownText(bytesOf(needed(key), pathOf(key)));
+    SipString *namedText(const char *key, SipString * /*old*/) {
+        return memory_.newText(bytesOf(needed(key), pathOf(key)));
     }
 
     SipString *optionalText(const char *key, SipString *old) {
-        return find(key) != nullptr ? ownText(key, old) : nullptr;
+        return find(key) != nullptr ? namedText(key, old) : nullptr;
     }
 
     SDPStringList *optionalTexts(const char *key, SDPStringList * /*old*/) {
-        if (find(key) == nullptr) {
+        if (isAbsentList(key)) {
             return nullptr;
         }
         auto *const list = memory_.make<SDPStringList>();
         const Json &array = arrayAt(key, 0);
         list->ppstStrings = memory_.make<SipString *>(array.size());
         for (size_t i = 0; i < array.size(); ++i) {
-            list->ppstStrings[i] = memory_.ownText(bytesOf(array[i], pathOf(key, i)));
+            list->ppstStrings[i] = memory_.newText(bytesOf(array[i], pathOf(key, i)));
         }
         list->ulNoOfStrings = static_cast<uint32_t>(array.size());
         return list;
@@ -199,9 +199,9 @@ public:
         const std::string path = pathOf(key);
         SipString *other = nullptr;
         if (json.is_string() &&
-            sdpline::findByText(codes.words, json.get<std::string>()) == nullptr) {
+            tables::findByText(codes.words, json.get<std::string>()) == nullptr) {
             value = otherCode;
-            return memory_.ownText(bytesOf(json, path));
+            return memory_.newText(bytesOf(json, path));
         }
         if (json.is_object()) {
             Input input(json, path, memory_);
@@ -231,7 +231,7 @@ public:
     }
 
     void payloads(const char *key, SDPRtpPayLoads &payloads) {
-        if (find(key) == nullptr) {
+        if (isAbsentList(key)) {
             return;
         }
         const Json &array = arrayAt(key, 0);
@@ -275,7 +275,7 @@ public:
 
     template <class List>
     List *optionalList(const char *key, List * /*old*/) {
-        if (find(key) == nullptr) {
+        if (isAbsentList(key)) {
             return nullptr;
         }
         auto *const value = memory_.make<List>();
@@ -308,6 +308,12 @@ private:
         return found != json_.end() && !found->is_null() ? &*found : nullptr;
     }
 
+    // An empty list is none.
+    bool isAbsentList(const char *key) {
+        const Json *const json = find(key);
+        return json == nullptr || (json->is_array() && json->empty());
+    }
+
     const Json &needed(const char *key) {
         const Json *const json = find(key);
         if (json == nullptr) {
@@ -328,8 +334,8 @@ private:
     }
 
     static uint32_t codeOfWord(const Json &word, const std::string &path, const Codes &codes) {
-        const sdpline::Word *const known =
-            word.is_string() ? sdpline::findByText(codes.words, word.get<std::string>()) : nullptr;
+        const tables::KeywordRow *const known =
+            word.is_string() ? tables::findByText(codes.words, word.get<std::string>()) : nullptr;
         if (known == nullptr) {
             throw BadField(path, "not one of the words it may be");
         }

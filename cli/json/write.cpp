@@ -4,7 +4,7 @@
 #include <arpa/inet.h>
 
 #include "output/text.hpp"
-#include "json/jsonfields.hpp"
+#include "json/fields.hpp"
 
 namespace cli {
 
@@ -33,7 +33,7 @@ public:
 
     void text(const char *key, const SipString &text) { json[key] = textJson(text); }
 
-    SipString *ownText(const char *key, SipString *value) { return optionalText(key, value); }
+    SipString *namedText(const char *key, SipString *value) { return optionalText(key, value); }
 
     SipString *optionalText(const char *key, SipString *value) {
         if (value != nullptr) {
@@ -67,7 +67,7 @@ public:
     SipString *codeOrText(const char *key, uint32_t value, const Codes &codes, SipString *other,
                           uint32_t /*otherCode*/) {
         Json code = {{"code", value}};
-        if (const sdpline::Word *const word = sdpline::findByCode(codes.words, value)) {
+        if (const tables::KeywordRow *const word = tables::findByCode(codes.words, value)) {
             code["word"] = word->text;
         }
         if (other != nullptr) {
@@ -91,7 +91,7 @@ public:
         json[key] = std::move(inner.json);
     }
 
-    // An RTP m= line that ends behind the protocol has no list at all.
+    // An RTP m= line that ends after the protocol has no list at all.
     void payloads(const char *key, const SDPRtpPayLoads &payloads) {
         if (payloads.pulPayLoads == nullptr) {
             return;
@@ -140,21 +140,6 @@ public:
 };
 
 } // namespace
-
-Codes attributeTypes() {
-    static const std::vector<sdpline::Word> words = [] {
-        std::vector<sdpline::Word> rows;
-        for (uint32_t type = SDP_ATTR_RTPMAP; type <= SDP_ATTR_SETUP; ++type) {
-            std::string_view name = view(sstrSdpAttrNames[type - 1]);
-            name.remove_suffix(name.ends_with(':') ? 1 : 0);
-            if (name != " ") {
-                rows.push_back({name, type});
-            }
-        }
-        return rows;
-    }();
-    return {words, SDP_ATTR_RTPMAP, SDP_ATTR_SETUP};
-}
 
 Json jsonOf(SdpLine &line) {
     Output output;

@@ -13,7 +13,7 @@ expect "two files" 0 two.sdp nothing -- "$program" encode good.json good.json
 expect "an array of documents" 0 two.sdp nothing -- "$program" encode array.json
 
 # ---- Round trips
-printf 'v=0\no=\xff\xc3\xa9 1 2 IN IP6 h\ns=\x01\t"\\\xed\xa0\x80\ni=%s\nt=1 2\nr=7d 1h 0 25h\nt=3 4\n' \
+printf 'v=0\no=\xff\xc3\xa9 1 2 IN IP6 h\ns=\x01\t"\\\xed\xa0\x80\ni=%s\nt=1 2\nr=7d 1h 0 25h\n' \
   '\u0000 {"hex"}' >bytes.sdp
 file media.sdp <<'SDP'
 v=0
@@ -47,7 +47,7 @@ m=application 5002 TCP t120
 a=setup:passive
 SDP
 for body in bytes.sdp media.sdp "$source/examples/offer.sip"; do
-  for options in "" "--line-end lf" "--line-end cr" "--t38 1" "--t38 2 --line-end lf"; do
+  for options in "--t38 2" "--t38 2 --line-end cr" "--t38 2 --line-end lf"; do
     for avpf in "" --avpf; do
       "$program" format $options $avpf "$body" >formatted || echo "format of $body fails"
       expect "$body, $options $avpf" 0 formatted nothing -- \
@@ -57,6 +57,16 @@ for body in bytes.sdp media.sdp "$source/examples/offer.sip"; do
 done
 expect "bytes that are not UTF-8" 0 '~"userName": \{' nothing -- "$program" decode --json bytes.sdp
 expect "their digits" 0 '~"hex": "ffc3a9"' nothing -- "$program" decode --json bytes.sdp
+
+sed -i '/T38FaxTranscodingMMR/d' media.sdp
+for options in "" "--line-end cr" "--t38 1 --line-end lf"; do
+  "$program" format $options media.sdp >formatted || echo "format fails"
+  expect "flags that are set, $options" 0 formatted nothing -- \
+    sh -c '"$1" decode --json media.sdp | "$1" encode $2' _ "$program" "$options"
+done
+sed 's/T38FaxFillBitRemoval/&:0/' media.sdp >flag.sdp
+"$program" decode --json flag.sdp >flag.json
+expect "a flag that is not set" 0 '~^a=T38FaxFillBitRemoval:0' nothing -- "$program" encode flag.json
 
 # ---- What is no body
 refuse() { # NAME MESSAGE TEXT
@@ -78,6 +88,15 @@ refuse "a number too great" ": /version: not a number from 0 to 4294967295" \
   '{"version": 123456789012345678901234567890}'
 refuse "a line break in a value" ": /name: holds a line feed or a NUL, which no line can carry" \
   "$(sed 's/"name": "-"/"name": "-\\na=x"/' good.json)"
+refuse "an empty name" ': line 3, "s=": would be refused: '"$(
+  sed 's/^s=.*/s=\r/' good.sdp >empty.sdp
+  "$program" check --json empty.sdp | sed -n 's/.*"sentence": "\(.*\)",/\1/p' | tr -d '\\')" \
+  "$(sed 's/"name": "-"/"name": ""/' good.json)"
+"$program" encode --t38 1 flag.json >out 2>message
+expect "a flag that the style loses" 1 nothing '~^sdpline: flag.json: /media/2/attributes/0' -- \
+  "$program" encode --t38 1 flag.json
+refuse "a second time" ": /times/1: would be lost" \
+  "$(sed 's/"times": \[/&{"start":1,"stop":2},/' good.json | tr -d '\n' | sed 's/"start": *0/"start": 3/')"
 refuse "an unknown field" ': /: no field "colour" belongs here' \
   "$(sed 's/"version": 0/"version": 0, "colour": 1/' good.json)"
 refuse "an unknown field that a terminal would obey" ': /: no field "\x1b[1m" belongs here' \

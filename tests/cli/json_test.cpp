@@ -9,6 +9,7 @@
 #include "support/cases.hpp"
 #include "support/generator.hpp"
 #include "json/json.hpp"
+#include "json/readback.hpp"
 
 namespace {
 
@@ -231,12 +232,27 @@ void injure(json &document, std::mt19937 &engine) {
     }
 }
 
-// Whatever is taken can be written, and what is written has as many lines as it must.
+// What the text of a body decodes to, in JSON.
+json readBack(const std::string &text, bool avpf) {
+    const Configured configured(SDP_T38_STYLE_FLAG, avpf ? 1 : 0, SDP_LINE_END_CRLF);
+    const support::Body body = support::decoded(text);
+    return body ? json::parse(cli::jsonOf(*body).dump()) : json();
+}
+
+// The document with every code as a number with its word, and no empty list.
+json canonical(const json &document) {
+    std::string error;
+    const cli::Body body = cli::bodyOf(document, error);
+    return body ? json::parse(cli::jsonOf(*body).dump()) : json();
+}
+
+// Whatever is taken can be written, and is read back as it was or not written at all.
 TEST(JsonIn, TakesOrRefusesAnyJson) {
     std::mt19937 engine(7);
     size_t taken = 0;
+    size_t written = 0;
     size_t refused = 0;
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < 2500; ++i) {
         const support::Body original = support::decoded(support::generateBody(engine));
         json document = json::parse(cli::jsonOf(*original).dump());
         for (size_t n = engine() % 3; n < 3; ++n) {
@@ -246,15 +262,114 @@ TEST(JsonIn, TakesOrRefusesAnyJson) {
         const cli::Body body = cli::bodyOf(document, error);
         if (!body) {
             EXPECT_EQ(error.front(), '/') << error;
+            EXPECT_FALSE(cli::textOfJson(document, error));
             ++refused;
             continue;
         }
         ++taken;
         std::string problem;
         EXPECT_TRUE(cli::encodeBody(*body, problem)) << problem << '\n' << document.dump();
+        const std::optional<std::string> text = cli::textOfJson(document, problem);
+        EXPECT_NE(text.has_value(), !problem.empty());
+        if (text) {
+            ++written;
+            const json wanted = canonical(document);
+            EXPECT_TRUE(readBack(*text, false) == wanted || readBack(*text, true) == wanted)
+                << support::readable(*text) << '\n'
+                << document.dump();
+        }
     }
-    EXPECT_GT(taken, 50u);
-    EXPECT_GT(refused, 500u);
+    EXPECT_GT(taken, 100u);
+    EXPECT_GT(written, 50u);
+    EXPECT_GT(refused, 800u);
+}
+
+// ---- Read back
+
+// The text of the sample with one field replaced, or why there is none.
+std::string textWith(const char *field, const json &value) {
+    json document = sample();
+    document[json::json_pointer(field)] = value;
+    std::string error;
+    const std::optional<std::string> text = cli::textOfJson(document, error);
+    EXPECT_NE(text.has_value(), !error.empty());
+    return text ? "written" : error;
+}
+
+TEST(JsonReadBack, RefusesWhatADecoderWould) {
+    EXPECT_EQ(textWith("/name", "x"), "written");
+    EXPECT_EQ(textWith("/name", "").substr(0, 29), "line 3, \"s=\": would be refuse");
+    EXPECT_EQ(textWith("/uri", "").substr(0, 29), "line 4, \"u=\": would be refuse");
+    EXPECT_EQ(textWith("/origin/userName", "a b").substr(0, 14), "line 2, \"o=a b");
+    EXPECT_EQ(textWith("/origin/sessionId", "x").substr(0, 14), "line 2, \"o=- x");
+    EXPECT_EQ(textWith("/origin/address", "").substr(0, 10), "line 2, \"o");
+    EXPECT_EQ(textWith("/media/0/format/payloads", json::array()).substr(0, 24),
+              "line 8, \"m=audio 5004 RT");
+    EXPECT_EQ(textWith("/media/1/format/text", "1 2").substr(0, 16), "line 10, \"m=text");
+    EXPECT_EQ(textWith("/media/1/type", "a b").substr(0, 16), "line 10, \"m=a b ");
+    EXPECT_EQ(textWith("/origin/netType", "ATM").substr(0, 14), "line 2, \"o=- 1");
+    EXPECT_EQ(textWith("/name", "x\na=evil"),
+              "/name: holds a line feed or a NUL, which no line can carry");
+    EXPECT_EQ(textWith("/name", std::string(1024, 'x')).substr(0, 12), "line 3, \"s=x");
+    EXPECT_EQ(textWith("/attributes", json(400, {{"type", 9}, {"text", "0 abcdefgh"}})),
+              "the body would be 7784 bytes long, more than 4093");
+}
+
+TEST(JsonReadBack, RefusesWhatWouldChange) {
+    EXPECT_EQ(textWith("/times/1", {{"start", 1}, {"stop", 2}}), "/times/1: would be lost");
+    EXPECT_EQ(textWith("/attributes/0/rtpmap/profile", 3),
+              "/attributes/0/rtpmap/profile: would be read back as 1");
+    EXPECT_EQ(textWith("/attributes/0/rtpmap/name", ""),
+              "/attributes/0/rtpmap/profile: would be read back as 0");
+    EXPECT_EQ(textWith("/media/0/ports", 0), "/media/0/ports: would be read back as 1");
+    EXPECT_EQ(textWith("/media/1/protocol", {{"code", 7}, {"other", "udp"}}),
+              "/media/1/protocol/code: would be read back as 2");
+    EXPECT_EQ(textWith("/media/0/attributes/0/precondition/strength", 1),
+              "/media/0/attributes/0/precondition/strength/code: would be read back as 0");
+    EXPECT_EQ(textWith("/media/1/attributes/0/ipbcp/reserved8", 1),
+              "/media/1/attributes/0/ipbcp/reserved8: would be read back as 0");
+    EXPECT_EQ(textWith("/connection/ttl", nullptr).substr(0, 10), "/connectio");
+}
+
+TEST(JsonReadBack, TakesAnEmptyListForNone) {
+    for (const char *const field : {"/emails", "/phones", "/bandwidths", "/attributes",
+                                    "/times/0/repeats", "/media/0/attributes"}) {
+        EXPECT_EQ(textWith(field, json::array()), "written") << field;
+    }
+}
+
+TEST(JsonReadBack, SetsTheDecoderForTheBodyAndBack) {
+    EXPECT_EQ(textWith("/media/0/protocol", "RTP/AVPF"), "written");
+    EXPECT_EQ(textWith("/media/1/protocol", {{"code", 7}, {"other", "RTP/AVPF"}}), "written");
+    EXPECT_EQ(SdpGetSupMedProtoRtpAvpf(), 0u);
+}
+
+TEST(JsonReadBack, WritesFlagsSoThatNoneIsLost) {
+    json document = sample();
+    document["attributes"].push_back({{"type", "T38FaxFillBitRemoval"}, {"value", 1}});
+    std::string error;
+    EXPECT_NE(cli::textOfJson(document, error)->find("a=T38FaxFillBitRemoval\r\n"),
+              std::string::npos);
+    document["attributes"].push_back({{"type", "T38FaxTranscodingMMR"}, {"value", 0}});
+    EXPECT_NE(cli::textOfJson(document, error)->find("a=T38FaxTranscodingMMR:0\r\n"),
+              std::string::npos);
+    EXPECT_EQ(SdpGetT380ptCfg(), static_cast<uint32_t>(SDP_T38_STYLE_FLAG));
+    const Configured configured(SDP_T38_STYLE_FLAG_TOO, 0, SDP_LINE_END_CRLF);
+    EXPECT_FALSE(cli::textOfJson(document, error));
+    EXPECT_EQ(error, "/attributes/2: would be lost");
+}
+
+// Its lines are those that a decoder reads, once they end as it wants.
+TEST(JsonReadBack, ReadsOtherLineEndsToo) {
+    for (const uint32_t lineEnd : {SDP_LINE_END_CR, SDP_LINE_END_LF}) {
+        const Configured configured(SDP_T38_STYLE_FLAG, 0, lineEnd);
+        EXPECT_EQ(textWith("/name", "x"), "written");
+        EXPECT_EQ(textWith("/name", "x\ry").starts_with("line 4, \"y\": would be refused: "),
+                  lineEnd == SDP_LINE_END_CR);
+        if (lineEnd == SDP_LINE_END_LF) {
+            EXPECT_EQ(textWith("/name", "x\r"), "/name: would be read back as \"x\"");
+        }
+    }
 }
 
 } // namespace

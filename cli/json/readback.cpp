@@ -1,0 +1,136 @@
+#include "json/readback.hpp"
+
+#include <algorithm>
+
+#include "input/body.hpp"
+#include "output/text.hpp"
+#include "json/json.hpp"
+
+namespace cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Settings of the library that a body needs to be written, or read; set back in the end.
+class Settings {
+public:
+    Settings() : t38Style_(SdpGetT380ptCfg()), avpf_(SdpGetSupMedProtoRtpAvpf()) {}
+    ~Settings() {
+        SdpSetT38OptCfg(t38Style_);
+        SdpSetSupMedProtoRtpAvpf(avpf_);
+    }
+    Settings(const Settings &) = delete;
+    Settings &operator=(const Settings &) = delete;
+
+private:
+    uint32_t t38Style_;
+    uint32_t avpf_;
+};
+
+bool hasProtocol(const SdpLine &line, uint32_t code) {
+    for (uint32_t i = 0; i < line.stMediaSet.ulNoOfMediaDescs; ++i) {
+        if (line.stMediaSet.ppstMediaDescs[i]->stMediaField.stProto.enProto == code) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string shown(const Json &value) {
+    return value.dump(-1, ' ', true, Json::error_handler_t::replace);
+}
+
+// Where the second differs from the first, as "/media/0/port: ..."; empty where it does not.
+std::string differenceOf(const Json &wanted, const Json &got, const std::string &path) {
+    if (wanted.type() != got.type() || !wanted.is_structured()) {
+        return wanted == got ? "" : path + ": would be read back as " + shown(got);
+    }
+    if (wanted.is_array()) {
+        for (size_t i = 0; i < std::max(wanted.size(), got.size()); ++i) {
+            const std::string item = path + '/' + std::to_string(i);
+            if (i >= wanted.size() || i >= got.size()) {
+                return item + (i >= got.size() ? ": would be lost" : ": would be added");
+            }
+            if (std::string found = differenceOf(wanted[i], got[i], item); !found.empty()) {
+                return found;
+            }
+        }
+        return "";
+    }
+    for (const auto &[key, value] : wanted.items()) {
+        const auto found = got.find(key);
+        const std::string inner = path + '/' + key;
+        std::string problem =
+            found == got.end() ? inner + ": would be lost" : differenceOf(value, *found, inner);
+        if (!problem.empty()) {
+            return problem;
+        }
+    }
+    for (const auto &[key, value] : got.items()) {
+        if (!wanted.contains(key)) {
+            return path + '/' + key + ": would be read back as " + shown(value);
+        }
+    }
+    return "";
+}
+
+// Why the text would be refused, with the line of it that is to blame.
+std::string refusalOf(const std::string &text, const Decoded &refused) {
+    if (text.size() > SDP_MAX_BODY) {
+        return "the body would be " + std::to_string(text.size()) + " bytes long, more than " +
+               std::to_string(SDP_MAX_BODY);
+    }
+    SDPResultText words = {};
+    SdpLibDescribeResult(refused.result, &words);
+    const std::string why = std::string("would be refused: ") + words.pcSentence;
+    const SDPFailure &failure = refused.failure;
+    if (failure.ulLine == 0 || failure.ulOffset > text.size()) {
+        return why;
+    }
+    const size_t before = text.rfind('\n', failure.ulOffset == 0 ? 0 : failure.ulOffset - 1);
+    const size_t begin = before == std::string::npos || failure.ulOffset == 0 ? 0 : before + 1;
+    const std::string_view line =
+        std::string_view(text).substr(begin, text.find_first_of("\r\n", begin) - begin);
+    return "line " + std::to_string(failure.ulLine) + ", \"" + std::string(line) + "\": " + why;
+}
+
+// What is wrong with the text as that of the body; empty where it is right.
+std::string problemOf(std::string text, const SdpLine &line, const Json &wanted) {
+    // A decoder takes no CR for a line end.
+    if (view(SdpGetCrlfString(0)) == "\r") {
+        std::replace(text.begin(), text.end(), '\r', '\n');
+    }
+    SdpSetSupMedProtoRtpAvpf(hasProtocol(line, SDP_PROTO_RTP_AVPF) ? 1 : 0);
+    const Decoded decoded = decodeBody(text);
+    return decoded.body ? differenceOf(wanted, jsonOf(*decoded.body), "")
+                        : refusalOf(text, decoded);
+}
+
+} // namespace
+
+std::optional<std::string> textOfJson(const nlohmann::json &document, std::string &error) {
+    const Body body = bodyOf(document, error);
+    if (!body) {
+        return std::nullopt;
+    }
+    const Settings settings;
+    const Json wanted = jsonOf(*body);
+    std::optional<std::string> text = encodeBody(*body, error);
+    if (!text) {
+        return std::nullopt;
+    }
+    error = problemOf(*text, *body, wanted);
+    if (!error.empty() && SdpGetT380ptCfg() == SDP_T38_STYLE_FLAG) {
+        SdpSetT38OptCfg(SDP_T38_STYLE_VALUE);
+        std::string other;
+        const std::optional<std::string> withValues = encodeBody(*body, other);
+        if (withValues && problemOf(*withValues, *body, wanted).empty()) {
+            error.clear();
+            return withValues;
+        }
+    }
+    return error.empty() ? text : std::nullopt;
+}
+
+} // namespace cli
