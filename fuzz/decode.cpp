@@ -10,12 +10,14 @@ namespace {
 using fuzz::Body;
 using fuzz::require;
 
-constexpr uint64_t kMostMemory = 64 * uint64_t{SDP_MAX_BODY};
+uint64_t mostMemory() {
+    return 64 * uint64_t{SdpGetMaxBodySize()};
+}
 
 // The place of the refusal lies in the text, and its line and column are those of its offset.
 void requirePlaceIn(std::string_view text, const SDPFailure &failure) {
     if (failure.ulLine == 0) {
-        require(text.empty() || text.size() > SDP_MAX_BODY, "a text that was read has a place");
+        require(text.empty() || text.size() > SdpGetMaxBodySize(), "a text that was read has a place");
         require(failure.ulColumn == 0 && failure.ulOffset == 0, "without line there is no column");
         return;
     }
@@ -65,7 +67,7 @@ public:
     LittleMemory() : before_(statistics().ulHeapBytes) { SipMmResetPeak(); }
 
     void check() const {
-        require(statistics().ulHeapBytesPeak - before_ <= kMostMemory,
+        require(statistics().ulHeapBytesPeak - before_ <= mostMemory(),
                 "a decode takes little memory");
     }
 
@@ -90,7 +92,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     SDPResult result = 0;
     const Body body = fuzz::decode(text, &result);
     littleMemory.check();
-    require(result != 0 || (!text.empty() && text.size() <= SDP_MAX_BODY), "a body's length fits");
+    require(result != 0 || (!text.empty() && text.size() <= SdpGetMaxBodySize()), "a body's length fits");
     if (result != 0) {
         requireReason(text, result);
     }

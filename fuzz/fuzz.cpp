@@ -77,11 +77,13 @@ Exact::Exact(std::string_view bytes) : bytes_(new uint8_t[bytes.size()]), size_(
 }
 
 Configuration Configuration::of(uint8_t byte) {
-    return {byte % 3u, byte / 3u % 2, SDP_LINE_END_CRLF + byte / 6u % 3};
+    return {byte % 3u, byte / 3u % 2, SDP_LINE_END_CRLF + byte / 6u % 3, byte / 18u % 2,
+            byte / 36u % 2};
 }
 
 uint8_t Configuration::byte() const {
-    return static_cast<uint8_t>(t38Style + 3 * rtpAvpf + 6 * (lineEnd - SDP_LINE_END_CRLF));
+    return static_cast<uint8_t>(t38Style + 3 * rtpAvpf + 6 * (lineEnd - SDP_LINE_END_CRLF) +
+                                18 * rtpFamily + 36 * longBodies);
 }
 
 void Configuration::apply() const {
@@ -90,6 +92,9 @@ void Configuration::apply() const {
     require(SdpSetT38OptCfg(t38Style) == 0, "every T.38 style can be set");
     require(SdpLibExtConfig(SDP_CONFIG_LINE_END, &end) == 0, "every line end can be set");
     SdpSetSupMedProtoRtpAvpf(rtpAvpf);
+    SdpSetSupMedProtoRtpFamily(rtpFamily);
+    require(SdpSetMaxBodySize(longBodies != 0 ? SDP_MAX_LONG_BODY : SDP_MAX_BODY) == 0,
+            "every size of bodies can be set");
 }
 
 NothingLeaks::NothingLeaks() : before_() {

@@ -59,6 +59,8 @@ struct Configuration {
     uint32_t t38Style;
     uint32_t rtpAvpf;
     uint32_t lineEnd;
+    uint32_t rtpFamily;
+    uint32_t longBodies;
 
     static Configuration of(uint8_t byte);
     uint8_t byte() const;

@@ -22,7 +22,10 @@ using support::Case;
 
 std::string configurationOf(const Case &current) {
     const uint32_t avpf = current.avpf ? 1 : 0;
-    const fuzz::Configuration configuration = {current.t38Style, avpf, current.lineEnd};
+    const uint32_t family = current.family ? 1 : 0;
+    const uint32_t longBodies = current.maxBody > SDP_MAX_BODY ? 1 : 0;
+    const fuzz::Configuration configuration = {current.t38Style, avpf, current.lineEnd, family,
+                                               longBodies};
     return {static_cast<char>(configuration.byte())};
 }
 

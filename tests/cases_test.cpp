@@ -115,6 +115,8 @@ public:
 
     void SetUp() override {
         SdpSetSupMedProtoRtpAvpf(case_.avpf ? 1 : 0);
+        SdpSetSupMedProtoRtpFamily(case_.family ? 1 : 0);
+        ASSERT_EQ(SdpSetMaxBodySize(case_.maxBody), 0u);
         SdpSetT38OptCfg(case_.t38Style);
         uint32_t lineEnd = case_.lineEnd;
         ASSERT_EQ(SdpLibExtConfig(SDP_CONFIG_LINE_END, &lineEnd), 0u);
@@ -126,6 +128,8 @@ public:
     void TearDown() override {
         EXPECT_EQ(Held::now(), held_) << "something leaked";
         SdpSetSupMedProtoRtpAvpf(0);
+        SdpSetSupMedProtoRtpFamily(0);
+        SdpSetMaxBodySize(SDP_MAX_BODY);
         SdpSetT38OptCfg(SDP_T38_STYLE_FLAG);
         uint32_t lineEnd = SDP_LINE_END_CRLF;
         SdpLibExtConfig(SDP_CONFIG_LINE_END, &lineEnd);
@@ -180,7 +184,7 @@ private:
     }
 
     void expectPlace(const std::string &body, const SDPFailure &plain, uint32_t shift) {
-        if (body.size() > SDP_MAX_BODY) {
+        if (body.size() > case_.maxBody) {
             return;
         }
         SDPFailure failure = {};

@@ -73,8 +73,9 @@ enum {
     SDP_ERRCLASS_BAD_ADDRESS = 104      /* an IPv6 address; in the encoder: a field encoder */
 };
 
-#define SDP_MAX_BODY  4093u /* bytes of a body that is decoded */
-#define SDP_MAX_VALUE 1023u /* bytes of one text value or token */
+#define SDP_MAX_BODY      4093u  /* bytes of a body that is decoded, see SdpSetMaxBodySize */
+#define SDP_MAX_LONG_BODY 65535u /* the most that SdpSetMaxBodySize admits */
+#define SDP_MAX_VALUE     1023u  /* bytes of one text value or token */
 
 /* ---- Whole bodies ---------------------------------------------------------------------------- */
 
@@ -85,6 +86,22 @@ enum {
  * null and nothing allocated.
  */
 SDPLINE_API SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine);
+
+#pragma pack(push, 4)
+
+/* What one decode is to take beyond the process's settings; see the functions that set those. */
+typedef struct SDPDecodeOptions {
+    uint32_t bRtpFamily;    /* exactly 1: as SdpSetSupMedProtoRtpFamily(1) */
+    uint32_t ulMaxBodySize; /* as SdpSetMaxBodySize: 1 to SDP_MAX_LONG_BODY */
+} SDPDecodeOptions;
+
+#pragma pack(pop)
+
+/* The same under options of this decode's own, which the process's settings do not touch; null
+ * options are the process's. A size out of bounds is refused, and *ppstSdpLine left alone. */
+SDPLINE_API SDPResult SdpLibDecodeSdpWithOptions(const SipString *pstSdpText,
+                                                 const SDPDecodeOptions *pstOptions,
+                                                 SdpLine **ppstSdpLine);
 
 /* The same for a body held in a string buffer, which stays the caller's. */
 SDPLINE_API SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine **ppstSdpLine);
@@ -197,6 +214,21 @@ SDPLINE_API uint32_t SdpGetT380ptCfg(void);
 /* Whether "RTP/AVPF" in an m= line is a protocol of its own (exactly 1) or kept as other text. */
 SDPLINE_API void SdpSetSupMedProtoRtpAvpf(uint32_t bValue);
 SDPLINE_API uint32_t SdpGetSupMedProtoRtpAvpf(void);
+
+/*
+ * Whether a protocol word that ends in RTP/AVP, RTP/AVPF, RTP/SAVP or RTP/SAVPF, and has no code of
+ * its own, takes a list of payload numbers as RTP/AVP does (exactly 1): "UDP/TLS/RTP/SAVPF", which
+ * browsers offer, is one. The record then has the protocol code SDP_PROTO_OTHER with the word, and
+ * the format code SDP_FMT_RTP_PAYLOADS. Off at first: such a word takes one format.
+ */
+SDPLINE_API void SdpSetSupMedProtoRtpFamily(uint32_t bValue);
+SDPLINE_API uint32_t SdpGetSupMedProtoRtpFamily(void);
+
+/* The most bytes of a body that is decoded: 1 to SDP_MAX_LONG_BODY, SDP_MAX_BODY at first. A body
+ * longer than SDP_MAX_BODY is decoded from a copy in memory of gSipSystemMemCp, which is given back
+ * before the decode returns; others need none. A refused size leaves the setting as it was. */
+SDPLINE_API SDPResult SdpSetMaxBodySize(uint32_t ulBytes);
+SDPLINE_API uint32_t SdpGetMaxBodySize(void);
 
 SDPLINE_API extern const SipString g_gstSdpCrlfString[3]; /* CR LF, LF, CR */
 SDPLINE_API extern const SipString *g_gpstSdpCrlfCfg;     /* the selected one, CR LF at first */

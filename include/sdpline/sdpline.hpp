@@ -66,6 +66,7 @@
 #include "sdpline/cpp/attributes.hpp"
 #include "sdpline/cpp/attributeseditor.hpp"
 #include "sdpline/cpp/decodemutex.hpp"
+#include "sdpline/cpp/decodeoptions.hpp"
 #include "sdpline/cpp/detail/clone.hpp"
 #include "sdpline/cpp/detail/decode.hpp"
 #include "sdpline/cpp/detail/lines.hpp"
@@ -86,14 +87,14 @@ class Body {
 public:
     /* ---- Making and giving away -------------------------------------------------------------- */
 
-    /* Reads a body; the text is not kept. It has at most SDP_MAX_BODY bytes; what follows its first
-     * empty line is not read. An Error tells the line and column of the text that was refused. */
+    /* Reads a body; the text is not kept. It has at most SdpGetMaxBodySize() bytes; what follows its
+     * first empty line is not read. An Error tells the line and column of the text that was refused. */
     static Result<Body> decode(std::string_view text) {
-        auto decoded = internal::decodeText(text);
-        if (!decoded) {
-            return decoded.error();
-        }
-        return Body(std::move(*decoded));
+        return ofDecoded(internal::decodeText(text));
+    }
+    /* The same under options of this decode's own: browsers' offers, bodies of up to 65535 bytes. */
+    static Result<Body> decode(std::string_view text, const DecodeOptions &options) {
+        return ofDecoded(internal::decodeText(text, &options));
     }
 
     /* A body of its first three lines, and no time: "t=0 0" is written. */
@@ -277,6 +278,13 @@ public:
 
 private:
     explicit Body(internal::BodyHandle line) : line_(std::move(line)) {}
+
+    static Result<Body> ofDecoded(Result<internal::BodyHandle> decoded) {
+        if (!decoded) {
+            return decoded.error();
+        }
+        return Body(std::move(*decoded));
+    }
 
     /* Constness is the methods' affair: the encoder takes records that it may change. */
     SdpLine &line() const {

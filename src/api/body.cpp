@@ -5,6 +5,7 @@
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
 #include "services/allocation.hpp"
+#include "services/settings.hpp"
 
 namespace sdpline {
 
@@ -65,6 +66,18 @@ SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
     line->pstMemCp = memCp;
     *ppstSdpLine = line;
     return 0;
+}
+
+SDPResult SdpLibDecodeSdpWithOptions(const SipString *pstSdpText,
+                                     const SDPDecodeOptions *pstOptions, SdpLine **ppstSdpLine) {
+    if (pstOptions != nullptr &&
+        (pstOptions->ulMaxBodySize == 0 || pstOptions->ulMaxBodySize > SDP_MAX_LONG_BODY)) {
+        return fail(Check::DecodeOptions);
+    }
+    decodeOptions = pstOptions;
+    const SDPResult result = SdpLibDecodeSdp(pstSdpText, ppstSdpLine);
+    decodeOptions = nullptr;
+    return result;
 }
 
 SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine **ppstSdpLine) {

@@ -1,8 +1,16 @@
 // The process-wide settings and the calls that change them.
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
+#include "services/settings.hpp"
 
 using namespace sdpline;
+
+namespace sdpline {
+
+SDPDecodeOptions decodeSettings = {0, SDP_MAX_BODY};
+SDPLINE_PER_THREAD const SDPDecodeOptions *decodeOptions = nullptr;
+
+} // namespace sdpline
 
 namespace {
 
@@ -75,6 +83,26 @@ void SdpSetSupMedProtoRtpAvpf(uint32_t bValue) {
 
 uint32_t SdpGetSupMedProtoRtpAvpf() {
     return g_bSupMedProtoRtpAvpf;
+}
+
+void SdpSetSupMedProtoRtpFamily(uint32_t bValue) {
+    decodeSettings.bRtpFamily = bValue;
+}
+
+uint32_t SdpGetSupMedProtoRtpFamily() {
+    return decodeSettings.bRtpFamily;
+}
+
+SDPResult SdpSetMaxBodySize(uint32_t ulBytes) {
+    if (ulBytes == 0 || ulBytes > SDP_MAX_LONG_BODY) {
+        return fail(Check::ConfigMaxBody);
+    }
+    decodeSettings.ulMaxBodySize = ulBytes;
+    return 0;
+}
+
+uint32_t SdpGetMaxBodySize() {
+    return decodeSettings.ulMaxBodySize;
 }
 
 void SdpSetFnAlloc(SdpFnAlloc pfnAlloc) {

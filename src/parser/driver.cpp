@@ -193,8 +193,9 @@ SDPResult parseLines(Lexer &lexer, SdpLine &line) {
 
 // ---- Normal form
 
+constexpr uint32_t kEndSize = 3; // LF LF NUL after every body
 constexpr uint32_t kBufferSize = 4096;
-static_assert(SDP_MAX_BODY + 3 <= kBufferSize, "LF LF NUL is put behind every body");
+static_assert(SDP_MAX_BODY + kEndSize <= kBufferSize);
 
 // What stands in the normal form for a text that begins with a byte of CR or below: one byte or
 // none. Reading goes on at `next`.
@@ -309,9 +310,55 @@ SDPResult refuse(Check check) {
     return result;
 }
 
+// ---- From the text to the records
+
+// Parses the text from its normal form, which is made in the buffer.
+SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString &text,
+                                 SdpLine &line) {
+    const auto *const bytes = reinterpret_cast<const uint8_t *>(text.pcData);
+    if (own.fill) [[likely]] {
+        normalise(bytes, text.ulLen, buffer); // what would be cleared is written over
+    } else {
+        convertCRLFToCR(bytes, text.ulLen, buffer, size);
+    }
+    const SipString input = {text.ulLen, reinterpret_cast<char *>(buffer)};
+    setInput(&input);
+    setLexerContext(SDP_LEXCTX_SDP);
+    const SDPResult result = startSdpParsing(&line);
+    if (result != 0) {
+        rememberPlace(text, result);
+    }
+    return result;
+}
+
+// The same for a body that SdpSetMaxBodySize admits: its normal form lives as long as the parse.
+[[gnu::cold, gnu::noinline]] SDPResult parseLong(const SipString &text, SdpLine &line) {
+    const uint32_t size = text.ulLen + kEndSize;
+    auto *const buffer = static_cast<uint8_t *>(gSipSystemMemCp->pfnAlloc(gSipSystemMemCp, size));
+    if (buffer == nullptr) {
+        return refuse(Check::ParseCopyAlloc);
+    }
+    const SDPResult result = parseIn(buffer, size, text, line);
+    gSipSystemMemCp->pfnFree(buffer);
+    return result;
+}
+
+SDPLINE_INLINE SDPResult parseShort(const SipString &text, SdpLine &line) {
+    uint8_t buffer[kBufferSize];
+    return parseIn(buffer, kBufferSize, text, line);
+}
+
 } // namespace
 
 SDPLINE_PER_THREAD SDPFailure lastFailure = {};
+
+void **extendLong(void **array, uint32_t count, uint32_t &room) {
+    if (count < room) {
+        return array;
+    }
+    room = settings().ulMaxBodySize > SDP_MAX_BODY ? 2 * count : count + 1;
+    return extendArray(array, count, room);
+}
 
 } // namespace sdpline
 
@@ -320,7 +367,7 @@ using namespace sdpline;
 extern "C" {
 
 SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine) {
-    if (pstText == nullptr || pstText->ulLen == 0 || pstText->ulLen > SDP_MAX_BODY ||
+    if (pstText == nullptr || pstText->ulLen == 0 || pstText->ulLen > settings().ulMaxBodySize ||
         pstText->pcData == nullptr || ppstLine == nullptr) {
         return refuse(Check::ParseArgument);
     }
@@ -329,19 +376,9 @@ SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine) {
     if (line == nullptr) {
         return refuse(Check::ParseAlloc);
     }
-    uint8_t buffer[kBufferSize];
-    const auto *const text = reinterpret_cast<const uint8_t *>(pstText->pcData);
-    if (own.fill) [[likely]] {
-        normalise(text, pstText->ulLen, buffer); // what would be cleared is written over
-    } else {
-        convertCRLFToCR(text, pstText->ulLen, buffer, kBufferSize);
-    }
-    const SipString input = {pstText->ulLen, reinterpret_cast<char *>(buffer)};
-    setInput(&input);
-    setLexerContext(SDP_LEXCTX_SDP);
-    const SDPResult result = startSdpParsing(line);
+    const SDPResult result = pstText->ulLen <= SDP_MAX_BODY ? parseShort(*pstText, *line)
+                                                            : parseLong(*pstText, *line);
     if (result != 0) {
-        rememberPlace(*pstText, result);
         clearSdpLexer();
         freeBytes(line);
         passUp(Check::ParseRefused, result);

@@ -149,14 +149,18 @@ SDPResult keepProto(SDPMediaField &field, std::string_view word) {
 SDPLINE_INLINE SDPResult protoAndFormats(Lexer &lexer, SDPMediaField &field,
                                          std::string_view word) {
     const Word *const known = findByText(kProtoWords, word);
-    if (known == nullptr || (known->code == SDP_PROTO_RTP_AVPF && g_bSupMedProtoRtpAvpf != 1)) {
+    uint32_t code = known != nullptr ? known->code : uint32_t{SDP_PROTO_OTHER};
+    if (code == SDP_PROTO_RTP_AVPF && g_bSupMedProtoRtpAvpf != 1) {
+        code = SDP_PROTO_OTHER;
+    }
+    bool rtp = takesPayloads(code);
+    if (code == SDP_PROTO_OTHER) {
         if (const SDPResult result = keepProto(field, word)) {
             return result;
         }
-        return otherFormat(lexer, field, SDP_PROTO_OTHER);
+        rtp = settings().bRtpFamily == 1 && endsInRtpProfile(word);
     }
-    return takesPayloads(known->code) ? rtpFormats(lexer, field, known->code)
-                                      : otherFormat(lexer, field, known->code);
+    return rtp ? rtpFormats(lexer, field, code) : otherFormat(lexer, field, code);
 }
 
 // m= media SP port [ "/" number-of-ports ] SP proto formats LF

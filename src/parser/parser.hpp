@@ -13,6 +13,7 @@
 #include "lexer/lexer.hpp"
 #include "sdpline/sdpinternals.h"
 #include "services/allocation.hpp"
+#include "services/settings.hpp"
 #include "tables/keywords.hpp"
 #include "text/scan.hpp"
 
@@ -117,6 +118,13 @@ inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
     return longer;
 }
 
+// A list that no body of SDP_MAX_BODY bytes can hold.
+constexpr uint32_t kLongList = 2048;
+
+// One more slot for a long list. Where longer bodies are decoded it doubles when its room is used up,
+// so that a body takes time in proportion to its length.
+[[gnu::cold, gnu::noinline]] void **extendLong(void **array, uint32_t count, uint32_t &room);
+
 // Builds a list of pointers, one slot longer for each item. `attach` is given every array the
 // list moves to, `parse` fills one zeroed item, `more` tells whether another item follows.
 // Counters of 8 bits wrap: the item behind the 256th takes slot 0 again, and the list shrinks to
@@ -125,6 +133,7 @@ template <class Item, class Counter, class Attach, class Parse, class More>
 SDPLINE_INLINE SDPResult parseList(Lexer &lexer, Counter &count, ListChecks checks, Attach attach,
                                    Parse parse, More more) {
     count = 0;
+    uint32_t room = 0; // of a long list
     auto **slots = allocate<Item *>(row(checks.array).function);
     if (slots == nullptr) {
         return fail(checks.array);
@@ -143,8 +152,13 @@ SDPLINE_INLINE SDPResult parseList(Lexer &lexer, Counter &count, ListChecks chec
             return 0;
         }
         if (count != 0) {
-            slots = reinterpret_cast<Item **>(extendArray(reinterpret_cast<void **>(slots), count,
-                                                          static_cast<uint32_t>(count) + 1));
+            auto **const full = reinterpret_cast<void **>(slots);
+            if (sizeof(Counter) > 1 && count >= kLongList) [[unlikely]] {
+                slots = reinterpret_cast<Item **>(extendLong(full, count, room));
+            } else {
+                slots = reinterpret_cast<Item **>(
+                    extendArray(full, count, static_cast<uint32_t>(count) + 1));
+            }
             if (slots == nullptr) {
                 return fail(checks.grow);
             }

@@ -37,7 +37,7 @@ TEST(Json, KeepsEveryAcceptedCase) {
     for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
         if (!current.refused) {
             SCOPED_TRACE(current.file + ':' + std::to_string(current.at));
-            const Configured configured(current.t38Style, current.avpf ? 1 : 0, current.lineEnd);
+            const Configured configured(current);
             expectNoLoss(current.body);
             ++accepted;
         }

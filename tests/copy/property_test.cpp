@@ -168,8 +168,7 @@ TEST_F(LinesOfBodies, OfEveryCaseAreCopiedClearedAndFreed) {
     for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
         if (!current.refused) {
             SCOPED_TRACE(current.file + ": " + current.title);
-            const support::Configured configured(current.t38Style, current.avpf ? 1 : 0,
-                                                 current.lineEnd);
+            const support::Configured configured(current);
             checkLines(current.body, kinds_);
         }
         if (HasFailure()) {

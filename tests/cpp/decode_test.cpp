@@ -144,6 +144,31 @@ TEST(CppDecode, AThreadThatHoldsTheLockIsRefused) {
 }
 #endif
 
+TEST(CppDecode, OptionsGoWithTheirDecode) {
+    const std::string offer =
+        "v=0\r\no=- 1 1 IN IP4 h\r\ns=-\r\nt=0 0\r\nm=audio 9 UDP/TLS/RTP/SAVPF 111 63\r\n";
+    EXPECT_FALSE(Body::decode(offer));
+    const auto body = Body::decode(offer, {.rtpFamily = true});
+    ASSERT_TRUE(body) << body.error().message();
+    EXPECT_EQ(body->media()[0].protocol().text(), "UDP/TLS/RTP/SAVPF");
+    EXPECT_EQ(body->media()[0].payloads().size(), 2u);
+    EXPECT_EQ(written(*body), offer);
+    EXPECT_FALSE(Body::decode(offer, {})) << "options are those of one decode";
+
+    std::string longOffer = offer.substr(0, offer.find("m="));
+    while (longOffer.size() < 2 * SDP_MAX_BODY) {
+        longOffer += "a=candidate:1 1 udp 2130706431 192.0.2.1 5004 typ host\r\n";
+    }
+    EXPECT_FALSE(Body::decode(longOffer));
+    const auto longBody = Body::decode(longOffer, {.maxBodySize = SDP_MAX_LONG_BODY});
+    ASSERT_TRUE(longBody) << longBody.error().message();
+    EXPECT_EQ(written(*longBody), longOffer);
+    const auto refused = Body::decode(offer, {.maxBodySize = SDP_MAX_LONG_BODY + 1});
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().check, "DecodeOptions");
+    EXPECT_EQ(refused.error().line, 0u);
+}
+
 TEST(CppDecode, TheTextIsNotKept) {
     std::string text(kEveryLine);
     const Body body = decoded(text);

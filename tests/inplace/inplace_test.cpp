@@ -145,8 +145,7 @@ TEST(InPlace, isWhatAProgramOfTheLibrariesAloneGets) {
 
 TEST(InPlace, givesWhatTheCallsGiveForEveryCase) {
     for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
-        const support::Configured configured(current.t38Style, current.avpf ? 1 : 0,
-                                             current.lineEnd);
+        const support::Configured configured(current);
         SCOPED_TRACE(current.file + ": " + current.title);
         expectTheSame(current.body, current.body.size() < 400 ? 1 : 97);
     }

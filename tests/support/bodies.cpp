@@ -70,8 +70,16 @@ Configured::Configured(uint32_t t38Style, uint32_t rtpAvpf, uint32_t lineEnd) {
     configure(t38Style, rtpAvpf, lineEnd);
 }
 
+Configured::Configured(const Case &current)
+    : Configured(current.t38Style, current.avpf ? 1 : 0, current.lineEnd) {
+    SdpSetSupMedProtoRtpFamily(current.family ? 1 : 0);
+    EXPECT_EQ(SdpSetMaxBodySize(current.maxBody), 0u);
+}
+
 Configured::~Configured() {
     configure(SDP_T38_STYLE_FLAG, 0, SDP_LINE_END_CRLF);
+    SdpSetSupMedProtoRtpFamily(0);
+    SdpSetMaxBodySize(SDP_MAX_BODY);
 }
 
 } // namespace support

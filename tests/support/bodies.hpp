@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "sdpline/sdpline.h"
+#include "support/cases.hpp"
 #include "support/bodylines.hpp"
 
 namespace support {
@@ -32,6 +33,7 @@ std::string readable(std::string_view text);
 class Configured {
 public:
     Configured(uint32_t t38Style, uint32_t rtpAvpf, uint32_t lineEnd);
+    explicit Configured(const Case &current);
     ~Configured();
     Configured(const Configured &) = delete;
     Configured &operator=(const Configured &) = delete;

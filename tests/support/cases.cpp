@@ -80,7 +80,11 @@ std::string bodyOf(const Block &block) {
 
 void configure(Case &current) {
     current.avpf = current.bodyBlock.has("avpf");
+    current.family = current.bodyBlock.has("family");
     for (const std::string &word : current.bodyBlock.words) {
+        if (word.starts_with("max=")) {
+            current.maxBody = static_cast<uint32_t>(std::stoul(word.substr(4)));
+        }
         if (word.starts_with("t38=")) {
             current.t38Style = static_cast<uint32_t>(std::stoul(word.substr(4)));
         }
@@ -100,7 +104,8 @@ public:
             if (line.starts_with("## ")) {
                 finish();
                 cases_.push_back(
-                    {name_, at_, line.substr(3), {}, {}, {}, {}, {}, false, 0, SDP_LINE_END_CRLF});
+                    {name_, at_, line.substr(3), {}, {}, {}, {}, {}, false, false, SDP_MAX_BODY, 0,
+                     SDP_LINE_END_CRLF});
             } else if (line.starts_with("```")) {
                 take(line.substr(3));
             }

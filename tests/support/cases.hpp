@@ -11,7 +11,8 @@
 //     ```refused               or the refusal: code, check and place, then the log entries
 //
 // Words behind "sdp": lf (lines end in LF, else CR LF), raw (lines are joined as they stand),
-// open (the last line has no end); avpf, t38=N, eol=lf|cr (configuration while the case runs).
+// open (the last line has no end); avpf, family, max=N, t38=N, eol=lf|cr (configuration while the
+// case runs).
 // Escapes in a body: \r \n \t \0 \s (a blank) \\ \xHH, and {{text*N}} for N times the text.
 //
 // "tree part": the lines listed occur in this order, among others. "text same": what is written
@@ -44,6 +45,8 @@ struct Case {
     std::optional<Block> text;
     std::optional<Block> refused;
     bool avpf;
+    bool family;      // SdpSetSupMedProtoRtpFamily
+    uint32_t maxBody; // SdpSetMaxBodySize
     uint32_t t38Style;
     uint32_t lineEnd;
 };

@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include "sdpline/cpp/decodemutex.hpp"
+#include "sdpline/cpp/decodeoptions.hpp"
 #include "sdpline/cpp/detail/memory.hpp"
 #include "sdpline/cpp/result.hpp"
 
@@ -53,7 +54,13 @@ inline bool lacksAProtocol(const SdpLine &line) {
     return false;
 }
 
-inline Result<BodyHandle> decodeText(std::string_view text) {
+/* Without options: under the settings of the process. */
+inline Result<BodyHandle> decodeText(std::string_view text,
+                                     const DecodeOptions *options = nullptr) {
+    SDPDecodeOptions wanted = {};
+    if (options != nullptr) {
+        wanted = {options->rtpFamily ? 1u : 0u, options->maxBodySize};
+    }
     /* A length that does not fit is far beyond what the library takes. */
     const SipString given =
         lent(text.substr(0, std::numeric_limits<decltype(SipString::ulLen)>::max()));
@@ -62,7 +69,8 @@ inline Result<BodyHandle> decodeText(std::string_view text) {
         return busy();
     }
     SdpLine *line = nullptr;
-    if (const SDPResult code = SdpLibDecodeSdp(&given, &line)) {
+    if (const SDPResult code = SdpLibDecodeSdpWithOptions(
+            &given, options != nullptr ? &wanted : nullptr, &line)) {
         return decodeError(code);
     }
     BodyHandle body(line);

@@ -119,6 +119,14 @@ inline constexpr auto kProtoWords = std::to_array<KeywordRow>({
 });
 static_assert(coversCodes(kProtoWords, SDP_PROTO_RTP_AVP, SDP_PROTO_OTHER - 1));
 
+// RTP profiles: a protocol word that ends in one of them may be read as RTP over another transport,
+// such as "UDP/TLS/RTP/SAVPF" (RFC 5764 section 8) or "TCP/RTP/AVP" (RFC 4571).
+inline constexpr std::string_view kRtpProfiles[] = {"RTP/AVP", "RTP/AVPF", "RTP/SAVP", "RTP/SAVPF"};
+
+constexpr bool endsInRtpProfile(std::string_view word) {
+    return std::ranges::any_of(kRtpProfiles, [=](auto profile) { return word.ends_with(profile); });
+}
+
 // The formats that have a code of their own.
 inline constexpr auto kFmtWords = std::to_array<KeywordRow>({
     {"t38", SDP_FMT_T38},
