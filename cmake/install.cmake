@@ -5,7 +5,7 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-set(sdpline_libraries sdpline)
+set(sdpline_libraries sdpline sdpline_negotiate)
 if(SDPLINE_SIPCORE)
   list(APPEND sdpline_libraries sipcore)
 endif()
@@ -36,7 +36,8 @@ endif()
 if(SDPLINE_THREAD_LOCAL)
   set(SDPLINE_PC_CFLAGS " -DSDPLINE_THREAD_LOCAL")
 endif()
-foreach(module IN LISTS sdpline_libraries)
+foreach(library IN LISTS sdpline_libraries)
+  string(REPLACE "_" "-" module ${library})
   configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${module}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

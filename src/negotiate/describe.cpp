@@ -1,0 +1,129 @@
+// The streams of a report, and formats in words.
+#include "negotiate/describe.hpp"
+
+namespace sdpline::negotiate {
+
+namespace {
+
+uint32_t timeOf(const SDPMediaDesc &media, uint32_t type) {
+    const SDPAttr *const line = find(attributesOf(media.pstAttrList), type);
+    return line != nullptr ? line->unAttrValue.ulValue : SDP_NEGOTIATE_NONE;
+}
+
+bool isHeld(const View &side) {
+    return isUnspecified(connectionOf(side.body, side.media));
+}
+
+} // namespace
+
+void describeSides(const View &peer, const View &ours, SdpNegotiateStream &stream) {
+    stream.bPeerHeld = isHeld(peer) ? 1 : 0;
+    stream.bHeld = isHeld(ours) ? 1 : 0;
+    stream.ulSendPTime = timeOf(peer.media, SDP_ATTR_PTIME);
+    stream.ulReceivePTime = timeOf(ours.media, SDP_ATTR_PTIME);
+    stream.ulSendMaxPTime = timeOf(peer.media, SDP_ATTR_MAXPTIME);
+    stream.ulReceiveMaxPTime = timeOf(ours.media, SDP_ATTR_MAXPTIME);
+}
+
+SdpNegotiateFormat **makeFormats(Arena &arena, uint32_t count) {
+    auto **const formats = arena.make<SdpNegotiateFormat *>(count);
+    for (uint32_t i = 0; formats != nullptr && i < count; ++i) {
+        formats[i] = arena.make<SdpNegotiateFormat>();
+        if (formats[i] == nullptr) {
+            return nullptr;
+        }
+    }
+    return formats;
+}
+
+void describeFormat(Arena &arena, const Format &codec, SdpNegotiateFormat &format) {
+    format.strName = lent(arena.copy(codec.name));
+    format.ulClockRate = codec.clock;
+    format.ulChannels = codec.channels;
+}
+
+void writeFormats(const SdpNegotiateStream &stream, Text &text) {
+    for (uint32_t i = 0; i < stream.ulNoOfFormats; ++i) {
+        const SdpNegotiateFormat &format = *stream.ppstFormats[i];
+        text << (i == 0 ? "" : ", ") << viewOf(format.strName);
+        if (format.ulReceive != SDP_NEGOTIATE_NONE) {
+            text << " " << format.ulReceive;
+        }
+    }
+}
+
+namespace {
+
+constexpr uint32_t kMostNamed = 6; // formats of a list in a sentence
+
+void writeName(const Format &format, Text &text) {
+    if (!format.defined) {
+        text << "number " << format.number;
+        return;
+    }
+    text << format.name;
+    if (format.number == SDP_NEGOTIATE_NONE) {
+        return;
+    }
+    text << "/" << format.clock;
+    if (format.channels > 1) {
+        text << "/" << format.channels;
+    }
+}
+
+void writeNames(const FormatList &list, Text &text) {
+    for (uint32_t i = 0; i < list.count && i < kMostNamed; ++i) {
+        text << (i == 0 ? "" : " ");
+        writeName(list.items[i], text);
+    }
+    text << (list.count > kMostNamed ? " ..." : list.count == 0 ? "none" : "");
+}
+
+// The parameter that makes H264 two codecs.
+void writeH264(const Format &offered, const Format &ours, Text &text) {
+    const auto profile = [](const Format &format) {
+        return parameter(format.parameters, "profile-level-id").value_or("42000A");
+    };
+    const auto mode = [](const Format &format) {
+        return parameter(format.parameters, "packetization-mode").value_or("0");
+    };
+    if (mode(offered) != mode(ours)) {
+        text << "offered H264 packetization-mode " << mode(offered) << ", ours " << mode(ours);
+        return;
+    }
+    const bool sameByte = sameWord(profile(offered).substr(0, 2), profile(ours).substr(0, 2));
+    const size_t digits = sameByte ? 4 : 2;
+    text << "offered H264 profile " << profile(offered).substr(0, digits) << ", ours "
+         << profile(ours).substr(0, digits);
+}
+
+void writeParametersOf(const Format &format, Text &text) {
+    text << (format.parameters.empty() ? std::string_view("no parameters") : format.parameters);
+}
+
+} // namespace
+
+void writeMismatch(const FormatList &offered, const FormatList &ours, Text &text) {
+    for (const Format &one : offered) {
+        for (const Format &other : ours) {
+            if (!sameCodec(one, other) || sameParameters(one, other)) {
+                continue;
+            }
+            if (sameWord(one.name, "H264")) {
+                writeH264(one, other, text);
+                return;
+            }
+            text << "offered " << one.name << " ";
+            writeParametersOf(one, text);
+            text << ", ours ";
+            writeParametersOf(other, text);
+            return;
+        }
+    }
+    text << "offered ";
+    writeNames(offered, text);
+    text << ", ours ";
+    writeNames(ours, text);
+}
+
+} // namespace sdpline::negotiate

@@ -1,0 +1,30 @@
+// The streams of a report.
+#pragma once
+
+#include "negotiate/pairing.hpp"
+#include "negotiate/report.hpp"
+
+namespace sdpline::negotiate {
+
+// One side of a stream: the body and its media description.
+struct View {
+    const SdpLine &body;
+    const SDPMediaDesc &media;
+};
+
+// Times and addresses: what each side says of itself.
+void describeSides(const View &peer, const View &ours, SdpNegotiateStream &stream);
+
+// Room for as many formats; null when memory is exhausted.
+SdpNegotiateFormat **makeFormats(Arena &arena, uint32_t count);
+
+// A format of the report, with its texts copied.
+void describeFormat(Arena &arena, const Format &codec, SdpNegotiateFormat &format);
+
+// "PCMU 0, telephone-event 101"
+void writeFormats(const SdpNegotiateStream &stream, Text &text);
+
+// Why two lists have no common format: "offered H264 profile 64, ours 42".
+void writeMismatch(const FormatList &offered, const FormatList &ours, Text &text);
+
+} // namespace sdpline::negotiate

@@ -1,0 +1,50 @@
+// Directions as sets of two bits: sends, receives.
+#pragma once
+
+#include <cstdint>
+
+#include "negotiate/attributes.hpp"
+
+namespace sdpline::negotiate {
+
+constexpr uint32_t kSends = 1;
+constexpr uint32_t kReceives = 2;
+
+constexpr uint32_t flowsOf(uint32_t direction) {
+    return direction == SDP_ATTR_SENDRECV   ? kSends | kReceives
+           : direction == SDP_ATTR_SENDONLY ? kSends
+           : direction == SDP_ATTR_RECVONLY ? kReceives
+                                            : 0;
+}
+constexpr uint32_t directionOf(uint32_t flows) {
+    constexpr uint32_t kDirections[] = {SDP_ATTR_INACTIVE, SDP_ATTR_SENDONLY, SDP_ATTR_RECVONLY,
+                                        SDP_ATTR_SENDRECV};
+    return kDirections[flows & 3];
+}
+// As the other side sees it.
+constexpr uint32_t turned(uint32_t flows) {
+    return (flows & kSends) << 1 | (flows & kReceives) >> 1;
+}
+
+// The a= line that gives a stream its direction: its own, or else the session's; null for none,
+// which is sendrecv (RFC 3264 section 5.1).
+inline const SDPAttr *directionLine(const SdpLine &body, const SDPMediaDesc &media) {
+    for (const SDPAttrList *const list : {media.pstAttrList, body.pstAttrList}) {
+        for (const SDPAttr *const attribute : attributesOf(list)) {
+            if (isDirection(*attribute)) {
+                return attribute;
+            }
+        }
+    }
+    return nullptr;
+}
+inline uint32_t flowsOf(const SdpLine &body, const SDPMediaDesc &media) {
+    const SDPAttr *const line = directionLine(body, media);
+    return line != nullptr ? flowsOf(line->ulAttrType) : kSends | kReceives;
+}
+
+inline std::string_view directionWord(uint32_t flows) {
+    return wordOf(Direction{directionOf(flows)});
+}
+
+} // namespace sdpline::negotiate

@@ -1,0 +1,272 @@
+// Bodies made of drafts, line by line, by the operations of the library.
+#include "negotiate/draft.hpp"
+
+#include <cstring>
+
+#include "negotiate/origin.hpp"
+
+namespace sdpline::negotiate {
+
+SDPAttr numberLine(uint32_t type, uint32_t value) {
+    SDPAttr attribute = {};
+    attribute.ulAttrType = type;
+    attribute.unAttrValue.ulValue = value;
+    return attribute;
+}
+
+SDPAttr flagLine(uint32_t type) {
+    SDPAttr attribute = {};
+    attribute.ulAttrType = type;
+    return attribute;
+}
+
+SDPAttr textLine(Arena &arena, uint32_t type, const Text &value) {
+    SDPAttr attribute = {};
+    attribute.ulAttrType = type;
+    attribute.unAttrValue.strValue = lent(arena.copy(value.view()));
+    arena.tooLong = arena.tooLong || value.cut();
+    return attribute;
+}
+
+namespace {
+
+SipString *nameOf(Arena &arena, std::string_view name) {
+    auto *const text = arena.make<SipString>();
+    if (text != nullptr) {
+        *text = lent(name);
+    }
+    return text;
+}
+
+} // namespace
+
+SDPAttr otherLine(Arena &arena, std::string_view name, const Text &value) {
+    SDPAttr attribute = textLine(arena, SDP_ATTR_UNREC_VALUE, value);
+    attribute.pstAttrName = nameOf(arena, name);
+    return attribute;
+}
+
+SDPAttr otherFlag(Arena &arena, std::string_view name) {
+    SDPAttr attribute = flagLine(SDP_ATTR_UNREC_NOVALUE);
+    attribute.pstAttrName = nameOf(arena, name);
+    return attribute;
+}
+
+namespace {
+
+// Pointers inside packed records are written by value: a clone is returned, and a failure kept.
+class Builder {
+public:
+    explicit Builder(SdpLine &body) : body_(body), block_(body.pstMemCp) {}
+
+    bool run(const BodyDraft &draft) {
+        copy(SDP_LINE_ORIGIN, draft.origin, body_.stOrigin);
+        copy(SDP_LINE_NAME, draft.name, body_.strSessionName);
+        body_.pstrSessionInfo = clone(SDP_LINE_INFO, draft.info);
+        body_.pstrUri = clone(SDP_LINE_URI, draft.uri);
+        body_.pstEmailList = texts(draft.emails);
+        body_.pstPhoneList = texts(draft.phones);
+        body_.pstConnection = clone(SDP_LINE_CONNECTION, draft.connection);
+        body_.pstBandwidthList = texts(draft.bandwidths);
+        times(draft.times);
+        body_.pstrTimeZone = clone(SDP_LINE_ZONE, draft.zone);
+        body_.pstKey = clone(SDP_LINE_KEY, draft.key);
+        body_.pstAttrList = attributes(draft.attributes);
+        media(draft.media);
+        return good_;
+    }
+
+private:
+    template <class Record>
+    void copy(uint32_t line, const Record &source, Record &target) {
+        good_ = good_ && SdpCopyLine(block_, line, &source, &target) == 0;
+    }
+
+    template <class Record>
+    Record *clone(uint32_t line, const Record *source) {
+        void *made = nullptr;
+        if (source != nullptr && good_) {
+            good_ = SdpCloneLine(block_, line, source, &made) == 0;
+        }
+        return static_cast<Record *>(made);
+    }
+
+    template <class Record>
+    Record *allocate(size_t count = 1) {
+        const size_t size = count * sizeof(Record);
+        void *const memory =
+            good_ ? block_->pfnAlloc(block_, static_cast<uint32_t>(size)) : nullptr;
+        good_ = memory != nullptr;
+        return good_ ? static_cast<Record *>(std::memset(memory, 0, size)) : nullptr;
+    }
+
+    SDPStringList *texts(const SDPStringList *source) {
+        const uint32_t count =
+            source != nullptr && source->ppstStrings != nullptr ? source->ulNoOfStrings : 0;
+        if (count == 0) {
+            return nullptr;
+        }
+        auto *const list = allocate<SDPStringList>();
+        SipString **const items = allocate<SipString *>(count);
+        for (uint32_t i = 0; good_ && i < count; ++i) {
+            items[i] = clone(SDP_LINE_BANDWIDTH, source->ppstStrings[i]);
+        }
+        if (good_) {
+            *list = {count, items};
+        }
+        return list;
+    }
+
+    void times(const SDPTimeSet *source) {
+        const uint32_t count =
+            source != nullptr && source->ppstTimeFields != nullptr ? source->ulNoOfTimeFields : 0;
+        if (count == 0) {
+            return;
+        }
+        SDPTimeField **const items = allocate<SDPTimeField *>(count);
+        for (uint32_t i = 0; good_ && i < count; ++i) {
+            items[i] = clone(SDP_LINE_TIME, source->ppstTimeFields[i]);
+        }
+        body_.stTimeSet = {good_ ? count : 0, items};
+    }
+
+    SDPAttrList *attributes(const Growing<SDPAttr> &source) {
+        if (source.size() == 0) {
+            return nullptr;
+        }
+        auto *const list = allocate<SDPAttrList>();
+        SDPAttr **const items = allocate<SDPAttr *>(source.size());
+        for (uint32_t i = 0; good_ && i < source.size(); ++i) {
+            items[i] = clone(SDP_LINE_ATTRIBUTE, &source[i]);
+        }
+        if (good_) {
+            *list = {source.size(), items};
+        }
+        return list;
+    }
+
+    void media(const Growing<MediaDraft> &source) {
+        if (source.size() == 0) {
+            return;
+        }
+        SDPMediaDesc **const items = allocate<SDPMediaDesc *>(source.size());
+        for (uint32_t i = 0; good_ && i < source.size(); ++i) {
+            items[i] = oneMedia(source[i]);
+        }
+        body_.stMediaSet = {good_ ? source.size() : 0, items};
+    }
+
+    SDPMediaDesc *oneMedia(const MediaDraft &source) {
+        auto *const target = allocate<SDPMediaDesc>();
+        if (target != nullptr) {
+            copy(SDP_LINE_MEDIA, source.line, target->stMediaField);
+            target->pstrMediaInfo = clone(SDP_LINE_INFO, source.info);
+            target->pstConnection = clone(SDP_LINE_CONNECTION, source.connection);
+            target->pstBandwidthList = texts(source.bandwidths);
+            target->pstKey = clone(SDP_LINE_KEY, source.key);
+            target->pstAttrList = attributes(source.attributes);
+        }
+        return target;
+    }
+
+    SdpLine &body_;
+    SDPMemCp *block_;
+    bool good_ = true;
+};
+
+} // namespace
+
+Reason build(const BodyDraft &draft, SdpLine **body) {
+    SdpLine *made = nullptr;
+    if (SdpLibCreateSdp(&made) != 0) {
+        return Reason::NoMemory;
+    }
+    SDPMemCp *const block = made->pstMemCp;
+    std::memset(static_cast<void *>(made), 0, sizeof *made); // a memory service need not clear it
+    made->pstMemCp = block;
+    if (!Builder(*made).run(draft)) {
+        SdpLibReleaseSdp(&made);
+        return Reason::NoMemory;
+    }
+    *body = made;
+    return Reason::None;
+}
+
+void draftSession(const SdpLine &body, BodyDraft &draft) {
+    draft.origin = body.stOrigin;
+    draft.name = body.strSessionName;
+    draft.info = body.pstrSessionInfo;
+    draft.uri = body.pstrUri;
+    draft.emails = body.pstEmailList;
+    draft.phones = body.pstPhoneList;
+    draft.connection = body.pstConnection;
+    draft.bandwidths = body.pstBandwidthList;
+    draft.times = &body.stTimeSet;
+    draft.zone = body.pstrTimeZone;
+    draft.key = body.pstKey;
+    for (const SDPAttr *const attribute : attributesOf(body.pstAttrList)) {
+        draft.attributes.add(*attribute);
+    }
+}
+
+MediaDraft draftOf(const SDPMediaDesc &media, Arena &arena) {
+    MediaDraft draft(arena);
+    draft.line = media.stMediaField;
+    draft.info = media.pstrMediaInfo;
+    draft.connection = media.pstConnection;
+    draft.bandwidths = media.pstBandwidthList;
+    draft.key = media.pstKey;
+    for (const SDPAttr *const attribute : attributesOf(media.pstAttrList)) {
+        draft.attributes.add(*attribute);
+    }
+    return draft;
+}
+
+Reason copyBody(const SdpLine &body, SdpLine **copy) {
+    Arena arena;
+    BodyDraft draft(arena);
+    draftSession(body, draft);
+    for (const SDPMediaDesc *const media : mediaOf(body)) {
+        draft.media.add(draftOf(*media, arena));
+    }
+    return arena.failed() ? Reason::NoMemory : build(draft, copy);
+}
+
+// Encoding only reads, but for an rtpmap record without a name that a program made itself.
+std::string_view textOf(const SdpLine &body, uint8_t (&buffer)[SDP_MAX_BODY]) {
+    uint32_t size = 0;
+    if (SdpLibSerializeSdp(const_cast<SdpLine *>(&body), buffer, sizeof buffer, &size) != 0) {
+        return {};
+    }
+    return {reinterpret_cast<const char *>(buffer), size};
+}
+
+std::string_view afterOrigin(std::string_view text) {
+    const std::string_view lineEnd = viewOf(SdpGetCrlfString(0));
+    const size_t line = std::min(text.find("o="), text.size());
+    const size_t end = std::min(text.find(lineEnd, line), text.size());
+    return text.substr(end);
+}
+
+Reason finish(const BodyDraft &draft, const SdpLine *previous, Report &report, SdpLine **body) {
+    if (report.arena.failed() || report.arena.tooLong) {
+        return report.arena.failed() ? Reason::NoMemory : Reason::TooLong;
+    }
+    SdpLine *made = nullptr;
+    Reason reason = build(draft, &made);
+    if (reason == Reason::None && previous != nullptr) {
+        reason = continueOrigin(*previous, *made, report);
+    }
+    uint8_t buffer[SDP_MAX_BODY];
+    if (reason == Reason::None && textOf(*made, buffer).empty()) {
+        reason = Reason::TooLong;
+    }
+    if (reason != Reason::None) {
+        SdpLibReleaseSdp(&made);
+        return reason;
+    }
+    *body = made;
+    return Reason::None;
+}
+
+} // namespace sdpline::negotiate

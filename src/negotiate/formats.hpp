@@ -1,0 +1,73 @@
+// Formats of m= lines: payload numbers with their codecs, and words such as "t38".
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "negotiate/memory.hpp"
+#include "negotiate/records.hpp"
+
+namespace sdpline::negotiate {
+
+constexpr uint32_t kHighestPayload = 127;
+constexpr uint32_t kFirstDynamicPayload = 96;
+
+// What a format is to a stream. All but a codec go with one (RFC 4733, 2198, 4588, 3389, 5109).
+enum class Role : uint8_t { Codec, Event, Red, Rtx, Auxiliary };
+
+struct Format {
+    uint32_t number; // SDP_NEGOTIATE_NONE for a word
+    std::string_view name;
+    uint32_t clock;
+    uint32_t channels;
+    std::string_view parameters;
+    const SDPAttr *map; // null for a static codec and for a word
+    const SDPAttr *fmtp;
+    Role role;
+    bool defined; // by a=rtpmap or RFC 3551, or a word
+};
+
+// Of one m= line, in its order, each number once; numbers above 127 are left out.
+struct FormatList {
+    Format items[SDP_MAX_PAYLOADS];
+    uint32_t count = 0;
+
+    const Format *begin() const { return items; }
+    const Format *end() const { return items + count; }
+    std::optional<uint32_t> indexOf(uint32_t number) const;
+};
+
+void gather(const SDPMediaDesc &media, FormatList &list);
+
+// Calls use(number) for each payload number of an m= line that has numbers. Those of RTP over a
+// protocol that the decoder keeps as text are one word.
+template <class Use>
+void eachNumber(const SDPMediaDesc &media, Use use) {
+    const SDPMediaFmt &format = media.stMediaField.stMediaFmt;
+    if (format.enFmtType == SDP_FMT_OTHER) {
+        std::string_view word = viewOf(format.unMediaFmt.strOtherFmts);
+        uint32_t number = 0;
+        if (hasWord(protocolWord(media), "RTP/") && takeNumber(word, number) && word.empty()) {
+            use(number);
+        }
+        return;
+    }
+    for (const uint32_t number : Media(&media).payloads()) {
+        use(number);
+    }
+}
+
+// Name, clock rate and channels are equal, and the parameters do not make two codecs of them. RED
+// and RTX, which refer to other formats, are compared by their pairing.
+bool sameCodec(const Format &one, const Format &two);
+bool sameParameters(const Format &one, const Format &two);
+
+// A value of "name=value;name=value"; nothing where the name is missing.
+std::optional<std::string_view> parameter(std::string_view parameters, std::string_view name);
+
+// The set of codec modes of AMR, as bits; nothing for all.
+std::optional<uint32_t> modeSetOf(std::string_view parameters);
+bool isAmr(const Format &format);
+
+} // namespace sdpline::negotiate

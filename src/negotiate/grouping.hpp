@@ -1,0 +1,48 @@
+// a=mid and a=group (RFC 5888, RFC 8843).
+#pragma once
+
+#include "negotiate/draft.hpp"
+#include "negotiate/report.hpp"
+
+namespace sdpline::negotiate {
+
+// The a=mid of a stream; empty for none.
+std::string_view midOf(const SDPMediaDesc &media);
+
+// Whether an offered stream of port 0 waits for its bundle's address, and we bundle.
+bool isBundleOnly(const SdpLine &offer, const SDPMediaDesc &offered, const SdpLine &local);
+
+// Adds mids and groups to the drafts of an answer. The streams of a bundle get one address; a
+// bundle-only stream whose bundle has none is rejected, as `rejected` is told.
+class Grouping {
+public:
+    Grouping(const SdpLine &offer, const SdpLine &local, BodyDraft &draft, Report &report)
+        : offer_(offer), local_(local), draft_(draft), report_(report) {}
+
+    template <class Rejected>
+    void run(Rejected rejected) {
+        for (uint32_t i = 0; i < draft_.media.size(); ++i) {
+            if (lacksBundle(i)) {
+                rejected(i);
+            }
+        }
+        addMids();
+        addGroups();
+    }
+
+private:
+    bool lacksBundle(uint32_t stream) const;
+    void addMids();
+    void addGroups();
+    void addGroup(std::string_view offered);
+    void bundle(const Growing<uint32_t> &streams);
+
+    const SdpLine &offer_;
+    const SdpLine &local_;
+    BodyDraft &draft_;
+    Report &report_;
+};
+
+void checkGroups(const SdpLine &offer, const SdpLine &answer, Report &report);
+
+} // namespace sdpline::negotiate

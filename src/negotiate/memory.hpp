@@ -1,0 +1,132 @@
+// Memory of one call: a block of the core services with what the call works on and reports.
+//
+// A failed allocation is remembered, and the call ends with Reason::NoMemory; what is made of the
+// memory in between checks for null where it would write.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <type_traits>
+
+#include "negotiate/records.hpp"
+
+namespace sdpline::negotiate {
+
+class Arena {
+public:
+    Arena() { SipMmCreateBufMem(2048, 2048, &block_); }
+    ~Arena() { SipMmReleaseBufMem(&block_); }
+    Arena(const Arena &) = delete;
+    Arena &operator=(const Arena &) = delete;
+
+    // Null when memory is exhausted. Not cleared.
+    void *take(size_t size) {
+        void *const memory =
+            block_ != nullptr ? block_->pfnAlloc(block_, static_cast<uint32_t>(size)) : nullptr;
+        failed_ = failed_ || memory == nullptr;
+        return memory;
+    }
+    template <class T>
+    T *make(size_t count = 1) {
+        static_assert(std::is_trivially_copyable_v<T>);
+        void *const memory = take(count * sizeof(T));
+        return memory != nullptr ? static_cast<T *>(std::memset(memory, 0, count * sizeof(T)))
+                                 : nullptr;
+    }
+    std::string_view copy(std::string_view text) {
+        void *const memory = text.empty() ? nullptr : take(text.size());
+        if (memory == nullptr) {
+            return {};
+        }
+        std::memcpy(memory, text.data(), text.size());
+        return {static_cast<const char *>(memory), text.size()};
+    }
+
+    bool failed() const { return failed_ || block_ == nullptr; }
+
+    // A text of the body would be longer than a decoder reads.
+    bool tooLong = false;
+
+    // Gives the block away.
+    SDPMemCp *release() {
+        SDPMemCp *const block = block_;
+        block_ = nullptr;
+        return block;
+    }
+
+private:
+    SDPMemCp *block_ = nullptr;
+    bool failed_ = false;
+};
+
+// A list that grows in an arena. Nothing is added when memory is exhausted.
+template <class T>
+class Growing {
+public:
+    explicit Growing(Arena &arena) : arena_(&arena) {}
+
+    void add(const T &item) {
+        if (count_ == capacity_ && !grow()) {
+            return;
+        }
+        items_[count_++] = item;
+    }
+
+    uint32_t size() const { return count_; }
+    T &operator[](size_t index) { return items_[index]; }
+    const T &operator[](size_t index) const { return items_[index]; }
+    T *begin() { return items_; }
+    T *end() { return items_ + count_; }
+    const T *begin() const { return items_; }
+    const T *end() const { return items_ + count_; }
+    void clear() { count_ = 0; }
+
+private:
+    bool grow() {
+        const uint32_t capacity = capacity_ != 0 ? capacity_ * 2 : 8;
+        auto *const items = static_cast<T *>(arena_->take(capacity * sizeof(T)));
+        if (items == nullptr) {
+            return false;
+        }
+        if (count_ != 0) {
+            std::memcpy(static_cast<void *>(items), items_, count_ * sizeof(T));
+        }
+        items_ = items;
+        capacity_ = capacity;
+        return true;
+    }
+
+    Arena *arena_;
+    T *items_ = nullptr;
+    uint32_t count_ = 0;
+    uint32_t capacity_ = 0;
+};
+
+// A text of at most SDP_MAX_VALUE bytes: more is cut, and remembered.
+class Text {
+public:
+    Text &operator<<(std::string_view text) {
+        const size_t fits =
+            text.size() < sizeof bytes_ - size_ ? text.size() : sizeof bytes_ - size_;
+        cut_ = cut_ || fits < text.size();
+        if (fits != 0) {
+            std::memcpy(bytes_ + size_, text.data(), fits);
+        }
+        size_ += fits;
+        return *this;
+    }
+    Text &operator<<(const char *text) { return *this << std::string_view(text); }
+    Text &operator<<(uint32_t number);
+
+    std::string_view view() const { return {bytes_, size_}; }
+    bool cut() const { return cut_; }
+    bool empty() const { return size_ == 0; }
+
+private:
+    char bytes_[SDP_MAX_VALUE];
+    size_t size_ = 0;
+    bool cut_ = false;
+};
+
+} // namespace sdpline::negotiate

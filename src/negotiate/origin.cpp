@@ -1,0 +1,67 @@
+// o= and its version.
+#include "negotiate/origin.hpp"
+
+#include "negotiate/draft.hpp"
+
+namespace sdpline::negotiate {
+
+namespace {
+
+std::string_view withoutZeros(std::string_view digits) {
+    const size_t begin = digits.find_first_not_of('0');
+    return begin < digits.size() ? digits.substr(begin) : std::string_view("0");
+}
+
+} // namespace
+
+// 199 is 1, then 9 as 0 twice: what the last digits that are all 9 follow rises by one.
+void writeNext(std::string_view version, Text &text) {
+    const size_t rising = version.find_last_not_of('9');
+    const size_t nines = rising < version.size() ? version.size() - rising - 1 : version.size();
+    if (rising < version.size()) {
+        const char digit = static_cast<char>(version[rising] + 1);
+        text << version.substr(0, rising) << std::string_view(&digit, 1);
+    } else {
+        text << "1";
+    }
+    for (size_t i = 0; i < nines; ++i) {
+        text << "0";
+    }
+}
+
+bool isNext(std::string_view version, std::string_view previous) {
+    Text next;
+    writeNext(previous, next);
+    return withoutZeros(next.view()) == withoutZeros(version);
+}
+
+bool sameOrigin(const SDPOrigin &one, const SDPOrigin &two) {
+    return viewOf(one.strUserName) == viewOf(two.strUserName) &&
+           viewOf(one.strSessionId) == viewOf(two.strSessionId) &&
+           one.stNetType.enNetType == two.stNetType.enNetType &&
+           one.stAddrType.enAddrType == two.stAddrType.enAddrType &&
+           viewOf(one.strAddress) == viewOf(two.strAddress);
+}
+
+Reason continueOrigin(const SdpLine &previous, SdpLine &body, Report &report) {
+    uint8_t before[SDP_MAX_BODY];
+    uint8_t after[SDP_MAX_BODY];
+    const std::string_view text = textOf(body, after);
+    if (!text.empty() && textOf(previous, before) == text) {
+        report.add(Reason::VersionKept, kSession, viewOf(previous.stOrigin.strSessionVersion));
+        return Reason::None;
+    }
+    Text version;
+    writeNext(viewOf(previous.stOrigin.strSessionVersion), version);
+    const SipString next = lent(version.view());
+    SipString fresh = {};
+    if (SipSmCopyString(body.pstMemCp, &next, &fresh) != 0) {
+        return Reason::NoMemory;
+    }
+    SipSmClearString(body.pstMemCp, &body.stOrigin.strSessionVersion);
+    body.stOrigin.strSessionVersion = fresh;
+    report.add(Reason::VersionRaised, kSession, version);
+    return Reason::None;
+}
+
+} // namespace sdpline::negotiate

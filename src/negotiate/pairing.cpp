@@ -1,0 +1,296 @@
+// Which offered format is which of ours.
+#include "negotiate/pairing.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace sdpline::negotiate {
+
+namespace {
+
+bool isAssociated(const Format &format) {
+    return format.role == Role::Red || format.role == Role::Rtx;
+}
+
+SdpNegotiateCodec codecOf(const Format &format) {
+    return {format.number, lent(format.name), format.clock, format.channels,
+            lent(format.parameters)};
+}
+
+bool same(const Format &offered, const Format &ours, const SdpNegotiateOptions &options) {
+    if (!sameCodec(offered, ours)) {
+        return false;
+    }
+    const bool equal = sameParameters(offered, ours);
+    if (options.pfnSame == nullptr || offered.number == SDP_NEGOTIATE_NONE) {
+        return equal;
+    }
+    const SdpNegotiateCodec one = codecOf(offered);
+    const SdpNegotiateCodec two = codecOf(ours);
+    return options.pfnSame(options.pContext, &one, &two, equal ? 1 : 0) != 0;
+}
+
+// Every format that the offered one refers to has a partner.
+bool refersToPaired(const Pairing &pairing, const Format &offered) {
+    bool all = true;
+    eachReference(offered, [&](uint32_t number) {
+        const auto place = pairing.offered.indexOf(number);
+        all = all && place && pairing.partner[*place] != kNoPartner;
+    });
+    return all;
+}
+
+// RTX goes with one format: both must go with the same. RED may name its formats or not.
+bool sameReferences(const Pairing &pairing, const Format &offered, const Format &ours) {
+    bool all = true;
+    if (offered.role == Role::Rtx) {
+        uint32_t ourTarget = SDP_NEGOTIATE_NONE;
+        eachReference(ours, [&](uint32_t number) { ourTarget = number; });
+        return eachReference(offered,
+                             [&](uint32_t number) {
+                                 const auto place = pairing.offered.indexOf(number);
+                                 all = all && place && pairing.partner[*place] != kNoPartner &&
+                                       pairing.ourOf(*place).number == ourTarget;
+                             }) &&
+               all;
+    }
+    eachReference(ours, [&](uint32_t number) {
+        const auto place = pairing.ours.indexOf(number);
+        all = all && place &&
+              std::find(pairing.partner, pairing.partner + pairing.offered.count, *place) !=
+                  pairing.partner + pairing.offered.count;
+    });
+    return all && refersToPaired(pairing, offered);
+}
+
+// The place of our format that fits, one of the same number first: an answer with two formats that
+// only differ in declarative parameters keeps them where they are.
+template <class Fits>
+uint8_t partnerOf(const Pairing &pairing, const Format &offered, Fits fits) {
+    uint8_t found = kNoPartner;
+    for (uint32_t i = 0; i < pairing.ours.count; ++i) {
+        const Format &ours = pairing.ours.items[i];
+        const bool better = found == kNoPartner || ours.number == offered.number;
+        if (better && fits(ours)) {
+            found = static_cast<uint8_t>(i);
+            if (ours.number == offered.number) {
+                break;
+            }
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+void pair(Pairing &pairing, const SdpNegotiateOptions &options) {
+    const uint32_t count = pairing.offered.count;
+    std::memset(pairing.partner, kNoPartner, sizeof pairing.partner);
+    for (uint32_t i = 0; i < count; ++i) {
+        const Format &offered = pairing.offered.items[i];
+        if (offered.defined && !isAssociated(offered)) {
+            pairing.partner[i] = partnerOf(
+                pairing, offered, [&](const Format &ours) { return same(offered, ours, options); });
+        }
+    }
+    for (uint32_t i = 0; i < count; ++i) {
+        const Format &offered = pairing.offered.items[i];
+        if (isAssociated(offered)) {
+            pairing.partner[i] = partnerOf(pairing, offered, [&](const Format &ours) {
+                return same(offered, ours, options) && sameReferences(pairing, offered, ours);
+            });
+        }
+    }
+}
+
+std::optional<uint32_t> Pairing::offeredNumber(uint32_t ourNumber) const {
+    for (uint32_t i = 0; i < chosenCount; ++i) {
+        if (ourOf(chosen[i]).number == ourNumber) {
+            return offered.items[chosen[i]].number;
+        }
+    }
+    return std::nullopt;
+}
+
+namespace {
+
+class Selection {
+public:
+    Selection(Pairing &pairing, const SdpNegotiateOptions &options)
+        : pairing_(pairing), options_(options), count_(pairing.offered.count) {}
+
+    Reason run() {
+        keepCommon();
+        const bool codecOffered = any([](const Format &) { return true; }, Role::Codec);
+        if (options_.bOurOrder != 0) {
+            sortByOurs();
+        }
+        if (pairing_.chosenCount == 0) {
+            return Reason::NoCommonFormat;
+        }
+        const bool codecKept = hasChosen(Role::Codec);
+        if (codecOffered && !codecKept) {
+            return Reason::OnlyAuxiliary;
+        }
+        if (options_.bFirstOnly != 0) {
+            keepFirst(codecKept);
+        }
+        if (codecKept) {
+            keepEventsOfClocks();
+        }
+        keepReferences();
+        return pairing_.chosenCount != 0 ? Reason::None : Reason::NoCommonFormat;
+    }
+
+private:
+    void keepCommon() {
+        pairing_.chosenCount = 0;
+        for (uint32_t i = 0; i < count_; ++i) {
+            const Format &format = pairing_.offered.items[i];
+            const bool common = pairing_.partner[i] != kNoPartner;
+            pairing_.leftOut[i] = common           ? Reason::None
+                                  : format.defined ? Reason::FormatNotOurs
+                                                   : Reason::FormatUndefined;
+            if (common) {
+                pairing_.chosen[pairing_.chosenCount++] = static_cast<uint8_t>(i);
+            }
+        }
+    }
+
+    // By insertion: the lists are short, and in order mostly.
+    void sortByOurs() {
+        uint8_t *const chosen = pairing_.chosen;
+        for (uint32_t i = 1; i < pairing_.chosenCount; ++i) {
+            for (uint32_t j = i;
+                 j > 0 && pairing_.partner[chosen[j]] < pairing_.partner[chosen[j - 1]]; --j) {
+                std::swap(chosen[j], chosen[j - 1]);
+            }
+        }
+    }
+
+    template <class Wanted>
+    bool any(Wanted wanted, Role role) const {
+        return std::any_of(pairing_.offered.begin(), pairing_.offered.end(),
+                           [&](const Format &one) { return one.role == role && wanted(one); });
+    }
+
+    bool hasChosen(Role role) const {
+        return std::any_of(
+            pairing_.chosen, pairing_.chosen + pairing_.chosenCount,
+            [&](uint8_t place) { return pairing_.offered.items[place].role == role; });
+    }
+
+    template <class Unwanted>
+    void drop(Reason reason, Unwanted unwanted) {
+        uint32_t kept = 0;
+        for (uint32_t i = 0; i < pairing_.chosenCount; ++i) {
+            const uint8_t place = pairing_.chosen[i];
+            if (unwanted(pairing_.offered.items[place])) {
+                pairing_.leftOut[place] = reason;
+            } else {
+                pairing_.chosen[kept++] = place;
+            }
+        }
+        pairing_.chosenCount = kept;
+    }
+
+    // The first codec, or where none was offered the first format, with what goes with it.
+    void keepFirst(bool codecKept) {
+        bool found = false;
+        drop(Reason::FormatNotFirst, [&](const Format &format) {
+            if (codecKept && format.role != Role::Codec) {
+                return false;
+            }
+            const bool first = !found;
+            found = true;
+            return !first;
+        });
+    }
+
+    void keepEventsOfClocks() {
+        drop(Reason::FormatClock, [this](const Format &format) {
+            return format.role == Role::Event &&
+                   std::none_of(pairing_.chosen, pairing_.chosen + pairing_.chosenCount,
+                                [&](uint8_t place) {
+                                    const Format &codec = pairing_.offered.items[place];
+                                    return codec.role == Role::Codec && codec.clock == format.clock;
+                                });
+        });
+    }
+
+    // What RED and RTX refer to, in the offer and in our parameters, must have been chosen too.
+    void keepReferences() {
+        bool dropped[SDP_MAX_PAYLOADS] = {};
+        for (uint32_t i = 0; i < pairing_.chosenCount; ++i) {
+            const uint8_t place = pairing_.chosen[i];
+            bool &gone = dropped[place];
+            const Format &offered = pairing_.offered.items[place];
+            if (!isAssociated(offered)) {
+                continue;
+            }
+            eachReference(offered, [&](uint32_t number) {
+                const auto target = pairing_.offered.indexOf(number);
+                gone = gone || !target || !pairing_.isChosen(*target);
+            });
+            eachReference(pairing_.ourOf(place),
+                          [&](uint32_t number) { gone = gone || !pairing_.offeredNumber(number); });
+        }
+        const Format *const first = pairing_.offered.items;
+        drop(Reason::FormatAssociated,
+             [&](const Format &format) { return dropped[&format - first]; });
+    }
+
+    Pairing &pairing_;
+    const SdpNegotiateOptions &options_;
+    uint32_t count_;
+};
+
+} // namespace
+
+Reason select(Pairing &pairing, const SdpNegotiateOptions &options) {
+    return Selection(pairing, options).run();
+}
+
+namespace {
+
+// "98/98/99" with each number replaced.
+void writeNumbers(const Pairing &pairing, const Format &ours, Text &text) {
+    bool first = true;
+    eachReference(ours, [&](uint32_t number) {
+        text << (first ? "" : "/") << pairing.offeredNumber(number).value_or(number);
+        first = false;
+    });
+}
+
+// "apt=98;rtx-time=3000" with the number replaced, all else as it is.
+void writeApt(const Pairing &pairing, const Format &ours, Text &text) {
+    const std::string_view parameters = ours.parameters;
+    const auto apt = parameter(parameters, "apt");
+    const size_t begin = static_cast<size_t>(apt->data() - parameters.data());
+    text << parameters.substr(0, begin);
+    writeNumbers(pairing, ours, text);
+    text << parameters.substr(begin + apt->size());
+}
+
+} // namespace
+
+void writeParameters(const Pairing &pairing, uint32_t place, Text &text) {
+    const Format &offered = pairing.offered.items[place];
+    const Format &ours = pairing.ourOf(place);
+    if (offered.role == Role::Red && eachReference(ours, [](uint32_t) {})) {
+        writeNumbers(pairing, ours, text);
+        return;
+    }
+    if (offered.role == Role::Rtx) {
+        writeApt(pairing, ours, text);
+        return;
+    }
+    text << ours.parameters;
+    if (isAmr(offered) && modeSetOf(offered.parameters) && !modeSetOf(ours.parameters)) {
+        text << (text.empty() ? "" : ";")
+             << "mode-set=" << *parameter(offered.parameters, "mode-set");
+    }
+}
+
+} // namespace sdpline::negotiate

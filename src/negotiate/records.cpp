@@ -1,0 +1,85 @@
+// Records of a body, looked at.
+#include "negotiate/records.hpp"
+
+#include <algorithm>
+
+namespace sdpline::negotiate {
+
+bool hasWord(std::string_view text, std::string_view word) {
+    for (size_t at = 0; at + word.size() <= text.size(); ++at) {
+        if (sameWord(text.substr(at, word.size()), word)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool takeNumber(std::string_view &text, uint32_t &number) {
+    uint64_t value = 0;
+    size_t at = 0;
+    while (at < text.size() && text[at] >= '0' && text[at] <= '9') {
+        value = value * 10 + static_cast<uint64_t>(text[at++] - '0');
+        if (value > UINT32_MAX) {
+            return false;
+        }
+    }
+    number = static_cast<uint32_t>(value);
+    text.remove_prefix(at);
+    return at != 0;
+}
+
+std::string_view takeWord(std::string_view &text) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    text.remove_prefix(word.size());
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    return word;
+}
+
+const SDPAttr *find(AttributeSpan attributes, uint32_t type) {
+    for (const SDPAttr *const attribute : attributes) {
+        if (attribute->ulAttrType == type) {
+            return attribute;
+        }
+    }
+    return nullptr;
+}
+
+const SDPAttr *find(AttributeSpan attributes, std::string_view name) {
+    for (const SDPAttr *const attribute : attributes) {
+        if (otherName(*attribute) == name) {
+            return attribute;
+        }
+    }
+    return nullptr;
+}
+
+namespace {
+
+std::span<const uint8_t> octetsOf(const SDPConnection *connection) {
+    if (connection == nullptr) {
+        return {};
+    }
+    const SDPTptAddr &address = connection->stTptAddr;
+    switch (address.enTptAddrType) {
+    case SDP_TPTADDR_IPV4: return address.unTptAddr.aucIpv4;
+    case SDP_TPTADDR_IPV6: return address.unTptAddr.aucIpv6;
+    default: return {};
+    }
+}
+
+} // namespace
+
+bool isUnspecified(const SDPConnection *connection) {
+    const auto octets = octetsOf(connection);
+    return !octets.empty() &&
+           std::all_of(octets.begin(), octets.end(), [](uint8_t octet) { return octet == 0; });
+}
+
+// 224.0.0.0/4 (RFC 5771) and ff00::/8 (RFC 4291 section 2.7).
+bool isMulticast(const SDPConnection *connection) {
+    const auto octets = octetsOf(connection);
+    return (octets.size() == 4 && octets[0] >> 4 == 0xE) ||
+           (octets.size() == 16 && octets[0] == 0xFF);
+}
+
+} // namespace sdpline::negotiate

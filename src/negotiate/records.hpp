@@ -1,0 +1,104 @@
+// Records of a body, looked at: texts, lists, words compared as SDP compares them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "sdpline/sdpline.hpp"
+#include "sdpline/sdpnegotiate.h"
+
+namespace sdpline::negotiate {
+
+inline std::string_view viewOf(const SipString &text) {
+    return text.pcData != nullptr ? std::string_view(text.pcData, text.ulLen) : std::string_view();
+}
+inline std::string_view viewOf(const SipString *text) {
+    return text != nullptr ? viewOf(*text) : std::string_view();
+}
+
+// A text for records and C operations, which only read it.
+inline SipString lent(std::string_view text) {
+    return {static_cast<uint32_t>(text.size()), const_cast<char *>(text.data())};
+}
+
+using MediaSpan = std::span<SDPMediaDesc *const>;
+using AttributeSpan = std::span<SDPAttr *const>;
+
+inline MediaSpan mediaOf(const SdpLine &body) {
+    SDPMediaDesc **const items = body.stMediaSet.ppstMediaDescs;
+    return {items, items != nullptr ? body.stMediaSet.ulNoOfMediaDescs : 0};
+}
+inline AttributeSpan attributesOf(const SDPAttrList *list) {
+    if (list == nullptr || list->ppstAttrs == nullptr) {
+        return {};
+    }
+    return {list->ppstAttrs, list->ulNoOfAttrs};
+}
+
+constexpr char lower(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
+}
+
+// Equal but for the case of ASCII letters.
+constexpr bool sameWord(std::string_view one, std::string_view two) {
+    if (one.size() != two.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < one.size(); ++i) {
+        if (one[i] != two[i] && lower(one[i]) != lower(two[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool hasWord(std::string_view text, std::string_view word); // inside, without case
+
+// The decimal number that `text` begins with, which is taken off it. False without a digit, and for
+// one above 32 bits.
+bool takeNumber(std::string_view &text, uint32_t &number);
+
+// The word up to the next blank, taken off the text together with the blanks after it.
+std::string_view takeWord(std::string_view &text);
+
+inline std::string_view mediaWord(const SDPMediaDesc &media) {
+    return Media(&media).type().text();
+}
+inline std::string_view protocolWord(const SDPMediaDesc &media) {
+    return Media(&media).protocol().text();
+}
+
+// The name and the value of an attribute that the library keeps as text; empty for others.
+inline std::string_view otherName(const SDPAttr &attribute) {
+    const bool other = attribute.ulAttrType == SDP_ATTR_UNREC_VALUE ||
+                       attribute.ulAttrType == SDP_ATTR_UNREC_NOVALUE;
+    return other ? viewOf(attribute.pstAttrName) : std::string_view();
+}
+inline std::string_view otherValue(const SDPAttr &attribute) {
+    return attribute.ulAttrType == SDP_ATTR_UNREC_VALUE ? viewOf(attribute.unAttrValue.strValue)
+                                                        : std::string_view();
+}
+
+// The first attribute of a type, or of a name; null for none.
+const SDPAttr *find(AttributeSpan attributes, uint32_t type);
+const SDPAttr *find(AttributeSpan attributes, std::string_view name);
+
+// That of the media description, or else of the session.
+template <class Key>
+const SDPAttr *findFor(const SdpLine &body, const SDPMediaDesc &media, Key key) {
+    const SDPAttr *const own = find(attributesOf(media.pstAttrList), key);
+    return own != nullptr ? own : find(attributesOf(body.pstAttrList), key);
+}
+
+// The c= line that holds for a stream; null for none.
+inline const SDPConnection *connectionOf(const SdpLine &body, const SDPMediaDesc &media) {
+    const SDPConnection *const own = media.pstConnection;
+    return own != nullptr ? own : body.pstConnection;
+}
+bool isUnspecified(const SDPConnection *connection); // 0.0.0.0 or "::"
+bool isMulticast(const SDPConnection *connection);
+
+constexpr uint32_t kHighestPort = 65535;
+
+} // namespace sdpline::negotiate

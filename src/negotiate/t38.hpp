@@ -1,0 +1,20 @@
+// T.38 streams (RFC 3362, T.38 Annex D).
+#pragma once
+
+#include "negotiate/draft.hpp"
+#include "negotiate/report.hpp"
+
+namespace sdpline::negotiate {
+
+// Whether the offered rate management is one of ours: Reason::None, or RateManagement.
+Reason fitFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours);
+
+// The a=T38... lines of the answer.
+void answerFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t stream,
+               Report &report, Growing<SDPAttr> &lines);
+
+// What is wrong with those of an answer.
+void checkFax(const SDPMediaDesc &offered, const SDPMediaDesc &answered, uint32_t stream,
+              Report &report);
+
+} // namespace sdpline::negotiate

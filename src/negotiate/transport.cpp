@@ -1,0 +1,208 @@
+// Connections and keys.
+#include "negotiate/transport.hpp"
+
+namespace sdpline::negotiate {
+
+bool isDtls(std::string_view protocol) {
+    return hasWord(protocol, "TLS");
+}
+bool isTcp(std::string_view protocol) {
+    return sameWord(protocol.substr(0, 3), "TCP");
+}
+bool isSavp(std::string_view protocol) {
+    return hasWord(protocol, "SAVP") && !isDtls(protocol);
+}
+bool hasFeedback(std::string_view protocol) {
+    return hasWord(protocol, "AVPF");
+}
+
+bool sameProtocol(std::string_view offered, std::string_view ours, bool avpForAvpf) {
+    if (sameWord(offered, ours)) {
+        return true;
+    }
+    return avpForAvpf && hasFeedback(offered) &&
+           sameWord(offered.substr(0, offered.size() - 1), ours);
+}
+
+// ---- a=setup
+
+namespace {
+
+bool usesSetup(const Sides &sides) {
+    const std::string_view protocol = protocolWord(sides.offered);
+    return isTcp(protocol) || isDtls(protocol) ||
+           findFor(sides.offer, sides.offered, "fingerprint") != nullptr;
+}
+
+// 0 where the body says nothing.
+uint32_t setupOf(const SdpLine &body, const SDPMediaDesc &media) {
+    const SDPAttr *const line = findFor(body, media, uint32_t{SDP_ATTR_SETUP});
+    return line != nullptr ? line->unAttrValue.enT120Mode : 0;
+}
+
+} // namespace
+
+// Without a=setup the offerer opens the connection (RFC 4145 section 4.1). Where we may choose, we
+// do: we can begin at once (RFC 5763 section 5).
+Setup chooseSetup(const Sides &sides) {
+    const uint32_t theirs = setupOf(sides.offer, sides.offered);
+    const uint32_t ours = setupOf(sides.local, sides.ours);
+    if (!usesSetup(sides) || (theirs == 0 && ours == 0)) {
+        return {};
+    }
+    if (theirs == SDP_T120_ACTPASS) {
+        return {Reason::None,
+                ours == SDP_T120_PASSIVE ? uint32_t{SDP_T120_PASSIVE} : uint32_t{SDP_T120_ACTIVE}};
+    }
+    const uint32_t mode = theirs == SDP_T120_PASSIVE ? SDP_T120_ACTIVE : SDP_T120_PASSIVE;
+    const bool fits = ours == 0 || ours == SDP_T120_ACTPASS || ours == mode;
+    return {fits ? Reason::None : Reason::SetupConflict, mode};
+}
+
+// RFC 4145 section 5.1: "existing" only where the offer has it, and there is one. Ours says so, or
+// else our previous description, by an open line over the same protocol.
+std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previous) {
+    const SDPAttr *const theirs = findFor(sides.offer, sides.offered, "connection");
+    if (theirs == nullptr || !usesSetup(sides)) {
+        return {};
+    }
+    const SDPAttr *const ours = findFor(sides.local, sides.ours, "connection");
+    const bool open = previous != nullptr && previous->stMediaField.ulPort != 0 &&
+                      sameWord(protocolWord(*previous), protocolWord(sides.offered));
+    const bool existing = ours != nullptr ? otherValue(*ours) == "existing" : open;
+    return existing && otherValue(*theirs) == "existing" ? "existing" : "new";
+}
+
+// ---- a=crypto
+
+namespace {
+
+struct CryptoLine {
+    std::string_view tag;
+    std::string_view suite;
+    std::string_view keys;
+    std::string_view parameters; // session parameters
+};
+
+CryptoLine cryptoOf(const SDPAttr &attribute) {
+    std::string_view text = otherValue(attribute);
+    CryptoLine line;
+    line.tag = takeWord(text);
+    line.suite = takeWord(text);
+    line.keys = takeWord(text);
+    line.parameters = text;
+    return line;
+}
+
+bool isCrypto(const SDPAttr &attribute) {
+    return otherName(attribute) == "crypto";
+}
+
+// The parameters that both sides must have or not have (RFC 4568 section 6.3).
+uint32_t negotiatedParameters(const CryptoLine &line) {
+    constexpr std::string_view kNames[] = {"UNENCRYPTED_SRTP", "UNENCRYPTED_SRTCP",
+                                           "UNAUTHENTICATED_SRTP"};
+    uint32_t found = 0;
+    for (std::string_view rest = line.parameters; !rest.empty();) {
+        const std::string_view word = takeWord(rest);
+        for (uint32_t i = 0; i < 3; ++i) {
+            found |= sameWord(word, kNames[i]) ? 1u << i : 0;
+        }
+    }
+    return found;
+}
+
+bool fits(const CryptoLine &theirs, const CryptoLine &ours) {
+    return sameWord(theirs.suite, ours.suite) &&
+           negotiatedParameters(theirs) == negotiatedParameters(ours);
+}
+
+} // namespace
+
+// The first offered line whose suite is ours: the offerer's order is its preference.
+Crypto chooseCrypto(const Sides &sides) {
+    if (!isSavp(protocolWord(sides.offered))) {
+        return {};
+    }
+    const AttributeSpan theirs = attributesOf(sides.offered.pstAttrList);
+    const AttributeSpan ours = attributesOf(sides.ours.pstAttrList);
+    for (const SDPAttr *const offered : theirs) {
+        for (const SDPAttr *const own : ours) {
+            if (isCrypto(*offered) && isCrypto(*own) && fits(cryptoOf(*offered), cryptoOf(*own))) {
+                return {Reason::None, offered, own};
+            }
+        }
+    }
+    // Keys may also come by DTLS, or by what we do not look at.
+    const bool offersCrypto = find(theirs, "crypto") != nullptr;
+    const bool haveCrypto = find(ours, "crypto") != nullptr;
+    const bool dtls = findFor(sides.offer, sides.offered, "fingerprint") != nullptr &&
+                      findFor(sides.local, sides.ours, "fingerprint") != nullptr;
+    const bool other = dtls || (!offersCrypto && !haveCrypto);
+    return {other ? Reason::None : Reason::NoCommonCrypto, nullptr, nullptr};
+}
+
+void writeCrypto(const Crypto &crypto, Text &text) {
+    const CryptoLine theirs = cryptoOf(*crypto.offered);
+    const CryptoLine ours = cryptoOf(*crypto.ours);
+    text << theirs.tag << " " << theirs.suite << " " << ours.keys;
+    if (!ours.parameters.empty()) {
+        text << " " << ours.parameters;
+    }
+}
+
+// ---- Checks. `ours` is the answer here.
+
+namespace {
+
+void checkSetup(const Sides &sides, uint32_t stream, Report &report) {
+    const uint32_t answered = setupOf(sides.local, sides.ours);
+    if (!usesSetup(sides) || answered == 0) {
+        return;
+    }
+    const uint32_t offered = setupOf(sides.offer, sides.offered);
+    const uint32_t theirs = offered != 0 ? offered : uint32_t{SDP_T120_ACTIVE};
+    if (answered == SDP_T120_ACTPASS || (theirs != SDP_T120_ACTPASS && answered == theirs)) {
+        report.add(Reason::SetupWrong, stream, wordOf(SetupRole{answered}));
+    }
+}
+
+void checkCrypto(const Sides &sides, uint32_t stream, Report &report) {
+    uint32_t offered = 0;
+    uint32_t answered = 0;
+    for (const SDPAttr *const line : attributesOf(sides.offered.pstAttrList)) {
+        offered += isCrypto(*line) ? 1 : 0;
+    }
+    for (const SDPAttr *const line : attributesOf(sides.ours.pstAttrList)) {
+        if (!isCrypto(*line)) {
+            continue;
+        }
+        if (++answered == 2) {
+            report.add(Reason::CryptoSeveral, stream);
+        }
+        const CryptoLine ours = cryptoOf(*line);
+        bool known = false;
+        for (const SDPAttr *const other : attributesOf(sides.offered.pstAttrList)) {
+            const CryptoLine theirs = cryptoOf(*other);
+            known = known || (isCrypto(*other) && theirs.tag == ours.tag && fits(theirs, ours));
+        }
+        if (!known) {
+            report.add(Reason::CryptoNotOffered, stream, ours.tag);
+        }
+    }
+    const bool dtls = findFor(sides.local, sides.ours, "fingerprint") != nullptr;
+    if (offered != 0 && answered == 0 && !dtls) {
+        report.add(Reason::CryptoMissing, stream);
+    }
+}
+
+} // namespace
+
+void checkTransport(const Sides &sides, uint32_t stream, Report &report) {
+    checkSetup(sides, stream, report);
+    if (isSavp(protocolWord(sides.offered))) {
+        checkCrypto(sides, stream, report);
+    }
+}
+
+} // namespace sdpline::negotiate

@@ -1,0 +1,47 @@
+// Who opens a connection (RFC 4145), which keys protect it (RFC 4568).
+#pragma once
+
+#include "negotiate/draft.hpp"
+#include "negotiate/report.hpp"
+
+namespace sdpline::negotiate {
+
+constexpr uint32_t kDiscardPort = 9;
+
+bool isDtls(std::string_view protocol);      // "UDP/TLS/RTP/SAVP"
+bool isTcp(std::string_view protocol);       // "TCP", "TCP/BFCP"
+bool isSavp(std::string_view protocol);      // RTP/SAVP, RTP/SAVPF: keys by a=crypto
+bool hasFeedback(std::string_view protocol); // the AVPF profiles
+
+// Equal without case, or where `avpForAvpf` AVPF and AVP, SAVPF and SAVP.
+bool sameProtocol(std::string_view offered, std::string_view ours, bool avpForAvpf);
+
+// One stream of an offer, and ours that is to answer it.
+struct Sides {
+    const SdpLine &offer;
+    const SDPMediaDesc &offered;
+    const SdpLine &local;
+    const SDPMediaDesc &ours;
+};
+
+struct Setup {
+    Reason rejected = Reason::None;
+    uint32_t mode = 0; // SDP_T120_..., 0 for no a=setup
+};
+Setup chooseSetup(const Sides &sides);
+
+// The a=connection of the answer: empty for none. `previous` is the stream in our last description,
+// null where it had none.
+std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previous);
+
+struct Crypto {
+    Reason rejected = Reason::None;
+    const SDPAttr *offered = nullptr; // null where no a=crypto is used
+    const SDPAttr *ours = nullptr;
+};
+Crypto chooseCrypto(const Sides &sides);
+void writeCrypto(const Crypto &crypto, Text &text);
+
+void checkTransport(const Sides &sides, uint32_t stream, Report &report);
+
+} // namespace sdpline::negotiate

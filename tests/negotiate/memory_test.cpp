@@ -1,0 +1,239 @@
+// Every allocation of every call fails once: the call says so, or does without, and gives all back.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "negotiate/documents.hpp"
+#include "support/allocations.hpp"
+
+namespace negotiate_test {
+
+namespace {
+
+using support::Allocations;
+using support::Held;
+
+constexpr uint32_t kNoMemory = 3;
+
+// Runs a call again and again, its first allocation failing, then its second, until none does.
+void failEach(const std::string &name, const std::function<SDPResult()> &call) {
+    const Held before = Held::now();
+    for (uint32_t n = 1;; ++n) {
+        Allocations::failAt(n);
+        const SDPResult result = call();
+        const bool failed = Allocations::failed();
+        Allocations::reset();
+        ASSERT_EQ(Held::now(), before) << name << ": allocation " << n << " leaked";
+        if (!failed) {
+            ASSERT_EQ(result, 0u) << name;
+            ASSERT_GT(n, 1u) << name << " allocates nothing";
+            return;
+        }
+        ASSERT_EQ(result, kNoMemory) << name << ": allocation " << n;
+    }
+}
+
+struct Input {
+    explicit Input(const Case &current) {
+        for (const char *const kind :
+             {"offer", "local", "previous", "reply", "sent", "next", "wanted"}) {
+            if (current.has(kind)) {
+                bodies.emplace(kind,
+                               std::make_unique<sdpline::Body>(bodyOf(current, kind).value()));
+            }
+        }
+    }
+    const SdpLine *operator[](const std::string &kind) const {
+        const auto found = bodies.find(kind);
+        return found != bodies.end() ? found->second->record() : nullptr;
+    }
+    std::map<std::string, std::unique_ptr<sdpline::Body>> bodies;
+};
+
+void failAnswer(const std::string &name, const Case &current, const Input &input) {
+    const auto options = optionsOf(current);
+    const auto record = sdpline::negotiate_detail::optionsOf(options);
+    failEach(name, [&] {
+        SdpLine *answer = nullptr;
+        SdpNegotiateReport *report = nullptr;
+        const SDPResult result = SdpNegotiateAnswer(input["offer"], input["local"],
+                                                    input["previous"], &record, &answer, &report);
+        EXPECT_EQ(answer != nullptr, result == 0);
+        EXPECT_EQ(report != nullptr, result == 0);
+        SdpLibReleaseSdp(&answer);
+        SdpNegotiateReleaseReport(&report);
+        return result;
+    });
+}
+
+TEST(NegotiateMemory, EveryAllocationOfEveryCaseFails) {
+    SdpSetSupMedProtoRtpAvpf(1);
+    for (const Case &current : readCases(SDPLINE_NEGOTIATE_CASES)) {
+        const Input input(current);
+        const std::string name = current.file + ": " + current.title;
+        if (current.has("offer") && current.has("local")) {
+            failAnswer(name, current, input);
+        } else if (current.has("offer")) {
+            for (const uint32_t side : {SDP_NEGOTIATE_OFFERER, SDP_NEGOTIATE_ANSWERER}) {
+                failEach(name, [&] {
+                    SdpNegotiateReport *report = nullptr;
+                    const SDPResult result =
+                        SdpNegotiateAgree(input["offer"], input["reply"], side, &report);
+                    SdpNegotiateReleaseReport(&report);
+                    return result;
+                });
+            }
+            failEach(name, [&] {
+                SdpNegotiateReport *report = nullptr;
+                const SDPResult result = SdpNegotiateCheck(input["offer"], input["reply"], &report);
+                SdpNegotiateReleaseReport(&report);
+                return result;
+            });
+        } else if (current.has("next")) {
+            failEach(name, [&] {
+                SdpNegotiateReport *report = nullptr;
+                const SDPResult result =
+                    SdpNegotiateCheckNext(input["sent"], input["next"], &report);
+                SdpNegotiateReleaseReport(&report);
+                return result;
+            });
+        } else if (current.has("wanted")) {
+            failEach(name, [&] {
+                SdpLine *offer = nullptr;
+                const SDPResult result =
+                    SdpNegotiateNextOffer(input["sent"], input["wanted"], &offer);
+                SdpLibReleaseSdp(&offer);
+                return result;
+            });
+        } else {
+            failEach(name, [&] {
+                SdpLine *body = nullptr;
+                const SDPResult result = SdpNegotiateCapabilities(input["local"], &body);
+                SdpLibReleaseSdp(&body);
+                return result;
+            });
+        }
+    }
+    SdpSetSupMedProtoRtpAvpf(0);
+}
+
+// A call of the state machine that fails has changed nothing.
+class Session {
+public:
+    Session() { SdpNegotiateCreate(&session_); }
+    ~Session() { SdpNegotiateRelease(&session_); }
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+    SdpNegotiator *get() const { return session_; }
+
+private:
+    SdpNegotiator *session_ = nullptr;
+};
+
+sdpline::Body bodyWith(const std::string &media) {
+    return sdpline::Body::decode(kLocalHead + media).value();
+}
+
+// Fails each allocation of a call until it succeeds, which it does once.
+void failStep(Session &session, const std::function<SDPResult(SdpNegotiator *)> &call) {
+    const uint32_t state = SdpNegotiateGetState(session.get());
+    const SdpLine *const local = SdpNegotiateGetLocal(session.get());
+    for (uint32_t n = 1;; ++n) {
+        const Held before = Held::now();
+        Allocations::failAt(n);
+        const SDPResult result = call(session.get());
+        const bool failed = Allocations::failed();
+        Allocations::reset();
+        if (!failed) {
+            ASSERT_EQ(result, 0u);
+            return;
+        }
+        ASSERT_EQ(result, kNoMemory) << "allocation " << n;
+        ASSERT_EQ(Held::now(), before) << "allocation " << n << " leaked";
+        ASSERT_EQ(SdpNegotiateGetState(session.get()), state);
+        ASSERT_EQ(SdpNegotiateGetLocal(session.get()), local);
+    }
+}
+
+TEST(NegotiateMemory, TheStateMachineChangesNothingWhenItFails) {
+    const auto local = bodyWith("m=audio 40000 RTP/AVP 0 8\na=rtpmap:0 PCMU/8000\n");
+    const auto hold = bodyWith("m=audio 40000 RTP/AVP 0 8\na=sendonly\n");
+    const auto bad = bodyWith("m=audio 40000 RTP/AVP 3 200\n");
+    const Held before = Held::now();
+    {
+        Session session;
+        const auto offer = [&](SdpNegotiator *machine) {
+            SdpLine *made = nullptr;
+            const SDPResult result = SdpNegotiateOffer(machine, hold.record(), &made);
+            SdpLibReleaseSdp(&made);
+            return result;
+        };
+        const auto receive = [&](const sdpline::Body &answer, uint32_t provisional) {
+            return [&answer, provisional](SdpNegotiator *machine) {
+                SdpNegotiateReport *report = nullptr;
+                const SDPResult result =
+                    SdpNegotiateReceiveAnswer(machine, answer.record(), provisional, &report);
+                SdpNegotiateReleaseReport(&report);
+                return result;
+            };
+        };
+        const auto answer = [&](uint32_t provisional) {
+            return [&local, provisional](SdpNegotiator *machine) {
+                SdpLine *made = nullptr;
+                SdpNegotiateReport *report = nullptr;
+                const SDPResult result = SdpNegotiateMakeAnswer(machine, local.record(), nullptr,
+                                                                provisional, &made, &report);
+                SdpLibReleaseSdp(&made);
+                SdpNegotiateReleaseReport(&report);
+                return result;
+            };
+        };
+        failStep(session, offer);
+        failStep(session, receive(bad, 1));
+        failStep(session, receive(local, 0));
+        failStep(session, [&](SdpNegotiator *machine) {
+            return SdpNegotiateReceiveOffer(machine, hold.record());
+        });
+        failStep(session, answer(1));
+        failStep(session, answer(0));
+        failStep(session, offer);
+        ASSERT_EQ(SdpNegotiateRefused(session.get()), 0u);
+    }
+    EXPECT_EQ(Held::now(), before);
+}
+
+TEST(NegotiateMemory, NoMemoryForASession) {
+    for (uint32_t n = 1; n <= 2; ++n) {
+        Allocations::failAt(n);
+        auto *session = reinterpret_cast<SdpNegotiator *>(1);
+        EXPECT_EQ(SdpNegotiateCreate(&session), kNoMemory);
+        EXPECT_EQ(session, nullptr);
+        Allocations::reset();
+    }
+    Allocations::failAt(1);
+    sdpline::Negotiator session;
+    Allocations::reset();
+    EXPECT_EQ(session.state(), sdpline::Negotiator::State::Stable);
+    EXPECT_FALSE(session.refuse());
+}
+
+TEST(NegotiateMemory, ACheckWithoutMemorySaysSo) {
+    const auto body = bodyWith("m=audio 40000 RTP/AVP 0\n");
+    Allocations::failAt(1);
+    const auto decisions = sdpline::check(body, body);
+    Allocations::failAt(1);
+    const auto next = sdpline::checkNext(body, body);
+    Allocations::reset();
+    ASSERT_EQ(decisions.size(), 1u);
+    EXPECT_EQ(decisions[0].name, "NoMemory");
+    EXPECT_EQ(decisions[0].kind, sdpline::DecisionKind::Refusal);
+    ASSERT_EQ(next.size(), 1u);
+    Allocations::failAt(1);
+    const auto answer = sdpline::answer(body, body);
+    Allocations::reset();
+    EXPECT_EQ(answer.error().fault, sdpline::Fault::Memory);
+}
+
+} // namespace
+
+} // namespace negotiate_test

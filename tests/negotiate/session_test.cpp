@@ -1,0 +1,204 @@
+// The state machine: who may do what when, and what stays in force.
+#include <gtest/gtest.h>
+
+#include "negotiate/documents.hpp"
+
+namespace negotiate_test {
+
+namespace {
+
+using sdpline::Body;
+using sdpline::Negotiator;
+using State = Negotiator::State;
+
+Body ours(const std::string &media) {
+    return Body::decode(kLocalHead + media).value();
+}
+Body theirs(const std::string &media) {
+    return Body::decode(kOfferHead + media).value();
+}
+
+std::string textOf(const SdpLine *line) {
+    uint8_t bytes[SDP_MAX_BODY];
+    uint32_t size = 0;
+    EXPECT_EQ(SdpLibSerializeSdp(const_cast<SdpLine *>(line), bytes, sizeof bytes, &size), 0u);
+    std::string text(reinterpret_cast<const char *>(bytes), size);
+    std::erase(text, '\r');
+    return text;
+}
+
+const std::string kAudio = "m=audio 40000 RTP/AVP 0\n";
+const std::string kHold = kAudio + "a=sendonly\n";
+
+std::string versionOf(const Body &body) {
+    return std::string(body.origin().sessionVersion);
+}
+
+TEST(Negotiator, AnOfferAndItsAnswer) {
+    Negotiator session;
+    EXPECT_EQ(session.state(), State::Stable);
+    EXPECT_EQ(session.local(), nullptr);
+    const auto offer = session.offer(ours(kAudio));
+    ASSERT_TRUE(offer);
+    EXPECT_EQ(negotiate_test::textOf(*offer), kLocalHead + kAudio);
+    EXPECT_EQ(session.state(), State::HaveLocalOffer);
+    EXPECT_EQ(session.local(), nullptr) << "not in force before the answer";
+
+    const Body answer = theirs("m=audio 49170 RTP/AVP 0\na=recvonly\n");
+    const auto early = session.receiveAnswer(answer, true);
+    ASSERT_TRUE(early);
+    EXPECT_EQ(session.state(), State::HaveLocalOffer);
+    EXPECT_EQ(session.remote(), nullptr);
+    const auto agreement = session.receiveAnswer(answer);
+    ASSERT_TRUE(agreement);
+    EXPECT_TRUE(agreement->decisions.empty());
+    EXPECT_EQ(agreement->streams.at(0).direction, sdpline::Direction::SendOnly) << "as we see it";
+    EXPECT_EQ(session.state(), State::Stable);
+    EXPECT_EQ(textOf(session.local()), kLocalHead + kAudio);
+    EXPECT_EQ(textOf(session.remote()), negotiate_test::textOf(answer));
+}
+
+TEST(Negotiator, AnAnswerWithFaultsIsTakenAndJudged) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio + "m=video 40002 RTP/AVP 31\n")));
+    const auto agreement = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n"));
+    ASSERT_TRUE(agreement);
+    ASSERT_EQ(agreement->decisions.size(), 1u);
+    EXPECT_EQ(agreement->decisions[0].sentence,
+              "stream 2: an m= line of the offer has none in the answer");
+    EXPECT_EQ(agreement->streams.size(), 2u);
+    EXPECT_EQ(session.state(), State::Stable);
+}
+
+TEST(Negotiator, AnOfferOfThePeer) {
+    Negotiator session;
+    const Body offer = theirs("m=audio 49170 RTP/AVP 0 8\n");
+    ASSERT_TRUE(session.receiveOffer(offer));
+    EXPECT_EQ(session.state(), State::HaveRemoteOffer);
+    const auto early = session.answer(ours(kAudio), {}, true);
+    ASSERT_TRUE(early);
+    EXPECT_EQ(session.state(), State::HaveRemoteOffer);
+    EXPECT_EQ(session.local(), nullptr);
+    const auto final = session.answer(ours(kAudio));
+    ASSERT_TRUE(final);
+    EXPECT_EQ(negotiate_test::textOf(final->body), negotiate_test::textOf(early->body))
+        << "the same answer, with the same version";
+    EXPECT_EQ(session.state(), State::Stable);
+    EXPECT_EQ(textOf(session.remote()), negotiate_test::textOf(offer));
+    EXPECT_EQ(textOf(session.local()), kLocalHead + kAudio);
+}
+
+TEST(Negotiator, HoldAndResume) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    const auto hold = session.offer(ours(kHold));
+    ASSERT_TRUE(hold);
+    EXPECT_EQ(versionOf(*hold), "2");
+    const auto held = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\na=recvonly\n"));
+    EXPECT_EQ(held->streams.at(0).direction, sdpline::Direction::SendOnly);
+    const auto resumed = session.offer(ours(kAudio));
+    EXPECT_EQ(versionOf(*resumed), "3");
+}
+
+TEST(Negotiator, ARefusedOfferLeavesWhatIsInForceAndUsesItsVersionUp) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    const std::string inForce = textOf(session.local());
+    ASSERT_TRUE(session.offer(ours(kHold)));
+    ASSERT_TRUE(session.refused());
+    EXPECT_EQ(session.state(), State::Stable);
+    EXPECT_EQ(textOf(session.local()), inForce);
+    // The same again is what was sent; another one has the next version.
+    const auto again = session.offer(ours(kHold));
+    EXPECT_EQ(versionOf(*again), "2");
+    ASSERT_TRUE(session.refused());
+    ASSERT_TRUE(session.receiveOffer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    const auto answer = session.answer(ours(kAudio));
+    EXPECT_EQ(versionOf(answer->body), "3");
+}
+
+TEST(Negotiator, ARefusedOfferOfThePeer) {
+    Negotiator session;
+    ASSERT_TRUE(session.receiveOffer(theirs(kAudio)));
+    ASSERT_TRUE(session.refuse());
+    EXPECT_EQ(session.state(), State::Stable);
+    EXPECT_EQ(session.remote(), nullptr);
+    ASSERT_TRUE(session.receiveOffer(theirs(kAudio)));
+    ASSERT_TRUE(session.answer(ours(kAudio)));
+}
+
+TEST(Negotiator, Glare) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio)));
+    const auto status = session.receiveOffer(theirs(kAudio));
+    ASSERT_FALSE(status);
+    EXPECT_EQ(status.error().check, "Glare");
+    EXPECT_EQ(status.error().fault, sdpline::Fault::Argument);
+    EXPECT_EQ(status.error().sentence, "an offer arrived while ours waits for its answer");
+    EXPECT_EQ(session.state(), State::HaveLocalOffer);
+    EXPECT_TRUE(session.receiveAnswer(theirs(kAudio)));
+}
+
+// Each call in the states in which it has no place: an error, and nothing changes.
+TEST(Negotiator, CallsInTheWrongState) {
+    const Body local = ours(kAudio);
+    const Body remote = theirs(kAudio);
+    Negotiator stable;
+    EXPECT_EQ(stable.receiveAnswer(remote).error().check, "WrongState");
+    EXPECT_EQ(stable.answer(local).error().check, "WrongState");
+    EXPECT_EQ(stable.refuse().error().check, "WrongState");
+    EXPECT_EQ(stable.refused().error().check, "WrongState");
+    EXPECT_EQ(stable.state(), State::Stable);
+
+    Negotiator offering;
+    ASSERT_TRUE(offering.offer(local));
+    EXPECT_EQ(offering.offer(local).error().check, "WrongState");
+    EXPECT_EQ(offering.answer(local).error().check, "WrongState");
+    EXPECT_EQ(offering.refuse().error().check, "WrongState");
+    EXPECT_EQ(offering.state(), State::HaveLocalOffer);
+
+    Negotiator offered;
+    ASSERT_TRUE(offered.receiveOffer(remote));
+    EXPECT_EQ(offered.offer(local).error().check, "WrongState");
+    EXPECT_EQ(offered.receiveOffer(remote).error().check, "WrongState");
+    EXPECT_EQ(offered.receiveAnswer(remote).error().check, "WrongState");
+    EXPECT_EQ(offered.refused().error().check, "WrongState");
+    EXPECT_EQ(offered.state(), State::HaveRemoteOffer);
+}
+
+TEST(Negotiator, NullArguments) {
+    const Body local = ours(kAudio);
+    SdpLine *body = nullptr;
+    EXPECT_EQ(SdpNegotiateCreate(nullptr), 1u);
+    EXPECT_EQ(SdpNegotiateGetState(nullptr), 0u);
+    EXPECT_EQ(SdpNegotiateGetLocal(nullptr), nullptr);
+    EXPECT_EQ(SdpNegotiateGetRemote(nullptr), nullptr);
+    EXPECT_EQ(SdpNegotiateOffer(nullptr, local.record(), &body), 1u);
+    EXPECT_EQ(SdpNegotiateReceiveAnswer(nullptr, local.record(), 0, nullptr), 1u);
+    EXPECT_EQ(SdpNegotiateRefused(nullptr), 1u);
+    EXPECT_EQ(SdpNegotiateReceiveOffer(nullptr, local.record()), 1u);
+    EXPECT_EQ(SdpNegotiateMakeAnswer(nullptr, local.record(), nullptr, 0, &body, nullptr), 1u);
+    EXPECT_EQ(SdpNegotiateRefuse(nullptr), 1u);
+    SdpNegotiateRelease(nullptr);
+    SdpNegotiator *session = nullptr;
+    SdpNegotiateRelease(&session);
+    ASSERT_EQ(SdpNegotiateCreate(&session), 0u);
+    EXPECT_EQ(SdpNegotiateOffer(session, nullptr, &body), 1u);
+    EXPECT_EQ(SdpNegotiateOffer(session, local.record(), nullptr), 1u);
+    EXPECT_EQ(SdpNegotiateReceiveOffer(session, nullptr), 1u);
+    ASSERT_EQ(SdpNegotiateReceiveOffer(session, local.record()), 0u);
+    EXPECT_EQ(SdpNegotiateMakeAnswer(session, local.record(), nullptr, 0, nullptr, nullptr), 1u);
+    EXPECT_EQ(SdpNegotiateMakeAnswer(session, local.record(), nullptr, 0, &body, nullptr), 0u);
+    SdpLibReleaseSdp(&body);
+    EXPECT_EQ(SdpNegotiateOffer(session, local.record(), &body), 0u);
+    SdpLibReleaseSdp(&body);
+    EXPECT_EQ(SdpNegotiateReceiveAnswer(session, local.record(), 0, nullptr), 0u);
+    SdpNegotiateRelease(&session);
+    EXPECT_EQ(session, nullptr);
+}
+
+} // namespace
+
+} // namespace negotiate_test
