@@ -26,8 +26,8 @@ namespace cli {
 // The body is only read.
 nlohmann::ordered_json jsonOf(SdpLine &line);
 
-// A body of its own from the document; null when the document is none, and `error` says why:
-// "/media/0/port: not a number from 0 to 4294967295".
+// A new body from the document; null when the document is none, and `error` says why:
+// "/media/0/port: expected a number from 0 to 4294967295, found null".
 Body bodyOf(const nlohmann::json &document, std::string &error);
 
 } // namespace cli

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <limits>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
@@ -25,6 +26,37 @@ struct BadField : std::runtime_error {
         : std::runtime_error((path.empty() ? "/" : path) + ": " + what) {}
 };
 
+// A value for a message: short, and of lists and objects the kind alone.
+std::string shown(const Json &value) {
+    constexpr size_t kMostBytes = 40;
+    if (value.is_structured()) {
+        return value.is_array() ? "an array" : "an object";
+    }
+    std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
+    if (text.size() > kMostBytes) {
+        text.replace(kMostBytes - 4, std::string::npos, "...\"");
+    }
+    return text;
+}
+
+BadField unexpected(const std::string &path, const std::string &wanted, const Json &found) {
+    return {path, "expected " + wanted + ", found " + shown(found)};
+}
+
+// "IP4" or "IP6"; of many words none.
+std::string wordList(std::span<const tables::KeywordRow> words) {
+    constexpr size_t kMostWords = 8;
+    if (words.size() > kMostWords) {
+        return "the name of an attribute";
+    }
+    std::string list;
+    for (size_t i = 0; i < words.size(); ++i) {
+        list += i == 0 ? "" : i + 1 < words.size() ? ", " : " or ";
+        list += '"' + std::string(words[i].text) + '"';
+    }
+    return list;
+}
+
 std::string rangeText(uint32_t first, uint32_t last) {
     return "from " + std::to_string(first) + " to " + std::to_string(last);
 }
@@ -32,7 +64,7 @@ std::string rangeText(uint32_t first, uint32_t last) {
 uint32_t numberOf(const Json &value, const std::string &path, uint32_t first, uint32_t last) {
     const bool isNumber = value.is_number_integer() && (value.is_number_unsigned() || value >= 0);
     if (!isNumber || value.get<uint64_t>() < first || value.get<uint64_t>() > last) {
-        throw BadField(path, "not a number " + rangeText(first, last));
+        throw unexpected(path, "a number " + rangeText(first, last), value);
     }
     return value.get<uint32_t>();
 }
@@ -40,12 +72,12 @@ uint32_t numberOf(const Json &value, const std::string &path, uint32_t first, ui
 std::string bytesOfHex(const std::string &hex, const std::string &path) {
     const auto digit = [&](char byte) {
         if (!isDigit(byte) && !(isLetter(byte) && (byte | 0x20) <= 'f')) {
-            throw BadField(path, "not pairs of hexadecimal digits");
+            throw unexpected(path, "pairs of hexadecimal digits", hex);
         }
         return isDigit(byte) ? byte - '0' : (byte | 0x20) - 'a' + 10;
     };
     if (hex.size() % 2 != 0) {
-        throw BadField(path, "not pairs of hexadecimal digits");
+        throw unexpected(path, "pairs of hexadecimal digits", hex);
     }
     std::string bytes;
     for (size_t i = 0; i < hex.size(); i += 2) {
@@ -62,10 +94,10 @@ std::string bytesOf(const Json &value, const std::string &path) {
                value["hex"].is_string()) {
         bytes = bytesOfHex(value["hex"].get<std::string>(), path + "/hex");
     } else {
-        throw BadField(path, "neither a string nor {\"hex\": \"...\"}");
+        throw unexpected(path, "a string or {\"hex\": \"...\"}", value);
     }
     if (bytes.find_first_of(std::string_view("\n\0", 2)) != std::string::npos) {
-        throw BadField(path, "holds a line feed or a NUL, which no line can carry");
+        throw BadField(path, "expected a text of one line, found a line feed or a NUL in it");
     }
     if (bytes.size() >= kMost) {
         throw BadField(path, "too long");
@@ -112,7 +144,7 @@ public:
     Input(const Json &json, std::string path, Memory &memory)
         : json_(json), path_(std::move(path)), memory_(memory) {
         if (!json.is_object()) {
-            throw BadField(path_, "not an object");
+            throw unexpected(path_, "an object", json);
         }
     }
 
@@ -212,8 +244,8 @@ public:
             code(key, value, codes);
         }
         if ((value == otherCode) != (other != nullptr)) {
-            throw BadField(path, "code " + std::to_string(otherCode) +
-                                     ", and no other, goes with an \"other\" text");
+            throw BadField(path, "expected an \"other\" text with code " +
+                                     std::to_string(otherCode) + " and with no other code");
         }
         return other;
     }
@@ -225,7 +257,7 @@ public:
         const char *const name = isIpv4 ? "ipv4" : "ipv6";
         const std::string text = bytesOf(input.needed(name), input.pathOf(name));
         if (inet_pton(isIpv4 ? AF_INET : AF_INET6, text.c_str(), &address.unTptAddr) != 1) {
-            throw BadField(input.pathOf(name), "not an address");
+            throw unexpected(input.pathOf(name), "an address", text);
         }
         input.finish();
     }
@@ -236,8 +268,9 @@ public:
         }
         const Json &array = arrayAt(key, 0);
         if (array.size() > SDP_MAX_PAYLOADS) {
-            throw BadField(pathOf(key),
-                           "more than " + std::to_string(SDP_MAX_PAYLOADS) + " payload numbers");
+            throw BadField(pathOf(key), "expected at most " + std::to_string(SDP_MAX_PAYLOADS) +
+                                            " payload numbers, found " +
+                                            std::to_string(array.size()));
         }
         payloads.pulPayLoads = memory_.make<uint32_t>(array.size());
         for (size_t i = 0; i < array.size(); ++i) {
@@ -290,7 +323,7 @@ public:
                 known = known || key == seen;
             }
             if (!known) {
-                throw BadField(path_, "no field \"" + key + "\" belongs here");
+                throw BadField(path_, "unexpected field \"" + key + '"');
             }
         }
     }
@@ -325,10 +358,10 @@ private:
     const Json &arrayAt(const char *key, size_t least) {
         const Json &array = needed(key);
         if (!array.is_array()) {
-            throw BadField(pathOf(key), "not an array");
+            throw unexpected(pathOf(key), "an array", array);
         }
         if (array.size() < least) {
-            throw BadField(pathOf(key), "empty");
+            throw BadField(pathOf(key), "expected an item at least, found none");
         }
         return array;
     }
@@ -337,7 +370,7 @@ private:
         const tables::KeywordRow *const known =
             word.is_string() ? tables::findByText(codes.words, word.get<std::string>()) : nullptr;
         if (known == nullptr) {
-            throw BadField(path, "not one of the words it may be");
+            throw unexpected(path, wordList(codes.words), word);
         }
         return known->code;
     }
@@ -347,7 +380,7 @@ private:
         const uint32_t value = numberOf(needed("code"), pathOf("code"), codes.first, codes.last);
         const Json *const word = find("word");
         if (word != nullptr && codeOfWord(*word, pathOf("word"), codes) != value) {
-            throw BadField(pathOf("word"), "not the word for code " + std::to_string(value));
+            throw unexpected(pathOf("word"), "the word for code " + std::to_string(value), *word);
         }
         return value;
     }

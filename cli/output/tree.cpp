@@ -3,11 +3,13 @@
 #include <span>
 #include <string_view>
 
-#include "tables/keywords.hpp"
+#include "sdpline/cpp/detail/attributes.hpp"
 
 namespace cli {
 
 namespace {
+
+namespace tables = sdpline::tables;
 
 class Writer {
 public:
@@ -33,12 +35,12 @@ public:
     Writer &text(const SipString *string) { return string != nullptr ? text(*string) : word("-"); }
 
     // A code by its keyword, or the number in brackets.
-    Writer &code(uint32_t value, std::span<const sdpline::Word> words) {
-        const sdpline::Word *const known = sdpline::findByCode(words, value);
+    Writer &code(uint32_t value, std::span<const tables::KeywordRow> words) {
+        const tables::KeywordRow *const known = tables::findByCode(words, value);
         return known != nullptr ? word(known->text) : bracketed(value, '[', ']');
     }
 
-    // A number that stands for something else.
+    // A number in place of something else.
     Writer &bracketed(uint32_t value, char open, char close) {
         out_ += ' ';
         out_ += open;
@@ -79,11 +81,11 @@ std::string groupedAddress(const uint8_t (&bytes)[16]) {
 }
 
 void writeNetwork(Writer &out, const SDPNetType &net, const SDPAddrType &addr) {
-    out.code(net.enNetType, sdpline::kNetTypeWords);
+    out.code(net.enNetType, tables::kNetTypeWords);
     if (net.pstrOtherNetType != nullptr) {
         out.text(net.pstrOtherNetType);
     }
-    out.code(addr.enAddrType, sdpline::kAddrTypeWords);
+    out.code(addr.enAddrType, tables::kAddrTypeWords);
     if (addr.pstrOtherAddrType != nullptr) {
         out.text(addr.pstrOtherAddrType);
     }
@@ -153,7 +155,7 @@ void writeRepeats(Writer &out, const SDPRepeatFieldSet *set) {
         out.line("repeat");
         for (uint32_t unit = 0; unit < repeat.ulNoOfTimeUnits; ++unit) {
             const SDPTimeUnit &time = *repeat.ppstTimeUnits[unit];
-            out.number(time.ulTimeValue).code(time.enTimeType, sdpline::kTimeUnitWords);
+            out.number(time.ulTimeValue).code(time.enTimeType, tables::kTimeUnitWords);
         }
     }
     out.outdent();
@@ -172,13 +174,13 @@ void writeStatus(Writer &out, const SDPRsrcMgmtStatus &status, bool withStrength
     if (status.stPrecondition.pstrOtherPrecondition != nullptr) {
         out.text(status.stPrecondition.pstrOtherPrecondition);
     } else {
-        out.code(status.stPrecondition.enPreconditionType, sdpline::kPreconditionWords);
+        out.code(status.stPrecondition.enPreconditionType, tables::kPreconditionWords);
     }
     if (withStrength) {
-        out.word("strength").code(status.enStrengthTag, sdpline::kStrengthWords);
+        out.word("strength").code(status.enStrengthTag, tables::kStrengthWords);
     }
-    out.word("status").code(status.enStatusType, sdpline::kStatusWords);
-    out.word("direction").code(status.enDirTag, sdpline::kDirWords);
+    out.word("status").code(status.enStatusType, tables::kStatusWords);
+    out.word("direction").code(status.enDirTag, tables::kDirWords);
 }
 
 void writeRtpMap(Writer &out, const SDPRtpMapAttr &map) {
@@ -187,54 +189,45 @@ void writeRtpMap(Writer &out, const SDPRtpMapAttr &map) {
     out.field("clock", map.ulClockRate).field("channels", map.ulEncodingParams);
 }
 
+void writeSwitch(Writer &out, uint32_t isOn, const SipString &parameters) {
+    out.word(isOn != 0 ? "on" : "off").text(parameters);
+}
+
 void writeAttributeValue(Writer &out, const SDPAttr &attr) {
+    const tables::AttributeRow &row = tables::attributeRow(attr.ulAttrType);
     const auto &value = attr.unAttrValue;
-    switch (attr.ulAttrType) {
-    case SDP_ATTR_RTPMAP: return writeRtpMap(out, value.stRtpMap);
-    case SDP_ATTR_T38_RATE_MANAGEMENT: out.code(value.ulValue, sdpline::kT38RateWords); return;
-    case SDP_ATTR_T38_UDP_EC: out.code(value.ulValue, sdpline::kT38UdpEcWords); return;
-    case SDP_ATTR_SILENCE_SUPP:
-        out.word(value.stSilenceSupp.bOn != 0 ? "on" : "off").text(value.stSilenceSupp.strParams);
+    switch (row.shape) {
+    case tables::Shape::None:
+    case tables::Shape::Flag:
+    case tables::Shape::Direction: return;
+    case tables::Shape::Number:
+    case tables::Shape::Decimal:
+    case tables::Shape::Switch: out.number(value.ulValue); return;
+    case tables::Shape::Keyword: out.code(value.ulValue, row.words); return;
+    case tables::Shape::Text: out.text(value.strValue); return;
+    case tables::Shape::RtpMap: return writeRtpMap(out, value.stRtpMap);
+    case tables::Shape::SilenceSupp:
+        return writeSwitch(out, value.stSilenceSupp.bOn, value.stSilenceSupp.strParams);
+    case tables::Shape::Ecan:
+        out.code(value.stEcan.enEcanDir, tables::kEcanDirWords);
+        return writeSwitch(out, value.stEcan.bOn, value.stEcan.strParams);
+    case tables::Shape::IpBcp:
+        out.number(value.stIpBcp.ucVersion).code(value.stIpBcp.ucType, tables::kIpBcpWords);
         return;
-    case SDP_ATTR_ECAN:
-        out.code(value.stEcan.enEcanDir, sdpline::kEcanDirWords);
-        out.word(value.stEcan.bOn != 0 ? "on" : "off").text(value.stEcan.strParams);
-        return;
-    case SDP_ATTR_UNREC_VALUE: out.text(attr.pstAttrName).text(value.strValue); return;
-    case SDP_ATTR_UNREC_NOVALUE: out.text(attr.pstAttrName); return;
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF:
-        return writeStatus(out, value.stRsrcMgmtStatus, attr.ulAttrType == SDP_ATTR_DES);
-    case SDP_ATTR_IPBCP:
-        out.number(value.stIpBcp.ucVersion).code(value.stIpBcp.ucType, sdpline::kIpBcpWords);
-        return;
-    case SDP_ATTR_SETUP: out.code(value.enT120Mode, sdpline::kSetupWords); return;
-    default: break;
-    }
-    const uint32_t type = attr.ulAttrType;
-    if (type >= SDP_ATTR_FMTP && type <= SDP_ATTR_LANG) {
-        out.text(value.strValue);
-    } else if ((type >= SDP_ATTR_PTIME && type <= SDP_ATTR_FRAMERATE) ||
-               (type >= SDP_ATTR_QUALITY && type <= SDP_ATTR_T38_MAX_DATAGRAM)) {
-        out.number(value.ulValue);
+    case tables::Shape::Precondition:
+        return writeStatus(out, value.stRsrcMgmtStatus, row.has(tables::kStrengthTag));
+    case tables::Shape::NamedText: out.text(attr.pstAttrName).text(value.strValue); return;
+    case tables::Shape::NameOnly: out.text(attr.pstAttrName); return;
     }
 }
 
 void writeAttributes(Writer &out, const SDPAttrList *list) {
-    if (list == nullptr) {
-        return;
-    }
-    for (uint32_t i = 0; i < list->ulNoOfAttrs; ++i) {
+    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
         const SDPAttr &attr = *list->ppstAttrs[i];
+        const tables::AttributeRow &row = tables::attributeRow(attr.ulAttrType);
         out.line("attribute").number(attr.ulAttrType);
-        if (attr.ulAttrType == SDP_ATTR_UNREC_VALUE || attr.ulAttrType == SDP_ATTR_UNREC_NOVALUE) {
-            out.word("other");
-        } else if (attr.ulAttrType >= 1 && attr.ulAttrType <= SDP_ATTR_SETUP) {
-            const SipString &name = sstrSdpAttrNames[attr.ulAttrType - 1];
-            std::string_view bare = {name.pcData, name.ulLen};
-            bare.remove_suffix(bare.ends_with(':') ? 1 : 0);
-            out.word(bare);
+        if (row.shape != tables::Shape::None) {
+            out.word(row.name == " " ? "other" : row.bareName());
         }
         writeAttributeValue(out, attr);
     }
@@ -265,13 +258,13 @@ void writeMedia(Writer &out, const SDPMediaDesc &media) {
     if (field.stMedia.pstrOtherMedia != nullptr) {
         out.text(field.stMedia.pstrOtherMedia);
     } else {
-        out.code(field.stMedia.enMediaType, sdpline::kMediaWords);
+        out.code(field.stMedia.enMediaType, tables::kMediaWords);
     }
     out.field("port", field.ulPort).field("ports", field.ulNoOfPorts).word("proto");
     if (field.stProto.pstrOtherProto != nullptr) {
         out.text(field.stProto.pstrOtherProto);
     } else {
-        out.code(field.stProto.enProto, sdpline::kProtoWords);
+        out.code(field.stProto.enProto, tables::kProtoWords);
     }
     writeFormats(out, field.stMediaFmt);
     out.indent();

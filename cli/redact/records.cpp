@@ -7,6 +7,7 @@
 #include "output/text.hpp"
 #include "redact/linemasks.hpp"
 #include "redact/redact.hpp"
+#include "sdpline/cpp/detail/attributes.hpp"
 
 namespace cli {
 
@@ -109,22 +110,28 @@ private:
     }
 
     void attribute(SDPAttr &attr) {
-        const uint32_t type = attr.ulAttrType;
+        using sdpline::tables::Shape;
+        const sdpline::tables::AttributeRow &row = sdpline::tables::attributeRow(attr.ulAttrType);
+        const std::string line = "a=" + std::string(row.name);
         auto &value = attr.unAttrValue;
-        if (type >= SDP_ATTR_FMTP && type <= SDP_ATTR_LANG) {
-            text("a=" + std::string(view(sstrSdpAttrNames[type - 1])), &value.strValue);
-        } else if (type == SDP_ATTR_UNREC_VALUE && attr.pstAttrName != nullptr) {
-            text("a=" + std::string(view(*attr.pstAttrName)) + ':', &value.strValue);
-        } else if (type == SDP_ATTR_RTPMAP) {
-            text("a=rtpmap:0 ", &value.stRtpMap.strEncodingName);
-        } else if (type == SDP_ATTR_SILENCE_SUPP) {
-            text("a=silenceSupp:on", &value.stSilenceSupp.strParams);
-        } else if (type == SDP_ATTR_ECAN) {
-            text("a=ecan:fb on", &value.stEcan.strParams);
-        } else if (type >= SDP_ATTR_DES && type <= SDP_ATTR_CONF) {
-            text("a=curr:", value.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition);
+        switch (row.shape) {
+        case Shape::Text: text(line, &value.strValue); break;
+        case Shape::RtpMap: text(line + "0 ", &value.stRtpMap.strEncodingName); break;
+        case Shape::SilenceSupp: text(line + "on", &value.stSilenceSupp.strParams); break;
+        case Shape::Ecan: text(line + "fb on", &value.stEcan.strParams); break;
+        case Shape::Precondition:
+            text(line, value.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition);
+            break;
+        case Shape::NamedText:
+            text("a=" + nameOf(attr) + ':', &value.strValue); // by the name, before it is masked
+            break;
+        default: break;
         }
         text("a=", attr.pstAttrName);
+    }
+
+    static std::string nameOf(const SDPAttr &attr) {
+        return attr.pstAttrName != nullptr ? std::string(view(*attr.pstAttrName)) : "";
     }
 
     SDPMemCp &memory_;

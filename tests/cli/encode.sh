@@ -75,18 +75,18 @@ refuse() { # NAME MESSAGE TEXT
   expect "$1" 1 "${4:-nothing}" message -- "$program" encode refused.json
 }
 refuse "nothing at all" ": holds no JSON document" ""
-refuse "an empty array" ": /: not an object" "[1]"
+refuse "an array of numbers" ": /: expected an object, found 1" "[1]"
 refuse "no JSON" ": parse error at line 1, column 1: syntax error while parsing value - \
 invalid literal; last read: 'v'" 'v=0'
 refuse "an object that ends early" ": parse error at line 1, column 13: syntax error while parsing \
 object - unexpected end of input; expected '}'" '{"version":0'
 refuse "an empty object" ": /version: missing" '{}'
-refuse "the second of two documents" " (document 2): /: not an object" "$(cat good.json) 2" good.sdp
-refuse "rubbish behind a document" " (document 2): parse error at line 1, column 1: syntax error \
+refuse "the second of two documents" " (document 2): /: expected an object, found 2" "$(cat good.json) 2" good.sdp
+refuse "rubbish after a document" " (document 2): parse error at line 1, column 1: syntax error \
 while parsing value - invalid literal; last read: 'x'" "$(cat good.json)x" good.sdp
-refuse "a number too great" ": /version: not a number from 0 to 4294967295" \
+refuse "a number too great" ": /version: expected a number from 0 to 4294967295, found 1.2345678901234568e+29" \
   '{"version": 123456789012345678901234567890}'
-refuse "a line break in a value" ": /name: holds a line feed or a NUL, which no line can carry" \
+refuse "a line break in a value" ": /name: expected a text of one line, found a line feed or a NUL in it" \
   "$(sed 's/"name": "-"/"name": "-\\na=x"/' good.json)"
 refuse "an empty name" ': line 3, "s=": would be refused: '"$(
   sed 's/^s=.*/s=\r/' good.sdp >empty.sdp
@@ -97,15 +97,15 @@ expect "a flag that the style loses" 1 nothing '~^sdpline: flag.json: /media/2/a
   "$program" encode --t38 1 flag.json
 refuse "a second time" ": /times/1: would be lost" \
   "$(sed 's/"times": \[/&{"start":1,"stop":2},/' good.json | tr -d '\n' | sed 's/"start": *0/"start": 3/')"
-refuse "an unknown field" ': /: no field "colour" belongs here' \
+refuse "an unknown field" ': /: unexpected field "colour"' \
   "$(sed 's/"version": 0/"version": 0, "colour": 1/' good.json)"
-refuse "an unknown field that a terminal would obey" ': /: no field "\x1b[1m" belongs here' \
+refuse "an unknown field that a terminal would obey" ': /: unexpected field "\x1b[1m"' \
   "$(sed 's/"version": 0/"version": 0, "\\u001b[1m": 1/' good.json)"
 head -c 500000 /dev/zero | tr '\0' '[' >deep.json
 expect "half a million brackets" 1 nothing '~parse error at line 1, column 500001' -- \
   "$program" encode deep.json
 { head -c 500000 /dev/zero | tr '\0' '['; head -c 500000 /dev/zero | tr '\0' ']'; } >deep.json
-expect "half a million brackets, closed" 1 nothing '~/: not an object' -- "$program" encode deep.json
+expect "half a million brackets, closed" 1 nothing '~/: expected an object, found an array' -- "$program" encode deep.json
 expect "a file that is not there" 1 good.sdp '~^sdpline: none.json: No such file' -- \
   "$program" encode none.json good.json
 finish

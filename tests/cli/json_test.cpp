@@ -86,49 +86,54 @@ std::string errorWithout(const char *parent, const char *field) {
 }
 
 TEST(JsonIn, NamesTheFieldThatIsWrong) {
-    const std::string outOfRange = ": not a number from 0 to 4294967295";
+    const std::string aNumber = ": expected a number from 0 to 4294967295, found ";
     EXPECT_EQ(errorOf(sample()), "");
-    EXPECT_EQ(errorOf(json(3)), "/: not an object");
+    EXPECT_EQ(errorOf(json(3)), "/: expected an object, found 3");
     EXPECT_EQ(errorOf(json::object()), "/version: missing");
-    EXPECT_EQ(errorWith("/version", -1), "/version" + outOfRange);
-    EXPECT_EQ(errorWith("/version", 4294967296), "/version" + outOfRange);
-    EXPECT_EQ(errorWith("/version", 1.5), "/version" + outOfRange);
-    EXPECT_EQ(errorWith("/version", "0"), "/version" + outOfRange);
+    EXPECT_EQ(errorWith("/version", -1), "/version" + aNumber + "-1");
+    EXPECT_EQ(errorWith("/version", 4294967296), "/version" + aNumber + "4294967296");
+    EXPECT_EQ(errorWith("/version", 1.5), "/version" + aNumber + "1.5");
+    EXPECT_EQ(errorWith("/version", "0"), "/version" + aNumber + "\"0\"");
+    EXPECT_EQ(errorWith("/version", std::string(50, 'x')),
+              "/version" + aNumber + '"' + std::string(35, 'x') + "...\"");
     EXPECT_EQ(errorWith("/media/0/port", nullptr), "/media/0/port: missing");
-    EXPECT_EQ(errorWith("/media/1/prot", 1), "/media/1: no field \"prot\" belongs here");
-    EXPECT_EQ(errorWith("/media", 1), "/media: not an array");
-    EXPECT_EQ(errorWith("/media/0", 1), "/media/0: not an object");
+    EXPECT_EQ(errorWith("/media/1/prot", 1), "/media/1: unexpected field \"prot\"");
+    EXPECT_EQ(errorWith("/media", 1), "/media: expected an array, found 1");
+    EXPECT_EQ(errorWith("/media/0", json::array()), "/media/0: expected an object, found an array");
     EXPECT_EQ(errorWith("/times/0/repeats/0/times", json::array()),
-              "/times/0/repeats/0/times: empty");
+              "/times/0/repeats/0/times: expected an item at least, found none");
     EXPECT_EQ(errorWith("/attributes/0/rtpmap/profile", 36),
-              "/attributes/0/rtpmap/profile: not a number from 0 to 35");
+              "/attributes/0/rtpmap/profile: expected a number from 0 to 35, found 36");
     EXPECT_EQ(errorWith("/media/1/attributes/0/ipbcp/version", 256),
-              "/media/1/attributes/0/ipbcp/version: not a number from 0 to 255");
+              "/media/1/attributes/0/ipbcp/version: expected a number from 0 to 255, found 256");
     EXPECT_EQ(errorWithout("/media/0", "format"), "/media/0/format: missing");
 }
 
 TEST(JsonIn, TakesOnlyCodesThatCanBeWritten) {
-    EXPECT_EQ(errorWith("/origin/netType", 3), "/origin/netType: not a number from 1 to 2");
+    EXPECT_EQ(errorWith("/origin/netType", 3),
+              "/origin/netType: expected a number from 1 to 2, found 3");
     EXPECT_EQ(errorWith("/origin/netType/code", 0),
-              "/origin/netType/code: not a number from 1 to 2");
+              "/origin/netType/code: expected a number from 1 to 2, found 0");
     EXPECT_EQ(errorWith("/origin/addrType/word", "IP6"),
-              "/origin/addrType/word: not the word for code 1");
+              "/origin/addrType/word: expected the word for code 1, found \"IP6\"");
     EXPECT_EQ(errorWith("/origin/addrType/word", 1),
-              "/origin/addrType/word: not one of the words it may be");
-    EXPECT_EQ(errorWith("/attributes/0/type", 41), "/attributes/0/type: not a number from 1 to 40");
+              "/origin/addrType/word: expected \"IP4\" or \"IP6\", found 1");
+    EXPECT_EQ(errorWith("/attributes/0/type", 41),
+              "/attributes/0/type: expected a number from 1 to 40, found 41");
     EXPECT_EQ(errorWith("/attributes/0/type", "RTPMAP"),
-              "/attributes/0/type: not one of the words it may be");
+              "/attributes/0/type: expected the name of an attribute, found \"RTPMAP\"");
     EXPECT_EQ(errorWith("/media/0/attributes/0/precondition/direction", 4),
-              "/media/0/attributes/0/precondition/direction: not a number from 0 to 3");
+              "/media/0/attributes/0/precondition/direction: expected a number from 0 to 3, found "
+              "4");
     EXPECT_EQ(errorWith("/media/1/attributes/1/ecan/direction", 0), "");
     EXPECT_EQ(errorWith("/connection/address/type", 0),
-              "/connection/address/type: not a number from 1 to 2");
+              "/connection/address/type: expected a number from 1 to 2, found 0");
     EXPECT_EQ(errorWith("/connection/address/ipv4", "192.0.2.256"),
-              "/connection/address/ipv4: not an address");
+              "/connection/address/ipv4: expected an address, found \"192.0.2.256\"");
 }
 
 TEST(JsonIn, WantsTheOtherTextExactlyWithItsCode) {
-    const std::string message = "code 7, and no other, goes with an \"other\" text";
+    const std::string message = "expected an \"other\" text with code 7 and with no other code";
     EXPECT_EQ(errorWith("/media/0/type", 7), "/media/0/type: " + message);
     EXPECT_EQ(errorWith("/media/0/type/other", "text"), "/media/0/type: " + message);
     EXPECT_EQ(errorWithout("/media/1/type", "other"), "/media/1/type: " + message);
@@ -159,14 +164,18 @@ TEST(JsonIn, KeepsBytesThatAreNotUtf8) {
     ASSERT_NE(body, nullptr) << error;
     EXPECT_NE(support::encoded(*body).find("s=\xc3\xa9\xff\r\r\n"), std::string::npos);
     EXPECT_EQ(cli::jsonOf(*body)["name"], nlohmann::ordered_json({{"hex", "c3a9ff0d"}}));
-    EXPECT_EQ(errorWith("/name", {{"hex", "c"}}), "/name/hex: not pairs of hexadecimal digits");
-    EXPECT_EQ(errorWith("/name", {{"hex", "g0"}}), "/name/hex: not pairs of hexadecimal digits");
-    EXPECT_EQ(errorWith("/name", {{"hex", 1}}), "/name: neither a string nor {\"hex\": \"...\"}");
+    EXPECT_EQ(errorWith("/name", {{"hex", "c"}}),
+              "/name/hex: expected pairs of hexadecimal digits, found \"c\"");
+    EXPECT_EQ(errorWith("/name", {{"hex", "g0"}}),
+              "/name/hex: expected pairs of hexadecimal digits, found \"g0\"");
+    EXPECT_EQ(errorWith("/name", {{"hex", 1}}),
+              "/name: expected a string or {\"hex\": \"...\"}, found an object");
 }
 
 // A value with a line feed would be two lines.
 TEST(JsonIn, RefusesTextsThatNoLineCanCarry) {
-    const std::string message = "/name: holds a line feed or a NUL, which no line can carry";
+    const std::string message =
+        "/name: expected a text of one line, found a line feed or a NUL in it";
     EXPECT_EQ(errorWith("/name", "x\na=evil"), message);
     EXPECT_EQ(errorWith("/name", std::string("x\0y", 3)), message);
     EXPECT_EQ(errorWith("/name", {{"hex", "0a"}}), message);
@@ -181,7 +190,7 @@ TEST(JsonIn, RefusesMorePayloadsThanALineHolds) {
     EXPECT_EQ(errorWith("/media/0/format/payloads", payloads), "");
     payloads.push_back(100);
     EXPECT_EQ(errorWith("/media/0/format/payloads", payloads),
-              "/media/0/format/payloads: more than 100 payload numbers");
+              "/media/0/format/payloads: expected at most 100 payload numbers, found 101");
 }
 
 // ---- Any JSON at all
@@ -252,7 +261,7 @@ TEST(JsonIn, TakesOrRefusesAnyJson) {
     size_t taken = 0;
     size_t written = 0;
     size_t refused = 0;
-    for (int i = 0; i < 2500; ++i) {
+    for (int i = 0; i < 1200; ++i) {
         const support::Body original = support::decoded(support::generateBody(engine));
         json document = json::parse(cli::jsonOf(*original).dump());
         for (size_t n = engine() % 3; n < 3; ++n) {
@@ -279,9 +288,9 @@ TEST(JsonIn, TakesOrRefusesAnyJson) {
                 << document.dump();
         }
     }
-    EXPECT_GT(taken, 100u);
-    EXPECT_GT(written, 50u);
-    EXPECT_GT(refused, 800u);
+    EXPECT_GT(taken, 50u);
+    EXPECT_GT(written, 20u);
+    EXPECT_GT(refused, 400u);
 }
 
 // ---- Read back
@@ -309,7 +318,7 @@ TEST(JsonReadBack, RefusesWhatADecoderWould) {
     EXPECT_EQ(textWith("/media/1/type", "a b").substr(0, 16), "line 10, \"m=a b ");
     EXPECT_EQ(textWith("/origin/netType", "ATM").substr(0, 14), "line 2, \"o=- 1");
     EXPECT_EQ(textWith("/name", "x\na=evil"),
-              "/name: holds a line feed or a NUL, which no line can carry");
+              "/name: expected a text of one line, found a line feed or a NUL in it");
     EXPECT_EQ(textWith("/name", std::string(1024, 'x')).substr(0, 12), "line 3, \"s=x");
     EXPECT_EQ(textWith("/attributes", json(400, {{"type", 9}, {"text", "0 abcdefgh"}})),
               "the body would be 7784 bytes long, more than 4093");
