@@ -15,27 +15,39 @@ using Json = nlohmann::ordered_json;
 // Settings of the library that a body needs to be written, or read; set back in the end.
 class Settings {
 public:
-    Settings() : t38Style_(SdpGetT380ptCfg()), avpf_(SdpGetSupMedProtoRtpAvpf()) {}
+    Settings()
+        : t38Style_(SdpGetT380ptCfg()), avpf_(SdpGetSupMedProtoRtpAvpf()),
+          rtpFamily_(SdpGetSupMedProtoRtpFamily()) {}
     ~Settings() {
         SdpSetT38OptCfg(t38Style_);
         SdpSetSupMedProtoRtpAvpf(avpf_);
+        SdpSetSupMedProtoRtpFamily(rtpFamily_);
     }
     Settings(const Settings &) = delete;
     Settings &operator=(const Settings &) = delete;
 
+    // Those with which the decoder makes such media.
+    static void readAs(const SdpLine &line) {
+        const auto hasMedia = [&line](auto isSuch) {
+            const SDPMediaSet &media = line.stMediaSet;
+            return std::any_of(
+                media.ppstMediaDescs, media.ppstMediaDescs + media.ulNoOfMediaDescs,
+                [&](const SDPMediaDesc *desc) { return isSuch(desc->stMediaField); });
+        };
+        SdpSetSupMedProtoRtpAvpf(hasMedia([](const SDPMediaField &media) {
+            return media.stProto.enProto == SDP_PROTO_RTP_AVPF;
+        }));
+        SdpSetSupMedProtoRtpFamily(hasMedia([](const SDPMediaField &media) {
+            return media.stProto.enProto == SDP_PROTO_OTHER &&
+                   media.stMediaFmt.enFmtType == SDP_FMT_RTP_PAYLOADS;
+        }));
+    }
+
 private:
     uint32_t t38Style_;
     uint32_t avpf_;
+    uint32_t rtpFamily_;
 };
-
-bool hasProtocol(const SdpLine &line, uint32_t code) {
-    for (uint32_t i = 0; i < line.stMediaSet.ulNoOfMediaDescs; ++i) {
-        if (line.stMediaSet.ppstMediaDescs[i]->stMediaField.stProto.enProto == code) {
-            return true;
-        }
-    }
-    return false;
-}
 
 std::string shown(const Json &value) {
     return value.dump(-1, ' ', true, Json::error_handler_t::replace);
@@ -77,9 +89,9 @@ std::string differenceOf(const Json &wanted, const Json &got, const std::string 
 
 // Why the text would be refused, with the line of it that is to blame.
 std::string refusalOf(const std::string &text, const Decoded &refused) {
-    if (text.size() > SDP_MAX_BODY) {
+    if (text.size() > SdpGetMaxBodySize()) {
         return "the body would be " + std::to_string(text.size()) + " bytes long, more than " +
-               std::to_string(SDP_MAX_BODY);
+               std::to_string(SdpGetMaxBodySize());
     }
     SDPResultText words = {};
     SdpLibDescribeResult(refused.result, &words);
@@ -101,7 +113,7 @@ std::string problemOf(std::string text, const SdpLine &line, const Json &wanted)
     if (view(SdpGetCrlfString(0)) == "\r") {
         std::replace(text.begin(), text.end(), '\r', '\n');
     }
-    SdpSetSupMedProtoRtpAvpf(hasProtocol(line, SDP_PROTO_RTP_AVPF) ? 1 : 0);
+    Settings::readAs(line);
     const Decoded decoded = decodeBody(text);
     return decoded.body ? differenceOf(wanted, jsonOf(*decoded.body), "")
                         : refusalOf(text, decoded);

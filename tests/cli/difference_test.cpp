@@ -71,6 +71,16 @@ TEST(Differences, OfPayloads) {
               "1 audio payload 18 (G729/8000) > -; 1 audio payload - > 99");
 }
 
+TEST(Differences, OfPayloadsOfTheRtpFamily) {
+    SdpSetSupMedProtoRtpFamily(1);
+    EXPECT_EQ(mediaDifference("m=audio 1 UDP/TLS/RTP/SAVPF 0 111\na=rtpmap:111 opus/48000/2\n",
+                              "m=audio 1 UDP/TLS/RTP/SAVPF 111 8\na=rtpmap:111 opus/48000/2\n"),
+              "1 audio payload 0 (PCMU/8000) > -; 1 audio payload - > 8 (PCMA/8000)");
+    EXPECT_EQ(mediaDifference("", "m=audio 1 RTP/SAVPF 0 8\n"),
+              "1 audio description - > m=audio 1 RTP/SAVPF 0 8");
+    SdpSetSupMedProtoRtpFamily(0);
+}
+
 TEST(Differences, OfAttributesPairThoseOfOneName) {
     EXPECT_EQ(
         mediaDifference("m=audio 1 RTP/AVP 0\na=ptime:20\na=fmtp:0 x\na=fmtp:8 y\na=gone\n",

@@ -353,6 +353,24 @@ TEST(JsonReadBack, SetsTheDecoderForTheBodyAndBack) {
     EXPECT_EQ(SdpGetSupMedProtoRtpAvpf(), 0u);
 }
 
+// Their word has no code, and payload numbers all the same.
+TEST(JsonReadBack, TakesMediaOfTheRtpFamily) {
+    json document = sample();
+    document["media"][1]["protocol"] = "UDP/TLS/RTP/SAVPF";
+    document["media"][1]["format"] = {{"type", 1}, {"payloads", {111, 0}}};
+    std::string error;
+    const std::optional<std::string> text = cli::textOfJson(document, error);
+    ASSERT_TRUE(text) << error;
+    EXPECT_NE(text->find("m=text 5006 UDP/TLS/RTP/SAVPF 111 0\r\n"), std::string::npos) << *text;
+    EXPECT_EQ(SdpGetSupMedProtoRtpFamily(), 0u);
+    SdpSetSupMedProtoRtpFamily(1);
+    expectNoLoss(*text);
+    SdpSetSupMedProtoRtpFamily(0);
+    document["media"][1]["protocol"] = "UDP/TLS";
+    EXPECT_FALSE(cli::textOfJson(document, error));
+    EXPECT_EQ(error.substr(0, 18), "line 10, \"m=text 5");
+}
+
 TEST(JsonReadBack, WritesFlagsSoThatNoneIsLost) {
     json document = sample();
     document["attributes"].push_back({{"type", "T38FaxFillBitRemoval"}, {"value", 1}});

@@ -273,6 +273,14 @@ TEST(Redact, DoesTheSameToRecordsAndText) {
     EXPECT_GT(compared, 1000u);
 }
 
+TEST(Redact, KeepsMediaOfTheRtpFamily) {
+    SdpSetSupMedProtoRtpFamily(1);
+    const std::string body = "v=0\r\no=- 1 1 IN IP4 0.0.0.0\r\ns=-\r\nt=0 0\r\n"
+                             "m=audio 9 UDP/TLS/RTP/SAVPF 111 0\r\na=rtpmap:111 opus/48000/2\r\n";
+    EXPECT_EQ(encodedRedacted(body, body), body);
+    SdpSetSupMedProtoRtpFamily(0);
+}
+
 // ---- Nothing of what was planted is left
 
 std::string lower(std::string text) {
