@@ -250,7 +250,13 @@ SIPCORE_API extern const SipDsmTypeDef g_gstHostIPV6Def;
 
 /*
  * The log hook, null by default. pcFormat is null when an entry has no message text; otherwise it
- * is a printf format for the arguments behind it. ulModule is 17 for every entry of sdpline.
+ * is a printf format for the arguments after it. ulModule is 17 for every entry of sdpline.
+ *
+ * A hook may call what a program may call: append to the buffer that is being written, set the
+ * memory hooks of the decoder, encode, copy and decode other bodies. A decode inside the hook of
+ * another one takes its lexer and its memory hooks over: the other one ends with the refusal that
+ * it was logging, and SdpLibGetLastFailure tells of that. It must not release what is being
+ * decoded or written.
  */
 typedef void (*SipLmLogHndlr)(uint32_t ulModule, uint32_t ulInstance, uint32_t ulLevel,
                               const char *pcFile, const char *pcFunction, uint32_t ulLine,

@@ -1,7 +1,5 @@
 // The entry points for whole bodies, and the memory discipline of the library: one block for each
 // body, and the parser's hooks pointed at it while it decodes.
-#include "api/decode.hpp"
-
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
 #include "services/allocation.hpp"
@@ -17,24 +15,6 @@ constexpr uint32_t kCreateSize = 512;
 constexpr uint32_t kEncodeSize = 512;
 
 } // namespace
-
-void beginDecode(SDPMemCp *pstMemCp) {
-    g_gSdpFnFree = SdpLibFreeSdpMem;
-    g_mSdpDecodeMemCp = pstMemCp;
-    g_gSdpFnAlloc = SdpLibAllocSdpMem;
-    decodeBlock = own.fill && pstMemCp->pfnAlloc == own.blockAlloc
-                      ? static_cast<sipcore::Block *>(pstMemCp->pService)
-                      : nullptr;
-}
-
-void endDecode(bool bParsed) {
-    decodeBlock = nullptr;
-    g_mSdpDecodeMemCp = nullptr;
-    if (!bParsed) {
-        g_gSdpFnAlloc = nullptr;
-        g_gSdpFnFree = nullptr;
-    }
-}
 
 } // namespace sdpline
 

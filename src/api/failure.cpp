@@ -1,5 +1,5 @@
 // Why a body was refused, for people: the last failure, and any result code in words.
-#include "parser/parser.hpp"
+#include "checks/checks.hpp"
 
 namespace sdpline {
 
@@ -7,9 +7,24 @@ namespace {
 
 constexpr uint32_t kSharedBareAnswer = 1;
 
-SDPResultText describe(const CheckRow &failed) {
+SDPResultText textOf(const CheckRow &failed) {
     return {sourceName(failed.source), failed.function, className(failed.outcome.errorClass),
             failed.name, failed.sentence};
+}
+
+// Whether there is such a result.
+bool describe(SDPResult result, SDPResultText &text) {
+    if (result == kSharedBareAnswer) {
+        text.pcSentence = "a check without a code of its own failed, the log entry tells which";
+        return true;
+    }
+    for (size_t i = 0; i < kCheckCount && result != 0; ++i) {
+        if (codeOf(static_cast<Check>(i)) == result) {
+            text = textOf(kChecks[i]);
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -21,22 +36,18 @@ using namespace sdpline;
 extern "C" {
 
 void SdpLibGetLastFailure(SDPFailure *pstFailure) {
-    *pstFailure = lastFailure;
+    if (pstFailure != nullptr) {
+        *pstFailure = lastFailure;
+    }
 }
 
 SDPResult SdpLibDescribeResult(uint32_t ulResult, SDPResultText *pstText) {
-    *pstText = {"", "", "", "", ""};
-    if (ulResult == kSharedBareAnswer) {
-        pstText->pcSentence = "a check without a code of its own failed, the log entry tells which";
-        return 0;
+    SDPResultText text = {"", "", "", "", ""};
+    const bool known = describe(ulResult, text);
+    if (pstText != nullptr) {
+        *pstText = text;
     }
-    for (size_t i = 0; i < kCheckCount && ulResult != 0; ++i) {
-        if (codeOf(static_cast<Check>(i)) == ulResult) {
-            *pstText = describe(kChecks[i]);
-            return 0;
-        }
-    }
-    return 1;
+    return known ? 0 : 1;
 }
 
 } // extern "C"

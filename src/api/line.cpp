@@ -1,9 +1,9 @@
 // Single lines as text, and bodies in the caller's own bytes. The serialised form of a body is its
 // SDP text and nothing else.
-#include "api/decode.hpp"
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
 #include "sdpline/sdpline.h"
+#include "services/allocation.hpp"
 
 using namespace sdpline;
 

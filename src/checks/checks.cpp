@@ -1,16 +1,11 @@
 // The table of the failing checks, and the functions that report them.
 #include "checks/checks.hpp"
 
-#include "services/allocation.hpp"
-
-#include <atomic>
+#include "services/log.hpp"
 
 namespace sdpline {
 
 namespace {
-
-constexpr uint32_t kModule = 17;
-constexpr uint32_t kInstance = 0xFFFFFFFF;
 
 // The words that the rows are written in.
 constexpr Outcome PASS = {Answer::Pass, 0, 0};
@@ -117,6 +112,7 @@ const char *className(uint16_t errorClass) {
 }
 
 SDPLINE_PER_THREAD LastFailed lastFailed = {Check::Count, nullptr};
+SDPLINE_PER_THREAD SDPFailure lastFailure = {};
 
 namespace {
 
@@ -129,29 +125,29 @@ uint32_t fileNumber(Source source) {
     return g_gSipStackFileId + static_cast<uint32_t>(source);
 }
 
-// The code point is set and the hook called for logged rows only.
-void report(const CheckRow &failed, uint32_t value, uint32_t siteLine) {
+// The checks that a decode fails by. A log hook that decodes another body finishes that decode
+// before this one ends: this one is the last that failed.
+bool isOfDecode(Check check) {
+    return isOfParsing(row(check).source) || check == Check::DecodeRefused ||
+           check == Check::DeSerializeRefused;
+}
+
+void report(Check check, uint32_t value, uint32_t siteLine) {
+    const CheckRow &failed = row(check);
 #ifdef SDPLINE_COUNT_CHECKS
-    ++checkHits[static_cast<size_t>(&failed - kChecks)];
+    ++checkHits[static_cast<size_t>(check)];
 #endif
-    const Logged &log = failed.logged;
-    if (log.level == 0) {
+    const Logged &logged = failed.logged;
+    if (logged.level == 0) {
         return;
     }
-    const uint32_t line = log.line != 0 ? log.line : siteLine;
-    // The one thing of the stack's that operations running beside each other write.
-    std::atomic_ref(g_gSipCodePoint)
-        .store(fileNumber(failed.source) << 16 | line, std::memory_order_relaxed);
-    const SipLmLogHndlr hook = g_gpfnSipLmLogHndlr;
-    if (hook == nullptr) {
-        return;
-    }
-    const char *const source = sourceName(failed.source);
-    if (log.format != nullptr) {
-        hook(kModule, kInstance, log.level, source, failed.function, line, log.category, log.format,
-             value);
-    } else {
-        hook(kModule, kInstance, log.level, source, failed.function, line, log.category, nullptr);
+    const LastFailed lastCheck = lastFailed;
+    const SDPFailure lastPlace = lastFailure;
+    log({logged.level, fileNumber(failed.source), sourceName(failed.source), failed.function,
+         logged.line != 0 ? logged.line : siteLine, logged.category, logged.format, value});
+    if (isOfDecode(check)) {
+        lastFailed = lastCheck;
+        lastFailure = lastPlace;
     }
 }
 
@@ -176,17 +172,13 @@ SDPResult codeOf(Check check) {
 SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word) {
     if (isOfParsing(row(check).source)) {
         lastFailed = {check, word};
-        decodeBlock = nullptr; // the log hook may set others
     }
-    report(row(check), value, line);
+    report(check, value, line);
     return codeOf(check);
 }
 
 SDPResult passUp(Check check, SDPResult result, uint32_t line) {
-    if (isOfParsing(row(check).source)) {
-        decodeBlock = nullptr;
-    }
-    report(row(check), result, line);
+    report(check, result, line);
     return result;
 }
 

@@ -116,6 +116,9 @@ struct LastFailed {
 };
 extern SDPLINE_PER_THREAD LastFailed lastFailed;
 
+// The last text that SdpLibParseSdp refused.
+extern SDPLINE_PER_THREAD SDPFailure lastFailure;
+
 #ifdef SDPLINE_COUNT_CHECKS
 // How often each check failed since the start; test builds only.
 extern uint32_t checkHits[kCheckCount];

@@ -73,7 +73,7 @@ SDPLINE_INLINE SDPResult writeKeyword(Output &out, const AttributeRow &row, cons
     if (const Word *const word = findByCode(row.words, code)) {
         return out.word(word->text);
     }
-    return row.has(kUnknownRefused) ? fail(Check::SetupValue, code) : 0;
+    return row.has(kUnknownRefused) ? fail(out, Check::SetupValue, code) : 0;
 }
 
 // ( "on" / "off" ) params, which bring their own blank
@@ -104,17 +104,17 @@ inline SDPResult writeIpBcp(Output &out, const SDPAttr *attr) {
 
 SDPLINE_INLINE SDPResult writeStatusName(Output &out, uint32_t type) {
     return shapeOf(type) == Shape::Precondition ? out.text(&sstrSdpAttrNames[type - 1])
-                                                : fail(Check::WordAttrType, type);
+                                                : fail(out, Check::WordAttrType, type);
 }
 
 // ( "curr:" / "des:" / "conf:" ) precondition-type [ SP strength-tag ] SP status-type
 // SP direction-tag, where the strength is that of "des:" alone
 inline SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t type) {
     if (status == nullptr || !out.hasBuffer()) {
-        return fail(Check::StatusArgument);
+        return fail(out, Check::StatusArgument);
     }
     if (writeStatusName(out, type) != 0) {
-        return fail(Check::StatusAttrFailed, type);
+        return fail(out, Check::StatusAttrFailed, type);
     }
     const SDPPreconditionS &precondition = status->stPrecondition;
     if (precondition.enPreconditionType != SDP_PRECONDITION_OTHER) {
@@ -125,16 +125,16 @@ inline SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint3
     out.character(' ');
     if (attributeRow(type).has(kStrengthTag)) {
         if (writeStrengthTag(out, *status) != 0) {
-            return fail(Check::StatusStrengthFailed, status->enStrengthTag);
+            return fail(out, Check::StatusStrengthFailed, status->enStrengthTag);
         }
         out.character(' ');
     }
     if (writeStatusType(out, *status) != 0) {
-        return fail(Check::StatusTypeFailed, status->enStatusType);
+        return fail(out, Check::StatusTypeFailed, status->enStatusType);
     }
     out.character(' ');
     if (writeDirTag(out, *status) != 0) {
-        return fail(Check::StatusDirectionFailed, status->enDirTag);
+        return fail(out, Check::StatusDirectionFailed, status->enDirTag);
     }
     return 0;
 }
@@ -162,7 +162,7 @@ inline SDPResult writeWhole(Output &out, const SDPAttr *attr, Shape shape) {
         return writeStatus(out, &attr->unAttrValue.stRsrcMgmtStatus, attr->ulAttrType);
     case Shape::NamedText: return writeNamedText(out, *attr);
     case Shape::NameOnly: out.text(attr->pstAttrName); return 0;
-    default: return fail(Check::AttrTypeValue);
+    default: return fail(out, Check::AttrTypeValue);
     }
 }
 
@@ -204,7 +204,7 @@ SDPLINE_INLINE SDPResult writeAttribute(Output &out, SDPAttr &attr, Shape shape)
                                          : apart<writeWhole>(out, &attr, shape);
     }
     if (const SDPResult result = writeTableName(out, attr)) {
-        return passUp(Check::AttrNameAppend, result);
+        return passUp(out, Check::AttrNameAppend, result);
     }
     return writeAttributeValue(out, attr, shape);
 }

@@ -19,7 +19,7 @@ SDPLINE_INLINE SDPResult writeConnectionNetType(Output &out, const SDPConnection
         return out.word(word->text);
     }
     typeError = 1;
-    return fail(Check::ConnNetTypeValue);
+    return fail(out, Check::ConnNetTypeValue);
 }
 
 // addrtype = "IP4" / "IP6" / token
@@ -33,7 +33,7 @@ SDPLINE_INLINE SDPResult writeConnectionAddrType(Output &out, const SDPConnectio
         return out.word(word->text);
     }
     typeError = 1;
-    return fail(Check::ConnAddrTypeValue);
+    return fail(out, Check::ConnAddrTypeValue);
 }
 
 SDPLINE_INLINE void writeIpv4(Output &out, const uint8_t (&address)[4]) {
@@ -64,7 +64,7 @@ SDPLINE_INLINE SDPResult writeConnectionAddress(Output &out, const SDPConnection
     switch (connection.stTptAddr.enTptAddrType) {
     case SDP_TPTADDR_IPV4: writeIpv4(out, connection.stTptAddr.unTptAddr.aucIpv4); return 0;
     case SDP_TPTADDR_IPV6: return apart<writeIpv6>(out, &connection);
-    default: typeError = 1; return fail(Check::ConnTptAddrValue);
+    default: typeError = 1; return fail(out, Check::ConnTptAddrValue);
     }
 }
 

@@ -19,10 +19,10 @@ constexpr uint32_t kPrefixed = 1;
 // v= 1*DIGIT CRLF
 SDPLINE_INLINE SDPResult writeVersion(Output &out, const uint32_t *flag, uint32_t version) {
     if (const uint32_t result = appendPrefix(out, flag, 'v')) {
-        return passUp(Check::EncodeVersionPrefix, result);
+        return passUp(out, Check::EncodeVersionPrefix, result);
     }
     if (const uint32_t result = out.number(version)) {
-        return passUp(Check::EncodeVersionNumber, result);
+        return passUp(out, Check::EncodeVersionNumber, result);
     }
     return out.lineEnd();
 }
@@ -35,7 +35,7 @@ public:
     template <class Write>
     SDPLINE_INLINE BodyWriter &line(Check failed, Write write) {
         if (result_ == 0 && write() != 0) [[unlikely]] {
-            result_ = fail(failed);
+            result_ = fail(out_, failed);
         }
         return *this;
     }

@@ -14,6 +14,22 @@
 
 namespace sdpline {
 
+// Reports a failing check of a writer. The log hook may append to the buffer that is written.
+SDPLINE_INLINE SDPResult fail(Output &out, Check check, uint32_t value = 0,
+                              uint32_t line = __builtin_LINE()) {
+    const SDPResult result = out.call<reportFailed>(check, value, line, nullptr);
+    if (result == 0) {
+        __builtin_unreachable();
+    }
+    return result;
+}
+
+SDPLINE_INLINE SDPResult passUp(Output &out, Check check, SDPResult result,
+                                uint32_t line = __builtin_LINE()) {
+    return out.call<static_cast<SDPResult (*)(Check, SDPResult, uint32_t)>(passUp)>(check, result,
+                                                                                    line);
+}
+
 // The line's letter and "=", when the flag asks for them. The first refused one is the result.
 SDPLINE_INLINE uint32_t appendPrefix(Output &out, const uint32_t *flag, char key) {
     if (*flag != 1) {
@@ -27,7 +43,7 @@ SDPLINE_INLINE uint32_t appendPrefix(Output &out, const uint32_t *flag, char key
 SDPLINE_INLINE SDPResult appendWord(Output &out, std::span<const Word> table, uint32_t code,
                                     Check unknown, uint32_t line = __builtin_LINE()) {
     const Word *const word = findByCode(table, code);
-    return word != nullptr ? out.word(word->text) : fail(unknown, code, line);
+    return word != nullptr ? out.word(word->text) : fail(out, unknown, code, line);
 }
 
 // The same where a code without a word is written as nothing.

@@ -14,9 +14,9 @@ SDPLINE_INLINE SDPResult writeMediaType(Output &out, const SDPMedia &media) {
     } else if (const Word *const word = findByCode(kMediaWritten, media.enMediaType)) {
         parts.word(*word);
     } else {
-        return fail(Check::MediaTypeValue, media.enMediaType);
+        return fail(out, Check::MediaTypeValue, media.enMediaType);
     }
-    return parts.result() == 0 ? 0 : fail(Check::MediaTypeAppend);
+    return parts.result() == 0 ? 0 : fail(out, Check::MediaTypeAppend);
 }
 
 // port [ "/" count ] SP
@@ -37,15 +37,15 @@ SDPLINE_INLINE SDPResult writeProto(Output &out, const SDPMediaProto &proto) {
     } else if (const Word *const word = findByCode(kProtoWords, proto.enProto)) {
         parts.word(*word);
     } else {
-        return fail(Check::MediaProtoValue, proto.enProto);
+        return fail(out, Check::MediaProtoValue, proto.enProto);
     }
-    return parts.result() == 0 ? 0 : fail(Check::MediaProtoAppend);
+    return parts.result() == 0 ? 0 : fail(out, Check::MediaProtoAppend);
 }
 
 // *( SP payload-type )
 SDPLINE_INLINE SDPResult writePayloads(Output &out, const SDPRtpPayLoads &payloads) {
     if (payloads.ulNoOfPayLoads > SDP_MAX_PAYLOADS) {
-        return fail(Check::MediaPayloadCount, payloads.ulNoOfPayLoads);
+        return fail(out, Check::MediaPayloadCount, payloads.ulNoOfPayLoads);
     }
     const uint32_t *const numbers = payloads.pulPayLoads;
     for (uint32_t i = 0; numbers != nullptr && i < payloads.ulNoOfPayLoads; ++i) {
@@ -75,18 +75,19 @@ SDPLINE_INLINE SDPResult writeMediaField(Output &out, const uint32_t *flag,
                                          const SDPMediaField &field) {
     appendPrefix(out, flag, 'm');
     if (writeMediaType(out, field.stMedia) != 0) {
-        return fail(Check::MediaTypeFailed, field.stMedia.enMediaType);
+        return fail(out, Check::MediaTypeFailed, field.stMedia.enMediaType);
     }
     writePort(out, field);
     if (writeProto(out, field.stProto) != 0) {
-        return fail(Check::MediaProtoFailed, field.stProto.enProto);
+        return fail(out, Check::MediaProtoFailed, field.stProto.enProto);
     }
     const SDPMediaFmt &format = field.stMediaFmt;
     if (format.enFmtType < SDP_FMT_RTP_PAYLOADS || format.enFmtType > SDP_FMT_OTHER) {
-        return fail(Check::MediaFmtTypeValue);
+        return fail(out, Check::MediaFmtTypeValue);
     }
     if (writeFormats(out, format) != 0) {
-        return fail(Check::MediaPayloadsFailed, format.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads);
+        return fail(out, Check::MediaPayloadsFailed,
+                    format.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads);
     }
     out.lineEnd();
     return 0;

@@ -10,7 +10,7 @@ inline SDPResult writeTimeUnit(Output &out, const SDPTimeUnit &unit) {
     out.number(unit.ulTimeValue);
     const Word *const word = findByCode(kTimeUnitWords, unit.enTimeType);
     if (word == nullptr) {
-        return fail(Check::TimeTypeValue, unit.enTimeType);
+        return fail(out, Check::TimeTypeValue, unit.enTimeType);
     }
     out.character(word->text.front());
     return 0;

@@ -3,7 +3,7 @@
 
 #include "checks/checks.hpp"
 #include "lexer/lexer.hpp"
-#include "services/allocation.hpp"
+#include "parser/parser.hpp"
 
 using namespace sdpline;
 using lexer::state;

@@ -60,7 +60,7 @@ Lexer enterInput() {
 
 Lexer enter() {
     Lexer lexer = state.inputGone ? enterNothing() : enterInput();
-    lexer.odd |= own.fill ? 0 : Lexer::kCallsForTexts;
+    lexer.odd |= !seesFills() ? 0 : Lexer::kCallsForTexts;
     return lexer;
 }
 

@@ -188,11 +188,14 @@ void leave(const Lexer &lexer);
 
 } // namespace lexer
 
-// Runs a parser on the process-wide state.
+// Runs a parser on the process-wide state. A log hook that decodes another body leaves another
+// input there.
 template <class Parse>
 SDPResult onState(Parse parse) {
+    const uint8_t *const input = lexer::state.input;
     Lexer lexer = lexer::enter();
     const SDPResult result = parse(lexer);
+    lexer::state.input = input;
     lexer::leave(lexer);
     return result;
 }

@@ -316,7 +316,7 @@ SDPResult refuse(Check check) {
 SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString &text,
                                  SdpLine &line) {
     const auto *const bytes = reinterpret_cast<const uint8_t *>(text.pcData);
-    if (own.fill) [[likely]] {
+    if (!seesFills()) [[likely]] {
         normalise(bytes, text.ulLen, buffer); // what would be cleared is written over
     } else {
         convertCRLFToCR(bytes, text.ulLen, buffer, size);
@@ -349,8 +349,6 @@ SDPLINE_INLINE SDPResult parseShort(const SipString &text, SdpLine &line) {
 }
 
 } // namespace
-
-SDPLINE_PER_THREAD SDPFailure lastFailure = {};
 
 void **extendLong(void **array, uint32_t count, uint32_t &room) {
     if (count < room) {

@@ -19,8 +19,17 @@
 
 namespace sdpline {
 
-// The last text that SdpLibParseSdp refused.
-extern SDPLINE_PER_THREAD SDPFailure lastFailure;
+// Stores a copy of the text, without a terminator. Without memory the length stays and the
+// pointer is null. A text of length 0 asks for zero bytes all the same.
+SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
+    value.ulLen = static_cast<uint32_t>(text.size());
+    value.pcData = static_cast<char *>(allocateBytes(value.ulLen));
+    if (value.pcData == nullptr) {
+        return fail(Check::SetString);
+    }
+    copyBytes(value.pcData, text.data(), text.size());
+    return 0;
+}
 
 // The checks of one number: not a run of digits, and too long to be read.
 struct NumberChecks {

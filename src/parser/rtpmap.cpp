@@ -79,7 +79,7 @@ SDPLINE_INLINE SDPResult rtpmap(Lexer &lexer, SDPAttr &attr, uint32_t type) {
         return result;
     }
     // A name that is no profile is fine. The input holds no NUL: the text is the name as it is.
-    if (own.copy) [[likely]] {
+    if (!seesCopies()) [[likely]] {
         locateProfile(rtpMap, name);
     } else {
         sdpRtpmapAttrLocateStdRtpProfile(&rtpMap);

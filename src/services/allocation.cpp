@@ -4,6 +4,43 @@ namespace sdpline {
 
 SDPLINE_PER_THREAD sipcore::Block *decodeBlock = nullptr;
 
+namespace {
+
+// The memory control that the decode under way was begun with.
+SDPLINE_PER_THREAD SDPMemCp *decodeControl = nullptr;
+
+// Whether nobody could tell the calls through the hooks from the same work done in place.
+bool isUnseen(const SDPMemCp *memCp) {
+    return memCp != nullptr && memCp == g_mSdpDecodeMemCp && g_gSdpFnAlloc == SdpLibAllocSdpMem &&
+           g_gSdpFnFree == SdpLibFreeSdpMem && builtin.owns(*memCp) && !seesFills() &&
+           !seesCopies();
+}
+
+} // namespace
+
+void beginDecode(SDPMemCp *memCp) {
+    g_gSdpFnFree = SdpLibFreeSdpMem;
+    g_mSdpDecodeMemCp = memCp;
+    g_gSdpFnAlloc = SdpLibAllocSdpMem;
+    decodeControl = memCp;
+    foreignCodeRan();
+}
+
+void endDecode(bool succeeded) {
+    decodeControl = nullptr;
+    decodeBlock = nullptr;
+    g_mSdpDecodeMemCp = nullptr;
+    if (!succeeded) {
+        g_gSdpFnAlloc = nullptr;
+        g_gSdpFnFree = nullptr;
+    }
+}
+
+void foreignCodeRan() {
+    decodeBlock =
+        isUnseen(decodeControl) ? static_cast<sipcore::Block *>(decodeControl->pService) : nullptr;
+}
+
 void *allocateByHook(uint32_t size) {
     const SdpFnAlloc alloc = g_gSdpFnAlloc;
     return alloc != nullptr ? alloc(size) : nullptr;

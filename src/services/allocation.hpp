@@ -1,10 +1,9 @@
-// The parser's memory: everything goes through the two hooks, or does in place what they would.
+// The parser's memory: all of it comes through the two hooks, or in place as they would give it.
 #pragma once
 
+#include <cstdint>
 #include <cstring>
-#include <string_view>
 
-#include "checks/checks.hpp"
 #include "sdpline/sdpline.h"
 #include "services/builtin.hpp"
 #include "services/inline.hpp"
@@ -47,11 +46,26 @@ SDPLINE_INLINE void copyBytes(void *to, const void *from, size_t size) {
     }
 }
 
-// The block of the decode under way, where its memory is handled in place: it is libsipcore's, and
-// so is memset_s, and the hooks are those that decoding sets. Else null, and each request goes
-// through the hooks. Only a log hook could change them before the decode ends: the first entry that
-// is logged makes this null.
+// ---- A decode's memory
+
+// From here on, the hooks take every allocation of the parser from the block.
+void beginDecode(SDPMemCp *memCp);
+
+// Takes the block away again. The two hooks go with it only where the parse failed: after one that
+// succeeded they stay, and have no memory until the next decode.
+void endDecode(bool succeeded);
+
+// To be called where code of the program's may have set other hooks during a decode: a log hook is
+// the only such code.
+void foreignCodeRan();
+
+// The block of the decode under way, where its memory is handled in place, as no program can tell
+// it from the calls. Else null: each request goes through the hooks.
 extern SDPLINE_PER_THREAD sipcore::Block *decodeBlock;
+
+inline bool allocatesInPlace() {
+    return decodeBlock != nullptr;
+}
 
 [[gnu::cold, gnu::noinline]] void *allocateByHook(uint32_t size);
 [[gnu::cold, gnu::noinline]] void freeByHook(void *memory);
@@ -62,7 +76,7 @@ extern SDPLINE_PER_THREAD sipcore::Block *decodeBlock;
 // From the decode's block: memory that holds anything, or null.
 SDPLINE_INLINE void *takeFrom(sipcore::Block &block, uint32_t size) {
     void *const memory = sipcore::cutSmall(block, size);
-    return memory != nullptr ? memory : own.blockTake(&block.control, size);
+    return memory != nullptr ? memory : builtin.blockTake(&block.control, size);
 }
 
 // Null when there is no hook, or the hook has no memory. What it holds is for the caller to write.
@@ -76,7 +90,7 @@ SDPLINE_INLINE void freeBytes(void *memory) {
         return freeByHook(memory);
     }
     sipcore::Piece *const piece = sipcore::pieceOf(memory);
-    if (own.blockFree != nullptr && sipcore::stateOf(piece) == sipcore::kLive) [[likely]] {
+    if (!builtin.fillsFreed && sipcore::stateOf(piece) == sipcore::kLive) [[likely]] {
         sipcore::giveBack(piece);
     } else {
         decodeBlock->control.pfnFree(memory);
@@ -96,18 +110,6 @@ SDPLINE_INLINE Record *allocate(const char *function = __builtin_FUNCTION(),
         sipcore::clearRecord<sizeof(Record)>(memory);
     }
     return static_cast<Record *>(memory);
-}
-
-// Stores a copy of the text, without a terminator. Without memory the length stays and the
-// pointer is null. A text of length 0 asks for zero bytes all the same.
-SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
-    value.ulLen = static_cast<uint32_t>(text.size());
-    value.pcData = static_cast<char *>(allocateBytes(value.ulLen));
-    if (value.pcData == nullptr) {
-        return fail(Check::SetString);
-    }
-    copyBytes(value.pcData, text.data(), text.size());
-    return 0;
 }
 
 } // namespace sdpline

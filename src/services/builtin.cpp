@@ -1,20 +1,20 @@
 #include "services/builtin.hpp"
 
-#include "sipcore/own.hpp"
+#include "sipcore/builtin.hpp"
 
 extern "C" {
-[[gnu::weak]] extern const SipCoreOwn SIPCORE_OWN; // null without libsipcore
+[[gnu::weak]] extern const SipCoreBuiltin SIPCORE_BUILTIN; // null without libsipcore
 }
 
 namespace sdpline {
 
 namespace {
 
-Own findOwn() {
-    if (&SIPCORE_OWN == nullptr) {
+Builtin findBuiltin() {
+    if (&SIPCORE_BUILTIN == nullptr) {
         return {};
     }
-    const SipCoreOwn &core = SIPCORE_OWN;
+    const SipCoreBuiltin &core = SIPCORE_BUILTIN;
     return {.appends = core.copyChar == SipSbCopyChar &&
                        core.copyConstString == SipSbCopyConstString &&
                        core.copyString == SipSbCopyString && core.copyLong == SipSbCopyLong,
@@ -22,11 +22,12 @@ Own findOwn() {
             .fill = core.fill == memset_s,
             .blockAlloc = core.blockAlloc,
             .blockTake = core.blockTake,
-            .blockFree = core.blockFree};
+            .blockFree = core.blockFree,
+            .fillsFreed = core.fillsFreed};
 }
 
 } // namespace
 
-Own own = findOwn();
+Builtin builtin = findBuiltin();
 
 } // namespace sdpline

@@ -1,24 +1,53 @@
-// Which core services are libsipcore's own, so that what they do may be done in place.
+// Which core services are libsipcore's, so that what they do may be done in place.
 //
 // Found out from where the dynamic symbols lead when the library is loaded: a program that defines
-// a service itself, or preloads one, has every call of it.
+// a service itself, or preloads one, sees every call of it. The rest of the library asks whether
+// it does, and takes the calls where that is so.
 #pragma once
 
 #include "sdpline/sipcore.h"
 
 namespace sdpline {
 
-struct Own {
+struct Builtin {
     bool appends; // all four appends of string buffers
     bool copy;    // memcpy_s
     bool fill;    // memset_s
-    // pfnAlloc and pfnFree of the blocks; null where that is not to be done in place. blockTake is
+    // pfnAlloc and pfnFree of blocks; null where blocks are not handled in place. blockTake is
     // pfnAlloc without its zeroing.
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
     decltype(SDPMemCp::pfnAlloc) blockTake;
     decltype(SDPMemCp::pfnFree) blockFree;
+    bool fillsFreed; // giving memory back takes the call
+
+    // Whether a block is libsipcore's: every function of its memory control is.
+    bool owns(const SDPMemCp &memCp) const {
+        return blockAlloc != nullptr && memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
+    }
 };
 
-extern Own own;
+extern Builtin builtin;
+
+inline bool seesAppends() {
+    return !builtin.appends;
+}
+inline bool seesCopies() {
+    return !builtin.copy;
+}
+inline bool seesFills() {
+    return !builtin.fill;
+}
+
+// For tests: while it lives, every service is called, as for a program that has replaced them all.
+class EveryServiceCalled {
+public:
+    EveryServiceCalled() : before_(builtin) { builtin = {}; }
+    ~EveryServiceCalled() { builtin = before_; }
+    EveryServiceCalled(const EveryServiceCalled &) = delete;
+    EveryServiceCalled &operator=(const EveryServiceCalled &) = delete;
+
+private:
+    Builtin before_;
+};
 
 } // namespace sdpline

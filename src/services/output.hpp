@@ -1,8 +1,8 @@
 // Where the encoders write to: the appends of one string buffer.
 //
 // Every append is one service of the string buffer, as small as a letter, a number or a word, in
-// text order. Where these services are libsipcore's own, what simply fits is put down here, as they
-// would put it down, and the place to write to stays in registers; all else is a call. Where a
+// text order. Where these services are libsipcore's, what simply fits is written here, as they
+// would write it, and the place to write to stays in registers; all else is a call. Where a
 // program has replaced one of them, every append is a call.
 #pragma once
 
@@ -19,7 +19,7 @@ namespace sdpline {
 
 namespace output {
 
-// A text of any length, or a number, put where there is room for it; answers where it ends.
+// A text of any length, or a number, put where there is room for it; returns where it ends.
 [[gnu::noinline]] char *putText(char *to, const char *text, uint32_t size);
 [[gnu::noinline]] char *putNumber(char *to, uint32_t value);
 
@@ -27,10 +27,10 @@ namespace output {
 
 class Output {
 public:
-    SDPLINE_INLINE explicit Output(SipStringBuffer *buffer) : buffer_(buffer) { enter(); }
+    SDPLINE_INLINE explicit Output(SipStringBuffer *buffer) : buffer_(buffer) { load(); }
 
-    // Makes the buffer end behind what was put down. Until then it ends where it did.
-    SDPLINE_INLINE void leave() const {
+    // Makes the buffer end after what was written. Until then it ends where it did.
+    SDPLINE_INLINE void store() const {
         if (isOpen()) {
             buffer_->at = at_;
         }
@@ -40,7 +40,7 @@ public:
 
     SDPLINE_INLINE uint32_t character(char letter) {
         if (!fits(1)) [[unlikely]] {
-            return call<SipSbCopyChar>(letter);
+            return append<SipSbCopyChar>(letter);
         }
         *at_++ = letter;
         return 0;
@@ -48,7 +48,7 @@ public:
 
     SDPLINE_INLINE uint32_t number(uint32_t value) {
         if (!fits(sipcore::kMostDigits)) [[unlikely]] {
-            return call<SipSbCopyLong>(value);
+            return append<SipSbCopyLong>(value);
         }
         at_ = output::putNumber(at_, value);
         return 0;
@@ -56,7 +56,7 @@ public:
 
     SDPLINE_INLINE uint32_t text(const SipString *text) {
         if (text == nullptr || text->pcData == nullptr || !fits(text->ulLen)) [[unlikely]] {
-            return call<SipSbCopyString>(text);
+            return append<SipSbCopyString>(text);
         }
         at_ = output::putText(at_, text->pcData, text->ulLen);
         return 0;
@@ -65,7 +65,7 @@ public:
     SDPLINE_INLINE uint32_t word(std::string_view word) {
         const auto size = static_cast<uint32_t>(word.size());
         if (word.data() == nullptr || !fits(size)) [[unlikely]] {
-            return call<SipSbCopyConstString>(word.data(), size);
+            return append<SipSbCopyConstString>(word.data(), size);
         }
         if (__builtin_constant_p(size) || size == 2) {
             std::memcpy(at_, word.data(), size);
@@ -82,6 +82,16 @@ public:
         return word({lineEnd->pcData, lineEnd->ulLen});
     }
 
+    // Calls a function that may itself append to the buffer, or let the program do so: meanwhile
+    // the buffer is as if every append had been a call.
+    template <auto Function, class... Arguments>
+    SDPLINE_INLINE uint32_t call(Arguments... arguments) {
+        const Called called = callOn<Function>(*this, arguments...);
+        at_ = called.at;
+        end_ = called.end;
+        return called.result;
+    }
+
 private:
     struct Called {
         char *at;
@@ -89,10 +99,10 @@ private:
         uint32_t result;
     };
 
-    bool isOpen() const { return own.appends && hasBuffer(); }
+    bool isOpen() const { return !seesAppends() && hasBuffer(); }
 
     // Without a buffer that may be written to, there is less than no room: nothing fits.
-    SDPLINE_INLINE void enter() {
+    SDPLINE_INLINE void load() {
         static char nowhere[2];
         at_ = isOpen() ? buffer_->at : nowhere + 1;
         end_ = isOpen() ? buffer_->end : nowhere;
@@ -101,20 +111,17 @@ private:
     SDPLINE_INLINE bool fits(uint32_t size) const { return int64_t{size} <= end_ - at_; }
 
     // By value, so that an Output that nothing else points to stays in registers.
-    template <auto Service, class... Arguments>
-    [[gnu::noinline, gnu::cold]] static Called serve(Output out, Arguments... arguments) {
-        out.leave();
-        const uint32_t result = Service(out.buffer_, arguments...);
-        out.enter();
+    template <auto Function, class... Arguments>
+    [[gnu::noinline, gnu::cold]] static Called callOn(Output out, Arguments... arguments) {
+        out.store();
+        const uint32_t result = Function(arguments...);
+        out.load();
         return {out.at_, out.end_, result};
     }
 
     template <auto Service, class... Arguments>
-    SDPLINE_INLINE uint32_t call(Arguments... arguments) {
-        const Called called = serve<Service>(*this, arguments...);
-        at_ = called.at;
-        end_ = called.end;
-        return called.result;
+    SDPLINE_INLINE uint32_t append(Arguments... arguments) {
+        return call<Service>(buffer_, arguments...);
     }
 
     SipStringBuffer *buffer_;
@@ -127,7 +134,7 @@ template <class Write>
 SDPLINE_INLINE SDPResult writeTo(SipStringBuffer *buffer, Write write) {
     Output out(buffer);
     const SDPResult result = write(out);
-    out.leave();
+    out.store();
     return result;
 }
 

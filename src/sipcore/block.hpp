@@ -1,5 +1,5 @@
 // A memory block's record, and how a piece is cut from it. libsdpline includes this too, and cuts
-// the pieces of a body itself where their block is libsipcore's (own.hpp).
+// the pieces of a body itself where their block is libsipcore's (builtin.hpp).
 //
 // One heap allocation holds the block's record and its first chunk; every further chunk is one
 // more. Memory is cut off the current run, which lies in one of the chunks:

@@ -99,29 +99,60 @@ void giveKeptBack() {
     kept.bytes = 0;
 }
 
-pthread_key_t threadEnd;
-bool threadEndIsKnown = false;
-
 // Pieces that are given back later than this are kept under a new watch.
 void onThreadEnd(void *) {
     kept.watched = false;
     giveKeptBack();
 }
 
-// A program that closes the library while its threads live must not be led back into it when they
-// end: what they keep is lost then.
-[[gnu::destructor]] void forgetThreads() {
-    if (threadEndIsKnown) {
-        pthread_key_delete(threadEnd);
-        threadEndIsKnown = false;
+// The ends of threads, which the library hears of while it is open. A program that closes it, or
+// ends, while its threads live must not be led back into it when they end: what they keep is lost
+// then. Threads that begin to keep pieces at that moment take the same lock.
+class ThreadEnds {
+public:
+    bool watchThisThread(const void *value) {
+        const Locked locked(mutex_);
+        if (state_ == State::Unknown) {
+            state_ = pthread_key_create(&key_, onThreadEnd) == 0 ? State::Watched : State::Closed;
+        }
+        return state_ == State::Watched && pthread_setspecific(key_, value) == 0;
     }
+
+    void close() {
+        const Locked locked(mutex_);
+        if (state_ == State::Watched) {
+            pthread_key_delete(key_);
+        }
+        state_ = State::Closed;
+    }
+
+private:
+    enum class State : uint8_t { Unknown, Watched, Closed };
+
+    class Locked {
+    public:
+        explicit Locked(pthread_mutex_t &mutex) : mutex_(mutex) { pthread_mutex_lock(&mutex_); }
+        ~Locked() { pthread_mutex_unlock(&mutex_); }
+        Locked(const Locked &) = delete;
+        Locked &operator=(const Locked &) = delete;
+
+    private:
+        pthread_mutex_t &mutex_;
+    };
+
+    pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
+    pthread_key_t key_ = 0;
+    State state_ = State::Unknown;
+};
+
+constinit ThreadEnds threadEnds;
+
+[[gnu::destructor]] void forgetThreads() {
+    threadEnds.close();
 }
 
 [[gnu::noinline]] bool watchThread() {
-    static pthread_once_t once = PTHREAD_ONCE_INIT;
-    pthread_once(&once,
-                 [] { threadEndIsKnown = pthread_key_create(&threadEnd, onThreadEnd) == 0; });
-    kept.watched = threadEndIsKnown && pthread_setspecific(threadEnd, &kept) == 0;
+    kept.watched = threadEnds.watchThisThread(&kept);
     return kept.watched;
 }
 
@@ -209,11 +240,11 @@ constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
 } // namespace
 
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
-    if (memCp->pfnAlloc == blockAlloc) {
+    if (memCp->pfnAlloc == blockAlloc && memCp->pfnFree == blockFree) {
         return blockTake(memCp, size);
     }
-    return memCp->pfnAlloc == systemAlloc ? systemTake(size, Content::Any)
-                                          : memCp->pfnAlloc(memCp, size);
+    const bool isSystem = memCp->pfnAlloc == systemAlloc && memCp->pfnFree == systemFree;
+    return isSystem ? systemTake(size, Content::Any) : memCp->pfnAlloc(memCp, size);
 }
 
 } // namespace sipcore

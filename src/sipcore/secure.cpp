@@ -1,7 +1,7 @@
 // Bounds-checked memory and the reports of its failures.
+#include "builtin.hpp"
 #include "fill.hpp"
 #include "heap.hpp"
-#include "own.hpp"
 
 #include "sdpline/sipcore.h"
 

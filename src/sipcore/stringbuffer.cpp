@@ -4,8 +4,8 @@
 #include "stringbuffer.hpp"
 
 #include "block.hpp"
+#include "builtin.hpp"
 #include "heap.hpp"
-#include "own.hpp"
 #include "refstring.hpp"
 
 #include <algorithm>
@@ -232,15 +232,16 @@ SIPCORE_ALIAS(SipSbCopyConstString, sipcoreCopyConstString)
 SIPCORE_ALIAS(SipSbCopyString, sipcoreCopyString)
 SIPCORE_ALIAS(SipSbCopyLong, sipcoreCopyLong)
 
-// It stands here, where every program that uses a string buffer of a static libsipcore links it.
-SIPCORE_API extern const SipCoreOwn SIPCORE_OWN;
-const SipCoreOwn SIPCORE_OWN = {.copyChar = sipcoreCopyChar,
-                                .copyConstString = sipcoreCopyConstString,
-                                .copyString = sipcoreCopyString,
-                                .copyLong = sipcoreCopyLong,
-                                .copy = sipcoreCopy,
-                                .fill = sipcoreFill,
-                                .blockAlloc = sipcore::blockAlloc,
-                                .blockTake = sipcore::blockTake,
-                                .blockFree = sipcore::kFillsFreed ? nullptr : sipcore::blockFree};
+// Defined here, where every program that uses a string buffer of a static libsipcore links it.
+SIPCORE_API extern const SipCoreBuiltin SIPCORE_BUILTIN;
+const SipCoreBuiltin SIPCORE_BUILTIN = {.copyChar = sipcoreCopyChar,
+                                        .copyConstString = sipcoreCopyConstString,
+                                        .copyString = sipcoreCopyString,
+                                        .copyLong = sipcoreCopyLong,
+                                        .copy = sipcoreCopy,
+                                        .fill = sipcoreFill,
+                                        .blockAlloc = sipcore::blockAlloc,
+                                        .blockTake = sipcore::blockTake,
+                                        .blockFree = sipcore::blockFree,
+                                        .fillsFreed = sipcore::kFillsFreed};
 }

@@ -1,5 +1,5 @@
 // A string buffer's record, and how bytes are put behind its text. libsdpline includes this too,
-// and writes into the buffer itself where no service was replaced (own.hpp).
+// and writes into the buffer itself where no service was replaced (builtin.hpp).
 #ifndef SIPCORE_STRINGBUFFER_HPP
 #define SIPCORE_STRINGBUFFER_HPP
 

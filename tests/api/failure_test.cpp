@@ -119,7 +119,7 @@ TEST(LastFailure, HasNoPlaceWithoutMemoryForTheBody) {
 
 TEST(LastFailure, IsTheUtilityThatRefusedAnAddress) {
     const std::string before = "v=0\n" + kOrigin + "\ns=-\nc=IN IP6 ";
-    EXPECT_EQ(placeOf(before + "1:2:3:4:5:6:7:8:9:\n"), "Ipv6Colons 4:10 @34 20");
+    EXPECT_EQ(placeOf(before + "1:::::::::2:\n"), "Ipv6Colons 4:10 @34 20");
     EXPECT_EQ(placeOf(before + "::1.2.3.256\n"), "Ipv6TailOctet 4:10 @34 3");
 }
 
@@ -154,6 +154,50 @@ TEST(LastFailure, IsOfEveryDecodeEntry) {
     SdpLibGetLastFailure(&failure);
     EXPECT_EQ(failure.ulResult, result);
     EXPECT_EQ(failure.ulColumn, 3u);
+}
+
+// Decodes another body at every entry of the decode that is looked at.
+class DecodingHook {
+public:
+    explicit DecodingHook(const std::string &other) {
+        other_ = other;
+        g_gpfnSipLmLogHndlr = hook;
+    }
+    ~DecodingHook() { g_gpfnSipLmLogHndlr = nullptr; }
+    DecodingHook(const DecodingHook &) = delete;
+    DecodingHook &operator=(const DecodingHook &) = delete;
+
+private:
+    static void hook(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                     const char *, ...) {
+        g_gpfnSipLmLogHndlr = nullptr;
+        decode(other_);
+        g_gpfnSipLmLogHndlr = hook;
+    }
+
+    static inline std::string other_;
+};
+
+TEST(LastFailure, IsNotThatOfADecodeInsideTheLogHook) {
+    const std::string start = "v=0\r\n" + kOrigin + "\r\ns=-\r\n";
+    const std::string refused[] = {"v=x\n",
+                                   start + "c=IN IP4 1.2.3\r\n",
+                                   start + "c=IN IP6 1:::::::::2\r\n",
+                                   start + "t=0 0\r\na=des:qos never e2e send\r\n",
+                                   start + "t=0 0\r\na=setup:holdconn\r\n",
+                                   start + "m=audio 1 RTP/AVP x\r\n"};
+    for (const std::string &body : refused) {
+        const std::string alone = placeOf(body);
+        for (const std::string &other : {"v=0 \n" + kOrigin, start + "t=0 0\r\n"}) {
+            const DecodingHook hook(other);
+            EXPECT_EQ(placeOf(body), alone) << other;
+        }
+    }
+}
+
+TEST(LastFailure, IsWrittenToNoNullPointer) {
+    decode("v=x\n");
+    SdpLibGetLastFailure(nullptr);
 }
 
 TEST(LastFailure, HoldsTheCodeUnderTheBaseOfThatTime) {
@@ -248,6 +292,14 @@ TEST(DescribeResult, AnswersOneAndEmptyTextsForAnUnknownCode) {
 }
 
 // Many operations answer a bare 1, one a bare 8; neither depends on the base.
+TEST(DescribeResult, TellsWithoutATextWhetherItKnowsTheCode) {
+    const SDPResult refused = decode("v=x\n");
+    EXPECT_EQ(SdpLibDescribeResult(refused, nullptr), 0u);
+    EXPECT_EQ(SdpLibDescribeResult(1, nullptr), 0u);
+    EXPECT_EQ(SdpLibDescribeResult(0, nullptr), 1u);
+    EXPECT_EQ(SdpLibDescribeResult(0xFFFFFFFF, nullptr), 1u);
+}
+
 TEST(DescribeResult, TellsBareAnswers) {
     for (const uint32_t base : {0u, 0x40u}) {
         const FileBase guard(base);

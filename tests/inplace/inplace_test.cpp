@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "api/decode.hpp"
 #include "checks/checks.hpp"
 #include "output/tree.hpp"
 #include "sdpline/sdpinternals.h"
@@ -23,18 +22,6 @@
 namespace {
 
 using support::Body;
-
-// Every service is called while it lives.
-class Called {
-public:
-    Called() : own_(sdpline::own) { sdpline::own = {}; }
-    ~Called() { sdpline::own = own_; }
-    Called(const Called &) = delete;
-    Called &operator=(const Called &) = delete;
-
-private:
-    sdpline::Own own_;
-};
 
 // What comes of a text: equal when each of it is.
 struct Outcome {
@@ -129,7 +116,7 @@ Outcome outcomeOf(const std::string &bytes, uint32_t roomStep) {
 
 void expectTheSame(const std::string &bytes, uint32_t roomStep) {
     const Outcome inPlace = outcomeOf(bytes, roomStep);
-    const Called calledOnly;
+    const sdpline::EveryServiceCalled everyService;
     const Outcome called = outcomeOf(bytes, roomStep);
     EXPECT_EQ(called.result, inPlace.result) << support::readable(bytes);
     EXPECT_TRUE(called == inPlace) << support::readable(bytes);
@@ -137,10 +124,13 @@ void expectTheSame(const std::string &bytes, uint32_t roomStep) {
 
 // This program takes no service over: whatever follows would compare calls with calls.
 TEST(InPlace, isWhatAProgramOfTheLibrariesAloneGets) {
-    EXPECT_TRUE(sdpline::own.appends);
-    EXPECT_TRUE(sdpline::own.copy);
-    EXPECT_TRUE(sdpline::own.fill);
-    EXPECT_NE(sdpline::own.blockAlloc, nullptr);
+    EXPECT_FALSE(sdpline::seesAppends());
+    EXPECT_FALSE(sdpline::seesCopies());
+    EXPECT_FALSE(sdpline::seesFills());
+    SDPMemCp *block = nullptr;
+    ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
+    EXPECT_TRUE(sdpline::builtin.owns(*block));
+    SipMmReleaseBufMem(&block);
 }
 
 TEST(InPlace, givesWhatTheCallsGiveForEveryCase) {
@@ -163,29 +153,41 @@ TEST(InPlace, givesWhatTheCallsGiveForBodiesMadeByChance) {
     }
 }
 
-// Records that no text gives: every writer stops where it stops when it calls.
-TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
-    const std::string bytes =
-        "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP4 1.2.3.4/5/6\r\nt=1 2\r\n"
-        "r=7d 1h 0 25h\r\nm=audio 1/2 RTP/AVP 0 8\r\na=rtpmap:0 PCMU/8000/2\r\n"
-        "a=des:qos optional remote sendrecv\r\na=ipbcp:1 Request\r\n";
-    const auto outcome = [&](uint32_t spoiled) {
-        support::LogRecorder log;
-        const Body body = support::decoded(bytes);
-        SDPMediaDesc &media = *body->stMediaSet.ppstMediaDescs[0];
-        uint32_t *const codes[] = {
-            &body->stOrigin.stNetType.enNetType,
-            &body->stOrigin.stAddrType.enAddrType,
-            &body->pstConnection->stNetType.enNetType,
-            &body->pstConnection->stAddrType.enAddrType,
-            &body->pstConnection->stTptAddr.enTptAddrType,
+const std::string kManyLines =
+    "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP4 1.2.3.4/5/6\r\nt=1 2\r\n"
+    "r=7d 1h 0 25h\r\nm=audio 1/2 RTP/AVP 0 8\r\na=rtpmap:0 PCMU/8000/2\r\n"
+    "a=des:qos optional remote sendrecv\r\na=ipbcp:1 Request\r\na=setup:active\r\n";
+
+// The codes of that body whose writer refuses a code without a text, and the count of payloads.
+std::vector<uint32_t *> codesOf(SdpLine &body) {
+    SDPMediaDesc &media = *body.stMediaSet.ppstMediaDescs[0];
+    SDPAttr *const *const attrs = media.pstAttrList->ppstAttrs;
+    SDPRsrcMgmtStatus &status = attrs[1]->unAttrValue.stRsrcMgmtStatus;
+    SDPTimeField &time = *body.stTimeSet.ppstTimeFields[0];
+    return {&body.stOrigin.stNetType.enNetType,
+            &body.stOrigin.stAddrType.enAddrType,
+            &body.pstConnection->stNetType.enNetType,
+            &body.pstConnection->stAddrType.enAddrType,
+            &body.pstConnection->stTptAddr.enTptAddrType,
+            &time.pstRepeatFieldSet->ppstRepeatFields[0]->ppstTimeUnits[1]->enTimeType,
             &media.stMediaField.stMedia.enMediaType,
             &media.stMediaField.stProto.enProto,
             &media.stMediaField.stMediaFmt.enFmtType,
-            &media.pstAttrList->ppstAttrs[0]->ulAttrType,
-            &media.pstAttrList->ppstAttrs[1]->unAttrValue.stRsrcMgmtStatus.enStrengthTag,
-            &media.pstAttrList->ppstAttrs[1]->unAttrValue.stRsrcMgmtStatus.enStatusType};
-        if (spoiled == std::size(codes)) {
+            &attrs[0]->ulAttrType,
+            &status.enStrengthTag,
+            &status.enStatusType,
+            &status.enDirTag,
+            &attrs[2]->unAttrValue.stIpBcp.ucType,
+            &attrs[3]->unAttrValue.enT120Mode};
+}
+
+// Records that no text gives: every writer stops where it stops when it calls.
+TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
+    const auto outcome = [&](uint32_t spoiled) {
+        support::LogRecorder log;
+        const Body body = support::decoded(kManyLines);
+        const auto codes = codesOf(*body);
+        if (spoiled == codes.size()) {
             return std::string("all");
         }
         *codes[spoiled] = 99;
@@ -197,33 +199,128 @@ TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
     };
     for (uint32_t spoiled = 0; outcome(spoiled) != "all"; ++spoiled) {
         const std::string inPlace = outcome(spoiled);
-        const Called calledOnly;
+        const sdpline::EveryServiceCalled everyService;
         EXPECT_EQ(outcome(spoiled), inPlace) << spoiled;
     }
 }
 
-// A log hook may set other hooks: what a decode asks for behind an entry is asked of those.
-TEST(InPlace, goesThroughTheHooksOnceAnEntryWasLogged) {
+// The hook that a test has set, and the buffer that it appends to.
+class LogHook {
+public:
+    using Action = void (*)();
+
+    explicit LogHook(Action action) {
+        action_ = action;
+        g_gpfnSipLmLogHndlr = hook;
+    }
+    ~LogHook() { g_gpfnSipLmLogHndlr = nullptr; }
+    LogHook(const LogHook &) = delete;
+    LogHook &operator=(const LogHook &) = delete;
+
+private:
+    static void hook(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                     const char *, ...) {
+        action_();
+    }
+
+    static inline Action action_;
+};
+
+SipStringBuffer *written = nullptr;
+
+// The text of a body with a code spoiled, and with what the log hook appends to the buffer.
+std::string textWithEntries(uint32_t spoiled) {
+    const Body body = support::decoded(kManyLines);
+    const auto codes = codesOf(*body);
+    if (spoiled == codes.size()) {
+        return "all";
+    }
+    *codes[spoiled] = 99;
+    EXPECT_EQ(SipSbCreateStringBufferNew(gSipSystemMemCp, 16, 16, &written), 0u);
+    const LogHook hook([] { SipSbCopyConstString(written, "<a text that takes room>", 24); });
+    std::string text = std::to_string(SdpLibEncodeSdpInt(body.get(), written)) + ' ';
+    SipRefString *reference = nullptr;
+    EXPECT_EQ(SipSbConvertToRefString(written, &reference), 0u);
+    text.append(SipSmGetDataFromRefString(reference), SipSmGetLenFromRefString(reference));
+    SipSmReleaseRefString(reference);
+    SipSbReleaseStringBuffer(written);
+    return text;
+}
+
+TEST(InPlace, writesBehindWhatALogHookAppends) {
+    for (uint32_t spoiled = 0; textWithEntries(spoiled) != "all"; ++spoiled) {
+        const std::string inPlace = textWithEntries(spoiled);
+        EXPECT_NE(inPlace.find("<a text that takes room>"), std::string::npos) << spoiled;
+        const sdpline::EveryServiceCalled everyService;
+        EXPECT_EQ(textWithEntries(spoiled), inPlace) << spoiled;
+    }
+}
+
+// A log hook may set other hooks: what a decode asks for after an entry is asked of those.
+TEST(InPlace, goesThroughTheHooksThatALogHookHasSet) {
+    static uint8_t other[24];
+    static const void *freed;
     for (const bool passedUp : {false, true}) {
         SDPMemCp *block = nullptr;
         ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
         sdpline::beginDecode(block);
         void *const piece = sdpline::allocateBytes(24);
-        EXPECT_NE(sdpline::decodeBlock, nullptr);
+        EXPECT_TRUE(sdpline::allocatesInPlace());
+        const LogHook hook([] {
+            SdpSetFnAlloc([](uint32_t) -> void * { return other; });
+            SdpSetFnFree([](void *memory) { freed = memory; });
+        });
         if (passedUp) {
             sdpline::passUp(sdpline::Check::ParseRefused, 1);
         } else {
             sdpline::fail(sdpline::Check::ConnLastOctetRange);
         }
-        static uint8_t other[24];
-        static const void *freed;
-        SdpSetFnAlloc([](uint32_t) -> void * { return other; });
-        SdpSetFnFree([](void *memory) { freed = memory; });
         EXPECT_EQ(sdpline::allocateBytes(24), other);
         EXPECT_EQ(static_cast<void *>(sdpline::allocate<SipString>()), other);
         sdpline::freeBytes(piece);
         EXPECT_EQ(freed, piece);
         sdpline::endDecode(false);
+        SipMmReleaseBufMem(&block);
+    }
+}
+
+TEST(InPlace, goesOnAfterALogHookThatChangesNothing) {
+    SDPMemCp *block = nullptr;
+    ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
+    sdpline::beginDecode(block);
+    const LogHook hook([] {});
+    sdpline::fail(sdpline::Check::ConnLastOctetRange);
+    EXPECT_TRUE(sdpline::allocatesInPlace());
+    sdpline::endDecode(false);
+    EXPECT_FALSE(sdpline::allocatesInPlace());
+    sdpline::fail(sdpline::Check::ConnLastOctetRange);
+    EXPECT_FALSE(sdpline::allocatesInPlace());
+    SipMmReleaseBufMem(&block);
+}
+
+// A program that puts one function of its own into a block's memory control sees each call of it.
+TEST(InPlace, callsTheFunctionsOfABlockWhereOneIsTheProgrammes) {
+    static uint32_t calls;
+    static decltype(SDPMemCp::pfnFree) freeOfBlock;
+    static decltype(SDPMemCp::pfnAlloc) allocOfBlock;
+    for (const bool ofFree : {false, true}) {
+        SDPMemCp *block = nullptr;
+        ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
+        calls = 0;
+        freeOfBlock = block->pfnFree;
+        allocOfBlock = block->pfnAlloc;
+        if (ofFree) {
+            block->pfnFree = [](void *memory) { return ++calls, freeOfBlock(memory); };
+        } else {
+            block->pfnAlloc = [](SDPMemCp *memCp, uint32_t size) {
+                return ++calls, allocOfBlock(memCp, size);
+            };
+        }
+        sdpline::beginDecode(block);
+        EXPECT_FALSE(sdpline::allocatesInPlace());
+        sdpline::freeBytes(sdpline::allocateBytes(24));
+        sdpline::endDecode(true);
+        EXPECT_EQ(calls, 1u);
         SipMmReleaseBufMem(&block);
     }
 }

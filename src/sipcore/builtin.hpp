@@ -4,14 +4,14 @@
 //
 // The number in the record's name stands for the records and rules that both libraries then share:
 // those of stringbuffer.hpp and block.hpp. Who changes one of them raises it, and libraries of
-// different builds call each other as strangers do.
-#ifndef SIPCORE_OWN_HPP
-#define SIPCORE_OWN_HPP
+// different builds make every call.
+#ifndef SIPCORE_BUILTIN_HPP
+#define SIPCORE_BUILTIN_HPP
 
 #include "asan.hpp"
 #include "sdpline/sipcore.h"
 
-struct SipCoreOwn {
+struct SipCoreBuiltin {
     decltype(&SipSbCopyChar) copyChar;
     decltype(&SipSbCopyConstString) copyConstString;
     decltype(&SipSbCopyString) copyString;
@@ -21,14 +21,14 @@ struct SipCoreOwn {
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
     // The same, but that memory holds anything.
     decltype(SDPMemCp::pfnAlloc) blockTake;
-    // Null where freed memory is filled, which takes the call.
     decltype(SDPMemCp::pfnFree) blockFree;
+    bool fillsFreed; // blockFree fills the memory, which takes the call
 };
 
 #if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use
-#define SIPCORE_OWN g_stSipCoreOwn1Asan
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin2Asan
 #else
-#define SIPCORE_OWN g_stSipCoreOwn1
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin2
 #endif
 
 // A service under a name that no program can take over.
