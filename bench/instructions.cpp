@@ -42,6 +42,12 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
     if (operation == "decode") {
         return repeated(count, [&] { return onTexts(body, bench::decodeAndRelease); });
     }
+    if (operation == "answer") {
+        return repeated(count, [&] { return onTexts(body, bench::answerByCpp); });
+    }
+    if (operation == "answer-c") {
+        return repeated(count, [&] { return onTexts(body, bench::answerByC); });
+    }
     if (operation == "encode") {
         return onLines(body, count,
                        [](sdpline::Body &line) { return bench::encodeAndRelease(line.record()); });
@@ -68,6 +74,6 @@ int main(int argc, char **argv) {
             }
         }
     }
-    std::fputs("usage: sdpline_instructions decode|encode|clone|serialise BODY COUNT\n", stderr);
+    std::fputs("usage: sdpline_instructions decode|encode|clone|serialise|answer|answer-c BODY COUNT\n", stderr);
     return 2;
 }

@@ -1,7 +1,8 @@
 #!/usr/bin/env -S python3 -B
 """Counts the instructions of each operation on each body and compares them with a baseline: one
-that grew by more than 5 % is an error. Counts belong to a compiler and a C library, which the
-baseline names.
+that grew by more than 5 % is an error, and so is a call's answer that costs more than 1.6 times the
+decode and the encode of its offer. Counts belong to a compiler and a C library, which the baseline
+names.
 
 usage: instructions.py PROGRAM BASELINE [--update]
 """
@@ -13,6 +14,9 @@ from concurrent.futures import ThreadPoolExecutor
 
 OPERATIONS = ["decode", "encode", "clone", "serialise"]
 BODIES = ["240B", "1KB", "2KB", "4KB", "mixture"]
+ANSWERS = ["answer", "answer-c"]  # by the C++ API and by the C interface
+OFFERS = BODIES[:-1]
+ANSWER_LIMIT = 1.6
 FEWER, MORE = 4, 12  # the first ones bring the heap into its steady state
 GROWTH = 0.05
 
@@ -41,6 +45,7 @@ def per_operation(program, operation, body):
 
 def counted(program):
     pairs = [(operation, body) for operation in OPERATIONS for body in BODIES]
+    pairs += [(answer, offer) for answer in ANSWERS for offer in OFFERS]
     with ThreadPoolExecutor(2) as pool:
         return dict(zip(pairs, pool.map(lambda pair: per_operation(program, *pair), pairs)))
 
@@ -86,6 +91,12 @@ def compare(counts, baseline):
         lines.append(f"{operation:10} {body:8} {count:12,} {before:12,} {change:+7.1%}")
         if change > GROWTH:
             errors.append(f"{operation} {body} grew by {change:.1%}")
+    for (operation, body), count in counts.items():
+        if operation in ANSWERS:
+            ratio = count / (counts["decode", body] + counts["encode", body])
+            lines.append(f"{operation:10} {body:8} is {ratio:.2f} times decode and encode")
+            if ratio > ANSWER_LIMIT:
+                errors.append(f"{operation} {body} is {ratio:.2f} times decode and encode")
     errors += [
         f"{operation} {body} is in the baseline and not counted"
         for operation, body in baseline.keys() - counts.keys()

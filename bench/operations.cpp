@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "answer.h"
+
 namespace bench {
 
 namespace {
@@ -44,6 +46,10 @@ bool serialise(SdpLine *line, std::vector<uint8_t> &buffer) {
     uint32_t written = 0;
     return SdpLibSerializeSdp(line, buffer.data(), static_cast<uint32_t>(buffer.size()),
                               &written) == 0;
+}
+
+bool answerByC(const std::string &text) {
+    return ::answerByC(text.data(), static_cast<uint32_t>(text.size())) != 0;
 }
 
 std::vector<sdpline::Body> decoded(const Body &body) {

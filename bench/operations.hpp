@@ -18,6 +18,11 @@ bool encodeAndRelease(SdpLine *line);
 bool clone(const sdpline::Body &body); // line by line, and releases the clone
 bool serialise(SdpLine *line, std::vector<uint8_t> &buffer);
 
+// A call's answer: decodes an offer, makes an answer with the payload numbers that are spoken, the
+// other lines mirrored and the direction reversed, encodes it and releases both.
+bool answerByCpp(const std::string &text);
+bool answerByC(const std::string &text);
+
 // The decoded texts of a body; empty when one is refused.
 std::vector<sdpline::Body> decoded(const Body &body);
 

@@ -37,7 +37,7 @@ std::vector<std::uint32_t> chosenPayloads(const sdpline::Media &offered) {
     return chosen;
 }
 
-// Takes the offered descriptions of the payload numbers over, and answers the direction.
+// Takes the offered descriptions of the payload numbers over, and sets the direction.
 sdpline::Status describe(const sdpline::MediaEditor &answered, const sdpline::Media &offered,
                          sdpline::Direction direction) {
     for (const sdpline::Attribute line : offered.attributes()) {
@@ -68,7 +68,7 @@ sdpline::Result<std::string> answerTo(std::string_view text) {
     if (!answer) {
         return answer.error();
     }
-    if (auto set = answer->setConnection("IN IP4 198.51.100.2"); !set) {
+    if (auto set = answer->setConnection(sdpline::Address::v4({198, 51, 100, 2})); !set) {
         return set.error();
     }
     bool accepted = false;

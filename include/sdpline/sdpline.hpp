@@ -27,29 +27,30 @@
  *     and until the line that it came from is replaced or removed; values read from a line
  *     (RtpMap, Origin, MediaLine ...) are copies whose texts do. Adding a line or removing another
  *     one ends iterators only.
- *  3. Results. What can fail answers a Result, which is a value or an Error, or a Status, which is
+ *  3. Results. What can fail returns a Result, which is a value or an Error, or a Status, which is
  *     nothing or an Error. Nothing is thrown, but by std::string when the process heap is
  *     exhausted; the headers compile without exceptions and without RTTI.
  *  4. An operation that fails has changed nothing. Arguments may lie in the body that they change.
  *  5. What is written is read back: a value that no text can carry, or that a decoder of this
  *     library would not read as the same value, is refused (Fault::Argument) before it is stored:
  *     empty texts, texts of more than SDP_MAX_VALUE bytes, line ends and NULs in texts, blanks in
- *     words. Nobody can add a line of his own by way of a name. The exceptions: bodies of more
- *     than SDP_MAX_BODY bytes, t= lines behind the first, flags of 0, and those of MediaLine.
+ *     words. No name or text can bring another line in. The exceptions: bodies of more
+ *     than SDP_MAX_BODY bytes, t= lines after the first, flags of 0, and those of MediaLine.
  *  6. Preconditions. An index beyond a list, the value of a failed Result, and any use of a body
  *     that was moved from (but destroying it and assigning to it) end the program.
  *  7. Threads. One body belongs to one thread at a time; several may read one that nobody
  *     changes (encode() reads, but for rtpmap records without a name that a program made itself:
  *     see SdpLibEncodeSdp). Decodes, those of the operations that take the text of a line among
- *     them, run one at a time behind decodeMutex(), unless the program is compiled with
+ *     them, take turns by decodeMutex(), unless the program is compiled with
  *     SDPLINE_THREAD_LOCAL, as the whole of it must be when libsdpline was built with
  *     SDPLINE_THREAD_LOCAL, and must not be otherwise.
  *  8. The C interface stays open: record() of a body or a line is the record to read and, with the
  *     body's own block as memory control (pstMemCp), to change; adopt() and release() hand whole
  *     bodies over. Configuration (line ends, T.38 flags, RTP/AVPF) is that of sdpline.h, for the
  *     process.
- *  9. Names are those of this namespace, sdpline, but for sdpline::internal, which may change
- *     at any time. An inline namespace, v1, keeps its symbols apart from all others.
+ *  9. Names are those of this namespace, sdpline, but for sdpline::internal and sdpline::tables,
+ * which may change at any time. An inline namespace, v1, keeps its symbols distinct from all
+ * others.
  */
 #ifndef SDPLINE_SDPLINE_HPP
 #define SDPLINE_SDPLINE_HPP
@@ -65,6 +66,7 @@
 
 #include "sdpline/cpp/attributes.hpp"
 #include "sdpline/cpp/attributeseditor.hpp"
+#include "sdpline/cpp/compare.hpp"
 #include "sdpline/cpp/decodemutex.hpp"
 #include "sdpline/cpp/decodeoptions.hpp"
 #include "sdpline/cpp/detail/clone.hpp"
@@ -73,6 +75,7 @@
 #include "sdpline/cpp/editors.hpp"
 #include "sdpline/cpp/media.hpp"
 #include "sdpline/cpp/result.hpp"
+#include "sdpline/cpp/text.hpp"
 #include "sdpline/cpp/values.hpp"
 #include "sdpline/cpp/words.hpp"
 #include "sdpline/sdpline.h"
@@ -87,39 +90,44 @@ class Body {
 public:
     /* ---- Making and giving away -------------------------------------------------------------- */
 
-    /* Reads a body; the text is not kept. It has at most SdpGetMaxBodySize() bytes; what follows its
-     * first empty line is not read. An Error tells the line and column of the text that was refused. */
+    /* Reads a body; the text is not kept. It has at most SdpGetMaxBodySize() bytes; what follows
+     * its first empty line is not read. An Error tells the line and column of the text that was
+     * refused. */
     static Result<Body> decode(std::string_view text) {
-        return ofDecoded(internal::decodeText(text));
+        return ofHandle(internal::decodeText(text));
     }
-    /* The same under options of this decode's own: browsers' offers, bodies of up to 65535 bytes. */
+    /* The same under options of this decode alone: browsers' offers, bodies of up to 65535 bytes.
+     */
     static Result<Body> decode(std::string_view text, const DecodeOptions &options) {
-        return ofDecoded(internal::decodeText(text, &options));
+        return ofHandle(internal::decodeText(text, &options));
+    }
+    /* The same for bytes, as they come from a socket. */
+    static Result<Body> decode(std::span<const std::byte> text) { return decode(textOf(text)); }
+    static Result<Body> decode(std::span<const std::byte> text, const DecodeOptions &options) {
+        return decode(textOf(text), options);
     }
 
     /* A body of its first three lines, and no time: "t=0 0" is written. */
     static Result<Body> create(const Origin &origin = {}, std::string_view sessionName = "-") {
+        for (const auto &error :
+             {internal::refusedOrigin(origin), internal::refusedText(sessionName)}) {
+            if (error) {
+                return *error;
+            }
+        }
         auto made = internal::newBody();
         if (!made) {
             return made.error();
         }
-        Body body(std::move(*made));
-        for (const Status &set : {body.setOrigin(origin), body.setSessionName(sessionName)}) {
-            if (!set) {
-                return set.error();
-            }
-        }
-        return body;
+        SdpLine &line = **made;
+        internal::Copier copier{internal::Memory(line.pstMemCp)};
+        copier.fill(internal::recordOf(origin), line.stOrigin);
+        copier.fill(internal::lent(sessionName), line.strSessionName);
+        return ofHandle(internal::unlessFailed(copier, *std::move(made)));
     }
 
     /* A copy of everything, in a block of its own, with what would not be written too. */
-    Result<Body> clone() const {
-        auto made = internal::cloneBody(line());
-        if (!made) {
-            return made.error();
-        }
-        return Body(std::move(*made));
-    }
+    Result<Body> clone() const { return ofHandle(internal::cloneBody(line())); }
 
     /* Takes over a body of the C interface, which has a block; release() gives it back, to be
      * released with SdpLibReleaseSdp. */
@@ -151,11 +159,11 @@ public:
         return copy;
     }
 
-    /* Into a buffer, without a NUL; answers the part that was written. A text that does not fit is
+    /* Into a buffer, without a NUL; gives the part that was written. A text that does not fit is
      * refused; the buffer then holds what was written before. */
     Result<std::string_view> encode(std::span<char> buffer) const {
-        const std::size_t size =
-            std::min<std::size_t>(buffer.size(), std::numeric_limits<std::uint32_t>::max());
+        constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max();
+        const std::size_t size = buffer.size() < largest ? buffer.size() : largest;
         std::uint32_t written = 0;
         if (const SDPResult code =
                 SdpLibSerializeSdp(&line(), reinterpret_cast<std::uint8_t *>(buffer.data()),
@@ -193,12 +201,12 @@ public:
     /* What holds for a media description of this body: its own line, or else the session's; a
      * direction that neither gives is SendRecv (RFC 3264 section 5.1). */
     std::optional<Connection> connectionOf(const Media &media) const & {
-        const auto own = media.connection();
-        return own ? own : connection();
+        const auto ofMedia = media.connection();
+        return ofMedia ? ofMedia : connection();
     }
     Direction directionOf(const Media &media) const {
-        const auto own = media.attributes().direction();
-        return own ? *own : attributes().direction().value_or(Direction::SendRecv);
+        const auto ofMedia = media.attributes().direction();
+        return ofMedia ? *ofMedia : attributes().direction().value_or(Direction::SendRecv);
     }
 
     /* Views of a body that is gone at the end of the line: they do not compile. Name the body. */
@@ -221,53 +229,50 @@ public:
     /* ---- Lines to change --------------------------------------------------------------------- */
 
     Status setOrigin(const Origin &origin) {
-        return internal::setOrigin(memory(), line().stOrigin, origin);
+        if (const auto error = internal::refusedOrigin(origin)) {
+            return *error;
+        }
+        return internal::replace(memory(), internal::recordOf(origin), line().stOrigin);
     }
 
-    /* A blank or "-" stands for no name: the text must not be empty. */
+    /* The text must not be empty: a body without a name has a blank or "-". */
     Status setSessionName(std::string_view text) {
         if (const auto error = internal::refusedText(text)) {
             return *error;
         }
-        return memory().replace(SDP_LINE_NAME, internal::lent(text), line().strSessionName);
+        return internal::replace(memory(), internal::lent(text), line().strSessionName);
     }
 
-    Status setInfo(std::string_view text) {
-        return internal::setText(memory(), infoSlot(), SDP_LINE_INFO, text);
-    }
-    void removeInfo() { internal::removeLine(memory(), infoSlot(), SDP_LINE_INFO); }
+    Status setInfo(std::string_view text) { return internal::setText(memory(), infoSlot(), text); }
+    void removeInfo() { internal::removeLine(memory(), infoSlot()); }
 
-    Status setUri(std::string_view text) {
-        return internal::setText(memory(), uriSlot(), SDP_LINE_URI, text);
-    }
-    void removeUri() { internal::removeLine(memory(), uriSlot(), SDP_LINE_URI); }
+    Status setUri(std::string_view text) { return internal::setText(memory(), uriSlot(), text); }
+    void removeUri() { internal::removeLine(memory(), uriSlot()); }
 
-    TextsEditor emails() & { return texts(offsetof(SdpLine, pstEmailList), SDP_LINE_EMAIL); }
-    TextsEditor phones() & { return texts(offsetof(SdpLine, pstPhoneList), SDP_LINE_PHONE); }
+    TextsEditor emails() & { return texts(offsetof(SdpLine, pstEmailList)); }
+    TextsEditor phones() & { return texts(offsetof(SdpLine, pstPhoneList)); }
 
     Status setConnection(const Connection &connection) {
         return internal::setConnection(memory(), connectionSlot(), connection);
     }
-    /* By its text behind "c=", "IN IP4 192.0.2.1", which is decoded. */
+    /* An address alone: "IN IP4" or "IN IP6" and no more. */
+    Status setConnection(const Address &address) {
+        return setConnection(Connection{.address = address});
+    }
+    /* By its text after "c=", "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) {
         return internal::setConnection(memory(), connectionSlot(), text);
     }
-    void removeConnection() {
-        internal::removeLine(memory(), connectionSlot(), SDP_LINE_CONNECTION);
-    }
+    void removeConnection() { internal::removeLine(memory(), connectionSlot()); }
 
-    TextsEditor bandwidths() & {
-        return texts(offsetof(SdpLine, pstBandwidthList), SDP_LINE_BANDWIDTH);
-    }
+    TextsEditor bandwidths() & { return texts(offsetof(SdpLine, pstBandwidthList)); }
     TimesEditor times() & { return {memory(), &line().stTimeSet}; }
 
-    Status setZone(std::string_view text) {
-        return internal::setText(memory(), zoneSlot(), SDP_LINE_ZONE, text);
-    }
-    void removeZone() { internal::removeLine(memory(), zoneSlot(), SDP_LINE_ZONE); }
+    Status setZone(std::string_view text) { return internal::setText(memory(), zoneSlot(), text); }
+    void removeZone() { internal::removeLine(memory(), zoneSlot()); }
 
     Status setKey(std::string_view text) { return internal::setKey(memory(), keySlot(), text); }
-    void removeKey() { internal::removeLine(memory(), keySlot(), SDP_LINE_KEY); }
+    void removeKey() { internal::removeLine(memory(), keySlot()); }
 
     AttributesEditor attributes() & {
         const Slot<SDPAttrList> slot(&line(), offsetof(SdpLine, pstAttrList));
@@ -279,23 +284,27 @@ public:
 private:
     explicit Body(internal::BodyHandle line) : line_(std::move(line)) {}
 
-    static Result<Body> ofDecoded(Result<internal::BodyHandle> decoded) {
-        if (!decoded) {
-            return decoded.error();
+    static Result<Body> ofHandle(Result<internal::BodyHandle> made) {
+        if (!made) {
+            return made.error();
         }
-        return Body(std::move(*decoded));
+        return Body(*std::move(made));
+    }
+
+    static std::string_view textOf(std::span<const std::byte> bytes) {
+        return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
     }
 
     /* Constness is the methods' affair: the encoder takes records that it may change. */
     SdpLine &line() const {
-        internal::insist(line_ != nullptr);
+        internal::insist(line_.get() != nullptr);
         return *line_;
     }
 
     internal::Memory memory() const { return internal::Memory(line().pstMemCp); }
 
-    TextsEditor texts(std::size_t offset, std::uint32_t lineType) {
-        return TextsEditor({memory(), Slot<SDPStringList>(&line(), offset)}, lineType);
+    TextsEditor texts(std::size_t offset) {
+        return TextsEditor({memory(), Slot<SDPStringList>(&line(), offset)});
     }
 
     Slot<SipString> infoSlot() { return {&line(), offsetof(SdpLine, pstrSessionInfo)}; }
@@ -306,6 +315,30 @@ private:
 
     internal::BodyHandle line_;
 };
+
+/* Whether two bodies say the same: see compare.hpp. The version of o= counts, too. */
+inline bool sameContent(const Body &one, const Body &two) {
+    return one.version() == two.version() && one.origin() == two.origin() &&
+           one.sessionName() == two.sessionName() && one.info() == two.info() &&
+           one.uri() == two.uri() && sameContent(one.emails(), two.emails()) &&
+           sameContent(one.phones(), two.phones()) && one.connection() == two.connection() &&
+           sameContent(one.bandwidths(), two.bandwidths()) &&
+           internal::sameItems(one.times(), two.times(),
+                               [](auto a, auto b) { return sameContent(a, b); }) &&
+           one.zone() == two.zone() && one.key() == two.key() &&
+           sameContent(one.attributes(), two.attributes()) &&
+           internal::sameItems(one.media(), two.media(),
+                               [](auto a, auto b) { return sameContent(a, b); });
+}
+inline bool operator==(const Body &one, const Body &two) {
+    return sameContent(one, two);
+}
+
+/* The body as it is written, or in brackets why it is not. */
+inline std::string toText(const Body &body) {
+    const auto text = body.encode();
+    return text ? *text : '[' + std::string(text.error().sentence) + ']';
+}
 
 } // namespace v1
 } // namespace sdpline

@@ -60,8 +60,8 @@ TEST(CppClone, ARecordThatCannotBeCopiedIsRefused) {
             ->stMediaField.stMediaFmt.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads = 101;
         const auto copy = body.clone();
         ASSERT_FALSE(copy);
-        EXPECT_EQ(copy.error().fault, Fault::Library);
-        EXPECT_EQ(copy.error().source, "sdpdsm");
+        EXPECT_EQ(copy.error().fault, Fault::Argument);
+        EXPECT_EQ(copy.error().sentence, "there are more than 100 payload numbers");
     }
     EXPECT_EQ(support::Held::now(), before);
 }

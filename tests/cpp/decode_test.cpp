@@ -1,6 +1,7 @@
 // Whole bodies: text in, text out, and who owns what in between.
 #include <array>
 #include <mutex>
+#include <span>
 #include <type_traits>
 #include <utility>
 
@@ -79,7 +80,8 @@ TEST(CppDecode, ALengthOutOfBoundsHasNoPlace) {
         EXPECT_NE(body.error().code, 0u);
         EXPECT_FALSE(body.error().sentence.empty());
     }
-    EXPECT_FALSE(Body::decode({}));
+    EXPECT_FALSE(Body::decode(std::string_view()));
+    EXPECT_FALSE(Body::decode(std::span<const std::byte>()));
 }
 
 TEST(CppDecode, ThePlaceOfAnEarlierRefusalIsNotTold) {
@@ -276,9 +278,83 @@ TEST(CppResultDeathTest, TheValueOfAFailureEndsTheProgram) {
     EXPECT_DEATH((void)sdpline::Status().error(), "");
 }
 
+TEST(CppDecode, BytesAreText) {
+    const auto body = Body::decode(std::as_bytes(std::span(kPlain)));
+    ASSERT_TRUE(body) << body.error();
+    EXPECT_EQ(written(*body), kPlain);
+}
+
 TEST(CppResult, AnotherValueTakesThePlaceOfAFailure) {
+    const sdpline::Result<int> three(3);
+    const sdpline::Result<int> none(sdpline::Error{});
+    EXPECT_EQ(three.value_or(4), 3);
+    EXPECT_EQ(none.value_or(4), 4);
     EXPECT_EQ(sdpline::Result<int>(3).valueOr(4), 3);
     EXPECT_EQ(sdpline::Result<int>(sdpline::Error{}).valueOr(4), 4);
+}
+
+TEST(CppResult, ItsValueIsHandedOn) {
+    const auto encoded =
+        Body::decode(kPlain).and_then([](const Body &body) { return body.encode(); });
+    ASSERT_TRUE(encoded) << encoded.error();
+    EXPECT_EQ(*encoded, kPlain);
+    EXPECT_EQ(encoded.transform([](const std::string &text) { return text.size(); }).value_or(0),
+              kPlain.size());
+    const Body taken = *Body::decode(kPlain).transform([](Body &&body) { return std::move(body); });
+    EXPECT_EQ(written(taken), kPlain);
+
+    int calls = 0;
+    const auto refused = Body::decode("v=0\r\nx=\r\n");
+    const auto next = refused.and_then([&calls](const Body &body) {
+        ++calls;
+        return body.encode();
+    });
+    const auto changed = refused.transform([&calls](const Body &) { return ++calls; });
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(next.error().line, 2u);
+    EXPECT_EQ(changed.error().line, 2u);
+    EXPECT_EQ(Body::decode("x").transform([](Body &&) { return 1; }).value_or(2), 2);
+    EXPECT_FALSE(Body::decode("x").and_then([](Body &&body) { return body.encode(); }));
+
+    EXPECT_FALSE(sdpline::Status(sdpline::Error{}).and_then([] { return sdpline::Status(); }));
+    EXPECT_EQ(sdpline::Status().and_then([] { return sdpline::Result<int>(7); }).value_or(0), 7);
+}
+
+TEST(CppResult, ItIsCopiedMovedAndAssigned) {
+    sdpline::Result<std::string> one(std::string(40, 'x'));
+    const sdpline::Result<std::string> copy = one;
+    sdpline::Result<std::string> moved = std::move(one);
+    EXPECT_EQ(*copy, *moved);
+    moved = sdpline::Result<std::string>(sdpline::Error{});
+    EXPECT_FALSE(moved);
+    moved = copy;
+    EXPECT_EQ(*moved, std::string(40, 'x'));
+    static_assert(!std::is_copy_constructible_v<sdpline::Result<Body>>);
+    static_assert(std::is_nothrow_move_constructible_v<sdpline::Result<Body>>);
+}
+
+TEST(CppError, WhatAPeerIsToldIsPlaceAndSentence) {
+    const auto error = Body::decode("v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\n"
+                                    "c=IN IP4 192.0.2.300\r\n")
+                           .error();
+    EXPECT_EQ(error.place(), "4:18");
+    EXPECT_EQ(error.reason(), "4:18: " + std::string(error.sentence));
+    EXPECT_EQ(error.warningText(), '"' + error.reason() + '"');
+    sdpline::Error none;
+    none.sentence = "x";
+    EXPECT_EQ(none.place(), "");
+    EXPECT_EQ(none.reason(), "x");
+    EXPECT_EQ(none.message(), "x");
+}
+
+TEST(CppError, AQuotedStringHoldsWhatAHeaderMay) {
+    using sdpline::quotedString;
+    EXPECT_EQ(quotedString(""), R"("")");
+    EXPECT_EQ(quotedString(R"(expected "/" or \)"), R"("expected \"/\" or \\")");
+    EXPECT_EQ(quotedString("a\r\nb\tc\x7F"
+                           "d\xC3\xA9"),
+              R"("a  b c d??")");
+    EXPECT_EQ(quotedString({"\0", 1}), R"(" ")");
 }
 
 TEST(CppError, ACodeOfAnotherServiceIsToldAsItIs) {

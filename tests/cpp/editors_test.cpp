@@ -130,7 +130,7 @@ TEST(CppSession, ConnectionsByValueAndByText) {
     EXPECT_REFUSED(body.setConnection({.address = Address::v4({1, 2, 3, 4}), .addressCount = 2}),
                    "a number of addresses needs a TTL before it");
     EXPECT_REFUSED(body.setConnection({.address = Address::v4({1, 2, 3, 4}), .ttl = SDP_NOT_GIVEN}),
-                   "a TTL or a number of addresses stands for none");
+                   "a TTL or a number of addresses is that of none");
     EXPECT_EQ(body.connection()->ttl, 5u);
 }
 
@@ -291,4 +291,92 @@ TEST(CppMemory, WhatIsReplacedIsGivenBack) {
         EXPECT_EQ(support::Held::now(), once); // the block no longer grows
     }
     EXPECT_EQ(support::Held::now(), before);
+}
+
+TEST(CppSession, TextsGoWhereTheyAreInserted) {
+    Body body = decoded(kPlain);
+    auto emails = body.emails();
+    EXPECT_DONE(emails.insert(0, "b@x"));
+    EXPECT_DONE(emails.insert(0, "a@x"));
+    EXPECT_DONE(emails.insert(1, emails[0]));
+    EXPECT_EQ(linesOf(written(body), 'e'), "a@x|a@x|b@x");
+    EXPECT_DEATH((void)emails.insert(4, "x"), "");
+}
+
+TEST(CppTimes, RepeatsAreWrittenAndReadBack) {
+    Body body = decoded(kPlain);
+    auto times = body.times();
+    times[0].set(3034423619, 3042462419);
+    EXPECT_DONE(times[0].addRepeat(
+        {{7, TimeUnit::Days}, {1, TimeUnit::Hours}, {0}, {25, TimeUnit::Hours}}));
+    EXPECT_DONE(times[0].addRepeat({{604800}, {60, TimeUnit::Minutes}, {0}}));
+    EXPECT_EQ(linesOf(written(body), 't'), "3034423619 3042462419");
+    const std::string repeats = "7d 1h 0s 25h|604800s 60m 0s";
+    EXPECT_EQ(linesOf(written(body), 'r'), repeats);
+    EXPECT_EQ(linesOf(written(decoded(written(body))), 'r'), repeats);
+
+    const char *const few = "an r= line has an interval, a duration and at least one offset";
+    EXPECT_REFUSED(times[0].addRepeat({}), few);
+    EXPECT_REFUSED(times[0].addRepeat({{1}, {2}}), few);
+    EXPECT_REFUSED(times[0].addRepeat({{1}, {2}, {3, TimeUnit{9}}}), "a code has no word");
+    EXPECT_EQ(times[0].repeats().size(), 2u);
+
+    EXPECT_EQ(times[0].clearRepeats(), 2u);
+    EXPECT_EQ(times[0].clearRepeats(), 0u);
+    EXPECT_EQ(linesOf(written(body), 'r'), "");
+    EXPECT_DONE(times[0].addRepeat({{1}, {2}, {3}}));
+    EXPECT_EQ(linesOf(written(body), 'r'), "1s 2s 3s");
+    EXPECT_EQ(times.clear(), 1u); // with its r= lines
+}
+
+TEST(CppMedia, AWholeDescriptionIsCopied) {
+    const Body offer = decoded(kEveryLine);
+    Body answer = decoded(kPlain);
+    const auto added = answer.media().add(offer.media()[0]);
+    ASSERT_TRUE(added) << added.error();
+    EXPECT_TRUE(sameContent(*added, offer.media()[0]));
+    EXPECT_NE(added->record(), offer.media()[0].record());
+    EXPECT_EQ(added->info()->data() == offer.media()[0].info()->data(), false);
+
+    const auto first = answer.media().insert(
+        0, offer.media()[0], [](const Attribute &line) { return line.as<Fmtp>().has_value(); });
+    ASSERT_TRUE(first) << first.error();
+    EXPECT_EQ(first->attributes().size(), 2u);
+    EXPECT_EQ(first->key(), "clear:secret");
+    const auto bare = answer.media().add(offer.media()[0], [](const Attribute &) { return false; });
+    ASSERT_TRUE(bare);
+    EXPECT_TRUE(bare->attributes().empty());
+    EXPECT_DONE(bare->attributes().add("x"));
+    const auto plain = answer.media().add(offer.media()[3], [](const Attribute &) { return true; });
+    ASSERT_TRUE(plain);
+    EXPECT_TRUE(plain->attributes().record() == nullptr);
+
+    const auto twice = answer.media().insert(1, answer.media()[2]); // of the same body
+    ASSERT_TRUE(twice);
+    EXPECT_EQ(linesOf(written(answer), 'm'),
+              "audio 49170 RTP/AVP 0 96 101|audio 49170 RTP/AVP 0 96 101|audio 49170 RTP/AVP 0|"
+              "audio 49170 RTP/AVP 0 96 101|audio 49170 RTP/AVP 0 96 101|message 7000 TCP/MSRP *");
+    EXPECT_TRUE(decoded(written(answer)) == answer);
+}
+
+TEST(CppMedia, DescriptionsGoWhereTheyAreInserted) {
+    Body body = decoded(kPlain);
+    EXPECT_TRUE(body.media().insert(0, {.port = 4, .payloads = std::array{8u}}));
+    EXPECT_TRUE(body.media().insert(2, "video 6 RTP/AVP 31"));
+    EXPECT_TRUE(body.media().insert(1, body.media()[2]));
+    EXPECT_EQ(linesOf(written(body), 'm'),
+              "audio 4 RTP/AVP 8|video 6 RTP/AVP 31|audio 49170 RTP/AVP 0|video 6 RTP/AVP 31");
+    EXPECT_DEATH((void)body.media().insert(5, "video 6 RTP/AVP 31"), "");
+    EXPECT_EQ(body.media().removeIf([](const Media &media) { return media.type() == "video"; }),
+              2u);
+}
+
+TEST(CppMedia, PayloadsAreListed) {
+    Body body = decoded(kEveryLine);
+    const MediaEditor audio = body.media()[0];
+    EXPECT_DONE(audio.setPayloads({8, 0}));
+    EXPECT_EQ(linesOf(written(body), 'm').substr(0, 23), "audio 49170 RTP/AVP 8 0");
+    EXPECT_EQ(audio.attributes().size(), 6u); // nothing else changes
+    const MediaEditor image = body.media()[2];
+    EXPECT_REFUSED(image.setPayloads({0}), "the protocol takes a format word, no payload numbers");
 }

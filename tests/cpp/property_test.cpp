@@ -19,7 +19,7 @@ public:
 
     // Makes one edit, and answers whether it was let through.
     bool one(Body &body) {
-        switch (chance_.below(12)) {
+        switch (chance_.below(15)) {
         case 0: return body.setSessionName(text()).ok();
         case 1: return body.setInfo(text()).ok();
         case 2: return body.emails().add(text()).ok();
@@ -29,6 +29,9 @@ public:
         case 6: return media(body);
         case 7: return body.attributes().add(text()).ok();
         case 8: body.attributes().removeAll(text()); return true;
+        case 9: return target(body).add(name(), text()).ok();
+        case 10: return target(body).set(name(), text()).ok();
+        case 11: return copied(body);
         default: return attribute(target(body));
         }
     }
@@ -45,6 +48,26 @@ private:
             byte = kBytes[chance_.below(plain ? 11 : sizeof kBytes - 1)];
         }
         return texts_.back();
+    }
+
+    std::string_view name() {
+        static constexpr const char *kNames[] = {"label", "fax", "FAX", "tool", "sendonly", "des"};
+        return chance_.oneIn(2) ? text() : std::string_view(chance_.pick(kNames));
+    }
+
+    // A media description of the body, or some of its lines, once more.
+    bool copied(Body &body) {
+        if (body.media().empty() || body.media().size() > 8) {
+            return false;
+        }
+        const Media source = body.media()[chance_.below(body.media().size())];
+        const std::size_t index = chance_.below(body.media().size() + 1);
+        const auto chosen = [this](const Attribute &) { return chance_.oneIn(2); };
+        switch (chance_.below(3)) {
+        case 0: return body.media().insert(index, source).ok();
+        case 1: return body.media().insert(index, source, chosen).ok();
+        default: return target(body).addAll(source.attributes(), chosen).ok();
+        }
     }
 
     std::string_view encodingName() {

@@ -22,6 +22,12 @@ Status statusOf(const Result<Value> &result) {
     return result ? Status() : Status(result.error());
 }
 
+// A body to copy from, made before anything fails.
+const Body &offer() {
+    static const Body body = decoded(kEveryLine);
+    return body;
+}
+
 const std::array kPayloads{8u, 97u};
 
 const Operation kOperations[] = {
@@ -58,6 +64,23 @@ const Operation kOperations[] = {
     {"media info", [](Body &body) { return body.media()[0].setInfo("x"); }},
     {"media bandwidth", [](Body &body) { return body.media()[0].bandwidths().add("x"); }},
     {"media key", [](Body &body) { return body.media()[0].setKey("x"); }},
+    {"attribute by name", [](Body &body) { return body.attributes().add("x", "y"); }},
+    {"attribute by known name", [](Body &body) { return body.attributes().set("tool", "y"); }},
+    {"attributes of a list",
+     [](Body &body) { return body.attributes().addAll(offer().media()[0].attributes()); }},
+    {"e-mail before others", [](Body &body) { return body.emails().insert(0, "x"); }},
+    {"repeat",
+     [](Body &body) {
+         const auto times = body.times();
+         return times[0].addRepeat({{1}, {2}, {3, TimeUnit::Days}});
+     }},
+    {"media copied", [](Body &body) { return statusOf(body.media().add(offer().media()[0])); }},
+    {"media copied in part",
+     [](Body &body) {
+         return statusOf(body.media().insert(0, offer().media()[0], [](const Attribute &line) {
+             return line.as<RtpMap>().has_value();
+         }));
+     }},
     {"clone",
      [](Body &body) {
          auto copy = body.clone();
@@ -93,6 +116,7 @@ std::string seen(const Body &body) {
 
 // Answers how many requests failed before one run succeeded.
 std::uint32_t failuresOf(const Operation &operation, std::string_view text) {
+    offer();
     for (std::uint32_t n = 1;; ++n) {
         const support::Held before = support::Held::now();
         {

@@ -1,5 +1,5 @@
-// The C++ API beside others: programs without exceptions, and the library's own headers, whose names
-// live in the namespace around that API's.
+// The C++ API beside others: programs without exceptions, and the library's own headers, whose
+// names live in the namespace around that API's.
 #include "sdpline/sdpline.hpp"
 
 #include "checks/checks.hpp"

@@ -8,13 +8,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <variant>
 
+#include "sdpline/cpp/detail/attributes.hpp"
 #include "sdpline/cpp/list.hpp"
 #include "sdpline/cpp/values.hpp"
 #include "sdpline/cpp/words.hpp"
@@ -22,97 +21,185 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* The name of an attribute without a colon; empty for the types of other names, and for numbers
- * that are no type. */
-inline std::string_view wordOf(AttributeType type) {
-    const auto row = static_cast<std::uint32_t>(type) - 1;
-    const bool named = row < std::size(sstrSdpAttrNames) && type != AttributeType::OtherValue &&
-                       type != AttributeType::OtherFlag;
-    std::string_view name = named ? internal::viewOf(sstrSdpAttrNames[row]) : "";
-    if (name.ends_with(':')) {
-        name.remove_suffix(1);
-    }
-    return name;
-}
-
 namespace internal {
+
+/* A line by itself, as the encoder writes it, without its letter and line end. */
+inline Result<std::string> lineText(std::uint32_t lineType, void *record) {
+    std::uint32_t prefix = 0;
+    SipRefString *line = nullptr;
+    if (const SDPResult code = SdpLibEncodeSdpLine(&prefix, lineType, record, &line)) {
+        return libraryError(code);
+    }
+    std::string_view written(SipSmGetDataFromRefString(line), SipSmGetLenFromRefString(line));
+    const std::string_view lineEnd = viewOf(SdpGetCrlfString(0));
+    if (written.ends_with(lineEnd)) {
+        written.remove_suffix(lineEnd.size());
+    }
+    std::string text(written);
+    SipSmReleaseRefString(line);
+    return text;
+}
 
 /* The one blank between a word and what follows it. */
 inline std::string_view withoutBlank(std::string_view text) {
     return text.starts_with(' ') ? text.substr(1) : text;
 }
 
-inline Fmtp fmtpOf(std::string_view text) {
-    const std::size_t end = text.find(' ');
-    return end != std::string_view::npos ? Fmtp{text.substr(0, end), text.substr(end + 1)}
-                                         : Fmtp{text, {}};
+inline tables::Shape shapeOf(const SDPAttr &attribute) {
+    return tables::shapeOf(attribute.ulAttrType);
 }
 
-inline RtpMap rtpMapOf(const SDPRtpMapAttr &map) {
-    return {map.ulPayloadType, viewOf(map.strEncodingName), map.ulClockRate, map.ulEncodingParams,
-            map.ulEncodingId};
-}
+/* A value of type T in an attribute: whether it holds one, and which. */
+template <class T>
+struct ValueIn;
 
-inline Precondition preconditionOf(std::uint32_t type, const SDPRsrcMgmtStatus &status) {
-    return {
-        StatusLine{type},
-        Keyword<PreconditionType>::of(PreconditionType{status.stPrecondition.enPreconditionType},
-                                      viewOf(status.stPrecondition.pstrOtherPrecondition)),
-        StatusType{status.enStatusType}, Flow{status.enDirTag}, Strength{status.enStrengthTag}};
-}
+template <tables::Shape shape>
+struct ValueOfShape {
+    static bool holds(const SDPAttr &attribute) { return shapeOf(attribute) == shape; }
+};
 
-inline AttributeValue attributeValueOf(const SDPAttr &attribute) {
-    const auto &value = attribute.unAttrValue;
-    const std::uint32_t type = attribute.ulAttrType;
-    switch (AttributeType{type}) {
-    case AttributeType::RtpMap: return rtpMapOf(value.stRtpMap);
-    case AttributeType::SendRecv:
-    case AttributeType::SendOnly:
-    case AttributeType::RecvOnly:
-    case AttributeType::Inactive: return Direction{type};
-    case AttributeType::PTime:
-    case AttributeType::MaxPTime:
-    case AttributeType::FrameRate:
-    case AttributeType::Quality:
-    case AttributeType::T38FaxVersion:
-    case AttributeType::T38MaxBitRate:
-    case AttributeType::T38FillBitRemoval:
-    case AttributeType::T38TranscodingMmr:
-    case AttributeType::T38TranscodingJbig:
-    case AttributeType::T38MaxBuffer:
-    case AttributeType::T38MaxDatagram: return std::uint32_t{value.ulValue};
-    case AttributeType::Fmtp: return fmtpOf(viewOf(value.strValue));
-    case AttributeType::Cat:
-    case AttributeType::Keywds:
-    case AttributeType::Tool:
-    case AttributeType::Orient:
-    case AttributeType::Type:
-    case AttributeType::Charset:
-    case AttributeType::SdpLang:
-    case AttributeType::Lang:
-    case AttributeType::OtherValue: return viewOf(value.strValue);
-    case AttributeType::T38RateManagement: return T38RateManagement{value.ulValue};
-    case AttributeType::T38UdpEc: return T38ErrorCorrection{value.ulValue};
-    case AttributeType::SilenceSupp:
-        return SilenceSupp{value.stSilenceSupp.bOn != 0,
-                           withoutBlank(viewOf(value.stSilenceSupp.strParams))};
-    case AttributeType::Ecan:
-        return Ecan{EcanDirection{value.stEcan.enEcanDir}, value.stEcan.bOn != 0,
-                    withoutBlank(viewOf(value.stEcan.strParams))};
-    case AttributeType::Des:
-    case AttributeType::Curr:
-    case AttributeType::Conf: return preconditionOf(type, value.stRsrcMgmtStatus);
-    case AttributeType::IpBcp:
-        return IpBcp{value.stIpBcp.ucVersion, IpBcpType{value.stIpBcp.ucType}};
-    case AttributeType::Setup: return SetupRole{value.enT120Mode};
-    case AttributeType::Fax:
-    case AttributeType::Modem:
-    case AttributeType::XFax:
-    case AttributeType::XModem:
-    case AttributeType::OtherFlag: break;
+template <AttributeType type>
+struct ValueOfType {
+    static bool holds(const SDPAttr &attribute) {
+        return attribute.ulAttrType == static_cast<std::uint32_t>(type);
     }
-    return std::monostate();
-}
+};
+
+template <>
+struct ValueIn<std::monostate> {
+    static bool holds(const SDPAttr &attribute) {
+        const tables::Shape shape = shapeOf(attribute);
+        return shape == tables::Shape::None || shape == tables::Shape::Flag ||
+               shape == tables::Shape::NameOnly;
+    }
+    static std::monostate read(const SDPAttr &) { return {}; }
+};
+
+template <>
+struct ValueIn<Direction> : ValueOfShape<tables::Shape::Direction> {
+    static Direction read(const SDPAttr &attribute) { return Direction{attribute.ulAttrType}; }
+};
+
+template <>
+struct ValueIn<std::uint32_t> {
+    static bool holds(const SDPAttr &attribute) {
+        const tables::Shape shape = shapeOf(attribute);
+        return shape == tables::Shape::Number || shape == tables::Shape::Decimal ||
+               shape == tables::Shape::Switch;
+    }
+    static std::uint32_t read(const SDPAttr &attribute) { return attribute.unAttrValue.ulValue; }
+};
+
+template <>
+struct ValueIn<Fmtp> : ValueOfType<AttributeType::Fmtp> {
+    static Fmtp read(const SDPAttr &attribute) {
+        const std::string_view text = viewOf(attribute.unAttrValue.strValue);
+        const std::size_t end = text.find(' ');
+        return end != std::string_view::npos ? Fmtp{text.substr(0, end), text.substr(end + 1)}
+                                             : Fmtp{text, {}};
+    }
+};
+
+template <>
+struct ValueIn<std::string_view> {
+    static bool holds(const SDPAttr &attribute) {
+        const tables::Shape shape = shapeOf(attribute);
+        return shape == tables::Shape::NamedText ||
+               (shape == tables::Shape::Text && !ValueIn<Fmtp>::holds(attribute));
+    }
+    static std::string_view read(const SDPAttr &attribute) {
+        return viewOf(attribute.unAttrValue.strValue);
+    }
+};
+
+template <>
+struct ValueIn<RtpMap> : ValueOfShape<tables::Shape::RtpMap> {
+    static RtpMap read(const SDPAttr &attribute) {
+        const SDPRtpMapAttr &map = attribute.unAttrValue.stRtpMap;
+        return {map.ulPayloadType, viewOf(map.strEncodingName), map.ulClockRate,
+                map.ulEncodingParams, map.ulEncodingId};
+    }
+};
+
+template <>
+struct ValueIn<T38RateManagement> : ValueOfType<AttributeType::T38RateManagement> {
+    static T38RateManagement read(const SDPAttr &attribute) {
+        return T38RateManagement{attribute.unAttrValue.ulValue};
+    }
+};
+
+template <>
+struct ValueIn<T38ErrorCorrection> : ValueOfType<AttributeType::T38UdpEc> {
+    static T38ErrorCorrection read(const SDPAttr &attribute) {
+        return T38ErrorCorrection{attribute.unAttrValue.ulValue};
+    }
+};
+
+template <>
+struct ValueIn<SilenceSupp> : ValueOfShape<tables::Shape::SilenceSupp> {
+    static SilenceSupp read(const SDPAttr &attribute) {
+        const SDPSilenceSuppression &silence = attribute.unAttrValue.stSilenceSupp;
+        return {silence.bOn != 0, withoutBlank(viewOf(silence.strParams))};
+    }
+};
+
+template <>
+struct ValueIn<Ecan> : ValueOfShape<tables::Shape::Ecan> {
+    static Ecan read(const SDPAttr &attribute) {
+        const SDPEcan &ecan = attribute.unAttrValue.stEcan;
+        return {EcanDirection{ecan.enEcanDir}, ecan.bOn != 0, withoutBlank(viewOf(ecan.strParams))};
+    }
+};
+
+template <>
+struct ValueIn<Precondition> : ValueOfShape<tables::Shape::Precondition> {
+    static Precondition read(const SDPAttr &attribute) {
+        const SDPRsrcMgmtStatus &status = attribute.unAttrValue.stRsrcMgmtStatus;
+        const SDPPreconditionS &type = status.stPrecondition;
+        return {StatusLine{attribute.ulAttrType},
+                Keyword<PreconditionType>::of(PreconditionType{type.enPreconditionType},
+                                              viewOf(type.pstrOtherPrecondition)),
+                StatusType{status.enStatusType}, Flow{status.enDirTag},
+                Strength{status.enStrengthTag}};
+    }
+};
+
+template <>
+struct ValueIn<IpBcp> : ValueOfShape<tables::Shape::IpBcp> {
+    static IpBcp read(const SDPAttr &attribute) {
+        const SDPIpBcp &ipBcp = attribute.unAttrValue.stIpBcp;
+        return {ipBcp.ucVersion, IpBcpType{ipBcp.ucType}};
+    }
+};
+
+template <>
+struct ValueIn<SetupRole> : ValueOfType<AttributeType::Setup> {
+    static SetupRole read(const SDPAttr &attribute) {
+        return SetupRole{attribute.unAttrValue.enT120Mode};
+    }
+};
+
+/* The alternatives of AttributeValue, one after the other; no attribute holds two of them. */
+template <class... Values>
+struct ValuesOfAttribute {
+    static AttributeValue read(const SDPAttr &attribute) {
+        AttributeValue value;
+        static_cast<void>(((ValueIn<Values>::holds(attribute) &&
+                            (value.emplace<Values>(ValueIn<Values>::read(attribute)), true)) ||
+                           ...));
+        return value;
+    }
+
+    static bool same(const SDPAttr &one, const SDPAttr &two) {
+        return ((ValueIn<Values>::holds(one) && ValueIn<Values>::holds(two) &&
+                 ValueIn<Values>::read(one) == ValueIn<Values>::read(two)) ||
+                ...);
+    }
+
+    explicit ValuesOfAttribute(std::variant<Values...> *) {}
+};
+
+using AnyValue = decltype(ValuesOfAttribute(static_cast<AttributeValue *>(nullptr)));
 
 } // namespace internal
 
@@ -130,32 +217,18 @@ public:
         return other ? internal::viewOf(record_->pstAttrName) : wordOf(type());
     }
 
-    AttributeValue value() const { return internal::attributeValueOf(*record_); }
+    AttributeValue value() const { return internal::AnyValue::read(*record_); }
 
     /* The value when it is a T, one of the alternatives of AttributeValue. */
     template <class T>
     std::optional<T> as() const {
-        const AttributeValue held = value();
-        const T *const found = std::get_if<T>(&held);
-        return found != nullptr ? std::optional<T>(*found) : std::nullopt;
+        using Value = internal::ValueIn<T>;
+        return Value::holds(*record_) ? std::optional<T>(Value::read(*record_)) : std::nullopt;
     }
 
-    /* The line behind "a=", as the encoder writes it: "ptime:20". */
+    /* The line after "a=", as the encoder writes it: "ptime:20". */
     Result<std::string> text() const {
-        std::uint32_t prefix = 0;
-        SipRefString *line = nullptr;
-        if (const SDPResult code = SdpLibEncodeSdpLine(&prefix, SDP_LINE_ATTRIBUTE,
-                                                       const_cast<SDPAttr *>(record_), &line)) {
-            return internal::libraryError(code);
-        }
-        std::string_view written(SipSmGetDataFromRefString(line), SipSmGetLenFromRefString(line));
-        const std::string_view lineEnd = internal::viewOf(SdpGetCrlfString(0));
-        if (written.ends_with(lineEnd)) {
-            written.remove_suffix(lineEnd.size());
-        }
-        std::string text(written);
-        SipSmReleaseRefString(line);
-        return text;
+        return internal::lineText(SDP_LINE_ATTRIBUTE, const_cast<SDPAttr *>(record_));
     }
 
     const SDPAttr *record() const { return record_; }
@@ -177,7 +250,7 @@ struct MakeAttribute {
 
 /* The values of type T of a list of attributes, in their order: a forward range. */
 template <class T>
-class ValuesOf : public std::ranges::view_base {
+class ValuesOf : public internal::RangeOfBody {
     using Lines = ListView<SDPAttrList, internal::MakeAttribute>;
 
 public:
@@ -240,7 +313,7 @@ private:
 
 /*
  * The a= lines of a session or of a media description: a range of Attribute with random access,
- * and questions about the first line that answers them.
+ * and the values of the first line that has one.
  *
  *     for (const sdpline::RtpMap map : attributes.each<sdpline::RtpMap>()) ...
  *     const auto ptime = attributes.number(sdpline::AttributeType::PTime).value_or(20);
@@ -288,8 +361,8 @@ public:
     std::optional<SetupRole> setup() const { return first<SetupRole>(); }
 
     std::optional<RtpMap> rtpMap(std::uint32_t payload) const {
-        for (const RtpMap map : each<RtpMap>()) {
-            if (map.payload == payload) {
+        for (const Attribute one : *this) {
+            if (const auto map = one.as<RtpMap>(); map && map->payload == payload) {
                 return map;
             }
         }
@@ -297,12 +370,18 @@ public:
     }
 
     std::optional<Fmtp> fmtp(std::uint32_t payload) const {
-        for (const Fmtp fmtp : each<Fmtp>()) {
-            if (fmtp.payload() == payload) {
+        for (const Attribute one : *this) {
+            if (const auto fmtp = one.as<Fmtp>(); fmtp && fmtp->payload() == payload) {
                 return fmtp;
             }
         }
         return std::nullopt;
+    }
+
+    /* What a payload number means: its a=rtpmap line, or else what RFC 3551 says of it. */
+    std::optional<RtpMap> encoding(std::uint32_t payload) const {
+        const auto map = rtpMap(payload);
+        return map ? map : staticEncoding(payload);
     }
 
     ValuesOf<Precondition> preconditions() const { return each<Precondition>(); }
@@ -354,10 +433,5 @@ inline std::optional<T38> Attributes::t38() const {
 
 } // namespace v1
 } // namespace sdpline
-
-template <class T>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::ValuesOf<T>> = true;
-template <>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::Attributes> = true;
 
 #endif

@@ -10,8 +10,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "sdpline/cpp/attributes.hpp"
 #include "sdpline/cpp/detail/decode.hpp"
@@ -22,7 +23,7 @@ namespace sdpline {
 inline namespace v1 {
 
 /*
- * The a= lines of a session or of a media description. Everything that Attributes answers, and:
+ * The a= lines of a session or of a media description. Everything that Attributes gives, and:
  * lines are added at the end; a removed line's Attribute, and texts and values that came from it,
  * are dead; those of the other lines live on.
  */
@@ -37,45 +38,93 @@ public:
      * that needs no value: the directions, fax, modem, X-fax, X-modem and the three T.38 flags. */
     template <class Value>
     requires requires(internal::Draft draft, const Value &value) { draft.fill(value); }
-    Status add(const Value &value) { return addDraft(value); }
+    Status add(const Value &value) { return put(kAtEnd, value); }
 
     /* ptime, maxptime, framerate, quality, a T.38 number or flag. A flag of 0 is a line that the
      * encoder leaves out, unless SDP_T38_STYLE_VALUE is set. */
-    Status add(AttributeType type, std::uint32_t number) { return addDraft(type, number); }
+    Status add(AttributeType type, std::uint32_t number) { return put(kAtEnd, type, number); }
 
     /* fmtp, cat, keywds, tool, orient, type, charset, sdplang or lang. */
-    Status add(AttributeType type, std::string_view text) { return addDraft(type, text); }
+    Status add(AttributeType type, std::string_view text) { return put(kAtEnd, type, text); }
 
-    /* Any line by its text behind "a=", "ptime:20" or "candidate:1 1 UDP ...", which is decoded:
+    /* Any line by its name and its value: "label", "main". A name that the library knows has its
+     * value decoded, as in "ptime", "20". */
+    Status add(std::string_view name, std::string_view value) { return put(kAtEnd, name, value); }
+
+    /* Any line by its text after "a=", "ptime:20" or "candidate:1 1 UDP ...", which is decoded:
      * what it becomes, and what is wrong with it and where, the library says. */
-    Status add(std::string_view text) {
-        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\na=", text);
-        if (!decoded) {
-            return decoded.error();
-        }
-        return append({(*decoded)->pstAttrList->ppstAttrs[0], 1});
-    }
+    Status add(std::string_view text) { return put(kAtEnd, text); }
 
     /* A copy of a line, of whatever body. */
-    Status add(const Attribute &attribute) { return append({attribute.record(), 1}); }
+    Status add(const Attribute &attribute) { return put(kAtEnd, attribute); }
 
-    /* One line of the type in place of all of them: where the first one stood, else at the end. */
+    /* Copies of the lines of a list, of whatever body, for which wanted(Attribute) holds, in their
+     * order; all of them or none. wanted must not change the body. */
+    template <class Wanted>
+    Status addAll(const Attributes &lines, Wanted wanted) {
+        Status status = home_.insertItems(Attributes(home_.get()).size(), lines.size(),
+                                          [&](internal::Copier &copier, SDPAttr **slots) {
+                                              std::size_t made = 0;
+                                              for (const Attribute line : lines) {
+                                                  if (wanted(line)) {
+                                                      slots[made++] = copier.clone(*line.record());
+                                                  }
+                                              }
+                                              return made;
+                                          });
+        lookAt(home_.get());
+        return status;
+    }
+    Status addAll(const Attributes &lines) {
+        return addAll(lines, [](const Attribute &) { return true; });
+    }
+
+    /* What add takes, before the line of that index. An index of size() adds it at the end, one
+     * beyond it ends the program. */
+    template <class Value>
+    requires requires(internal::Draft draft, const Value &value) { draft.fill(value); }
+    Status insert(std::size_t index, const Value &value) { return put(checked(index), value); }
+    Status insert(std::size_t index, AttributeType type, std::uint32_t number) {
+        return put(checked(index), type, number);
+    }
+    Status insert(std::size_t index, AttributeType type, std::string_view text) {
+        return put(checked(index), type, text);
+    }
+    Status insert(std::size_t index, std::string_view name, std::string_view value) {
+        return put(checked(index), name, value);
+    }
+    Status insert(std::size_t index, std::string_view text) { return put(checked(index), text); }
+    Status insert(std::size_t index, const Attribute &attribute) {
+        return put(checked(index), attribute);
+    }
+
+    /* One line of the type in place of all of them: where the first one was, else at the end. */
     Status set(AttributeType type, std::uint32_t number) {
-        return setDraft([type](AttributeType one) { return one == type; }, type, number);
+        return setDraft([type](const Attribute &one) { return one.type() == type; }, type, number);
     }
     Status set(AttributeType type, std::string_view text) {
-        return setDraft([type](AttributeType one) { return one == type; }, type, text);
+        return setDraft([type](const Attribute &one) { return one.type() == type; }, type, text);
+    }
+    /* The same by name and value, as add takes them. */
+    Status set(std::string_view name, std::string_view value) {
+        const auto isOld = [name](const Attribute &one) { return one.name() == name; };
+        if (!internal::isKnownName(name)) {
+            internal::Draft draft;
+            const auto error = draft.fillNamed(name, value);
+            return error ? Status(*error) : setRecord(isOld, draft.record);
+        }
+        auto decoded = decode(name, value);
+        return decoded ? setRecord(isOld, *(*decoded)->pstAttrList->ppstAttrs[0])
+                       : Status(decoded.error());
     }
     Status setSetup(SetupRole setup) {
-        return setDraft([](AttributeType one) { return one == AttributeType::Setup; }, setup);
+        return setDraft([](const Attribute &one) { return one.type() == AttributeType::Setup; },
+                        setup);
     }
     /* In place of every direction. */
     Status setDirection(Direction direction) {
-        return setDraft(
-            [](AttributeType one) {
-                return one >= AttributeType::SendRecv && one <= AttributeType::Inactive;
-            },
-            direction);
+        return setDraft([](const Attribute &one) { return one.as<Direction>().has_value(); },
+                        direction);
     }
 
     /* The T.38 attributes that `all` has, at the end, in place of all those there are. */
@@ -92,61 +141,99 @@ public:
     std::size_t removeAll(std::string_view name) {
         return removeIf([name](const Attribute &one) { return one.name() == name; });
     }
-    /* Every line for which unwanted(Attribute) holds; answers how many. All lines are asked about,
+    /* Every line for which unwanted(Attribute) holds; returns how many. All lines are asked about,
      * in order, before the first one goes; unwanted must not change the body. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
-        return home_.eraseIf([&](const SDPAttr *one) { return unwanted(Attribute(one)); },
-                             discard());
+        return home_.eraseIf([&](const SDPAttr *one) { return unwanted(Attribute(one)); });
     }
     std::size_t clear() {
         return removeIf([](const Attribute &) { return true; });
     }
 
 private:
-    internal::FreeLine discard() const { return {home_.memory(), SDP_LINE_ATTRIBUTE}; }
+    static constexpr std::size_t kAtEnd = static_cast<std::size_t>(-1);
 
-    Status append(std::span<const SDPAttr> sources) {
-        const auto clone = [&](std::size_t n) {
-            return home_.memory().clone(SDP_LINE_ATTRIBUTE, sources[n]);
-        };
-        Status status = home_.append(sources.size(), clone, discard());
+    /* ---- A new line before the one at an index ---- */
+
+    std::size_t checked(std::size_t index) const {
+        internal::insist(index <= Attributes(home_.get()).size());
+        return index;
+    }
+
+    Status putRecord(std::size_t index, const SDPAttr &record) {
+        const std::size_t at = index != kAtEnd ? index : Attributes(home_.get()).size();
+        Status status = home_.insertItems(at, 1, internal::CloneOf(record));
         lookAt(home_.get());
         return status;
     }
 
     template <class... Values>
-    Status addDraft(const Values &...values) {
+    requires requires(internal::Draft draft, const Values &...values) { draft.fill(values...); }
+    Status put(std::size_t index, const Values &...values) {
         internal::Draft draft;
-        if (const auto error = draft.fill(values...)) {
-            return *error;
-        }
-        return append({&draft.record, 1});
+        const auto error = draft.fill(values...);
+        return error ? Status(*error) : putRecord(index, draft.record);
     }
+
+    Status put(std::size_t index, const Attribute &attribute) {
+        return putRecord(index, *attribute.record());
+    }
+
+    Status put(std::size_t index, std::string_view text) {
+        return putDecoded(index, internal::decodeLine(kBeforeText, text));
+    }
+
+    Status put(std::size_t index, std::string_view name, std::string_view value) {
+        if (internal::isKnownName(name)) {
+            return putDecoded(index, decode(name, value));
+        }
+        internal::Draft draft;
+        const auto error = draft.fillNamed(name, value);
+        return error ? Status(*error) : putRecord(index, draft.record);
+    }
+
+    Status putDecoded(std::size_t index, const Result<internal::BodyHandle> &decoded) {
+        return decoded ? putRecord(index, *(*decoded)->pstAttrList->ppstAttrs[0])
+                       : Status(decoded.error());
+    }
+
+    /* ---- A line in place of others ---- */
 
     template <class IsOld, class... Values>
     Status setDraft(IsOld isOld, const Values &...values) {
         internal::Draft draft;
-        if (const auto error = draft.fill(values...)) {
-            return *error;
-        }
+        const auto error = draft.fill(values...);
+        return error ? Status(*error) : setRecord(isOld, draft.record);
+    }
+
+    template <class IsOld>
+    Status setRecord(IsOld isOld, const SDPAttr &record) {
         lookAt(home_.get());
         std::size_t at = 0;
-        while (at < size() && !isOld((*this)[at].type())) {
+        while (at < size() && !isOld((*this)[at])) {
             ++at;
         }
         if (at == size()) {
-            return append({&draft.record, 1});
+            return putRecord(at, record);
         }
-        auto made = home_.memory().clone(SDP_LINE_ATTRIBUTE, draft.record);
-        if (!made) {
-            return made.error();
+        internal::Copier copier(home_.memory());
+        SDPAttr *const made = copier.cloneWhole(record);
+        if (made == nullptr) {
+            return copier.error();
         }
+        const SDPAttr *const first = (*this)[at].record();
+        removeIf([&](const Attribute &one) { return one.record() != first && isOld(one); });
         SDPAttr *&slot = home_.get()->ppstAttrs[at];
-        home_.memory().free(SDP_LINE_ATTRIBUTE, slot);
-        slot = *made;
-        removeIf([&](const Attribute &one) { return isOld(one.type()) && one.record() != *made; });
+        home_.memory().free(std::exchange(slot, made));
         return {};
+    }
+
+    static constexpr std::string_view kBeforeText = "v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\na=";
+
+    static Result<internal::BodyHandle> decode(std::string_view name, std::string_view value) {
+        std::string text(name);
+        return internal::decodeLine(kBeforeText, text.append(1, ':').append(value));
     }
 
     Home home_;
@@ -188,11 +275,18 @@ inline Status AttributesEditor::setT38(const T38 &all) {
 
     lookAt(home_.get());
     std::size_t old = size();
+    const auto clone = [&](internal::Copier &copier, SDPAttr **slots) {
+        for (std::size_t i = 0; i < count; ++i) {
+            slots[i] = copier.clone(lines[i]);
+        }
+        return count;
+    };
     if (count != 0) {
-        if (Status added = append({lines.data(), count}); !added) {
+        if (Status added = home_.insertItems(old, count, clone); !added) {
             return added;
         }
     }
+    lookAt(home_.get());
     removeIf([&](const Attribute &one) {
         const bool present = old != 0;
         old -= present ? 1 : 0;
@@ -203,8 +297,5 @@ inline Status AttributesEditor::setT38(const T38 &all) {
 
 } // namespace v1
 } // namespace sdpline
-
-template <>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::AttributesEditor> = true;
 
 #endif

@@ -6,9 +6,9 @@
 #ifndef SDPLINE_CPP_EDITORS_HPP
 #define SDPLINE_CPP_EDITORS_HPP
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -21,73 +21,116 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* The e=, p= or b= lines. Everything that Texts answers, and: */
+/* The e=, p= or b= lines. Everything that Texts gives, and: */
 class TextsEditor : public Texts {
     using Home = internal::ListHome<SDPStringList>;
 
 public:
-    TextsEditor(Home home, std::uint32_t lineType)
-        : Texts(home.get()), home_(home), lineType_(lineType) {}
+    explicit TextsEditor(Home home) : Texts(home.get()), home_(home) {}
 
     /* Adds a line at the end. */
-    Status add(std::string_view text) {
+    Status add(std::string_view text) { return insert(Texts(home_.get()).size(), text); }
+
+    /* Adds a line before the one of that index; an index of size() adds it at the end, one beyond
+     * it ends the program. */
+    Status insert(std::size_t index, std::string_view text) {
+        internal::insist(index <= Texts(home_.get()).size());
         if (const auto error = internal::refusedText(text)) {
             return *error;
         }
         const SipString source = internal::lent(text);
-        Status status = home_.append(
-            1, [&](std::size_t) { return home_.memory().clone(lineType_, source); }, discard());
+        Status status = home_.insertItems(index, 1, internal::CloneOf(source));
         lookAt(home_.get());
         return status;
     }
 
-    /* Every line whose text unwanted(std::string_view) picks; answers how many. */
+    /* Every line whose text unwanted(std::string_view) picks; returns how many. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
-        return home_.eraseIf([&](const SipString *one) { return unwanted(internal::viewOf(one)); },
-                             discard());
+        return home_.eraseIf([&](const SipString *one) { return unwanted(internal::viewOf(one)); });
     }
     std::size_t clear() {
         return removeIf([](std::string_view) { return true; });
     }
 
 private:
-    internal::FreeLine discard() const { return {home_.memory(), lineType_}; }
-
     Home home_;
-    std::uint32_t lineType_;
 };
 
-/* The t= lines. Everything that Times answers, and: */
-class TimesEditor : public Times {
+/* One t= line. Everything that Time gives, and: */
+class TimeEditor : public Time {
 public:
-    TimesEditor(internal::Memory memory, SDPTimeSet *set)
-        : Times(set), memory_(memory), set_(set) {}
+    TimeEditor(internal::Memory memory, SDPTimeField *record)
+        : Time(record), memory_(memory), record_(record) {}
 
-    /* Adds a line at the end, in NTP seconds. Without any, "t=0 0" is written; of several, the
-     * encoder writes the first one only. */
-    Status add(std::uint32_t start, std::uint32_t stop) {
-        const SDPTimeField source = {start, stop, nullptr};
-        return internal::append(
-            memory_, *set_, 1, [&](std::size_t) { return memory_.clone(SDP_LINE_TIME, source); },
-            discard());
+    /* In NTP seconds. */
+    void set(std::uint32_t start, std::uint32_t stop) const {
+        record_->ulStartTime = start;
+        record_->ulStopTime = stop;
     }
 
-    /* Removes all, with their r= lines; answers how many. */
+    /* Adds an r= line at the end of those of this t= line (RFC 4566 section 5.10): the repeat
+     * interval, the active duration and one or more offsets from the start, in this order:
+     *
+     *     using sdpline::TimeUnit;
+     *     time.addRepeat({{7, TimeUnit::Days}, {1, TimeUnit::Hours}, {0}, {25, TimeUnit::Hours}});
+     */
+    Status addRepeat(std::span<const TypedTime> times) const {
+        return internal::addRepeat(memory_, *record_, times);
+    }
+    Status addRepeat(std::initializer_list<TypedTime> times) const {
+        return addRepeat(std::span(times.begin(), times.size()));
+    }
+
+    /* Removes all r= lines; returns how many. */
+    std::size_t clearRepeats() const {
+        using internal::Slot;
+        const Slot<SDPRepeatFieldSet> slot(record_, offsetof(SDPTimeField, pstRepeatFieldSet));
+        return internal::ListHome<SDPRepeatFieldSet>(memory_, slot)
+            .eraseIf([](const SDPRepeatField *) { return true; });
+    }
+
+    SDPTimeField *record() const { return record_; }
+
+private:
+    internal::Memory memory_;
+    SDPTimeField *record_;
+};
+
+namespace internal {
+
+struct MakeTimeEditor {
+    Memory memory{};
+    TimeEditor operator()(SDPTimeField *time) const { return {memory, time}; }
+};
+
+} // namespace internal
+
+/* The t= lines: a range of TimeEditor with random access, and: */
+class TimesEditor : public ListView<SDPTimeSet, internal::MakeTimeEditor> {
+public:
+    TimesEditor(internal::Memory memory, SDPTimeSet *set)
+        : ListView(set, {memory}), memory_(memory), set_(set) {}
+
+    /* Adds a line at the end, in NTP seconds. Without any, "t=0 0" is written; of several, the
+     * encoder writes the first one only, with its r= lines. */
+    Status add(std::uint32_t start, std::uint32_t stop) {
+        const SDPTimeField source = {start, stop, nullptr};
+        return internal::insertItems(memory_, *set_, size(), 1, internal::CloneOf(source));
+    }
+
+    /* Removes all, with their r= lines; returns how many. */
     std::size_t clear() {
-        return internal::eraseIf(
-            memory_, *set_, [](const SDPTimeField *) { return true; }, discard());
+        return internal::eraseIf(memory_, *set_, [](const SDPTimeField *) { return true; });
     }
 
 private:
-    internal::FreeLine discard() const { return {memory_, SDP_LINE_TIME}; }
-
     internal::Memory memory_;
     SDPTimeSet *set_;
 };
 
 /*
- * One media description. Everything that Media answers, and: each operation changes one line, all
+ * One media description. Everything that Media gives, and: each operation changes one line, all
  * of it or, when it fails, nothing. An editor is a reference: copies change the same lines.
  */
 class MediaEditor : public Media {
@@ -104,7 +147,7 @@ public:
         if (const auto error = draft.fill(line)) {
             return *error;
         }
-        return memory_.replace(SDP_LINE_MEDIA, draft.record, record_->stMediaField);
+        return internal::replace(memory_, draft.record, record_->stMediaField);
     }
 
     /* Parts of it. What does not go with the rest of the line is refused: port 0 must be set
@@ -117,40 +160,60 @@ public:
             return *error;
         }
         record_->stMediaField.ulPort = port;
-        record_->stMediaField.ulNoOfPorts = std::max(portCount, std::uint32_t{1});
+        record_->stMediaField.ulNoOfPorts = portCount > 1 ? portCount : 1;
         return {};
     }
     Status setPayloads(std::span<const std::uint32_t> payloads) const {
         MediaLine line = this->line();
+        const bool had = line.format == Format::Payloads;
         line.format = Format::Payloads;
         line.payloads = payloads;
-        return setLine(line);
+        if (!had) {
+            return setLine(line);
+        }
+        if (const auto error = internal::refusedLine(line)) {
+            return *error;
+        }
+        internal::Copier copier(memory_);
+        const SDPRtpPayLoads fresh = copier.payloads(internal::recordOf(payloads));
+        if (!copier.ok()) {
+            return copier.error();
+        }
+        SDPRtpPayLoads &present = record_->stMediaField.stMediaFmt.unMediaFmt.stRtpPayLoads;
+        memory_.release(present.pulPayLoads);
+        present = fresh;
+        return {};
+    }
+    Status setPayloads(std::initializer_list<std::uint32_t> payloads) const {
+        return setPayloads(std::span(payloads.begin(), payloads.size()));
     }
 
     Status setInfo(std::string_view text) const {
-        return internal::setText(memory_, infoSlot(), SDP_LINE_INFO, text);
+        return internal::setText(memory_, infoSlot(), text);
     }
-    void removeInfo() const { internal::removeLine(memory_, infoSlot(), SDP_LINE_INFO); }
+    void removeInfo() const { internal::removeLine(memory_, infoSlot()); }
 
     Status setConnection(const Connection &connection) const {
         return internal::setConnection(memory_, connectionSlot(), connection);
     }
-    /* By its text behind "c=", "IN IP4 192.0.2.1", which is decoded. */
+    /* An address alone: "IN IP4" or "IN IP6" and no more. */
+    Status setConnection(const Address &address) const {
+        return setConnection(Connection{.address = address});
+    }
+    /* By its text after "c=", "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) const {
         return internal::setConnection(memory_, connectionSlot(), text);
     }
-    void removeConnection() const {
-        internal::removeLine(memory_, connectionSlot(), SDP_LINE_CONNECTION);
-    }
+    void removeConnection() const { internal::removeLine(memory_, connectionSlot()); }
 
     Status setKey(std::string_view text) const {
         return internal::setKey(memory_, keySlot(), text);
     }
-    void removeKey() const { internal::removeLine(memory_, keySlot(), SDP_LINE_KEY); }
+    void removeKey() const { internal::removeLine(memory_, keySlot()); }
 
     TextsEditor bandwidths() const {
         const Slot<SDPStringList> slot(record_, offsetof(SDPMediaDesc, pstBandwidthList));
-        return TextsEditor({memory_, slot}, SDP_LINE_BANDWIDTH);
+        return TextsEditor({memory_, slot});
     }
 
     AttributesEditor attributes() const {
@@ -161,26 +224,11 @@ public:
     SDPMediaDesc *record() const { return record_; }
 
 private:
-    friend class MediaListEditor;
-
     Slot<SipString> infoSlot() const { return {record_, offsetof(SDPMediaDesc, pstrMediaInfo)}; }
     Slot<SDPConnection> connectionSlot() const {
         return {record_, offsetof(SDPMediaDesc, pstConnection)};
     }
     Slot<SDPKey> keySlot() const { return {record_, offsetof(SDPMediaDesc, pstKey)}; }
-
-    /* Gives everything back, the record too. */
-    void discard() const {
-        removeInfo();
-        removeConnection();
-        removeKey();
-        bandwidths().clear();
-        memory_.release(record_->pstBandwidthList);
-        attributes().clear();
-        memory_.release(record_->pstAttrList);
-        SdpClearLine(memory_.control(), SDP_LINE_MEDIA, &record_->stMediaField);
-        memory_.release(record_);
-    }
 
     internal::Memory memory_;
     SDPMediaDesc *record_;
@@ -202,56 +250,98 @@ public:
         : ListView(set, {memory}), memory_(memory), set_(set) {}
 
     /* Adds a media description that has only its m= line, at the end, and gives it to be filled. */
-    Result<MediaEditor> add(const MediaLine &line) {
-        internal::MediaDraft draft;
-        if (const auto error = draft.fill(line)) {
-            return *error;
-        }
-        return append(draft.record);
+    Result<MediaEditor> add(const MediaLine &line) { return put(size(), line); }
+    /* The same by the text after "m=", "audio 49170 RTP/AVP 0 8", which is decoded. */
+    Result<MediaEditor> add(std::string_view text) { return put(size(), text); }
+    /* A copy of a whole media description, of whatever body. */
+    Result<MediaEditor> add(const Media &media) { return put(size(), media); }
+    /* The same with those of its a= lines for which wanted(Attribute) holds. */
+    template <class Wanted>
+    Result<MediaEditor> add(const Media &media, Wanted wanted) {
+        return put(size(), media, wanted);
     }
-    /* The same by the text behind "m=", "audio 49170 RTP/AVP 0 8", which is decoded. */
-    Result<MediaEditor> add(std::string_view text) {
-        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nm=", text);
-        if (!decoded) {
-            return decoded.error();
-        }
-        return append((*decoded)->stMediaSet.ppstMediaDescs[0]->stMediaField);
+
+    /* What add takes, before the media description of that index. An index of size() adds it at
+     * the end, one beyond it ends the program. */
+    Result<MediaEditor> insert(std::size_t index, const MediaLine &line) {
+        return put(checked(index), line);
+    }
+    Result<MediaEditor> insert(std::size_t index, std::string_view text) {
+        return put(checked(index), text);
+    }
+    Result<MediaEditor> insert(std::size_t index, const Media &media) {
+        return put(checked(index), media);
+    }
+    template <class Wanted>
+    Result<MediaEditor> insert(std::size_t index, const Media &media, Wanted wanted) {
+        return put(checked(index), media, wanted);
     }
 
     /* With all its lines. False when it is no media description of this body. */
     bool remove(const Media &media) {
         return removeIf([&](const Media &one) { return one == media; }) != 0;
     }
-    /* Every one that unwanted(Media) picks; answers how many. */
+    /* Every one that unwanted(Media) picks; returns how many. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
-        return internal::eraseIf(
-            memory_, *set_, [&](const SDPMediaDesc *one) { return unwanted(Media(one)); },
-            [this](SDPMediaDesc *one) { MediaEditor(memory_, one).discard(); });
+        return internal::eraseIf(memory_, *set_,
+                                 [&](const SDPMediaDesc *one) { return unwanted(Media(one)); });
     }
     std::size_t clear() {
         return removeIf([](const Media &) { return true; });
     }
 
 private:
-    Result<MediaEditor> append(const SDPMediaField &field) {
-        const auto make = [&](std::size_t) -> Result<SDPMediaDesc *> {
-            auto *const media = memory_.allocate<SDPMediaDesc>();
-            if (media == nullptr) {
-                return internal::noMemory();
-            }
-            if (Status copied = memory_.replace(SDP_LINE_MEDIA, field, media->stMediaField);
-                !copied) {
-                memory_.release(media);
-                return copied.error();
-            }
-            return media;
-        };
-        const auto discard = [this](SDPMediaDesc *one) { MediaEditor(memory_, one).discard(); };
-        if (Status added = internal::append(memory_, *set_, 1, make, discard); !added) {
-            return added.error();
+    std::size_t checked(std::size_t index) const {
+        internal::insist(index <= size());
+        return index;
+    }
+
+    Result<MediaEditor> put(std::size_t index, const MediaLine &line) {
+        internal::MediaDraft draft;
+        if (const auto error = draft.fill(line)) {
+            return *error;
         }
-        return back();
+        return putLine(index, draft.record);
+    }
+
+    Result<MediaEditor> put(std::size_t index, std::string_view text) {
+        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nm=", text);
+        if (!decoded) {
+            return decoded.error();
+        }
+        return putLine(index, (*decoded)->stMediaSet.ppstMediaDescs[0]->stMediaField);
+    }
+
+    Result<MediaEditor> put(std::size_t index, const Media &media) {
+        return made(index, internal::insertItems(memory_, *set_, index, 1,
+                                                 internal::CloneOf(*media.record())));
+    }
+
+    template <class Wanted>
+    Result<MediaEditor> put(std::size_t index, const Media &media, Wanted wanted) {
+        const auto make = [&](internal::Copier &copier, SDPMediaDesc **slots) {
+            slots[0] = copier.make<SDPMediaDesc>([&](SDPMediaDesc &to) {
+                copier.fillAroundAttributes(*media.record(), to);
+                to.pstAttrList =
+                    copier.cloneSome(media.attributes().record(),
+                                     [&](const SDPAttr &one) { return wanted(Attribute(&one)); });
+            });
+            return std::size_t{1};
+        };
+        return made(index, internal::insertItems(memory_, *set_, index, 1, make));
+    }
+
+    Result<MediaEditor> putLine(std::size_t index, const SDPMediaField &field) {
+        const SDPMediaDesc source = {field, nullptr, nullptr, nullptr, nullptr, nullptr};
+        return put(index, Media(&source));
+    }
+
+    Result<MediaEditor> made(std::size_t index, const Status &status) const {
+        if (!status) {
+            return status.error();
+        }
+        return (*this)[index];
     }
 
     internal::Memory memory_;
@@ -260,12 +350,5 @@ private:
 
 } // namespace v1
 } // namespace sdpline
-
-template <>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::TextsEditor> = true;
-template <>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::TimesEditor> = true;
-template <>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::MediaListEditor> = true;
 
 #endif

@@ -9,9 +9,11 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
-#include <ranges>
+#include <optional>
+#include <span> /* declares what makes a type a view, without the rest of <ranges> */
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 #include "sdpline/cpp/result.hpp"
 #include "sdpline/sdprecords.h"
@@ -20,6 +22,12 @@ namespace sdpline {
 inline namespace v1 {
 
 namespace internal {
+
+/* Ranges that own nothing are views, and their iterators do without them. */
+struct RangeOfBody {};
+
+template <class Range>
+concept OwnsNothing = std::is_base_of_v<RangeOfBody, Range>;
 
 /* The text of a record; empty for a null pointer. */
 inline std::string_view viewOf(const SipString &text) {
@@ -77,6 +85,10 @@ struct ListOf<SDPRepeatFieldSet> {
     using Item = SDPRepeatField;
     static Item **items(const SDPRepeatFieldSet &list) { return list.ppstRepeatFields; }
     static std::uint32_t count(const SDPRepeatFieldSet &list) { return list.ulNoOfRepeatFields; }
+    static void set(SDPRepeatFieldSet &list, Item **items, std::uint32_t count) {
+        list.ulNoOfRepeatFields = count;
+        list.ppstRepeatFields = items;
+    }
 };
 
 template <>
@@ -84,6 +96,10 @@ struct ListOf<SDPRepeatField> {
     using Item = SDPTimeUnit;
     static Item **items(const SDPRepeatField &list) { return list.ppstTimeUnits; }
     static std::uint32_t count(const SDPRepeatField &list) { return list.ulNoOfTimeUnits; }
+    static void set(SDPRepeatField &list, Item **items, std::uint32_t count) {
+        list.ulNoOfTimeUnits = count;
+        list.ppstTimeUnits = items;
+    }
 };
 
 template <>
@@ -97,7 +113,7 @@ struct ListOf<SDPMediaSet> {
     }
 };
 
-/* What stands behind an iterator's ->: the item is made when it is asked for. */
+/* What an iterator's -> gives: the item, made when it is asked for. */
 template <class Value>
 struct Arrow {
     Value value;
@@ -110,12 +126,12 @@ struct Arrow {
  * A list of a body, looked at as a range with random access. Elements are small values (a text, a
  * number of pointers) that Make makes of the records.
  *
- * The range itself always answers for the list as it is now, an absent list being empty. Iterators
+ * The range itself is always that of the list as it is now, an absent list being empty. Iterators
  * hold on to the array: adding to the list or removing from it ends their life, as with
  * std::vector; the range may be gone before them.
  */
 template <class List, class Make>
-class ListView : public std::ranges::view_base {
+class ListView : public internal::RangeOfBody {
     using Fields = internal::ListOf<List>;
     using Item = typename Fields::Item;
 
@@ -214,8 +230,9 @@ using Texts = ListView<SDPStringList, internal::MakeText>;
 } // namespace v1
 } // namespace sdpline
 
-/* Iterators do without their range. */
-template <class List, class Make>
-inline constexpr bool std::ranges::enable_borrowed_range<sdpline::ListView<List, Make>> = true;
+template <sdpline::internal::OwnsNothing Range>
+inline constexpr bool std::ranges::enable_view<Range> = true;
+template <sdpline::internal::OwnsNothing Range>
+inline constexpr bool std::ranges::enable_borrowed_range<Range> = true;
 
 #endif

@@ -1,5 +1,5 @@
 /*
- * media.hpp: m= lines with what stands below them, and t= lines with theirs, to look at.
+ * media.hpp: m= and t= lines, each with the lines below it, to look at.
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
@@ -69,7 +69,7 @@ public:
     std::optional<std::string_view> info() const {
         return internal::optionalViewOf(record_->pstrMediaInfo);
     }
-    /* The media's own; Body::connectionOf falls back to the session's. */
+    /* That of the media alone; Body::connectionOf falls back to the session's. */
     std::optional<Connection> connection() const {
         return internal::connectionOf(record_->pstConnection);
     }

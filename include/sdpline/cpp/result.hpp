@@ -6,17 +6,17 @@
 #ifndef SDPLINE_CPP_RESULT_HPP
 #define SDPLINE_CPP_RESULT_HPP
 
-#include <algorithm>
-#include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <iosfwd>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
-#include <variant>
 
 #include "sdpline/sdpline.h"
 
@@ -25,7 +25,7 @@ inline namespace v1 {
 
 /* Who refused. */
 enum class Fault : std::uint8_t {
-    Library,  /* the C library, or a service under it: Error::code is its answer */
+    Library,  /* the C library, or a service that it calls: Error::code is its result */
     Argument, /* this API, before anything was touched: a value that no SDP text can carry */
     Memory,   /* the body's memory block is exhausted */
     Busy      /* a decode that the calling thread started inside a decode: in a log hook, or while
@@ -48,56 +48,80 @@ struct Error {
     std::string_view sentence; /* what was wrong, for people; never empty */
     std::string_view check;    /* name of the library's check that failed, or empty */
     std::string_view function; /* the operation that made the check, or empty */
-    std::string_view source;   /* the source file that it stands in, as log entries say, or empty */
+    std::string_view source;   /* its source file, as log entries name it, or empty */
+
+    /* "4:16", or nothing when no place is to blame. */
+    std::string place() const;
+
+    /* "4:16: the fourth octet is above 255": place and sentence, and nothing of the library. For
+     * whoever sent the text. */
+    std::string reason() const;
 
     /* "4:16: the fourth octet is above 255 (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)":
-     * the place when there is one, the sentence, and where it comes from when the library says. */
+     * the reason, and where it comes from when the library says. For logs. */
     std::string message() const;
+
+    /* The reason with its quotes, as the text of a SIP Warning header field (RFC 3261 section
+     * 20.43): "Warning: 399 gw.example.com " + error.warningText(). */
+    std::string warningText() const;
 };
+
+/* A text as a quoted-string of RFC 3261 section 25.1, in its quotes: quotes and backslashes
+ * escaped; line ends and other controls become blanks, and bytes outside ASCII question marks. */
+inline std::string quotedString(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+        }
+        quoted += byte >= 0x7F ? (byte == 0x7F ? ' ' : '?') : byte < ' ' ? ' ' : c;
+    }
+    return quoted += '"';
+}
 
 namespace internal {
 
 /* A broken precondition ends the program: going on would read foreign memory. */
 inline void insist(bool holds) {
-    if (!holds) {
+    if (!holds) [[unlikely]] {
         std::abort();
     }
 }
 
 inline void appendNumber(std::string &text, std::uint32_t value, int base = 10) {
-    std::array<char, 10> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, base).ptr;
-    const auto size = static_cast<std::size_t>(end - digits.data());
+    char digits[10];
+    char *const end = std::to_chars(digits, digits + sizeof digits, value, base).ptr;
+    const auto size = static_cast<std::size_t>(end - digits);
     if (base == 16) {
         text.append(8 - size, '0');
     }
-    text.append(digits.data(), size);
+    text.append(digits, size);
 }
 
-inline Error refusedArgument(std::string_view sentence) {
+/* Errors are made out of line and seldom. */
+[[gnu::cold]] inline Error errorOf(Fault fault, std::string_view sentence) {
     Error error;
-    error.fault = Fault::Argument;
+    error.fault = fault;
     error.sentence = sentence;
     return error;
 }
 
-inline Error noMemory() {
-    Error error;
-    error.fault = Fault::Memory;
-    error.sentence = "the body's memory block is exhausted";
-    return error;
+[[gnu::cold]] inline Error refusedArgument(std::string_view sentence) {
+    return errorOf(Fault::Argument, sentence);
 }
 
-inline Error busy() {
-    Error error;
-    error.fault = Fault::Busy;
-    error.sentence = "this thread is decoding already: a log hook must not decode";
-    return error;
+[[gnu::cold]] inline Error noMemory() {
+    return errorOf(Fault::Memory, "the body's memory block is exhausted");
+}
+
+[[gnu::cold]] inline Error busy() {
+    return errorOf(Fault::Busy, "this thread is decoding already: a log hook must not decode");
 }
 
 /* What the library says of one of its codes. Services of a stack have codes that it does not know:
  * they are passed up as they are. */
-inline Error libraryError(SDPResult code) {
+[[gnu::cold]] inline Error libraryError(SDPResult code) {
     SDPResultText text = {};
     const bool known = SdpLibDescribeResult(code, &text) == 0;
     Error error;
@@ -111,15 +135,24 @@ inline Error libraryError(SDPResult code) {
 
 } // namespace internal
 
-inline std::string Error::message() const {
+inline std::string Error::place() const {
     std::string text;
     if (line != 0) {
         internal::appendNumber(text, line);
         text += ':';
         internal::appendNumber(text, column);
-        text += ": ";
     }
-    text += sentence;
+    return text;
+}
+
+inline std::string Error::reason() const {
+    std::string text = place();
+    text += text.empty() ? "" : ": ";
+    return text += sentence;
+}
+
+inline std::string Error::message() const {
+    std::string text = reason();
     if (code != 0) {
         text += " (";
         if (!source.empty()) {
@@ -132,6 +165,10 @@ inline std::string Error::message() const {
     return text;
 }
 
+inline std::string Error::warningText() const {
+    return quotedString(reason());
+}
+
 /*
  * A value, or the reason why there is none. Ask before you take: value() and its operators on a
  * failed result, and error() on a successful one, end the program.
@@ -141,22 +178,41 @@ inline std::string Error::message() const {
  *     } else {
  *         log(body.error().message());
  *     }
+ *
+ * Or hand the value on; the first failure is what comes out:
+ *
+ *     sdpline::Result<std::string> again = sdpline::Body::decode(text).and_then(
+ *         [](const sdpline::Body &body) { return body.encode(); });
  */
 template <class Value>
 class [[nodiscard]] Result {
+    static constexpr bool kMovesQuietly = std::is_nothrow_move_constructible_v<Value>;
+
 public:
     using value_type = Value;
 
-    Result(Value value) : state_(std::in_place_index<0>, std::move(value)) {}
-    Result(Error error) : state_(std::in_place_index<1>, error) {}
+    Result(Value value) noexcept(kMovesQuietly) : ok_(true), value_(std::move(value)) {}
+    Result(const Error &error) noexcept : ok_(false), error_(error) {}
 
-    bool ok() const noexcept { return state_.index() == 0; }
-    explicit operator bool() const noexcept { return ok(); }
+    Result(Result &&other) noexcept(kMovesQuietly) : ok_(other.ok_) { fill(std::move(other)); }
+    Result(const Result &other) requires std::is_copy_constructible_v<Value> : ok_(other.ok_) {
+        fill(other);
+    }
+    Result &operator=(Result other) noexcept(kMovesQuietly) {
+        clear();
+        ok_ = other.ok_;
+        fill(std::move(other));
+        return *this;
+    }
+    ~Result() { clear(); }
 
-    Value &value() & { return *checked(std::get_if<0>(&state_)); }
-    const Value &value() const & { return *checked(std::get_if<0>(&state_)); }
-    Value &&value() && { return std::move(*checked(std::get_if<0>(&state_))); }
-    const Value &&value() const && { return std::move(*checked(std::get_if<0>(&state_))); }
+    bool ok() const noexcept { return ok_; }
+    explicit operator bool() const noexcept { return ok_; }
+
+    Value &value() & { return checked(), value_; }
+    const Value &value() const & { return checked(), value_; }
+    Value &&value() && { return checked(), std::move(value_); }
+    const Value &&value() const && { return checked(), std::move(value_); }
 
     Value &operator*() & { return value(); }
     const Value &operator*() const & { return value(); }
@@ -172,19 +228,70 @@ public:
     }
     const Value *operator->() const && = delete;
 
-    Value valueOr(Value other) && { return ok() ? std::move(*this).value() : std::move(other); }
+    /* The value, or the other one. */
+    Value value_or(Value other) const & { return ok_ ? value_ : std::move(other); }
+    Value value_or(Value other) && { return ok_ ? std::move(value_) : std::move(other); }
+    Value valueOr(Value other) && { return std::move(*this).value_or(std::move(other)); }
 
-    const Error &error() const & { return *checked(std::get_if<1>(&state_)); }
-    Error error() const && { return *checked(std::get_if<1>(&state_)); }
-
-private:
-    template <class Member>
-    static Member *checked(Member *member) {
-        internal::insist(member != nullptr);
-        return member;
+    /* What next(value) returns, a Result or Status, or this one's error. */
+    template <class Next>
+    auto and_then(Next next) const & -> std::invoke_result_t<Next, const Value &> {
+        if (!ok_) {
+            return error_;
+        }
+        return next(value_);
+    }
+    template <class Next>
+    auto and_then(Next next) && -> std::invoke_result_t<Next, Value &&> {
+        if (!ok_) {
+            return error_;
+        }
+        return next(std::move(value_));
     }
 
-    std::variant<Value, Error> state_;
+    /* A Result of what change(value) returns, or this one's error. */
+    template <class Change>
+    auto transform(Change change) const & -> Result<std::invoke_result_t<Change, const Value &>> {
+        if (!ok_) {
+            return error_;
+        }
+        return change(value_);
+    }
+    template <class Change>
+    auto transform(Change change) && -> Result<std::invoke_result_t<Change, Value &&>> {
+        if (!ok_) {
+            return error_;
+        }
+        return change(std::move(value_));
+    }
+
+    const Error &error() const & { return failed(), error_; }
+    Error error() const && { return failed(), error_; }
+
+private:
+    void checked() const { internal::insist(ok_); }
+    void failed() const { internal::insist(!ok_); }
+
+    template <class Other>
+    void fill(Other &&other) {
+        if (ok_) {
+            ::new (static_cast<void *>(&value_)) Value(std::forward<Other>(other).value_);
+        } else {
+            error_ = other.error_;
+        }
+    }
+
+    void clear() {
+        if (ok_) {
+            value_.~Value();
+        }
+    }
+
+    bool ok_;
+    union {
+        Value value_;
+        Error error_;
+    };
 };
 
 /* Success, or the reason why not. */
@@ -194,10 +301,19 @@ public:
     using value_type = void;
 
     Result() = default;
-    Result(Error error) : error_(error) {}
+    Result(const Error &error) : error_(error) {}
 
     bool ok() const noexcept { return !error_.has_value(); }
     explicit operator bool() const noexcept { return ok(); }
+
+    /* What next() returns, a Result or Status, or this one's error. */
+    template <class Next>
+    auto and_then(Next next) const -> std::invoke_result_t<Next> {
+        if (error_) {
+            return *error_;
+        }
+        return next();
+    }
 
     const Error &error() const & {
         internal::insist(error_.has_value());

@@ -7,22 +7,24 @@
  *
  *     const sdpline::Status added = media.attributes().add(
  *         sdpline::RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000});
+ *
+ * Values are equal when their members are, texts byte by byte, but where a value says otherwise.
  */
 #ifndef SDPLINE_CPP_VALUES_HPP
 #define SDPLINE_CPP_VALUES_HPP
 
-#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <variant>
 
+#include "sdpline/cpp/address.hpp"
+#include "sdpline/cpp/detail/payloads.hpp"
 #include "sdpline/cpp/list.hpp"
-#include "sdpline/cpp/result.hpp"
 #include "sdpline/cpp/words.hpp"
 
 namespace sdpline {
@@ -37,53 +39,11 @@ struct Origin {
     Keyword<NetType> netType = NetType::In;
     Keyword<AddressType> addressType = AddressType::Ip4;
     std::string_view address = "0.0.0.0"; /* address or host name */
+
+    friend bool operator==(const Origin &, const Origin &) = default;
 };
 
-/* A binary address in network order, or none. */
-class Address {
-public:
-    Address() = default;
-
-    static Address v4(const std::array<std::uint8_t, 4> &octets) { return Address(octets); }
-    static Address v6(const std::array<std::uint8_t, 16> &octets) { return Address(octets); }
-
-    bool isV4() const { return size_ == 4; }
-    bool isV6() const { return size_ == 16; }
-    bool empty() const { return size_ == 0; }
-
-    /* 4, 16 or no octets, inside this value. */
-    std::span<const std::uint8_t> octets() const { return {octets_.data(), size_}; }
-
-    /* As the encoder writes it: "192.0.2.1", or eight groups of four upper-case digits. */
-    std::string text() const {
-        std::string text;
-        for (std::size_t i = 0; i < size_; ++i) {
-            if (i != 0 && (size_ == 4 || i % 2 == 0)) {
-                text += size_ == 4 ? '.' : ':';
-            }
-            if (size_ == 4) {
-                internal::appendNumber(text, octets_[i]);
-            } else {
-                text += "0123456789ABCDEF"[octets_[i] >> 4];
-                text += "0123456789ABCDEF"[octets_[i] & 15];
-            }
-        }
-        return text;
-    }
-
-    friend bool operator==(const Address &, const Address &) = default;
-
-private:
-    template <std::size_t Size>
-    explicit Address(const std::array<std::uint8_t, Size> &octets) : size_(Size) {
-        std::copy(octets.begin(), octets.end(), octets_.begin());
-    }
-
-    std::array<std::uint8_t, 16> octets_{};
-    std::size_t size_ = 0;
-};
-
-/* c= . An address type left empty is the address's own. A number of addresses needs a TTL before
+/* c= . An address type left empty is that of the address. A number of addresses needs a TTL before
  * it, and neither may be SDP_NOT_GIVEN. */
 struct Connection {
     Keyword<NetType> netType = NetType::In;
@@ -91,6 +51,8 @@ struct Connection {
     Address address{};
     std::optional<std::uint32_t> ttl{};
     std::optional<std::uint32_t> addressCount{};
+
+    friend bool operator==(const Connection &, const Connection &) = default;
 };
 
 /* One number of an r= line with its unit. */
@@ -107,6 +69,11 @@ struct TypedTime {
         }
         return value;
     }
+
+    /* Whether both last as long: "1h" and "3600". */
+    friend bool operator==(const TypedTime &one, const TypedTime &two) {
+        return one.seconds() == two.seconds();
+    }
 };
 
 /* ---- Values of attributes -------------------------------------------------------------------- */
@@ -119,9 +86,34 @@ struct RtpMap {
     std::uint32_t channels = 1; /* 0 counts as 1 */
     std::uint32_t profile = 0;  /* static profile number 1 to 35, 0 when the name is none of them;
                                    found by the library, and not looked at in a value to write */
+
+    /* Whether both are the same encoding, whatever their payload numbers: the name in any case of
+     * its letters (RFC 4855 section 3), clock rate and channels. */
+    bool sameEncoding(const RtpMap &other) const {
+        return equalIgnoringCase(name, other.name) && clockRate == other.clockRate &&
+               (channels > 1 ? channels : 1) == (other.channels > 1 ? other.channels : 1);
+    }
+
+    /* Whether both give the same payload number to the same encoding. */
+    friend bool operator==(const RtpMap &one, const RtpMap &two) {
+        return one.payload == two.payload && one.sameEncoding(two);
+    }
 };
 
-/* a=fmtp, taken apart at its first blank. */
+/* What a static payload number means without an a=rtpmap line (RFC 3551 section 6): 0 is PCMU at
+ * 8000 Hz, 10 is L16 at 44100 Hz over two channels. Nothing for numbers without an encoding of
+ * their own. Names and clock rates are those of the library's profiles, but for 33, MP2T, whose
+ * profile is called MP2. */
+inline std::optional<RtpMap> staticEncoding(std::uint32_t payload) {
+    const auto row = static_cast<std::uint32_t>(tables::staticRow(payload));
+    if (row == tables::kNoStaticRow) {
+        return std::nullopt;
+    }
+    return RtpMap{payload, payload == 33 ? "MP2T" : internal::viewOf(g_aStrRtpmapProfiles[row]),
+                  g_aulRtpmapClockRates[row], row == tables::kTwoChannelRow ? 2u : 1u, row + 1};
+}
+
+/* a=fmtp, divided at its first blank. */
 struct Fmtp {
     std::string_view format{};
     std::string_view parameters{};
@@ -133,12 +125,16 @@ struct Fmtp {
         const auto [at, fault] = std::from_chars(format.data(), end, number);
         return fault == std::errc() && at == end ? std::optional(number) : std::nullopt;
     }
+
+    friend bool operator==(const Fmtp &, const Fmtp &) = default;
 };
 
-/* a=silenceSupp. The parameters stand without the blank before them and must not be empty. */
+/* a=silenceSupp. The parameters are without the blank before them, and not empty. */
 struct SilenceSupp {
     bool on = false;
     std::string_view parameters = "- - - -";
+
+    friend bool operator==(const SilenceSupp &, const SilenceSupp &) = default;
 };
 
 /* a=ecan, with parameters as above. */
@@ -146,12 +142,16 @@ struct Ecan {
     EcanDirection direction = EcanDirection::Both;
     bool on = false;
     std::string_view parameters = "-";
+
+    friend bool operator==(const Ecan &, const Ecan &) = default;
 };
 
 /* a=ipbcp. */
 struct IpBcp {
     std::uint8_t version = 1;
     IpBcpType type = IpBcpType::Request;
+
+    friend bool operator==(const IpBcp &, const IpBcp &) = default;
 };
 
 /* a=curr, a=des and a=conf. The strength is that of a=des, and Mandatory elsewhere. */
@@ -161,6 +161,8 @@ struct Precondition {
     StatusType status = StatusType::EndToEnd;
     Flow flow = Flow::None;
     Strength strength = Strength::Mandatory;
+
+    friend bool operator==(const Precondition &, const Precondition &) = default;
 };
 
 /* The T.38 attributes of a list together. */
@@ -174,6 +176,8 @@ struct T38 {
     std::optional<std::uint32_t> maxBuffer{};
     std::optional<std::uint32_t> maxDatagram{};
     std::optional<T38ErrorCorrection> errorCorrection{};
+
+    friend bool operator==(const T38 &, const T38 &) = default;
 };
 
 /*
@@ -188,6 +192,18 @@ struct T38 {
 using AttributeValue = std::variant<std::monostate, Direction, std::uint32_t, std::string_view,
                                     RtpMap, Fmtp, T38RateManagement, T38ErrorCorrection,
                                     SilenceSupp, Ecan, Precondition, IpBcp, SetupRole>;
+
+namespace internal {
+
+inline bool sameNumbers(std::span<const std::uint32_t> one, std::span<const std::uint32_t> two) {
+    bool same = one.size() == two.size();
+    for (std::size_t i = 0; same && i < one.size(); ++i) {
+        same = one[i] == two[i];
+    }
+    return same;
+}
+
+} // namespace internal
 
 /* ---- m= -------------------------------------------------------------------------------------- */
 
@@ -205,6 +221,13 @@ struct MediaLine {
     Keyword<Protocol> protocol = Protocol::RtpAvp;
     Keyword<Format> format = Format::Payloads;
     std::span<const std::uint32_t> payloads{}; /* for the format Payloads */
+
+    friend bool operator==(const MediaLine &one, const MediaLine &two) {
+        return one.type == two.type && one.port == two.port &&
+               (one.portCount > 1 ? one.portCount : 1) == (two.portCount > 1 ? two.portCount : 1) &&
+               one.protocol == two.protocol && one.format == two.format &&
+               internal::sameNumbers(one.payloads, two.payloads);
+    }
 };
 
 /* ---- Values of records ----------------------------------------------------------------------- */

@@ -1,16 +1,18 @@
 /*
- * words.hpp: the value codes of the records as enumerations, and the words they stand for.
+ * words.hpp: the value codes of the records as enumerations, and their words.
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
 #ifndef SDPLINE_CPP_WORDS_HPP
 #define SDPLINE_CPP_WORDS_HPP
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
+#include "sdpline/cpp/detail/attributes.hpp"
+#include "sdpline/cpp/detail/keywords.hpp"
 #include "sdpline/sdprecords.h"
 
 namespace sdpline {
@@ -68,47 +70,11 @@ enum class TimeUnit : std::uint32_t {
     Seconds = SDP_TIME_SECONDS
 };
 
+/* RtpMap = SDP_ATTR_RTPMAP and so on: one for each row of detail/attributes.def. */
 enum class AttributeType : std::uint32_t {
-    RtpMap = SDP_ATTR_RTPMAP,
-    SendRecv = SDP_ATTR_SENDRECV,
-    SendOnly = SDP_ATTR_SENDONLY,
-    RecvOnly = SDP_ATTR_RECVONLY,
-    Inactive = SDP_ATTR_INACTIVE,
-    PTime = SDP_ATTR_PTIME,
-    MaxPTime = SDP_ATTR_MAXPTIME,
-    FrameRate = SDP_ATTR_FRAMERATE,
-    Fmtp = SDP_ATTR_FMTP,
-    Cat = SDP_ATTR_CAT,
-    Keywds = SDP_ATTR_KEYWDS,
-    Tool = SDP_ATTR_TOOL,
-    Orient = SDP_ATTR_ORIENT,
-    Type = SDP_ATTR_TYPE,
-    Charset = SDP_ATTR_CHARSET,
-    SdpLang = SDP_ATTR_SDPLANG,
-    Lang = SDP_ATTR_LANG,
-    Quality = SDP_ATTR_QUALITY,
-    T38FaxVersion = SDP_ATTR_T38_FAX_VERSION,
-    T38MaxBitRate = SDP_ATTR_T38_MAX_BIT_RATE,
-    T38FillBitRemoval = SDP_ATTR_T38_FILL_BIT_REMOVAL,
-    T38TranscodingMmr = SDP_ATTR_T38_TRANSCODING_MMR,
-    T38TranscodingJbig = SDP_ATTR_T38_TRANSCODING_JBIG,
-    T38RateManagement = SDP_ATTR_T38_RATE_MANAGEMENT,
-    T38MaxBuffer = SDP_ATTR_T38_MAX_BUFFER,
-    T38MaxDatagram = SDP_ATTR_T38_MAX_DATAGRAM,
-    T38UdpEc = SDP_ATTR_T38_UDP_EC,
-    SilenceSupp = SDP_ATTR_SILENCE_SUPP,
-    Ecan = SDP_ATTR_ECAN,
-    Fax = SDP_ATTR_FAX,
-    Modem = SDP_ATTR_MODEM,
-    XFax = SDP_ATTR_X_FAX,
-    XModem = SDP_ATTR_X_MODEM,
-    OtherValue = SDP_ATTR_UNREC_VALUE,  /* any other name, with a value */
-    OtherFlag = SDP_ATTR_UNREC_NOVALUE, /* any other name, without one */
-    Des = SDP_ATTR_DES,
-    Curr = SDP_ATTR_CURR,
-    Conf = SDP_ATTR_CONF,
-    IpBcp = SDP_ATTR_IPBCP,
-    Setup = SDP_ATTR_SETUP
+#define ATTRIBUTE(type, enumerator, name, shape, words, exceptions) enumerator = (type),
+#include "sdpline/cpp/detail/attributes.def"
+#undef ATTRIBUTE
 };
 
 enum class Direction : std::uint32_t {
@@ -177,108 +143,88 @@ enum class StatusLine : std::uint32_t {
 
 namespace internal {
 
-template <class Code>
-struct Row {
-    Code code;
-    std::string_view word;
-};
+using Rows = std::span<const tables::KeywordRow>;
 
-/* The words of one enumeration. Of several words for one code the first is the one that is
- * written. */
+/* The words of an enumeration, as the parser and the encoder know them; none of those whose words
+ * are names of attributes. */
 template <class Code>
-inline constexpr int kRows = 0;
+inline constexpr Rows kRows{};
 
 template <>
-inline constexpr auto kRows<NetType> = std::to_array<Row<NetType>>({{NetType::In, "IN"}});
+inline constexpr Rows kRows<NetType> = tables::kNetTypeWords;
 template <>
-inline constexpr auto kRows<AddressType> =
-    std::to_array<Row<AddressType>>({{AddressType::Ip4, "IP4"}, {AddressType::Ip6, "IP6"}});
+inline constexpr Rows kRows<AddressType> = tables::kAddrTypeWords;
 template <>
-inline constexpr auto
-    kRows<MediaType> = std::to_array<Row<MediaType>>({{MediaType::Audio, "audio"},
-                                                      {MediaType::Video, "video"},
-                                                      {MediaType::Application, "application"},
-                                                      {MediaType::Data, "data"},
-                                                      {MediaType::Control, "control"},
-                                                      {MediaType::Image, "image"}});
+inline constexpr Rows kRows<MediaType> = tables::kMediaWords;
 template <>
-inline constexpr auto
-    kRows<Protocol> = std::to_array<Row<Protocol>>({{Protocol::RtpAvp, "RTP/AVP"},
-                                                    {Protocol::Udp, "udp"},
-                                                    {Protocol::Udp, "UDP"},
-                                                    {Protocol::Tcp, "TCP"},
-                                                    {Protocol::Tcp, "tcp"},
-                                                    {Protocol::Udptl, "udptl"},
-                                                    {Protocol::RtpSavp, "RTP/SAVP"},
-                                                    {Protocol::RtpAvpf, "RTP/AVPF"}});
+inline constexpr Rows kRows<Protocol> = tables::kProtoWords;
 template <>
-inline constexpr auto kRows<Format> = std::to_array<Row<Format>>({{Format::T38, "t38"},
-                                                                  {Format::T120, "t120"}});
+inline constexpr Rows kRows<Format> = tables::kFmtWords;
 template <>
-inline constexpr auto kRows<PreconditionType> =
-    std::to_array<Row<PreconditionType>>({{PreconditionType::Qos, "qos"}});
+inline constexpr Rows kRows<PreconditionType> = tables::kPreconditionWords;
 template <>
-inline constexpr auto kRows<TimeUnit> = std::to_array<Row<TimeUnit>>({{TimeUnit::Days, "d"},
-                                                                      {TimeUnit::Hours, "h"},
-                                                                      {TimeUnit::Minutes, "m"},
-                                                                      {TimeUnit::Seconds, "s"}});
+inline constexpr Rows kRows<TimeUnit> = tables::kTimeUnitWords;
 template <>
-inline constexpr auto
-    kRows<Direction> = std::to_array<Row<Direction>>({{Direction::SendRecv, "sendrecv"},
-                                                      {Direction::SendOnly, "sendonly"},
-                                                      {Direction::RecvOnly, "recvonly"},
-                                                      {Direction::Inactive, "inactive"}});
+inline constexpr Rows kRows<SetupRole> = tables::kSetupWords;
 template <>
-inline constexpr auto
-    kRows<SetupRole> = std::to_array<Row<SetupRole>>({{SetupRole::Passive, "passive"},
-                                                      {SetupRole::Active, "active"},
-                                                      {SetupRole::ActPass, "actpass"}});
+inline constexpr Rows kRows<T38RateManagement> = tables::kT38RateWords;
 template <>
-inline constexpr auto kRows<T38RateManagement> =
-    std::to_array<Row<T38RateManagement>>({{T38RateManagement::LocalTcf, "localTCF"},
-                                           {T38RateManagement::TransferredTcf, "transferredTCF"}});
+inline constexpr Rows kRows<T38ErrorCorrection> = tables::kT38UdpEcWords;
 template <>
-inline constexpr auto kRows<T38ErrorCorrection> = std::to_array<Row<T38ErrorCorrection>>(
-    {{T38ErrorCorrection::Fec, "t38UDPFEC"}, {T38ErrorCorrection::Redundancy, "t38UDPRedundancy"}});
+inline constexpr Rows kRows<EcanDirection> = tables::kEcanDirWords;
 template <>
-inline constexpr auto kRows<EcanDirection> = std::to_array<Row<EcanDirection>>(
-    {{EcanDirection::Both, "fb"}, {EcanDirection::Forward, "f"}, {EcanDirection::Backward, "b"}});
+inline constexpr Rows kRows<IpBcpType> = tables::kIpBcpWords;
 template <>
-inline constexpr auto
-    kRows<IpBcpType> = std::to_array<Row<IpBcpType>>({{IpBcpType::Request, "Request"},
-                                                      {IpBcpType::Accepted, "Accepted"},
-                                                      {IpBcpType::Confused, "Confused"},
-                                                      {IpBcpType::Rejected, "Rejected"}});
+inline constexpr Rows kRows<StatusType> = tables::kStatusWords;
 template <>
-inline constexpr auto kRows<StatusType> = std::to_array<Row<StatusType>>(
-    {{StatusType::EndToEnd, "e2e"}, {StatusType::Local, "local"}, {StatusType::Remote, "remote"}});
+inline constexpr Rows kRows<Strength> = tables::kStrengthWords;
 template <>
-inline constexpr auto
-    kRows<Strength> = std::to_array<Row<Strength>>({{Strength::Mandatory, "mandatory"},
-                                                    {Strength::Optional, "optional"},
-                                                    {Strength::None, "none"},
-                                                    {Strength::Failure, "failure"},
-                                                    {Strength::Unknown, "unknown"}});
-template <>
-inline constexpr auto kRows<Flow> = std::to_array<Row<Flow>>({{Flow::None, "none"},
-                                                              {Flow::Send, "send"},
-                                                              {Flow::Recv, "recv"},
-                                                              {Flow::SendRecv, "sendrecv"}});
-template <>
-inline constexpr auto kRows<StatusLine> = std::to_array<Row<StatusLine>>(
-    {{StatusLine::Desired, "des"}, {StatusLine::Current, "curr"}, {StatusLine::Confirmed, "conf"}});
+inline constexpr Rows kRows<Flow> = tables::kDirWords;
 
 } // namespace internal
 
 /* The word that the encoder writes for a code; empty for "other" codes and unknown numbers. */
 template <class Code>
-constexpr std::string_view wordOf(Code code) {
-    for (const auto &row : internal::kRows<Code>) {
-        if (row.code == code) {
-            return row.word;
+requires(!internal::kRows<Code>.empty()) constexpr std::string_view wordOf(Code code) {
+    const auto *const row =
+        tables::findByCode(internal::kRows<Code>, static_cast<std::uint32_t>(code));
+    return row != nullptr ? row->text : std::string_view();
+}
+
+/* The name of an attribute without a colon; empty for the types of other names, and for numbers
+ * that are no type. */
+constexpr std::string_view wordOf(AttributeType type) {
+    const bool other = type == AttributeType::OtherValue || type == AttributeType::OtherFlag;
+    return other ? std::string_view()
+                 : tables::attributeRow(static_cast<std::uint32_t>(type)).bareName();
+}
+
+/* Directions and the lines of preconditions are attributes of their names. */
+constexpr std::string_view wordOf(Direction direction) {
+    const auto type = static_cast<std::uint32_t>(direction);
+    return tables::shapeOf(type) == tables::Shape::Direction ? wordOf(AttributeType{type})
+                                                             : std::string_view();
+}
+
+constexpr std::string_view wordOf(StatusLine line) {
+    const auto type = static_cast<std::uint32_t>(line);
+    return tables::shapeOf(type) == tables::Shape::Precondition ? wordOf(AttributeType{type})
+                                                                : std::string_view();
+}
+
+/* Whether two names are the same but for the case of their letters, as names of encodings
+ * (RFC 4855 section 3) and of hosts are compared. Letters are those of ASCII. */
+constexpr bool equalIgnoringCase(std::string_view one, std::string_view two) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 32) : c; };
+    if (one.size() != two.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < one.size(); ++i) {
+        if (lower(one[i]) != lower(two[i])) {
+            return false;
         }
     }
-    return {};
+    return true;
 }
 
 /*
@@ -294,11 +240,8 @@ public:
     constexpr Keyword() = default;
     constexpr Keyword(Code code) : code_(code), text_(wordOf(code)) {}
     constexpr Keyword(std::string_view text) : code_(Code::Other), text_(text) {
-        for (const auto &row : internal::kRows<Code>) {
-            if (row.word == text) {
-                *this = Keyword(row.code);
-                return;
-            }
+        if (const auto *const row = tables::findByText(internal::kRows<Code>, text)) {
+            *this = Keyword(Code{row->code});
         }
     }
     constexpr Keyword(const char *text) : Keyword(std::string_view(text)) {}

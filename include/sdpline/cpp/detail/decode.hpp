@@ -6,13 +6,12 @@
 #ifndef SDPLINE_CPP_DETAIL_DECODE_HPP
 #define SDPLINE_CPP_DETAIL_DECODE_HPP
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "sdpline/cpp/decodemutex.hpp"
 #include "sdpline/cpp/decodeoptions.hpp"
@@ -24,10 +23,33 @@ inline namespace v1 {
 
 namespace internal {
 
-struct ReleaseBody {
-    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
+/* The owner of a body's record, and of its block with it. */
+class BodyHandle {
+public:
+    explicit BodyHandle(SdpLine *line) : line_(line) {}
+    BodyHandle(BodyHandle &&other) noexcept : line_(other.release()) {}
+    BodyHandle &operator=(BodyHandle &&other) noexcept {
+        SdpLine *const line = other.release();
+        reset();
+        line_ = line;
+        return *this;
+    }
+    ~BodyHandle() { reset(); }
+
+    SdpLine *get() const { return line_; }
+    SdpLine &operator*() const { return *line_; }
+    SdpLine *operator->() const { return line_; }
+    SdpLine *release() { return std::exchange(line_, nullptr); }
+
+private:
+    void reset() {
+        if (line_ != nullptr) {
+            SdpLibReleaseSdp(&line_);
+        }
+    }
+
+    SdpLine *line_;
 };
-using BodyHandle = std::unique_ptr<SdpLine, ReleaseBody>;
 
 /* Why the decode that just failed did; to be asked before the next one. */
 inline Error decodeError(SDPResult code) {

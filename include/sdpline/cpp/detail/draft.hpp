@@ -1,5 +1,5 @@
 /*
- * draft.hpp: attributes on the stack, made of values, for the C operations to clone.
+ * draft.hpp: attributes on the stack, made of values, to copy into a body.
  *
  * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
  * library reads back as the same value.
@@ -7,11 +7,10 @@
 #ifndef SDPLINE_CPP_DETAIL_DRAFT_HPP
 #define SDPLINE_CPP_DETAIL_DRAFT_HPP
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
+#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -25,17 +24,12 @@ namespace internal {
 inline constexpr std::size_t kLongestRtpMapName = 255;
 inline constexpr std::string_view kRtpMapNameEnds("\r\n\0/", 4);
 
-template <class Code>
-std::optional<Error> refusedCode(Code code) {
-    return wordOf(code).empty() ? std::optional(refusedArgument("a code has no word"))
-                                : std::nullopt;
-}
-
-/* The number of the static profile of that name, 0 for none: the last row that bears it counts, as
+/* The number of the static profile of that name, 0 for none: the last row of that name counts, as
  * in the decoder. */
 inline std::uint32_t profileOf(std::string_view name) {
     std::uint32_t profile = 0;
-    for (std::uint32_t row = 0; row < std::size(g_aStrRtpmapProfiles); ++row) {
+    for (std::uint32_t row = 0; row < sizeof g_aStrRtpmapProfiles / sizeof *g_aStrRtpmapProfiles;
+         ++row) {
         if (viewOf(g_aStrRtpmapProfiles[row]) == name) {
             profile = row + 1;
         }
@@ -43,7 +37,18 @@ inline std::uint32_t profileOf(std::string_view name) {
     return profile;
 }
 
-/* One attribute over texts of the caller and its own. Each fill() answers why it will not do. */
+/* Whether attributes of that name have a type. */
+inline bool isKnownName(std::string_view name) {
+    for (const tables::AttributeRow &row : tables::kAttributes) {
+        if (row.has(tables::kAnyCase) ? equalIgnoringCase(row.bareName(), name)
+                                      : row.bareName() == name) {
+            return !name.empty();
+        }
+    }
+    return false;
+}
+
+/* One attribute over texts of the caller and its own. Each fill() tells why it is refused. */
 class Draft {
 public:
     Draft() = default;
@@ -65,35 +70,19 @@ public:
     }
 
     std::optional<Error> fill(AttributeType type) {
-        switch (type) {
-        case AttributeType::SendRecv:
-        case AttributeType::SendOnly:
-        case AttributeType::RecvOnly:
-        case AttributeType::Inactive:
-        case AttributeType::Fax:
-        case AttributeType::Modem:
-        case AttributeType::XFax:
-        case AttributeType::XModem: setType(type); return std::nullopt;
-        case AttributeType::T38FillBitRemoval:
-        case AttributeType::T38TranscodingMmr:
-        case AttributeType::T38TranscodingJbig: return fill(type, 1);
+        switch (shapeOf(type)) {
+        case tables::Shape::Direction:
+        case tables::Shape::Flag: setType(type); return std::nullopt;
+        case tables::Shape::Switch: return fill(type, 1);
         default: return refusedArgument("the attribute needs a value");
         }
     }
 
     std::optional<Error> fill(AttributeType type, std::uint32_t number) {
-        switch (type) {
-        case AttributeType::PTime:
-        case AttributeType::MaxPTime:
-        case AttributeType::FrameRate:
-        case AttributeType::Quality:
-        case AttributeType::T38FaxVersion:
-        case AttributeType::T38MaxBitRate:
-        case AttributeType::T38FillBitRemoval:
-        case AttributeType::T38TranscodingMmr:
-        case AttributeType::T38TranscodingJbig:
-        case AttributeType::T38MaxBuffer:
-        case AttributeType::T38MaxDatagram: break;
+        switch (shapeOf(type)) {
+        case tables::Shape::Number:
+        case tables::Shape::Decimal:
+        case tables::Shape::Switch: break;
         default: return refusedArgument("the attribute's value is no number");
         }
         setType(type);
@@ -102,7 +91,7 @@ public:
     }
 
     std::optional<Error> fill(AttributeType type, std::string_view text) {
-        if (type < AttributeType::Fmtp || type > AttributeType::Lang) {
+        if (shapeOf(type) != tables::Shape::Text) {
             return refusedArgument("the attribute's value is no text");
         }
         setType(type);
@@ -110,12 +99,22 @@ public:
         return refusedText(text);
     }
 
+    /* An attribute that the library keeps by its name: isKnownName(name) does not hold. */
+    std::optional<Error> fillNamed(std::string_view name, std::string_view value) {
+        setType(AttributeType::OtherValue);
+        other_ = lent(name);
+        record.pstAttrName = &other_;
+        record.unAttrValue.strValue = lent(value);
+        const auto error = refusedToken(name);
+        return error ? error : refusedText(value);
+    }
+
     std::optional<Error> fill(const RtpMap &map) {
         setType(AttributeType::RtpMap);
         record.unAttrValue.stRtpMap = {map.payload, profileOf(map.name), lent(map.name),
-                                       map.clockRate, std::max(map.channels, std::uint32_t{1})};
-        return refusal(map.name, kRtpMapNameEnds,
-                       "an encoding name holds a \"/\", a line end or a NUL", kLongestRtpMapName);
+                                       map.clockRate, map.channels > 1 ? map.channels : 1};
+        return refusal<kRtpMapNameEnds>(
+            map.name, "an encoding name holds a \"/\", a line end or a NUL", kLongestRtpMapName);
     }
 
     std::optional<Error> fill(const Fmtp &fmtp) {
@@ -177,6 +176,10 @@ private:
         std::string_view text{};
     };
 
+    static tables::Shape shapeOf(AttributeType type) {
+        return tables::shapeOf(static_cast<std::uint32_t>(type));
+    }
+
     void setType(AttributeType type) { record.ulAttrType = static_cast<std::uint32_t>(type); }
 
     template <class Code>
@@ -186,19 +189,19 @@ private:
         return refusedCode(code);
     }
 
-    /* The word, which may be empty, one blank and the parameters, in the draft's own memory. */
+    /* The word, which may be empty, one blank and the parameters, in the draft's memory. */
     Joined join(std::string_view word, std::string_view parameters) {
-        const std::size_t room = text_.size() - std::min(text_.size(), word.size() + 1);
-        if (const auto error = refusedText(parameters, room)) {
+        const std::size_t longest = word.size() < text_.size() ? text_.size() - word.size() - 1 : 0;
+        if (const auto error = refusedText(parameters, longest)) {
             return {error, {}};
         }
-        auto end = std::copy(word.begin(), word.end(), text_.begin());
-        *end++ = ' ';
-        end = std::copy(parameters.begin(), parameters.end(), end);
-        return {{}, {text_.data(), static_cast<std::size_t>(end - text_.begin())}};
+        std::memcpy(text_.data(), word.data(), word.size());
+        text_[word.size()] = ' ';
+        std::memcpy(text_.data() + word.size() + 1, parameters.data(), parameters.size());
+        return {{}, {text_.data(), word.size() + 1 + parameters.size()}};
     }
 
-    std::array<char, SDP_MAX_VALUE> text_{};
+    std::array<char, SDP_MAX_VALUE> text_; /* written by join() alone */
     SipString other_ = {};
 };
 

@@ -9,7 +9,6 @@
 #ifndef SDPLINE_DETAIL_KEYWORDS_HPP
 #define SDPLINE_DETAIL_KEYWORDS_HPP
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -62,16 +61,19 @@ constexpr std::array<KeywordRow, N> bareWords(const std::array<KeywordRow, N> &w
 // Whether the codes of the table are exactly first to last. Counts rather than looks up: under
 // sanitizers g++ 12 does not take the comparison of a row's address with null for a constant.
 constexpr bool coversCodes(std::span<const KeywordRow> table, uint32_t first, uint32_t last) {
-    const auto rowsOf = [table](uint32_t code) {
-        return std::ranges::count(table, code, &KeywordRow::code);
+    const auto rowsOf = [table](uint32_t lowest, uint32_t highest) {
+        size_t rows = 0;
+        for (const KeywordRow &row : table) {
+            rows += row.code >= lowest && row.code <= highest ? 1 : 0;
+        }
+        return rows;
     };
     for (uint32_t code = first; code <= last; ++code) {
-        if (rowsOf(code) == 0) {
+        if (rowsOf(code, code) == 0) {
             return false;
         }
     }
-    return std::ranges::all_of(
-        table, [=](uint32_t code) { return code >= first && code <= last; }, &KeywordRow::code);
+    return rowsOf(first, last) == table.size();
 }
 
 // ---- o= and c=
@@ -124,7 +126,12 @@ static_assert(coversCodes(kProtoWords, SDP_PROTO_RTP_AVP, SDP_PROTO_OTHER - 1));
 inline constexpr std::string_view kRtpProfiles[] = {"RTP/AVP", "RTP/AVPF", "RTP/SAVP", "RTP/SAVPF"};
 
 constexpr bool endsInRtpProfile(std::string_view word) {
-    return std::ranges::any_of(kRtpProfiles, [=](auto profile) { return word.ends_with(profile); });
+    for (const std::string_view profile : kRtpProfiles) {
+        if (word.ends_with(profile)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The formats that have a code of their own.

@@ -1,5 +1,5 @@
 /*
- * lines.hpp: single lines made of values, for the C operations to copy and clone.
+ * lines.hpp: single lines made of values, to copy into a body.
  *
  * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
  * library reads back as the same value, but for the payload numbers of unknown protocols.
@@ -7,14 +7,16 @@
 #ifndef SDPLINE_CPP_DETAIL_LINES_HPP
 #define SDPLINE_CPP_DETAIL_LINES_HPP
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "sdpline/cpp/detail/decode.hpp"
 #include "sdpline/cpp/detail/memory.hpp"
+#include "sdpline/cpp/media.hpp"
 #include "sdpline/cpp/values.hpp"
 
 namespace sdpline {
@@ -23,19 +25,18 @@ namespace internal {
 
 /* ---- Texts and keys -------------------------------------------------------------------------- */
 
-inline Status setText(Memory memory, Slot<SipString> slot, std::uint32_t lineType,
-                      std::string_view text) {
+inline Status setText(Memory memory, Slot<SipString> slot, std::string_view text) {
     if (const auto error = refusedText(text)) {
         return *error;
     }
-    return setLine(memory, slot, lineType, lent(text));
+    return setLine(memory, slot, lent(text));
 }
 
 inline Status setKey(Memory memory, Slot<SDPKey> slot, std::string_view text) {
     if (const auto error = refusedText(text)) {
         return *error;
     }
-    return setLine(memory, slot, SDP_LINE_KEY, SDPKey{lent(text)});
+    return setLine(memory, slot, SDPKey{lent(text)});
 }
 
 /* ---- o= -------------------------------------------------------------------------------------- */
@@ -54,17 +55,14 @@ inline std::optional<Error> refusedOrigin(const Origin &origin) {
     return std::nullopt;
 }
 
-inline Status setOrigin(Memory memory, SDPOrigin &target, const Origin &origin) {
-    if (const auto error = refusedOrigin(origin)) {
-        return *error;
-    }
-    const SDPOrigin source = {lent(origin.userName),
-                              lent(origin.sessionId),
-                              lent(origin.sessionVersion),
-                              {SDP_NETTYPE_IN, nullptr},
-                              {static_cast<std::uint32_t>(origin.addressType.code()), nullptr},
-                              lent(origin.address)};
-    return memory.replace(SDP_LINE_ORIGIN, source, target);
+/* Over the texts of the value. */
+inline SDPOrigin recordOf(const Origin &origin) {
+    return {lent(origin.userName),
+            lent(origin.sessionId),
+            lent(origin.sessionVersion),
+            {SDP_NETTYPE_IN, nullptr},
+            {static_cast<std::uint32_t>(origin.addressType.code()), nullptr},
+            lent(origin.address)};
 }
 
 /* ---- c= -------------------------------------------------------------------------------------- */
@@ -82,24 +80,28 @@ inline std::optional<Error> refusedConnection(const Connection &connection) {
         return refusedArgument("a number of addresses needs a TTL before it");
     }
     if (connection.ttl == SDP_NOT_GIVEN || connection.addressCount == SDP_NOT_GIVEN) {
-        return refusedArgument("a TTL or a number of addresses stands for none");
+        return refusedArgument("a TTL or a number of addresses is that of none");
     }
     return std::nullopt;
+}
+
+inline SDPConnection recordOf(const Connection &connection) {
+    const bool v4 = connection.address.isV4();
+    SDPConnection record = {{SDP_NETTYPE_IN, nullptr},
+                            {v4 ? SDP_ADDRTYPE_IP4 : SDP_ADDRTYPE_IP6, nullptr},
+                            {v4 ? SDP_TPTADDR_IPV4 : SDP_TPTADDR_IPV6, {}},
+                            connection.ttl.value_or(SDP_NOT_GIVEN),
+                            connection.addressCount.value_or(SDP_NOT_GIVEN)};
+    const auto octets = connection.address.octets();
+    std::memcpy(record.stTptAddr.unTptAddr.aucIpv6, octets.data(), octets.size());
+    return record;
 }
 
 inline Status setConnection(Memory memory, Slot<SDPConnection> slot, const Connection &connection) {
     if (const auto error = refusedConnection(connection)) {
         return *error;
     }
-    const bool v4 = connection.address.isV4();
-    SDPConnection source = {{SDP_NETTYPE_IN, nullptr},
-                            {v4 ? SDP_ADDRTYPE_IP4 : SDP_ADDRTYPE_IP6, nullptr},
-                            {v4 ? SDP_TPTADDR_IPV4 : SDP_TPTADDR_IPV6, {}},
-                            connection.ttl.value_or(SDP_NOT_GIVEN),
-                            connection.addressCount.value_or(SDP_NOT_GIVEN)};
-    const auto octets = connection.address.octets();
-    std::copy(octets.begin(), octets.end(), source.stTptAddr.unTptAddr.aucIpv6);
-    return setLine(memory, slot, SDP_LINE_CONNECTION, source);
+    return setLine(memory, slot, recordOf(connection));
 }
 
 inline Status setConnection(Memory memory, Slot<SDPConnection> slot, std::string_view text) {
@@ -107,7 +109,44 @@ inline Status setConnection(Memory memory, Slot<SDPConnection> slot, std::string
     if (!decoded) {
         return decoded.error();
     }
-    return setLine(memory, slot, SDP_LINE_CONNECTION, *(*decoded)->pstConnection);
+    return setLine(memory, slot, *(*decoded)->pstConnection);
+}
+
+/* ---- r= -------------------------------------------------------------------------------------- */
+
+inline std::optional<Error> refusedRepeat(std::span<const TypedTime> times) {
+    if (times.size() < 3) {
+        return refusedArgument("an r= line has an interval, a duration and at least one offset");
+    }
+    for (const TypedTime &time : times) {
+        if (const auto error = refusedCode(time.unit)) {
+            return error;
+        }
+    }
+    return std::nullopt;
+}
+
+/* Adds an r= line at the end of those of a t= line. */
+inline Status addRepeat(Memory memory, SDPTimeField &time, std::span<const TypedTime> times) {
+    if (const auto error = refusedRepeat(times)) {
+        return *error;
+    }
+    const auto make = [times](Copier &copier, SDPRepeatField **slots) {
+        slots[0] = copier.clone(SDPRepeatField{});
+        auto **const units = copier.array<SDPTimeUnit *>(times.size());
+        if (units != nullptr) {
+            std::memset(units, 0, times.size() * sizeof *units);
+            *slots[0] = {static_cast<std::uint32_t>(times.size()), units};
+        }
+        for (std::size_t i = 0; units != nullptr && i < times.size(); ++i) {
+            const auto unit = static_cast<std::uint32_t>(times[i].unit);
+            units[i] = copier.clone(SDPTimeUnit{unit, times[i].value});
+        }
+        return std::size_t{1};
+    };
+    const Slot<SDPRepeatFieldSet> slot(&time, offsetof(SDPTimeField, pstRepeatFieldSet));
+    return ListHome<SDPRepeatFieldSet>(memory, slot)
+        .insertItems(Repeats(slot.get()).size(), 1, make);
 }
 
 /* ---- m= -------------------------------------------------------------------------------------- */
@@ -135,7 +174,7 @@ inline std::optional<Error> refusedFormat(const MediaLine &line) {
             return refusedArgument("the protocol takes a format word, no payload numbers");
         }
         if (line.payloads.size() > SDP_MAX_PAYLOADS) {
-            return refusedArgument("there are more than 100 payload numbers");
+            return Copier::tooManyPayloads();
         }
         if (line.payloads.empty() && (line.port != 0 || rule == FormatRule::Either)) {
             return refusedArgument("there are no payload numbers");
@@ -164,6 +203,11 @@ inline std::optional<Error> refusedLine(const MediaLine &line) {
     return refusedFormat(line);
 }
 
+inline SDPRtpPayLoads recordOf(std::span<const std::uint32_t> payloads) {
+    return {static_cast<std::uint32_t>(payloads.size()),
+            const_cast<std::uint32_t *>(payloads.data())};
+}
+
 /* An m= line on the stack; it stays where it is. */
 class MediaDraft {
 public:
@@ -183,14 +227,13 @@ public:
         const bool otherProtocol = line.protocol == Protocol::Other;
         record = {{static_cast<std::uint32_t>(line.type.code()), otherType ? &type_ : nullptr},
                   line.port,
-                  std::max(line.portCount, std::uint32_t{1}),
+                  line.portCount > 1 ? line.portCount : 1,
                   {static_cast<std::uint32_t>(line.protocol.code()),
                    otherProtocol ? &protocol_ : nullptr},
                   {static_cast<std::uint32_t>(line.format.code()), {}}};
         auto &format = record.stMediaFmt.unMediaFmt;
         if (line.format == Format::Payloads) {
-            format.stRtpPayLoads = {static_cast<std::uint32_t>(line.payloads.size()),
-                                    const_cast<std::uint32_t *>(line.payloads.data())};
+            format.stRtpPayLoads = recordOf(line.payloads);
         } else if (line.format == Format::Other) {
             format.strOtherFmts = lent(line.format.text());
         }

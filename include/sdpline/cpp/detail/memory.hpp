@@ -1,13 +1,13 @@
 /*
- * memory.hpp: how editors write into a body: lines cloned by the C operations, lists that hold
- * exactly as many slots as items, pointers inside packed records.
+ * memory.hpp: what editors write into a body with: its memory block, deep copies of records, lists
+ * of pointers, pointers inside packed records.
  *
  * Part of sdpline.hpp; nothing here is for users.
  */
 #ifndef SDPLINE_CPP_DETAIL_MEMORY_HPP
 #define SDPLINE_CPP_DETAIL_MEMORY_HPP
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -16,20 +16,43 @@
 #include <string_view>
 #include <utility>
 
+#include "sdpline/cpp/detail/attributes.hpp"
 #include "sdpline/cpp/list.hpp"
 #include "sdpline/cpp/result.hpp"
+#include "sdpline/cpp/words.hpp"
 #include "sdpline/sdpcopy.h"
 
 namespace sdpline {
 inline namespace v1 {
 namespace internal {
 
-/* A text for the C operations, which only read it. */
+/* A text for the C operations and for copies, which only read it. */
 inline SipString lent(std::string_view text) {
     return {static_cast<std::uint32_t>(text.size()), const_cast<char *>(text.data())};
 }
 
-/* The block of a body. */
+/* ---- The block of a body --------------------------------------------------------------------- */
+
+/* The kind of line that frees a record. The lines that are one text are freed alike. */
+template <class Record>
+inline constexpr std::uint32_t kLineOf = SDP_LINE_COUNT;
+template <>
+inline constexpr std::uint32_t kLineOf<SipString> = SDP_LINE_INFO;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPKey> = SDP_LINE_KEY;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPOrigin> = SDP_LINE_ORIGIN;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPConnection> = SDP_LINE_CONNECTION;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPTimeField> = SDP_LINE_TIME;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPRepeatField> = SDP_LINE_REPEAT;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPAttr> = SDP_LINE_ATTRIBUTE;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPMediaField> = SDP_LINE_MEDIA;
+
 class Memory {
 public:
     Memory() = default;
@@ -37,59 +60,322 @@ public:
 
     SDPMemCp *control() const { return control_; }
 
-    /* All zero, also from a memory service that does not clear what it gives; null when the block
-     * is exhausted. */
-    template <class Record>
-    Record *allocate(std::size_t count = 1) const {
-        if (count > std::numeric_limits<std::uint32_t>::max() / sizeof(Record)) {
-            return nullptr;
-        }
-        const std::size_t size = count * sizeof(Record);
-        void *const memory = control_->pfnAlloc(control_, static_cast<std::uint32_t>(size));
-        return memory != nullptr ? static_cast<Record *>(std::memset(memory, 0, size)) : nullptr;
+    /* Null when the block is exhausted. */
+    void *take(std::size_t size) const {
+        return size <= std::numeric_limits<std::uint32_t>::max()
+                   ? control_->pfnAlloc(control_, static_cast<std::uint32_t>(size))
+                   : nullptr;
     }
 
-    void release(void *memory) const { control_->pfnFree(memory); }
-
+    /* All zero, also from a memory service that does not clear what it gives. */
     template <class Record>
-    Result<Record *> clone(std::uint32_t lineType, const Record &source) const {
-        void *made = nullptr;
-        if (const SDPResult code = SdpCloneLine(control_, lineType, &source, &made)) {
-            return libraryError(code);
-        }
-        return static_cast<Record *>(made);
+    Record *allocate() const {
+        void *const memory = take(sizeof(Record));
+        return memory != nullptr ? static_cast<Record *>(std::memset(memory, 0, sizeof(Record)))
+                                 : nullptr;
     }
 
-    /* Puts a deep copy in place of what the target holds, which may be what the source refers to.
-     */
-    template <class Record>
-    Status replace(std::uint32_t lineType, const Record &source, Record &target) const {
-        Record fresh = {};
-        if (const SDPResult code = SdpCopyLine(control_, lineType, &source, &fresh)) {
-            SdpClearLine(control_, lineType, &fresh);
-            return libraryError(code);
+    void release(void *memory) const {
+        if (memory != nullptr) {
+            control_->pfnFree(memory);
         }
-        SdpClearLine(control_, lineType, &target);
-        target = fresh;
-        return {};
     }
 
-    void free(std::uint32_t lineType, void *record) const {
-        SdpFreeLine(control_, lineType, &record);
+    /* Gives a record back with all that it refers to; nothing happens for null. */
+    template <class Record>
+    void free(Record *record) const {
+        static_assert(kLineOf<Record> != SDP_LINE_COUNT);
+        void *line = record;
+        if (line != nullptr) {
+            SdpFreeLine(control_, kLineOf<Record>, &line);
+        }
+    }
+    inline void free(SDPMediaDesc *media) const;
+
+    template <class List>
+    void freeList(List *list) const {
+        if (list != nullptr) {
+            auto *const items = ListOf<List>::items(*list);
+            for (std::uint32_t i = 0; items != nullptr && i < ListOf<List>::count(*list); ++i) {
+                free(items[i]);
+            }
+            release(items);
+            release(list);
+        }
     }
 
 private:
     SDPMemCp *control_ = nullptr;
 };
 
-/* Takes items of a list back. */
-struct FreeLine {
-    Memory memory;
-    std::uint32_t lineType;
-    void operator()(void *record) const { memory.free(lineType, record); }
+inline void Memory::free(SDPMediaDesc *media) const {
+    if (media != nullptr) {
+        free(media->pstrMediaInfo);
+        free(media->pstConnection);
+        freeList(media->pstBandwidthList);
+        free(media->pstKey);
+        freeList(media->pstAttrList);
+        SdpClearLine(control_, SDP_LINE_MEDIA, &media->stMediaField);
+        release(media);
+    }
+}
+
+/* ---- Deep copies ----------------------------------------------------------------------------- */
+
+/*
+ * Copies records into a block, piece by piece as a decode would make them. After the first failure
+ * it makes nothing more: pointers that it gives are null, and ok() tells. What was made until then
+ * holds no pointer of the source, and can be freed.
+ *
+ * fill(from, to) writes all of a record `to`; what that held before is lost.
+ */
+class Copier {
+public:
+    explicit Copier(Memory memory) : memory_(memory) {}
+
+    bool ok() const { return failure_ == nullptr; }
+    Error error() const { return failure_(); }
+
+    /* A new record that `write` writes all of; null after a failure. */
+    template <class Record, class Write>
+    Record *make(Write write) {
+        Record *const made = ok() ? static_cast<Record *>(memory_.take(sizeof(Record))) : nullptr;
+        if (made != nullptr) {
+            write(*made);
+        } else {
+            fail(noMemory);
+        }
+        return made;
+    }
+
+    template <class Record>
+    Record *clone(const Record &from) {
+        return make<Record>([&](Record &to) { fill(from, to); });
+    }
+
+    template <class Record>
+    Record *cloneGiven(const Record *from) {
+        return from != nullptr ? clone(*from) : nullptr;
+    }
+
+    /* The clone, or nothing of it: for records that are not put anywhere before it is complete. */
+    template <class Record>
+    Record *cloneWhole(const Record &from) {
+        Record *const made = clone(from);
+        if (ok()) [[likely]] {
+            return made;
+        }
+        memory_.free(made);
+        return nullptr;
+    }
+
+    void fill(const SipString &from, SipString &to) { to = text(from); }
+    void fill(const SDPKey &from, SDPKey &to) { to.strKey = text(from.strKey); }
+
+    void fill(const SDPOrigin &from, SDPOrigin &to) {
+        to = {text(from.strUserName),  text(from.strSessionId),      text(from.strSessionVersion),
+              netType(from.stNetType), addressType(from.stAddrType), text(from.strAddress)};
+    }
+
+    void fill(const SDPConnection &from, SDPConnection &to) {
+        to = {netType(from.stNetType), addressType(from.stAddrType), from.stTptAddr, from.ulTtl,
+              from.ulNoOfAddrs};
+    }
+
+    void fill(const SDPTimeUnit &from, SDPTimeUnit &to) { to = from; }
+    void fill(const SDPTimeField &from, SDPTimeField &to) {
+        to = {from.ulStartTime, from.ulStopTime, cloneGiven(from.pstRepeatFieldSet)};
+    }
+
+    void fill(const SDPAttr &from, SDPAttr &to);
+
+    void fill(const SDPMediaField &from, SDPMediaField &to) {
+        const bool otherType = from.stMedia.enMediaType == SDP_MEDIA_OTHER;
+        const bool otherProtocol = from.stProto.enProto == SDP_PROTO_OTHER;
+        to = {{from.stMedia.enMediaType, otherText(otherType, from.stMedia.pstrOtherMedia)},
+              from.ulPort,
+              from.ulNoOfPorts,
+              {from.stProto.enProto, otherText(otherProtocol, from.stProto.pstrOtherProto)},
+              {from.stMediaFmt.enFmtType, {}}};
+        if (from.stMediaFmt.enFmtType == SDP_FMT_OTHER) {
+            to.stMediaFmt.unMediaFmt.strOtherFmts = text(from.stMediaFmt.unMediaFmt.strOtherFmts);
+        } else {
+            to.stMediaFmt.unMediaFmt.stRtpPayLoads =
+                payloads(from.stMediaFmt.unMediaFmt.stRtpPayLoads);
+        }
+    }
+
+    void fill(const SDPMediaDesc &from, SDPMediaDesc &to) {
+        fillAroundAttributes(from, to);
+        to.pstAttrList = cloneGiven(from.pstAttrList);
+    }
+
+    /* All but the a= lines. */
+    void fillAroundAttributes(const SDPMediaDesc &from, SDPMediaDesc &to) {
+        fill(from.stMediaField, to.stMediaField);
+        to.pstrMediaInfo = cloneGiven(from.pstrMediaInfo);
+        to.pstConnection = cloneGiven(from.pstConnection);
+        to.pstBandwidthList = cloneGiven(from.pstBandwidthList);
+        to.pstKey = cloneGiven(from.pstKey);
+        to.pstAttrList = nullptr;
+    }
+
+    /* Lists: an array of exactly as many pointers, null for none. */
+    template <class List>
+    requires requires { typename ListOf<List>::Item; }
+    void fill(const List &from, List &to) {
+        using Fields = ListOf<List>;
+        using Item = typename Fields::Item;
+        Item *const *const sources = Fields::items(from);
+        const std::uint32_t count = sources != nullptr ? Fields::count(from) : 0;
+        Item **const items = count != 0 ? array<Item *>(count) : nullptr;
+        for (std::uint32_t i = 0; items != nullptr && i < count; ++i) {
+            items[i] = cloneGiven(sources[i]);
+        }
+        Fields::set(to, items, items != nullptr ? count : 0);
+    }
+
+    /* The a= lines for which wanted(const SDPAttr &) holds; null for null. */
+    template <class Wanted>
+    SDPAttrList *cloneSome(const SDPAttrList *from, Wanted wanted) {
+        if (from == nullptr) {
+            return nullptr;
+        }
+        return make<SDPAttrList>([&](SDPAttrList &to) {
+            const std::uint32_t count = from->ppstAttrs != nullptr ? from->ulNoOfAttrs : 0;
+            SDPAttr **const lines = count != 0 ? array<SDPAttr *>(count) : nullptr;
+            std::uint32_t kept = 0;
+            for (std::uint32_t i = 0; lines != nullptr && i < count; ++i) {
+                if (wanted(*from->ppstAttrs[i])) {
+                    lines[kept++] = clone(*from->ppstAttrs[i]);
+                }
+            }
+            to = {kept, lines};
+        });
+    }
+
+    /* An array that is not filled; null after a failure. */
+    template <class Item>
+    Item *array(std::size_t count) {
+        const bool fits = count <= std::numeric_limits<std::uint32_t>::max() / sizeof(Item);
+        void *const made = ok() && fits ? memory_.take(count * sizeof(Item)) : nullptr;
+        if (made == nullptr) {
+            fail(noMemory);
+        }
+        return static_cast<Item *>(made);
+    }
+
+    SipString text(const SipString &from) {
+        const std::string_view view = viewOf(from);
+        if (view.empty()) {
+            return {0, nullptr};
+        }
+        char *const bytes = array<char>(view.size());
+        if (bytes == nullptr) {
+            return {0, nullptr};
+        }
+        std::memcpy(bytes, view.data(), view.size());
+        return {static_cast<std::uint32_t>(view.size()), bytes};
+    }
+
+    SDPRtpPayLoads payloads(const SDPRtpPayLoads &from) {
+        if (from.ulNoOfPayLoads > SDP_MAX_PAYLOADS) {
+            fail(tooManyPayloads);
+        }
+        if (from.ulNoOfPayLoads == 0 || from.pulPayLoads == nullptr) {
+            return {from.ulNoOfPayLoads, nullptr};
+        }
+        auto *const numbers = array<std::uint32_t>(from.ulNoOfPayLoads);
+        if (numbers == nullptr) {
+            return {0, nullptr};
+        }
+        std::memcpy(numbers, from.pulPayLoads, from.ulNoOfPayLoads * sizeof *numbers);
+        return {from.ulNoOfPayLoads, numbers};
+    }
+
+    static Error tooManyPayloads() {
+        return refusedArgument("there are more than 100 payload numbers");
+    }
+
+private:
+    void fail(Error (*failure)()) { failure_ = ok() ? failure : failure_; }
+
+    SipString *otherText(bool other, const SipString *from) {
+        return other ? cloneGiven(from) : nullptr;
+    }
+
+    SDPNetType netType(const SDPNetType &from) {
+        return {from.enNetType,
+                otherText(from.enNetType == SDP_NETTYPE_OTHER, from.pstrOtherNetType)};
+    }
+
+    SDPAddrType addressType(const SDPAddrType &from) {
+        return {from.enAddrType,
+                otherText(from.enAddrType == SDP_ADDRTYPE_OTHER, from.pstrOtherAddrType)};
+    }
+
+    Memory memory_;
+    Error (*failure_)() = nullptr;
 };
 
-/* A pointer inside a packed record. It lies at a multiple of 4, so it is copied in and out. */
+inline void Copier::fill(const SDPAttr &from, SDPAttr &to) {
+    using tables::Shape;
+    const auto &value = from.unAttrValue;
+    auto &copy = to.unAttrValue;
+    to = {from.ulAttrType, {}, nullptr};
+    switch (tables::shapeOf(from.ulAttrType)) {
+    case Shape::None:
+    case Shape::Flag:
+    case Shape::Direction: break;
+    case Shape::Number:
+    case Shape::Decimal:
+    case Shape::Switch:
+    case Shape::Keyword: copy.ulValue = value.ulValue; break;
+    case Shape::IpBcp: copy.stIpBcp = value.stIpBcp; break;
+    case Shape::Text: copy.strValue = text(value.strValue); break;
+    case Shape::NamedText:
+        to.pstAttrName = cloneGiven(from.pstAttrName);
+        copy.strValue = text(value.strValue);
+        break;
+    case Shape::NameOnly: to.pstAttrName = cloneGiven(from.pstAttrName); break;
+    case Shape::RtpMap:
+        copy.stRtpMap = value.stRtpMap;
+        copy.stRtpMap.strEncodingName = text(value.stRtpMap.strEncodingName);
+        break;
+    case Shape::SilenceSupp:
+        copy.stSilenceSupp = {value.stSilenceSupp.bOn, text(value.stSilenceSupp.strParams)};
+        break;
+    case Shape::Ecan:
+        copy.stEcan = {value.stEcan.bOn, value.stEcan.enEcanDir, text(value.stEcan.strParams)};
+        break;
+    case Shape::Precondition: {
+        const auto &type = value.stRsrcMgmtStatus.stPrecondition;
+        const bool other = type.enPreconditionType == SDP_PRECONDITION_OTHER;
+        copy.stRsrcMgmtStatus = value.stRsrcMgmtStatus;
+        copy.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition =
+            otherText(other, type.pstrOtherPrecondition);
+        break;
+    }
+    }
+}
+
+/* Puts a deep copy in place of what the target holds, which may be what the source refers to. */
+template <class Record>
+Status replace(Memory memory, const Record &source, Record &target) {
+    Copier copier(memory);
+    Record fresh;
+    copier.fill(source, fresh);
+    SdpClearLine(memory.control(), kLineOf<Record>, copier.ok() ? &target : &fresh);
+    if (!copier.ok()) {
+        return copier.error();
+    }
+    target = fresh;
+    return {};
+}
+
+/* ---- Pointers inside packed records ---------------------------------------------------------- */
+
+/* It lies at a multiple of 4, so it is copied in and out. */
 template <class Record>
 class Slot {
 public:
@@ -112,66 +398,85 @@ private:
 /* ---- Optional lines: a pointer that is null when there is no such line ----------------------- */
 
 template <class Record>
-Status setLine(Memory memory, Slot<Record> slot, std::uint32_t lineType, const Record &source) {
-    auto made = memory.clone(lineType, source);
-    if (!made) {
-        return made.error();
+Status setLine(Memory memory, Slot<Record> slot, const Record &source) {
+    Copier copier(memory);
+    Record *const made = copier.cloneWhole(source);
+    if (made == nullptr) {
+        return copier.error();
     }
-    memory.free(lineType, slot.get());
-    slot.set(*made);
+    memory.free(slot.get());
+    slot.set(made);
     return {};
 }
 
 template <class Record>
-void removeLine(Memory memory, Slot<Record> slot, std::uint32_t lineType) {
-    memory.free(lineType, slot.get());
+void removeLine(Memory memory, Slot<Record> slot) {
+    memory.free(slot.get());
     slot.set(nullptr);
 }
 
 /* ---- Lists ----------------------------------------------------------------------------------- */
 
 /*
- * Adds `added` items at the end, all of them or none. Arrays have exactly one slot for each item,
- * so that a new one is filled before the old one goes. make(n) makes the n-th item,
- * discard(item) takes one back.
+ * Puts new items before the item `at`, all of them or none. make(copier, slots) writes at most
+ * `most` of them, and returns how many; after a failure of the copier they are freed.
+ *
+ * Arrays have one slot for each item, so that a new one is filled before the old one goes.
  */
-template <class List, class MakeItem, class Discard>
-Status append(Memory memory, List &list, std::size_t added, MakeItem make, Discard discard) {
+template <class List, class Make>
+Status insertItems(Memory memory, List &list, std::size_t at, std::size_t most, Make make) {
     using Fields = ListOf<List>;
     using Item = typename Fields::Item;
     Item **const old = Fields::items(list);
     const std::size_t count = old != nullptr ? Fields::count(list) : 0;
-    Item **const longer = count + added <= std::numeric_limits<std::uint32_t>::max()
-                              ? memory.allocate<Item *>(count + added)
-                              : nullptr;
+    Copier copier(memory);
+    Item **const longer = copier.array<Item *>(count + most);
     if (longer == nullptr) {
-        return noMemory();
+        return copier.error();
     }
-    for (std::size_t n = 0; n < added; ++n) {
-        Result<Item *> made = make(n);
-        if (!made) {
-            while (n-- > 0) {
-                discard(longer[count + n]);
-            }
-            memory.release(longer);
-            return made.error();
+    const std::size_t made = make(copier, longer + at);
+    if (!copier.ok()) {
+        for (std::size_t i = 0; i < made; ++i) {
+            memory.free(longer[at + i]);
         }
-        longer[count + n] = *made;
+        memory.release(longer);
+        return copier.error();
     }
-    std::copy_n(old, count, longer);
+    if (count + made == 0) {
+        memory.release(longer);
+        return {};
+    }
+    for (std::size_t i = 0; i < at; ++i) {
+        longer[i] = old[i];
+    }
+    for (std::size_t i = at; i < count; ++i) {
+        longer[i + made] = old[i];
+    }
     memory.release(old);
-    Fields::set(list, longer, static_cast<std::uint32_t>(count + added));
+    Fields::set(list, longer, static_cast<std::uint32_t>(count + made));
     return {};
 }
 
-/* Removes the items that `unwanted` picks; answers how many. Every item is judged before the first
- * one goes: what is compared with may lie in one of them. Never fails: where there is no memory for
- * an array of the exact size, the present one stays. */
-template <class List, class Unwanted, class Discard>
-std::size_t eraseIf(Memory memory, List &list, Unwanted unwanted, Discard discard) {
+/* Makes one item, a copy of the source. */
+template <class Item>
+class CloneOf {
+public:
+    explicit CloneOf(const Item &source) : source_(source) {}
+    std::size_t operator()(Copier &copier, Item **slots) const {
+        slots[0] = copier.clone(source_);
+        return 1;
+    }
+
+private:
+    const Item &source_;
+};
+
+/* Removes the items that `unwanted` picks; returns how many. Every item is judged before the first
+ * one goes: what is compared with may lie in one of them. Never fails. */
+template <class List, class Unwanted>
+std::size_t eraseIf(Memory memory, List &list, Unwanted unwanted) {
     using Fields = ListOf<List>;
-    using Item = typename Fields::Item;
-    Item **const items = Fields::items(list);
+    auto **const items = Fields::items(list);
     const std::size_t count = items != nullptr ? Fields::count(list) : 0;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -179,23 +484,17 @@ std::size_t eraseIf(Memory memory, List &list, Unwanted unwanted, Discard discar
             std::swap(items[kept++], items[i]);
         }
     }
-    if (kept == count) {
-        return 0;
+    for (std::size_t i = kept; i < count; ++i) {
+        memory.free(items[i]);
     }
-    std::for_each(items + kept, items + count, discard);
-    Item **const exact = kept != 0 ? memory.allocate<Item *>(kept) : nullptr;
-    if (exact != nullptr) {
-        std::copy_n(items, kept, exact);
-    }
-    const bool fits = exact != nullptr || kept == 0;
-    if (fits) {
+    if (kept == 0) {
         memory.release(items);
     }
-    Fields::set(list, fits ? exact : items, static_cast<std::uint32_t>(kept));
+    Fields::set(list, kept != 0 ? items : nullptr, static_cast<std::uint32_t>(kept));
     return count - kept;
 }
 
-/* The list record behind a slot, made when there is none. It stays once it is there, empty or not:
+/* The list record of a slot, made when there is none. It stays once it is there, empty or not:
  * ranges over the list keep looking at it. */
 template <class List>
 class ListHome {
@@ -206,14 +505,14 @@ public:
     Memory memory() const { return memory_; }
     List *get() const { return slot_.get(); }
 
-    template <class MakeItem, class Discard>
-    Status append(std::size_t added, MakeItem make, Discard discard) const {
+    template <class Make>
+    Status insertItems(std::size_t at, std::size_t most, Make make) const {
         List *const present = slot_.get();
         List *const list = present != nullptr ? present : memory_.allocate<List>();
         if (list == nullptr) {
             return noMemory();
         }
-        Status status = internal::append(memory_, *list, added, make, discard);
+        Status status = internal::insertItems(memory_, *list, at, most, make);
         if (status) {
             slot_.set(list);
         } else if (present == nullptr) {
@@ -222,10 +521,10 @@ public:
         return status;
     }
 
-    template <class Unwanted, class Discard>
-    std::size_t eraseIf(Unwanted unwanted, Discard discard) const {
+    template <class Unwanted>
+    std::size_t eraseIf(Unwanted unwanted) const {
         List *const list = slot_.get();
-        return list != nullptr ? internal::eraseIf(memory_, *list, unwanted, discard) : 0;
+        return list != nullptr ? internal::eraseIf(memory_, *list, unwanted) : 0;
     }
 
 private:
@@ -240,16 +539,34 @@ inline constexpr std::string_view kLineBreaks("\r\n\0", 3);
 inline constexpr std::string_view kWordEnds("\r\n\0 \t", 5);
 inline constexpr std::string_view kTokenEnds("\r\n\0 \t:;@,()<>", 13);
 
-inline std::optional<Error> refusal(std::string_view text, std::string_view unfit,
-                                    std::string_view sentence,
-                                    std::size_t longest = SDP_MAX_VALUE) {
-    if (text.empty()) {
+/* Whether a text holds one of a set of bytes: one table look-up a byte. */
+template <const std::string_view &Unfit>
+bool holdsOneOf(std::string_view text) {
+    static constexpr auto kUnfit = [] {
+        std::array<bool, 256> table{};
+        for (const char c : Unfit) {
+            table[static_cast<unsigned char>(c)] = true;
+        }
+        return table;
+    }();
+    for (const char c : text) {
+        if (kUnfit[static_cast<unsigned char>(c)]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+template <const std::string_view &Unfit>
+std::optional<Error> refusal(std::string_view text, std::string_view sentence,
+                             std::size_t longest = SDP_MAX_VALUE) {
+    if (text.empty()) [[unlikely]] {
         return refusedArgument("a text is empty");
     }
-    if (text.size() > longest) {
+    if (text.size() > longest) [[unlikely]] {
         return refusedArgument("a text is longer than a decoder of this library reads");
     }
-    if (text.find_first_of(unfit) != std::string_view::npos) {
+    if (holdsOneOf<Unfit>(text)) [[unlikely]] {
         return refusedArgument(sentence);
     }
     return std::nullopt;
@@ -258,27 +575,36 @@ inline std::optional<Error> refusal(std::string_view text, std::string_view unfi
 /* A value that takes the rest of its line. */
 inline std::optional<Error> refusedText(std::string_view text,
                                         std::size_t longest = SDP_MAX_VALUE) {
-    return refusal(text, kLineBreaks, "a text holds a line end or a NUL", longest);
+    return refusal<kLineBreaks>(text, "a text holds a line end or a NUL", longest);
 }
 
 /* A value between two blanks. */
 inline std::optional<Error> refusedWord(std::string_view text) {
-    return refusal(text, kWordEnds, "a word holds a blank, a line end or a NUL");
+    return refusal<kWordEnds>(text, "a word holds a blank, a line end or a NUL");
 }
 
 /* A keyword or a name. */
 inline std::optional<Error> refusedToken(std::string_view text) {
-    return refusal(text, kTokenEnds, "a word holds a blank or one of :;@,()<>");
+    return refusal<kTokenEnds>(text, "a word holds a blank or one of :;@,()<>");
 }
 
 inline std::optional<Error> refusedDigits(std::string_view text) {
     if (const auto error = refusedWord(text)) {
         return error;
     }
-    if (text.find_first_not_of("0123456789") != std::string_view::npos) {
-        return refusedArgument("a number holds something else than digits");
+    for (const char c : text) {
+        if (c < '0' || c > '9') {
+            return refusedArgument("a number holds something else than digits");
+        }
     }
     return std::nullopt;
+}
+
+/* A code of an enumeration. */
+template <class Code>
+std::optional<Error> refusedCode(Code code) {
+    return wordOf(code).empty() ? std::optional(refusedArgument("a code has no word"))
+                                : std::nullopt;
 }
 
 } // namespace internal
