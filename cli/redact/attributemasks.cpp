@@ -98,6 +98,7 @@ const LineMasks::AttributeRule LineMasks::kAttributeRules[] = {
     {"alt", &LineMasks::alternative},
     {"candidate", &LineMasks::candidate},
     {"cat", &LineMasks::freeText},
+    {"charset", &LineMasks::registeredWords},
     {"cname", &LineMasks::secret},
     {"cpar", &LineMasks::nested},
     {"crypto", &LineMasks::crypto},
@@ -109,17 +110,21 @@ const LineMasks::AttributeRule LineMasks::kAttributeRules[] = {
     {"identity", &LineMasks::secret},
     {"key-mgmt", &LineMasks::keyManagement},
     {"keywds", &LineMasks::freeText},
+    {"lang", &LineMasks::registeredWords},
     {"msid-semantic", &LineMasks::firstWordKept},
+    {"orient", &LineMasks::registeredWords},
     {"password", &LineMasks::secret},
     {"remote-candidates", &LineMasks::addresses},
     {"rtcp", &LineMasks::addresses},
     {"rtpmap", &LineMasks::encodingName},
+    {"sdplang", &LineMasks::registeredWords},
     {"silenceSupp", &LineMasks::afterSwitch},
     {"source-filter", &LineMasks::addresses},
     {"ssrc", &LineMasks::nested},
     {"tcap", &LineMasks::transports},
     {"tls-id", &LineMasks::secret},
     {"tool", &LineMasks::whole},
+    {"type", &LineMasks::registeredWords},
     {"zrtp-hash", &LineMasks::secret},
 };
 
@@ -131,6 +136,23 @@ LineMasks::Rule LineMasks::ruleOf(std::string_view name) {
         }
     }
     return nullptr;
+}
+
+// a=orient:portrait, a=type:meeting (RFC 4566 section 6), a=charset:UTF-8, a=lang:en-GB: words that
+// are registered, and languages by their two letters.
+void LineMasks::registeredWords(size_t from) {
+    constexpr std::string_view registered[] = {"portrait", "landscape", "seascape",   "broadcast",
+                                               "meeting",  "moderated", "test",       "H332",
+                                               "UTF-8",    "US-ASCII",  "ISO-8859-1", "ISO-10646"};
+    const auto isLanguage = [](std::string_view word) {
+        return (word.size() == 2 || (word.size() == 5 && word[2] == '-')) &&
+               std::ranges::count_if(word, isLetter) == static_cast<int>(word.size() / 5 + 1) * 2;
+    };
+    for (const Word &each : wordsFrom(from)) {
+        if (!isOneOf(text(each), registered) && !isLanguage(text(each))) {
+            word(each, Others::Masked);
+        }
+    }
 }
 
 // a=group:BUNDLE 0 1
@@ -155,14 +177,14 @@ void LineMasks::addresses(size_t from) {
 
 // 1 AES_CM_128_HMAC_SHA1_80 inline:key|2^20|1:32 FEC_ORDER=SRTP_FEC (RFC 4568 section 9.1)
 void LineMasks::crypto(size_t from) {
+    constexpr size_t kLongestSuite = 48;
     const auto isSuite = [](std::string_view word) {
-        const auto has = [word](char first, char last) {
-            return std::any_of(word.begin(), word.end(),
-                               [=](char byte) { return byte >= first && byte <= last; });
-        };
-        const bool isToken = std::all_of(word.begin(), word.end(),
-                                         [](char byte) { return isAlnum(byte) || byte == '_'; });
-        return isToken && word.find('_') != kNone && !(has('a', 'z') && has('A', 'Z'));
+        constexpr std::string_view ciphers[] = {"AES", "AEAD", "ARIA", "CAMELLIA", "DOUBLE",
+                                                "F8",  "MS",   "NULL", "SEED"};
+        const bool isToken =
+            std::ranges::all_of(word, [](char byte) { return isAlnum(byte) || byte == '_'; });
+        return isToken && word.size() <= kLongestSuite && word.find('_') != kNone &&
+               isOneOf(word.substr(0, word.find('_')), ciphers);
     };
     const std::vector<Word> words = wordsFrom(from);
     for (size_t i = 0; i < words.size(); ++i) {
@@ -177,8 +199,9 @@ void LineMasks::crypto(size_t from) {
 void LineMasks::fingerprint(size_t from) {
     const std::vector<Word> words = wordsFrom(from);
     const std::string_view hash = words.size() > 1 ? text(words[0]) : "";
-    const bool isHash = hash.size() <= 12 && (equalsIgnoringCase(hash.substr(0, 4), "sha-") ||
-                                              equalsIgnoringCase(hash.substr(0, 2), "md"));
+    constexpr std::string_view hashes[] = {"sha-1",   "sha-224", "sha-256", "sha-384",
+                                           "sha-512", "md5",     "md2"};
+    const bool isHash = isOneOf(hash, hashes);
     secret(isHash ? words[1].begin : from);
 }
 

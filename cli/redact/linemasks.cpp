@@ -198,10 +198,12 @@ void LineMasks::words(size_t from, Others others) {
 void LineMasks::word(const Word &word, Others others) {
     const std::vector<Finding> found = findingsOf(text(word));
     const Word inner = core(word);
-    if (others == Others::Masked && inner.begin != inner.end) {
+    // Readers that take a CR for a line end would find another line in the word.
+    const bool isOneLine = text(inner).find('\r') == kNone;
+    if ((others == Others::Masked || !isOneLine) && inner.begin != inner.end) {
         const bool isHarmless =
             (isShortNumber(text(inner)) || isOneOf(text(inner), kCommonWords)) && !isKnown(inner);
-        if (found.empty() ? !isHarmless : !explains(word, found)) {
+        if (!isOneLine || (found.empty() ? !isHarmless : !explains(word, found))) {
             return mask(Mask::Word, inner.begin, inner.end);
         }
     }

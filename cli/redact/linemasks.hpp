@@ -54,6 +54,7 @@ private:
     void attribute(size_t from);
     void protocolWords(size_t from) { words(from, Others::Kept); }
     void otherWords(size_t from) { words(from, Others::Masked); }
+    void registeredWords(size_t from);
     void firstWordKept(size_t from);
     void addresses(size_t from);
     void secret(size_t from) { mask(Mask::Secret, from, line_.size()); }

@@ -17,10 +17,11 @@ constexpr size_t kShortestHex = 32;
 constexpr size_t kShortestPhone = 5; // digits
 constexpr size_t kFewestPairs = 6;   // of hexadecimal digits: a hardware address
 
-constexpr std::string_view kHostSchemes[] = {
-    "sip:", "sips:", "h323:", "mailto:", "im:", "pres:", "xmpp:"};
-constexpr std::string_view kPhoneScheme = "tel:";
-constexpr std::string_view kSecretMarkers[] = {"inline:", "cname:", "password:", "pwd:"};
+constexpr std::string_view kHostSchemes[] = {"sip",  "sips", "h323",   "mailto", "im",
+                                             "pres", "xmpp", "callto", "skype"};
+constexpr std::string_view kPhoneScheme = "tel";
+constexpr std::string_view kSecretNames[] = {"inline", "cname", "password", "passwd", "pwd",
+                                             "secret", "key",   "token",    "auth"};
 
 bool isHex(char byte) {
     return isDigit(byte) || (isLetter(byte) && (byte | 0x20) <= 'f');
@@ -56,15 +57,13 @@ size_t countOf(std::string_view text, bool (*counts)(char)) {
     return static_cast<size_t>(std::count_if(text.begin(), text.end(), counts));
 }
 
-// Offset of the first occurrence, letters in either case, that no letter or digit precedes.
-size_t findMarker(std::string_view text, std::string_view marker) {
-    for (size_t at = text.find(':'); at != kNone; at = text.find(':', at + 1)) {
-        if (at + 1 < marker.size()) {
-            continue;
-        }
-        const size_t begin = at + 1 - marker.size();
+// Offset of the first occurrence of the name before ":" (or "=" too), letters in either case, that
+// no letter or digit precedes.
+size_t findName(std::string_view text, std::string_view name, std::string_view ends) {
+    for (size_t at = text.find_first_of(ends); at != kNone; at = text.find_first_of(ends, at + 1)) {
+        const size_t begin = at - std::min(at, name.size());
         const bool bounded = begin == 0 || !isWordByte(text[begin - 1]);
-        if (bounded && equalsIgnoringCase(text.substr(begin, marker.size()), marker)) {
+        if (bounded && equalsIgnoringCase(text.substr(begin, at - begin), name)) {
             return begin;
         }
     }
@@ -111,15 +110,14 @@ bool isRandom(std::string_view text) {
                            (isHexText && text.size() >= kShortestHex && lower + upper != 0));
 }
 
-// A dotted name whose last label is a word. "vnd." and "prs." begin media types (RFC 6838).
+// A dotted name whose last label is no number. "vnd." and "prs." begin media types (RFC 6838).
 bool isHost(std::string_view text) {
     const size_t dot = text.rfind('.');
     if (dot == kNone || dot == 0 || text.starts_with("vnd.") || text.starts_with("prs.")) {
         return false;
     }
     const std::string_view last = text.substr(dot + 1);
-    const bool isWord = std::none_of(last.begin(), last.end(), isDigit) || last.starts_with("xn--");
-    return last.size() >= 2 && isWord && countOf(text, isHostByte) == text.size();
+    return last.size() >= 2 && !isDigit(last.front()) && countOf(text, isHostByte) == text.size();
 }
 
 class Search {
@@ -128,10 +126,10 @@ public:
 
     std::vector<Finding> run() {
         size_t end = word_.size();
-        for (const std::string_view marker : kSecretMarkers) {
-            const size_t found = findMarker(word_.substr(0, end), marker);
-            if (found != kNone && found + marker.size() < end) {
-                secret_ = {Shape::Secret, found + marker.size(), word_.size(), found};
+        for (const std::string_view name : kSecretNames) {
+            const size_t found = findName(word_.substr(0, end), name, ":=");
+            if (found != kNone && found + name.size() + 1 < end) {
+                secret_ = {Shape::Secret, found + name.size() + 1, word_.size(), found};
                 end = found;
             }
         }
@@ -176,15 +174,15 @@ private:
     // Between brackets, commas and semicolons.
     void segment(size_t begin, size_t end) {
         const std::string_view text = part(begin, end);
-        if (const size_t found = findMarker(text, kPhoneScheme); found != kNone) {
+        if (const size_t found = findName(text, kPhoneScheme, ":"); found != kNone) {
             mailOrKeys(begin, begin, begin + found);
-            addAfter(begin + found, Shape::Phone, begin + found + kPhoneScheme.size(), end);
+            addAfter(begin + found, Shape::Phone, begin + found + kPhoneScheme.size() + 1, end);
             return;
         }
         for (const std::string_view scheme : kHostSchemes) {
-            if (const size_t found = findMarker(text, scheme); found != kNone) {
+            if (const size_t found = findName(text, scheme, ":"); found != kNone) {
                 mailOrKeys(begin, begin, begin + found);
-                afterScheme(begin + found, begin + found + scheme.size(), end);
+                afterScheme(begin + found, begin + found + scheme.size() + 1, end);
                 return;
             }
         }

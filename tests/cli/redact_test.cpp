@@ -59,6 +59,9 @@ TEST(Redact, MasksKeysAndCredentials) {
     EXPECT_EQ(redacted("a=ice-ufrag:8hhY"), "a=ice-ufrag:secret1");
     EXPECT_EQ(redacted("a=ice-pwd asd88"), "a=ice-pwd secret1");
     EXPECT_EQ(redacted("a=password:1"), "a=password:secret1");
+    EXPECT_EQ(redacted("a=fmtp:96 mode=1;password=alice;x=2"), "a=fmtp:96 mode=1;password=secret1");
+    EXPECT_EQ(redacted("a=crypto:1 alices_key x"), "a=crypto:1 secret1");
+    EXPECT_EQ(redacted("a=fingerprint:mdalice 4A:AD"), "a=fingerprint:secret1");
     EXPECT_EQ(redacted("a=tls-id:abc3de65cddef001be82"), "a=tls-id:secret1");
     EXPECT_EQ(redacted("a=zrtp-hash:1.10 fe30efd02423cb054e50efd0"), "a=zrtp-hash:secret1");
     EXPECT_EQ(redacted("a=alt:1 1 : STu/ZtOu 7hiLQmUp 10.1.1.2 34640"),
@@ -113,6 +116,9 @@ TEST(Redact, MasksNames) {
     EXPECT_EQ(redacted("a=x-extension:1234"), "a=x-extension:word1");
     EXPECT_EQ(redacted("a=fmtp:96 mac=39-A7-94-FF-FE-07"), "a=fmtp:96 mac=secret1");
     EXPECT_EQ(redacted("a=alice@example.com"), "a=email1@redacted.invalid");
+    EXPECT_EQ(redacted("a=lang:alice"), "a=lang:word1");
+    EXPECT_EQ(redacted("a=fmtp:96 via=pc33.lab1"), "a=fmtp:96 via=host1.invalid");
+    EXPECT_EQ(redacted("a=fmtp:96 x\ra=label:alice"), "a=fmtp:96 word1");
 }
 
 TEST(Redact, LeavesTheRest) {

@@ -151,7 +151,10 @@ private:
     }
 
     std::string otherAttribute() {
-        switch (chance_.below(10)) {
+        switch (chance_.below(13)) {
+        case 10: return "fmtp:96 mode=1;password=" + key(9);
+        case 11: return "lang:" + word(6);
+        case 12: return "fmtp:96 x\ra=label:" + word(7);
         case 0: return "source-filter: incl IN IP4 * " + anyHost() + ' ' + anyHost();
         case 1: return "path:msrp://" + anyHost() + ":1011/" + word(8) + ";tcp";
         case 2: return "x-contact:" + sipUri();
