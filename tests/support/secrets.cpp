@@ -203,7 +203,7 @@ private:
     std::string ipv6() {
         std::string text = "2A" + letters(kHex, 2);
         for (uint32_t i = 1; i < 8; ++i) {
-            text += ':' + ("1" + letters(kHex, 3));
+            text.append(":1").append(letters(kHex, 3));
         }
         return secret(text);
     }
