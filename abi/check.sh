@@ -16,9 +16,12 @@ status=0
 
 symbols() { nm -D --defined-only "$1" | awk '{ print $3 }' | LC_ALL=C sort; }
 
-for library in libsdpline libsipcore; do
-  folder=src
-  [ "$library" = libsipcore ] && folder=src/sipcore
+for library in libsdpline libsipcore libsdpline_tidy; do
+  case $library in
+  libsdpline) folder=src ;;
+  libsipcore) folder=src/sipcore ;;
+  *) folder=src/${library#libsdpline_} ;;
+  esac
   file=$build/$folder/$library.so
   soname=$(readelf -d "$file" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
   list=$here/$library.symbols

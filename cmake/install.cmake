@@ -5,7 +5,7 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-set(sdpline_libraries sdpline sdpline_negotiate)
+set(sdpline_libraries sdpline sdpline_negotiate sdpline_tidy)
 if(SDPLINE_SIPCORE)
   list(APPEND sdpline_libraries sipcore)
 endif()

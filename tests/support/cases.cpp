@@ -66,18 +66,6 @@ std::string expand(const std::string &line) {
     return result;
 }
 
-std::string bodyOf(const Block &block) {
-    const std::string end = block.has("raw") ? "" : block.has("lf") ? "\n" : "\r\n";
-    std::string body;
-    for (size_t i = 0; i < block.lines.size(); ++i) {
-        body += expand(block.lines[i]);
-        if (i + 1 < block.lines.size() || !block.has("open")) {
-            body += end;
-        }
-    }
-    return body;
-}
-
 void configure(Case &current) {
     current.avpf = current.bodyBlock.has("avpf");
     current.family = current.bodyBlock.has("family");
@@ -180,6 +168,18 @@ std::string Block::joined() const {
         text += line + '\n';
     }
     return text;
+}
+
+std::string bodyOf(const Block &block) {
+    const std::string end = block.has("raw") ? "" : block.has("lf") ? "\n" : "\r\n";
+    std::string body;
+    for (size_t i = 0; i < block.lines.size(); ++i) {
+        body += expand(block.lines[i]);
+        if (i + 1 < block.lines.size() || !block.has("open")) {
+            body += end;
+        }
+    }
+    return body;
 }
 
 std::vector<Case> readCases(const std::string &folder) {

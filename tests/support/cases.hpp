@@ -51,6 +51,9 @@ struct Case {
     uint32_t lineEnd;
 };
 
+// The bytes that the lines of an "sdp" block stand for.
+std::string bodyOf(const Block &block);
+
 // Every case of every document in the folder. A document that cannot be read as cases ends the
 // program with its file and line.
 std::vector<Case> readCases(const std::string &folder);

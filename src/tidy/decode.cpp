@@ -1,0 +1,62 @@
+#include "tidy/decode.hpp"
+
+#include "tidy/rules.hpp"
+
+namespace sdpline::tidy {
+
+bool begin(const SipString *text, const SDPTidyOptions *options, SDPTidyReport *report,
+           Request &request) {
+    if (report == nullptr) {
+        return false;
+    }
+    *report = {};
+    report->enOutcome = SDP_TIDY_REFUSED;
+    if (text == nullptr || text->pcData == nullptr || text->ulLen == 0 ||
+        text->ulLen > SDP_MAX_LONG_BODY) {
+        return false;
+    }
+    report->strText = *text;
+    request.text = *text;
+    request.rules = options != nullptr ? options->ullRules : rulesOf(SDP_TIDY_DEFAULT);
+    request.decode = options != nullptr && options->pstDecode != nullptr
+                         ? *options->pstDecode
+                         : SDPDecodeOptions{SdpGetSupMedProtoRtpFamily(), SdpGetMaxBodySize()};
+    return true;
+}
+
+SDPResult decode(const SipString &text, const SDPDecodeOptions &options, SDPTidyReport &report) {
+    SdpLine *line = nullptr;
+    const SDPResult result = SdpLibDecodeSdpWithOptions(&text, &options, &line);
+    report.pstLine = line;
+    return result;
+}
+
+SDPFailure failureOf(SDPResult result) {
+    SDPFailure failure = {};
+    SdpLibGetLastFailure(&failure);
+    if (failure.ulResult != result) { // refused before the parser saw the text
+        SDPResultText words = {};
+        SdpLibDescribeResult(result, &words);
+        failure = {result, 0, 0, 0, 0, words.pcCheck}; // "" for a service's own code
+    }
+    return failure;
+}
+
+SDPResult decodeGiven(const Request &request, SDPTidyReport &report) {
+    const SDPResult result = decode(request.text, request.decode, report);
+    if (result == 0) {
+        report.enOutcome = SDP_TIDY_UNCHANGED;
+    } else {
+        report.stFailure = failureOf(result);
+        report.stRemaining = report.stFailure;
+    }
+    return result;
+}
+
+// The decoder names its checks of memory so, and no other check.
+bool isOfMemory(std::string_view check) {
+    return check.ends_with("Alloc") || check.ends_with("Grow") || check.ends_with("Store") ||
+           check.ends_with("Block") || check == "SetString";
+}
+
+} // namespace sdpline::tidy

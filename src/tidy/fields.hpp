@@ -1,0 +1,59 @@
+// A line's value cut at white space into fields, each of which can be given another text.
+#pragma once
+
+#include "tidy/workspace.hpp"
+
+namespace sdpline::tidy {
+
+class Fields {
+public:
+    static constexpr uint32_t kMost = 24;
+
+    // Lines of more fields than that are left alone.
+    explicit Fields(std::string_view value);
+
+    bool fits() const { return fits_; }
+    uint32_t count() const { return count_; }
+    std::string_view operator[](uint32_t index) const {
+        return index < count_ ? items_[index] : std::string_view();
+    }
+    // Where the field was in the line as it was given; a field put in has the place of the next one.
+    const char *place(uint32_t index) const { return places_[index]; }
+
+    void set(uint32_t index, std::string_view text) {
+        items_[index] = text;
+        changed_ = true;
+    }
+    void insert(uint32_t index, std::string_view text);
+    // Takes the first fields away.
+    void drop(uint32_t howMany);
+
+    // White space at the start, null where there is none.
+    const char *leading() const { return leading_; }
+    bool hasTrailing() const { return trailing_ != nullptr; }
+    // White space that is no fault of this line's kind is left as it is: one blank is written for it.
+    void keepTrailing() { trailing_ = nullptr; }
+
+    // Whether the rules want all white space repaired that has to be.
+    bool repairable(const Workspace &work) const {
+        return fits_ && (run_ == nullptr || work.wants(Rule::SpaceRun)) &&
+               (trailing_ == nullptr || work.wants(Rule::TrailingSpace));
+    }
+    bool needsWriting() const { return changed_ || run_ != nullptr || trailing_ != nullptr; }
+
+    // Reports white space that goes, and writes the line anew: the key, the fields with one blank
+    // between them, and what comes after them.
+    void write(Workspace &work, Line &line, std::string_view key, std::string_view after = {});
+
+private:
+    std::string_view items_[kMost];
+    const char *places_[kMost];
+    uint32_t count_ = 0;
+    bool fits_ = true;
+    bool changed_ = false;
+    const char *run_ = nullptr;
+    const char *leading_ = nullptr;
+    const char *trailing_ = nullptr;
+};
+
+} // namespace sdpline::tidy

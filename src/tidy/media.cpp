@@ -1,0 +1,169 @@
+// The m= line (RFC 4566 section 5.14): the space between its fields, and formats that are missing.
+#include <algorithm>
+
+#include "sdpline/cpp/detail/keywords.hpp"
+#include "tidy/values.hpp"
+
+namespace sdpline::tidy {
+
+namespace {
+
+constexpr uint32_t kBeforeFormats = 3; // media, port, protocol
+
+// The payload number of an a=rtpmap line, empty for any other line.
+std::string_view payloadOf(const Line &line) {
+    constexpr std::string_view begin = "a=rtpmap:";
+    if (!line.text.starts_with(begin)) {
+        return {};
+    }
+    const std::string_view value = withoutBlanksBefore(line.text.substr(begin.size()));
+    size_t digits = 0;
+    while (digits < value.size() && isDigit(value[digits])) {
+        ++digits;
+    }
+    return value.substr(0, digits);
+}
+
+bool isZero(std::string_view number) {
+    return number.find_first_not_of('0') == std::string_view::npos;
+}
+
+// media SP port SP proto *( SP fmt )
+class MediaLine {
+public:
+    MediaLine(Workspace &work, Line &line, std::string_view value)
+        : work_(work), line_(line), value_(value) {
+        scan();
+    }
+
+    void repair() {
+        if (count_ < kBeforeFormats) {
+            return;
+        }
+        rtp_ = takesPayloads(first_[2], work_.takesRtpFamily());
+        if (count_ == kBeforeFormats && addFormats()) {
+            return;
+        }
+        // A blank after the last payload is no fault, nor is one after the protocol without payloads.
+        const bool listed = count_ > kBeforeFormats;
+        const bool faulty = rtp_ ? trailing_.size() > 1 || trailing_ == "\t" : !trailing_.empty();
+        const Rule rule = rtp_ && !listed ? Rule::SpaceRun : Rule::TrailingSpace;
+        if ((run_ == nullptr && !faulty) || (run_ != nullptr && !work_.wants(Rule::SpaceRun)) ||
+            (faulty && !work_.wants(rule))) {
+            return;
+        }
+        if (run_ != nullptr) {
+            work_.report(Rule::SpaceRun, line_, run_);
+        }
+        if (faulty) {
+            work_.report(rule, line_, trailing_.data());
+        }
+        const bool blank = rtp_ && !trailing_.empty() && (!faulty || !listed);
+        write(blank ? " " : "");
+    }
+
+private:
+    // Counts the fields, and finds the space that is more than one blank.
+    void scan() {
+        const char *at = value_.data();
+        const char *const end = at + value_.size();
+        while (at != end) {
+            const char *const space = at;
+            while (at != end && isBlank(*at)) {
+                ++at;
+            }
+            if (at == end) {
+                trailing_ = {space, static_cast<size_t>(at - space)};
+                return;
+            }
+            if (run_ == nullptr && at - space > (count_ == 0 ? 0 : 1)) {
+                run_ = space;
+            } else if (run_ == nullptr && at != space && *space == '\t') {
+                run_ = space;
+            }
+            const char *const field = at;
+            while (at != end && !isBlank(*at)) {
+                ++at;
+            }
+            if (count_ < kBeforeFormats) {
+                first_[count_] = {field, static_cast<size_t>(at - field)};
+            }
+            ++count_;
+        }
+    }
+
+    // An m= line without formats: those that a=rtpmap lines below it name, or "*".
+    bool addFormats() {
+        const bool needed = !rtp_ || (trailing_.empty() && !isZero(first_[1]));
+        if (!needed || !work_.wants(Rule::FormatMissing) ||
+            (run_ != nullptr && !work_.wants(Rule::SpaceRun))) {
+            return false;
+        }
+        size_t size = 0;
+        eachPayload([&](std::string_view payload) { size += payload.size() + 1; });
+        if (rtp_ && size == 0) {
+            return false;
+        }
+        if (run_ != nullptr) {
+            work_.report(Rule::SpaceRun, line_, run_);
+        }
+        work_.report(Rule::FormatMissing, line_, first_[2].data() + first_[2].size());
+        Draft formats(work_.memory, size + 2);
+        if (rtp_) {
+            eachPayload([&](std::string_view payload) { formats << " " << payload; });
+        } else {
+            formats << " *";
+        }
+        write(formats.text());
+        return true;
+    }
+
+    template <class Use>
+    void eachPayload(Use use) const {
+        const Line *const end = work_.lines + work_.lineCount;
+        for (const Line *line = &line_ + 1; rtp_ && line != end && line->key != 'm'; ++line) {
+            if (const std::string_view payload = payloadOf(*line); !payload.empty()) {
+                use(payload);
+            }
+        }
+    }
+
+    // The fields with one blank between them, then what follows the last one.
+    void write(std::string_view after) {
+        Draft draft(work_.memory, value_.size() + after.size() + 2);
+        draft << "m=";
+        std::string_view rest = withoutBlanksBefore(withoutBlanksAfter(value_));
+        while (!rest.empty()) {
+            const size_t size = std::min(rest.find_first_of(" \t"), rest.size());
+            draft << rest.substr(0, size);
+            rest = withoutBlanksBefore(rest.substr(size));
+            draft << (rest.empty() ? "" : " ");
+        }
+        line_.text = (draft << after).text();
+    }
+
+    Workspace &work_;
+    Line &line_;
+    std::string_view value_;
+    std::string_view first_[kBeforeFormats];
+    std::string_view trailing_;
+    const char *run_ = nullptr;
+    uint32_t count_ = 0;
+    bool rtp_ = false;
+};
+
+} // namespace
+
+bool takesPayloads(std::string_view protocol, bool rtpFamily) {
+    return protocol == "RTP/AVP" || protocol == "RTP/SAVP" ||
+           (protocol == "RTP/AVPF" && SdpGetSupMedProtoRtpAvpf() == 1) ||
+           (rtpFamily && tables::endsInRtpProfile(protocol));
+}
+
+void repairMedia(Workspace &work, Line &line, std::string_view value) {
+    if (!isBlank(value.front())) {
+        MediaLine(work, line, value).repair();
+    }
+}
+
+} // namespace sdpline::tidy

@@ -1,0 +1,271 @@
+// The order of lines (RFC 4566 section 5): which belong to the session and which to a media
+// description, lines that come twice or too late, and lines that are missing.
+#include "tidy/values.hpp"
+
+namespace sdpline::tidy {
+
+namespace {
+
+constexpr uint8_t kRanks = 13;
+
+// r= has the rank of t=: it stays with the t= before it.
+constexpr std::string_view kSessionOrder = "vosiuepcbtzka";
+constexpr std::string_view kMediaOrder = "micbka";
+// Between s= and t= none of these may be followed by an m= line or by an attribute.
+constexpr std::string_view kNeedTime = "iuepb";
+
+static_assert(kSessionOrder.size() == kRanks && kMediaOrder.size() <= kRanks);
+
+// Lines that come once. The first of a kind is kept, of c= lines the last.
+constexpr std::string_view kSingle = "osiuczk";
+
+constexpr bool isOneOf(std::string_view keys, char key) {
+    return key != '\0' && keys.find(key) != std::string_view::npos;
+}
+
+// The session, or one media description: its lines, and those that come to it from elsewhere.
+class Section {
+public:
+    Section(Workspace &work, std::string_view order) : work_(work), order_(order) {}
+
+    bool has(char key) const { return isOneOf(order_, key) && seen_[rankOf(key)] != nullptr; }
+    bool isEmpty() const { return lines_.empty() && aside_.empty(); }
+
+    // A line of the text that belongs here, in its turn. A second one of a kind that comes once may
+    // go, or make the first one go.
+    void add(Line &line) {
+        const char key = line.key == 'r' ? 't' : line.key;
+        line.rank = isOneOf(order_, key) ? rankOf(key) : kRanks;
+        known_ = known_ && line.rank < kRanks;
+        if (line.rank < kRanks && isOneOf(kSingle, line.key)) {
+            Line *&first = seen_[line.rank];
+            if (first != nullptr && isLeftOut(*first, line)) {
+                return;
+            }
+            first = &line;
+        } else if (line.rank < kRanks) {
+            seen_[line.rank] = &line;
+        }
+        if (line.aside) {
+            return aside_.append(line);
+        }
+        if (line.rank < kRanks) {
+            late_ = late_ || line.rank < highest_;
+            highest_ = line.rank > highest_ ? line.rank : highest_;
+        }
+        lines_.append(line);
+    }
+
+    void addMissing(char key, Rule rule, std::string_view content, const Line &before) {
+        Line *const line = work_.newLine(content, before);
+        if (line != nullptr) {
+            line->key = key;
+            work_.report(rule, *line);
+            add(*line);
+        }
+    }
+
+    // The rank of the last line that is here, once all are in their order.
+    char lastKey() const {
+        for (size_t rank = order_.size(); rank-- > 0;) {
+            if (seen_[rank] != nullptr) {
+                return order_[rank];
+            }
+        }
+        return '\0';
+    }
+
+    const Line *first(char key) const { return seen_[rankOf(key)]; }
+
+    // All lines in their order, as far as the rules want it.
+    LineList inOrder() {
+        dropLeftOut(lines_);
+        dropLeftOut(aside_);
+        if (late_ && known_ && work_.wants(Rule::LineOrder)) {
+            reportLate();
+            lines_ = sorted(lines_);
+        }
+        return aside_.empty() ? lines_ : merged();
+    }
+
+private:
+    uint8_t rankOf(char key) const {
+        return static_cast<uint8_t>(order_.find(key));
+    }
+
+    // Of two lines of a kind that comes once: true when the later one goes.
+    bool isLeftOut(Line &first, Line &later) {
+        if (first.text == later.text) {
+            return drop(Rule::LineTwice, later);
+        }
+        if (later.key != 'c') {
+            return drop(Rule::LineAgain, later);
+        }
+        drop(Rule::ConnAgain, first);
+        return false;
+    }
+
+    bool drop(Rule rule, Line &line) {
+        if (!work_.wants(rule)) {
+            return false;
+        }
+        work_.report(rule, line);
+        leaveOut(line);
+        return true;
+    }
+
+    static void dropLeftOut(LineList &list) {
+        LineList kept;
+        for (Line *line = list.first; line != nullptr;) {
+            Line *const next = line->next;
+            if (line->rank != kNotWritten) {
+                kept.append(*line);
+            }
+            line = next;
+        }
+        list = kept;
+    }
+
+    void reportLate() {
+        uint8_t highest = 0;
+        for (const Line *line = lines_.first; line != nullptr; line = line->next) {
+            if (line->rank < highest) {
+                work_.report(Rule::LineOrder, *line);
+            }
+            highest = line->rank > highest ? line->rank : highest;
+        }
+    }
+
+    static LineList sorted(LineList list) {
+        LineList kinds[kRanks + 1];
+        for (Line *line = list.first; line != nullptr;) {
+            Line *const next = line->next;
+            kinds[line->rank].append(*line);
+            line = next;
+        }
+        LineList all;
+        for (const LineList &kind : kinds) {
+            all.append(kind);
+        }
+        return all;
+    }
+
+    // Those from elsewhere go to the end of their kind.
+    LineList merged() {
+        LineList all;
+        Line *coming = sorted(aside_).first;
+        const auto take = [&all](Line *&line) {
+            Line *const next = line->next;
+            all.append(*line);
+            line = next;
+        };
+        for (Line *line = lines_.first; line != nullptr; take(line)) {
+            while (coming != nullptr && coming->rank < line->rank) {
+                take(coming);
+            }
+        }
+        while (coming != nullptr) {
+            take(coming);
+        }
+        return all;
+    }
+
+    Workspace &work_;
+    std::string_view order_;
+    LineList lines_;
+    LineList aside_;
+    Line *seen_[kRanks] = {};
+    uint8_t highest_ = 0;
+    bool late_ = false;
+    bool known_ = true; // every line is of a kind that may be here
+};
+
+class Arranger {
+public:
+    explicit Arranger(Workspace &work) : work_(work), session_(work, kSessionOrder) {}
+
+    LineList run() {
+        Line *const end = work_.lines + work_.lineCount;
+        Line *media = work_.lines;
+        while (media != end && media->key != 'm') {
+            add(session_, *media++);
+        }
+        LineList descriptions;
+        for (Line *line = media; line != end;) {
+            Section description(work_, kMediaOrder);
+            do {
+                addBelow(description, *line++);
+            } while (line != end && line->key != 'm');
+            descriptions.append(description.inOrder());
+        }
+        addMissing(media != end ? *media : *(end - 1), media != end);
+        LineList all = session_.inOrder();
+        all.append(descriptions);
+        return all;
+    }
+
+private:
+    static void add(Section &section, Line &line) {
+        if (line.rank == kNotWritten) {
+            return;
+        }
+        Line *const extra = line.extra;
+        section.add(line);
+        if (extra != nullptr) {
+            section.add(*extra);
+        }
+    }
+
+    // A line below an m= line may be one of the session.
+    void addBelow(Section &description, Line &line) {
+        const bool ofSession = isOneOf("osueptrz", line.key);
+        if (!ofSession || !work_.wants(Rule::LineLevel)) {
+            return add(description, line);
+        }
+        work_.report(Rule::LineLevel, line);
+        line.aside = true;
+        add(session_, line);
+    }
+
+    // `next` is the first m= line, or where there is none the last line.
+    void addMissing(const Line &next, bool hasMedia) {
+        const Line *const end = work_.lines + work_.lineCount;
+        const Line *begin = work_.lines;
+        while (begin != end - 1 && begin->rank == kNotWritten) {
+            ++begin;
+        }
+        if (!session_.has('v') && begin->key != '\0' && work_.wants(Rule::VersionMissing)) {
+            session_.addMissing('v', Rule::VersionMissing, kVersionLine, *begin);
+        }
+        const Line &second = begin->key == 'v' && begin + 1 != end ? begin[1] : *begin;
+        if (!session_.has('o') && work_.wants(Rule::OriginMissing)) {
+            session_.addMissing('o', Rule::OriginMissing, kOriginLine, second);
+        }
+        if (!session_.has('s') && work_.wants(Rule::NameMissing)) {
+            session_.addMissing('s', Rule::NameMissing, kNameLine, second);
+        }
+        if (session_.has('t') || !work_.wants(Rule::TimeMissing)) {
+            return;
+        }
+        const char last = session_.lastKey();
+        if (isOneOf("zka", last)) {
+            const Line *const after = session_.has('z')   ? session_.first('z')
+                                      : session_.has('k') ? session_.first('k')
+                                                          : session_.first('a');
+            session_.addMissing('t', Rule::TimeMissing, kTimeLine, *after);
+        } else if (hasMedia && isOneOf(kNeedTime, last)) {
+            session_.addMissing('t', Rule::TimeMissing, kTimeLine, next);
+        }
+    }
+
+    Workspace &work_;
+    Section session_;
+};
+
+} // namespace
+
+LineList arrange(Workspace &work) {
+    return Arranger(work).run();
+}
+
+} // namespace sdpline::tidy

@@ -1,0 +1,246 @@
+// SdpTidyText: the decoder, the passes over the lines where it refuses, and the decoder again.
+#include <algorithm>
+
+#include "tidy/decode.hpp"
+#include "tidy/values.hpp"
+
+namespace sdpline::tidy {
+
+namespace {
+
+// Of the block: what is left beside the lines and the repaired text, and what it grows by.
+constexpr uint32_t kBlockRoom = 1024;
+constexpr uint32_t kBlockNext = 4096;
+
+// ---- The repaired text
+
+struct Layout {
+    uint32_t size = 0;
+    uint32_t lines = 0;
+};
+
+// Ends every line but one that ends the whole text, and numbers the lines.
+Layout layOut(Workspace &work, const LineList &lines) {
+    Layout layout;
+    for (Line *line = lines.first; line != nullptr; line = line->next) {
+        const bool last = line->next == nullptr && work.tail.empty();
+        if (line->end.empty() && !last) {
+            line->end = work.lineEnd;
+        }
+        line->newNumber = ++layout.lines;
+        layout.size += static_cast<uint32_t>(line->text.size() + line->end.size());
+    }
+    layout.size += static_cast<uint32_t>(work.tail.size());
+    return layout;
+}
+
+// The CR of each CR LF, in the lines and after them.
+uint32_t countCr(const Workspace &work, const LineList &lines) {
+    uint32_t count = 0;
+    for (const Line *line = lines.first; line != nullptr; line = line->next) {
+        count += line->end.size() == 2 ? 1 : 0;
+    }
+    for (size_t at = work.tail.find("\r\n"); at != std::string_view::npos;
+         at = work.tail.find("\r\n", at + 2)) {
+        ++count;
+    }
+    return count;
+}
+
+void writeTail(Draft &draft, std::string_view tail, bool withoutCr) {
+    while (withoutCr) {
+        const size_t at = tail.find("\r\n");
+        if (at == std::string_view::npos) {
+            break;
+        }
+        draft << tail.substr(0, at);
+        tail.remove_prefix(at + 1);
+    }
+    draft << tail;
+}
+
+std::string_view textOf(Workspace &work, const LineList &lines, uint32_t limit) {
+    const Layout layout = layOut(work, lines);
+    bool withoutCr = false;
+    if (layout.size > limit && work.wants(Rule::LineEndSize)) {
+        const uint32_t count = countCr(work, lines);
+        withoutCr = count != 0 && layout.size - count <= limit;
+    }
+    Draft draft(work.memory, layout.size);
+    for (Line *line = lines.first; line != nullptr; line = line->next) {
+        if (withoutCr && line->end.size() == 2) {
+            line->end.remove_prefix(1);
+        }
+        draft << line->text << line->end;
+    }
+    writeTail(draft, work.tail, withoutCr);
+    if (withoutCr) {
+        const Line &first = work.lines[0];
+        work.report(Rule::LineEndSize, first, first.original.data() + first.original.size());
+    }
+    return draft.text();
+}
+
+// ---- The report
+
+// Rows in the order of the text: counted by line, then put in their places.
+SDPTidyRow *rowsOf(Workspace &work) {
+    const uint32_t count = work.foundCount();
+    auto *const rows = work.memory.array<SDPTidyRow>(count);
+    auto *const starts = work.memory.array<uint32_t>(work.lineCount + 2);
+    if (rows == nullptr || starts == nullptr) {
+        return nullptr;
+    }
+    std::fill_n(starts, work.lineCount + 2, 0u);
+    for (const Found *found = work.found(); found != work.found() + count; ++found) {
+        ++starts[found->line->number + 1];
+    }
+    for (uint32_t line = 1; line < work.lineCount + 2; ++line) {
+        starts[line] += starts[line - 1];
+    }
+    for (const Found *found = work.found(); found != work.found() + count; ++found) {
+        const Line &line = *found->line;
+        const Line &given = work.lines[line.number - 1];
+        const auto begin = static_cast<uint32_t>(given.original.data() - work.text.data());
+        rows[starts[line.number]++] = {static_cast<uint32_t>(found->rule), line.number,
+                                       found->offset + 1, begin + found->offset, line.newNumber};
+    }
+    return rows;
+}
+
+// Why the repaired text is refused, with its place in the text as it was given: that of the line,
+// where the line was written anew.
+SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure failure) {
+    for (const Line *line = lines.first; line != nullptr; line = line->next) {
+        if (line->newNumber != failure.ulLine) {
+            continue;
+        }
+        const Line &given = work.lines[line->number - 1];
+        const bool same = line->text.data() == line->original.data() && line->text.data() != nullptr;
+        failure.ulLine = line->number;
+        failure.ulColumn = same ? failure.ulColumn : 1;
+        failure.ulOffset = static_cast<uint32_t>(given.original.data() - work.text.data()) +
+                           failure.ulColumn - 1;
+        return failure;
+    }
+    failure.ulColumn = failure.ulLine = 0; // after the last line
+    failure.ulOffset = 0;
+    return failure;
+}
+
+// ---- One text
+
+class Tidying {
+public:
+    Tidying(const Request &request, SDPTidyReport &report, SDPMemCp *memCp)
+        : request_(request), report_(report),
+          work_(memCp, viewOf(request.text), request.rules, request.decode.bRtpFamily == 1) {}
+
+    // The decoder's result for the repaired text, or that nothing could be repaired.
+    SDPResult run() {
+        if (!cutLines(work_)) {
+            return SDP_TIDY_NO_MEMORY;
+        }
+        if (isNeverRepaired()) {
+            return report_.stFailure.ulResult;
+        }
+        for (uint32_t i = 0; i < work_.lineCount; ++i) {
+            if (work_.lines[i].rank != kNotWritten) {
+                repairLine(work_, work_.lines[i]);
+            }
+        }
+        const LineList lines = arrange(work_);
+        const std::string_view text = textOf(work_, lines, request_.decode.ulMaxBodySize);
+        if (work_.memory.hasFailed()) {
+            return SDP_TIDY_NO_MEMORY;
+        }
+        return work_.foundCount() != 0 ? decodeAgain(lines, text) : report_.stFailure.ulResult;
+    }
+
+private:
+    // Text before v= other than blanks, and a second v=.
+    bool isNeverRepaired() const {
+        bool begun = false;
+        for (uint32_t i = 0; i < work_.lineCount; ++i) {
+            const Line &line = work_.lines[i];
+            if (line.key == 'v' && begun) {
+                return true;
+            }
+            begun = begun || line.rank != kNotWritten;
+        }
+        return false;
+    }
+
+    SDPResult decodeAgain(const LineList &lines, std::string_view text) {
+        const SipString repaired = {static_cast<uint32_t>(text.size()),
+                                    const_cast<char *>(text.data())};
+        const SDPResult result = decode(repaired, request_.decode, report_);
+        report_.pstRows = rowsOf(work_);
+        if (report_.pstRows == nullptr) {
+            SdpLine *line = report_.pstLine;
+            SdpLibReleaseSdp(&line);
+            report_.pstLine = nullptr;
+            return SDP_TIDY_NO_MEMORY;
+        }
+        report_.ulNoOfRows = work_.foundCount();
+        if (result != 0) {
+            report_.stRemaining = inGivenText(work_, lines, failureOf(result));
+            return result;
+        }
+        report_.enOutcome = SDP_TIDY_REPAIRED;
+        report_.strText = repaired;
+        return 0;
+    }
+
+    const Request &request_;
+    SDPTidyReport &report_;
+    Workspace work_;
+};
+
+SDPResult repair(const Request &request, SDPTidyReport &report) {
+    SDPMemCp *memCp = nullptr;
+    const uint32_t size = 2 * request.text.ulLen + kBlockRoom;
+    if (SipMmCreateBufMem(size, kBlockNext, &memCp) != 0) {
+        return SDP_TIDY_NO_MEMORY;
+    }
+    const SDPResult result = Tidying(request, report, memCp).run();
+    if (report.pstRows != nullptr) {
+        report.pstMemCp = memCp;
+    } else {
+        SipMmReleaseBufMem(&memCp);
+    }
+    return result;
+}
+
+} // namespace
+
+} // namespace sdpline::tidy
+
+using namespace sdpline::tidy;
+
+extern "C" {
+
+SDPResult SdpTidyText(const SipString *pstText, const SDPTidyOptions *pstOptions,
+                      SDPTidyReport *pstReport) {
+    Request request;
+    if (!begin(pstText, pstOptions, pstReport, request)) {
+        return SDP_TIDY_ARGUMENT;
+    }
+    const SDPResult result = decodeGiven(request, *pstReport);
+    if (result == 0 || isOfMemory(pstReport->stFailure.pcCheck)) {
+        return result;
+    }
+    return repair(request, *pstReport);
+}
+
+void SdpTidyRelease(SDPTidyReport *pstReport) {
+    if (pstReport != nullptr) {
+        SdpLine *line = pstReport->pstLine;
+        SDPMemCp *memCp = pstReport->pstMemCp;
+        SdpLibReleaseSdp(&line);
+        SipMmReleaseBufMem(&memCp);
+        *pstReport = {};
+    }
+}
+
+} // extern "C"

@@ -1,0 +1,162 @@
+// Repairs within a line: the space around its "=", and lines of few fields; dispatch on its kind.
+#include "tidy/values.hpp"
+
+#include "tidy/fields.hpp"
+
+namespace sdpline::tidy {
+
+namespace {
+
+constexpr std::string_view kKept = "a=x-line:";
+
+constexpr bool isKnown(char key) {
+    return std::string_view("vosiuepcbtrzkam").find(key) != std::string_view::npos;
+}
+
+// Lines whose value is any text: a blank at its start belongs to it.
+constexpr bool isText(char key) {
+    return std::string_view("siuepbkz").find(key) != std::string_view::npos;
+}
+
+// Writes the line with nothing around its "=".
+void writeKey(Workspace &work, Line &line, std::string_view value) {
+    const char key[] = {line.key, '='};
+    line.text = (Draft(work.memory, sizeof key + value.size())
+                 << std::string_view(key, sizeof key) << value)
+                    .text();
+}
+
+// "v =0", or a tab before the key: the key and the value that this line has when such space is left
+// out. False for a line that has none either way.
+bool closeKey(Workspace &work, Line &line, std::string_view &value) {
+    std::string_view rest = withoutBlanksBefore(line.text);
+    if (rest.empty() || !isKnown(rest.front()) || !work.wants(Rule::KeySpace)) {
+        return false;
+    }
+    const char key = rest.front();
+    rest = withoutBlanksBefore(rest.substr(1));
+    if (!rest.starts_with('=')) {
+        return false;
+    }
+    work.report(Rule::KeySpace, line, line.text.data());
+    line.key = key;
+    value = withoutBlanksBefore(rest.substr(1));
+    writeKey(work, line, value);
+    return true;
+}
+
+// White space after the "=" of a line of fields. In an o= line of too few it stands for the user name.
+void closeValue(Workspace &work, Line &line, std::string_view &value) {
+    if (value.empty() || !isBlank(value.front()) || isText(line.key) ||
+        !work.wants(Rule::KeySpace) || (line.key == 'o' && Fields(value).count() < 6)) {
+        return;
+    }
+    work.report(Rule::KeySpace, line, value.data());
+    value = withoutBlanksBefore(value);
+    writeKey(work, line, value);
+}
+
+void repairVersion(Workspace &work, Line &line, std::string_view value) {
+    Fields fields(value);
+    if (fields.leading() == nullptr && fields.repairable(work) && fields.count() == 1 &&
+        isNumber(fields[0]) && fields.needsWriting()) {
+        fields.write(work, line, "v=");
+    }
+}
+
+void repairTime(Workspace &work, Line &line, std::string_view value) {
+    Fields fields(value);
+    if (fields.count() == 0) {
+        if (fields.fits() && work.wants(Rule::TimeMissing)) {
+            work.report(Rule::TimeMissing, line);
+            line.text = kTimeLine;
+        }
+        return;
+    }
+    if (fields.leading() == nullptr && fields.repairable(work) && fields.count() == 2 &&
+        isNumber(fields[0]) && isNumber(fields[1]) && fields.needsWriting()) {
+        fields.write(work, line, "t=");
+    }
+}
+
+void repairRepeat(Workspace &work, Line &line, std::string_view value) {
+    Fields fields(value);
+    if (fields.leading() == nullptr && fields.repairable(work) && fields.count() != 0 &&
+        fields.needsWriting()) {
+        fields.write(work, line, "r=");
+    }
+}
+
+void repairEmpty(Workspace &work, Line &line) {
+    if (line.key == 's' && work.wants(Rule::NameEmpty)) {
+        work.report(Rule::NameEmpty, line, line.original.data() + line.original.size());
+        line.text = kNameLine;
+    } else if (std::string_view("iuepcbrzka").find(line.key) != std::string_view::npos &&
+               work.wants(Rule::LineEmpty)) {
+        work.report(Rule::LineEmpty, line);
+        leaveOut(line);
+    }
+}
+
+} // namespace
+
+void leaveOut(Line &line) {
+    line.text = {};
+    line.end = {};
+    line.key = '\0';
+    line.rank = kNotWritten;
+}
+
+void makeAttribute(Workspace &work, Line &line) {
+    line.text =
+        (Draft(work.memory, kKept.size() + line.original.size()) << kKept << line.original).text();
+    line.key = 'a';
+    line.aside = true;
+}
+
+void keepAsAttribute(Workspace &work, Line &line) {
+    Draft draft(work.memory, kKept.size() + line.original.size());
+    line.extra = work.newLine((draft << kKept << line.original).text(), line);
+    if (line.extra != nullptr) {
+        line.extra->key = 'a';
+    }
+}
+
+void repairLine(Workspace &work, Line &line) {
+    if (line.text.find('\r') != std::string_view::npos) {
+        return; // readers disagree about where it ends
+    }
+    std::string_view value;
+    if (line.key == '\0') {
+        if (!closeKey(work, line, value)) {
+            return;
+        }
+    } else if (!isKnown(line.key)) {
+        if (work.wants(Rule::LineUnknown)) {
+            work.report(Rule::LineUnknown, line);
+            makeAttribute(work, line);
+        }
+        return;
+    } else {
+        value = line.text.substr(line.text.find('=') + 1);
+        closeValue(work, line, value);
+    }
+    switch (line.key) {
+    case 'v': return repairVersion(work, line, value);
+    case 'o': return repairOrigin(work, line, value);
+    case 't': return repairTime(work, line, value);
+    default: break;
+    }
+    if (value.empty()) {
+        return repairEmpty(work, line);
+    }
+    switch (line.key) {
+    case 'c': return repairConnection(work, line, value);
+    case 'r': return repairRepeat(work, line, value);
+    case 'm': return repairMedia(work, line, value);
+    case 'a': return repairAttribute(work, line, value);
+    default: return;
+    }
+}
+
+} // namespace sdpline::tidy

@@ -1,0 +1,234 @@
+// The operations themselves: arguments, the table of rules, who owns what, what is never repaired,
+// and what a text costs.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/allocations.hpp"
+#include "tidy/tidied.hpp"
+
+namespace {
+
+using support::Allocations;
+using support::Held;
+using tidytest::Tidied;
+using tidytest::tidied;
+
+constexpr uint64_t kAll = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
+const std::string kHead = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n";
+const std::string kUntidy = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=\r\nt=0 0\r\n";
+
+// ---- Rules
+
+TEST(TidyRules, AreFoundByNumberAndByName) {
+    for (uint32_t number = 0; number < SDP_TIDY_RULE_COUNT; ++number) {
+        const SDPTidyRule *const rule = SdpTidyRuleAt(number);
+        ASSERT_NE(rule, nullptr);
+        EXPECT_EQ(rule->enRule, number);
+        std::string name = rule->pcName;
+        EXPECT_EQ(SdpTidyRuleByName(name.data(), static_cast<uint32_t>(name.size())), rule);
+        for (char &letter : name) {
+            letter = static_cast<char>(std::toupper(letter));
+        }
+        EXPECT_EQ(SdpTidyRuleByName(name.data(), static_cast<uint32_t>(name.size())), rule);
+        for (const char *const text : {rule->pcWrong, rule->pcDone, rule->pcReference}) {
+            EXPECT_STRNE(text, "");
+        }
+    }
+    EXPECT_EQ(SdpTidyRuleAt(SDP_TIDY_RULE_COUNT), nullptr);
+    EXPECT_EQ(SdpTidyRuleByName("NameEmptyy", 10), nullptr);
+    EXPECT_EQ(SdpTidyRuleByName("NameEmpt", 8), nullptr);
+    EXPECT_EQ(SdpTidyRuleByName(nullptr, 3), nullptr);
+}
+
+TEST(TidyRules, AreInOneSetEach) {
+    uint64_t all = 0;
+    for (const uint32_t set :
+         {SDP_TIDY_DEFAULT, SDP_TIDY_OPTIONAL, SDP_TIDY_BY_NAME, SDP_TIDY_DOUBT}) {
+        EXPECT_EQ(all & SdpTidyRulesOf(set), 0u);
+        all |= SdpTidyRulesOf(set);
+    }
+    EXPECT_EQ(all, SDP_TIDY_BIT(SDP_TIDY_RULE_COUNT) - 1);
+    EXPECT_EQ(SdpTidyRulesOf(0), 0u);
+    EXPECT_EQ(SdpTidyRulesOf(SDP_TIDY_DOUBT), all & ~kAll);
+}
+
+TEST(TidyRules, OfTheDefaultSetLoseAndChangeNothing) {
+    for (uint32_t number = 0; number < SDP_TIDY_RULE_COUNT; ++number) {
+        const SDPTidyRule &rule = *SdpTidyRuleAt(number);
+        if (rule.enSet == SDP_TIDY_DEFAULT) {
+            EXPECT_EQ(rule.bLoses, 0u) << rule.pcName;
+            EXPECT_EQ(rule.bChanges, 0u) << rule.pcName;
+        }
+    }
+}
+
+// ---- Arguments and ownership
+
+TEST(TidyText, RefusesWhatIsNoText) {
+    char byte = 'v';
+    const SipString empty = {0, &byte};
+    const SipString none = {1, nullptr};
+    SDPTidyReport report;
+    for (const auto operation : {SdpTidyText, SdpTidyFindDoubts}) {
+        for (const SipString *const text : {static_cast<const SipString *>(nullptr), &empty, &none}) {
+            EXPECT_EQ(operation(text, nullptr, &report), static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
+            EXPECT_EQ(report.enOutcome, static_cast<uint32_t>(SDP_TIDY_REFUSED));
+            EXPECT_EQ(report.pstLine, nullptr);
+            SdpTidyRelease(&report);
+        }
+        EXPECT_EQ(operation(&empty, nullptr, nullptr), static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
+    }
+    SdpTidyRelease(nullptr);
+}
+
+TEST(TidyText, LooksAtNoMoreThan65535Bytes) {
+    const std::string body = kHead + "a=x:" + std::string(65535, 'y');
+    EXPECT_EQ(tidied(body, kAll).result, static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
+    EXPECT_NE(tidied(body.substr(0, 65535), kAll).result, static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
+}
+
+TEST(TidyText, WithoutOptionsMakesTheDefaultRepairs) {
+    const SipString text = {static_cast<uint32_t>(kUntidy.size()),
+                            const_cast<char *>(kUntidy.data())};
+    SDPTidyReport report;
+    ASSERT_EQ(SdpTidyText(&text, nullptr, &report), 0u);
+    EXPECT_EQ(report.enOutcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED));
+    ASSERT_EQ(report.ulNoOfRows, 1u);
+    EXPECT_EQ(report.pstRows[0].enRule, static_cast<uint32_t>(SDP_TIDY_NAME_EMPTY));
+    EXPECT_STREQ(report.stFailure.pcCheck, "TextEmpty");
+    SdpTidyRelease(&report);
+}
+
+TEST(TidyText, UnderTheSettingsOfTheProcessWithoutOthers) {
+    const std::string offer = kHead + "m=audio 9 RTP/SAVPF 0 8 \r\n";
+    const SipString text = {static_cast<uint32_t>(offer.size()), const_cast<char *>(offer.data())};
+    SDPTidyReport report;
+    EXPECT_NE(SdpTidyText(&text, nullptr, &report), 0u);
+    SdpTidyRelease(&report);
+    SdpSetSupMedProtoRtpFamily(1);
+    EXPECT_EQ(SdpTidyText(&text, nullptr, &report), 0u);
+    SdpTidyRelease(&report);
+    SdpSetSupMedProtoRtpFamily(0);
+}
+
+TEST(TidyText, LeavesTheBodyToWhoeverTakesIt) {
+    const Held before = Held::now();
+    const SipString text = {static_cast<uint32_t>(kUntidy.size()),
+                            const_cast<char *>(kUntidy.data())};
+    SDPTidyReport report;
+    ASSERT_EQ(SdpTidyText(&text, nullptr, &report), 0u);
+    SdpLine *line = report.pstLine;
+    report.pstLine = nullptr;
+    SdpTidyRelease(&report);
+    EXPECT_EQ(line->strSessionName.ulLen, 1u);
+    SdpLibReleaseSdp(&line);
+    EXPECT_EQ(Held::now(), before);
+}
+
+TEST(TidyText, ThatIsTakenIsTheCallersAndNeedsNoMemoryOfItsOwn) {
+    const SipString text = {static_cast<uint32_t>(kHead.size()), const_cast<char *>(kHead.data())};
+    SdpLine *line = nullptr;
+    Allocations::reset();
+    ASSERT_EQ(SdpLibDecodeSdp(&text, &line), 0u);
+    const uint32_t decode = Allocations::count();
+    SdpLibReleaseSdp(&line);
+    SDPTidyReport report;
+    Allocations::reset();
+    ASSERT_EQ(SdpTidyText(&text, nullptr, &report), 0u);
+    EXPECT_EQ(Allocations::count(), decode);
+    EXPECT_EQ(report.strText.pcData, kHead.data());
+    EXPECT_EQ(report.pstMemCp, nullptr);
+    SdpTidyRelease(&report);
+}
+
+// A text that the decoder would take is not repaired because its memory ran out.
+TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
+    const std::string body = kHead + "a=x:y \r\nm=audio 5 RTP/AVP 0\r\n";
+    for (uint32_t n = 1;; ++n) {
+        Allocations::failAt(n);
+        const Tidied refused = tidied(body, kAll);
+        const bool failed = Allocations::failed();
+        Allocations::reset();
+        if (!failed) {
+            EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_UNCHANGED));
+            return;
+        }
+        EXPECT_NE(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
+        EXPECT_TRUE(refused.rows.empty());
+    }
+}
+
+// The library tells a lack of memory by the names of the decoder's checks.
+TEST(TidyText, KnowsTheChecksOfMemory) {
+    struct Row {
+        std::string_view name;
+        std::string_view sentence;
+    };
+    const Row rows[] = {
+#define CHECK(source, name, function, outcome, logged, sentence) {#name, sentence},
+#include "checks/parser.def"
+#include "checks/parser_attribute.def"
+#include "checks/parser_media.def"
+#include "checks/parser_time.def"
+#include "checks/text.def"
+#undef CHECK
+        {"DecodeBlock", "no memory"},
+    };
+    const auto isOfMemory = [](std::string_view check) {
+        return check.ends_with("Alloc") || check.ends_with("Grow") || check.ends_with("Store") ||
+               check.ends_with("Block") || check == "SetString";
+    };
+    for (const Row &row : rows) {
+        EXPECT_EQ(isOfMemory(row.name), row.sentence.starts_with("no memory")) << row.name;
+    }
+}
+
+// ---- Never repaired
+
+TEST(TidyNever, IsTextBeforeTheVersion) {
+    for (const std::string before : {"x", "--boundary\r\n", "a=x\r\n", ";"}) {
+        const Tidied refused = tidied(before + kUntidy, kAll);
+        EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED)) << before;
+    }
+}
+
+TEST(TidyNever, IsASecondVersion) {
+    const Tidied refused = tidied(kUntidy + "v=0\r\n", kAll);
+    EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED));
+    EXPECT_TRUE(refused.rows.empty());
+}
+
+TEST(TidyNever, IsACrInsideALine) {
+    for (const std::string line : {"m=audio 5 RTP/AVP\r0\r\n", "m=audio 5 RTP/AVP 0\r\r\n",
+                                   "c=IN IP4\r192.0.2.1\r\n"}) {
+        const Tidied refused = tidied(kHead + line, kAll);
+        EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED)) << line;
+    }
+}
+
+// ---- Cost
+
+// Twice the text costs twice the requests, whatever has to be repaired.
+TEST(TidyCost, IsLinear) {
+    const std::string lines[] = {"a=x:\r\n",    "a=ptime: 20 \r\n", "\r\n",
+                                 "y=1\r\n",     "b=x\r\n",          "c=IN IP4 h.example\r\n",
+                                 "i=x\r\n",     "m=a 1 b \r\n",     "t=0 0\r\n",
+                                 "a=rtpmap:0 PCMU\r\nm=audio 5 RTP/AVP\r\n"};
+    const SDPDecodeOptions options = {1, SDP_MAX_LONG_BODY};
+    for (const std::string &line : lines) {
+        uint32_t requests[2] = {};
+        for (uint32_t i = 0; i < 2; ++i) {
+            std::string body = kHead + "m=audio 5 RTP/AVP\r\n";
+            while (body.size() + line.size() < 30000u * (i + 1)) {
+                body += line;
+            }
+            Allocations::reset();
+            tidied(body, kAll, options);
+            requests[i] = Allocations::count();
+        }
+        EXPECT_LT(requests[1], 2 * requests[0] + 100) << line;
+    }
+}
+
+} // namespace
