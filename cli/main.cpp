@@ -1,5 +1,6 @@
 // The sdpline program: SDP bodies decoded, checked, compared and written, for people and scripts.
 #include <iostream>
+#include <new>
 
 #include "commands/commands.hpp"
 
@@ -8,29 +9,37 @@ namespace {
 constexpr cli::Program kProgram = {
     "sdpline", "Reads the SDP bodies of SIP messages.", "sdpline " SDPLINE_VERSION,
     "Each subcommand has --help and examples. Colour is used on terminals only, and not\n"
-    "when NO_COLOR is set."};
+    "when NO_COLOR is set. Exit status: 0 when all is well, 1 when something is refused\n"
+    "or differs, 2 when something cannot be used."};
 
-} // namespace
-
-int main(int argc, char **argv) {
-    std::ios::sync_with_stdio(false);
-    cli::Outcome outcome;
-    const auto addCommands = [&outcome](CLI::App &app) {
-        cli::addDecode(app, outcome);
-        cli::addFormat(app, outcome);
-        cli::addEncode(app, outcome);
-        cli::addCheck(app, outcome);
-        cli::addDiff(app, outcome);
-        cli::addExplain(app, outcome);
-        cli::addProfiles(app, outcome);
+int run(int argc, char **argv) {
+    int status = cli::kFine;
+    const auto addCommands = [&status](CLI::App &app) {
+        for (const auto &add : cli::kCommands) {
+            add(app, status);
+        }
     };
-    if (int status = 0; !cli::readCommandLine(kProgram, argc, argv, addCommands, status)) {
+    if (!cli::readCommandLine(kProgram, argc, argv, addCommands, status)) {
         return status;
     }
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "sdpline: cannot write the output\n";
-        return outcome.trouble;
+        return cli::kUnusable;
     }
-    return outcome.status;
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    std::ios::sync_with_stdio(false);
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc &) {
+        std::cerr << "sdpline: not enough memory\n";
+    } catch (const std::exception &error) {
+        std::cerr << "sdpline: " << error.what() << '\n';
+    }
+    return cli::kUnusable;
 }

@@ -3,9 +3,9 @@
 
 #include <iostream>
 
-#include "input/input.hpp"
 #include "output/diagnostic.hpp"
 #include "output/everyline.hpp"
+#include "output/jsonlist.hpp"
 #include "output/text.hpp"
 
 namespace cli {
@@ -14,142 +14,127 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kRefused = 1;
-constexpr int kUnreadable = 2;
-
 struct Options {
     DecodeOptions decode;
     bool everyLine = false;
 };
 
-class Checker {
+struct Counts {
+    size_t files = 0;
+    size_t bodies = 0;
+    size_t refused = 0;
+    size_t problems = 0; // notes are not among them
+};
+
+class Checker : public BodyUser {
 public:
-    Checker(const Options &options, size_t files)
-        : options_(options), progress_(files), style_(styleFor(stdout)),
-          redactor_(options.decode.redact ? std::make_optional<Redactor>() : std::nullopt) {}
+    explicit Checker(const Options &options)
+        : BodyUser(options.decode), options_(options), style_(styleFor(stdout)) {}
 
-    void file(const std::string &path) {
-        std::string error;
-        const std::optional<Source> source = readSource(path, error);
-        if (source) {
-            ++files_;
-            bodiesOf(*source);
-        } else {
-            unreadable((path == "-" ? "standard input" : path) + ": " + error);
-        }
-        progress_.advance();
-    }
-
-    void unreadable(const std::string &message) {
-        ++problems_;
-        progress_.hide();
-        std::cerr << "sdpline: " << message << '\n';
-        problemList_.push_back(message);
-    }
-
-    // Writes the summary, or all of the JSON, and answers the exit status.
-    int finish() {
-        progress_.hide();
+    void files(size_t count) override {
+        progress_.emplace(count);
         if (options_.decode.json) {
-            std::cout << dumped({{"bodies", bodyList_},
-                                 {"problems", problemList_},
-                                 {"summary",
-                                  {{"files", files_},
-                                   {"bodies", bodies_},
-                                   {"refused", refused_},
-                                   {"problems", problems_}}}});
-        } else {
-            std::cout << "checked " << counted(bodies_, "body", "bodies") << " in "
-                      << counted(files_, "file", "files") << ": "
-                      << (refused_ == 0 ? "none" : std::to_string(refused_)) << " refused"
-                      << (problems_ == 0 ? "" : ", " + counted(problems_, "problem", "problems"))
-                      << '\n';
-        }
-        return problems_ != 0 ? kUnreadable : refused_ != 0 ? kRefused : 0;
-    }
-
-private:
-    void bodiesOf(const Source &source) {
-        const Bodies found = findBodies(source.text());
-        for (const Problem &problem : found.problems) {
-            unreadable(problemText(source, problem));
-        }
-        for (const BodyPlace &place : found.bodies) {
-            body({&source, place});
+            list_.emplace(std::cout, "bodies");
         }
     }
 
-    void body(const Found &found) {
-        ++bodies_;
-        Redactor *const redactor = redactor_ ? &*redactor_ : nullptr;
-        if (redactor != nullptr) {
-            redactor->learn(found.text());
+    void fileDone(bool read) override {
+        counts_.files += read ? 1 : 0;
+        progress_->advance();
+    }
+
+    void problem(Problem::Kind kind, const std::string &text) override {
+        progress_->hide();
+        BodyUser::problem(kind, text);
+        if (kind != Problem::Note) {
+            ++counts_.problems;
+            problemList_.push_back(text);
         }
+    }
+
+    void body(const Found &found) override {
+        ++counts_.bodies;
+        Redactor *const redactor = redactorFor(found);
         const std::vector<Diagnostic> diagnostics = judge(found);
-        refused_ += diagnostics.empty() ? 0 : 1;
-        if (options_.decode.json) {
-            Json list = Json::array();
-            for (const Diagnostic &diagnostic : diagnostics) {
-                list.push_back(jsonOf(found, diagnostic, redactor));
-            }
-            bodyList_.push_back({{"file", found.source->name()},
-                                 {"line", found.source->placeOf(found.place.offset).line},
-                                 {"offset", found.place.offset},
-                                 {"size", found.place.size},
-                                 {"accepted", diagnostics.empty()},
-                                 {"diagnostics", std::move(list)}});
+        if (!diagnostics.empty()) {
+            ++counts_.refused;
+            atLeast(kRefused);
+        }
+        if (list_) {
+            list_->add(jsonOf(found, diagnostics, redactor));
             return;
         }
         for (const Diagnostic &diagnostic : diagnostics) {
-            progress_.hide();
+            progress_->hide();
             print(std::cout, found, diagnostic, redactor, style_);
         }
     }
 
+    // Writes the summary, or the rest of the JSON, and returns the exit status.
+    int finish() {
+        progress_->hide();
+        if (list_) {
+            list_->finish({{"problems", problemList_},
+                           {"summary",
+                            {{"files", counts_.files},
+                             {"bodies", counts_.bodies},
+                             {"refused", counts_.refused},
+                             {"problems", counts_.problems}}}});
+        } else {
+            printSummary();
+        }
+        return status();
+    }
+
+private:
+    void printSummary() const {
+        std::cout << "checked " << counted(counts_.bodies, "body", "bodies") << " in "
+                  << counted(counts_.files, "file", "files") << ": "
+                  << (counts_.refused == 0 ? "none" : std::to_string(counts_.refused)) << " refused"
+                  << (counts_.problems == 0
+                          ? ""
+                          : ", " + counted(counts_.problems, "problem", "problems"))
+                  << '\n';
+    }
+
+    static Json jsonOf(const Found &found, const std::vector<Diagnostic> &diagnostics,
+                       Redactor *redactor) {
+        Json list = Json::array();
+        for (const Diagnostic &diagnostic : diagnostics) {
+            list.push_back(cli::jsonOf(found, diagnostic, redactor));
+        }
+        return {{"file", found.path},
+                {"line", found.line},
+                {"offset", found.offset},
+                {"size", found.text.size()},
+                {"accepted", diagnostics.empty()},
+                {"diagnostics", std::move(list)}};
+    }
+
     std::vector<Diagnostic> judge(const Found &found) const {
-        const Decoded decoded = decodeBody(found.text());
-        if (decoded.body) {
+        const auto body = sdpline::Body::decode(found.text);
+        if (body) {
             return {};
         }
-        std::vector<Diagnostic> diagnostics = {diagnosticOf(decoded, found.place)};
+        std::vector<Diagnostic> diagnostics = {diagnosticOf(body.error(), found)};
         if (options_.everyLine && diagnostics.front().offset) {
-            for (const LineFault &fault : judgeLines(found.text(), decoded.failure.ulOffset)) {
-                diagnostics.push_back(
-                    diagnosticOfLine(fault.result, fault.token, found.place.offset + fault.offset));
-            }
+            std::vector<Diagnostic> others = judgeLines(found.text, body.error().offset);
+            std::move(others.begin(), others.end(), std::back_inserter(diagnostics));
         }
         return diagnostics;
     }
 
     const Options &options_;
-    Progress progress_;
     const Style &style_;
-    std::optional<Redactor> redactor_;
-    size_t files_ = 0;
-    size_t bodies_ = 0;
-    size_t refused_ = 0;
-    size_t problems_ = 0;
-    Json bodyList_ = Json::array();
+    std::optional<Progress> progress_;
+    std::optional<JsonList> list_;
+    Counts counts_;
     Json problemList_ = Json::array();
 };
 
-int run(const Options &options) {
-    SdpSetSupMedProtoRtpAvpf(options.decode.avpf ? 1 : 0);
-    std::vector<std::string> errors;
-    const std::vector<std::string> files = expandFolders(options.decode.paths, errors);
-    Checker checker(options, files.size());
-    for (const std::string &error : errors) {
-        checker.unreadable(error);
-    }
-    for (const std::string &file : files) {
-        checker.file(file);
-    }
-    return checker.finish();
-}
-
 } // namespace
 
-void addCheck(CLI::App &app, Outcome &outcome) {
+void addCheck(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
     CLI::App &command =
         addCommand(app,
@@ -158,18 +143,19 @@ void addCheck(CLI::App &app, Outcome &outcome) {
                     "  sdpline check offer.sip\n"
                     "  sdpline check --every-line --redact trace.txt\n"
                     "  sdpline check captures/ --json\n\n"
-                    "Exit status: 0 when every body is accepted, 1 when one is refused, 2 when\n"
-                    "something could not be read."},
-                   [options, &outcome] {
-                       outcome.trouble = kUnreadable;
-                       outcome.status = run(*options);
+                    "Exit status: 0 when every body is accepted, 1 when one is refused or a\n"
+                    "message contradicts itself, 2 when something cannot be read."},
+                   [options, &status] {
+                       Checker checker(*options);
+                       readInputs(options->decode.paths, checker);
+                       status = checker.finish();
                    });
-    addPaths(command, options->decode, "SDP, SIP messages that carry it, or folders of both");
+    addPaths(command, options->decode);
     addFlag(command, "--every-line", options->everyLine,
-            "Judge the lines behind the refused one, each on its own");
+            "Judge the lines after the refused one, each on its own");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
-    addAvpf(command, options->decode.avpf);
-    addRedact(command, options->decode.redact);
+    addDecoderOptions(command, options->decode);
+    addRedact(command, options->decode);
 }
 
 } // namespace cli

@@ -3,21 +3,21 @@
 
 #include <iostream>
 
-#include "input/input.hpp"
 #include "output/diagnostic.hpp"
 
 namespace cli {
 
-void addPaths(CLI::App &command, DecodeOptions &options, const std::string &what) {
-    addWords(command, "FILE", options.paths, what + "; - is standard input");
+void addPaths(CLI::App &command, DecodeOptions &options) {
+    addWords(command, "FILE", options.paths,
+             "SDP, SIP messages that carry it, or folders of both; - is standard input");
 }
 
-void addAvpf(CLI::App &command, bool &avpf) {
-    addFlag(command, "--avpf", avpf, "Take RTP/AVPF for a protocol of its own");
+void addDecoderOptions(CLI::App &command, DecodeOptions &options) {
+    addFlag(command, "--avpf", options.avpf, "Take RTP/AVPF for a protocol with payload numbers");
 }
 
-void addRedact(CLI::App &command, bool &redact) {
-    addFlag(command, "--redact", redact,
+void addRedact(CLI::App &command, DecodeOptions &options) {
+    addFlag(command, "--redact", options.redact,
             "Mask addresses, names, keys and credentials, equal ones equally");
 }
 
@@ -28,6 +28,10 @@ void addWriteOptions(CLI::App &command, WriteOptions &options) {
               "T.38 flags: 0 and 1 write the names of those set, 2 writes name:value");
 }
 
+void configure(const DecodeOptions &options) {
+    SdpSetSupMedProtoRtpAvpf(options.avpf ? 1 : 0);
+}
+
 void configure(const WriteOptions &options) {
     uint32_t lineEnd = options.lineEnd == "lf"   ? SDP_LINE_END_LF
                        : options.lineEnd == "cr" ? SDP_LINE_END_CR
@@ -36,32 +40,95 @@ void configure(const WriteOptions &options) {
     SdpSetT38OptCfg(options.t38Style);
 }
 
-int forEachBody(const DecodeOptions &options,
-                const std::function<bool(const std::string &title, SdpLine &line)> &use) {
-    SdpSetSupMedProtoRtpAvpf(options.avpf ? 1 : 0);
-    Redactor redactor;
-    const Inputs inputs = readInputs(options.paths);
-    bool good = inputs.complete;
-    const bool titled = inputs.bodies.size() > 1 || options.paths.size() > 1;
-    for (const Found &body : inputs.bodies) {
-        const Decoded decoded = decodeBody(body.text());
-        if (options.redact) {
-            redactor.learn(body.text());
-        }
-        if (!decoded.body) {
-            std::cerr << shortText(body, diagnosticOf(decoded, body.place)) << '\n';
-            good = false;
-            continue;
-        }
-        if (options.redact) {
-            redactRecords(*decoded.body, redactor);
-        }
-        const size_t line = body.source->placeOf(body.place.offset).line;
-        const std::string title =
-            titled ? "# " + body.source->name() + ':' + std::to_string(line) : "";
-        good = use(title, *decoded.body) && good;
+BodyUser::BodyUser(const DecodeOptions &options, Redactor *shared)
+    : redact_(options.redact), shared_(shared) {
+    configure(options);
+}
+
+void BodyUser::problem(Problem::Kind kind, const std::string &text) {
+    std::cerr << "sdpline: " << text << '\n';
+    if (kind != Problem::Note) {
+        atLeast(kind == Problem::Wrong ? kRefused : kUnusable);
     }
-    return good ? 0 : 1;
+}
+
+Redactor *BodyUser::redactorFor(const Found &found) {
+    if (!redact_) {
+        return nullptr;
+    }
+    Redactor &redactor = shared_ != nullptr ? *shared_ : redactor_;
+    redactor.learn(found.text);
+    return &redactor;
+}
+
+std::optional<sdpline::Body> BodyUser::decoded(const Found &found) {
+    Redactor *const redactor = redactorFor(found);
+    sdpline::Result<sdpline::Body> body = sdpline::Body::decode(found.text);
+    if (!body) {
+        std::cerr << shortText(found, diagnosticOf(body.error(), found), redactor) << '\n';
+        atLeast(kRefused);
+        return std::nullopt;
+    }
+    if (redactor != nullptr && shared_ == nullptr) {
+        redactRecords(*body->record(), *redactor);
+    }
+    return std::move(*body);
+}
+
+namespace {
+
+// Whether there are several bodies is known at the second: the first one waits for it.
+class EachBody : public BodyUser {
+public:
+    using Use = std::function<bool(const std::string &title, sdpline::Body &body)>;
+
+    EachBody(const DecodeOptions &options, const Use &use) : BodyUser(options), use_(use) {}
+
+    void files(size_t count) override { several_ = count > 1; }
+
+    void body(const Found &found) override {
+        std::optional<sdpline::Body> body = decoded(found);
+        const std::string title = "# " + found.name + ':' + std::to_string(found.line);
+        if (several_ || seen_++ > 0) {
+            several_ = true;
+            useWaiting();
+            useBody(title, body);
+        } else {
+            waitingTitle_ = title;
+            waiting_ = std::move(body);
+        }
+    }
+
+    int finish() {
+        useWaiting();
+        return status();
+    }
+
+private:
+    void useWaiting() {
+        useBody(several_ ? waitingTitle_ : "", waiting_);
+        waiting_.reset();
+    }
+
+    void useBody(const std::string &title, std::optional<sdpline::Body> &body) {
+        if (body && !use_(title, *body)) {
+            atLeast(kRefused);
+        }
+    }
+
+    const Use &use_;
+    bool several_ = false;
+    size_t seen_ = 0;
+    std::optional<sdpline::Body> waiting_;
+    std::string waitingTitle_;
+};
+
+} // namespace
+
+int forEachBody(const DecodeOptions &options, const EachBody::Use &use) {
+    EachBody each(options, use);
+    readInputs(options.paths, each);
+    return each.finish();
 }
 
 } // namespace cli

@@ -2,6 +2,8 @@
 // leaves the exit status.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -9,23 +11,31 @@
 #include <vector>
 
 #include "commands/options.hpp"
+#include "input/input.hpp"
 #include "redact/redact.hpp"
-#include "sdpline/sdpline.h"
+#include "sdpline/sdpline.hpp"
 
 namespace cli {
 
-struct Outcome {
-    int status = 0;
-    int trouble = 1; // the status when the output cannot be written
+// The exit statuses of all commands. The greatest of what happened counts.
+enum ExitStatus : int {
+    kFine = 0,
+    kRefused = 1,      // a body, document or code was refused; the two that were compared differ
+    kUnusable = kUsage // an input, an argument or the output cannot be used
 };
 
-void addDecode(CLI::App &app, Outcome &outcome);
-void addFormat(CLI::App &app, Outcome &outcome);
-void addEncode(CLI::App &app, Outcome &outcome);
-void addCheck(CLI::App &app, Outcome &outcome);
-void addDiff(CLI::App &app, Outcome &outcome);
-void addExplain(CLI::App &app, Outcome &outcome);
-void addProfiles(CLI::App &app, Outcome &outcome);
+void addDecode(CLI::App &app, int &status);
+void addFormat(CLI::App &app, int &status);
+void addEncode(CLI::App &app, int &status);
+void addCheck(CLI::App &app, int &status);
+void addDiff(CLI::App &app, int &status);
+void addExplain(CLI::App &app, int &status);
+void addProfiles(CLI::App &app, int &status);
+
+// In the order of the help. A new command is a row here, a section of the man page and a line of
+// the completion.
+inline constexpr auto kCommands = std::to_array<void (*)(CLI::App &app, int &status)>(
+    {addDecode, addFormat, addEncode, addCheck, addDiff, addExplain, addProfiles});
 
 // ---- Options that several subcommands have
 
@@ -41,18 +51,46 @@ struct WriteOptions {
     uint32_t t38Style = SDP_T38_STYLE_FLAG;
 };
 
-void addPaths(CLI::App &command, DecodeOptions &options, const std::string &what);
-void addAvpf(CLI::App &command, bool &avpf);
-void addRedact(CLI::App &command, bool &redact);
+void addPaths(CLI::App &command, DecodeOptions &options);
+void addDecoderOptions(CLI::App &command, DecodeOptions &options);
+void addRedact(CLI::App &command, DecodeOptions &options);
 void addWriteOptions(CLI::App &command, WriteOptions &options);
 
+void configure(const DecodeOptions &options);
 void configure(const WriteOptions &options);
 
 // ---- Bodies of all inputs, decoded one after another
 
-// Calls `use` for every body that is accepted; the others are reported on standard error. Answers
-// the exit status.
+// What is common to commands that read bodies: the exit status, and what is told on standard error.
+class BodyUser : public InputUser {
+public:
+    // A redactor of the caller's is taught the values of the bodies, and masks what is told of
+    // them; the bodies themselves stay as they are.
+    explicit BodyUser(const DecodeOptions &options, Redactor *shared = nullptr);
+
+    void problem(Problem::Kind kind, const std::string &text) override;
+
+    int status() const { return status_; }
+
+protected:
+    void atLeast(ExitStatus status) { status_ = std::max(status_, static_cast<int>(status)); }
+
+    // Masks what is shown of this body; null without --redact.
+    Redactor *redactorFor(const Found &found);
+
+    // The body, masked if so wished. One that is refused is reported, and raises the status.
+    std::optional<sdpline::Body> decoded(const Found &found);
+
+private:
+    const bool redact_;
+    Redactor *const shared_;
+    Redactor redactor_;
+    int status_ = kFine;
+};
+
+// Calls `use` for every body that is accepted, with a title where there are several; the others are
+// reported on standard error. Returns the exit status.
 int forEachBody(const DecodeOptions &options,
-                const std::function<bool(const std::string &title, SdpLine &line)> &use);
+                const std::function<bool(const std::string &title, sdpline::Body &body)> &use);
 
 } // namespace cli

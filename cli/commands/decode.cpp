@@ -13,15 +13,15 @@ namespace {
 
 int run(const DecodeOptions &options) {
     bool first = true;
-    return forEachBody(options, [&](const std::string &title, SdpLine &line) {
+    return forEachBody(options, [&](const std::string &title, sdpline::Body &body) {
         if (options.json) {
-            std::cout << dumped(jsonOf(line));
+            std::cout << dumped(jsonOf(*body.record()));
             return true;
         }
         if (!title.empty()) {
             std::cout << (first ? "" : "\n") << title << '\n';
         }
-        std::cout << describeTree(line);
+        std::cout << describeTree(*body.record(), TreeStyle::Explained);
         first = false;
         return true;
     });
@@ -29,7 +29,7 @@ int run(const DecodeOptions &options) {
 
 } // namespace
 
-void addDecode(CLI::App &app, Outcome &outcome) {
+void addDecode(CLI::App &app, int &status) {
     const auto options = std::make_shared<DecodeOptions>();
     CLI::App &command =
         addCommand(app,
@@ -38,13 +38,13 @@ void addDecode(CLI::App &app, Outcome &outcome) {
                     "  sdpline decode offer.sip\n"
                     "  sdpline decode --json offer.sdp | jq '.media[].port'\n"
                     "  sdpline decode --redact trace.txt\n\n"
-                    "Exit status: 0, or 1 when a body was refused or could not be read."},
-                   [options, &outcome] { outcome.status = run(*options); });
-    addPaths(command, *options, "SDP, or SIP messages that carry it");
+                    "Exit status: 0, 1 when a body is refused, 2 when something cannot be read."},
+                   [options, &status] { status = run(*options); });
+    addPaths(command, *options);
     addFlag(command, "--json", options->json,
             "Print JSON that holds every field, one document for each body");
-    addAvpf(command, options->avpf);
-    addRedact(command, options->redact);
+    addDecoderOptions(command, *options);
+    addRedact(command, *options);
 }
 
 } // namespace cli

@@ -5,9 +5,8 @@
 #include <iostream>
 
 #include "compare/difference.hpp"
-#include "input/input.hpp"
 #include "output/diagnostic.hpp"
-#include "output/display.hpp"
+#include "output/escape.hpp"
 
 namespace cli {
 
@@ -15,38 +14,37 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kDifferent = 1;
-constexpr int kTrouble = 2;
-
 struct Options {
     std::string first;
     std::string second;
-    bool json = false;
-    bool avpf = false;
-    bool redact = false;
+    DecodeOptions decode;
 };
 
-// The one body of the file, whose values get their masks; none when there is not exactly one, or it
-// is refused.
-std::optional<sdpline::Body> bodyOf(const std::string &path, Redactor &redactor) {
-    const Inputs inputs = readInputs({path});
-    if (!inputs.complete) {
-        return std::nullopt;
+// The one body of an input, whose values get their masks.
+class OneBody : public BodyUser {
+public:
+    OneBody(const Options &options, const std::string &path, Redactor &redactor)
+        : BodyUser(options.decode, &redactor) {
+        readInputs({path}, *this);
+        if (count_ != 1 && status() != kUnusable) {
+            problem(Problem::Unusable,
+                    inputName(path) + ": holds " + std::to_string(count_) + " bodies, not one");
+        }
     }
-    if (inputs.bodies.size() != 1) {
-        std::cerr << "sdpline: " << inputs.sources.front().name() << ": holds "
-                  << inputs.bodies.size() << " bodies, not one\n";
-        return std::nullopt;
+
+    void body(const Found &found) override {
+        if (++count_ == 1) {
+            body_ = decoded(found);
+        }
     }
-    const Found &found = inputs.bodies.front();
-    Decoded decoded = decodeBody(found.text());
-    if (!decoded.body) {
-        std::cerr << shortText(found, diagnosticOf(decoded, found.place)) << '\n';
-        return std::nullopt;
-    }
-    redactor.learn(found.text());
-    return sdpline::Body::adopt(decoded.body.release());
-}
+
+    // Null where there is not exactly one body, or it is refused.
+    const sdpline::Body *get() const { return body_ && status() != kUnusable ? &*body_ : nullptr; }
+
+private:
+    size_t count_ = 0;
+    std::optional<sdpline::Body> body_;
+};
 
 void mask(Change &change, Redactor &redactor) {
     change.mediaType = redactor.redactedAfter("m=", change.mediaType);
@@ -96,45 +94,42 @@ void printJson(const std::vector<Change> &changes) {
 }
 
 int run(const Options &options) {
-    SdpSetSupMedProtoRtpAvpf(options.avpf ? 1 : 0);
     Redactor redactor;
-    const std::optional<sdpline::Body> first = bodyOf(options.first, redactor);
-    const std::optional<sdpline::Body> second = bodyOf(options.second, redactor);
-    if (!first || !second) {
-        return kTrouble;
+    const OneBody first(options, options.first, redactor);
+    const OneBody second(options, options.second, redactor);
+    if (first.get() == nullptr || second.get() == nullptr) {
+        return kUnusable;
     }
-    std::vector<Change> changes = differences(*first, *second);
-    if (options.redact) {
+    std::vector<Change> changes = differences(*first.get(), *second.get());
+    if (options.decode.redact) {
         std::ranges::for_each(changes, [&](Change &change) { mask(change, redactor); });
     }
-    options.json ? printJson(changes) : printText(changes);
-    return changes.empty() ? 0 : kDifferent;
+    options.decode.json ? printJson(changes) : printText(changes);
+    return changes.empty() ? kFine : kRefused;
 }
 
 } // namespace
 
-void addDiff(CLI::App &app, Outcome &outcome) {
+void addDiff(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(app,
-                   {"diff", "Say what differs between two bodies.",
-                    "Media descriptions are paired by their place. Direction and connection are\n"
-                    "compared as they are in force; the order of attributes, line ends and the\n"
-                    "spelling of addresses make no difference.\n\n"
-                    "Examples:\n"
-                    "  sdpline diff offer.sdp answer.sdp\n"
-                    "  sdpline diff --json before.sip after.sip\n"
-                    "  sdpline diff --redact before.sip after.sip\n\n"
-                    "Exit status: 0 when they are the same, 1 when they differ, 2 on trouble."},
-                   [options, &outcome] {
-                       outcome.trouble = kTrouble;
-                       outcome.status = run(*options);
-                   });
+    CLI::App &command = addCommand(
+        app,
+        {"diff", "Say what differs between two bodies.",
+         "Media descriptions are paired by their place. Direction and connection are\n"
+         "compared as they are in force; the order of attributes, line ends and the\n"
+         "spelling of addresses make no difference.\n\n"
+         "Examples:\n"
+         "  sdpline diff offer.sdp answer.sdp\n"
+         "  sdpline diff --json before.sip after.sip\n"
+         "  sdpline diff --redact before.sip after.sip\n\n"
+         "Exit status: 0 when they are the same, 1 when they differ, 2 when they cannot be\n"
+         "compared: a body is refused, or an input does not hold exactly one."},
+        [options, &status] { status = run(*options); });
     addRequired(command, "A", options->first, "A file with one body; - is standard input");
     addRequired(command, "B", options->second, "Another one");
-    addFlag(command, "--json", options->json, "Print one JSON document");
-    addAvpf(command, options->avpf);
-    addRedact(command, options->redact);
+    addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addDecoderOptions(command, options->decode);
+    addRedact(command, options->decode);
 }
 
 } // namespace cli

@@ -1,11 +1,14 @@
 // sdpline encode: the JSON of decode back to text.
 #include "commands/commands.hpp"
 
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 #include <iostream>
-#include <sstream>
+#include <new>
 
-#include "input/input.hpp"
-#include "output/display.hpp"
+#include "input/paths.hpp"
+#include "output/escape.hpp"
 #include "output/text.hpp"
 #include "json/readback.hpp"
 
@@ -26,17 +29,36 @@ std::string bareMessage(const std::string &message) {
 
 class Encoder {
 public:
-    // Writes every body of the text, which holds any number of documents, or arrays of them.
+    // Writes every body of the input, which holds any number of documents, or arrays of them.
     void file(const std::string &path) {
-        std::string error;
-        const std::optional<Source> source = readSource(path, error);
-        name_ = source ? source->name() : path == "-" ? "standard input" : path;
+        name_ = inputName(path);
         number_ = 0;
-        if (!source) {
-            report(error);
+        std::ifstream file;
+        errno = 0;
+        if (path != "-") {
+            file.open(path, std::ios::binary);
+        }
+        std::istream &text = path == "-" ? std::cin : file;
+        try {
+            documents(text);
+        } catch (const std::bad_alloc &) {
+            report(kUnusable, "it does not fit into memory");
+        }
+    }
+
+    void unreadable(const std::string &message) {
+        std::cerr << "sdpline: " << escaped(message) << '\n';
+        status_ = kUnusable;
+    }
+
+    int status() const { return status_; }
+
+private:
+    void documents(std::istream &text) {
+        if (!text) {
+            report(kUnusable, std::strerror(errno));
             return;
         }
-        std::istringstream text{std::string(source->text())};
         while (text >> std::ws && !text.eof()) {
             try {
                 nlohmann::json document;
@@ -44,18 +66,15 @@ public:
                 take(document);
             } catch (const nlohmann::json::exception &problem) {
                 ++number_;
-                report(bareMessage(problem.what()));
+                report(kUnusable, bareMessage(problem.what()));
                 return; // where the next document begins is not known
             }
         }
         if (number_ == 0) {
-            report("holds no JSON document");
+            report(kUnusable, "holds no JSON document");
         }
     }
 
-    bool good() const { return good_; }
-
-private:
     void take(const nlohmann::json &document) {
         if (!document.is_array()) {
             write(document);
@@ -72,50 +91,56 @@ private:
         std::string error;
         const std::optional<std::string> text = textOfJson(document, error);
         if (!text) {
-            report(error);
+            report(kRefused, error);
             return;
         }
         std::cout << (first_ ? "" : view(SdpGetCrlfString(0))) << *text;
         first_ = false;
     }
 
-    void report(const std::string &message) {
+    void report(ExitStatus status, const std::string &message) {
         const std::string which = number_ > 1 ? " (document " + std::to_string(number_) + ')' : "";
         std::cerr << "sdpline: " << name_ << which << ": " << escaped(message) << '\n';
-        good_ = false;
+        status_ = std::max(status_, static_cast<int>(status));
     }
 
     std::string name_;
     size_t number_ = 0; // of documents begun in this file
     bool first_ = true;
-    bool good_ = true;
+    int status_ = kFine;
 };
 
 int run(const Options &options) {
     configure(options.write);
     Encoder encoder;
-    for (const std::string &path : options.paths) {
-        encoder.file(path);
+    std::vector<std::string> errors;
+    const std::vector<std::string> files = expandFolders(options.paths, errors);
+    for (const std::string &error : errors) {
+        encoder.unreadable(error);
     }
-    return encoder.good() ? 0 : 1;
+    for (const std::string &file : files) {
+        encoder.file(file);
+    }
+    return encoder.status();
 }
 
 } // namespace
 
-void addEncode(CLI::App &app, Outcome &outcome) {
+void addEncode(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(app,
-                   {"encode", "Write bodies from the JSON that decode prints.",
-                    "Several bodies are written with an empty line between them. What is written\n"
-                    "decodes to the same JSON, or is refused.\n\n"
-                    "Examples:\n"
-                    "  sdpline encode offer.json > offer.sdp\n"
-                    "  sdpline decode --json offer.sip | sdpline encode\n"
-                    "  sdpline decode --json a.sdp | jq '.media[0].port = 0' | sdpline encode\n\n"
-                    "Exit status: 0, or 1 when a document is no body or could not be read."},
-                   [options, &outcome] { outcome.status = run(*options); });
-    addWords(command, "FILE", options->paths, "JSON documents; - is standard input");
+    CLI::App &command = addCommand(
+        app,
+        {"encode", "Write bodies from the JSON that decode prints.",
+         "Several bodies are written with an empty line between them. What is written\n"
+         "decodes to the same JSON, or is refused.\n\n"
+         "Examples:\n"
+         "  sdpline encode offer.json > offer.sdp\n"
+         "  sdpline decode --json offer.sip | sdpline encode\n"
+         "  sdpline decode --json a.sdp | jq '.name = \"talk\"' | sdpline encode\n\n"
+         "Exit status: 0, 1 when a document is no body, 2 when something cannot be read."},
+        [options, &status] { status = run(*options); });
+    addWords(command, "FILE", options->paths,
+             "JSON documents, or folders of them; - is standard input");
     addWriteOptions(command, options->write);
 }
 

@@ -1,35 +1,49 @@
-// sdpline explain: result codes in words.
+// sdpline explain: result codes and names of checks in words.
 #include "commands/commands.hpp"
 
 #include <charconv>
 #include <iostream>
 
 #include "output/checks.hpp"
+#include "output/escape.hpp"
 #include "output/text.hpp"
 
 namespace cli {
 
 namespace {
 
-constexpr int kUnknown = 1;
-constexpr int kNoNumber = 2;
-
 struct Options {
-    std::vector<std::string> codes;
+    std::vector<std::string> questions;
     std::string fileBase = "0";
     bool list = false;
 };
 
-// "0x0509e065", "0509e065" (it has a letter) or "84533349"
-std::optional<uint32_t> numberOf(std::string_view text) {
-    const bool prefixed = text.starts_with("0x") || text.starts_with("0X");
-    text.remove_prefix(prefixed ? 2 : 0);
-    const bool hex = prefixed || text.find_first_of("abcdefABCDEF") != std::string_view::npos;
+std::optional<uint32_t> numberOf(std::string_view digits, int base) {
     uint32_t value = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), value, hex ? 16 : 10);
-    const bool whole = error == std::errc{} && end == text.data() + text.size();
-    return whole ? std::optional(value) : std::nullopt;
+    const char *const end = digits.data() + digits.size();
+    const auto [rest, error] = std::from_chars(digits.data(), end, value, base);
+    return error == std::errc{} && rest == end ? std::optional(value) : std::nullopt;
+}
+
+bool isPrefixed(std::string_view text) {
+    return text.starts_with("0x") || text.starts_with("0X");
+}
+
+// The numbers that a text may mean, the likelier first: "0x05035065" one, "84103269" two.
+std::vector<uint32_t> numbersOf(std::string_view text) {
+    const bool prefixed = isPrefixed(text);
+    const std::optional<uint32_t> hex = numberOf(text.substr(prefixed ? 2 : 0), 16);
+    const std::optional<uint32_t> decimal = prefixed ? std::nullopt : numberOf(text, 10);
+    std::vector<uint32_t> numbers;
+    for (const std::optional<uint32_t> &number : {decimal, hex}) {
+        if (number && (numbers.empty() || numbers.front() != *number)) {
+            numbers.push_back(*number);
+        }
+    }
+    if (numbers.size() == 2 && text.starts_with('0')) {
+        std::swap(numbers[0], numbers[1]); // nobody writes decimals so
+    }
+    return numbers;
 }
 
 std::string_view classText(uint32_t errorClass) {
@@ -37,8 +51,8 @@ std::string_view classText(uint32_t errorClass) {
     case SDP_ERRCLASS_RESOURCE: return "an argument, memory, a token too long, input that ended";
     case SDP_ERRCLASS_NOT_SDP: return "no input, or it does not start with \"v=\"";
     case SDP_ERRCLASS_FIELD_SYNTAX: return "a token that the field's grammar does not admit";
-    case SDP_ERRCLASS_UNEXPECTED_LINE: return "a line kind that may not stand here";
-    case SDP_ERRCLASS_BAD_ADDRESS: return "an IPv6 address, or a field that could not be written";
+    case SDP_ERRCLASS_UNEXPECTED_LINE: return "a kind of line that does not belong there";
+    case SDP_ERRCLASS_BAD_ADDRESS: return "an IPv6 address, or a field that cannot be written";
     default: return "none of the library's";
     }
 }
@@ -49,16 +63,15 @@ void printParts(uint32_t code) {
               << ", class " << errorClass << " (" << classText(errorClass) << ")\n";
 }
 
-// Several checks answer the same bare number.
-void printBare(uint32_t code) {
-    std::cout << codeText(code) << ": a bare " << code
-              << ", which these checks answer; only the log entry tells which one failed\n";
+// ---- Codes
+
+const CheckInfo *composedCheck(uint32_t code, uint32_t base) {
     for (const CheckInfo &check : allChecks()) {
-        if (check.kind == CheckInfo::Bare && check.location == code) {
-            std::cout << "  " << check.function << ": " << check.sentence << " [" << check.name
-                      << "]\n";
+        if (check.kind == CheckInfo::Composed && codeOf(check, base) == code) {
+            return &check;
         }
     }
+    return nullptr;
 }
 
 bool isBare(uint32_t code) {
@@ -70,38 +83,102 @@ bool isBare(uint32_t code) {
     return false;
 }
 
+bool isKnown(uint32_t code, uint32_t base) {
+    return code == 0 || isBare(code) || composedCheck(code, base) != nullptr;
+}
+
+void printCheck(std::string_view code, const CheckInfo &check) {
+    const std::string_view source = sourceOf(check);
+    std::cout << code << ": " << check.sentence << '\n'
+              << "  check     " << check.name << '\n'
+              << "  made by   " << check.function << (source.empty() ? "" : " in ") << source
+              << '\n';
+}
+
+void printComposed(const CheckInfo &check, uint32_t base) {
+    const uint32_t code = codeOf(check, base);
+    printCheck(codeText(code), check);
+    printParts(code);
+}
+
+// Several checks return the same bare number.
+void printBare(uint32_t code) {
+    std::cout << codeText(code) << ": a bare " << code
+              << ", which these checks return; only the log entry tells which one failed\n";
+    for (const CheckInfo &check : allChecks()) {
+        if (check.kind == CheckInfo::Bare && check.location == code) {
+            std::cout << "  " << check.function << ": " << check.sentence << " [" << check.name
+                      << "]\n";
+        }
+    }
+}
+
 void printUnknown(uint32_t code, uint32_t base) {
-    std::cout << codeText(code) << ": no check of the library answers this under file base " << base
+    std::cout << codeText(code) << ": no check of the library returns this under file base " << base
               << '\n';
     printParts(code);
-    std::string bases;
     for (const CheckInfo &check : allChecks()) {
         const uint32_t fitting = ((code >> 24) - check.file) & 0xFF;
         if (check.kind == CheckInfo::Composed && codeOf(check, fitting) == code) {
-            bases += "  with --file-base " + std::to_string(fitting) + ": " + check.sentence +
-                     " [" + check.name + "]\n";
+            std::cout << "  with --file-base " << fitting << ": " << check.sentence << " ["
+                      << check.name << "]\n";
         }
     }
-    std::cout << bases;
 }
 
-bool explain(uint32_t code, uint32_t base) {
-    SDPResultText text = {};
+bool explainCode(uint32_t code, uint32_t base) {
+    const CheckInfo *const check = composedCheck(code, base);
     if (code == 0) {
         std::cout << codeText(code) << ": success\n";
     } else if (isBare(code)) {
         printBare(code);
-    } else if (SdpLibDescribeResult(code, &text) == 0) {
-        std::cout << codeText(code) << ": " << text.pcSentence << '\n'
-                  << "  check     " << text.pcCheck << '\n'
-                  << "  made by   " << text.pcFunction << " in " << text.pcSource << '\n';
-        printParts(code);
+    } else if (check != nullptr) {
+        printComposed(*check, base);
     } else {
         printUnknown(code, base);
         return false;
     }
     return true;
 }
+
+// Of two readings those that the library knows, else the likelier one.
+bool explainNumbers(std::vector<uint32_t> numbers, uint32_t base) {
+    const uint32_t likelier = numbers.front();
+    std::erase_if(numbers, [base](uint32_t code) { return !isKnown(code, base); });
+    if (numbers.empty()) {
+        return explainCode(likelier, base);
+    }
+    for (const uint32_t code : numbers) {
+        explainCode(code, base);
+    }
+    return true;
+}
+
+// ---- Names of checks
+
+const CheckInfo *checkNamed(std::string_view name) {
+    if (name.starts_with('[') && name.ends_with(']')) { // as sdpline check prints it
+        name = name.substr(1, name.size() - 2);
+    }
+    for (const CheckInfo &check : allChecks()) {
+        if (equalsIgnoringCase(check.name, name)) {
+            return &check;
+        }
+    }
+    return nullptr;
+}
+
+void explainCheck(const CheckInfo &check, uint32_t base) {
+    if (check.kind == CheckInfo::Composed) {
+        printComposed(check, base);
+        return;
+    }
+    printCheck(check.kind == CheckInfo::Bare ? codeText(check.location)
+                                             : "the code of what it called",
+               check);
+}
+
+// ---- The command
 
 void printList(uint32_t base) {
     for (const CheckInfo &check : allChecks()) {
@@ -112,49 +189,62 @@ void printList(uint32_t base) {
     }
 }
 
+ExitStatus explain(const std::string &question, uint32_t base) {
+    if (const CheckInfo *const check = checkNamed(question)) {
+        explainCheck(*check, base);
+        return kFine;
+    }
+    const std::vector<uint32_t> numbers = numbersOf(question);
+    if (numbers.empty()) {
+        std::cerr << "sdpline: " << escaped(question)
+                  << ": neither a result code nor the name of a check\n";
+        return kUnusable;
+    }
+    return explainNumbers(numbers, base) ? kFine : kRefused;
+}
+
 int run(const Options &options) {
-    const std::optional<uint32_t> base = numberOf(options.fileBase);
+    const std::string_view text = options.fileBase;
+    const bool prefixed = isPrefixed(text);
+    const std::optional<uint32_t> base =
+        numberOf(text.substr(prefixed ? 2 : 0), prefixed ? 16 : 10);
     if (!base) {
-        std::cerr << "sdpline: --file-base " << options.fileBase << ": not a number\n";
-        return kNoNumber;
+        std::cerr << "sdpline: --file-base " << escaped(text) << ": not a number\n";
+        return kUnusable;
     }
     g_gSipStackFileId = *base;
     if (options.list) {
         printList(*base);
     }
-    int status = 0;
-    for (const std::string &text : options.codes) {
-        if (const std::optional<uint32_t> code = numberOf(text)) {
-            status = std::max(status, explain(*code, *base) ? 0 : kUnknown);
-        } else {
-            std::cerr << "sdpline: " << text << ": not a result code\n";
-            status = kNoNumber;
-        }
+    int status = kFine;
+    for (const std::string &question : options.questions) {
+        status = std::max(status, static_cast<int>(explain(question, *base)));
     }
     return status;
 }
 
 } // namespace
 
-void addExplain(CLI::App &app, Outcome &outcome) {
+void addExplain(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
     CLI::App &command =
         addCommand(app,
-                   {"explain", "Say what result codes of the library mean.",
+                   {"explain", "Say what result codes and names of checks mean.",
                     "Examples:\n"
                     "  sdpline explain 0x05035065\n"
+                    "  sdpline explain ConnLastOctetRange\n"
                     "  sdpline explain 84103269 --file-base 0\n"
                     "  sdpline explain --list | grep rtpmap\n\n"
-                    "Exit status: 0, 1 when a code is none of the library's, 2 when it is no\n"
-                    "number."},
-                   [options, &outcome] {
-                       if (options->codes.empty() && !options->list) {
+                    "Exit status: 0, 1 when a code is none of the library's, 2 when something is\n"
+                    "neither a code nor a check."},
+                   [options, &status] {
+                       if (options->questions.empty() && !options->list) {
                            requireOperand("CODE");
                        }
-                       outcome.trouble = kNoNumber;
-                       outcome.status = run(*options);
+                       status = run(*options);
                    });
-    addWords(command, "CODE", options->codes, "Result codes, hexadecimal or decimal");
+    addWords(command, "CODE", options->questions,
+             "Result codes, hexadecimal or decimal, or names of checks");
     addWord(command, "--file-base", options->fileBase, "N",
             "The stack's base of file numbers (0 by default)");
     addFlag(command, "--list", options->list, "Print every code of the library");

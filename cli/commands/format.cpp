@@ -3,7 +3,6 @@
 
 #include <iostream>
 
-#include "input/body.hpp"
 #include "output/text.hpp"
 
 namespace cli {
@@ -18,14 +17,13 @@ struct Options {
 int run(const Options &options) {
     configure(options.write);
     bool first = true;
-    return forEachBody(options.decode, [&](const std::string & /*title*/, SdpLine &line) {
-        std::string error;
-        const std::optional<std::string> text = encodeBody(line, error);
+    return forEachBody(options.decode, [&](const std::string & /*title*/, sdpline::Body &body) {
+        const sdpline::Result<std::string> text = body.encode();
         if (!text) {
-            std::cerr << "sdpline: " << error << '\n';
+            std::cerr << "sdpline: the body cannot be written: " << text.error().message() << '\n';
             return false;
         }
-        // An empty line ends a body, so it may stand between two.
+        // An empty line ends a body, so one may be between two.
         std::cout << (first ? "" : view(SdpGetCrlfString(0))) << *text;
         first = false;
         return true;
@@ -34,22 +32,23 @@ int run(const Options &options) {
 
 } // namespace
 
-void addFormat(CLI::App &app, Outcome &outcome) {
+void addFormat(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
     CLI::App &command =
         addCommand(app,
                    {"format", "Decode bodies and write them back.",
-                    "Several bodies are written with an empty line between them.\n\n"
+                    "Several bodies are written with an empty line between them. A body without a\n"
+                    "t= line gets \"t=0 0\".\n\n"
                     "Examples:\n"
                     "  sdpline format offer.sip > offer.sdp\n"
                     "  sdpline format --line-end lf --t38 2 fax.sdp\n"
                     "  sdpline format --redact offer.sip\n\n"
-                    "Exit status: 0, or 1 when a body was refused or could not be read."},
-                   [options, &outcome] { outcome.status = run(*options); });
-    addPaths(command, options->decode, "SDP, or SIP messages that carry it");
+                    "Exit status: 0, 1 when a body is refused, 2 when something cannot be read."},
+                   [options, &status] { status = run(*options); });
+    addPaths(command, options->decode);
     addWriteOptions(command, options->write);
-    addAvpf(command, options->decode.avpf);
-    addRedact(command, options->decode.redact);
+    addDecoderOptions(command, options->decode);
+    addRedact(command, options->decode);
 }
 
 } // namespace cli

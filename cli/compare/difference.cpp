@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "commands/profiles.hpp"
+#include "output/payloads.hpp"
 
 namespace cli {
 

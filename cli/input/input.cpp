@@ -1,119 +1,96 @@
 #include "input/input.hpp"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <iostream>
-#include <memory>
+#include <new>
+
+#include "input/filekind.hpp"
+#include "input/paths.hpp"
+#include "input/window.hpp"
+#include "output/escape.hpp"
 
 namespace cli {
 
 namespace {
 
-namespace fs = std::filesystem;
+class InputReader {
+public:
+    InputReader(const std::string &path, InputUser &user)
+        : path_(path), name_(inputName(path)), user_(user), window_(path) {}
 
-bool isHidden(const fs::path &path) {
-    return path.filename().string().starts_with('.');
-}
-
-void addFolder(const std::string &folder, std::vector<std::string> &files,
-               std::vector<std::string> &errors) {
-    std::error_code problem;
-    fs::recursive_directory_iterator entry(folder, problem);
-    std::vector<std::string> found;
-    while (!problem && entry != fs::recursive_directory_iterator()) {
-        std::error_code ignored;
-        if (isHidden(entry->path())) {
-            entry.disable_recursion_pending();
-        } else if (entry->is_regular_file(ignored)) {
-            found.push_back(entry->path().string());
+    // Returns false where the input cannot be read.
+    bool run() {
+        if (!fill()) {
+            return false;
         }
-        entry.increment(problem);
+        if (const std::string kind = foreignKind(window_.text()); !kind.empty()) {
+            user_.problem(Problem::Unusable, name_ + ": " + escaped(kind));
+            return false;
+        }
+        do {
+            Bodies found;
+            const size_t done = finder_.take(window_.text(), window_.last(), found);
+            hand(found);
+            window_.drop(done);
+            passed_ += done;
+            if (!fill()) {
+                return false;
+            }
+        } while (!window_.text().empty());
+        Bodies rest;
+        finder_.finish(rest);
+        hand(rest);
+        return true;
     }
-    if (problem) {
-        errors.push_back(folder + ": " + problem.message());
+
+private:
+    bool fill() {
+        if (window_.fill(BodyFinder::kAhead)) {
+            return true;
+        }
+        user_.problem(Problem::Unusable, name_ + ": " + window_.error());
+        return false;
     }
-    std::sort(found.begin(), found.end());
-    files.insert(files.end(), found.begin(), found.end());
-}
+
+    void hand(const Bodies &found) {
+        for (const Problem &problem : found.problems) {
+            const std::string line = problem.line > 1 ? ':' + std::to_string(problem.line) : "";
+            user_.problem(problem.kind, name_ + line + ": " + escaped(problem.text));
+        }
+        for (const BodyPlace &place : found.bodies) {
+            const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
+            user_.body({name_, path_, text, place.offset, place.line});
+        }
+    }
+
+    const std::string &path_;
+    const std::string name_;
+    InputUser &user_;
+    Window window_;
+    BodyFinder finder_;
+    size_t passed_ = 0;
+};
 
 } // namespace
 
-Source::Source(std::string name, std::string text)
-    : name_(std::move(name)), text_(std::move(text)), lineStarts_{0} {
-    for (size_t at = text_.find('\n'); at != std::string::npos; at = text_.find('\n', at + 1)) {
-        lineStarts_.push_back(at + 1);
+void readInputs(const std::vector<std::string> &paths, InputUser &user) {
+    std::vector<std::string> errors;
+    const std::vector<std::string> files = expandFolders(paths, errors);
+    user.files(files.size());
+    for (const std::string &error : errors) {
+        user.problem(Problem::Unusable, escaped(error));
     }
-}
-
-Place Source::placeOf(size_t offset) const {
-    const auto next = std::upper_bound(lineStarts_.begin(), lineStarts_.end(), offset);
-    return {static_cast<size_t>(next - lineStarts_.begin()), offset - *(next - 1) + 1};
-}
-
-std::optional<Source> readSource(const std::string &path, std::string &error) {
-    const auto close = [](std::FILE *file) { file != stdin ? std::fclose(file) : 0; };
-    errno = 0;
-    const std::unique_ptr<std::FILE, decltype(close)> file(
-        path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
-    std::string text;
-    char chunk[65536];
-    for (size_t got = 1; file && got != 0;) {
-        got = std::fread(chunk, 1, sizeof chunk, file.get());
-        text.append(chunk, got);
-    }
-    if (!file || std::ferror(file.get()) != 0) {
-        error = std::strerror(errno);
-        return std::nullopt;
-    }
-    return Source(path == "-" ? "standard input" : path, std::move(text));
-}
-
-std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
-                                       std::vector<std::string> &errors) {
-    std::vector<std::string> files;
-    for (const std::string &path : paths) {
-        std::error_code ignored;
-        if (path != "-" && fs::is_directory(path, ignored)) {
-            addFolder(path, files, errors);
-        } else {
-            files.push_back(path);
+    for (const std::string &file : files) {
+        bool read = false;
+        try {
+            read = InputReader(file, user).run();
+        } catch (const std::bad_alloc &) {
+            user.problem(Problem::Unusable, inputName(file) + ": it does not fit into memory");
         }
+        user.fileDone(read);
     }
-    return files;
 }
 
-Inputs readInputs(const std::vector<std::string> &paths) {
-    Inputs inputs;
-    inputs.sources.reserve(paths.size()); // bodies point to sources
-    for (const std::string &path : paths) {
-        std::string error;
-        std::optional<Source> source = readSource(path, error);
-        if (!source) {
-            std::cerr << "sdpline: " << (path == "-" ? "standard input" : path) << ": " << error
-                      << '\n';
-            inputs.complete = false;
-            continue;
-        }
-        inputs.sources.push_back(std::move(*source));
-        const Source &held = inputs.sources.back();
-        const Bodies found = findBodies(held.text());
-        for (const Problem &problem : found.problems) {
-            std::cerr << "sdpline: " << problemText(held, problem) << '\n';
-            inputs.complete = false;
-        }
-        for (const BodyPlace &place : found.bodies) {
-            inputs.bodies.push_back({&held, place});
-        }
-    }
-    return inputs;
-}
-
-std::string problemText(const Source &source, const Problem &problem) {
-    const size_t line = source.placeOf(problem.offset).line;
-    return source.name() + (line > 1 ? ':' + std::to_string(line) : "") + ": " + problem.text;
+std::string inputName(const std::string &path) {
+    return path == "-" ? "standard input" : escaped(path);
 }
 
 } // namespace cli

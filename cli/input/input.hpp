@@ -1,65 +1,41 @@
-// Files and standard input, read whole, with the bodies found in them.
+// The bodies in files, folders and standard input, one after another.
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "input/message.hpp"
+#include "input/bodies.hpp"
 
 namespace cli {
 
-struct Place {
-    size_t line; // from 1, as columns
-    size_t column;
-};
-
-// One input: its bytes, and where its lines begin.
-class Source {
-public:
-    Source(std::string name, std::string text);
-
-    const std::string &name() const { return name_; }
-    std::string_view text() const { return text_; }
-    std::string_view body(const BodyPlace &place) const {
-        return text().substr(place.offset, place.size);
-    }
-    Place placeOf(size_t offset) const;
-
-private:
-    std::string name_;
-    std::string text_;
-    std::vector<size_t> lineStarts_;
-};
-
-// The whole file, or standard input for "-". Without a value the reason is in `error`.
-std::optional<Source> readSource(const std::string &path, std::string &error);
-
-// The paths with every folder replaced by the regular files below it, sorted; names that begin with
-// a dot are left out. Folders that cannot be read are in `errors`, as "name: reason".
-std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
-                                       std::vector<std::string> &errors);
-
-// One body of one input.
+// One body, and where it is. Its text is valid while it is used.
 struct Found {
-    const Source *source;
-    BodyPlace place;
-
-    std::string_view text() const { return source->body(place); }
+    std::string name; // of the input, as it may be shown
+    std::string path; // as it was given or found
+    std::string_view text;
+    size_t offset; // in the input
+    size_t line;   // that the body begins in, from 1
 };
 
-// All inputs of a command and their bodies, in order.
-struct Inputs {
-    std::vector<Source> sources;
-    std::vector<Found> bodies;
-    bool complete = true; // nothing was unreadable
+// What a command does with its inputs.
+class InputUser {
+public:
+    virtual ~InputUser() = default;
+
+    virtual void files(size_t /*count*/) {} // before the first one
+    virtual void body(const Found &found) = 0;
+    // "name: message" or "name:12: message", as it may be shown.
+    virtual void problem(Problem::Kind kind, const std::string &text) = 0;
+    virtual void fileDone(bool /*read*/) {}
 };
 
-// Reads all of them; what cannot be read, or has no body, is reported on standard error.
-Inputs readInputs(const std::vector<std::string> &paths);
+// Reads the paths, and the files of folders among them. An input is read in parts: what is needed
+// of memory does not depend on its size.
+void readInputs(const std::vector<std::string> &paths, InputUser &user);
 
-// "name: message", or "name:LINE: message" for a problem that is not at the start.
-std::string problemText(const Source &source, const Problem &problem);
+// "standard input", or the path as it may be shown.
+std::string inputName(const std::string &path);
 
 } // namespace cli

@@ -16,6 +16,9 @@ constexpr int kDeepestPart = 8;
 // "INVITE sip:bob@example.com SIP/2.0" or "SIP/2.0 200 OK" (RFC 3261 sections 7.1, 7.2)
 bool isSipStart(std::string_view line) {
     constexpr std::string_view version = "SIP/2.0";
+    if (line.size() > kLongestStartLine) {
+        return false;
+    }
     if (line.starts_with(version)) {
         line.remove_prefix(version.size());
         return line.size() >= 4 && line[0] == ' ' && isDigit(line[1]) && isDigit(line[2]) &&
@@ -40,133 +43,24 @@ bool never(std::string_view /*line*/) {
     return false;
 }
 
-// Offset of the next SIP message's first line; the text's length when there is none.
-size_t findStart(std::string_view text, size_t offset) {
-    while (offset < text.size()) {
-        const LinePlace place = lineAt(text, offset);
-        if (isSipStart(text.substr(offset, place.end - offset))) {
-            return offset;
-        }
-        offset = place.next;
-    }
-    return text.size();
+std::string bytes(size_t count) {
+    return counted(count, "byte", "bytes");
 }
 
-// "v=0": a letter and "=" behind any empty lines.
-bool beginsAsSdp(std::string_view text) {
-    const size_t first = text.find_first_not_of("\r\n");
-    return first != std::string_view::npos && isLetter(text[first]) &&
-           text.substr(first + 1).starts_with('=');
-}
-
-// Whether a message could end there: before another one, or nothing but blanks and line ends.
-bool couldEnd(std::string_view text, size_t offset) {
-    const size_t next = text.find_first_not_of(" \t\r\n", offset);
-    if (next == std::string_view::npos) {
-        return true;
-    }
-    const LinePlace place = lineAt(text, next);
-    return next > 0 && text[next - 1] == '\n' && isSipStart(text.substr(next, place.end - next));
-}
-
-// The offset that many bytes on, each LF alone counted as CR LF. A missing last line end is made up
-// for.
-std::optional<size_t> endCountingCrLf(std::string_view text, size_t begin, size_t length) {
-    size_t count = 0;
-    size_t at = begin;
-    for (; at < text.size() && count < length; ++at) {
-        count += text[at] == '\n' && (at == begin || text[at - 1] != '\r') ? 2 : 1;
-    }
-    const bool meets = count == length || (at == text.size() && count + 2 == length);
-    return meets ? std::optional(at) : std::nullopt;
-}
-
-class Finder {
+// The body of one message: where it may end.
+class Extent {
 public:
-    explicit Finder(std::string_view text) : text_(text) {}
+    Extent(std::string_view text, size_t begin) : text_(text), begin_(begin) {}
 
-    Bodies run() {
-        size_t start = findStart(text_, 0);
-        const size_t first = start;
-        bool several = false;
-        while (start < text_.size()) {
-            const size_t next = takeMessage(start);
-            start = findStart(text_, next);
-            several = several || start < text_.size();
-        }
-        if (found_.bodies.empty() && found_.problems.empty()) {
-            found_.problems.push_back({first, several
-                                                  ? "no SIP message carries an application/sdp body"
-                                                  : "the SIP message carries no application/sdp "
-                                                    "body"});
-        }
-        return std::move(found_);
-    }
-
-private:
-    // Answers where to go on.
-    size_t takeMessage(size_t start) {
-        const Headers headers = readHeaders(text_, lineAt(text_, start).next, isSipStart);
-        const std::optional<size_t> end = endOf(start, headers);
-        if (!end) {
-            return headers.bodyAt;
-        }
-        takeEntity(headers, start, headers.bodyAt, *end, 0);
-        return *end;
-    }
-
-    std::optional<size_t> endOf(size_t start, const Headers &headers) {
-        const size_t begin = headers.bodyAt;
-        if (!headers.contentLength) {
-            return endWithoutLength(begin);
-        }
-        const std::string &value = *headers.contentLength;
-        size_t length = 0;
-        const auto [rest, error] =
-            std::from_chars(value.data(), value.data() + value.size(), length);
-        if (error != std::errc{} || rest != value.data() + value.size()) {
-            problem(start, "the SIP message's Content-Length is not a number");
-            return std::nullopt;
-        }
-        std::vector<size_t> ends; // where the body may end, the likelier first
-        if (length <= text_.size() - begin) {
-            ends.push_back(begin + length);
-        }
-        if (headers.bareLineFeeds) {
-            if (const auto end = endCountingCrLf(text_, begin, length)) {
-                ends.push_back(*end);
-            }
-        }
-        if (ends.empty()) {
-            problem(start, "the SIP message ends before its Content-Length");
-            return std::nullopt;
-        }
-        return likeliest(ends);
-    }
-
-    size_t likeliest(const std::vector<size_t> &ends) const {
-        for (const size_t end : ends) {
-            if (couldEnd(text_, end)) {
-                return end;
-            }
-        }
-        for (const size_t end : ends) {
-            if (end > 0 && text_[end - 1] == '\n') {
-                return end;
-            }
-        }
-        return ends.front();
-    }
-
-    // Empty lines before the next message are not the body's.
-    size_t endWithoutLength(size_t begin) const {
-        size_t end = findStart(text_, begin);
+    // Before the next message, without the empty lines between.
+    size_t natural() const {
+        size_t end = findMessage(text_, begin_);
         if (end == text_.size()) {
             return end;
         }
-        while (end > begin && text_[end - 1] == '\n') {
-            const size_t lineEnd = end - (end - 1 > begin && text_[end - 2] == '\r' ? 2 : 1);
-            if (lineEnd == begin || text_[lineEnd - 1] != '\n') {
+        while (end > begin_ && text_[end - 1] == '\n') {
+            const size_t lineEnd = end - (end - 1 > begin_ && text_[end - 2] == '\r' ? 2 : 1);
+            if (lineEnd == begin_ || text_[lineEnd - 1] != '\n') {
                 break;
             }
             end = lineEnd;
@@ -174,28 +68,158 @@ private:
         return end;
     }
 
-    // `start` is where problems are reported.
-    void takeEntity(const Headers &headers, size_t start, size_t begin, size_t end, int depth) {
+    // The end that the length means, where the text agrees with it.
+    std::optional<size_t> byLength(size_t length, bool bareLineFeeds) const {
+        const std::optional<size_t> exact =
+            length <= text_.size() - begin_ ? std::optional(begin_ + length) : std::nullopt;
+        const std::optional<size_t> converted =
+            bareLineFeeds ? endCountingCrLf(length) : std::nullopt;
+        for (const auto fits :
+             {&Extent::endsBeforeMessage, &Extent::endsItsLines, &Extent::touchesMessage}) {
+            for (const std::optional<size_t> &end : {exact, converted}) {
+                if (end && (this->*fits)(*end)) {
+                    return end;
+                }
+            }
+        }
+        return std::nullopt;
+    }
+
+    // After the lines of SDP that begin with the line of the offset.
+    size_t endOfSdpLines(size_t offset) const {
+        size_t at = lineBegin(offset);
+        while (at < text_.size() && isSdpLine(at)) {
+            at = lineAt(text_, at).next;
+        }
+        return at;
+    }
+
+private:
+    // Whether another message begins there, or blanks are all up to the end. Looks a bounded
+    // distance ahead.
+    bool endsBeforeMessage(size_t offset) const {
+        const std::string_view ahead = text_.substr(0, offset + kLongestStartLine);
+        const size_t next = ahead.find_first_not_of(" \t\r\n", offset);
+        return next == std::string_view::npos || (text_[next - 1] == '\n' && touchesMessage(next));
+    }
+
+    // Bodies without a last line end are followed by the next message at once.
+    bool touchesMessage(size_t offset) const {
+        const LinePlace place = lineAt(text_.substr(0, offset + kLongestStartLine + 2), offset);
+        return isSipStart(text_.substr(offset, place.end - offset));
+    }
+
+    // Whether the offset is at the end of a line, and no line of SDP follows.
+    bool endsItsLines(size_t offset) const {
+        const bool afterFeed = offset == begin_ || text_[offset - 1] == '\n';
+        const std::string_view rest = text_.substr(offset);
+        const bool beforeFeed = rest.starts_with('\n') || rest.starts_with("\r\n");
+        return afterFeed ? !isSdpLine(offset)
+                         : beforeFeed && !isSdpLine(lineAt(text_, offset).next);
+    }
+
+    // The offset that many bytes on, each LF alone counted as CR LF. A missing last line end is
+    // made up for. Not beyond the next message.
+    std::optional<size_t> endCountingCrLf(size_t length) const {
+        const size_t last = findMessage(text_, begin_);
+        size_t count = 0;
+        size_t at = begin_;
+        for (; at < last && count < length; ++at) {
+            count += text_[at] == '\n' && (at == begin_ || text_[at - 1] != '\r') ? 2 : 1;
+        }
+        const bool meets = count == length || (at == text_.size() && count + 2 == length);
+        return meets ? std::optional(at) : std::nullopt;
+    }
+
+    bool isSdpLine(size_t offset) const {
+        return offset + 1 < text_.size() && isLetter(text_[offset]) && text_[offset + 1] == '=';
+    }
+
+    size_t lineBegin(size_t offset) const {
+        const size_t feed = text_.substr(begin_, offset - begin_).rfind('\n');
+        return feed != std::string_view::npos ? begin_ + feed + 1 : begin_;
+    }
+
+    std::string_view text_;
+    size_t begin_;
+};
+
+class MessageTaker {
+public:
+    MessageTaker(std::string_view text, size_t start, Bodies &found)
+        : text_(text), start_(start), found_(found) {}
+
+    size_t take() {
+        const Headers headers = readHeaders(text_, lineAt(text_, start_).next, isSipStart);
+        const size_t end = endOf(headers);
+        takeEntity(headers, start_, headers.bodyAt, end, 0);
+        return end;
+    }
+
+private:
+    size_t endOf(const Headers &headers) {
+        const Extent extent(text_, headers.bodyAt);
+        if (!headers.contentLength) {
+            return extent.natural();
+        }
+        const std::string &value = *headers.contentLength;
+        size_t length = 0;
+        const auto [rest, error] =
+            std::from_chars(value.data(), value.data() + value.size(), length);
+        if (error != std::errc{} || rest != value.data() + value.size()) {
+            problem(Problem::Wrong, start_, "the SIP message's Content-Length is not a number");
+            return extent.natural();
+        }
+        if (const auto end = extent.byLength(length, headers.bareLineFeeds)) {
+            return *end;
+        }
+        return endDespite(length, headers, extent);
+    }
+
+    // The length is wrong: says so where there is a body to lose.
+    size_t endDespite(size_t length, const Headers &headers, const Extent &extent) {
+        const size_t begin = headers.bodyAt;
+        const std::string says = "the SIP message's Content-Length is " + std::to_string(length);
+        const size_t natural = extent.natural();
+        if (length > natural - begin) {
+            problem(Problem::Wrong, start_,
+                    says + ", but only " + bytes(natural - begin) + " of body follow");
+            return natural;
+        }
+        if (!equalsIgnoringCase(mediaType(headers.contentType), "application/sdp")) {
+            return begin + length;
+        }
+        const size_t end = extent.endOfSdpLines(begin);
+        const size_t cut = std::max(end, extent.endOfSdpLines(begin + length));
+        problem(Problem::Wrong, start_,
+                says + (cut > begin + length
+                            ? ", which cuts the body: it has " + bytes(cut - begin)
+                            : ", but the body's lines end after " + bytes(end - begin)));
+        return std::max(cut, begin);
+    }
+
+    // `at` is where problems are reported.
+    void takeEntity(const Headers &headers, size_t at, size_t begin, size_t end, int depth) {
         const std::string_view type = mediaType(headers.contentType);
         if (equalsIgnoringCase(type, "application/sdp")) {
             if (!headers.encoding.empty()) {
-                problem(start, "the body is encoded as " + headers.encoding);
+                problem(Problem::Unusable, at, "the body is encoded as " + headers.encoding);
                 return;
             }
             found_.bodies.push_back({begin, end - begin});
         } else if (equalsIgnoringCase(type.substr(0, 10), "multipart/")) {
-            takeParts(headers, start, begin, end, depth);
+            takeParts(headers, at, begin, end, depth);
         }
     }
 
-    void takeParts(const Headers &headers, size_t start, size_t begin, size_t end, int depth) {
+    void takeParts(const Headers &headers, size_t at, size_t begin, size_t end, int depth) {
         const std::optional<std::string> boundary = parameter(headers.contentType, "boundary");
         if (!boundary || boundary->empty()) {
-            problem(start, "the multipart body's Content-Type has no boundary");
+            problem(Problem::Unusable, at, "the multipart body's Content-Type has no boundary");
             return;
         }
         if (depth == kDeepestPart) {
-            problem(start, "the multipart bodies are nested too deep");
+            problem(Problem::Unusable, at, "the multipart bodies are nested too deep");
             return;
         }
         const std::string_view upToEnd = text_.substr(0, end);
@@ -206,21 +230,30 @@ private:
         }
     }
 
-    void problem(size_t offset, std::string text) {
-        found_.problems.push_back({offset, std::move(text)});
+    void problem(Problem::Kind kind, size_t offset, std::string text) {
+        found_.problems.push_back({kind, offset, std::move(text)});
     }
 
     std::string_view text_;
-    Bodies found_;
+    size_t start_;
+    Bodies &found_;
 };
 
 } // namespace
 
-Bodies findBodies(std::string_view text) {
-    if (beginsAsSdp(text) || findStart(text, 0) == text.size()) {
-        return {{{0, text.size()}}, {}};
+size_t findMessage(std::string_view text, size_t offset) {
+    while (offset < text.size()) {
+        const LinePlace place = lineAt(text, offset);
+        if (isSipStart(text.substr(offset, place.end - offset))) {
+            return offset;
+        }
+        offset = place.next;
     }
-    return Finder(text).run();
+    return text.size();
+}
+
+size_t takeMessage(std::string_view text, size_t start, Bodies &found) {
+    return MessageTaker(text, start, found).take();
 }
 
 } // namespace cli

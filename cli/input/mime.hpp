@@ -17,17 +17,17 @@ struct LinePlace {
 
 LinePlace lineAt(std::string_view text, size_t offset);
 
-// The headers that say what a body is, folded ones in one piece.
+// The headers that say what a body is, folded ones unfolded.
 struct Headers {
     std::string contentType;
     std::optional<std::string> contentLength;
     std::string encoding; // of the content or for its transfer, when there is one to undo
-    size_t bodyAt = 0;    // behind the empty line; the end of the text when there is none
+    size_t bodyAt = 0;    // after the empty line; the end of the text when there is none
     bool bareLineFeeds = false;
 };
 
 // Reads headers from the offset up to and with the empty line. `stops` ends them early: a line for
-// which it answers true is no header.
+// which it returns true is no header.
 Headers readHeaders(std::string_view text, size_t offset, bool (*stops)(std::string_view line));
 
 // "multipart/mixed" of a Content-Type value, and one of its parameters, without quotes.

@@ -58,4 +58,15 @@ uint32_t codeOf(const CheckInfo &check, uint32_t fileBase) {
                : check.location;
 }
 
+std::string_view sourceOf(const CheckInfo &check) {
+    for (const CheckInfo &other : kRows) {
+        SDPResultText words = {};
+        if (other.kind == CheckInfo::Composed && other.file == check.file &&
+            SdpLibDescribeResult(codeOf(other, g_gSipStackFileId), &words) == 0) {
+            return words.pcSource;
+        }
+    }
+    return {};
+}
+
 } // namespace cli

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace cli {
 
@@ -18,7 +19,11 @@ struct CheckInfo {
 
 std::span<const CheckInfo> allChecks();
 
-// The code that a composed check answers under that base of file numbers.
+// The code that a composed check returns under that base of file numbers.
 uint32_t codeOf(const CheckInfo &check, uint32_t fileBase);
+
+// The source file as log entries name it, under the present g_gSipStackFileId; empty for a file
+// whose checks have no codes.
+std::string_view sourceOf(const CheckInfo &check);
 
 } // namespace cli

@@ -1,6 +1,9 @@
 #include "output/diagnostic.hpp"
 
-#include "output/display.hpp"
+#include <algorithm>
+
+#include "output/escape.hpp"
+#include "output/hints.hpp"
 #include "output/text.hpp"
 
 namespace cli {
@@ -8,7 +11,7 @@ namespace cli {
 namespace {
 
 // The library has one check for all arguments; what was wrong with the text is known here.
-std::string sentenceOf(const SDPResultText &words, size_t bodySize) {
+std::string sentenceOf(const sdpline::Error &error, size_t bodySize) {
     if (bodySize == 0) {
         return "the body is empty";
     }
@@ -16,120 +19,148 @@ std::string sentenceOf(const SDPResultText &words, size_t bodySize) {
         return "the body is " + std::to_string(bodySize) + " bytes long, more than " +
                std::to_string(SDP_MAX_BODY);
     }
-    return words.pcSentence;
+    return std::string(error.sentence);
 }
 
-// A line of the body without its line end, and where it begins in the input.
-struct BodyLine {
-    std::string_view text;
-    size_t begin;
+// A place of a body: its line without the line end, and where in it.
+struct LinePart {
+    std::string text;
+    size_t offset;
+    size_t number; // of the line in the input, from 1
+    size_t column; // in the input, from 1
 };
 
-BodyLine lineOf(const Found &body, size_t offset) {
-    const std::string_view text = body.text();
-    const size_t inBody = offset - body.place.offset;
-    const size_t before = inBody == 0 ? std::string_view::npos : text.rfind('\n', inBody - 1);
-    const size_t begin = before == std::string_view::npos ? 0 : before + 1;
-    std::string_view line = text.substr(begin, text.find('\n', begin) - begin);
+LinePart linePartAt(const Found &body, size_t offset, Redactor *redactor) {
+    const std::string_view before = body.text.substr(0, offset);
+    const size_t begin = before.rfind('\n') + 1; // 0 where there is none
+    std::string_view line = body.text.substr(begin, body.text.find('\n', begin) - begin);
     line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-    return {line, body.place.offset + begin};
+    const auto feeds = std::count(before.begin(), before.end(), '\n');
+    LinePart part = {std::string(line), offset - begin, body.line + static_cast<size_t>(feeds),
+                     offset - begin + 1};
+    if (redactor != nullptr && !line.empty()) {
+        const std::vector<Edit> edits = redactor->editsOf(line);
+        part.text = applied(line, edits);
+        part.offset = movedOffset(part.offset, edits);
+    }
+    return part;
 }
 
-std::string placeText(const Found &body, const Diagnostic &diagnostic) {
-    const std::string &name = body.source->name();
+std::string placeText(const Found &body, const std::optional<LinePart> &part) {
+    return body.name + ':' + std::to_string(part ? part->number : body.line) +
+           (part ? ':' + std::to_string(part->column) : "");
+}
+
+// A diagnostic and all that is quoted of the body.
+struct Shown {
+    std::optional<LinePart> part;
+    std::string message; // the sentence, and what was found
+    std::string_view hint;
+};
+
+Shown shownOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
+    Shown shown = {std::nullopt, diagnostic.sentence, {}};
+    std::string line;
     if (diagnostic.offset) {
-        const Place place = body.source->placeOf(*diagnostic.offset);
-        return name + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
+        line = linePartAt(body, *diagnostic.offset, nullptr).text;
+        shown.part = linePartAt(body, *diagnostic.offset, redactor);
+        const bool atEnd = *diagnostic.offset >= body.text.size();
+        const std::string found =
+            foundAt(diagnostic.sentence, shown.part->text, shown.part->offset, atEnd);
+        shown.message += found.empty() ? "" : "; found " + found;
     }
-    return name + ':' + std::to_string(body.source->placeOf(body.place.offset).line);
+    shown.hint = diagnostic.error ? hintFor(diagnostic.error->check, line) : std::string_view();
+    return shown;
 }
 
-void printExcerpt(std::ostream &out, const Found &body, size_t offset, Redactor *redactor,
-                  const Style &style) {
-    const BodyLine line = lineOf(body, offset);
-    std::string text(line.text);
-    size_t mark = offset - line.begin;
-    if (redactor != nullptr && !text.empty()) {
-        const std::vector<Edit> edits = redactor->editsOf(text);
-        mark = movedOffset(mark, edits);
-        text = applied(text, edits);
-    }
-    const Excerpt excerpt = excerptOf(text, mark);
-    const std::string number = std::to_string(body.source->placeOf(offset).line);
+void printExcerpt(std::ostream &out, const LinePart &part, const Style &style) {
+    const Excerpt excerpt = excerptOf(part.text, part.offset);
+    const std::string number = std::to_string(part.number);
     const std::string margin(number.size() < 5 ? 5 - number.size() : 0, ' ');
     out << margin << number << " | " << excerpt.line << '\n'
         << std::string(margin.size() + number.size(), ' ') << " | "
         << std::string(excerpt.mark, ' ') << style.caret << '^' << style.reset << '\n';
 }
 
+std::string_view checkName(const Diagnostic &diagnostic) {
+    return diagnostic.error ? diagnostic.error->check : "LineKind";
+}
+
 } // namespace
 
-Diagnostic diagnosticOf(const Decoded &refused, const BodyPlace &place) {
-    const SDPFailure &failure = refused.failure;
-    Diagnostic diagnostic = {refused.result, failure.pcCheck, "", {}, failure.enToken, {}, false};
-    SdpLibDescribeResult(refused.result, &diagnostic.words);
-    diagnostic.sentence = sentenceOf(diagnostic.words, place.size);
-    if (failure.ulLine != 0) {
-        diagnostic.offset = place.offset + failure.ulOffset;
+uint32_t tokenOf(const sdpline::Error &error) {
+    SDPFailure failure = {};
+    SdpLibGetLastFailure(&failure);
+    return failure.ulResult == error.code ? failure.enToken : 0;
+}
+
+Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body) {
+    Diagnostic diagnostic = {error, sentenceOf(error, body.text.size()), tokenOf(error), {}, false};
+    if (error.line != 0) {
+        diagnostic.offset = error.offset;
     }
     return diagnostic;
 }
 
-Diagnostic diagnosticOfLine(SDPResult result, uint32_t token, size_t offset) {
-    Diagnostic diagnostic = {result, "", "", {}, token, offset, true};
-    if (SdpLibDescribeResult(result, &diagnostic.words) == 0) {
-        diagnostic.check = diagnostic.words.pcCheck;
-        diagnostic.sentence = diagnostic.words.pcSentence;
-    } else {
-        diagnostic.check = "LineKind";
-        diagnostic.sentence = "no line of SDP begins like this";
+std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
+    const Shown shown = shownOf(body, diagnostic, redactor);
+    const bool whole = !diagnostic.offset && body.offset == 0;
+    std::string text = (whole ? body.name : placeText(body, shown.part)) + ": " + shown.message;
+    if (const std::optional<sdpline::Error> &error = diagnostic.error) {
+        text += " (" + std::string(error->source) + ' ' + std::string(error->function) + ", " +
+                codeText(error->code) + ')';
     }
-    return diagnostic;
-}
-
-std::string shortText(const Found &body, const Diagnostic &diagnostic) {
-    const bool whole = !diagnostic.offset && body.place.offset == 0;
-    return (whole ? body.source->name() : placeText(body, diagnostic)) + ": " +
-           diagnostic.sentence + " (" + diagnostic.words.pcSource + ' ' +
-           diagnostic.words.pcFunction + ", " + codeText(diagnostic.result) + ')';
+    return text + (shown.hint.empty() ? "" : "\n  hint: " + std::string(shown.hint));
 }
 
 void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, Redactor *redactor,
            const Style &style) {
-    out << style.bold << placeText(body, diagnostic) << ": " << style.reset << style.error
-        << "error: " << style.reset << style.bold << diagnostic.sentence << style.reset << " ["
-        << diagnostic.check << ']' << (diagnostic.alone ? " (line judged on its own)" : "") << '\n';
-    if (diagnostic.offset) {
-        printExcerpt(out, body, *diagnostic.offset, redactor, style);
+    const Shown shown = shownOf(body, diagnostic, redactor);
+    out << style.bold << placeText(body, shown.part) << ": " << style.reset << style.error
+        << "error: " << style.reset << style.bold << shown.message << style.reset << " ["
+        << checkName(diagnostic) << ']' << (diagnostic.alone ? " (line judged on its own)" : "")
+        << '\n';
+    if (shown.part) {
+        printExcerpt(out, *shown.part, style);
+    }
+    if (!shown.hint.empty()) {
+        out << "  hint: " << shown.hint << '\n';
     }
 }
 
 nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
-    nlohmann::ordered_json json = {{"line", nullptr},           {"column", nullptr},
-                                   {"offset", nullptr},         {"code", nullptr},
-                                   {"check", diagnostic.check}, {"sentence", diagnostic.sentence}};
-    if (diagnostic.result != 0) {
-        json["code"] = diagnostic.result;
-        json["class"] = diagnostic.words.pcClass;
-        json["source"] = diagnostic.words.pcSource;
-        json["function"] = diagnostic.words.pcFunction;
+    const Shown shown = shownOf(body, diagnostic, redactor);
+    nlohmann::ordered_json json = {{"line", nullptr},
+                                   {"column", nullptr},
+                                   {"offset", nullptr},
+                                   {"code", nullptr},
+                                   {"check", checkName(diagnostic)},
+                                   {"sentence", shown.message}};
+    if (const std::optional<sdpline::Error> &error = diagnostic.error) {
+        SDPResultText words = {};
+        SdpLibDescribeResult(error->code, &words);
+        json["code"] = error->code;
+        json["class"] = words.pcClass;
+        json["source"] = error->source;
+        json["function"] = error->function;
     }
     json["token"] = diagnostic.token;
     json["alone"] = diagnostic.alone;
-    if (diagnostic.offset) {
-        const Place place = body.source->placeOf(*diagnostic.offset);
-        json["line"] = place.line;
-        json["column"] = place.column;
-        json["offset"] = *diagnostic.offset;
-        const std::string_view text = lineOf(body, *diagnostic.offset).text;
-        const bool masked = redactor != nullptr && !text.empty();
-        json["text"] = masked ? redactor->redacted(text) : std::string(text);
+    if (shown.part) {
+        json["line"] = shown.part->number;
+        json["column"] = shown.part->column;
+        json["offset"] = body.offset + *diagnostic.offset;
+        json["text"] = shown.part->text;
+    }
+    if (!shown.hint.empty()) {
+        json["hint"] = shown.hint;
     }
     return json;
 }
 
 std::string dumped(const nlohmann::ordered_json &document) {
-    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+    return escapedJson(document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)) +
+           '\n';
 }
 
 } // namespace cli

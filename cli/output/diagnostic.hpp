@@ -4,46 +4,45 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
-#include "input/body.hpp"
 #include "input/input.hpp"
 #include "output/terminal.hpp"
 #include "redact/redact.hpp"
+#include "sdpline/sdpline.hpp"
 
 namespace cli {
 
 struct Diagnostic {
-    SDPResult result; // 0 when no check of the library is to name
-    std::string check;
+    std::optional<sdpline::Error> error; // none: no check of the library is to name
     std::string sentence;
-    SDPResultText words; // of the result
-    uint32_t token;
-    std::optional<size_t> offset; // in the input; none when no place is to blame
-    bool alone;                   // the line was judged on its own, behind the refusal
+    uint32_t token;               // SDP_TOK_... that the parser had reached
+    std::optional<size_t> offset; // in the body; none when no place is to blame
+    bool alone;                   // the line was judged on its own, after the refused one
 };
 
-// Of a body that was refused.
-Diagnostic diagnosticOf(const Decoded &refused, const BodyPlace &place);
+// The token of the decode that was just refused for that reason.
+uint32_t tokenOf(const sdpline::Error &error);
 
-// Of one line that its own parser refused.
-Diagnostic diagnosticOfLine(SDPResult result, uint32_t token, size_t offset);
+// Of a body that was refused.
+Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body);
 
 // "offer.sdp:4:16: the fourth octet is above 255 (sdpparser sdpConnectionFieldAddrIpv4,
-// 0x05035065)"
-std::string shortText(const Found &body, const Diagnostic &diagnostic);
+// 0x05035065)", and what to do about it on a line of its own. A redactor masks what is quoted; null
+// shows it as it is.
+std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor);
 
-// "offer.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]", the line and a mark.
-// A redactor masks the line; null shows it as it is.
+// "offer.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]", the line and a mark,
+// and what to do about it.
 void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, Redactor *redactor,
            const Style &style);
 
 nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor);
 
-// The text of a JSON document with its line end; bytes that are not UTF-8 (names of files) are
-// replaced.
+// The text of a JSON document with its line end. Bytes that are not UTF-8 (names of files) are
+// replaced, and control characters that a terminal would obey are escaped.
 std::string dumped(const nlohmann::ordered_json &document);
 
 } // namespace cli

@@ -1,179 +1,97 @@
+// Each line is decoded as part of a short body, which only the line in question can spoil: after
+// lines that it may follow, and before one that is always refused. What is refused tells whether
+// the line is good, empty, faulty, or of a kind that does not belong there.
 #include "output/everyline.hpp"
 
+#include <algorithm>
+#include <array>
 #include <string>
-
-#include "input/body.hpp"
-#include "sdpline/sdpinternals.h"
 
 namespace cli {
 
 namespace {
 
-// ---- Memory: the hooks over a block that goes when the lines are judged
-
-SDPMemCp *block = nullptr;
-
-void *allocateFromBlock(uint32_t size) {
-    return block->pfnAlloc(block, size);
-}
-
-void freeToBlock(void *memory) {
-    block->pfnFree(memory);
-}
-
-class HooksOverBlock {
-public:
-    HooksOverBlock() : alloc_(SdpGetFnAlloc()), free_(SdpGetFnFree()) {
-        usable_ = SipMmCreateBufMem(512, 1024, &block) == 0;
-        SdpSetFnAlloc(allocateFromBlock);
-        SdpSetFnFree(freeToBlock);
-    }
-    ~HooksOverBlock() {
-        SdpSetFnAlloc(alloc_);
-        SdpSetFnFree(free_);
-        SipMmReleaseBufMem(&block);
-    }
-    HooksOverBlock(const HooksOverBlock &) = delete;
-    HooksOverBlock &operator=(const HooksOverBlock &) = delete;
-
-    bool usable() const { return usable_; }
-
-private:
-    SdpFnAlloc alloc_;
-    SdpFnFree free_;
-    bool usable_;
-};
-
-// ---- One line
-
-struct Line {
-    std::string text;            // as the parser gets it
-    std::vector<size_t> offsets; // of its bytes in the body, and of its end
-};
-
-// The line that begins there, in the parser's normal form: no CR of CR LF, no blanks at its start
-// unless it is the first, no NUL bytes. `next` becomes the offset of the line behind it.
-Line normalLine(std::string_view body, size_t begin, size_t &next) {
-    const size_t feed = body.find('\n', begin);
-    size_t end = feed != std::string_view::npos ? feed : body.size();
-    next = feed != std::string_view::npos ? feed + 1 : body.size();
-    end -= feed != std::string_view::npos && end > begin && body[end - 1] == '\r' ? 1 : 0;
-    Line line;
-    for (size_t at = begin; at < end; ++at) {
-        const bool leading = line.text.empty() && begin != 0 && body[at] == ' ';
-        if (body[at] != '\0' && !leading) {
-            line.text += body[at];
-            line.offsets.push_back(at);
-        }
-    }
-    line.offsets.push_back(end);
-    return line;
-}
-
-// The parser that a kind of line has, and a short body in which such a line may come next.
-struct Judge {
-    uint32_t kind;
-    SDPResult (*parse)();
+// Lines before and after the one that is judged. All kinds of lines are taken at one of the places.
+struct Surroundings {
     std::string_view before;
+    std::string_view after;
 };
 
-constexpr std::string_view kNothing = "";
-constexpr std::string_view kVersion = "v=0\n";
-constexpr std::string_view kOrigin = "v=0\no=- 0 0 IN IP4 0\n";
-constexpr std::string_view kName = "v=0\no=- 0 0 IN IP4 0\ns=-\n";
-constexpr std::string_view kTime = "v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\n";
+constexpr auto kPlaces = std::to_array<Surroundings>({
+    {"v=0\no=- 0 0 IN IP4 0\ns=-\n", ""},        // i= u= e= p= c= b= t= m=
+    {"v=0\no=- 0 0 IN IP4 0\ns=-\nt=0 0\n", ""}, // r= z= k= a=
+    {"", "o=- 0 0 IN IP4 0\ns=-\n"},             // v=
+    {"v=0\n", "s=-\n"},                          // o=
+    {"v=0\no=- 0 0 IN IP4 0\n", ""},             // s=
+});
+constexpr std::string_view kRefused = "?\n"; // no line begins like this
 
-template <class Record, SDPResult (*Parser)(Record *)>
-SDPResult parseInto() {
-    Record record = {};
-    return Parser(&record);
-}
-
-template <uint32_t Kind>
-SDPResult parseText() {
-    SipString text = {};
-    return sdpStringField(Kind, &text);
-}
-
-constexpr Judge kJudges[] = {
-    {SDP_TOK_VERSION, parseInto<SdpLine, sdpProtoVersion>, kNothing},
-    {SDP_TOK_ORIGIN, parseInto<SDPOrigin, sdpOriginField>, kVersion},
-    {SDP_TOK_SESSION_NAME, parseText<SDP_TOK_SESSION_NAME>, kOrigin},
-    {SDP_TOK_INFO, parseText<SDP_TOK_INFO>, kName},
-    {SDP_TOK_URI, parseText<SDP_TOK_URI>, kName},
-    {SDP_TOK_EMAIL, parseText<SDP_TOK_EMAIL>, kName},
-    {SDP_TOK_PHONE, parseText<SDP_TOK_PHONE>, kName},
-    {SDP_TOK_CONNECTION, parseInto<SDPConnection, sdpConnectionField>, kName},
-    {SDP_TOK_BANDWIDTH, parseText<SDP_TOK_BANDWIDTH>, kName},
-    {SDP_TOK_TIME, parseInto<SDPTimeField, sdpTimeField>, kName},
-    {SDP_TOK_REPEAT, parseInto<SDPRepeatField, sdpRepeatField>, kTime},
-    {SDP_TOK_ZONE, parseText<SDP_TOK_ZONE>, kTime},
-    {SDP_TOK_KEY, parseText<SDP_TOK_KEY>, kTime},
-    {SDP_TOK_ATTRIBUTE, parseInto<SDPAttr, sdpAttributeField>, kTime},
-    {SDP_TOK_MEDIA, parseInto<SDPMediaField, sdpMediaField>, kName},
+struct Verdict {
+    enum { Good, Empty, Faulty, Misplaced } kind;
+    sdpline::Error error;
+    uint32_t token;
+    size_t offset; // of a fault, in the line
 };
 
-const Judge *judgeOf(uint32_t kind) {
-    for (const Judge &judge : kJudges) {
-        if (judge.kind == kind) {
-            return &judge;
-        }
+// `last`: the body ends with the line, and without a line end.
+Verdict judgeAt(const Surroundings &place, std::string_view line, bool last) {
+    const size_t around = place.before.size() + place.after.size() + kRefused.size() + 1;
+    line = line.substr(0, SDP_MAX_BODY - around); // no longer value is taken
+    std::string text(place.before);
+    text.append(line);
+    const size_t end = text.size();
+    if (!last) {
+        text.append("\n").append(place.after).append(kRefused);
     }
-    return nullptr;
+    const auto body = sdpline::Body::decode(text);
+    if (body) {
+        return {last ? Verdict::Good : Verdict::Empty, {}, 0, 0}; // an empty line ends the body
+    }
+    const sdpline::Error &error = body.error();
+    const uint32_t errorClass = error.code & 0x3FF;
+    const bool wrongKind =
+        errorClass == SDP_ERRCLASS_UNEXPECTED_LINE || errorClass == SDP_ERRCLASS_NOT_SDP;
+    if (error.offset > end || (last && wrongKind && error.offset == end)) {
+        return {Verdict::Good, {}, 0, 0};
+    }
+    const size_t offset = error.offset - std::min<size_t>(error.offset, place.before.size());
+    return {wrongKind ? Verdict::Misplaced : Verdict::Faulty, error, tokenOf(error), offset};
 }
 
-// The parser's place is where the lexer stands. A word that was judged lies before it; only a
-// decode tells where, so the line is decoded once more behind lines that it may follow.
-size_t placeIn(const Line &line, const Judge &judge, SDPResult result, size_t lexerAt) {
-    const Decoded decoded = decodeBody(std::string(judge.before) + line.text);
-    const size_t offset = decoded.failure.ulOffset;
-    const bool same = decoded.result == result && offset >= judge.before.size() &&
-                      offset - judge.before.size() < line.offsets.size();
-    const size_t at = same ? offset - judge.before.size() : lexerAt;
-    return line.offsets[at < line.offsets.size() ? at : line.offsets.size() - 1];
-}
-
-// Adds the line's fault, if it has one. The parsers want an empty line behind their own.
-void judge(const Line &line, std::vector<LineFault> &faults) {
-    std::string input = line.text + "\n\n";
-    const SipString text = {static_cast<uint32_t>(input.size()), input.data()};
-    SDPResult result = 0;
-    uint32_t token = 0;
-    size_t lexerAt = 0;
-    const Judge *judge = nullptr;
-    {
-        const HooksOverBlock hooks;
-        if (!hooks.usable()) {
-            return;
+// By the first place that takes such a line.
+Verdict judge(std::string_view line, bool last) {
+    Verdict verdict = {};
+    for (const Surroundings &place : kPlaces) {
+        verdict = judgeAt(place, line, last);
+        if (verdict.kind != Verdict::Misplaced) {
+            break;
         }
-        clearSdpLexer();
-        setInput(&text);
-        setLexerContext(SDP_LEXCTX_SDP);
-        judge = judgeOf(startTracking());
-        result = judge != nullptr ? judge->parse() : 0;
-        token = LA();
-        lexerAt = sdpGetStartToken();
-        clearSdpLexer();
     }
-    if (judge == nullptr) {
-        faults.push_back({0, token, line.offsets.front()});
-    } else if (result != 0) {
-        faults.push_back({result, token, placeIn(line, *judge, result, lexerAt)});
-    }
+    return verdict;
 }
 
 } // namespace
 
-std::vector<LineFault> judgeLines(std::string_view body, size_t refusedAt) {
-    std::vector<LineFault> faults;
-    const size_t feed = body.find('\n', refusedAt);
-    size_t next = feed != std::string_view::npos ? feed + 1 : body.size();
-    while (next < body.size()) {
-        const Line line = normalLine(body, next, next);
-        if (line.text.empty()) {
+std::vector<Diagnostic> judgeLines(std::string_view body, size_t refusedAt) {
+    std::vector<Diagnostic> faults;
+    for (size_t feed = body.find('\n', refusedAt); feed != std::string_view::npos;) {
+        const size_t begin = feed + 1;
+        feed = body.find('\n', begin);
+        const bool last = feed == std::string_view::npos;
+        if (last && begin == body.size()) {
             break;
         }
-        judge(line, faults);
+        const Verdict verdict = judge(body.substr(begin, feed - begin), last);
+        if (verdict.kind == Verdict::Empty) {
+            break;
+        }
+        if (verdict.kind != Verdict::Good) {
+            const bool known = verdict.kind == Verdict::Faulty;
+            faults.push_back(
+                {known ? std::optional(verdict.error) : std::nullopt,
+                 known ? std::string(verdict.error.sentence) : "no line of SDP begins like this",
+                 verdict.token, begin + verdict.offset, true});
+        }
     }
     return faults;
 }

@@ -3,6 +3,7 @@
 #include <span>
 #include <string_view>
 
+#include "output/payloads.hpp"
 #include "sdpline/cpp/detail/attributes.hpp"
 
 namespace cli {
@@ -13,6 +14,8 @@ namespace tables = sdpline::tables;
 
 class Writer {
 public:
+    explicit Writer(TreeStyle style) : style_(style) {}
+
     // Starts a line; what is written belongs to it until the next one.
     Writer &line(std::string_view label) {
         if (!out_.empty()) {
@@ -49,11 +52,22 @@ public:
         return *this;
     }
 
+    // What the number before it means, where that is known and wanted.
+    Writer &meaning(std::string_view name) {
+        if (style_ == TreeStyle::Explained && !name.empty()) {
+            out_ += " (";
+            out_ += name;
+            out_ += ')';
+        }
+        return *this;
+    }
+
     void indent() { ++indent_; }
     void outdent() { --indent_; }
     std::string take() { return std::move(out_) + '\n'; }
 
 private:
+    TreeStyle style_;
     std::string out_;
     size_t indent_ = 0;
 };
@@ -184,7 +198,8 @@ void writeStatus(Writer &out, const SDPRsrcMgmtStatus &status, bool withStrength
 }
 
 void writeRtpMap(Writer &out, const SDPRtpMapAttr &map) {
-    out.field("payload", map.ulPayloadType).field("profile", map.ulEncodingId);
+    out.field("payload", map.ulPayloadType);
+    out.field("profile", map.ulEncodingId).meaning(profileName(map.ulEncodingId));
     out.word("name").text(map.strEncodingName);
     out.field("clock", map.ulClockRate).field("channels", map.ulEncodingParams);
 }
@@ -233,7 +248,20 @@ void writeAttributes(Writer &out, const SDPAttrList *list) {
     }
 }
 
-void writeFormats(Writer &out, const SDPMediaFmt &fmt) {
+// What a payload number of the media description stands for: its own a=rtpmap line, or RFC 3551.
+std::string payloadName(uint32_t payload, const SDPAttrList *list) {
+    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
+        const SDPAttr &attr = *list->ppstAttrs[i];
+        const SDPRtpMapAttr &map = attr.unAttrValue.stRtpMap;
+        if (attr.ulAttrType == SDP_ATTR_RTPMAP && map.ulPayloadType == payload) {
+            const std::string name = quoted(map.strEncodingName);
+            return name.substr(1, name.size() - 2);
+        }
+    }
+    return std::string(staticPayloadName(payload));
+}
+
+void writeFormats(Writer &out, const SDPMediaFmt &fmt, const SDPAttrList *attributes) {
     switch (fmt.enFmtType) {
     case SDP_FMT_T38: out.word("t38"); return;
     case SDP_FMT_T120: out.word("t120"); return;
@@ -248,7 +276,8 @@ void writeFormats(Writer &out, const SDPMediaFmt &fmt) {
         return;
     }
     for (uint32_t i = 0; i < payLoads.ulNoOfPayLoads; ++i) {
-        out.number(payLoads.pulPayLoads[i]);
+        const uint32_t payload = payLoads.pulPayLoads[i];
+        out.number(payload).meaning(payloadName(payload, attributes));
     }
 }
 
@@ -266,7 +295,7 @@ void writeMedia(Writer &out, const SDPMediaDesc &media) {
     } else {
         out.code(field.stProto.enProto, tables::kProtoWords);
     }
-    writeFormats(out, field.stMediaFmt);
+    writeFormats(out, field.stMediaFmt, media.pstAttrList);
     out.indent();
     writeText(out, "info", media.pstrMediaInfo);
     writeConnection(out, media.pstConnection);
@@ -297,8 +326,8 @@ std::string quoted(const SipString &text) {
     return result + '"';
 }
 
-std::string describeTree(const SdpLine &line) {
-    Writer out;
+std::string describeTree(const SdpLine &line, TreeStyle style) {
+    Writer out(style);
     out.line("version").number(line.ulProtoVersion);
     writeOrigin(out, line.stOrigin);
     out.line("name").text(line.strSessionName);

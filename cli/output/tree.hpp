@@ -7,9 +7,13 @@
 
 namespace cli {
 
+// Plain shows what the records hold; Explained adds the names of payload types and profiles after
+// their numbers: "0 (PCMU)".
+enum class TreeStyle { Plain, Explained };
+
 // Texts are quoted, bytes that do not print are \xHH. Codes are shown by their keywords; those
 // that have none by their number.
-std::string describeTree(const SdpLine &line);
+std::string describeTree(const SdpLine &line, TreeStyle style = TreeStyle::Plain);
 
 // A text in quotes, as the tree shows it.
 std::string quoted(const SipString &text);

@@ -24,9 +24,10 @@ TEXT
 expect "bytes that are dropped count" 1 refused nothing -- "$program" check dropped.sdp
 printf 'v=0\no=- 1 2 IN IP4 x\n' >short.sdp
 cat >refused <<'TEXT'
-short.sdp:3:1: error: expected an s= line after the o= line [StartName]
+short.sdp:3:1: error: expected an s= line after the o= line; found the end of the text [StartName]
     3 | 
       | ^
+  hint: a body begins with the lines v=, o= and s=
 nothing:1: error: the body is empty [ParseArgument]
 checked 2 bodies in 2 files: 2 refused
 TEXT
@@ -57,11 +58,93 @@ expect "a refused body and a missing file" 2 '~1 refused, 1 problem$' missing --
 mkdir empty
 echo 'checked 0 bodies in 0 files: none refused' >summary
 expect "an empty folder" 0 summary nothing -- "$program" check empty
-if [ "$(id -u)" -ne 0 ]; then
-  mkdir closed && chmod 0 closed
-  expect "a folder that is closed" 2 - '~^sdpline: closed: ' -- "$program" check closed
-  chmod 700 closed
-fi
+# Nobody may read a folder in the middle: root may read all of them.
+chmod 755 . folder folder/deeper
+mkdir folder/closed && cp bad.sdp folder/closed && chmod 0 folder/closed
+nobody=()
+[ "$(id -u)" -ne 0 ] || nobody=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+cat >refused <<'TEXT'
+folder/a.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+    4 | c=IN IP4 1.2.3.256
+      |                ^
+folder/deeper/c.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+    4 | c=IN IP4 1.2.3.256
+      |                ^
+checked 3 bodies in 3 files: 2 refused, 1 problem
+TEXT
+echo 'sdpline: folder/closed: Permission denied' >closed
+expect "a closed folder costs only itself" 2 refused closed -- \
+  "${nobody[@]}" "$program" check folder
+for command in "decode" "format" "encode"; do
+  expect "$command names it too" 2 - '~^sdpline: folder/closed: Permission denied$' -- \
+    "${nobody[@]}" "$program" $command folder
+done
+expect "diff too" 2 nothing '~^sdpline: folder/closed: Permission denied$' -- \
+  "${nobody[@]}" "$program" diff folder good.sdp
+chmod 755 folder/closed && rm -r folder/closed
+ln -s .. folder/deeper/up
+sed -i '$s/.*/checked 3 bodies in 3 files: 2 refused/' refused
+expect "links to folders are not followed" 1 refused nothing -- "$program" check folder
+rm folder/deeper/up
+
+# ---- Several bodies in one file
+"$program" format good.sdp bad.sdp good.sdp folder/b.sdp >three 2>/dev/null
+echo 'checked 3 bodies in 1 file: none refused' >summary
+expect "what format writes" 0 summary nothing -- "$program" check three
+{ cat good.sdp; echo; echo "not read"; echo; cat bad.sdp; } >between
+cat >refused <<'TEXT'
+between:12:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+   12 | c=IN IP4 1.2.3.256
+      |                ^
+checked 2 bodies in 1 file: 1 refused
+TEXT
+echo 'sdpline: between:7: what follows an empty line in a body is not read' >unread
+expect "text between bodies" 1 refused unread -- "$program" check between
+
+# ---- Inputs that are something else
+foreign() { # NAME MESSAGE BYTES
+  printf "$3" >foreign
+  printf 'sdpline: foreign: %s\n' "$2" >message
+  echo 'checked 0 bodies in 0 files: none refused, 1 problem' >summary
+  expect "$1" 2 summary message -- "$program" check foreign
+}
+foreign "a capture" "it is a packet capture (pcap): save the SIP messages in it as text" \
+  '\xd4\xc3\xb2\xa1\x02\x00\x04\x00'
+foreign "a newer capture" "it is a packet capture (pcapng): save the SIP messages in it as text" \
+  '\x0a\x0d\x0d\x0a\x80\x00'
+foreign "gzip" 'it is compressed by gzip: unpack it, as "gzip -dc" does' '\x1f\x8b\x08'
+foreign "UTF-16" "it is UTF-16 text: convert it to UTF-8 or ASCII" 'v\0=\0000\0'
+foreign "UTF-16 with its mark" "it is UTF-16 text: convert it to UTF-8 or ASCII" '\xff\xfev\0'
+foreign "a byte order mark" "it begins with a byte order mark (EF BB BF): save it without one" \
+  '\xef\xbb\xbfv=0\r\n'
+foreign "quotation marks" "its lines begin with quotation marks (> ): take them away" \
+  '> v=0\n> o=- 1 2 IN IP4 x\n'
+foreign "quotes of quotes" "its lines begin with quotation marks (>>\\t): take them away" \
+  '>>\tv=0\n'
+
+# ---- What a terminal would obey
+mkdir $'odd\033[1m'
+cp bad.sdp $'odd\033[1m/\xc2\x9b31m.sdp'
+cp good.sdp $'odd\033[1m/good'
+message gzip good.sdp "c: application/sdp" $'e: \033[2Jx\xc2\x9b'
+expect "names of files" 1 '~^odd.x1b.1m/.xc2.x9b31m.sdp:4:16: ' nothing -- \
+  "$program" check $'odd\033[1m'
+expect "names of files, decode" 1 - '~^odd.x1b.1m/.xc2.x9b31m.sdp:4:16: ' -- \
+  "$program" decode $'odd\033[1m'
+expect "names of files that are titles" 1 '~^# odd.x1b.1m/good:1$' - -- \
+  "$program" decode $'odd\033[1m'
+expect "JSON" 1 '~u001b.1m/.u009b31m.sdp' nothing -- "$program" check --json $'odd\033[1m'
+expect "a header" 2 - '~is encoded as .x1b.2Jx.xc2.x9b$' -- "$program" check gzip
+sed $'s/^s=.*/s=\x7f\xc2\x9b1m\r/' good.sdp >escape.sdp
+expect "JSON of a body" 0 '~"name": ".u007f.u009b1m"' nothing -- \
+  "$program" decode --json escape.sdp
+for command in "check gzip" "check --json gzip bad.sdp" "decode --json escape.sdp" \
+  "decode escape.sdp" "diff good.sdp escape.sdp" "diff --json good.sdp escape.sdp" \
+  "check --every-line escape.sdp"; do
+  "$program" $command >obeyed 2>&1
+  expect "nothing to obey in $command" 1 nothing nothing -- \
+    grep -aP '[\x00-\x09\x0b-\x1f\x7f]|\xc2[\x80-\x9f]' obeyed
+done
 
 # ---- Every line
 file many.sdp <<'SDP'
@@ -77,30 +160,32 @@ m=audio 5004 RTP/AVP 0 x
 a=rtpmap:97 AMR 8000
 a=des:qos e2e sendrecv
 
-a=behind the end
+a=after the end
 SDP
 cat >refused <<'TEXT'
 many.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
-many.sdp:6:11: error: unexpected text after the number [PacketEnd] (line judged on its own)
+many.sdp:6:11: error: unexpected text after the number; found ".5" [PacketEnd] (line judged on its own)
     6 | a=ptime:20.5
       |           ^
 many.sdp:7:1: error: no line of SDP begins like this [LineKind] (line judged on its own)
     7 | f=1
       | ^
-many.sdp:9:24: error: expected a payload number [Payload] (line judged on its own)
+many.sdp:9:24: error: expected a payload number; found "x" [Payload] (line judged on its own)
     9 | m=audio 5004 RTP/AVP 0 x
       |                        ^
-many.sdp:10:21: error: expected "/" after the encoding name [RtpmapSlash] (line judged on its own)
+many.sdp:10:21: error: expected "/" after the encoding name; found the line end [RtpmapSlash] (line judged on its own)
    10 | a=rtpmap:97 AMR 8000
       |                     ^
-many.sdp:11:11: error: expected mandatory, optional, none, failure or unknown as the strength [StrengthWord] (line judged on its own)
+  hint: the line is a=rtpmap:PAYLOAD NAME/CLOCK-RATE or .../CHANNELS
+many.sdp:11:11: error: expected mandatory, optional, none, failure or unknown as the strength; found "e2e" [StrengthWord] (line judged on its own)
    11 | a=des:qos e2e sendrecv
       |           ^
 checked 1 body in 1 file: 1 refused
 TEXT
-expect "--every-line" 1 refused nothing -- "$program" check --every-line many.sdp
+echo 'sdpline: many.sdp:13: what follows an empty line in a body is not read' >unread
+expect "--every-line" 1 refused unread -- "$program" check --every-line many.sdp
 echo 'checked 1 body in 1 file: none refused' >summary
 expect "--every-line of a good body" 0 summary nothing -- "$program" check --every-line good.sdp
 file avpf.sdp <<'SDP'
@@ -113,9 +198,10 @@ SDP
 expect "--every-line takes no RTP/AVPF" 1 '~^avpf.sdp:5:24: error: ' nothing -- \
   "$program" check --every-line avpf.sdp
 cat >refused <<'TEXT'
-avpf.sdp:4:1: error: unexpected line after the s= line [AfterName]
+avpf.sdp:4:1: error: unexpected line after the s= line; found "s=" [AfterName]
     4 | s=twice
       | ^
+  hint: the lines of a session come in the order v= o= s= i= u= e= p= c= b= t= r= z= k= a= m=
 checked 1 body in 1 file: 1 refused
 TEXT
 expect "--every-line --avpf takes it" 1 refused nothing -- \
@@ -169,7 +255,7 @@ cat >json <<'JSON'
 }
 JSON
 expect "--json" 2 json missing -- "$program" check --json good.sdp none bad.sdp
-expect "--json --every-line" 1 '~"alone": true' nothing -- \
+expect "--json --every-line" 1 '~"alone": true' unread -- \
   "$program" check --json --every-line many.sdp
 expect "--json without a place" 1 '~"line": null' nothing -- "$program" check --json nothing
 finish

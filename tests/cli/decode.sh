@@ -23,8 +23,9 @@ big: the body is 4094 bytes long, more than 4093 (sdpparser SdpLibParseSdp, 0x05
 TEXT
 expect "a body that is too long" 1 nothing long -- "$program" decode big
 echo 'sdpline: none.sdp: No such file or directory' >none
-expect "a file that is not there" 1 nothing none -- "$program" decode none.sdp
-expect "a folder" 1 nothing "~^sdpline: \.: Is a directory$" -- "$program" decode .
+expect "a file that is not there" 2 nothing none -- "$program" decode none.sdp
+mkdir folder && cp good.sdp folder
+expect "a folder" 0 good.tree nothing -- "$program" decode folder
 
 # ---- Several bodies
 { echo "# good.sdp:1"; cat good.tree; echo; echo "# good.sip:6"; cat good.tree; } >titled
@@ -43,8 +44,25 @@ m=audio 5004 RTP/AVPF 0
 SDP
 expect "RTP/AVPF is other text" 0 '~proto "RTP/AVPF" format "0"$' nothing -- \
   "$program" decode avpf.sdp
-expect "--avpf: a protocol of its own" 0 '~proto RTP/AVPF payloads 0$' nothing -- \
+expect "--avpf: a protocol of its own" 0 '~proto RTP/AVPF payloads 0 .PCMU.$' nothing -- \
   "$program" decode --avpf avpf.sdp
+file names.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+m=audio 5004 RTP/AVP 0 97 96 33
+a=rtpmap:97 telephone-event/8000
+a=rtpmap:8 PCMA/8000
+SDP
+cat >names.tree <<'TREE'
+version 0
+origin "-" session "1" version "2" IN IP4 "192.0.2.1"
+name "-"
+media audio port 5004 ports 1 proto RTP/AVP payloads 0 (PCMU) 97 (telephone-event) 96 33 (MP2)
+  attribute 1 rtpmap payload 97 profile 0 name "telephone-event" clock 8000 channels 1
+  attribute 1 rtpmap payload 8 profile 7 (PCMA/8000) name "PCMA" clock 8000 channels 1
+TREE
+expect "names beside payload types and profiles" 0 names.tree nothing -- "$program" decode names.sdp
 cat >good.json <<'JSON'
 {
   "version": 0,
@@ -95,11 +113,8 @@ for subcommand in decode format encode check diff explain profiles; do
 done
 expect "no subcommand" 2 nothing '~A subcommand is required' -- "$program"
 expect "an unknown subcommand" 2 nothing - -- "$program" frobnicate
-for subcommand in "decode good.sdp" "format good.sdp" "encode good.json"; do
-  expect "$subcommand: output that cannot be written" 1 - '~cannot write the output' -- \
-    sh -c '"$1" $2 >/dev/full' _ "$program" "$subcommand"
-done
-for subcommand in "check good.sdp" "diff good.sdp good.sdp --json" "explain 1"; do
+for subcommand in "decode good.sdp" "format good.sdp" "encode good.json" "check good.sdp" \
+  "diff good.sdp good.sdp --json" "explain 1" profiles; do
   expect "$subcommand: output that cannot be written" 2 - '~cannot write the output' -- \
     sh -c '"$1" $2 >/dev/full' _ "$program" "$subcommand"
 done

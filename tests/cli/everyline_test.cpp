@@ -1,10 +1,9 @@
-// The lines behind a refused one, each judged by the parser of its kind.
+// The lines after a refused one, each judged by the parser of its kind.
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
 
-#include "input/body.hpp"
 #include "output/everyline.hpp"
 #include "support/bodies.hpp"
 #include "support/damage.hpp"
@@ -15,11 +14,10 @@ namespace {
 // "13 ConnNetType, 30 -": offset and check of every fault.
 std::string faultsOf(const std::string &body, size_t refusedAt) {
     std::string text;
-    for (const cli::LineFault &fault : cli::judgeLines(body, refusedAt)) {
-        SDPResultText words = {};
-        SdpLibDescribeResult(fault.result, &words);
-        text += (text.empty() ? "" : ", ") + std::to_string(fault.offset) + ' ' +
-                (fault.result != 0 ? words.pcCheck : "-");
+    for (const cli::Diagnostic &fault : cli::judgeLines(body, refusedAt)) {
+        EXPECT_TRUE(fault.alone);
+        text += (text.empty() ? "" : ", ") + std::to_string(fault.offset.value()) + ' ' +
+                (fault.error ? std::string(fault.error->check) : "-");
     }
     return text;
 }
@@ -53,13 +51,9 @@ TEST(EveryLine, CountsBytesThatTheParserDrops) {
     EXPECT_EQ(faultsOf(std::string("x\r\n \0 t=1 \0x\r\n", 14), 0), "11 TimeStop");
 }
 
-// The memory of one line does not add up over many.
-TEST(EveryLine, LeavesTheHooksAsTheyWere) {
-    SdpSetFnAlloc(SdpLibAllocSdpMem);
-    SdpSetFnFree(SdpLibFreeSdpMem);
-    faultsOf("x\na=ptime:20\na=foo:bar\n", 0);
-    EXPECT_EQ(SdpGetFnAlloc(), SdpLibAllocSdpMem);
-    EXPECT_EQ(SdpGetFnFree(), SdpLibFreeSdpMem);
+TEST(EveryLine, TakesTheLongestLine) {
+    EXPECT_EQ(faultsOf("x\na=" + std::string(5000, 'y') + "\nf=1\n", 0), "4 AttrNameText, 5005 -");
+    EXPECT_EQ(faultsOf("x\ns=" + std::string(5000, 'y'), 0), "4 TextTooLong");
 }
 
 // Where a body's line was refused for what is in it, the line alone is refused for the same, at the
@@ -69,21 +63,25 @@ TEST(EveryLine, AgreesWithTheDecoder) {
     size_t compared = 0;
     for (int i = 0; i < 8000; ++i) {
         const std::string body = support::damage(support::generateBody(engine), engine);
-        const cli::Decoded decoded = cli::decodeBody(body);
-        const bool inLine = decoded.result != 0 && decoded.failure.ulLine > 1 &&
-                            (decoded.result & 0x3FF) != SDP_ERRCLASS_UNEXPECTED_LINE &&
-                            std::string(decoded.failure.pcCheck) != "AfterMedia" &&
-                            std::string(decoded.failure.pcCheck) != "AfterMediaLine";
+        const auto decoded = sdpline::Body::decode(body);
+        if (decoded) {
+            continue;
+        }
+        const sdpline::Error &error = decoded.error();
+        const bool inLine = error.line > 1 &&
+                            (error.code & 0x3FF) != SDP_ERRCLASS_UNEXPECTED_LINE &&
+                            error.check != "AfterMedia" && error.check != "AfterMediaLine";
         if (!inLine) {
             continue;
         }
-        const size_t lineStart = decoded.failure.ulOffset - decoded.failure.ulColumn + 1;
+        const size_t lineStart = error.offset - error.column + 1;
         const auto faults = cli::judgeLines(body, lineStart - 1);
-        ASSERT_FALSE(faults.empty()) << decoded.failure.pcCheck << '\n' << support::readable(body);
-        EXPECT_EQ(faults.front().result, decoded.result) << support::readable(body);
-        EXPECT_EQ(faults.front().offset, decoded.failure.ulOffset)
-            << decoded.failure.pcCheck << '\n'
-            << support::readable(body);
+        ASSERT_FALSE(faults.empty()) << error.check << ' ' << error.offset << '\n'
+                                     << support::readable(body) << ::testing::PrintToString(body);
+        ASSERT_TRUE(faults.front().error) << error.check << '\n' << support::readable(body);
+        EXPECT_EQ(faults.front().error->code, error.code) << support::readable(body);
+        EXPECT_EQ(faults.front().offset, error.offset) << error.check << '\n'
+                                                       << support::readable(body);
         ++compared;
     }
     EXPECT_GT(compared, 1500u);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "input/message.hpp"
+#include "input/bodies.hpp"
 
 namespace {
 
@@ -19,11 +19,14 @@ Texts bodiesOf(const std::string &text) {
     return bodies;
 }
 
-// "120: the SIP message ends before its Content-Length"
+// "120: the body is encoded as gzip", with "wrong" or "note" after the offset where it is no more.
 Texts problemsOf(const std::string &text) {
     Texts problems;
     for (const cli::Problem &problem : cli::findBodies(text).problems) {
-        problems.push_back(std::to_string(problem.offset) + ": " + problem.text);
+        const std::string kind = problem.kind == cli::Problem::Note    ? " note"
+                                 : problem.kind == cli::Problem::Wrong ? " wrong"
+                                                                       : "";
+        problems.push_back(std::to_string(problem.offset) + kind + ": " + problem.text);
     }
     return problems;
 }
@@ -67,8 +70,39 @@ TEST(Messages, StartWithRequestOrStatusLine) {
 }
 
 TEST(Messages, EndAtTheirLength) {
-    EXPECT_EQ(bodiesOf(withLength(kSdp) + "behind"), Texts{kSdp});
-    EXPECT_EQ(bodiesOf(message(kSdp, "c: application/sdp\r\nl: 5\r\n")), Texts{"v=0\r\n"});
+    EXPECT_EQ(bodiesOf(withLength(kSdp) + "after"), Texts{kSdp});
+    EXPECT_EQ(problemsOf(withLength(kSdp) + "after"), Texts{});
+}
+
+// What follows the end that the length means would be SDP too, or is none where the body goes on.
+TEST(Messages, WithALengthThatIsWrongGiveTheirBodyAllTheSame) {
+    const std::string type = "c: application/sdp\r\n";
+    const std::string size = std::to_string(kSdp.size());
+    const auto lengthIs = [&](const std::string &length, const std::string &after = "") {
+        return message(kSdp, type + "l: " + length + "\r\n") + after;
+    };
+    struct Case {
+        std::string text;
+        std::string problem;
+    };
+    const std::string says = "0 wrong: the SIP message's Content-Length is ";
+    for (const Case &each : {
+             Case{lengthIs("5"), "5, which cuts the body: it has " + size + " bytes"},
+             Case{lengthIs("0"), "0, which cuts the body: it has " + size + " bytes"},
+             Case{lengthIs("20", "12:00 next\r\n"),
+                  "20, which cuts the body: it has " + size + " bytes"},
+             Case{lengthIs("400"), "400, but only " + size + " bytes of body follow"},
+             Case{lengthIs("400", kInvite), "400, but only " + size + " bytes of body follow"},
+             Case{lengthIs("40", "12:00 the log goes on\r\n"),
+                  "40, but the body's lines end after " + size + " bytes"},
+             Case{lengthIs("4x"), "not a number"},
+             Case{lengthIs("-1"), "not a number"},
+             Case{lengthIs("99999999999999999999999"), "not a number"},
+         }) {
+        EXPECT_EQ(bodiesOf(each.text), Texts{kSdp}) << each.text;
+        EXPECT_EQ(problemsOf(each.text), Texts{says + each.problem}) << each.text;
+    }
+    EXPECT_EQ(problemsOf("x\n" + lengthIs("400")).front().substr(0, 8), "2 wrong:");
 }
 
 TEST(Messages, MayFollowEachOtherWithAnythingBetween) {
@@ -95,7 +129,7 @@ TEST(Messages, MayHaveFoldedAndCompactHeadersInAnyCase) {
           "C : Application/SDP ;charset=utf-8\r\nL : " + length + "\r\n",
           "c: application/sdp;\r\n charset=\"a;b\"\r\nSubject: l: 3\r\nl: " + length + "\r\n",
           "nonsense\r\nc:application/sdp\r\nl:" + length + "\r\n"}) {
-        EXPECT_EQ(bodiesOf(message(kSdp, headers) + "behind"), Texts{kSdp}) << headers;
+        EXPECT_EQ(bodiesOf(message(kSdp, headers) + "after"), Texts{kSdp}) << headers;
     }
 }
 
@@ -107,27 +141,26 @@ TEST(Messages, WithBareLineFeedsMayCountCrLf) {
     EXPECT_EQ(bodiesOf(text + "\n" + text), (Texts{body, body}));
     EXPECT_EQ(bodiesOf(text.substr(0, text.size() - 1)), Texts{body.substr(0, body.size() - 1)});
     EXPECT_EQ(bodiesOf(withLineFeeds(withLength(body)) + "\n" + text), (Texts{body, body}));
-    EXPECT_EQ(bodiesOf(withLineFeeds(withLength(body)) + "behind"), Texts{body});
+    EXPECT_EQ(bodiesOf(withLineFeeds(withLength(body)) + "after"), Texts{body});
 }
 
-TEST(Messages, ThatCannotBeCutAreProblems) {
+TEST(Messages, WithAnEncodedBodyAreProblems) {
     const std::string type = "c: application/sdp\r\n";
-    EXPECT_EQ(problemsOf(message(kSdp, type + "l: 4x\r\n")),
-              Texts{"0: the SIP message's Content-Length is not a number"});
-    EXPECT_EQ(problemsOf(message(kSdp, type + "l: -1\r\n")),
-              Texts{"0: the SIP message's Content-Length is not a number"});
-    EXPECT_EQ(problemsOf("x\n" + message(kSdp, type + "l: 400\r\n")),
-              Texts{"2: the SIP message ends before its Content-Length"});
-    EXPECT_EQ(problemsOf(message(kSdp, type + "l: 99999999999999999999999\r\n")),
-              Texts{"0: the SIP message's Content-Length is not a number"});
     EXPECT_EQ(problemsOf(message(kSdp, type + "e: gzip\r\n")),
               Texts{"0: the body is encoded as gzip"});
     EXPECT_EQ(bodiesOf(message(kSdp, type + "Content-Encoding: identity\r\n")), Texts{kSdp});
 }
 
-TEST(Messages, BehindOneThatCannotBeCutAreFound) {
+TEST(Messages, SayWhatOfABodyIsNotRead) {
+    const std::string text = withLength(kSdp + " \r\n\r\nmore\r\n");
+    EXPECT_EQ(problemsOf(text), Texts{std::to_string(text.find("more")) +
+                                      " note: what follows an empty line in a body is not read"});
+    EXPECT_EQ(problemsOf(withLength(kSdp + "\r\n \r\n")), Texts{});
+}
+
+TEST(Messages, AfterOneWithAWrongLengthAreFound) {
     const std::string bad = message("v=0\r\n", "c: application/sdp\r\nl: x\r\n");
-    EXPECT_EQ(bodiesOf(bad + withLength(kSdp)), Texts{kSdp});
+    EXPECT_EQ(bodiesOf(bad + withLength(kSdp)), (Texts{"v=0\r\n", kSdp}));
     EXPECT_EQ(problemsOf(bad + withLength(kSdp)).size(), 1u);
 }
 
@@ -142,6 +175,64 @@ TEST(Messages, WithoutAnySdpAreAProblem) {
 // A message whose headers never end does not take the next one's.
 TEST(Messages, WithoutAnEmptyLineEndBeforeTheNext) {
     EXPECT_EQ(bodiesOf(kInvite + "c: application/sdp\r\n" + withLength(kSdp)).back(), kSdp);
+}
+
+// ---- Bodies without messages
+
+TEST(Bodies, MayFollowEachOtherAfterEmptyLines) {
+    for (const std::string between : {"\r\n", "\n", " \r\n\r\n\n", "\r\n\r\n\r\n"}) {
+        EXPECT_EQ(bodiesOf(kSdp + between + kSdp + between + kSdp), (Texts{kSdp, kSdp, kSdp}));
+        EXPECT_EQ(problemsOf(kSdp + between + kSdp), Texts{});
+    }
+    EXPECT_EQ(bodiesOf(kSdp + kSdp), Texts{kSdp + kSdp});
+    EXPECT_EQ(bodiesOf(kSdp + "\r\n\r\n"), Texts{kSdp + "\r\n\r\n"});
+    EXPECT_EQ(bodiesOf("\r\n" + kSdp + "\r\n" + kSdp), (Texts{"\r\n" + kSdp, kSdp}));
+}
+
+TEST(Bodies, SayWhatIsNotReadBetweenThem) {
+    const std::string text = kSdp + "\r\nhello\r\nworld\r\n" + kSdp + "\r\nend";
+    EXPECT_EQ(bodiesOf(text), (Texts{kSdp, kSdp}));
+    const std::string says = " note: what follows an empty line in a body is not read";
+    EXPECT_EQ(problemsOf(text), (Texts{std::to_string(text.find("hello")) + says,
+                                       std::to_string(text.find("end")) + says}));
+}
+
+TEST(Bodies, MayBeFollowedByMessages) {
+    EXPECT_EQ(bodiesOf(kSdp + "\r\n" + withLength(kSdp)), (Texts{kSdp, kSdp}));
+}
+
+TEST(Bodies, KnowTheirLines) {
+    const cli::Bodies found = cli::findBodies(kSdp + "\r\nx\r\n" + kSdp);
+    ASSERT_EQ(found.bodies.size(), 2u);
+    EXPECT_EQ(found.bodies[0].line, 1u);
+    EXPECT_EQ(found.bodies[1].line, 6u);
+    ASSERT_EQ(found.problems.size(), 1u);
+    EXPECT_EQ(found.problems[0].line, 5u);
+}
+
+// A text that comes in parts: whatever is dropped between two of them, the same is found.
+TEST(Bodies, AreFoundInParts) {
+    const size_t ahead = cli::BodyFinder::kAhead;
+    const std::string gap = '\n' + std::string(ahead + 100, 'x') + '\n';
+    const std::string text = gap + withLength(kSdp) + gap + withLength(kSdp, "text/plain") + gap +
+                             withLength(kSdp) + gap;
+    cli::Bodies found;
+    cli::BodyFinder finder;
+    size_t passed = 0;
+    do {
+        const std::string_view part = std::string_view(text).substr(passed, ahead + passed % 1000);
+        passed += finder.take(part, passed + part.size() == text.size(), found);
+    } while (passed < text.size());
+    finder.finish(found);
+    ASSERT_EQ(found.bodies.size(), 2u);
+    EXPECT_EQ(text.substr(found.bodies[0].offset, found.bodies[0].size), kSdp);
+    EXPECT_EQ(text.substr(found.bodies[1].offset, found.bodies[1].size), kSdp);
+    EXPECT_EQ(found.bodies[0].line, 8u);
+    EXPECT_EQ(found.problems.size(), 0u);
+    const cli::Bodies whole = cli::findBodies(text);
+    ASSERT_EQ(whole.bodies.size(), 2u);
+    EXPECT_EQ(whole.bodies[1].offset, found.bodies[1].offset);
+    EXPECT_EQ(whole.bodies[1].line, found.bodies[1].line);
 }
 
 // ---- Multipart
@@ -174,7 +265,7 @@ TEST(Multipart, TakesOnlyItsOwnDelimiters) {
 }
 
 TEST(Multipart, WithoutAClosingDelimiterEndsWithTheMessage) {
-    EXPECT_EQ(bodiesOf(withLength("--b\r\n" + kPart, "multipart/mixed;boundary=b") + "behind"),
+    EXPECT_EQ(bodiesOf(withLength("--b\r\n" + kPart, "multipart/mixed;boundary=b") + "after"),
               Texts{kSdp});
 }
 

@@ -58,7 +58,7 @@ expect "its good part" 1 good.sdp '~^multipart:28:16' -- "$program" format multi
 # ---- What cannot be read
 problem() { # NAME FILE MESSAGE
   printf 'sdpline: %s\n' "$3" >message
-  expect "$1, decode" 1 nothing message -- "$program" decode "$2"
+  expect "$1, decode" 2 nothing message -- "$program" decode "$2"
   echo 'checked 0 bodies in 1 file: none refused, 1 problem' >summary
   expect "$1, check" 2 summary message -- "$program" check "$2"
 }
@@ -66,14 +66,26 @@ message text good.sdp "Content-Type: text/plain"
 problem "a message of another type" text "text: the SIP message carries no application/sdp body"
 cat text text >texts
 problem "messages of another type" texts "texts: no SIP message carries an application/sdp body"
-sed 's/^Content-Length: .*/Content-Length: 400\r/' good.sip >early
-problem "a message that ends too early" early "early: the SIP message ends before its Content-Length"
-sed 's/^Content-Length: .*/l: 4x\r/' good.sip >length
-problem "a length that is no number" length "length: the SIP message's Content-Length is not a number"
-{ echo; cat length; } >later
-problem "the same on line 2" later "later:2: the SIP message's Content-Length is not a number"
 message gzip good.sdp "c: application/sdp" "e: gzip"
 problem "a compressed body" gzip "gzip: the body is encoded as gzip"
 message boundary parts "c: multipart/mixed"
 problem "no boundary" boundary "boundary: the multipart body's Content-Type has no boundary"
+
+# ---- Lengths that are wrong: said, and the body is examined all the same
+wrong() { # NAME FILE MESSAGE
+  printf "sdpline: %s\n" "$3" >message
+  expect "$1, decode" 1 good.tree message -- "$program" decode "$2"
+  echo 'checked 1 body in 1 file: none refused, 1 problem' >summary
+  expect "$1, check" 1 summary message -- "$program" check "$2"
+}
+sed 's/^Content-Length: .*/Content-Length: 400\r/' good.sip >early
+wrong "a message that ends too early" early \
+  "early: the SIP message's Content-Length is 400, but only 55 bytes of body follow"
+sed 's/^Content-Length: .*/Content-Length: 30\r/' good.sip >cut
+wrong "a length that cuts the body" cut \
+  "cut: the SIP message's Content-Length is 30, which cuts the body: it has 55 bytes"
+sed 's/^Content-Length: .*/l: 4x\r/' good.sip >length
+wrong "a length that is no number" length "length: the SIP message's Content-Length is not a number"
+{ echo; cat length; } >later
+wrong "the same on line 2" later "later:2: the SIP message's Content-Length is not a number"
 finish

@@ -50,10 +50,11 @@ expect "the same values in two files" 0 twice.sdp nothing -- \
 { sed 's/^t=.*/t=x\r/' call.sdp; printf 'a=ice-pwd topsecret\r\na=rtcp:x 10.1.2.4 x y\xff\r\nme\r\n'; } >bad.sdp
 # The password of line 17 is the key of line 8.
 cat >refused <<'TEXT'
-bad.sdp:7:3: error: expected a number as the start time [TimeStart]
+bad.sdp:7:3: error: expected a number as the start time; found "x" [TimeStart]
     7 | t=x
       |   ^
-bad.sdp:17:10: error: expected ":" or the line end after an unknown attribute [UnrecEnd] (line judged on its own)
+  hint: the line is t=START STOP, in seconds; 0 0 is a session without end
+bad.sdp:17:10: error: expected ":" or the line end after an unknown attribute; found a space [UnrecEnd] (line judged on its own)
    17 | a=ice-pwd secret1
       |          ^
 bad.sdp:19:1: error: no line of SDP begins like this [LineKind] (line judged on its own)
@@ -66,9 +67,10 @@ expect "check --json" 1 '~"text": "a=ice-pwd secret1"' nothing -- \
   "$program" check --json --redact --every-line bad.sdp
 sed 's/^o=.*/o=alicia 1 2 IN IP4 10.1.2.3 \r/' call.sdp >origin.sdp
 cat >refused <<'TEXT'
-origin.sdp:2:31: error: unexpected text after the address [OriginEnd]
+origin.sdp:2:31: error: unexpected text after the address; found a space [OriginEnd]
     2 | o=user1 1 1 IN IP4 198.18.0.1 
       |                              ^
+  hint: the line is o=USER SESSION-ID VERSION IN IP4 ADDRESS
 checked 1 body in 1 file: 1 refused
 TEXT
 sed -i '1s/:31:/:29:/' refused

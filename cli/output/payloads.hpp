@@ -1,8 +1,9 @@
-// The static RTP payload profiles as a list.
+// The static RTP payload profiles, with the payload types of RFC 3551.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,11 +12,17 @@ namespace cli {
 struct Profile {
     uint32_t number; // as records have it
     std::string_view name;
-    uint32_t clockRate; // 0: none of its own
+    uint32_t clockRate; // 0: not fixed
     uint32_t channels;
     std::optional<uint32_t> payload; // the static payload type of RFC 3551
 };
 
 std::vector<Profile> profiles();
+
+// "PCMU" for 0; empty for a payload type that RFC 3551 leaves free.
+std::string_view staticPayloadName(uint32_t payload);
+
+// "PCMU/8000" for 1; empty for a number that is none.
+std::string profileName(uint32_t number);
 
 } // namespace cli

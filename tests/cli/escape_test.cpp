@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "output/display.hpp"
+#include "output/escape.hpp"
 #include "output/text.hpp"
 
 namespace {
@@ -43,6 +43,13 @@ TEST(Excerpt, CutsALongLineAroundTheMark) {
     EXPECT_EQ(shown(line, 1001), "..." + std::string(60, 'c') + '\n' + std::string(63, ' ') + '^');
     EXPECT_EQ(shown(std::string(100, 'a'), 99),
               std::string(100, 'a') + '\n' + std::string(99, ' ') + '^');
+}
+
+// Of what JSON lets pass in a string: DEL, and the control characters of Latin-1 in UTF-8.
+TEST(EscapedJson, HoldsNothingThatATerminalObeys) {
+    EXPECT_EQ(cli::escapedJson("{\n  \"a\": \"\x7f\xc2\x80\xc2\x9b"
+                               "31m\xc2\xa0\xc3\xa9\"\n}\n"),
+              "{\n  \"a\": \"\\u007f\\u0080\\u009b31m\xc2\xa0\xc3\xa9\"\n}\n");
 }
 
 TEST(Utf8, TakesShortestFormsOnly) {

@@ -1,4 +1,4 @@
-// One line of an input as it may be shown on a terminal, with a mark below a place of it.
+// Text of an input as it may be shown on a terminal, which must not obey it.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,7 @@
 
 namespace cli {
 
+// A line with a mark below a place of it.
 struct Excerpt {
     std::string line;
     size_t mark; // columns before the mark
@@ -18,5 +19,9 @@ Excerpt excerptOf(std::string_view line, size_t offset);
 
 // The whole text as it may be shown.
 std::string escaped(std::string_view text);
+
+// A JSON document as it may be shown: what JSON itself allows in strings, U+007F to U+009F, becomes
+// \u007f to \u009f.
+std::string escapedJson(std::string_view document);
 
 } // namespace cli

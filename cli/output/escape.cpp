@@ -1,5 +1,6 @@
-#include "output/display.hpp"
+#include "output/escape.hpp"
 
+#include <algorithm>
 #include <vector>
 
 #include "output/text.hpp"
@@ -13,7 +14,7 @@ constexpr size_t kBeforeTheMark = 60; // and of those before the mark
 constexpr std::string_view kCut = "...";
 
 // A byte or a UTF-8 sequence as it is shown.
-struct Piece {
+struct Glyph {
     std::string text;
     size_t columns;
     size_t bytes;
@@ -22,10 +23,11 @@ struct Piece {
 // Control characters of Latin-1 are two bytes of UTF-8, and terminals obey them.
 bool isControl(std::string_view sequence) {
     const auto byte = [sequence](size_t i) { return static_cast<unsigned char>(sequence[i]); };
-    return byte(0) < ' ' || byte(0) == 0x7F || (byte(0) == 0xC2 && byte(1) < 0xA0);
+    return byte(0) < ' ' || byte(0) == 0x7F ||
+           (sequence.size() > 1 && byte(0) == 0xC2 && byte(1) < 0xA0);
 }
 
-Piece pieceAt(std::string_view text) {
+Glyph glyphAt(std::string_view text) {
     const size_t size = utf8Length(text);
     if (size != 0 && !isControl(text.substr(0, size))) {
         return {std::string(text.substr(0, size)), 1, size};
@@ -38,11 +40,11 @@ Piece pieceAt(std::string_view text) {
     return {escape, escape.size(), 1};
 }
 
-// The first piece that is shown of a long line.
-size_t firstShown(const std::vector<Piece> &pieces, size_t mark) {
+// The first glyph that is shown of a long line.
+size_t firstShown(const std::vector<Glyph> &glyphs, size_t mark) {
     size_t first = mark;
     for (size_t columns = 0; first > 0; --first) {
-        columns += pieces[first - 1].columns;
+        columns += glyphs[first - 1].columns;
         if (columns > kBeforeTheMark) {
             break;
         }
@@ -53,25 +55,25 @@ size_t firstShown(const std::vector<Piece> &pieces, size_t mark) {
 } // namespace
 
 Excerpt excerptOf(std::string_view line, size_t offset) {
-    std::vector<Piece> pieces;
-    size_t mark = 0; // the piece that is marked
+    std::vector<Glyph> glyphs;
+    size_t mark = 0; // the glyph that is marked
     size_t columns = 0;
-    for (size_t at = 0; at < line.size(); at += pieces.back().bytes) {
-        pieces.push_back(pieceAt(line.substr(at)));
-        columns += pieces.back().columns;
-        mark += at + pieces.back().bytes <= offset ? 1 : 0;
+    for (size_t at = 0; at < line.size(); at += glyphs.back().bytes) {
+        glyphs.push_back(glyphAt(line.substr(at)));
+        columns += glyphs.back().columns;
+        mark += at + glyphs.back().bytes <= offset ? 1 : 0;
     }
-    const size_t first = columns > kWidth ? firstShown(pieces, mark) : 0;
+    const size_t first = columns > kWidth ? firstShown(glyphs, mark) : 0;
     Excerpt excerpt = {std::string(first > 0 ? kCut : ""), first > 0 ? kCut.size() : 0};
     size_t shown = 0;
-    for (size_t i = first; i < pieces.size(); ++i) {
+    for (size_t i = first; i < glyphs.size(); ++i) {
         if (shown >= kWidth) {
             excerpt.line += kCut;
             break;
         }
-        shown += pieces[i].columns;
-        excerpt.line += pieces[i].text;
-        excerpt.mark += i < mark ? pieces[i].columns : 0;
+        shown += glyphs[i].columns;
+        excerpt.line += glyphs[i].text;
+        excerpt.mark += i < mark ? glyphs[i].columns : 0;
     }
     return excerpt;
 }
@@ -79,9 +81,21 @@ Excerpt excerptOf(std::string_view line, size_t offset) {
 std::string escaped(std::string_view text) {
     std::string result;
     while (!text.empty()) {
-        const Piece piece = pieceAt(text);
-        result += piece.text;
-        text.remove_prefix(piece.bytes);
+        const Glyph glyph = glyphAt(text);
+        result += glyph.text;
+        text.remove_prefix(glyph.bytes);
+    }
+    return result;
+}
+
+std::string escapedJson(std::string_view document) {
+    std::string result;
+    while (!document.empty()) {
+        const size_t size = std::max<size_t>(utf8Length(document), 1);
+        const std::string_view sequence = document.substr(0, size);
+        const bool obeyed = isControl(sequence) && sequence.front() != '\n';
+        result += obeyed ? "\\u00" + hexOf(sequence.substr(size - 1)) : std::string(sequence);
+        document.remove_prefix(size);
     }
     return result;
 }

@@ -1,0 +1,213 @@
+#include "input/bodies.hpp"
+
+#include <algorithm>
+
+#include "input/message.hpp"
+#include "input/mime.hpp"
+#include "output/text.hpp"
+
+namespace cli {
+
+namespace {
+
+constexpr std::string_view kBlanks(" \t\r\n\0", 5);
+
+// "v=0": a letter and "=" after any empty lines.
+bool beginsAsSdp(std::string_view text) {
+    const size_t first = text.find_first_not_of("\r\n");
+    return first != std::string_view::npos && isLetter(text[first]) &&
+           text.substr(first + 1).starts_with('=');
+}
+
+// Whether the decoder takes the line for an empty one, which ends a body.
+bool isEmptyLine(std::string_view line) {
+    return line.find_first_not_of(std::string_view(" \0", 2)) == std::string_view::npos;
+}
+
+// The first empty line after the first line that is none; at the text's end when there is none.
+LinePlace emptyLine(std::string_view text, size_t offset) {
+    const size_t first = text.find_first_not_of("\r\n", offset);
+    for (size_t at = std::min(first, text.size()); at < text.size();) {
+        const LinePlace place = lineAt(text, at);
+        if (isEmptyLine(text.substr(at, place.end - at))) {
+            return place;
+        }
+        at = place.next;
+    }
+    return {text.size(), text.size(), text.size()};
+}
+
+// Where a text that goes on may be dropped up to, so that no first line of a message is torn.
+size_t lastLineBegin(std::string_view text) {
+    const size_t feed = text.rfind('\n');
+    return feed != std::string_view::npos && text.size() - feed <= kLongestStartLine
+               ? feed + 1
+               : text.size() - std::min(text.size() - 1, kLongestStartLine);
+}
+
+void noteUnread(size_t offset, Bodies &found) {
+    found.problems.push_back(
+        {Problem::Note, offset, "what follows an empty line in a body is not read"});
+}
+
+// A body inside a message may hold more than the decoder reads.
+void noteUnreadOf(std::string_view text, Bodies &here) {
+    for (const BodyPlace &body : here.bodies) {
+        const std::string_view upToEnd = text.substr(0, body.offset + body.size);
+        const LinePlace empty = emptyLine(upToEnd, body.offset);
+        const size_t rest = upToEnd.find_first_not_of(kBlanks, empty.next);
+        if (rest != std::string_view::npos) {
+            noteUnread(rest, here);
+        }
+    }
+}
+
+// Line numbers of offsets that mostly grow.
+class LineCounter {
+public:
+    LineCounter(std::string_view text, size_t line) : text_(text), line_(line) {}
+
+    size_t lineOf(size_t offset) {
+        const auto begin = text_.begin();
+        const auto feeds = std::count(begin + static_cast<ptrdiff_t>(std::min(at_, offset)),
+                                      begin + static_cast<ptrdiff_t>(std::max(at_, offset)), '\n');
+        line_ =
+            offset >= at_ ? line_ + static_cast<size_t>(feeds) : line_ - static_cast<size_t>(feeds);
+        at_ = offset;
+        return line_;
+    }
+
+private:
+    std::string_view text_;
+    size_t line_;
+    size_t at_ = 0;
+};
+
+} // namespace
+
+size_t BodyFinder::take(std::string_view text, bool last, Bodies &found) {
+    Bodies here;
+    const size_t done = step(text, last, here);
+    settle(text, here);
+    line_ = LineCounter(text, line_).lineOf(done);
+    passed_ += done;
+    found.bodies.insert(found.bodies.end(), here.bodies.begin(), here.bodies.end());
+    std::move(here.problems.begin(), here.problems.end(), std::back_inserter(found.problems));
+    return done;
+}
+
+size_t BodyFinder::step(std::string_view text, bool last, Bodies &found) {
+    switch (mode_) {
+    case Mode::Start:
+    case Mode::Skipping: return takeStart(text, last, found);
+    case Mode::Messages: return takeMessageAhead(text, last, found);
+    case Mode::Plain: return takePlain(text, last, found);
+    case Mode::AfterBody: break;
+    }
+    return skipToBody(text, last, found);
+}
+
+// Gives what was found in this text its place in the input.
+void BodyFinder::settle(std::string_view text, Bodies &here) {
+    LineCounter lines(text, line_);
+    for (Problem &problem : here.problems) {
+        problem.line = lines.lineOf(problem.offset);
+        problem.offset += passed_;
+        found_ = found_ || problem.kind != Problem::Note;
+    }
+    for (BodyPlace &body : here.bodies) {
+        body.line = lines.lineOf(body.offset);
+        body.offset += passed_;
+        found_ = true;
+    }
+}
+
+size_t BodyFinder::takeStart(std::string_view text, bool last, Bodies &found) {
+    if (mode_ == Mode::Start && beginsAsSdp(text)) {
+        mode_ = Mode::Plain;
+        return takePlain(text, last, found);
+    }
+    if (findMessage(text, 0) < text.size()) {
+        mode_ = Mode::Messages;
+        return takeMessageAhead(text, last, found);
+    }
+    if (mode_ == Mode::Start && last) {
+        found.bodies.push_back({0, text.size()});
+        return text.size();
+    }
+    mode_ = Mode::Skipping;
+    return last ? text.size() : lastLineBegin(text);
+}
+
+size_t BodyFinder::takeMessageAhead(std::string_view text, bool last, Bodies &found) {
+    const size_t start = findMessage(text, 0);
+    if (start == text.size()) {
+        return last ? text.size() : lastLineBegin(text);
+    }
+    if (!last && start > 0 && text.size() - start < kAhead) {
+        return start; // more of it is to be read
+    }
+    if (messages_++ == 0) {
+        firstMessage_ = {passed_ + start, 0, LineCounter(text, line_).lineOf(start)};
+    }
+    const size_t next = takeMessage(text, start, found);
+    noteUnreadOf(text, found);
+    return next;
+}
+
+size_t BodyFinder::takePlain(std::string_view text, bool last, Bodies &found) {
+    const LinePlace empty = emptyLine(text, 0);
+    const bool more = text.find_first_not_of(kBlanks, empty.next) != std::string_view::npos;
+    mode_ = Mode::AfterBody;
+    if (last && !more) {
+        found.bodies.push_back({0, text.size()});
+        return text.size();
+    }
+    noted_ = false;
+    found.bodies.push_back({0, empty.begin});
+    return empty.next;
+}
+
+// What follows a body: another one, messages, or text that nobody reads.
+size_t BodyFinder::skipToBody(std::string_view text, bool last, Bodies &found) {
+    for (size_t at = 0; at < text.size();) {
+        const LinePlace place = lineAt(text, at);
+        const std::string_view line = text.substr(at, place.end - at);
+        if (line.starts_with("v=") || findMessage(text.substr(0, place.next), at) == at) {
+            mode_ = line.starts_with("v=") ? Mode::Plain : Mode::Messages;
+            return at != 0 ? at : step(text, last, found);
+        }
+        if (!noted_ && !isEmptyLine(line)) {
+            noteUnread(at, found);
+            noted_ = true;
+        }
+        at = place.next;
+    }
+    return last ? text.size() : lastLineBegin(text);
+}
+
+void BodyFinder::finish(Bodies &found) const {
+    if (mode_ == Mode::Skipping) {
+        found.problems.push_back({Problem::Unusable, 0,
+                                  "it holds no SIP message, and " + std::to_string(passed_) +
+                                      " bytes are too many for a body",
+                                  1});
+    } else if (mode_ == Mode::Messages && !found_) {
+        found.problems.push_back({Problem::Unusable, firstMessage_.offset,
+                                  messages_ > 1 ? "no SIP message carries an application/sdp body"
+                                                : "the SIP message carries no application/sdp body",
+                                  firstMessage_.line});
+    }
+}
+
+Bodies findBodies(std::string_view text) {
+    Bodies found;
+    BodyFinder finder;
+    do {
+        text.remove_prefix(finder.take(text, true, found));
+    } while (!text.empty());
+    finder.finish(found);
+    return found;
+}
+
+} // namespace cli

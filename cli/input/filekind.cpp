@@ -1,0 +1,66 @@
+#include "input/filekind.hpp"
+
+#include <array>
+
+#include "output/text.hpp"
+
+namespace cli {
+
+namespace {
+
+struct Kind {
+    std::string_view begin;
+    std::string_view says;
+};
+
+constexpr std::string_view kPcap =
+    "it is a packet capture (pcap): save the SIP messages in it as text";
+constexpr std::string_view kUtf16 = "it is UTF-16 text: convert it to UTF-8 or ASCII";
+
+// Of two that begin alike the longer one comes first.
+constexpr auto kKinds = std::to_array<Kind>({
+    {{"\xd4\xc3\xb2\xa1", 4}, kPcap},
+    {{"\xa1\xb2\xc3\xd4", 4}, kPcap},
+    {{"\x4d\x3c\xb2\xa1", 4}, kPcap},
+    {{"\xa1\xb2\x3c\x4d", 4}, kPcap},
+    {{"\x0a\x0d\x0d\x0a", 4},
+     "it is a packet capture (pcapng): save the SIP messages in it as text"},
+    {{"\x1f\x8b", 2}, "it is compressed by gzip: unpack it, as \"gzip -dc\" does"},
+    {"BZh", "it is compressed by bzip2: unpack it, as \"bzip2 -dc\" does"},
+    {{"\xfd"
+      "7zXZ\0",
+      6},
+     "it is compressed by xz: unpack it, as \"xz -dc\" does"},
+    {{"\x28\xb5\x2f\xfd", 4}, "it is compressed by zstd: unpack it, as \"zstd -dc\" does"},
+    {{"PK\x03\x04", 4}, "it is a zip archive: unpack it"},
+    {{"\xef\xbb\xbf", 3}, "it begins with a byte order mark (EF BB BF): save it without one"},
+    {{"\xff\xfe", 2}, kUtf16},
+    {{"\xfe\xff", 2}, kUtf16},
+    {{"v\0=\0", 4}, kUtf16},
+    {{"\0v\0=", 4}, kUtf16},
+});
+
+// The marks before "v=" in the first line of a quoted text; empty when there are none.
+std::string_view quoteMarks(std::string_view text) {
+    const size_t end = text.find_first_not_of(">|\"'` \t");
+    const bool quoted = end != std::string_view::npos && text.substr(end).starts_with("v=") &&
+                        text.substr(0, end).find_first_of(">|\"'`") != std::string_view::npos;
+    return quoted ? text.substr(0, end) : std::string_view();
+}
+
+} // namespace
+
+std::string foreignKind(std::string_view text) {
+    for (const Kind &kind : kKinds) {
+        if (text.starts_with(kind.begin)) {
+            return std::string(kind.says);
+        }
+    }
+    constexpr size_t kLongestMarks = 16;
+    const std::string_view marks = quoteMarks(text.substr(0, kLongestMarks));
+    return marks.empty() ? ""
+                         : "its lines begin with quotation marks (" + std::string(marks) +
+                               "): take them away";
+}
+
+} // namespace cli

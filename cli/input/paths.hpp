@@ -1,0 +1,15 @@
+// The files that the arguments of a command name.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// The paths with every folder replaced by the regular files below it, sorted; names that begin with
+// a dot are left out, links to folders are not followed. A folder that cannot be read costs only
+// what is in it, and is in `errors` as "name: reason".
+std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
+                                       std::vector<std::string> &errors);
+
+} // namespace cli

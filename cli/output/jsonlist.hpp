@@ -1,0 +1,27 @@
+// A JSON document with one list that is written while it comes about, so that it never has to be
+// in memory.
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace cli {
+
+class JsonList {
+public:
+    // Begins an object with the list as its first member.
+    JsonList(std::ostream &out, const std::string &name);
+
+    void add(const nlohmann::ordered_json &item);
+
+    // Ends the list, and the object with these members.
+    void finish(const nlohmann::ordered_json &members);
+
+private:
+    std::ostream &out_;
+    bool empty_ = true;
+};
+
+} // namespace cli

@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Files greater than the memory that the program may have.
+. "$(dirname "$0")/expect.sh"
+
+# limited KB COMMAND...: runs it with so much address space.
+limited() { (ulimit -v "$1" && shift && "$@"); }
+
+# 400 MB, most of them a hole: messages before, in the middle and after it.
+message good.sip good.sdp
+message bad.sip bad.sdp
+cp good.sip trace
+truncate -s 200M trace && { echo; cat bad.sip; } >>trace
+truncate -s 400M trace && { echo; cat good.sip; } >>trace
+cat >refused <<'TEXT'
+trace:20:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+   20 | c=IN IP4 1.2.3.256
+      |                ^
+checked 3 bodies in 1 file: 1 refused
+TEXT
+expect "400 MB of messages" 1 refused nothing -- limited 300000 "$program" check trace
+truncate -s 400M nothing.bin
+echo 'sdpline: nothing.bin: it holds no SIP message, and 419430400 bytes are too many for a body' \
+  >problem
+expect "400 MB of nothing" 2 - problem -- limited 300000 "$program" check nothing.bin
+
+# The same proportions, smaller.
+cp good.sip trace
+truncate -s 160M trace && { echo; cat bad.sip; } >>trace
+expect "from a pipe" 1 - nothing -- limited 150000 sh -c 'cat trace | "$1" check' _ "$program"
+{ echo "# trace:6"; cat good.tree; } >titled
+expect "decode" 1 titled '~^trace:20:16: ' -- limited 150000 "$program" decode trace
+sed 's/^Content-Length: .*/Content-Length: 400000000\r/' good.sip >endless
+truncate -s 160M endless
+expect "a message that does not end" 1 '~bytes long, more than 4093 \[ParseArgument\]$' - -- \
+  limited 150000 "$program" check endless
+cp good.sdp after && echo >>after && truncate -s 160M after && echo x >>after
+echo 'sdpline: after:7: what follows an empty line in a body is not read' >unread
+expect "much after a body" 0 good.tree unread -- limited 150000 "$program" decode after
+
+# JSON is held as a whole: more than fits is refused.
+{ printf '['; yes 1, | tr -d '\n' | head -c 40000000; printf '1]'; } >many.json
+expect "JSON that does not fit" 2 nothing '~^sdpline: many.json: it does not fit into memory$' -- \
+  limited 150000 "$program" encode many.json
+finish

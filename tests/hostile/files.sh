@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# The program's work is linear in the size of its files: files.sh PROGRAM. Each kind of hostile file
+# is made in two sizes, one four times the other; more than six times the instructions fail.
+set -euo pipefail
+program=$1
+small=40000 # bytes
+most=6
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+
+# repeat BYTES TEXT: the text as often as fits; its escapes are those of printf.
+repeat() { printf "$2" >unit; while :; do cat unit; done 2>/dev/null | head -c "$1"; }
+
+start='INVITE sip:b SIP/2.0\r\nc: application/sdp\r\n'
+sdp='v=0\r\no=- 1 1 IN IP4 x\r\ns=-\r\n'
+multipart='INVITE sip:b SIP/2.0\r\nc: multipart/mixed;boundary=b\r\n\r\n'
+
+# One line a kind: NAME|OPTIONS|BEFORE|REPEATED|AFTER. Without a subcommand it is check.
+kinds() {
+  cat <<KINDS
+messages|check||$start\r\n$sdp|
+lengths beyond the end|check||${start}l: 99999999\r\n\r\n$sdp|
+lengths beyond the end, LF alone|check||INVITE sip:b SIP/2.0\nc: application/sdp\nl: 9999999\n\nv=0\n|
+lengths into other messages|check||${start}l: 30001\r\n\r\n$sdp|
+lengths into other messages, LF alone|check||INVITE sip:b SIP/2.0\nc: application/sdp\nl: 30001\n\nv=0\n|
+lengths that cut|check||${start}l: 3\r\n\r\n$sdp|
+lengths of nothing|check||${start}l: x\r\n\r\n$sdp|
+lengths to blanks|check||${start}l: 15000\r\n\r\n|   \r\n
+first lines|check||INVITE sip:b SIP/2.0\r\n|
+headers|check|INVITE sip:b SIP/2.0\r\n|a: b\r\n|
+a folded header|check|INVITE sip:b SIP/2.0\r\nc: application/sdp|\r\n ;a=b|\r\n\r\n
+a header of parameters|check|INVITE sip:b SIP/2.0\r\nc: multipart/mixed|;a="b|"\r\n\r\n
+parts|check|$multipart|--b\r\nc: application/sdp\r\n\r\n$sdp|--b--
+parts without an end|check|$multipart|--b\r\n|
+parts in parts|check|$multipart|--b\r\nc: multipart/mixed;boundary=b\r\n\r\n|
+parts that are no parts|check|$multipart|--bc\r\n|
+one long line|check||x|
+blanks|check||\r\n|
+blanks after a body|check|$sdp| \r\n|x
+bodies|check||$sdp\r\n|
+bodies with text between|check||$sdp\r\nx\r\n|
+spaces in a first line|check|INVITE |sip:b |SIP/2.0\r\n
+bodies, decoded|decode||$sdp\r\n|
+messages, formatted|format||$start\r\n$sdp|
+messages, as JSON|check --json||$start\r\n$sdp|
+lines of no kind|check --every-line|v=0\r\n|f=\r\n|
+KINDS
+}
+
+# instructions BYTES BEFORE REPEATED AFTER OPTIONS...: of the program on such a file.
+instructions() {
+  local size=$1 before=$2 repeated=$3 after=$4
+  shift 4
+  { printf "$before"; repeat "$size" "$repeated"; printf "$after"; } >file
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$@" file 2>&1 >/dev/null |
+    awk '/Collected : / { print $NF }'
+}
+
+failed=0 count=0
+nothing=$(: >file && instructions 0 "" "x" "" check) # starting the program
+while IFS='|' read -r name options before repeated after; do
+  read -ra words <<<"$options"
+  one=$(instructions "$small" "$before" "$repeated" "$after" "${words[@]}")
+  four=$(instructions $((4 * small)) "$before" "$repeated" "$after" "${words[@]}")
+  count=$((count + 1))
+  awk -v name="$name" -v nothing="$nothing" -v one="$one" -v four="$four" -v most="$most" 'BEGIN {
+    ratio = (four - nothing) / (one - nothing > 100000 ? one - nothing : 100000)
+    printf "%12d %12d %5.1f  %s%s\n", one, four, ratio, name, ratio > most ? ": TOO MUCH" : ""
+    exit ratio > most
+  }' || failed=$((failed + 1))
+done < <(kinds)
+[ "$count" -gt 20 ] || { echo "too little was measured"; exit 1; }
+echo "$count kinds of files, $failed of them cost more than $most times for four times the size"
+[ "$failed" -eq 0 ]
