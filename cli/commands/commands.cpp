@@ -14,6 +14,14 @@ void addPaths(CLI::App &command, DecodeOptions &options) {
 
 void addDecoderOptions(CLI::App &command, DecodeOptions &options) {
     addFlag(command, "--avpf", options.avpf, "Take RTP/AVPF for a protocol with payload numbers");
+    addFlag(command, "--rtp-family", options.rtpFamily,
+            "Take payload numbers with every protocol of RTP, as UDP/TLS/RTP/SAVPF");
+    addMaxBody(command, options.maxBody);
+}
+
+void addMaxBody(CLI::App &command, uint32_t &maxBody) {
+    addNumber(command, "--max-body", maxBody, "BYTES", 1, SDP_MAX_LONG_BODY,
+              "The longest body that is decoded (4093 by default, at most 65535)");
 }
 
 void addRedact(CLI::App &command, DecodeOptions &options) {
@@ -30,6 +38,8 @@ void addWriteOptions(CLI::App &command, WriteOptions &options) {
 
 void configure(const DecodeOptions &options) {
     SdpSetSupMedProtoRtpAvpf(options.avpf ? 1 : 0);
+    SdpSetSupMedProtoRtpFamily(options.rtpFamily ? 1 : 0);
+    SdpSetMaxBodySize(options.maxBody);
 }
 
 void configure(const WriteOptions &options) {

@@ -43,6 +43,8 @@ struct DecodeOptions {
     std::vector<std::string> paths = {"-"};
     bool json = false;
     bool avpf = false;
+    bool rtpFamily = false;
+    uint32_t maxBody = SDP_MAX_BODY;
     bool redact = false;
 };
 
@@ -53,6 +55,7 @@ struct WriteOptions {
 
 void addPaths(CLI::App &command, DecodeOptions &options);
 void addDecoderOptions(CLI::App &command, DecodeOptions &options);
+void addMaxBody(CLI::App &command, uint32_t &maxBody);
 void addRedact(CLI::App &command, DecodeOptions &options);
 void addWriteOptions(CLI::App &command, WriteOptions &options);
 

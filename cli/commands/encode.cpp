@@ -19,6 +19,7 @@ namespace {
 struct Options {
     std::vector<std::string> paths = {"-"};
     WriteOptions write;
+    uint32_t maxBody = SDP_MAX_BODY;
 };
 
 // The parser's own prefix, "[json.exception.parse_error.101] ", says nothing to people.
@@ -112,6 +113,7 @@ private:
 
 int run(const Options &options) {
     configure(options.write);
+    SdpSetMaxBodySize(options.maxBody);
     Encoder encoder;
     std::vector<std::string> errors;
     const std::vector<std::string> files = expandFolders(options.paths, errors);
@@ -142,6 +144,7 @@ void addEncode(CLI::App &app, int &status) {
     addWords(command, "FILE", options->paths,
              "JSON documents, or folders of them; - is standard input");
     addWriteOptions(command, options->write);
+    addMaxBody(command, options->maxBody);
 }
 
 } // namespace cli

@@ -15,9 +15,9 @@ std::string sentenceOf(const sdpline::Error &error, size_t bodySize) {
     if (bodySize == 0) {
         return "the body is empty";
     }
-    if (bodySize > SDP_MAX_BODY) {
+    if (bodySize > SdpGetMaxBodySize()) {
         return "the body is " + std::to_string(bodySize) + " bytes long, more than " +
-               std::to_string(SDP_MAX_BODY);
+               std::to_string(SdpGetMaxBodySize());
     }
     return std::string(error.sentence);
 }
@@ -54,22 +54,26 @@ std::string placeText(const Found &body, const std::optional<LinePart> &part) {
 // A diagnostic and all that is quoted of the body.
 struct Shown {
     std::optional<LinePart> part;
-    std::string message; // the sentence, and what was found
+    std::string found; // in place of what was expected
     std::string_view hint;
+
+    std::string message(std::string_view sentence) const {
+        return std::string(sentence) + (found.empty() ? "" : "; found " + found);
+    }
 };
 
 Shown shownOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
-    Shown shown = {std::nullopt, diagnostic.sentence, {}};
+    Shown shown = {};
     std::string line;
     if (diagnostic.offset) {
         line = linePartAt(body, *diagnostic.offset, nullptr).text;
         shown.part = linePartAt(body, *diagnostic.offset, redactor);
         const bool atEnd = *diagnostic.offset >= body.text.size();
-        const std::string found =
-            foundAt(diagnostic.sentence, shown.part->text, shown.part->offset, atEnd);
-        shown.message += found.empty() ? "" : "; found " + found;
+        shown.found = foundAt(diagnostic.sentence, shown.part->text, shown.part->offset, atEnd);
     }
-    shown.hint = diagnostic.error ? hintFor(diagnostic.error->check, line) : std::string_view();
+    if (diagnostic.error && !body.text.empty()) {
+        shown.hint = hintFor(diagnostic.error->check, line);
+    }
     return shown;
 }
 
@@ -105,7 +109,8 @@ Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body) {
 std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
     const Shown shown = shownOf(body, diagnostic, redactor);
     const bool whole = !diagnostic.offset && body.offset == 0;
-    std::string text = (whole ? body.name : placeText(body, shown.part)) + ": " + shown.message;
+    std::string text = (whole ? body.name : placeText(body, shown.part)) + ": " +
+                       shown.message(diagnostic.sentence);
     if (const std::optional<sdpline::Error> &error = diagnostic.error) {
         text += " (" + std::string(error->source) + ' ' + std::string(error->function) + ", " +
                 codeText(error->code) + ')';
@@ -117,9 +122,9 @@ void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, R
            const Style &style) {
     const Shown shown = shownOf(body, diagnostic, redactor);
     out << style.bold << placeText(body, shown.part) << ": " << style.reset << style.error
-        << "error: " << style.reset << style.bold << shown.message << style.reset << " ["
-        << checkName(diagnostic) << ']' << (diagnostic.alone ? " (line judged on its own)" : "")
-        << '\n';
+        << "error: " << style.reset << style.bold << shown.message(diagnostic.sentence)
+        << style.reset << " [" << checkName(diagnostic) << ']'
+        << (diagnostic.alone ? " (line judged on its own)" : "") << '\n';
     if (shown.part) {
         printExcerpt(out, *shown.part, style);
     }
@@ -135,7 +140,7 @@ nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, R
                                    {"offset", nullptr},
                                    {"code", nullptr},
                                    {"check", checkName(diagnostic)},
-                                   {"sentence", shown.message}};
+                                   {"sentence", diagnostic.sentence}};
     if (const std::optional<sdpline::Error> &error = diagnostic.error) {
         SDPResultText words = {};
         SdpLibDescribeResult(error->code, &words);
@@ -151,6 +156,9 @@ nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, R
         json["column"] = shown.part->column;
         json["offset"] = body.offset + *diagnostic.offset;
         json["text"] = shown.part->text;
+    }
+    if (!shown.found.empty()) {
+        json["found"] = shown.found;
     }
     if (!shown.hint.empty()) {
         json["hint"] = shown.hint;

@@ -36,7 +36,9 @@ struct Verdict {
 // `last`: the body ends with the line, and without a line end.
 Verdict judgeAt(const Surroundings &place, std::string_view line, bool last) {
     const size_t around = place.before.size() + place.after.size() + kRefused.size() + 1;
-    line = line.substr(0, SDP_MAX_BODY - around); // no longer value is taken
+    line = line.substr(
+        0, SdpGetMaxBodySize() -
+               std::min<size_t>(around, SdpGetMaxBodySize())); // no longer value is taken
     std::string text(place.before);
     text.append(line);
     const size_t end = text.size();

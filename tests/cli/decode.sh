@@ -20,6 +20,7 @@ expect "an empty body" 1 nothing empty -- "$program" decode nothing
 head -c 4094 /dev/zero | tr '\0' x >big
 cat >long <<'TEXT'
 big: the body is 4094 bytes long, more than 4093 (sdpparser SdpLibParseSdp, 0x05000401)
+  hint: --max-body takes bodies of up to 65535 bytes
 TEXT
 expect "a body that is too long" 1 nothing long -- "$program" decode big
 echo 'sdpline: none.sdp: No such file or directory' >none
@@ -46,6 +47,32 @@ expect "RTP/AVPF is other text" 0 '~proto "RTP/AVPF" format "0"$' nothing -- \
   "$program" decode avpf.sdp
 expect "--avpf: a protocol of its own" 0 '~proto RTP/AVPF payloads 0 .PCMU.$' nothing -- \
   "$program" decode --avpf avpf.sdp
+file browser.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+t=0 0
+m=audio 9 UDP/TLS/RTP/SAVPF 111 0
+SDP
+cat >family <<'TEXT'
+browser.sdp:5:32: unexpected text after the format: this protocol takes one format; found "0" (sdpparser sdpOtherMediaFmt, 0x050f1465)
+  hint: --rtp-family takes several payload numbers with every protocol of RTP
+TEXT
+expect "payload numbers of an unknown protocol" 1 nothing family -- "$program" decode browser.sdp
+expect "--rtp-family" 0 '~proto "UDP/TLS/RTP/SAVPF" payloads 111 0 .PCMU.$' nothing -- \
+  "$program" decode --rtp-family browser.sdp
+"$program" format --rtp-family browser.sdp >formatted
+expect "its JSON" 0 formatted nothing -- \
+  sh -c '"$1" decode --rtp-family --json browser.sdp | "$1" encode' _ "$program"
+{ cat good.sdp; yes $'a=x:0123456789\r' | head -300; } >long.sdp
+expect "--max-body" 0 - nothing -- "$program" decode --max-body 5000 long.sdp
+expect "longer still" 1 nothing '~is 5057 bytes long, more than 5000 ' -- \
+  "$program" decode --max-body 5000 <(cat long.sdp; printf 'a=%0200d' 1)
+"$program" format --max-body 65535 long.sdp >formatted
+expect "JSON of a long body" 0 formatted nothing -- \
+  sh -c '"$1" decode --max-body 65535 --json long.sdp | "$1" encode --max-body 65535' _ "$program"
+expect "--max-body above the limit" 2 nothing '~--max-body: Value 65536 not in range' -- \
+  "$program" decode --max-body 65536 long.sdp
 file names.sdp <<'SDP'
 v=0
 o=- 1 2 IN IP4 192.0.2.1
