@@ -64,9 +64,9 @@ bool answerMedia(const sdpline::Body &offer, const Media &offered, sdpline::Body
         return false;
     }
     auto lines = media->attributes();
-    return lines.addAll(offered.attributes(),
-                        [&](const Attribute &one) { return isMirrored(one, spoken); }) &&
-           lines.setDirection(sdpline::reversed(offer.directionOf(offered)));
+    return lines.addAll(offered.attributes(), [&](const Attribute &one) {
+        return isMirrored(one, spoken);
+    }) && lines.setDirection(sdpline::reversed(offer.directionOf(offered)));
 }
 
 } // namespace

@@ -74,6 +74,8 @@ int main(int argc, char **argv) {
             }
         }
     }
-    std::fputs("usage: sdpline_instructions decode|encode|clone|serialise|answer|answer-c BODY COUNT\n", stderr);
+    std::fputs(
+        "usage: sdpline_instructions decode|encode|clone|serialise|answer|answer-c BODY COUNT\n",
+        stderr);
     return 2;
 }

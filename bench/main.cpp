@@ -59,6 +59,16 @@ void addOwn(const Body &body) {
     });
 }
 
+// A call's answer, whose offer is decoded first, by the C++ API and by the C interface.
+void addAnswer(const Body &body) {
+    add("answer", "sdpline", body, [&body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, bench::answerByCpp);
+    });
+    add("answer-c", "sdpline", body, [&body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, bench::answerByC);
+    });
+}
+
 // Where decodes are serialised, as they are but for SDPLINE_THREAD_LOCAL, two threads wait for each
 // other.
 void addThreads(const Body &body) {
@@ -166,6 +176,7 @@ int main(int argc, char **argv) {
         }
         addFloors(body);
         if (body.texts.size() == 1) {
+            addAnswer(body);
             addThreads(body);
         }
     }

@@ -18,6 +18,8 @@ OWN_OPERATIONS = [
     ("both", "decode, encode, release"),
     ("clone", "clone line by line, release"),
     ("serialise", "serialise into a buffer"),
+    ("answer", "a call's answer, C++"),
+    ("answer-c", "a call's answer, C"),
 ]
 FLOORS = [
     ("table", "floor: one table pass"),

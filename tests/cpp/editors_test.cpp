@@ -90,6 +90,32 @@ TEST(CppSession, TextsThatNoLineCarriesAreRefused) {
     EXPECT_EQ(written(body), kPlain);
 }
 
+TEST(CppSession, UnfitBytesAreFoundWhereverTheyAre) {
+    Body body = decoded(kPlain);
+    for (std::size_t size = 1; size <= 20; ++size) {
+        for (std::size_t at = 0; at < size; ++at) {
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string text(size, 'x');
+                text[at] = static_cast<char>(byte);
+                const bool breaksLine = byte == '\r' || byte == '\n' || byte == '\0';
+                const bool endsWord = breaksLine || byte == ' ' || byte == '\t';
+                const bool endsToken =
+                    endsWord || std::string_view(":;@,()<>").find(text[at]) != std::string::npos;
+                using namespace sdpline::internal;
+                ASSERT_EQ(refusedText(text).has_value(), breaksLine) << byte << " at " << at;
+                ASSERT_EQ(refusedWord(text).has_value(), endsWord) << byte << " at " << at;
+                ASSERT_EQ(refusedToken(text).has_value(), endsToken) << byte << " at " << at;
+                text.assign(size, '7');
+                text[at] = static_cast<char>(byte);
+                ASSERT_EQ(refusedDigits(text).has_value(), byte < '0' || byte > '9') << byte;
+            }
+        }
+    }
+    EXPECT_REFUSED(body.setOrigin({.sessionId = ""}), "a text is empty");
+    EXPECT_REFUSED(body.setOrigin({.sessionId = std::string(SDP_MAX_VALUE + 1, '1')}),
+                   "a text is longer than a decoder of this library reads");
+}
+
 TEST(CppSession, OriginsThatNoDecoderReadsAreRefused) {
     Body body = decoded(kPlain);
     const char *const digits = "a number holds something else than digits";

@@ -16,7 +16,8 @@ inline namespace v1 {
 /*
  * What one decode takes, in place of the settings of the process: they go with the call, and are in
  * force while it runs and nowhere else. So decodes with different options may run on different
- * threads, one after the other under decodeMutex() or, with SDPLINE_THREAD_LOCAL, beside each other.
+ * threads, one after the other under decodeMutex() or, with SDPLINE_THREAD_LOCAL, beside each
+ * other.
  */
 struct DecodeOptions {
     bool rtpFamily = false;                   /* as SdpSetSupMedProtoRtpFamily(1) */

@@ -216,8 +216,8 @@ constexpr std::string_view wordOf(StatusLine line) {
  * (RFC 4855 section 3) and of hosts are compared. Letters are those of ASCII. */
 constexpr bool equalIgnoringCase(std::string_view one, std::string_view two) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 32) : c; };
-    if (one.size() != two.size()) {
-        return false;
+    if (one.size() != two.size() || one == two) {
+        return one.size() == two.size();
     }
     for (std::size_t i = 0; i < one.size(); ++i) {
         if (lower(one[i]) != lower(two[i])) {

@@ -91,8 +91,8 @@ inline Result<BodyHandle> decodeText(std::string_view text,
         return busy();
     }
     SdpLine *line = nullptr;
-    if (const SDPResult code = SdpLibDecodeSdpWithOptions(
-            &given, options != nullptr ? &wanted : nullptr, &line)) {
+    if (const SDPResult code =
+            SdpLibDecodeSdpWithOptions(&given, options != nullptr ? &wanted : nullptr, &line)) {
         return decodeError(code);
     }
     BodyHandle body(line);

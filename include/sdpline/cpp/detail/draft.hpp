@@ -154,9 +154,9 @@ public:
             static_cast<std::uint32_t>(precondition.status),
             static_cast<std::uint32_t>(strength),
             static_cast<std::uint32_t>(precondition.flow)};
-        for (const auto &error : {refusedToken(precondition.type.text()),
-                                  refusedCode(precondition.line), refusedCode(precondition.status),
-                                  refusedCode(precondition.flow), refusedCode(strength)}) {
+        for (const auto &error : {refusedToken(precondition.type), refusedCode(precondition.line),
+                                  refusedCode(precondition.status), refusedCode(precondition.flow),
+                                  refusedCode(strength)}) {
             if (error) {
                 return error;
             }

@@ -187,14 +187,14 @@ inline std::optional<Error> refusedFormat(const MediaLine &line) {
     if (line.format == Format::T120 && line.protocol != Protocol::Tcp) {
         return refusedArgument("the format t120 goes over TCP only");
     }
-    return refusedToken(line.format.text());
+    return refusedToken(line.format);
 }
 
 inline std::optional<Error> refusedLine(const MediaLine &line) {
-    if (const auto error = refusedToken(line.type.text())) {
+    if (const auto error = refusedToken(line.type)) {
         return error;
     }
-    if (const auto error = refusedToken(line.protocol.text())) {
+    if (const auto error = refusedToken(line.protocol)) {
         return error;
     }
     if (line.port > 65535) {

@@ -539,7 +539,14 @@ inline constexpr std::string_view kLineBreaks("\r\n\0", 3);
 inline constexpr std::string_view kWordEnds("\r\n\0 \t", 5);
 inline constexpr std::string_view kTokenEnds("\r\n\0 \t:;@,()<>", 13);
 
-/* Whether a text holds one of a set of bytes: one table look-up a byte. */
+/* Whether a byte of a word of eight is below `limit`, which is at most 128. */
+constexpr bool hasByteBelow(std::uint64_t word, std::uint64_t limit) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    return ((word - kOnes * limit) & ~word & (kOnes << 7)) != 0;
+}
+
+/* Whether a text holds one of a set of bytes. All of them are low, as a rule, and texts are not:
+ * eight bytes are looked at together, and one by one where one of the eight is low. */
 template <const std::string_view &Unfit>
 bool holdsOneOf(std::string_view text) {
     static constexpr auto kUnfit = [] {
@@ -549,8 +556,24 @@ bool holdsOneOf(std::string_view text) {
         }
         return table;
     }();
-    for (const char c : text) {
-        if (kUnfit[static_cast<unsigned char>(c)]) {
+    static constexpr unsigned kLimit = [] {
+        unsigned limit = 0;
+        for (const char c : Unfit) {
+            const auto byte = static_cast<unsigned char>(c);
+            limit = byte >= limit ? byte + 1u : limit;
+        }
+        return limit;
+    }();
+    static_assert(kLimit <= 128);
+    std::size_t at = 0;
+    for (std::uint64_t word = 0; at + sizeof word <= text.size(); at += sizeof word) {
+        std::memcpy(&word, text.data() + at, sizeof word);
+        if (hasByteBelow(word, kLimit)) {
+            break;
+        }
+    }
+    for (; at < text.size(); ++at) {
+        if (kUnfit[static_cast<unsigned char>(text[at])]) {
             return true;
         }
     }
@@ -588,16 +611,20 @@ inline std::optional<Error> refusedToken(std::string_view text) {
     return refusal<kTokenEnds>(text, "a word holds a blank or one of :;@,()<>");
 }
 
+/* A word that the library knows needs no look. */
+template <class Code>
+std::optional<Error> refusedToken(const Keyword<Code> &word) {
+    return wordOf(word.code()).empty() ? refusedToken(word.text()) : std::nullopt;
+}
+
 inline std::optional<Error> refusedDigits(std::string_view text) {
-    if (const auto error = refusedWord(text)) {
-        return error;
-    }
     for (const char c : text) {
-        if (c < '0' || c > '9') {
-            return refusedArgument("a number holds something else than digits");
+        if (c < '0' || c > '9') [[unlikely]] {
+            const auto error = refusedWord(text);
+            return error ? error : refusedArgument("a number holds something else than digits");
         }
     }
-    return std::nullopt;
+    return text.empty() || text.size() > SDP_MAX_VALUE ? refusedWord(text) : std::nullopt;
 }
 
 /* A code of an enumeration. */
