@@ -10,7 +10,7 @@ FNR == 1 { file = 1 }
 
 # A line "template <...>" waits for the next one; line numbers stay.
 /^template </ && FILENAME ~ /\.hpp$/ { held = line; next }
-/ std::ranges::enable_borrowed_range</ { print (held != "" ? "\n" : ""); held = ""; next }
+/ std::ranges::enable_(view|borrowed_range)</ { print (held != "" ? "\n" : ""); held = ""; next }
 held != "" { print held; held = "" }
 
 /^\/\*/ {

@@ -4,8 +4,8 @@
  *     std::format("refused: {}", body.error())
  *     std::format("{:>40}", media)
  *
- * They take the format specifications of a string. To be included beside sdpline.hpp, which leaves
- * <format> out for the time that it takes to compile.
+ * They take the format specifications of a string. To be included beside sdpline.hpp, which does
+ * without the standard header for the time that it takes to compile.
  */
 #ifndef SDPLINE_CPP_FORMAT_HPP
 #define SDPLINE_CPP_FORMAT_HPP

@@ -100,6 +100,9 @@ struct RtpMap {
     }
 };
 
+static_assert(sizeof g_aStrRtpmapProfiles / sizeof *g_aStrRtpmapProfiles ==
+              tables::kNoStaticRow + 1);
+
 /* What a static payload number means without an a=rtpmap line (RFC 3551 section 6): 0 is PCMU at
  * 8000 Hz, 10 is L16 at 44100 Hz over two channels. Nothing for numbers without an encoding of
  * their own. Names and clock rates are those of the library's profiles, but for 33, MP2T, whose
