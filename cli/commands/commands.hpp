@@ -31,11 +31,14 @@ void addCheck(CLI::App &app, int &status);
 void addDiff(CLI::App &app, int &status);
 void addExplain(CLI::App &app, int &status);
 void addProfiles(CLI::App &app, int &status);
+void addAnswer(CLI::App &app, int &status);
+void addNegotiateCheck(CLI::App &app, int &status);
 
 // In the order of the help. A new command is a row here, a section of the man page and a line of
 // the completion.
 inline constexpr auto kCommands = std::to_array<void (*)(CLI::App &app, int &status)>(
-    {addDecode, addFormat, addEncode, addCheck, addDiff, addExplain, addProfiles});
+    {addDecode, addFormat, addEncode, addCheck, addDiff, addExplain, addProfiles, addAnswer,
+     addNegotiateCheck});
 
 // ---- Options that several subcommands have
 

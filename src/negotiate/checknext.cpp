@@ -50,9 +50,8 @@ private:
             }
             return;
         }
-        uint8_t one[SDP_MAX_BODY];
-        uint8_t two[SDP_MAX_BODY];
-        if (afterOrigin(textOf(previous_, one)) != afterOrigin(textOf(next_, two))) {
+        const std::string_view one = afterOrigin(textOf(previous_, report_.arena));
+        if (one != afterOrigin(textOf(next_, report_.arena))) {
             report_.add(Reason::VersionNotRaised, kSession, from);
         }
     }

@@ -233,9 +233,12 @@ Reason copyBody(const SdpLine &body, SdpLine **copy) {
 }
 
 // Encoding only reads, but for an rtpmap record without a name that a program made itself.
-std::string_view textOf(const SdpLine &body, uint8_t (&buffer)[SDP_MAX_BODY]) {
+std::string_view textOf(const SdpLine &body, Arena &arena) {
+    const uint32_t limit = SdpGetMaxBodySize();
+    auto *const buffer = static_cast<uint8_t *>(arena.take(limit));
     uint32_t size = 0;
-    if (SdpLibSerializeSdp(const_cast<SdpLine *>(&body), buffer, sizeof buffer, &size) != 0) {
+    if (buffer == nullptr ||
+        SdpLibSerializeSdp(const_cast<SdpLine *>(&body), buffer, limit, &size) != 0) {
         return {};
     }
     return {reinterpret_cast<const char *>(buffer), size};
@@ -257,9 +260,11 @@ Reason finish(const BodyDraft &draft, const SdpLine *previous, Report &report, S
     if (reason == Reason::None && previous != nullptr) {
         reason = continueOrigin(*previous, *made, report);
     }
-    uint8_t buffer[SDP_MAX_BODY];
-    if (reason == Reason::None && textOf(*made, buffer).empty()) {
+    if (reason == Reason::None && textOf(*made, report.arena).empty()) {
         reason = Reason::TooLong;
+    }
+    if (report.arena.failed()) {
+        reason = Reason::NoMemory;
     }
     if (reason != Reason::None) {
         SdpLibReleaseSdp(&made);

@@ -55,8 +55,8 @@ SDPAttr otherFlag(Arena &arena, std::string_view name);
 // A body in a block of its own. Reason::None, or why there is none.
 Reason build(const BodyDraft &draft, SdpLine **body);
 
-// The text of a body in `buffer`, at most SDP_MAX_BODY bytes; nothing for one that is longer.
-std::string_view textOf(const SdpLine &body, uint8_t (&buffer)[SDP_MAX_BODY]);
+// The text of a body; nothing for one that is longer than a decoder reads, or without memory.
+std::string_view textOf(const SdpLine &body, Arena &arena);
 
 // The text after the o= line.
 std::string_view afterOrigin(std::string_view text);

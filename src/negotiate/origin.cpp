@@ -44,10 +44,8 @@ bool sameOrigin(const SDPOrigin &one, const SDPOrigin &two) {
 }
 
 Reason continueOrigin(const SdpLine &previous, SdpLine &body, Report &report) {
-    uint8_t before[SDP_MAX_BODY];
-    uint8_t after[SDP_MAX_BODY];
-    const std::string_view text = textOf(body, after);
-    if (!text.empty() && textOf(previous, before) == text) {
+    const std::string_view text = textOf(body, report.arena);
+    if (!text.empty() && textOf(previous, report.arena) == text) {
         report.add(Reason::VersionKept, kSession, viewOf(previous.stOrigin.strSessionVersion));
         return Reason::None;
     }

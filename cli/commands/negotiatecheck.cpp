@@ -1,0 +1,70 @@
+// sdpline negotiate-check: what is wrong with an answer, or with a description that follows
+// another.
+#include "commands/commands.hpp"
+
+#include <iostream>
+
+#include "commands/negotiation.hpp"
+#include "output/diagnostic.hpp"
+
+namespace cli {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> paths;
+    std::string previous;
+    DecodeOptions decode = negotiationOptions();
+};
+
+// The place of a fault is that of the judged body's m= line, or of its first line where it has
+// none.
+int report(const Options &options, const Party &judged,
+           const std::vector<sdpline::Decision> &faults) {
+    if (options.decode.json) {
+        std::cout << dumped({{"good", faults.empty()}, {"faults", jsonOf(judged, faults)}});
+    } else {
+        for (const sdpline::Decision &fault : faults) {
+            print(std::cout, judged, fault, "error");
+        }
+    }
+    return faults.empty() ? kFine : kRefused;
+}
+
+int run(const Options &options) {
+    const bool next = !options.previous.empty();
+    if (options.paths.size() != (next ? 1u : 2u)) {
+        requireOperand(next ? "NEXT" : "OFFER ANSWER");
+    }
+    configure(options.decode);
+    const Party first(options.decode, next ? options.previous : options.paths[0]);
+    const Party second(options.decode, options.paths.back());
+    if (first.get() == nullptr || second.get() == nullptr) {
+        return kUnusable;
+    }
+    return report(options, second,
+                  next ? sdpline::checkNext(*first.get(), *second.get())
+                       : sdpline::check(*first.get(), *second.get()));
+}
+
+} // namespace
+
+void addNegotiateCheck(CLI::App &app, int &status) {
+    const auto options = std::make_shared<Options>();
+    CLI::App &command =
+        addCommand(app,
+                   {"negotiate-check", "Say what is wrong with an answer, or with a next offer.",
+                    "Examples:\n"
+                    "  sdpline negotiate-check offer.sip answer.sip\n"
+                    "  sdpline negotiate-check --previous offer.sdp next.sdp\n\n"
+                    "Exit status: 0 when nothing is wrong, 1 when something is, 2 on trouble."},
+                   [options, &status] { status = run(*options); });
+    addWords(command, "BODIES", options->paths,
+             "An offer and its answer; with --previous the description to judge");
+    addWord(command, "--previous", options->previous, "BODY",
+            "The last description of the same side");
+    addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addMaxBody(command, options->decode.maxBody);
+}
+
+} // namespace cli
