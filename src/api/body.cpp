@@ -41,7 +41,7 @@ SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
     endDecode(result == 0);
     if (result != 0) {
         SipMmReleaseBufMem(&memCp);
-        return passUp(Check::DecodeRefused, result);
+        return logAndForward(Check::DecodeRefused, result);
     }
     line->pstMemCp = memCp;
     *ppstSdpLine = line;
@@ -103,11 +103,11 @@ SDPResult SdpLibEncodeSdp(SdpLine *pstSdpLine, SipStringBuffer **ppstText) {
     SipStringBuffer *text = nullptr;
     if (const uint32_t result =
             SipSbCreateStringBufferNew(gSipSystemMemCp, kEncodeSize, kEncodeSize, &text)) {
-        return passUp(Check::EncodeBuffer, result);
+        return logAndForward(Check::EncodeBuffer, result);
     }
     if (const SDPResult result = SdpLibEncodeSdpInt(pstSdpLine, text)) {
         SipSbReleaseStringBuffer(text);
-        return passUp(Check::EncodeFailed, result);
+        return logAndForward(Check::EncodeFailed, result);
     }
     *ppstText = text;
     return 0;

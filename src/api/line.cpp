@@ -41,7 +41,7 @@ SDPResult SdpLibEncodeSdpLine(uint32_t *pulWithPrefix, uint32_t enLineType, void
         SdpLibEncodeLine(static_cast<int32_t>(enLineType), pulWithPrefix, pValue, pstBuf);
     if (written != 0) {
         SipSbReleaseStringBuffer(pstBuf);
-        return passUp(Check::OneLineFailed, written);
+        return logAndForward(Check::OneLineFailed, written);
     }
     SipRefString *pstText = nullptr;
     const uint32_t converted = SipSbConvertToRefString(pstBuf, &pstText);
@@ -95,7 +95,7 @@ SDPResult SdpLibDeSerializeSdp(uint8_t *pucBuf, uint32_t ulLen, SdpLine **ppstSd
     SDPMemCp *pstMemCp = nullptr;
     const uint32_t made = SipMmCreateBufMem(512, 1032, &pstMemCp);
     if (made != 0) {
-        return passUp(Check::DeSerializeBlock, made);
+        return logAndForward(Check::DeSerializeBlock, made);
     }
     beginDecode(pstMemCp);
     const SDPResult parsed = SdpLibParseSdp(&stText, ppstSdpLine);
@@ -103,7 +103,7 @@ SDPResult SdpLibDeSerializeSdp(uint8_t *pucBuf, uint32_t ulLen, SdpLine **ppstSd
     endDecode(bHasBody);
     if (!bHasBody) {
         SipMmReleaseBufMem(&pstMemCp);
-        return passUp(Check::DeSerializeRefused, parsed);
+        return logAndForward(Check::DeSerializeRefused, parsed);
     }
     (*ppstSdpLine)->pstMemCp = pstMemCp;
     return parsed;

@@ -56,13 +56,13 @@ constexpr bool sameCode(const CheckRow &a, const CheckRow &b) {
            a.outcome.errorClass == b.outcome.errorClass;
 }
 
-// What a failing check answers is not 0: a code has a class, a bare answer is itself.
+// What a failing check returns is not 0: a code has a class, a bare result is itself.
 constexpr bool isFailure(const Outcome &outcome) {
     return outcome.answer == Answer::Pass ||
            (outcome.answer == Answer::Code ? outcome.errorClass : outcome.location) != 0;
 }
 
-// Two rows may not answer the same code, and every code must fit its fields.
+// Two rows may not have the same code, and every code must fit its fields.
 constexpr bool codesAreSound() {
     for (size_t i = 0; i < kCheckCount; ++i) {
         if (!isFailure(kChecks[i].outcome)) {
@@ -177,7 +177,7 @@ SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *w
     return codeOf(check);
 }
 
-SDPResult passUp(Check check, SDPResult result, uint32_t line) {
+SDPResult logAndForward(Check check, SDPResult result, uint32_t line) {
     report(check, result, line);
     return result;
 }

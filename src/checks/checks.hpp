@@ -2,7 +2,7 @@
 //
 // The rows are in src/checks/*.def, one file per source file that makes them. A site
 // says `return fail(Check::OctetRange)`: the row is logged if it is a logged one, and its result
-// code is the answer.
+// code is returned.
 #pragma once
 
 #include <cstddef>
@@ -28,16 +28,16 @@ enum class Source : uint16_t {
     EncodeTime = 735,
 };
 
-// What a failing check answers.
+// What a failing check returns.
 enum class Answer : uint8_t {
     Code, // the code composed of source, location and class
     Bare, // the row's location as it stands, without composition
-    Pass, // what the callee answered: the row only logs
+    Pass, // what the callee returned: the row only logs
 };
 
 constexpr uint32_t kNoCategory = 0xFFFFFFFF;
 
-// How a failing check is logged. A line of 0 stands for the line of the site.
+// How a failing check is logged. A line of 0 is the line of the site.
 struct Logged {
     uint8_t level; // 0: not logged at all
     uint32_t category;
@@ -47,7 +47,7 @@ struct Logged {
 
 struct Outcome {
     Answer answer;
-    uint16_t location; // of a bare answer: the answer itself
+    uint16_t location; // of a bare result: the result itself
     uint16_t errorClass;
 };
 
@@ -78,12 +78,13 @@ inline const CheckRow &row(Check check) {
 // The code that fail() composes for the row, under the stack's file base of this moment.
 SDPResult codeOf(Check check);
 
-// Logs the failing check as its row says and answers its result: the one place to set a
-// breakpoint. `word` is what the check judged, where the lexer has already left it behind.
-[[gnu::cold]] SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word);
+// Logs the failing check as its row says and returns its result: the one place to set a
+// breakpoint. `word` is what the check judged, where it is no longer the current token.
+[[gnu::cold, gnu::noinline]] SDPResult reportFailed(Check check, uint32_t value, uint32_t line,
+                                                    const char *word);
 
 // The same. `value` is the argument of the row's format; rows without a format ignore it. No check
-// answers 0, which the compiler is told: the way on is not considered where one failed.
+// returns 0, which the compiler is told: it makes no way on where one failed.
 SDPLINE_INLINE SDPResult fail(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE()) {
     const SDPResult result = reportFailed(check, value, line, nullptr);
     if (result == 0) {
@@ -100,9 +101,10 @@ SDPLINE_INLINE SDPResult failWord(Check check, const char *word, uint32_t line =
     return result;
 }
 
-// Logs a Pass row and answers `result` unchanged. The format's argument, where the row has a
+// Logs a Pass row and returns `result` unchanged. The format's argument, where the row has a
 // format, is `result` too.
-[[gnu::cold]] SDPResult passUp(Check check, SDPResult result, uint32_t line = __builtin_LINE());
+[[gnu::cold, gnu::noinline]] SDPResult logAndForward(Check check, SDPResult result,
+                                                     uint32_t line = __builtin_LINE());
 
 // The name of a row's source file in log entries, and of a class.
 const char *sourceName(Source source);

@@ -11,7 +11,7 @@ using namespace sdpline;
 namespace {
 
 SDPResult stored(uint32_t result) {
-    return result == 0 ? 0 : passUp(Check::CopyAttributeText, result);
+    return result == 0 ? 0 : logAndForward(Check::CopyAttributeText, result);
 }
 
 class AttributeCopier {

@@ -204,7 +204,7 @@ SDPLINE_INLINE SDPResult writeAttribute(Output &out, SDPAttr &attr, Shape shape)
                                          : apart<writeWhole>(out, &attr, shape);
     }
     if (const SDPResult result = writeTableName(out, attr)) {
-        return passUp(out, Check::AttrNameAppend, result);
+        return logAndForward(out, Check::AttrNameAppend, result);
     }
     return writeAttributeValue(out, attr, shape);
 }

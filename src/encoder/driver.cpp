@@ -19,10 +19,10 @@ constexpr uint32_t kPrefixed = 1;
 // v= 1*DIGIT CRLF
 SDPLINE_INLINE SDPResult writeVersion(Output &out, const uint32_t *flag, uint32_t version) {
     if (const uint32_t result = appendPrefix(out, flag, 'v')) {
-        return passUp(out, Check::EncodeVersionPrefix, result);
+        return logAndForward(out, Check::EncodeVersionPrefix, result);
     }
     if (const uint32_t result = out.number(version)) {
-        return passUp(out, Check::EncodeVersionNumber, result);
+        return logAndForward(out, Check::EncodeVersionNumber, result);
     }
     return out.lineEnd();
 }

@@ -24,9 +24,9 @@ SDPLINE_INLINE SDPResult fail(Output &out, Check check, uint32_t value = 0,
     return result;
 }
 
-SDPLINE_INLINE SDPResult passUp(Output &out, Check check, SDPResult result,
+SDPLINE_INLINE SDPResult logAndForward(Output &out, Check check, SDPResult result,
                                 uint32_t line = __builtin_LINE()) {
-    return out.call<static_cast<SDPResult (*)(Check, SDPResult, uint32_t)>(passUp)>(check, result,
+    return out.call<static_cast<SDPResult (*)(Check, SDPResult, uint32_t)>(logAndForward)>(check, result,
                                                                                     line);
 }
 

@@ -43,9 +43,9 @@ void mark() {
 
 void consume() {
     if (isContext(state.context)) {
-        Lexer lexer = lexer::enter();
+        Lexer lexer = lexer::load();
         lexer.advance(state.context);
-        lexer::leave(lexer);
+        lexer::store(lexer);
     } else if (state.ended != 1) {
         mark(); // without a context nothing is cut
         state.ended = nextToken() == SDP_TOK_EOF ? 1 : state.ended;

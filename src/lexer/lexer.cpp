@@ -1,8 +1,10 @@
-// What of cutting is too rare or too long to be inlined into the parsers.
+// The lexer's state, and the parts of cutting that are too rare or too long to be inlined into the
+// parsers.
 #include "lexer/lexer.hpp"
 
 #include <cstring>
 
+#include "services/allocation.hpp"
 #include "services/builtin.hpp"
 
 namespace sdpline::lexer {
@@ -26,72 +28,109 @@ namespace {
 // What is read of an input that is gone.
 constexpr uint8_t kNothing[] = {'\0'};
 
-Lexer enterNothing() {
-    return {.input = kNothing,
-            .at = kNothing,
-            .behind = kNothing,
-            .kind = state.kind,
-            .context = state.context,
-            .odd = Lexer::kRepeats | (state.ended == 1 ? Lexer::kEnded : 0),
-            .last = state.last};
-}
-
-Lexer enterInput() {
-    Lexer lexer = {.input = state.input,
-                   .at = state.input + state.start,
-                   .behind = state.input + (state.end + 1),
-                   .kind = state.kind,
-                   .context = state.context,
-                   .odd = 0,
-                   .last = state.last};
-    if (state.ended == 1) {
-        lexer.odd |= Lexer::kEnded;
-    }
-    if (state.index != 0) {
-        lexer.odd |= Lexer::kHalfCut;
-    }
-    if (lexer.behind <= lexer.input + 1 || lexer.behind <= lexer.at) {
-        lexer.odd |= Lexer::kRepeats;
-    }
-    return lexer;
+uint32_t specialBits(const Lexer &lexer) {
+    return (state.ended == 1 ? Lexer::kEnded : 0) | (state.index != 0 ? Lexer::kHalfCut : 0) |
+           (lexer.end <= lexer.input + 1 || lexer.end <= lexer.at ? Lexer::kRepeats : 0) |
+           (seesFills() ? Lexer::kCallsForTexts : 0);
 }
 
 } // namespace
 
-Lexer enter() {
-    Lexer lexer = state.inputGone ? enterNothing() : enterInput();
-    lexer.odd |= !seesFills() ? 0 : Lexer::kCallsForTexts;
+Lexer load() {
+    const uint8_t *const input = state.inputGone ? kNothing : state.input;
+    Lexer lexer = {.input = input,
+                   .at = state.inputGone ? input : input + state.start,
+                   .end = state.inputGone ? input : input + (state.end + 1),
+                   .kind = state.kind,
+                   .context = state.context,
+                   .special = 0,
+                   .last = state.last};
+    lexer.special = specialBits(lexer);
     return lexer;
 }
 
-void leave(const Lexer &lexer) {
+void store(const Lexer &lexer) {
     publishText();
     const auto start = static_cast<uint32_t>(lexer.at - lexer.input);
     const bool moved = start != state.start;
-    if ((moved && lexer.is(SDP_TOK_EOF)) || (lexer.odd & Lexer::kEnded) != 0) {
+    if ((moved && lexer.is(SDP_TOK_EOF)) || (lexer.special & Lexer::kEnded) != 0) {
         state.ended = 1;
     }
+    const auto size = static_cast<uint32_t>(lexer.end - lexer.input);
     state.start = start;
-    state.end =
-        lexer.behind == lexer.input ? 0 : static_cast<uint32_t>(lexer.behind - lexer.input) - 1;
+    state.end = size != 0 ? size - 1 : 0;
     state.kind = lexer.kind;
     state.context = lexer.context;
     state.last = lexer.last;
-    if ((lexer.odd & Lexer::kHalfCut) == 0) {
+    if ((lexer.special & Lexer::kHalfCut) == 0) {
         state.index = 0;
     }
 }
 
+Lexer begin(const uint8_t *input) {
+    state.input = input;
+    state.inputGone = false;
+    state.context = SDP_LEXCTX_SDP;
+    Lexer lexer = load();
+    lexer.advance(SDP_LEXCTX_SDP);
+    store(lexer);
+    lexer.special = specialBits(lexer);
+    return lexer;
+}
+
+void clear() {
+    state.index = 0;
+    state.end = 0;
+    state.start = 0;
+    state.ended = 0;
+}
+
+SpecialStart findStart(const uint8_t *input, const uint8_t *at, const uint8_t *end,
+                       uint32_t special) {
+    if ((special & Lexer::kEnded) != 0) {
+        return {nullptr, special};
+    }
+    const uint8_t *const next = end <= input + 1 ? input : end;
+    const uint8_t *const from = (special & Lexer::kHalfCut) != 0 ? at : next;
+    const uint32_t ended = *from == '\0' ? Lexer::kEnded : 0;
+    const uint32_t repeats = from == input ? Lexer::kRepeats : 0;
+    return {from, ended | repeats | (special & Lexer::kCallsForTexts)};
+}
+
+LetterToken cutLetter(const uint8_t *letter) {
+    const uint8_t next = letter[1];
+    if (*letter == 'I' && next == 'N') {
+        return {SDP_TOK_IN, 2, next};
+    }
+    if (*letter == 'I' && next == 'P') {
+        const uint8_t version = letter[2];
+        switch (version) {
+        case '4': return {SDP_TOK_IP4, 3, version};
+        case '6': return {SDP_TOK_IP6, 3, version};
+        default: return {SDP_TOK_ALPHA, 1, version};
+        }
+    }
+    if (*letter == 'X' && next == '-') {
+        return {SDP_TOK_X_DASH, 2, next};
+    }
+    return {SDP_TOK_ALPHA, 1, next};
+}
+
+// ---- Texts
+
 namespace {
 
-// Texts and their last tokens: a blank or tab, or the run behind the last of them.
+constexpr bool isSpace(uint8_t byte) {
+    return byte == ' ' || byte == '\t';
+}
+
+// A space or tab, or the run after the last of them.
 const uint8_t *lastToken(const uint8_t *from, const uint8_t *end) {
     const uint8_t *token = end - 1;
-    if (*token == ' ' || *token == '\t') {
-        return token;
-    }
-    while (token != from && token[-1] != ' ' && token[-1] != '\t') {
-        --token;
+    if (!isSpace(*token)) {
+        while (token != from && !isSpace(token[-1])) {
+            --token;
+        }
     }
     return token;
 }
@@ -117,39 +156,9 @@ void publishText() {
         from = lastToken(from, end);
         size = static_cast<uint32_t>(end - from);
     }
-    std::memcpy(state.text, from, size);
+    copyBytes(state.text, from, size);
     state.text[size] = '\0';
     takenText.from = nullptr;
-}
-
-OddStart startOddly(const uint8_t *input, const uint8_t *at, const uint8_t *behind, uint32_t odd) {
-    if ((odd & Lexer::kEnded) != 0) {
-        return {nullptr, odd};
-    }
-    const uint8_t *const next = behind <= input + 1 ? input : behind;
-    const uint8_t *const from = (odd & Lexer::kHalfCut) != 0 ? at : next;
-    const uint32_t ended = *from == '\0' ? Lexer::kEnded : 0;
-    const uint32_t repeats = from == input ? Lexer::kRepeats : 0;
-    return {from, ended | repeats | (odd & Lexer::kCallsForTexts)};
-}
-
-LetterToken cutLetter(const uint8_t *letter) {
-    const uint8_t next = letter[1];
-    if (*letter == 'I' && next == 'N') {
-        return {SDP_TOK_IN, 2, next};
-    }
-    if (*letter == 'I' && next == 'P') {
-        const uint8_t version = letter[2];
-        switch (version) {
-        case '4': return {SDP_TOK_IP4, 3, version};
-        case '6': return {SDP_TOK_IP6, 3, version};
-        default: return {SDP_TOK_ALPHA, 1, version};
-        }
-    }
-    if (*letter == 'X' && next == '-') {
-        return {SDP_TOK_X_DASH, 2, next};
-    }
-    return {SDP_TOK_ALPHA, 1, next};
 }
 
 uint32_t lineSize(const uint8_t *text) {
@@ -162,7 +171,7 @@ uint32_t lineSize(const uint8_t *text) {
 Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits) {
     uint32_t gathered = 0;
     for (; !lexer.is(SDP_TOK_LF) && !lexer.is(SDP_TOK_EOF); lexer.advance(SDP_LEXCTX_STRING)) {
-        gathered += static_cast<uint32_t>(lexer.behind - lexer.at);
+        gathered += static_cast<uint32_t>(lexer.end - lexer.at);
         if (gathered > limit) {
             fits = false;
             return lexer;
@@ -181,7 +190,7 @@ Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits) {
             return lexer;
         }
         lexer.text();
-        lexer.odd |= lexer.is(SDP_TOK_EOF) ? Lexer::kEnded : 0;
+        lexer.special |= lexer.is(SDP_TOK_EOF) ? Lexer::kEnded : 0;
     }
     fits = true;
     return lexer;

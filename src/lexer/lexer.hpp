@@ -4,7 +4,7 @@
 //
 // A parser works on a Lexer of its own, which the compiler keeps in registers. The process-wide
 // State is what the exported operations read and write; parsers that are called by their exported
-// names start from it and put back where they stopped.
+// names start from it and store where they stopped.
 #pragma once
 
 #include <cstdint>
@@ -18,44 +18,33 @@ namespace sdpline {
 
 constexpr uint32_t kTextSize = 1024; // of the token text buffer, terminator included
 
-// What a letter begins that is no line's key: "IN", "IP4", "IP6", "X-", or nothing but itself.
-struct LetterToken {
-    uint32_t kind;
-    uint8_t size;
-    uint8_t last;
-};
-
-// The token text that was taken last and has not been put into the text buffer yet: bytes of the
-// input, or a rest of line, of which the last token was taken last.
-struct TakenText {
-    const uint8_t *from; // null: the buffer holds what was taken last
-    uint32_t size;
-    static constexpr uint32_t kRestOfLine = 1u << 31; // a bit of `size`
-};
-
-// Where the next token begins, when that is not behind the current one.
-struct OddStart {
-    const uint8_t *from; // null: there is no next token
-    uint32_t odd;
+// The contexts, short.
+struct Context {
+    static constexpr uint32_t Sdp = SDP_LEXCTX_SDP;
+    static constexpr uint32_t Char = SDP_LEXCTX_CHAR;
+    static constexpr uint32_t String = SDP_LEXCTX_STRING;
+    static constexpr uint32_t Alnum = SDP_LEXCTX_ALNUM;
+    static constexpr uint32_t Token = SDP_LEXCTX_TOKEN;
+    static constexpr uint32_t Ipv6 = SDP_LEXCTX_IPV6;
 };
 
 //   o=- 2890844526 ...
-//       ^at       ^behind      kind: SDP_TOK_DIGIT, last: the blank behind the run
+//       ^at       ^end      kind: SDP_TOK_DIGIT, last: the space after the run
 struct Lexer {
     const uint8_t *input;
-    const uint8_t *at;     // the current token's first byte
-    const uint8_t *behind; // the byte behind it
+    const uint8_t *at;  // the current token's first byte
+    const uint8_t *end; // the byte after it
     uint32_t kind;
     uint32_t context;
-    uint32_t odd; // the bits below; 0 where the next token stands behind the current one
-    uint8_t last; // the byte that was classified last
+    uint32_t special; // a set of the bits below; 0 where the next token begins at `end`
+    uint8_t last;     // the byte that was classified last
 
-    // The end token was cut: it stays. Parsers never take it, so that a lexer on which nothing else
-    // is odd need not remember; leave() sees that it stands there.
+    // The end token was cut: it stays. Parsers never take it, so that a lexer without special bits
+    // need not remember; store() sees that it is current.
     static constexpr uint32_t kEnded = 1;
     // A token is under construction: the next one begins where it began.
     static constexpr uint32_t kHalfCut = 2;
-    // The token ended at offset 0 and so is taken for none, or it ends before it starts.
+    // The token ended at offset 0 and so counts as none, or it ends before it starts.
     static constexpr uint32_t kRepeats = 4;
     // memset_s is not libsipcore's: each taking of a text makes its call.
     static constexpr uint32_t kCallsForTexts = 8;
@@ -83,12 +72,12 @@ struct Lexer {
     }
 
     // The same for the token before a rest of line: its first token of the string context is known
-    // by its first byte and kind only, until takeRestOfLine() or closeText() has gone over it.
+    // by its first byte and kind only, until takeRestOfLine() or finishText() has gone over it.
     SDPLINE_INLINE bool takeToText(uint32_t wanted);
-    SDPLINE_INLINE void closeText() {
+    SDPLINE_INLINE void finishText() {
         if (kind == SDP_TOK_STRING) {
             last = *at;
-            closeString();
+            scanString();
         }
     }
 
@@ -101,44 +90,74 @@ struct Lexer {
     // afterwards. False when they are more than `limit` bytes or the input ends first.
     SDPLINE_INLINE bool takeBytesToSlash(std::string_view &bytes, uint32_t limit);
 
-    // Stands where another lexer of the same input stands. Field by field, so that each field of a
+    // Moves to where another lexer of the same input is. Field by field, so that each field of a
     // local lexer has a register of its own.
-    SDPLINE_INLINE void standAs(const Lexer &other) {
+    SDPLINE_INLINE void copyPosition(const Lexer &other) {
         at = other.at;
-        behind = other.behind;
+        end = other.end;
         kind = other.kind;
         context = other.context;
         last = other.last;
     }
 
 private:
-    // The same, and odd where that one is: but a lexer on which nothing is odd stays so.
-    SDPLINE_INLINE void standWhere(const Lexer &other) {
-        standAs(other);
-        odd = odd != 0 ? other.odd : 0;
+    // The same, with the special bits: but a lexer that has none stays without.
+    SDPLINE_INLINE void copyStop(const Lexer &other) {
+        copyPosition(other);
+        special = special != 0 ? other.special : 0;
     }
     SDPLINE_INLINE bool begin();
-    SDPLINE_INLINE void taken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
+    SDPLINE_INLINE void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
 
     SDPLINE_INLINE void close(uint32_t size, uint32_t closed) {
-        behind = at + size;
+        end = at + size;
         kind = closed;
     }
 
     // One byte, whatever it is.
     SDPLINE_INLINE void closeByte() { close(1, lexer::kBytes.kind[last]); }
 
-    SDPLINE_INLINE void closeRun(lexer::Run run, uint32_t closed);
-    SDPLINE_INLINE void closeString() { closeRun(lexer::kStringRun, SDP_TOK_STRING); }
-    SDPLINE_INLINE void closeSdp();
-    SDPLINE_INLINE void closeAlnum();
-    SDPLINE_INLINE void closeIpv6();
+    SDPLINE_INLINE void scanRun(lexer::Run run, uint32_t closed);
+    SDPLINE_INLINE void scanString() { scanRun(lexer::kStringRun, SDP_TOK_STRING); }
+    SDPLINE_INLINE void scanSdp();
+    SDPLINE_INLINE void scanAlnum();
+    SDPLINE_INLINE void scanIpv6();
     SDPLINE_INLINE void jumpTo(const uint8_t *byte);
 };
 
 namespace lexer {
 
-// The first byte that does not continue the run; the NUL behind the input continues none.
+// What a letter begins that is no line's key: "IN", "IP4", "IP6", "X-", or nothing but itself.
+struct LetterToken {
+    uint32_t kind;
+    uint8_t size;
+    uint8_t last;
+};
+LetterToken cutLetter(const uint8_t *letter);
+
+// Where the next token begins when special bits are set.
+struct SpecialStart {
+    const uint8_t *from; // null: there is no next token
+    uint32_t special;
+};
+[[gnu::cold, gnu::noinline]] SpecialStart findStart(const uint8_t *input, const uint8_t *at,
+                                                    const uint8_t *end, uint32_t special);
+
+// The token text that was taken last and is not in the text buffer yet: bytes of the input, or a
+// rest of line, of which the last token was taken last.
+struct TakenText {
+    const uint8_t *from; // null: the buffer holds what was taken last
+    uint32_t size;
+    static constexpr uint32_t kRestOfLine = 1u << 31; // a bit of `size`
+};
+extern SDPLINE_PER_THREAD TakenText takenText;
+
+// Puts a text into the text buffer with the call that each taking makes; puts the one that is noted
+// there without.
+[[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
+void publishText();
+
+// The first byte that does not continue the run; the NUL after the input continues none.
 SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run) {
     while ((kBytes.runs[*byte] & run) != 0) {
         ++byte;
@@ -155,21 +174,16 @@ SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
 // Bytes before the line end or the end of the input.
 uint32_t lineSize(const uint8_t *text);
 
-// Puts a text into the text buffer: by the calls of a lexer without tables, and without them.
-[[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
-void publishText();
+// Token by token, where a text does not fit or special bits are set.
+[[gnu::cold, gnu::noinline]] Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits);
+[[gnu::cold, gnu::noinline]] Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits);
 
-LetterToken cutLetter(const uint8_t *letter);
-OddStart startOddly(const uint8_t *input, const uint8_t *at, const uint8_t *behind, uint32_t odd);
-Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits);
-Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits);
-
-// The state behind the exported operations. Offsets count from the start of the input.
+// The state of the exported operations. Offsets count from the start of the input.
 struct State {
     const uint8_t *input;
     bool inputGone; // the input was a parse's copy, which lives no longer: nothing is read there
     uint32_t start;
-    uint32_t end;   // of the last byte, not behind it
+    uint32_t end;   // of the last byte, not after it
     uint32_t index; // bytes of a token under construction
     uint32_t kind;
     uint32_t context;
@@ -178,61 +192,20 @@ struct State {
     char text[kTextSize];
     char rtpmap[sizeof "rtpmap"];
 };
-
 extern SDPLINE_PER_THREAD State state;
-extern SDPLINE_PER_THREAD TakenText takenText;
 
-// A lexer that stands where the state stands, and the state put where a lexer stands.
-Lexer enter();
-void leave(const Lexer &lexer);
+// A lexer at the state's position, and the state put to where a lexer is.
+Lexer load();
+void store(const Lexer &lexer);
+// A lexer before the first token of an input, and the state with it.
+Lexer begin(const uint8_t *input);
+// The positions back to the start.
+void clear();
 
 } // namespace lexer
 
-// Runs a parser on the process-wide state. A log hook that decodes another body leaves another
-// input there.
-template <class Parse>
-SDPResult onState(Parse parse) {
-    const uint8_t *const input = lexer::state.input;
-    Lexer lexer = lexer::enter();
-    const SDPResult result = parse(lexer);
-    lexer::state.input = input;
-    lexer::leave(lexer);
-    return result;
-}
-
-// Where a parser stopped, and its result.
-struct Stop {
-    Lexer lexer;
-    SDPResult result;
-};
-
-// The same parser where the next token may begin oddly.
-template <auto Parse, class... Arguments>
-[[gnu::cold, gnu::noinline]] Stop inMemory(Lexer lexer, Arguments &...arguments) {
-    const SDPResult result = Parse(lexer, arguments...);
-    return {lexer, result};
-}
-
-// Runs a parser that is inlined as a whole on a copy of the lexer: nothing else knows the copy's
-// address, so it lives in registers, and nothing odd is looked for.
-template <auto Parse, class... Arguments>
-SDPLINE_INLINE SDPResult inRegisters(Lexer &lexer, Arguments &...arguments) {
-    if (lexer.odd != 0) [[unlikely]] {
-        const Stop stop = inMemory<Parse>(lexer, arguments...);
-        lexer = stop.lexer;
-        return stop.result;
-    }
-    Lexer copy;
-    copy.input = lexer.input;
-    copy.odd = 0;
-    copy.standAs(lexer);
-    const SDPResult result = Parse(copy, arguments...);
-    lexer.standAs(copy);
-    return result;
-}
-
-inline void Lexer::taken(const uint8_t *from, uint32_t size, uint32_t flags) {
-    if ((odd & kCallsForTexts) != 0) [[unlikely]] {
+inline void Lexer::noteTaken(const uint8_t *from, uint32_t size, uint32_t flags) {
+    if ((special & kCallsForTexts) != 0) [[unlikely]] {
         return lexer::takeText(from, size);
     }
     lexer::takenText.from = from;
@@ -240,20 +213,20 @@ inline void Lexer::taken(const uint8_t *from, uint32_t size, uint32_t flags) {
 }
 
 inline std::string_view Lexer::text() {
-    const auto size = static_cast<uint32_t>(behind - at);
+    const auto size = static_cast<uint32_t>(end - at);
     if (size >= kTextSize) [[unlikely]] {
         return {};
     }
-    taken(at, size);
+    noteTaken(at, size);
     return {reinterpret_cast<const char *>(at), size};
 }
 
 // Moves to the next token's first byte; false when there is none.
 inline bool Lexer::begin() {
-    const uint8_t *from = behind;
-    if (odd != 0) [[unlikely]] {
-        const OddStart start = lexer::startOddly(input, at, behind, odd);
-        odd = start.odd;
+    const uint8_t *from = end;
+    if (special != 0) [[unlikely]] {
+        const lexer::SpecialStart start = lexer::findStart(input, at, end, special);
+        special = start.special;
         if (start.from == nullptr) {
             return false;
         }
@@ -269,17 +242,17 @@ inline void Lexer::advance(uint32_t under) {
         return;
     }
     switch (under) {
-    case SDP_LEXCTX_SDP: return closeSdp();
-    case SDP_LEXCTX_CHAR: return closeByte();
-    case SDP_LEXCTX_STRING: return closeString();
-    case SDP_LEXCTX_TOKEN: return closeRun(lexer::kTokenRun, SDP_TOK_TOKEN);
-    case SDP_LEXCTX_ALNUM: return closeAlnum();
-    default: return closeIpv6();
+    case Context::Sdp: return scanSdp();
+    case Context::Char: return closeByte();
+    case Context::String: return scanString();
+    case Context::Token: return scanRun(lexer::kTokenRun, SDP_TOK_TOKEN);
+    case Context::Alnum: return scanAlnum();
+    default: return scanIpv6();
     }
 }
 
 inline bool Lexer::takeToText(uint32_t wanted) {
-    context = SDP_LEXCTX_STRING;
+    context = Context::String;
     if (kind != wanted) {
         return false;
     }
@@ -292,19 +265,19 @@ inline bool Lexer::takeToText(uint32_t wanted) {
     return true;
 }
 
-// The run that the first byte begins, or that byte alone; the byte behind a run is the one
+// The run that the first byte begins, or that byte alone; the byte after a run is the one
 // classified last.
-inline void Lexer::closeRun(lexer::Run run, uint32_t closed) {
+inline void Lexer::scanRun(lexer::Run run, uint32_t closed) {
     if ((lexer::kBytes.runs[last] & run) == 0) {
         return closeByte();
     }
-    behind = lexer::runEnd(at + 1, run);
-    last = lexer::readAnew(behind);
+    end = lexer::runEnd(at + 1, run);
+    last = lexer::readAnew(end);
     kind = closed;
 }
 
 // A line's key, a keyword of letters, or one byte.
-inline void Lexer::closeSdp() {
+inline void Lexer::scanSdp() {
     const uint32_t key = lexer::kLineKinds[last];
     if (key != 0 && at[1] == '=') {
         last = '=';
@@ -312,25 +285,25 @@ inline void Lexer::closeSdp() {
     } else if (lexer::kBytes.kind[last] != SDP_TOK_ALPHA) {
         closeByte();
     } else {
-        const LetterToken token = lexer::cutLetter(at);
+        const lexer::LetterToken token = lexer::cutLetter(at);
         last = token.last;
         close(token.size, token.kind);
     }
 }
 
-inline void Lexer::closeAlnum() {
+inline void Lexer::scanAlnum() {
     switch (lexer::kBytes.kind[last]) {
-    case SDP_TOK_DIGIT: return closeRun(lexer::kDigitRun, SDP_TOK_DIGIT);
-    case SDP_TOK_ALPHA: return closeRun(lexer::kLetterRun, SDP_TOK_ALPHA);
-    case SDP_TOK_MINUS: return closeRun(lexer::kMinusRun, SDP_TOK_MINUS);
+    case SDP_TOK_DIGIT: return scanRun(lexer::kDigitRun, SDP_TOK_DIGIT);
+    case SDP_TOK_ALPHA: return scanRun(lexer::kLetterRun, SDP_TOK_ALPHA);
+    case SDP_TOK_MINUS: return scanRun(lexer::kMinusRun, SDP_TOK_MINUS);
     default: return closeByte();
     }
 }
 
-// The kind of such a run is that of its last byte: an address that ends in "." is told by it.
-inline void Lexer::closeIpv6() {
-    closeRun(lexer::kIpv6Run, SDP_TOK_ALPHA);
-    kind = lexer::kBytes.kind[behind[-1]];
+// The kind of such a run is that of its last byte: it tells an address that ends in ".".
+inline void Lexer::scanIpv6() {
+    scanRun(lexer::kIpv6Run, SDP_TOK_ALPHA);
+    kind = lexer::kBytes.kind[end[-1]];
 }
 
 // Makes one byte the current token.
@@ -343,16 +316,16 @@ inline void Lexer::jumpTo(const uint8_t *byte) {
 inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
     const uint32_t size = lexer::lineSize(at);
     rest = {reinterpret_cast<const char *>(at), size};
-    if (size <= limit && odd == 0) [[likely]] {
+    if (size <= limit && special == 0) [[likely]] {
         if (size != 0) {
-            taken(at, size, TakenText::kRestOfLine);
+            noteTaken(at, size, lexer::TakenText::kRestOfLine);
             jumpTo(at + size);
         }
         return true;
     }
-    closeText();
+    finishText();
     bool fits = false;
-    standWhere(lexer::gatherTokens(*this, limit, fits));
+    copyStop(lexer::gatherTokens(*this, limit, fits));
     return fits;
 }
 
@@ -360,13 +333,13 @@ inline bool Lexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
     const uint8_t *const byte = lexer::runEnd(at, lexer::kNameRun);
     const auto size = static_cast<uint32_t>(byte - at);
     bytes = {reinterpret_cast<const char *>(at), size};
-    if (odd != 0 || size > limit || *byte == '\0') [[unlikely]] {
+    if (special != 0 || size > limit || *byte == '\0') [[unlikely]] {
         bool fits = false;
-        standWhere(lexer::gatherToSlash(*this, limit, fits));
+        copyStop(lexer::gatherToSlash(*this, limit, fits));
         return fits;
     }
     if (size != 0) {
-        taken(byte - 1, 1);
+        noteTaken(byte - 1, 1);
         jumpTo(byte);
     }
     return true;

@@ -1,251 +1,222 @@
-// The a= lines: the list, the name, and the dispatch on it; text values and attributes that the
-// table of names does not know.
-#include "tables/attributes.hpp"
-#include "parser/parser.hpp"
+// The a= lines: the list, the name, and the shape of the value that goes with it; text values, and
+// attributes that the table does not know.
+#include "parser/attributes.hpp"
+
+#include <algorithm>
+#include <array>
 
 namespace sdpline {
 
 namespace {
 
-constexpr uint32_t kWorkSize = SDP_MAX_VALUE + 1;
-
-// A T.38 flag: ":" and a number, or nothing, which says yes.
-SDPLINE_INLINE SDPResult parseFaxFlag(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    if (lexer.is(SDP_TOK_COLON)) {
-        return parseFaxNumber(lexer, attr, type);
+// The names that are known in any letter case.
+constexpr auto anyCase = [](const AttributeRow &row) { return row.has(kAnyCase); };
+constexpr auto kAnyCaseNames = [] {
+    std::array<KeywordRow, std::ranges::count_if(kAttributes, anyCase)> names{};
+    size_t next = 0;
+    for (const AttributeRow &row : kAttributes) {
+        if (anyCase(row)) {
+            names[next++] = {row.bareName(), row.type};
+        }
     }
-    attr.ulAttrType = type;
-    attr.unAttrValue.ulValue = 1;
-    return takeLineEnd(lexer, Check::AttrFlagEnd);
-}
+    return names;
+}();
 
 struct NameChecks {
     Check alloc;
     Check store;
 };
 
-SDPResult keepName(SDPAttr &attr, std::string_view name, NameChecks checks) {
+bool storeName(Parser &p, SDPAttr &attr, std::string_view name, NameChecks checks,
+               uint32_t line = __builtin_LINE()) {
     auto *const text = allocate<SipString>(row(checks.alloc).function);
     attr.pstAttrName = text;
-    if (text == nullptr) {
-        return fail(checks.alloc);
-    }
-    return storeText(*text, name) == 0 ? 0 : fail(checks.store);
-}
-
-SDPResult keepFlag(SDPAttr &attr, std::string_view name) {
-    attr.ulAttrType = SDP_ATTR_UNREC_NOVALUE;
-    return keepName(attr, name, {Check::UnrecFlagNameAlloc, Check::UnrecFlagNameStore});
-}
-
-// ":" value, entered on the colon; the value is at most `limit` bytes
-SDPLINE_INLINE SDPResult keepValue(Lexer &lexer, SDPAttr &attr, std::string_view name,
-                                   uint32_t limit, std::string_view &value) {
-    lexer.takeToText(SDP_TOK_COLON);
-    if (lexer.is(SDP_TOK_LF)) {
-        return fail(Check::UnrecEmpty);
-    }
-    if (const SDPResult result =
-            keepName(attr, name, {Check::UnrecNameAlloc, Check::UnrecNameStore})) {
-        lexer.closeText();
-        return result;
-    }
-    if (lexer.inputEnds()) {
-        return fail(Check::UnrecEnded);
-    }
-    if (!lexer.takeRestOfLine(value, limit)) {
-        return fail(Check::UnrecTooLong);
-    }
-    return storeText(attr.unAttrValue.strValue, value) == 0 ? 0 : fail(Check::UnrecStore);
-}
-
-// [ ":" value ] LF
-SDPLINE_INLINE SDPResult keepUnrecognised(Lexer &lexer, SDPAttr &attr, std::string_view name) {
-    attr.ulAttrType = SDP_ATTR_UNREC_VALUE;
-    lexer.context = SDP_LEXCTX_STRING;
-    std::string_view value;
-    if (const SDPResult result = lexer.is(SDP_TOK_COLON)
-                                     ? keepValue(lexer, attr, name, SDP_MAX_VALUE, value)
-                                     : keepFlag(attr, name)) {
-        return result;
-    }
-    return takeLineEnd(lexer, Check::UnrecEnd);
-}
-
-// The words that are known in any letter case, by type.
-SDPLINE_INLINE SDPResult parseModeWord(Lexer &lexer, SDPAttr &attr, std::string_view name) {
-    constexpr Word modes[] = {
-        {"fax", SDP_ATTR_FAX},
-        {"modem", SDP_ATTR_MODEM},
-        {"X-fax", SDP_ATTR_X_FAX},
-        {"X-modem", SDP_ATTR_X_MODEM},
-    };
-    for (const Word &mode : modes) {
-        if (equalIgnoringCase(mode.text, name)) {
-            return parseMode(lexer, attr, mode.code);
-        }
-    }
-    return keepUnrecognised(lexer, attr, name);
-}
-
-// ":" 1*1023<any byte but LF> LF
-SDPLINE_INLINE SDPResult otherValue(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    attr.ulAttrType = type;
-    if (!lexer.takeToText(SDP_TOK_COLON)) {
-        return fail(Check::ValueColon);
-    }
-    if (lexer.is(SDP_TOK_LF)) {
-        return fail(Check::ValueEmpty);
-    }
-    if (lexer.inputEnds()) {
-        return fail(Check::ValueEnded);
-    }
-    std::string_view value;
-    if (!lexer.takeRestOfLine(value, SDP_MAX_VALUE)) {
-        return fail(Check::ValueTooLong);
-    }
-    if (storeText(attr.unAttrValue.strValue, value) != 0) {
-        return fail(Check::ValueStore);
-    }
-    return takeLineEnd(lexer, Check::ValueEnd);
-}
-
-SDPResult parseOtherValue(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<otherValue>(lexer, attr, type);
-}
-
-SDPLINE_INLINE SDPResult parseValue(Lexer &lexer, SDPAttr &attr, std::string_view name,
-                                    uint32_t type) {
-    switch (type) {
-    case SDP_ATTR_RTPMAP: return parseRtpmap(lexer, attr, type);
-    case SDP_ATTR_SENDRECV:
-    case SDP_ATTR_SENDONLY:
-    case SDP_ATTR_RECVONLY:
-    case SDP_ATTR_INACTIVE:
-    case SDP_ATTR_FAX:
-    case SDP_ATTR_MODEM:
-    case SDP_ATTR_X_FAX:
-    case SDP_ATTR_X_MODEM: return parseMode(lexer, attr, type);
-    case SDP_ATTR_PTIME:
-    case SDP_ATTR_MAXPTIME:
-    case SDP_ATTR_FRAMERATE: return parsePacketization(lexer, attr, type);
-    case SDP_ATTR_FMTP:
-    case SDP_ATTR_CAT:
-    case SDP_ATTR_KEYWDS:
-    case SDP_ATTR_TOOL:
-    case SDP_ATTR_ORIENT:
-    case SDP_ATTR_TYPE:
-    case SDP_ATTR_CHARSET:
-    case SDP_ATTR_SDPLANG:
-    case SDP_ATTR_LANG: return parseOtherValue(lexer, attr, type);
-    case SDP_ATTR_QUALITY: return parseQuality(lexer, attr, type);
-    case SDP_ATTR_T38_FAX_VERSION:
-    case SDP_ATTR_T38_MAX_BIT_RATE:
-    case SDP_ATTR_T38_MAX_BUFFER:
-    case SDP_ATTR_T38_MAX_DATAGRAM: return parseFaxNumber(lexer, attr, type);
-    case SDP_ATTR_T38_FILL_BIT_REMOVAL:
-    case SDP_ATTR_T38_TRANSCODING_MMR:
-    case SDP_ATTR_T38_TRANSCODING_JBIG: return parseFaxFlag(lexer, attr, type);
-    case SDP_ATTR_T38_RATE_MANAGEMENT: return parseFaxRate(lexer, attr, type);
-    case SDP_ATTR_T38_UDP_EC: return parseFaxErrorCorrection(lexer, attr, type);
-    case SDP_ATTR_SILENCE_SUPP: return parseSilence(lexer, attr, type);
-    case SDP_ATTR_ECAN: return parseEcan(lexer, attr, type);
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF: return parseResourceStatus(lexer, attr, type);
-    case SDP_ATTR_IPBCP: return parseIpBcp(lexer, attr);
-    case SDP_ATTR_SETUP: return parseSetup(lexer, attr, type);
-    default: return parseModeWord(lexer, attr, name);
-    }
-}
-
-// a= name
-SDPLINE_INLINE SDPResult attributeName(Lexer &lexer, std::string_view &name) {
-    if (!lexer.take(SDP_TOK_ATTRIBUTE, SDP_LEXCTX_TOKEN)) {
-        return fail(Check::AttrLine);
-    }
-    return takeWord(lexer, name, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
-                    {Check::AttrName, Check::AttrNameText});
-}
-
-// a= name [ ":" value ] LF
-SDPLINE_INLINE SDPResult attributeField(Lexer &lexer, SDPAttr &attr) {
-    std::string_view name;
-    if (const SDPResult result = attributeName(lexer, name)) {
-        return result;
-    }
-    return parseValue(lexer, attr, name, attributeType(name));
-}
-
-// 1*attribute-field
-SDPLINE_INLINE SDPResult attributeFields(Lexer &lexer, SDPAttrList &list) {
-    constexpr ListChecks checks = {Check::AttrArrayAlloc, Check::AttrAlloc, Check::AttrGrow};
-    uint32_t count = 0;
-    if (const SDPResult result = parseList<SDPAttr>(
-            lexer, count, checks, [&](SDPAttr **attrs) { list.ppstAttrs = attrs; }, attributeField,
-            [](const Lexer &at) { return at.is(SDP_TOK_ATTRIBUTE); })) {
-        return result;
-    }
-    list.ulNoOfAttrs = count;
-    return 0;
-}
-
-SDPResult parseAttribute(Lexer &lexer, SDPAttr &attr) {
-    return inRegisters<attributeField>(lexer, attr);
+    return text != nullptr ? store(p, *text, name, checks.store, line)
+                           : p.refuse(checks.alloc, 0, line);
 }
 
 } // namespace
 
-// Most of a body is attributes: the parsers of their values are inlined here.
-[[gnu::flatten]] SDPResult parseAttributes(Lexer &lexer, SDPAttrList &list) {
-    return inRegisters<attributeFields>(lexer, list);
+bool keepName(Parser &p, SDPAttr &attr, std::string_view name) {
+    attr.ulAttrType = SDP_ATTR_UNREC_NOVALUE;
+    return storeName(p, attr, name, {Check::UnrecFlagNameAlloc, Check::UnrecFlagNameStore});
+}
+
+// ":" value, entered on the colon; the value is at most `limit` bytes
+bool keepNamedText(Parser &p, SDPAttr &attr, std::string_view name, uint32_t limit,
+                   std::string_view &value) {
+    p.takeToText(SDP_TOK_COLON);
+    if (p.is(SDP_TOK_LF)) {
+        return p.refuse(Check::UnrecEmpty);
+    }
+    if (!storeName(p, attr, name, {Check::UnrecNameAlloc, Check::UnrecNameStore})) {
+        p.finishText();
+        return false;
+    }
+    if (p.inputEnds()) {
+        return p.refuse(Check::UnrecEnded);
+    }
+    if (!p.takeRestOfLine(value, limit)) {
+        return p.refuse(Check::UnrecTooLong);
+    }
+    return store(p, attr.unAttrValue.strValue, value, Check::UnrecStore);
+}
+
+// [ ":" value ] LF
+bool keepUnrecognised(Parser &p, SDPAttr &attr, std::string_view name) {
+    attr.ulAttrType = SDP_ATTR_UNREC_VALUE;
+    p.under(Context::String);
+    std::string_view value;
+    return (p.is(SDP_TOK_COLON) ? keepNamedText(p, attr, name, SDP_MAX_VALUE, value)
+                                : keepName(p, attr, name)) &&
+           p.endLine(Check::UnrecEnd);
+}
+
+// A name that the table has in no letter case, or in any
+bool parseOther(Parser &p, SDPAttr &attr, std::string_view name) {
+    for (const KeywordRow &known : kAnyCaseNames) {
+        if (equalIgnoringCase(known.text, name)) {
+            return parseFlag(p, attr, known.code);
+        }
+    }
+    return keepUnrecognised(p, attr, name);
+}
+
+// ":" 1*1023<any byte but LF> LF
+bool parseTextValue(Parser &p, SDPAttr &attr, uint32_t type) {
+    attr.ulAttrType = type;
+    if (!p.takeToText(SDP_TOK_COLON)) {
+        return p.refuse(Check::ValueColon);
+    }
+    if (p.is(SDP_TOK_LF)) {
+        return p.refuse(Check::ValueEmpty);
+    }
+    if (p.inputEnds()) {
+        return p.refuse(Check::ValueEnded);
+    }
+    std::string_view value;
+    if (!p.takeRestOfLine(value, SDP_MAX_VALUE)) {
+        return p.refuse(Check::ValueTooLong);
+    }
+    return store(p, attr.unAttrValue.strValue, value, Check::ValueStore) &&
+           p.endLine(Check::ValueEnd);
+}
+
+namespace {
+
+// What reads a value: its shape, told apart where the checks or the rules of the rows differ.
+enum class Reader : uint8_t {
+    Other,
+    Flag,
+    PacketNumber,
+    Quality,
+    FaxNumber,
+    Switch,
+    FaxRate,
+    FaxErrorCorrection,
+    Setup,
+    Text,
+    RtpMap,
+    SilenceSupp,
+    Ecan,
+    IpBcp,
+    Precondition
+};
+
+constexpr Reader numberReader(const AttributeRow &row) {
+    if (row.has(kPacketChecks)) {
+        return Reader::PacketNumber;
+    }
+    return row.has(kQualityChecks) ? Reader::Quality : Reader::FaxNumber;
+}
+
+constexpr Reader keywordReader(const AttributeRow &row) {
+    if (row.has(kRestOfLine)) {
+        return Reader::Setup;
+    }
+    return row.type == SDP_ATTR_T38_UDP_EC ? Reader::FaxErrorCorrection : Reader::FaxRate;
+}
+
+constexpr Reader readerOf(const AttributeRow &row) {
+    switch (row.shape) {
+    case Shape::Flag:
+    case Shape::Direction: return Reader::Flag;
+    case Shape::Number:
+    case Shape::Decimal: return numberReader(row);
+    case Shape::Switch: return Reader::Switch;
+    case Shape::Keyword: return keywordReader(row);
+    case Shape::Text: return Reader::Text;
+    case Shape::RtpMap: return Reader::RtpMap;
+    case Shape::SilenceSupp: return Reader::SilenceSupp;
+    case Shape::Ecan: return Reader::Ecan;
+    case Shape::IpBcp: return Reader::IpBcp;
+    case Shape::Precondition: return Reader::Precondition;
+    case Shape::None:
+    case Shape::NamedText:
+    case Shape::NameOnly: break;
+    }
+    return Reader::Other;
+}
+
+constexpr auto kReaders = [] {
+    std::array<Reader, kAttributes.size()> readers{};
+    std::ranges::transform(kAttributes, readers.begin(), readerOf);
+    return readers;
+}();
+
+} // namespace
+
+// [ ":" value ] LF
+bool parseValue(Parser &p, SDPAttr &attr, std::string_view name, uint32_t type) {
+    switch (type <= kLastAttribute ? kReaders[type] : Reader::Other) {
+    case Reader::Flag: return parseFlag(p, attr, type);
+    case Reader::PacketNumber: return parsePacketNumber(p, attr, type);
+    case Reader::Quality: return parseQuality(p, attr, type);
+    case Reader::FaxNumber: return parseFaxNumber(p, attr, type);
+    case Reader::Switch: return parseSwitch(p, attr, type);
+    case Reader::FaxRate: return parseFaxRate(p, attr, type);
+    case Reader::FaxErrorCorrection: return parseFaxErrorCorrection(p, attr, type);
+    case Reader::Setup: return parseSetup(p, attr, type);
+    case Reader::Text: return parseTextValue(p, attr, type);
+    case Reader::RtpMap: return parseRtpmap(p, attr, type);
+    case Reader::SilenceSupp: return parseSilenceSupp(p, attr, type);
+    case Reader::Ecan: return parseEcan(p, attr, type);
+    case Reader::IpBcp: return parseIpBcp(p, attr);
+    case Reader::Precondition: return parsePrecondition(p, attr, type);
+    case Reader::Other: break;
+    }
+    return parseOther(p, attr, name);
+}
+
+namespace {
+
+// a= name [ ":" value ] LF
+SDPLINE_INLINE bool attribute(Parser &p, SDPAttr &attr) {
+    std::string_view name;
+    return p.expect(SDP_TOK_ATTRIBUTE, Context::Token, Check::AttrLine) &&
+           p.read(name, SDP_TOK_TOKEN, {Check::AttrName, Check::AttrNameText}) &&
+           p.next(Context::Token) && parseValue(p, attr, name, attributeType(name));
+}
+
+// 1*attribute
+SDPLINE_INLINE bool attributes(Parser &parser, SDPAttrList &list) {
+    return parseList<SDPAttr, uint32_t>(
+        parser, {Check::AttrArrayAlloc, Check::AttrAlloc, Check::AttrGrow},
+        [&](SDPAttr **attrs) { list.ppstAttrs = attrs; },
+        [](Parser &p, SDPAttr &attr) SDPLINE_INLINE_LAMBDA { return attribute(p, attr); },
+        [](const Parser &p) { return p.is(SDP_TOK_ATTRIBUTE); },
+        [&](uint32_t count) { list.ulNoOfAttrs = count; });
+}
+
+} // namespace
+
+bool parseAttribute(Parser &parser, SDPAttr &attr) {
+    return attribute(parser, attr);
+}
+
+// Most of a body is attributes: their values are parsed in one function, in registers.
+[[gnu::flatten]] bool parseAttributes(Parser &parser, SDPAttrList &list) {
+    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA { return attributes(p, list); });
 }
 
 } // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-SDPResult sdpAttributeFields(SDPAttrList *pstList) {
-    return onState([=](Lexer &lexer) { return parseAttributes(lexer, *pstList); });
-}
-
-SDPResult sdpAttributeField(SDPAttr *pstAttr) {
-    return onState([=](Lexer &lexer) { return parseAttribute(lexer, *pstAttr); });
-}
-
-SDPResult sdpAttributeFieldType(SDPAttr *pstAttr, const char *pcName, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseValue(lexer, *pstAttr, pcName, enType); });
-}
-
-SDPResult sdpAttributeFieldDataSink(SDPAttr *pstAttr, const char *pcName) {
-    return onState([=](Lexer &lexer) { return parseModeWord(lexer, *pstAttr, pcName); });
-}
-
-SDPResult sdpOtherRecAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseOtherValue(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpUnRecAttr(const char *pcName, SDPAttr *pstAttr) {
-    return onState([=](Lexer &lexer) { return keepUnrecognised(lexer, *pstAttr, pcName); });
-}
-
-SDPResult sdpUnRecAttrTypeExtn(const char *pcName, SDPAttr *pstAttr, char *pcBuffer,
-                               uint32_t ulSize) {
-    std::string_view value;
-    const uint32_t room = ulSize < kWorkSize ? ulSize : kWorkSize;
-    const SDPResult result = onState([&](Lexer &lexer) {
-        return keepValue(lexer, *pstAttr, pcName, room == 0 ? 0 : room - 1, value);
-    });
-    if (result == 0 && room != 0) {
-        pcBuffer[value.copy(pcBuffer, room - 1)] = '\0';
-    }
-    return result;
-}
-
-SDPResult sdpUnRecAttrTypeNoVal(const char *pcName, SDPAttr *pstAttr) {
-    return keepFlag(*pstAttr, pcName);
-}
-
-} // extern "C"

@@ -1,5 +1,5 @@
 // The c= line: numeric addresses only, kept as bytes in network order.
-#include "parser/parser.hpp"
+#include "parser/connection.hpp"
 
 namespace sdpline {
 
@@ -11,7 +11,29 @@ constexpr bool octetFits(uint32_t value) {
     return static_cast<int32_t>(value) <= 255;
 }
 
-SDPLINE_INLINE SDPResult addressType(SDPConnection &connection, uint32_t kind) {
+struct OctetChecks {
+    WordChecks digits;
+    Check range;
+};
+
+// 1*DIGIT
+SDPLINE_INLINE bool octet(Parser &p, uint8_t &byte, OctetChecks checks,
+                          uint32_t line = __builtin_LINE()) {
+    std::string_view digits;
+    if (!p.read(digits, SDP_TOK_DIGIT, checks.digits, line)) {
+        return false;
+    }
+    const uint32_t value = scanNumber(digits);
+    if (!octetFits(value)) {
+        return p.refuse(checks.range, 0, line);
+    }
+    byte = static_cast<uint8_t>(value);
+    return p.next(Context::Alnum);
+}
+
+} // namespace
+
+SDPResult addressType(SDPConnection &connection, uint32_t kind) {
     if (kind != SDP_TOK_IP4 && kind != SDP_TOK_IP6) {
         return fail(Check::ConnAddrType);
     }
@@ -20,141 +42,89 @@ SDPLINE_INLINE SDPResult addressType(SDPConnection &connection, uint32_t kind) {
     return 0;
 }
 
-// 3( 1*DIGIT "." ) 1*DIGIT, behind the blank that is still current
-SDPLINE_INLINE SDPResult ipv4Address(Lexer &lexer, SDPConnection &connection) {
-    lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM);
+// 3( 1*DIGIT "." ) 1*DIGIT, after the space that is still current
+bool parseIpv4(Parser &p, SDPConnection &connection) {
+    p.take(SDP_TOK_SPACE, Context::Alnum);
     connection.stTptAddr.enTptAddrType = SDP_TPTADDR_IPV4;
     uint8_t *const octets = connection.stTptAddr.unTptAddr.aucIpv4;
-    uint32_t value = 0;
     for (uint32_t i = 0; i < 3; ++i) {
-        if (const SDPResult result =
-                readNumber(lexer, value, {Check::ConnOctet, Check::ConnOctetText})) {
-            return result;
-        }
-        if (!octetFits(value)) {
-            return fail(Check::ConnOctetRange);
-        }
-        octets[i] = static_cast<uint8_t>(value);
-        lexer.take(SDP_TOK_DIGIT, SDP_LEXCTX_ALNUM);
-        if (!lexer.take(SDP_TOK_DOT, SDP_LEXCTX_ALNUM)) {
-            return fail(Check::ConnOctetDot);
+        if (!octet(p, octets[i],
+                   {{Check::ConnOctet, Check::ConnOctetText}, Check::ConnOctetRange}) ||
+            !p.expect(SDP_TOK_DOT, Context::Alnum, Check::ConnOctetDot)) {
+            return false;
         }
     }
-    if (const SDPResult result =
-            readNumber(lexer, value, {Check::ConnLastOctet, Check::ConnLastOctetText})) {
-        return result;
-    }
-    if (!octetFits(value)) {
-        return fail(Check::ConnLastOctetRange);
-    }
-    octets[3] = static_cast<uint8_t>(value);
-    lexer.take(SDP_TOK_DIGIT, SDP_LEXCTX_ALNUM);
-    return 0;
+    return octet(p, octets[3],
+                 {{Check::ConnLastOctet, Check::ConnLastOctetText}, Check::ConnLastOctetRange});
 }
 
-// One run of letters, digits, ":" and ".", behind the blank that is still current
-SDPLINE_INLINE SDPResult ipv6Address(Lexer &lexer, SDPConnection &connection) {
-    lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_IPV6);
-    const uint32_t kind = lexer.kind;
-    if (kind != SDP_TOK_DIGIT && kind != SDP_TOK_ALPHA && kind != SDP_TOK_COLON) {
-        return fail(Check::ConnIpv6Kind);
+// One run of letters, digits, ":" and ".", after the space that is still current
+bool parseIpv6(Parser &p, SDPConnection &connection) {
+    p.take(SDP_TOK_SPACE, Context::Ipv6);
+    if (!p.is(SDP_TOK_DIGIT) && !p.is(SDP_TOK_ALPHA) && !p.is(SDP_TOK_COLON)) {
+        return p.refuse(Check::ConnIpv6Kind);
     }
-    const std::string_view text = lexer.text();
+    const std::string_view text = p.text();
     if (text.data() == nullptr) {
-        return fail(Check::ConnIpv6Text);
+        return p.refuse(Check::ConnIpv6Text);
     }
     connection.stTptAddr.enTptAddrType = SDP_TPTADDR_IPV6;
-    if (const SDPResult result =
-            SdpLoadIpV6StringToArray(text.data(), static_cast<uint32_t>(text.size()),
-                                     connection.stTptAddr.unTptAddr.aucIpv6)) {
-        return passUp(Check::ConnIpv6Refused, result);
+    const SDPResult result = SdpLoadIpV6StringToArray(
+        text.data(), static_cast<uint32_t>(text.size()), connection.stTptAddr.unTptAddr.aucIpv6);
+    if (result != 0) {
+        return p.accept(logAndForward(Check::ConnIpv6Refused, result));
     }
-    lexer.take(kind, SDP_LEXCTX_ALNUM);
-    return 0;
+    return p.next(Context::Alnum);
 }
 
 // [ "/" ttl [ "/" count ] ]
-SDPLINE_INLINE SDPResult ttlAndCount(Lexer &lexer, SDPConnection &connection) {
-    if (!lexer.is(SDP_TOK_SLASH)) {
+bool parseTtlAndCount(Parser &p, SDPConnection &connection) {
+    if (!p.is(SDP_TOK_SLASH)) {
         connection.ulTtl = SDP_NOT_GIVEN;
         connection.ulNoOfAddrs = SDP_NOT_GIVEN;
-        return 0;
+        return true;
     }
-    lexer.take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM);
-    if (const SDPResult result = takeNumber(lexer, connection.ulTtl, SDP_LEXCTX_ALNUM,
-                                            {Check::ConnTtl, Check::ConnTtlText})) {
-        return result;
+    p.next(Context::Alnum);
+    if (!p.number(connection.ulTtl, {Check::ConnTtl, Check::ConnTtlText})) {
+        return false;
     }
-    if (!lexer.take(SDP_TOK_SLASH, SDP_LEXCTX_ALNUM)) {
+    if (!p.take(SDP_TOK_SLASH, Context::Alnum)) {
         connection.ulNoOfAddrs = SDP_NOT_GIVEN;
-        return 0;
+        return true;
     }
-    return takeNumber(lexer, connection.ulNoOfAddrs, SDP_LEXCTX_ALNUM,
-                      {Check::ConnCount, Check::ConnCountText});
+    return p.number(connection.ulNoOfAddrs, {Check::ConnCount, Check::ConnCountText});
 }
 
-// c= "IN" SP ( "IP4" / "IP6" ) SP address [ "/" ttl [ "/" count ] ] LF
-SDPLINE_INLINE SDPResult connectionField(Lexer &lexer, SDPConnection &connection) {
-    if (!lexer.take(SDP_TOK_CONNECTION, SDP_LEXCTX_SDP)) {
-        return fail(Check::ConnLine);
-    }
-    if (!lexer.is(SDP_TOK_IN)) {
-        return fail(Check::ConnNetType);
+namespace {
+
+// "IN" SP
+SDPLINE_INLINE bool networkType(Parser &p, SDPConnection &connection) {
+    if (!p.see(SDP_TOK_IN, Check::ConnNetType)) {
+        return false;
     }
     connection.stNetType.enNetType = SDP_NETTYPE_IN;
     connection.stNetType.pstrOtherNetType = nullptr;
-    lexer.take(SDP_TOK_IN, SDP_LEXCTX_SDP);
-    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_SDP)) {
-        return fail(Check::ConnNetTypeBlank);
-    }
-    const uint32_t family = lexer.kind;
-    if (const SDPResult result = addressType(connection, family)) {
-        return result;
-    }
-    lexer.take(family, SDP_LEXCTX_ALNUM);
-    if (!lexer.is(SDP_TOK_SPACE)) {
-        return fail(Check::ConnAddrTypeBlank);
-    }
-    if (const SDPResult result = family == SDP_TOK_IP4 ? ipv4Address(lexer, connection)
-                                                       : ipv6Address(lexer, connection)) {
-        return result;
-    }
-    if (const SDPResult result = ttlAndCount(lexer, connection)) {
-        return result;
-    }
-    return takeLineEnd(lexer, Check::ConnEnd);
+    p.next(Context::Sdp);
+    return p.expect(SDP_TOK_SPACE, Context::Sdp, Check::ConnNetTypeBlank);
+}
+
+// ( "IP4" / "IP6" ) SP address
+SDPLINE_INLINE bool address(Parser &p, SDPConnection &connection) {
+    const uint32_t family = p.kind;
+    return p.accept(addressType(connection, family)) && p.next(Context::Alnum) &&
+           p.see(SDP_TOK_SPACE, Check::ConnAddrTypeBlank) &&
+           (family == SDP_TOK_IP4 ? parseIpv4(p, connection) : parseIpv6(p, connection));
 }
 
 } // namespace
 
-SDPResult parseConnection(Lexer &lexer, SDPConnection &connection) {
-    return inRegisters<connectionField>(lexer, connection);
+// c= "IN" SP ( "IP4" / "IP6" ) SP address [ "/" ttl [ "/" count ] ] LF
+[[gnu::flatten]] bool parseConnection(Parser &parser, SDPConnection &connection) {
+    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+        return p.expect(SDP_TOK_CONNECTION, Context::Sdp, Check::ConnLine) &&
+               networkType(p, connection) && address(p, connection) &&
+               parseTtlAndCount(p, connection) && p.endLine(Check::ConnEnd);
+    });
 }
 
 } // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-SDPResult sdpConnectionField(SDPConnection *pstConnection) {
-    return onState([=](Lexer &lexer) { return parseConnection(lexer, *pstConnection); });
-}
-
-SDPResult sdpConnectionFieldAddrType(SDPConnection *pstConnection, uint32_t enKind) {
-    return addressType(*pstConnection, enKind);
-}
-
-SDPResult sdpConnectionFieldAddrIpv4(SDPConnection *pstConnection) {
-    return onState([=](Lexer &lexer) { return ipv4Address(lexer, *pstConnection); });
-}
-
-SDPResult sdpConnectionFieldAddrIpv6(SDPConnection *pstConnection) {
-    return onState([=](Lexer &lexer) { return ipv6Address(lexer, *pstConnection); });
-}
-
-SDPResult sdpConnectionFieldTtl(SDPConnection *pstConnection) {
-    return onState([=](Lexer &lexer) { return ttlAndCount(lexer, *pstConnection); });
-}
-
-} // extern "C"

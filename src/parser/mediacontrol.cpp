@@ -1,6 +1,6 @@
-// The values of the media-control attributes: modes, packet times, quality, T.38, silence
+// The values of the media-control attributes: flags, packet times, quality, T.38, silence
 // suppression, echo cancellation, IP bearer control and the T.120 setup role.
-#include "parser/parser.hpp"
+#include "parser/attributes.hpp"
 
 namespace sdpline {
 
@@ -8,17 +8,15 @@ namespace {
 
 struct NumericChecks {
     Check colon;
-    NumberChecks number;
+    WordChecks number;
 };
 
 // ":" 1*DIGIT
-SDPLINE_INLINE SDPResult takeNumericValue(Lexer &lexer, SDPAttr &attr, uint32_t type,
-                                          NumericChecks checks) {
+SDPLINE_INLINE bool numericValue(Parser &p, SDPAttr &attr, uint32_t type, NumericChecks checks,
+                                 uint32_t line = __builtin_LINE()) {
     attr.ulAttrType = type;
-    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
-        return fail(checks.colon);
-    }
-    return takeNumber(lexer, attr.unAttrValue.ulValue, SDP_LEXCTX_ALNUM, checks.number);
+    return p.expect(SDP_TOK_COLON, Context::Alnum, checks.colon, line) &&
+           p.number(attr.unAttrValue.ulValue, checks.number, line);
 }
 
 struct ChoiceChecks {
@@ -29,21 +27,15 @@ struct ChoiceChecks {
 };
 
 // ":" token LF, where the token is one of the table's words
-SDPLINE_INLINE SDPResult choice(Lexer &lexer, SDPAttr &attr, uint32_t type,
-                                std::span<const Word> table, ChoiceChecks checks) {
+SDPLINE_INLINE bool choice(Parser &p, SDPAttr &attr, uint32_t type,
+                           std::span<const KeywordRow> table, ChoiceChecks checks,
+                           uint32_t line = __builtin_LINE()) {
     attr.ulAttrType = type;
-    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_TOKEN)) {
-        return fail(checks.colon);
-    }
     std::string_view word;
-    if (const SDPResult result =
-            takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN, checks.word)) {
-        return result;
-    }
-    if (const SDPResult result = classify(attr.unAttrValue.ulValue, table, word, checks.unknown)) {
-        return result;
-    }
-    return takeLineEnd(lexer, checks.end);
+    return p.expect(SDP_TOK_COLON, Context::Token, checks.colon, line) &&
+           p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.next(Context::Token) &&
+           p.keyword(attr.unAttrValue.ulValue, table, word, checks.unknown, line) &&
+           p.endLine(checks.end, line);
 }
 
 struct ParamsChecks {
@@ -54,112 +46,96 @@ struct ParamsChecks {
     Check end;
 };
 
-// 1*1023<any byte but LF> LF, kept with the blank it begins with
-SDPLINE_INLINE SDPResult takeParams(Lexer &lexer, SipString &params, ParamsChecks checks) {
-    if (lexer.is(SDP_TOK_LF)) {
-        return fail(checks.missing);
+// 1*1023<any byte but LF> LF, kept with the space it begins with
+SDPLINE_INLINE bool params(Parser &p, SipString &value, ParamsChecks checks,
+                           uint32_t line = __builtin_LINE()) {
+    if (p.is(SDP_TOK_LF)) {
+        return p.refuse(checks.missing, 0, line);
     }
-    if (lexer.inputEnds()) {
-        return fail(checks.ended);
+    if (p.inputEnds()) {
+        return p.refuse(checks.ended, 0, line);
     }
     std::string_view text;
-    if (!lexer.takeRestOfLine(text, SDP_MAX_VALUE)) {
-        return fail(checks.tooLong);
+    if (!p.takeRestOfLine(text, SDP_MAX_VALUE)) {
+        return p.refuse(checks.tooLong, 0, line);
     }
-    if (storeText(params, text) != 0) {
-        return fail(checks.store);
-    }
-    return takeLineEnd(lexer, checks.end);
+    return store(p, value, text, checks.store, line) && p.endLine(checks.end, line);
 }
 
+} // namespace
+
 SDPResult classifySilence(SDPSilenceSuppression &silence, std::string_view word) {
-    return classify(silence.bOn, kSwitchWords, word, Check::SilenceWord);
+    return Parser::classify(silence.bOn, kSwitchWords, word, Check::SilenceWord);
 }
 
 SDPResult classifyEcanDirection(SDPEcan &ecan, std::string_view word) {
-    return classify(ecan.enEcanDir, kEcanDirWords, word, Check::EcanDirectionWord);
+    return Parser::classify(ecan.enEcanDir, kEcanDirWords, word, Check::EcanDirectionWord);
 }
 
 SDPResult classifyEcan(SDPEcan &ecan, std::string_view word) {
-    return classify(ecan.bOn, kSwitchWords, word, Check::EcanWord);
+    return Parser::classify(ecan.bOn, kSwitchWords, word, Check::EcanWord);
 }
 
 SDPResult classifyIpBcp(SDPIpBcp &ipBcp, std::string_view word) {
-    return classify(ipBcp.ucType, kIpBcpWords, word, Check::IpBcpType);
+    return Parser::classify(ipBcp.ucType, kIpBcpWords, word, Check::IpBcpType);
 }
 
 SDPResult classifySetup(SDPAttr &attr, std::string_view word) {
-    return classify(attr.unAttrValue.enT120Mode, kSetupWords, word, Check::SetupWord);
-}
-
-// direction SP ( "on" / "off" ), entered on the direction; the switch is left to the caller
-SDPLINE_INLINE SDPResult takeEcanWords(Lexer &lexer, SDPEcan &ecan) {
-    std::string_view word;
-    if (const SDPResult result = readWord(lexer, word, SDP_TOK_ALPHA,
-                                          {Check::EcanDirection, Check::EcanDirectionText})) {
-        return result;
-    }
-    if (const SDPResult result = classifyEcanDirection(ecan, word)) {
-        return result;
-    }
-    lexer.take(SDP_TOK_ALPHA, SDP_LEXCTX_ALNUM);
-    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::EcanBlank);
-    }
-    if (const SDPResult result = takeWord(lexer, word, SDP_TOK_ALPHA, SDP_LEXCTX_STRING,
-                                          {Check::EcanToken, Check::EcanText})) {
-        return result;
-    }
-    return classifyEcan(ecan, word);
+    return Parser::classify(attr.unAttrValue.enT120Mode, kSetupWords, word, Check::SetupWord);
 }
 
 // LF
-SDPLINE_INLINE SDPResult mode(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+bool parseFlag(Parser &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
-    return takeLineEnd(lexer, Check::ModeEnd);
+    return p.endLine(Check::ModeEnd);
 }
 
 // ":" 1*DIGIT LF, and for a frame rate ":" 1*DIGIT [ "." 1*DIGIT ] LF with the fraction dropped
-SDPLINE_INLINE SDPResult packetization(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    if (const SDPResult result = takeNumericValue(
-            lexer, attr, type, {Check::PacketColon, {Check::PacketNumber, Check::PacketText}})) {
-        return result;
+bool parsePacketNumber(Parser &p, SDPAttr &attr, uint32_t type) {
+    if (!numericValue(p, attr, type,
+                      {Check::PacketColon, {Check::PacketNumber, Check::PacketText}})) {
+        return false;
     }
-    if (type == SDP_ATTR_FRAMERATE && lexer.take(SDP_TOK_DOT, SDP_LEXCTX_ALNUM) &&
-        !lexer.take(SDP_TOK_DIGIT, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::PacketFraction);
+    if (shapeOf(type) == Shape::Decimal && p.take(SDP_TOK_DOT, Context::Alnum) &&
+        !p.expect(SDP_TOK_DIGIT, Context::Alnum, Check::PacketFraction)) {
+        return false;
     }
-    return takeLineEnd(lexer, Check::PacketEnd);
+    return p.endLine(Check::PacketEnd);
 }
 
 // ":" 1*DIGIT LF
-SDPLINE_INLINE SDPResult quality(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    if (const SDPResult result = takeNumericValue(
-            lexer, attr, type, {Check::QualityColon, {Check::QualityNumber, Check::QualityText}})) {
-        return result;
-    }
-    return takeLineEnd(lexer, Check::QualityEnd);
+bool parseQuality(Parser &p, SDPAttr &attr, uint32_t type) {
+    return numericValue(p, attr, type,
+                        {Check::QualityColon, {Check::QualityNumber, Check::QualityText}}) &&
+           p.endLine(Check::QualityEnd);
 }
 
 // ":" 1*DIGIT LF
-SDPLINE_INLINE SDPResult faxNumber(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    if (const SDPResult result = takeNumericValue(
-            lexer, attr, type, {Check::FaxColon, {Check::FaxNumber, Check::FaxText}})) {
-        return result;
+bool parseFaxNumber(Parser &p, SDPAttr &attr, uint32_t type) {
+    return numericValue(p, attr, type, {Check::FaxColon, {Check::FaxNumber, Check::FaxText}}) &&
+           p.endLine(Check::FaxEnd);
+}
+
+// [ ":" 1*DIGIT ] LF: no number says yes
+bool parseSwitch(Parser &p, SDPAttr &attr, uint32_t type) {
+    if (p.is(SDP_TOK_COLON)) {
+        return parseFaxNumber(p, attr, type);
     }
-    return takeLineEnd(lexer, Check::FaxEnd);
+    attr.ulAttrType = type;
+    attr.unAttrValue.ulValue = 1;
+    return p.endLine(Check::AttrFlagEnd);
 }
 
 // ":" ( "localTCF" / "transferredTCF" ) LF
-SDPLINE_INLINE SDPResult faxRate(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+bool parseFaxRate(Parser &p, SDPAttr &attr, uint32_t type) {
     return choice(
-        lexer, attr, type, kT38RateWords,
+        p, attr, type, kT38RateWords,
         {Check::RateColon, {Check::RateToken, Check::RateText}, Check::RateWord, Check::RateEnd});
 }
 
 // ":" ( "t38UDPFEC" / "t38UDPRedundancy" ) LF
-SDPLINE_INLINE SDPResult faxErrorCorrection(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return choice(lexer, attr, type, kT38UdpEcWords,
+bool parseFaxErrorCorrection(Parser &p, SDPAttr &attr, uint32_t type) {
+    return choice(p, attr, type, kT38UdpEcWords,
                   {Check::UdpEcColon,
                    {Check::UdpEcToken, Check::UdpEcText},
                    Check::UdpEcWord,
@@ -167,195 +143,72 @@ SDPLINE_INLINE SDPResult faxErrorCorrection(Lexer &lexer, SDPAttr &attr, uint32_
 }
 
 // ":" ( "on" / "off" ) params LF
-SDPLINE_INLINE SDPResult silence(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+bool parseSilenceSupp(Parser &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
-    SDPSilenceSuppression &suppression = attr.unAttrValue.stSilenceSupp;
-    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::SilenceColon);
-    }
+    SDPSilenceSuppression &silence = attr.unAttrValue.stSilenceSupp;
     std::string_view word;
-    if (const SDPResult result = takeWord(lexer, word, SDP_TOK_ALPHA, SDP_LEXCTX_STRING,
-                                          {Check::SilenceToken, Check::SilenceText})) {
-        return result;
-    }
-    if (const SDPResult result = classifySilence(suppression, word)) {
-        return result;
-    }
-    return takeParams(lexer, suppression.strParams,
-                      {Check::SilenceNoParams, Check::SilenceEnded, Check::SilenceTooLong,
-                       Check::SilenceStore, Check::SilenceEnd});
+    return p.expect(SDP_TOK_COLON, Context::Alnum, Check::SilenceColon) &&
+           p.read(word, SDP_TOK_ALPHA, {Check::SilenceToken, Check::SilenceText}) &&
+           p.next(Context::String) && p.accept(classifySilence(silence, word)) &&
+           params(p, silence.strParams,
+                  {Check::SilenceNoParams, Check::SilenceEnded, Check::SilenceTooLong,
+                   Check::SilenceStore, Check::SilenceEnd});
 }
 
 // ":" ( "fb" / "f" / "b" ) SP ( "on" / "off" ) params LF
-SDPLINE_INLINE SDPResult echoCancellation(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+bool parseEcan(Parser &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     SDPEcan &ecan = attr.unAttrValue.stEcan;
-    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::EcanColon);
-    }
-    if (const SDPResult result = takeEcanWords(lexer, ecan)) {
-        return result;
-    }
-    return takeParams(lexer, ecan.strParams,
-                      {Check::EcanNoParams, Check::EcanEnded, Check::EcanTooLong, Check::EcanStore,
-                       Check::EcanEnd});
+    std::string_view word;
+    return p.expect(SDP_TOK_COLON, Context::Alnum, Check::EcanColon) &&
+           p.read(word, SDP_TOK_ALPHA, {Check::EcanDirection, Check::EcanDirectionText}) &&
+           p.accept(classifyEcanDirection(ecan, word)) && p.next(Context::Alnum) &&
+           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::EcanBlank) &&
+           p.read(word, SDP_TOK_ALPHA, {Check::EcanToken, Check::EcanText}) &&
+           p.next(Context::String) && p.accept(classifyEcan(ecan, word)) &&
+           params(p, ecan.strParams,
+                  {Check::EcanNoParams, Check::EcanEnded, Check::EcanTooLong, Check::EcanStore,
+                   Check::EcanEnd});
 }
 
 // ":" 1*DIGIT SP ( "Request" / "Accepted" / "Confused" / "Rejected" ) LF
-SDPLINE_INLINE SDPResult ipBearerControl(Lexer &lexer, SDPAttr &attr) {
+bool parseIpBcp(Parser &p, SDPAttr &attr) {
     attr.ulAttrType = SDP_ATTR_IPBCP;
     SDPIpBcp &ipBcp = attr.unAttrValue.stIpBcp;
-    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::IpBcpColon);
-    }
     uint32_t version = 1;
-    if (const SDPResult result = takeNumber(lexer, version, SDP_LEXCTX_ALNUM,
-                                            {Check::IpBcpVersion, Check::IpBcpVersionText})) {
-        return result;
+    if (!p.expect(SDP_TOK_COLON, Context::Alnum, Check::IpBcpColon) ||
+        !p.number(version, {Check::IpBcpVersion, Check::IpBcpVersionText})) {
+        return false;
     }
     ipBcp.ucVersion = static_cast<uint8_t>(version);
-    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_ALNUM)) {
-        return fail(Check::IpBcpBlank);
+    if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::IpBcpBlank)) {
+        return false;
     }
-    const std::string_view word = lexer.text();
+    const std::string_view word = p.text();
     if (word.data() == nullptr) {
-        return fail(Check::IpBcpTypeText);
+        return p.refuse(Check::IpBcpTypeText);
     }
-    lexer.take(SDP_TOK_ALPHA, SDP_LEXCTX_STRING);
-    if (const SDPResult result = classifyIpBcp(ipBcp, word)) {
-        return result;
-    }
-    return takeLineEnd(lexer, Check::IpBcpEnd);
+    p.take(SDP_TOK_ALPHA, Context::String);
+    return p.accept(classifyIpBcp(ipBcp, word)) && p.endLine(Check::IpBcpEnd);
 }
 
 // ":" ( "passive" / "active" / "actpass" ) LF
-SDPLINE_INLINE SDPResult setup(Lexer &lexer, SDPAttr &attr, uint32_t type) {
+bool parseSetup(Parser &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
-    if (!lexer.takeToText(SDP_TOK_COLON)) {
-        return fail(Check::SetupColon);
+    if (!p.takeToText(SDP_TOK_COLON)) {
+        return p.refuse(Check::SetupColon);
     }
-    if (lexer.is(SDP_TOK_LF)) {
-        return fail(Check::SetupEmpty);
+    if (p.is(SDP_TOK_LF)) {
+        return p.refuse(Check::SetupEmpty);
     }
-    if (lexer.inputEnds()) {
-        return fail(Check::SetupEnded);
+    if (p.inputEnds()) {
+        return p.refuse(Check::SetupEnded);
     }
     std::string_view role;
-    if (!lexer.takeRestOfLine(role, SDP_MAX_VALUE)) {
-        return fail(Check::SetupTooLong);
+    if (!p.takeRestOfLine(role, SDP_MAX_VALUE)) {
+        return p.refuse(Check::SetupTooLong);
     }
-    if (const SDPResult result = classifySetup(attr, role)) {
-        return result;
-    }
-    return takeLineEnd(lexer, Check::SetupEnd);
-}
-
-} // namespace
-
-SDPResult parseMode(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<mode>(lexer, attr, type);
-}
-
-SDPResult parsePacketization(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<packetization>(lexer, attr, type);
-}
-
-SDPResult parseQuality(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<quality>(lexer, attr, type);
-}
-
-SDPResult parseFaxNumber(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<faxNumber>(lexer, attr, type);
-}
-
-SDPResult parseFaxRate(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<faxRate>(lexer, attr, type);
-}
-
-SDPResult parseFaxErrorCorrection(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<faxErrorCorrection>(lexer, attr, type);
-}
-
-SDPResult parseSilence(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<silence>(lexer, attr, type);
-}
-
-SDPResult parseEcan(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<echoCancellation>(lexer, attr, type);
-}
-
-SDPResult parseIpBcp(Lexer &lexer, SDPAttr &attr) {
-    return inRegisters<ipBearerControl>(lexer, attr);
-}
-
-SDPResult parseSetup(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<setup>(lexer, attr, type);
+    return p.accept(classifySetup(attr, role)) && p.endLine(Check::SetupEnd);
 }
 
 } // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-SDPResult sdpModeAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseMode(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpPacketizationAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parsePacketization(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpQualityAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseQuality(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpFaxNumericAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseFaxNumber(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpFaxRateMgmtAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseFaxRate(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpFaxUdpEC(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseFaxErrorCorrection(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpSilenceSuppression(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseSilence(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpEchoCacellation(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseEcan(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpIpBcpAttr(SDPAttr *pstAttr) {
-    return onState([=](Lexer &lexer) { return parseIpBcp(lexer, *pstAttr); });
-}
-
-SDPResult sdpT120Attr(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseSetup(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpSilenceSuppressionOn(SDPAttr *pstAttr, const char *pcWord) {
-    return classifySilence(pstAttr->unAttrValue.stSilenceSupp, pcWord);
-}
-
-SDPResult sdpEchoCacellationDirection(SDPAttr *pstAttr, const char *pcWord) {
-    return classifyEcanDirection(pstAttr->unAttrValue.stEcan, pcWord);
-}
-
-SDPResult sdpEchoCacellationOn(SDPAttr *pstAttr, const char *pcWord) {
-    return classifyEcan(pstAttr->unAttrValue.stEcan, pcWord);
-}
-
-SDPResult sdpIpBcpAttrType(SDPAttr *pstAttr, const char *pcWord) {
-    return classifyIpBcp(pstAttr->unAttrValue.stIpBcp, pcWord);
-}
-
-SDPResult sdpT120AttrT120Mode(SDPAttr *pstAttr, const char *pcWord) {
-    return classifySetup(*pstAttr, pcWord);
-}
-
-} // extern "C"

@@ -1,11 +1,16 @@
-// What the field parsers share: the primitives between the lexer and the records, and the growth
-// of lists. Every parser answers 0 or the code of the first check that failed.
+// The parser of a body: a lexer, and the result of the check that refused the text.
 //
-// A line parser is entered with its line's key current and leaves the next line's key current, in
-// the SDP context. A value parser of an attribute is entered behind the attribute's name.
+// Each production is a function that opens with its grammar. It returns false when the text is
+// refused; `failure` is then the result of the first check that failed. Its words are the
+// primitives of Parser, which come in two orders: expect() switches the lexer's context and then
+// tests the current token; see() and next() test it first and then switch.
+//
+// A line's production is entered with the line's key current and leaves the next line's key
+// current, in the SDP context. That of an attribute's value is entered after the attribute's name.
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -14,10 +19,136 @@
 #include "sdpline/sdpinternals.h"
 #include "services/allocation.hpp"
 #include "services/settings.hpp"
+#include "tables/attributes.hpp"
 #include "tables/keywords.hpp"
 #include "text/scan.hpp"
 
 namespace sdpline {
+
+// The checks of a word: a token of another kind, and one too long to be read.
+struct WordChecks {
+    Check token;
+    Check text;
+};
+
+struct Parser : Lexer {
+    SDPResult failure; // 0 while no check has failed
+
+    // False: the check failed. `line` is that of the caller everywhere: it goes into the log.
+    SDPLINE_INLINE bool refuse(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE()) {
+        failure = fail(check, value, line);
+        return false;
+    }
+    // The same for the result of an operation that has logged its own failure, if it is one.
+    SDPLINE_INLINE bool accept(SDPResult result) {
+        if (result == 0) [[likely]] {
+            return true;
+        }
+        failure = result;
+        return false;
+    }
+
+    // Switches the context; the current token must be of the kind, and the next one is cut.
+    SDPLINE_INLINE bool expect(uint32_t wanted, uint32_t under, Check check,
+                               uint32_t line = __builtin_LINE()) {
+        return take(wanted, under) || refuse(check, 0, line);
+    }
+    // The current token must be of the kind.
+    SDPLINE_INLINE bool see(uint32_t wanted, Check check, uint32_t line = __builtin_LINE()) {
+        return is(wanted) || refuse(check, 0, line);
+    }
+    // Switches the context and cuts the next token. Always true.
+    SDPLINE_INLINE bool next(uint32_t under) {
+        context = under;
+        advance(under);
+        return true;
+    }
+    // Switches the context alone.
+    SDPLINE_INLINE bool under(uint32_t other) {
+        context = other;
+        return true;
+    }
+
+    // The text of the current token, which must be of the kind; it stays current.
+    SDPLINE_INLINE bool read(std::string_view &word, uint32_t wanted, WordChecks checks,
+                             uint32_t line = __builtin_LINE()) {
+        if (!see(wanted, checks.token, line)) {
+            return false;
+        }
+        word = text();
+        return word.data() != nullptr || refuse(checks.text, 0, line);
+    }
+    // 1*DIGIT, modulo 2^32, and the next token.
+    SDPLINE_INLINE bool number(uint32_t &value, WordChecks checks,
+                               uint32_t line = __builtin_LINE()) {
+        std::string_view digits;
+        if (!read(digits, SDP_TOK_DIGIT, checks, line)) {
+            return false;
+        }
+        value = scanNumber(digits);
+        return next(Context::Alnum);
+    }
+    // One of the table's words, already read.
+    SDPLINE_INLINE bool keyword(uint32_t &code, std::span<const KeywordRow> table,
+                                std::string_view word, Check unknown,
+                                uint32_t line = __builtin_LINE()) {
+        return accept(classify(code, table, word, unknown, line));
+    }
+    // LF, then the next line's key.
+    SDPLINE_INLINE bool endLine(Check check, uint32_t line = __builtin_LINE()) {
+        return expect(SDP_TOK_LF, Context::Sdp, check, line);
+    }
+
+    // The code of a word; one that the table does not know fails the check.
+    static SDPResult classify(uint32_t &code, std::span<const KeywordRow> table,
+                              std::string_view word, Check unknown,
+                              uint32_t line = __builtin_LINE()) {
+        const KeywordRow *const row = findByText(table, word);
+        if (row == nullptr) {
+            return failWord(unknown, word.data(), line);
+        }
+        code = row->code;
+        return 0;
+    }
+};
+
+// ---- Where a production runs
+
+template <class Production>
+[[gnu::cold, gnu::noinline]] bool inMemory(Parser &parser, const Production &production) {
+    return production(parser);
+}
+
+// Runs a line's production on a copy of the parser: nothing else knows the copy's address, so it
+// lives in registers, and nothing special is looked for.
+template <class Production>
+SDPLINE_INLINE bool onLine(Parser &parser, const Production &production) {
+    if (parser.special != 0) [[unlikely]] {
+        return inMemory(parser, production);
+    }
+    Parser copy;
+    copy.input = parser.input;
+    copy.special = 0;
+    copy.failure = 0;
+    copy.copyPosition(parser);
+    const bool done = production(copy);
+    parser.copyPosition(copy);
+    if (!done) [[unlikely]] {
+        parser.failure = copy.failure;
+    }
+    return done;
+}
+
+// Runs a production on the process-wide lexer, for the parsers that are called by their names.
+template <class Production>
+SDPResult withGlobalLexer(const Production &production) {
+    Parser parser = {lexer::load(), 0};
+    production(parser);
+    lexer::store(parser);
+    return parser.failure;
+}
+
+// ---- Records and lists
 
 // Stores a copy of the text, without a terminator. Without memory the length stays and the
 // pointer is null. A text of length 0 asks for zero bytes all the same.
@@ -31,75 +162,21 @@ SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
     return 0;
 }
 
-// The checks of one number: not a run of digits, and too long to be read.
-struct NumberChecks {
-    Check digits;
-    Check text;
-};
-
-// The value of a run of digits, modulo 2^32; the run stays current.
-SDPLINE_INLINE SDPResult readNumber(Lexer &lexer, uint32_t &value, NumberChecks checks) {
-    if (!lexer.is(SDP_TOK_DIGIT)) {
-        return fail(checks.digits);
-    }
-    const std::string_view digits = lexer.text();
-    if (digits.data() == nullptr) {
-        return fail(checks.text);
-    }
-    value = scanNumber(digits);
-    return 0;
+// Stores a text; false when there is no memory for it, which is then the check that failed.
+SDPLINE_INLINE bool store(Parser &parser, SipString &value, std::string_view text, Check noMemory,
+                          uint32_t line = __builtin_LINE()) {
+    return storeText(value, text) == 0 || parser.refuse(noMemory, 0, line);
 }
 
-// 1*DIGIT, then the next token under `context`.
-SDPLINE_INLINE SDPResult takeNumber(Lexer &lexer, uint32_t &value, uint32_t context,
-                                    NumberChecks checks) {
-    if (const SDPResult result = readNumber(lexer, value, checks)) {
-        return result;
-    }
-    lexer.take(SDP_TOK_DIGIT, context);
-    return 0;
-}
-
-// The checks of one word: a token of another kind, and too long to be read.
-struct WordChecks {
-    Check token;
-    Check text;
-};
-
-// The text of the current token, which must be of the kind; it stays current.
-SDPLINE_INLINE SDPResult readWord(Lexer &lexer, std::string_view &word, uint32_t kind,
-                                  WordChecks checks) {
-    if (!lexer.is(kind)) {
-        return fail(checks.token);
-    }
-    word = lexer.text();
-    return word.data() != nullptr ? 0 : fail(checks.text);
-}
-
-// The same, then the next token under `context`.
-SDPLINE_INLINE SDPResult takeWord(Lexer &lexer, std::string_view &word, uint32_t kind,
-                                  uint32_t context, WordChecks checks) {
-    if (const SDPResult result = readWord(lexer, word, kind, checks)) {
-        return result;
-    }
-    lexer.take(kind, context);
-    return 0;
-}
-
-// The code of a word; one that the table does not know fails the check.
-inline SDPResult classify(uint32_t &code, std::span<const Word> table, std::string_view word,
-                          Check unknown, uint32_t line = __builtin_LINE()) {
-    const Word *const row = findByText(table, word);
-    if (row == nullptr) {
-        return failWord(unknown, word.data(), line);
-    }
-    code = row->code;
-    return 0;
-}
-
-// LF, then the next line's key.
-SDPLINE_INLINE SDPResult takeLineEnd(Lexer &lexer, Check missing) {
-    return lexer.take(SDP_TOK_LF, SDP_LEXCTX_SDP) ? 0 : fail(missing);
+// Allocates the record that a member points to, and hands it to `parse`. Members lie unaligned in
+// their packed records.
+template <auto Member, class Owner, class Parse>
+SDPLINE_INLINE bool parseInto(Parser &parser, Owner &owner, Check noMemory, uint32_t line,
+                              Parse parse) {
+    using Record = std::remove_pointer_t<std::remove_reference_t<decltype(owner.*Member)>>;
+    auto *const record = allocate<Record>(row(noMemory).function);
+    std::memcpy(&(owner.*Member), &record, sizeof record);
+    return record != nullptr ? parse(*record) : parser.refuse(noMemory, 0, line);
 }
 
 // The checks of a list's memory: its first slot, an item, one slot more.
@@ -109,15 +186,15 @@ struct ListChecks {
     Check grow;
 };
 
-// A longer array with the same pointers, in place of the old one, which is given back. Null when
-// there is no memory: the old one stays.
+// A longer array with the same pointers, in place of the old one, which is freed. Null when there
+// is no memory: the old one stays.
 inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
     auto *const longer =
         static_cast<void **>(allocateBytes(newCount * static_cast<uint32_t>(sizeof(void *))));
     if (longer == nullptr || array == nullptr || count == 0) {
         return longer;
     }
-    // The last slot apart: it has just been written, and by itself.
+    // The last slot by itself: it has just been written, and by itself.
     copyBytes(longer, array, (count - 1) * sizeof(void *));
     longer[count - 1] = array[count - 1];
     for (uint32_t slot = count; slot < newCount; ++slot) {
@@ -130,86 +207,102 @@ inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
 // A list that no body of SDP_MAX_BODY bytes can hold.
 constexpr uint32_t kLongList = 2048;
 
-// One more slot for a long list. Where longer bodies are decoded it doubles when its room is used up,
-// so that a body takes time in proportion to its length.
-[[gnu::cold, gnu::noinline]] void **extendLong(void **array, uint32_t count, uint32_t &room);
+// One more slot for a long list. Where longer bodies are decoded it doubles when its slots are used
+// up, so that a body takes time in proportion to its length.
+[[gnu::cold, gnu::noinline]] void **extendLong(void **array, uint32_t count, uint32_t &slots);
 
-// Builds a list of pointers, one slot longer for each item. `attach` is given every array the
-// list moves to, `parse` fills one zeroed item, `more` tells whether another item follows.
-// Counters of 8 bits wrap: the item behind the 256th takes slot 0 again, and the list shrinks to
-// what the counter says at the next growth.
-template <class Item, class Counter, class Attach, class Parse, class More>
-SDPLINE_INLINE SDPResult parseList(Lexer &lexer, Counter &count, ListChecks checks, Attach attach,
-                                   Parse parse, More more) {
-    count = 0;
-    uint32_t room = 0; // of a long list
+// Builds a list of pointers, one slot longer for each item. `attach` is given every array that the
+// list moves to, `parse` fills one zeroed item, `more` tells whether another item follows, `finish`
+// is given the count. Counters of 8 bits wrap: the item after the 256th takes slot 0 again, and the
+// list shrinks to what the counter says at the next growth.
+template <class Item, class Counter, class Attach, class Parse, class More, class Finish>
+SDPLINE_INLINE bool parseList(Parser &parser, ListChecks checks, Attach attach, Parse parse,
+                              More more, Finish finish, uint32_t line = __builtin_LINE()) {
+    Counter count = 0;
+    uint32_t longSlots = 0; // of a long list
     auto **slots = allocate<Item *>(row(checks.array).function);
     if (slots == nullptr) {
-        return fail(checks.array);
+        return parser.refuse(checks.array, 0, line);
     }
     attach(slots);
     for (;;) {
         Item *const item = allocate<Item>(row(checks.item).function);
         if (item == nullptr) {
-            return fail(checks.item);
+            return parser.refuse(checks.item, 0, line);
         }
-        if (const SDPResult result = parse(lexer, *item)) {
-            return result;
+        if (!parse(parser, *item)) {
+            return false;
         }
         slots[count++] = item;
-        if (!more(lexer)) {
-            return 0;
+        if (!more(parser)) {
+            finish(count);
+            return true;
         }
         if (count != 0) {
             auto **const full = reinterpret_cast<void **>(slots);
             if (sizeof(Counter) > 1 && count >= kLongList) [[unlikely]] {
-                slots = reinterpret_cast<Item **>(extendLong(full, count, room));
+                slots = reinterpret_cast<Item **>(extendLong(full, count, longSlots));
             } else {
                 slots = reinterpret_cast<Item **>(
                     extendArray(full, count, static_cast<uint32_t>(count) + 1));
             }
             if (slots == nullptr) {
-                return fail(checks.grow);
+                return parser.refuse(checks.grow, 0, line);
             }
             attach(slots);
         }
     }
 }
 
-// ---- The lines, or runs of lines of one kind. The exported parsers do the same on the state.
-SDPResult parseVersion(Lexer &lexer, uint32_t &version);
-SDPResult parseOrigin(Lexer &lexer, SDPOrigin &origin);
-SDPResult parseText(Lexer &lexer, uint32_t kind, SipString &text);
-SDPResult parseTextList(Lexer &lexer, uint32_t kind, SDPStringList &list);
-SDPResult parseConnection(Lexer &lexer, SDPConnection &connection);
-SDPResult parseTimes(Lexer &lexer, SDPTimeSet &set);
-SDPResult parseAttributes(Lexer &lexer, SDPAttrList &list);
-SDPResult parseMediaDescriptions(Lexer &lexer, SDPMediaSet &set);
-SDPResult parseMediaField(Lexer &lexer, SDPMediaField &field);
+// ---- The lines, or runs of lines of one kind
+bool parseLines(Parser &parser, SdpLine &line);
+bool parseVersion(Parser &parser, uint32_t &version);
+bool parseOrigin(Parser &parser, SDPOrigin &origin);
+bool parseText(Parser &parser, uint32_t kind, SipString &text);
+bool parseTextList(Parser &parser, uint32_t kind, SDPStringList &list);
+bool parseConnection(Parser &parser, SDPConnection &connection);
+bool parseTimes(Parser &parser, SDPTimeSet &set);
+bool parseAttributes(Parser &parser, SDPAttrList &list);
+bool parseMediaDescriptions(Parser &parser, SDPMediaSet &set);
+bool parseMediaField(Parser &parser, SDPMediaField &field);
 
-// A record for one of them; `parseInto` parses into it where it could be allocated.
-template <class Record>
-Record *allocateFor(Check noMemory) {
-    return allocate<Record>(row(noMemory).function);
+// A member that points to a text, and one that points to a list of texts.
+template <auto Member, class Owner>
+bool textInto(Parser &parser, Owner &owner, uint32_t kind, Check noMemory,
+              uint32_t line = __builtin_LINE()) {
+    return parseInto<Member>(parser, owner, noMemory, line,
+                             [&](SipString &text) { return parseText(parser, kind, text); });
 }
 
-template <class Record, class Parse>
-SDPResult parseInto(Record *record, Check noMemory, Parse parse, uint32_t line = __builtin_LINE()) {
-    return record != nullptr ? parse(*record) : fail(noMemory, 0, line);
+template <auto Member, class Owner>
+bool listInto(Parser &parser, Owner &owner, uint32_t kind, Check noMemory,
+              uint32_t line = __builtin_LINE()) {
+    return parseInto<Member>(parser, owner, noMemory, line, [&](SDPStringList &list) {
+        return parseTextList(parser, kind, list);
+    });
 }
 
-// ---- The values of attributes, entered behind the name
-SDPResult parseRtpmap(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseMode(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parsePacketization(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseQuality(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseFaxNumber(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseFaxRate(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseFaxErrorCorrection(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseSilence(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseEcan(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseIpBcp(Lexer &lexer, SDPAttr &attr);
-SDPResult parseSetup(Lexer &lexer, SDPAttr &attr, uint32_t type);
-SDPResult parseResourceStatus(Lexer &lexer, SDPAttr &attr, uint32_t type);
+// The other members that point to what one line kind fills.
+template <auto Member, class Owner>
+bool connectionInto(Parser &parser, Owner &owner, Check noMemory,
+                    uint32_t line = __builtin_LINE()) {
+    return parseInto<Member>(parser, owner, noMemory, line, [&](SDPConnection &connection) {
+        return parseConnection(parser, connection);
+    });
+}
+
+template <auto Member, class Owner>
+bool keyInto(Parser &parser, Owner &owner, Check noMemory, uint32_t line = __builtin_LINE()) {
+    return parseInto<Member>(parser, owner, noMemory, line, [&](SDPKey &key) {
+        return parseText(parser, SDP_TOK_KEY, key.strKey);
+    });
+}
+
+template <auto Member, class Owner>
+bool attributesInto(Parser &parser, Owner &owner, Check noMemory,
+                    uint32_t line = __builtin_LINE()) {
+    return parseInto<Member>(parser, owner, noMemory, line,
+                             [&](SDPAttrList &list) { return parseAttributes(parser, list); });
+}
 
 } // namespace sdpline

@@ -1,14 +1,12 @@
-// a=curr, a=des and a=conf (RFC 3312 section 4): words of the token context, one blank between.
-#include "parser/parser.hpp"
+// a=curr, a=des and a=conf (RFC 3312 section 4): words of the token context, one space between.
+#include "parser/attributes.hpp"
 
 namespace sdpline {
-
-namespace {
 
 // "qos", or any other word, which is kept
 SDPResult classifyPrecondition(SDPRsrcMgmtStatus &status, std::string_view word) {
     SDPPreconditionS &precondition = status.stPrecondition;
-    if (const Word *const known = findByText(kPreconditionWords, word)) {
+    if (const KeywordRow *const known = findByText(kPreconditionWords, word)) {
         precondition.enPreconditionType = known->code;
         precondition.pstrOtherPrecondition = nullptr;
         return 0;
@@ -23,104 +21,56 @@ SDPResult classifyPrecondition(SDPRsrcMgmtStatus &status, std::string_view word)
 }
 
 SDPResult classifyStrength(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return classify(status.enStrengthTag, kStrengthWords, word, Check::StrengthWord);
+    return Parser::classify(status.enStrengthTag, kStrengthWords, word, Check::StrengthWord);
 }
 
 SDPResult classifyStatus(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return classify(status.enStatusType, kStatusWords, word, Check::StatusWord);
+    return Parser::classify(status.enStatusType, kStatusWords, word, Check::StatusWord);
 }
 
 SDPResult classifyDirection(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return classify(status.enDirTag, kDirWords, word, Check::DirectionWord);
+    return Parser::classify(status.enDirTag, kDirWords, word, Check::DirectionWord);
 }
+
+namespace {
 
 struct StepChecks {
     Check blank;
     WordChecks word;
 };
 
-// SP token, handed to `classifyWord`
-template <class Classify>
-SDPLINE_INLINE SDPResult takeStep(Lexer &lexer, SDPRsrcMgmtStatus &status, StepChecks checks,
-                                  Classify classifyWord) {
-    if (!lexer.take(SDP_TOK_SPACE, SDP_LEXCTX_TOKEN)) {
-        return fail(checks.blank);
-    }
-    std::string_view word;
-    if (const SDPResult result =
-            takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN, checks.word)) {
-        return result;
-    }
-    return classifyWord(status, word);
+// SP token
+SDPLINE_INLINE bool step(Parser &p, std::string_view &word, StepChecks checks,
+                         uint32_t line = __builtin_LINE()) {
+    return p.expect(SDP_TOK_SPACE, Context::Token, checks.blank, line) &&
+           p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.next(Context::Token);
 }
 
-// ":" precondition-type [ SP strength-tag ] SP status-type SP direction-tag LF, the strength tag in
-// a=des and nowhere else
-SDPLINE_INLINE SDPResult resourceStatus(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    SDPRsrcMgmtStatus &status = attr.unAttrValue.stRsrcMgmtStatus;
-    if (!lexer.take(SDP_TOK_COLON, SDP_LEXCTX_TOKEN)) {
-        return fail(Check::StatusColon);
-    }
+// [ SP strength-tag ], which is there in a=des and nowhere else
+SDPLINE_INLINE bool strength(Parser &p, SDPRsrcMgmtStatus &status, uint32_t type) {
     std::string_view word;
-    if (const SDPResult result =
-            takeWord(lexer, word, SDP_TOK_TOKEN, SDP_LEXCTX_TOKEN,
-                     {Check::StatusPrecondition, Check::StatusPreconditionText})) {
-        return result;
-    }
-    attr.ulAttrType = type;
-    if (const SDPResult result = classifyPrecondition(status, word)) {
-        return result;
-    }
-    if (type == SDP_ATTR_DES) {
-        if (const SDPResult result = takeStep(
-                lexer, status, {Check::StrengthBlank, {Check::StrengthToken, Check::StrengthText}},
-                classifyStrength)) {
-            return result;
-        }
-    }
-    if (const SDPResult result =
-            takeStep(lexer, status, {Check::StatusBlank, {Check::StatusToken, Check::StatusText}},
-                     classifyStatus)) {
-        return result;
-    }
-    if (const SDPResult result = takeStep(
-            lexer, status, {Check::DirectionBlank, {Check::DirectionToken, Check::DirectionText}},
-            classifyDirection)) {
-        return result;
-    }
-    return takeLineEnd(lexer, Check::StatusEnd);
+    return !attributeRow(type).has(kStrengthTag) ||
+           (step(p, word, {Check::StrengthBlank, {Check::StrengthToken, Check::StrengthText}}) &&
+            p.accept(classifyStrength(status, word)));
 }
 
 } // namespace
 
-SDPResult parseResourceStatus(Lexer &lexer, SDPAttr &attr, uint32_t type) {
-    return inRegisters<resourceStatus>(lexer, attr, type);
+// ":" precondition-type [ SP strength-tag ] SP status-type SP direction-tag LF
+bool parsePrecondition(Parser &p, SDPAttr &attr, uint32_t type) {
+    SDPRsrcMgmtStatus &status = attr.unAttrValue.stRsrcMgmtStatus;
+    std::string_view word;
+    if (!p.expect(SDP_TOK_COLON, Context::Token, Check::StatusColon) ||
+        !p.read(word, SDP_TOK_TOKEN, {Check::StatusPrecondition, Check::StatusPreconditionText})) {
+        return false;
+    }
+    p.next(Context::Token);
+    attr.ulAttrType = type;
+    return p.accept(classifyPrecondition(status, word)) && strength(p, status, type) &&
+           step(p, word, {Check::StatusBlank, {Check::StatusToken, Check::StatusText}}) &&
+           p.accept(classifyStatus(status, word)) &&
+           step(p, word, {Check::DirectionBlank, {Check::DirectionToken, Check::DirectionText}}) &&
+           p.accept(classifyDirection(status, word)) && p.endLine(Check::StatusEnd);
 }
 
 } // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-SDPResult sdpResourceStatus(SDPAttr *pstAttr, uint32_t enType) {
-    return onState([=](Lexer &lexer) { return parseResourceStatus(lexer, *pstAttr, enType); });
-}
-
-SDPResult sdpResourceStatusExtractPrecondition(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyPrecondition(*pstStatus, pcWord);
-}
-
-SDPResult sdpResourceStatusExtractStrengthTag(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyStrength(*pstStatus, pcWord);
-}
-
-SDPResult sdpResourceExtractStatusType(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyStatus(*pstStatus, pcWord);
-}
-
-SDPResult sdpResourceStatusExtractDirTag(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyDirection(*pstStatus, pcWord);
-}
-
-} // extern "C"

@@ -6,4 +6,8 @@
 // count as branches of its own.
 #ifndef SDPLINE_INLINE
 #define SDPLINE_INLINE [[gnu::always_inline]] inline
+#define SDPLINE_INLINE_LAMBDA __attribute__((always_inline))
+#endif
+#ifndef SDPLINE_INLINE_LAMBDA
+#define SDPLINE_INLINE_LAMBDA
 #endif

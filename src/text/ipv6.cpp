@@ -86,7 +86,7 @@ struct Pattern {
     bool hasFinal(uint32_t at) const { return has(at, "T", 1); }
 };
 
-// Bytes in the order they are converted; those behind the sixteenth are lost.
+// Bytes in the order they are converted; those after the sixteenth are lost.
 struct Bytes {
     uint8_t data[kAddressSize];
     uint32_t count;
@@ -118,7 +118,7 @@ bool addDotted(const Pattern &pattern, uint32_t at, Bytes &bytes) {
     return true;
 }
 
-// What stands before any "::".
+// What is before any "::".
 SDPResult loadHead(const Pattern &pattern, Bytes &head, uint32_t &at, bool &dotted) {
     for (;;) {
         if (pattern.hasGroup(at)) {
@@ -141,7 +141,7 @@ void placeTail(const Bytes &tail, Bytes &address) {
     std::copy_n(tail.data, tail.count, address.data + (kAddressSize - tail.count));
 }
 
-// What stands behind "::". A tail that ends in neither a dotted part nor a final group is lost.
+// What follows "::". A tail that ends in neither a dotted part nor a final group is lost.
 SDPResult loadTail(const Pattern &pattern, uint32_t at, Bytes &address) {
     Bytes tail = {};
     bool dotted = false;
@@ -197,8 +197,8 @@ SDPResult SdpTokanizeIPv6Str(const char *pcText, uint32_t ulLen, char (*pacToken
         pulPatternLen == nullptr) {
         return fail(Check::Ipv6TokensArgument, ulLen);
     }
-    const uint32_t room = ulCapacity == 0 ? 0 : ulCapacity - 1;
-    const uint32_t limit = std::min(room, kMaxLetters);
+    const uint32_t space = ulCapacity == 0 ? 0 : ulCapacity - 1;
+    const uint32_t limit = std::min(space, kMaxLetters);
     Tokens tokens = {};
     Cursor cursor = {pcText, ulLen, 0};
     while (cursor.more() && tokens.count < limit) {
@@ -229,7 +229,7 @@ SDPResult SdpLoadIpV6StringToArray(const char *pcText, uint32_t ulLen, uint8_t *
     if (const SDPResult result =
             SdpTokanizeIPv6Str(pcText, ulLen, reinterpret_cast<char(*)[kSlot]>(pattern.slots),
                                pattern.letters, SDP_IPV6_PATTERN, &pattern.count)) {
-        return passUp(Check::Ipv6Tokens, result);
+        return logAndForward(Check::Ipv6Tokens, result);
     }
     Bytes address = {};
     if (const SDPResult result = loadAddress(pattern, address)) {

@@ -1,4 +1,4 @@
-// Comparison and number scanning. None of these allocates; all stop at the text's own end.
+// Comparison and number scanning. None of these allocates; all stop at the end of the text.
 #include "text/scan.hpp"
 
 #include <cstring>
@@ -48,7 +48,7 @@ extern "C" {
 
 uint32_t SdpLibChkExactString(const char *pcFirst, const char *pcSecond) {
     if (pcFirst == nullptr || pcSecond == nullptr) {
-        return passUp(Check::CompareArgument, 0);
+        return logAndForward(Check::CompareArgument, 0);
     }
     return std::strcmp(pcFirst, pcSecond) == 0 ? 1 : 0;
 }
@@ -59,7 +59,7 @@ uint32_t SdpiCmpExactString(const char *pcFirst, const char *pcSecond) {
 
 uint32_t SdpLibScanDigits(const char *pcData, uint32_t *pulValue) {
     if (pcData == nullptr || pulValue == nullptr) {
-        return passUp(Check::ScanArgument, kNoDigits);
+        return logAndForward(Check::ScanArgument, kNoDigits);
     }
     uint32_t count = 0;
     while (isDigit(static_cast<uint8_t>(pcData[count]))) {

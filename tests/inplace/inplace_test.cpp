@@ -271,7 +271,7 @@ TEST(InPlace, goesThroughTheHooksThatALogHookHasSet) {
             SdpSetFnFree([](void *memory) { freed = memory; });
         });
         if (passedUp) {
-            sdpline::passUp(sdpline::Check::ParseRefused, 1);
+            sdpline::logAndForward(sdpline::Check::ParseRefused, 1);
         } else {
             sdpline::fail(sdpline::Check::ConnLastOctetRange);
         }

@@ -204,9 +204,9 @@ protected:
 
     void compareRestOfLine(uint32_t limit) {
         std::string_view rest;
-        Lexer lexer = sdpline::lexer::enter();
+        Lexer lexer = sdpline::lexer::load();
         const bool fits = lexer.takeRestOfLine(rest, limit);
-        sdpline::lexer::leave(lexer);
+        sdpline::lexer::store(lexer);
         const std::optional<std::string> expected = model_.gatherRestOfLine(limit);
         ASSERT_EQ(fits, expected.has_value());
         if (fits) {
@@ -217,9 +217,9 @@ protected:
 
     void compareBytesToSlash(uint32_t limit) {
         std::string_view bytes;
-        Lexer lexer = sdpline::lexer::enter();
+        Lexer lexer = sdpline::lexer::load();
         const bool fits = lexer.takeBytesToSlash(bytes, limit);
-        sdpline::lexer::leave(lexer);
+        sdpline::lexer::store(lexer);
         const std::optional<std::string> expected = model_.gatherToSlash(limit);
         ASSERT_EQ(fits, expected.has_value());
         if (fits) {

@@ -469,6 +469,75 @@ TEST_F(InputGone, TheNextInputIsRead) {
     EXPECT_STREQ(LT(), "v=");
 }
 
+// ---- What a decode finds, and what a log hook sees of it
+
+class DecodeState : public testing::Test {
+protected:
+    void SetUp() override { clearSdpLexer(); }
+    void TearDown() override { clearSdpLexer(); }
+
+    static constexpr const char *kGood = "v=0\no=- 1 1 IN IP4 x\ns=-\n";
+};
+
+TEST_F(DecodeState, AnEndSetBeforeADecodeKeepsTheFirstTokenFromBeingCut) {
+    sdpSetTToken(SDP_TOK_LF);
+    sdpSetEnd(1);
+    EXPECT_EQ(named(decodeText(kGood)), "StartVersion 100");
+    EXPECT_EQ(sdpGetEnd(), 0u) << "the refused parse cleared it";
+    EXPECT_EQ(named(decodeText(kGood)), "ok");
+}
+
+TEST_F(DecodeState, PlacesSetBeforeADecodeAreWhereItBegins) {
+    sdpSetEndToken(3); // the line end after the version
+    EXPECT_EQ(named(decodeText(kGood)), "StartVersion 100");
+    sdpSetEndToken(1);
+    EXPECT_EQ(named(decodeText("##v=0\no=- 1 1 IN IP4 x\ns=-\n")), "ok");
+    sdpSetStartToken(4);
+    sdpSetIndex(2);
+    EXPECT_EQ(named(decodeText("####v=0\no=- 1 1 IN IP4 x\ns=-\n")), "ok");
+}
+
+std::string seenInHook;
+
+void lookInHook(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                const char *, ...) {
+    if (seenInHook.empty()) {
+        seenInHook = sdpGetThrowAwayBuffer();
+        for (const uint32_t value :
+             {sdpGetStartToken(), sdpGetEndToken(), LA(), sdpGetLexerContext(), sdpGetEnd()}) {
+            seenInHook += ' ' + std::to_string(value);
+        }
+        seenInHook += ' ' + std::string(LT());
+    }
+}
+
+TEST_F(DecodeState, ALogHookSeesTheFirstTokenAndTheTextTakenLast) {
+    const SipLmLogHndlr before = g_gpfnSipLmLogHndlr;
+    g_gpfnSipLmLogHndlr = lookInHook;
+    EXPECT_EQ(named(decodeText((kNamed + "c=IN IP4 1.256.").c_str())), "ConnOctetRange 101");
+    g_gpfnSipLmLogHndlr = before;
+    EXPECT_EQ(seenInHook, "256 0 1 37 1 0 v=");
+    EXPECT_STREQ(sdpGetThrowAwayBuffer(), "v=") << "taken by the hook, later than the octet";
+}
+
+void decodeInHook(uint32_t, uint32_t, uint32_t, const char *, const char *function, uint32_t,
+                  uint32_t, const char *, ...) {
+    if (function == std::string("sdpConnectionFieldAddrIpv4")) {
+        decodeText("v=x");
+    }
+}
+
+TEST_F(DecodeState, ADecodeInAHookLeavesTheFailureOfTheOuterOne) {
+    const SipLmLogHndlr before = g_gpfnSipLmLogHndlr;
+    g_gpfnSipLmLogHndlr = decodeInHook;
+    EXPECT_EQ(named(decodeText((kNamed + "c=IN IP4 1.256.").c_str())), "ConnOctetRange 101");
+    g_gpfnSipLmLogHndlr = before;
+    SDPFailure failure = {};
+    SdpLibGetLastFailure(&failure);
+    EXPECT_STREQ(failure.pcCheck, "ConnOctetRange");
+    EXPECT_EQ(failure.ulLine, 4u);
+}
+
 std::string textsInHook;
 
 void readInHook(uint32_t, uint32_t, uint32_t, const char *, const char *function, uint32_t,

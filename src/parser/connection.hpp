@@ -1,0 +1,13 @@
+// The productions of the c= line that have exported names too.
+#pragma once
+
+#include "parser/parser.hpp"
+
+namespace sdpline {
+
+SDPResult addressType(SDPConnection &connection, uint32_t kind);
+bool parseIpv4(Parser &p, SDPConnection &connection);
+bool parseIpv6(Parser &p, SDPConnection &connection);
+bool parseTtlAndCount(Parser &p, SDPConnection &connection);
+
+} // namespace sdpline

@@ -1,0 +1,16 @@
+// The productions of the media descriptions and their m= lines that have exported names too.
+#pragma once
+
+#include "parser/parser.hpp"
+
+namespace sdpline {
+
+bool parseMediaDescription(Parser &parser, SDPMediaDesc &desc);
+
+SDPResult classifyMedia(SDPMediaField &field, std::string_view word);
+bool parseFormats(Parser &p, SDPMediaField &field, std::string_view proto);
+bool parsePayloads(Parser &p, SDPMediaField &field, uint32_t proto);
+bool parsePayloadNumbers(Parser &p, uint32_t &count, uint32_t *numbers, uint32_t limit);
+bool parseOtherFormat(Parser &p, SDPMediaField &field, uint32_t proto);
+
+} // namespace sdpline

@@ -1,0 +1,80 @@
+// A text in its normal form, and the way back from a byte of it to the text.
+#include "parser/normalform.hpp"
+
+#include <bit>
+
+#include "sdpline/sipcore.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace sdpline {
+
+namespace {
+
+// Copies the bytes above CR, which are plain text, from `byte` on, and returns where they end. SSE2
+// copies sixteen at once, those after the end among them: they are written over later.
+SDPLINE_INLINE const uint8_t *copyPlain(const uint8_t *byte, const uint8_t *end, uint8_t *&out) {
+#ifdef __SSE2__
+    const __m128i limit = _mm_set1_epi8('\r');
+    for (; end - byte >= 16; byte += 16, out += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(byte));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), bytes);
+        const __m128i low = _mm_cmpeq_epi8(_mm_min_epu8(bytes, limit), bytes);
+        const auto mask = static_cast<uint32_t>(_mm_movemask_epi8(low));
+        if (mask != 0) {
+            const int plain = std::countr_zero(mask);
+            out += plain;
+            return byte + plain;
+        }
+    }
+#endif
+    while (byte != end && *byte > '\r') {
+        *out++ = *byte++;
+    }
+    return byte;
+}
+
+} // namespace
+
+void normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
+    const uint8_t *const end = text + length;
+    for (const uint8_t *byte = text; (byte = copyPlain(byte, end, out)) != end;) {
+        if (end - byte > 2 && byte[0] == '\r' && byte[1] == '\n' && byte[2] > ' ') [[likely]] {
+            *out++ = '\n'; // as nearly all lines end
+            byte += 2;
+            continue;
+        }
+        const NormaliseStep step = normaliseSpecial(byte, end);
+        *out = *step.byte;
+        out += step.kept;
+        byte = step.next;
+    }
+    *out++ = '\n';
+    *out++ = '\n';
+    *out = '\0';
+}
+
+void normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size) {
+    if (memset_s(out, size, 0, length) != 0) {
+        SIPAbnormalSecureFunc("convertCRLFToCR   ", __LINE__);
+    }
+    normalise(text, length, out);
+}
+
+uint32_t originalOffset(const uint8_t *text, uint32_t length, uint32_t offset) {
+    const uint8_t *const end = text + length;
+    for (const uint8_t *byte = text; byte != end;) {
+        const NormaliseStep step =
+            *byte > '\r' ? NormaliseStep{byte, 1, byte + 1} : normaliseSpecial(byte, end);
+        if (offset < step.kept) {
+            return static_cast<uint32_t>(step.byte - text);
+        }
+        offset -= step.kept;
+        byte = step.next;
+    }
+    return length;
+}
+
+} // namespace sdpline

@@ -1,0 +1,64 @@
+// The o= line. The numbers are kept as text; the address may be any word.
+#include "parser/parser.hpp"
+
+namespace sdpline {
+
+namespace {
+
+// A token of the kind, stored, and the next one under `context`
+SDPLINE_INLINE bool storeToken(Parser &p, SipString &value, uint32_t kind, uint32_t context,
+                               WordChecks checks, Check noMemory,
+                               uint32_t line = __builtin_LINE()) {
+    std::string_view text;
+    return p.read(text, kind, checks, line) && store(p, value, text, noMemory, line) &&
+           p.next(context);
+}
+
+// user SP session-id SP session-version
+SDPLINE_INLINE bool originNames(Parser &p, SDPOrigin &origin) {
+    return storeToken(p, origin.strUserName, SDP_TOK_STRING, Context::String,
+                      {Check::OriginUser, Check::OriginUserText}, Check::OriginUserStore) &&
+           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginUserBlank) &&
+           storeToken(p, origin.strSessionId, SDP_TOK_DIGIT, Context::Alnum,
+                      {Check::OriginId, Check::OriginIdText}, Check::OriginIdStore) &&
+           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginIdBlank) &&
+           storeToken(p, origin.strSessionVersion, SDP_TOK_DIGIT, Context::Alnum,
+                      {Check::OriginVersion, Check::OriginVersionText}, Check::OriginVersionStore);
+}
+
+// SP "IN" SP ( "IP4" / "IP6" ) SP
+SDPLINE_INLINE bool originTypes(Parser &p, SDPOrigin &origin) {
+    if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginVersionBlank) ||
+        !p.see(SDP_TOK_IN, Check::OriginNetType)) {
+        return false;
+    }
+    origin.stNetType.enNetType = SDP_NETTYPE_IN;
+    origin.stNetType.pstrOtherNetType = nullptr;
+    p.next(Context::Sdp);
+    if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginNetTypeBlank)) {
+        return false;
+    }
+    if (!p.is(SDP_TOK_IP4) && !p.is(SDP_TOK_IP6)) {
+        return p.refuse(Check::OriginAddrType);
+    }
+    origin.stAddrType.enAddrType = p.is(SDP_TOK_IP4) ? SDP_ADDRTYPE_IP4 : SDP_ADDRTYPE_IP6;
+    origin.stAddrType.pstrOtherAddrType = nullptr;
+    p.next(Context::Sdp);
+    return p.expect(SDP_TOK_SPACE, Context::String, Check::OriginAddrTypeBlank);
+}
+
+} // namespace
+
+// o= user SP session-id SP session-version SP "IN" SP ( "IP4" / "IP6" ) SP address LF
+bool parseOrigin(Parser &parser, SDPOrigin &origin) {
+    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+        return p.expect(SDP_TOK_ORIGIN, Context::String, Check::OriginLine) &&
+               originNames(p, origin) && originTypes(p, origin) &&
+               storeToken(p, origin.strAddress, SDP_TOK_STRING, Context::String,
+                          {Check::OriginAddress, Check::OriginAddressText},
+                          Check::OriginAddressStore) &&
+               p.endLine(Check::OriginEnd);
+    });
+}
+
+} // namespace sdpline
