@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "output/payloads.hpp"
-
 namespace cli {
 
 namespace {
@@ -17,24 +15,11 @@ OptionalText textOf(std::optional<std::string_view> text) {
     return text ? OptionalText(*text) : std::nullopt;
 }
 
-OptionalText textOf(const std::optional<sdpline::Connection> &connection) {
-    if (!connection) {
-        return std::nullopt;
-    }
-    std::string text = std::string(connection->netType.text()) + ' ' +
-                       std::string(connection->addressType.text()) + ' ' +
-                       connection->address.text();
-    for (const std::optional<uint32_t> &number : {connection->ttl, connection->addressCount}) {
-        text += number ? '/' + std::to_string(*number) : "";
-    }
-    return text;
-}
-
 Texts textsOf(const sdpline::Texts &list) {
     return {list.begin(), list.end()};
 }
 
-// "0 0", with " r=7d 1h 0s" for every r= line.
+// "0 0", with " r=7d 1h 0" for every r= line.
 Texts textsOf(const sdpline::Times &times) {
     Texts texts;
     for (const sdpline::Time time : times) {
@@ -43,8 +28,7 @@ Texts textsOf(const sdpline::Times &times) {
             std::string_view before = " r=";
             for (const sdpline::TypedTime unit : repeat) {
                 text += before;
-                text += std::to_string(unit.value);
-                text += sdpline::wordOf(unit.unit);
+                text += sdpline::toText(unit);
                 before = " ";
             }
         }
@@ -58,7 +42,7 @@ Texts textsOf(const sdpline::Attributes &attributes) {
     Texts texts;
     for (const sdpline::Attribute attribute : attributes) {
         if (!attribute.as<sdpline::Direction>()) {
-            texts.push_back("a=" + attribute.text().valueOr({}));
+            texts.push_back("a=" + sdpline::toText(attribute));
         }
     }
     return texts;
@@ -73,35 +57,16 @@ std::optional<sdpline::Direction> directionOf(const sdpline::Attributes &attribu
     return last;
 }
 
-// "m=audio 5004 RTP/AVP 0 8"
-std::string mediaText(const sdpline::Media &media) {
-    std::string text = "m=" + std::string(media.type().text()) + ' ' + std::to_string(media.port());
-    text += media.portCount() > 1 ? '/' + std::to_string(media.portCount()) : "";
-    text += ' ' + std::string(media.protocol().text());
-    for (const uint32_t payload : media.payloads()) {
-        text += ' ' + std::to_string(payload);
-    }
-    if (media.format() != sdpline::Format::Payloads) {
-        text += ' ' + std::string(media.format().text());
-    }
-    return text;
-}
-
 // "101 (telephone-event/8000)": the mapping of the media description, or the static one.
 std::string payloadText(uint32_t payload, const sdpline::Media &media) {
-    const auto mapped = [payload](std::string_view name, uint32_t clockRate) {
-        return std::to_string(payload) + " (" + std::string(name) + '/' +
-               std::to_string(clockRate) + ')';
-    };
-    if (const auto map = media.attributes().rtpMap(payload)) {
-        return mapped(map->name, map->clockRate);
+    const auto mapped = media.attributes().rtpMap(payload);
+    const auto encoding = mapped ? mapped : sdpline::staticEncoding(payload);
+    std::string text = std::to_string(payload);
+    if (encoding) {
+        text +=
+            " (" + std::string(encoding->name) + '/' + std::to_string(encoding->clockRate) + ')';
     }
-    for (const Profile &profile : profiles()) {
-        if (profile.payload == payload) {
-            return mapped(profile.name, profile.clockRate);
-        }
-    }
-    return std::to_string(payload);
+    return text;
 }
 
 // What two different values of an attribute have in common: the name, and the payload where there
@@ -164,8 +129,7 @@ private:
         texts({"email", "e="}, textsOf(first_.emails()), textsOf(second_.emails()));
         texts({"phone", "p="}, textsOf(first_.phones()), textsOf(second_.phones()));
         if (isInForce([](const auto &media) { return media.connection().has_value(); })) {
-            optional({"connection", "c="}, textOf(first_.connection()),
-                     textOf(second_.connection()));
+            connection(first_.connection(), second_.connection());
         }
         texts({"bandwidth", "b="}, textsOf(first_.bandwidths()), textsOf(second_.bandwidths()));
         texts({"time", kProtocolWords}, textsOf(first_.times()), textsOf(second_.times()));
@@ -199,7 +163,7 @@ private:
             place_ = i + 1;
             mediaType_ = body.media()[i].type().text();
             add({"description", kWholeLine}, std::nullopt, std::nullopt);
-            changes_.back().*side = mediaText(body.media()[i]);
+            changes_.back().*side = "m=" + sdpline::toText(body.media()[i]);
         }
     }
 
@@ -213,8 +177,7 @@ private:
         payloads(a, b);
         optional({"info", "i="}, textOf(a.info()), textOf(b.info()));
         if (a.connection() || b.connection()) {
-            optional({"connection", "c="}, textOf(first_.connectionOf(a)),
-                     textOf(second_.connectionOf(b)));
+            connection(first_.connectionOf(a), second_.connectionOf(b));
         }
         const auto directionA = directionOf(a.attributes());
         const auto directionB = directionOf(b.attributes());
@@ -301,6 +264,16 @@ private:
 
     void direction(sdpline::Direction from, sdpline::Direction to) {
         text({"direction", "a="}, sdpline::wordOf(from), sdpline::wordOf(to));
+    }
+
+    void connection(const std::optional<sdpline::Connection> &from,
+                    const std::optional<sdpline::Connection> &to) {
+        const auto text = [](const std::optional<sdpline::Connection> &one) {
+            return one ? OptionalText(sdpline::toText(*one)) : std::nullopt;
+        };
+        if (from != to) {
+            add({"connection", "c="}, text(from), text(to));
+        }
     }
 
     void optional(What what, const OptionalText &from, const OptionalText &to) {

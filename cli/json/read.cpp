@@ -1,15 +1,15 @@
 // JSON to records. Everything is checked: what comes out can be encoded whatever came in.
 #include "json/json.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <span>
 #include <stdexcept>
 #include <vector>
 
-#include <arpa/inet.h>
-
 #include "output/text.hpp"
+#include "sdpline/cpp/address.hpp"
 #include "json/fields.hpp"
 
 namespace cli {
@@ -256,9 +256,11 @@ public:
         const bool isIpv4 = address.enTptAddrType == SDP_TPTADDR_IPV4;
         const char *const name = isIpv4 ? "ipv4" : "ipv6";
         const std::string text = bytesOf(input.needed(name), input.pathOf(name));
-        if (inet_pton(isIpv4 ? AF_INET : AF_INET6, text.c_str(), &address.unTptAddr) != 1) {
+        const sdpline::Result<sdpline::Address> octets = sdpline::Address::fromText(text);
+        if (!octets || octets->isV4() != isIpv4) {
             throw unexpected(input.pathOf(name), "an address", text);
         }
+        std::ranges::copy(octets->octets(), reinterpret_cast<uint8_t *>(&address.unTptAddr));
         input.finish();
     }
 

@@ -1,9 +1,8 @@
 // Records to JSON.
 #include "json/json.hpp"
 
-#include <arpa/inet.h>
-
 #include "output/text.hpp"
+#include "sdpline/cpp/address.hpp"
 #include "json/fields.hpp"
 
 namespace cli {
@@ -80,13 +79,11 @@ public:
     void address(const char *key, const SDPTptAddr &address) {
         Output inner;
         inner.code("type", address.enTptAddrType, kTptAddrTypes);
-        char text[INET6_ADDRSTRLEN] = "";
+        const auto &bytes = address.unTptAddr;
         if (address.enTptAddrType == SDP_TPTADDR_IPV4) {
-            inet_ntop(AF_INET, address.unTptAddr.aucIpv4, text, sizeof text);
-            inner.json["ipv4"] = text;
+            inner.json["ipv4"] = sdpline::Address::v4(std::to_array(bytes.aucIpv4)).shortText();
         } else if (address.enTptAddrType == SDP_TPTADDR_IPV6) {
-            inet_ntop(AF_INET6, address.unTptAddr.aucIpv6, text, sizeof text);
-            inner.json["ipv6"] = text;
+            inner.json["ipv6"] = sdpline::Address::v6(std::to_array(bytes.aucIpv6)).shortText();
         }
         json[key] = std::move(inner.json);
     }

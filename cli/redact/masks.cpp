@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include <arpa/inet.h>
-
 #include "output/text.hpp"
+#include "sdpline/cpp/address.hpp"
 
 namespace cli {
 
@@ -92,9 +91,7 @@ std::string Masks::ipv6(const std::array<uint8_t, 16> &address) {
     for (size_t i = 0; i < 4; ++i) {
         mask[15 - i] = static_cast<uint8_t>(n >> 8 * i);
     }
-    char text[INET6_ADDRSTRLEN] = "";
-    inet_ntop(AF_INET6, mask.data(), text, sizeof text);
-    return text;
+    return sdpline::Address::v6(mask).shortText();
 }
 
 } // namespace cli

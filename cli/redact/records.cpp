@@ -1,12 +1,13 @@
 // A decoded body with masks in its records. The rules are those of the text: every value is looked
 // at as the line it came from.
+#include <algorithm>
+#include <array>
 #include <cstring>
-
-#include <arpa/inet.h>
 
 #include "output/text.hpp"
 #include "redact/linemasks.hpp"
 #include "redact/redact.hpp"
+#include "sdpline/cpp/address.hpp"
 #include "sdpline/cpp/detail/attributes.hpp"
 
 namespace cli {
@@ -93,14 +94,17 @@ private:
         if (value == nullptr) {
             return;
         }
+        Masks &masks = redactor_.masks();
         auto &address = value->stTptAddr.unTptAddr;
         if (value->stTptAddr.enTptAddrType == SDP_TPTADDR_IPV4) {
-            const std::string mask = redactor_.masks().ipv4(std::to_array(address.aucIpv4));
-            inet_pton(AF_INET, mask.c_str(), address.aucIpv4);
+            store(masks.ipv4(std::to_array(address.aucIpv4)), address.aucIpv4);
         } else if (value->stTptAddr.enTptAddrType == SDP_TPTADDR_IPV6) {
-            const std::string mask = redactor_.masks().ipv6(std::to_array(address.aucIpv6));
-            inet_pton(AF_INET6, mask.c_str(), address.aucIpv6);
+            store(masks.ipv6(std::to_array(address.aucIpv6)), address.aucIpv6);
         }
+    }
+
+    static void store(const std::string &address, uint8_t *octets) {
+        std::ranges::copy(sdpline::Address::fromText(address)->octets(), octets);
     }
 
     void attributes(const SDPAttrList *list) {

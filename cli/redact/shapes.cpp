@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include <arpa/inet.h>
-
 #include "output/text.hpp"
+#include "sdpline/cpp/address.hpp"
 
 namespace cli {
 
@@ -380,10 +379,13 @@ std::optional<std::array<uint8_t, 4>> ipv4Of(std::string_view text) {
 }
 
 std::optional<std::array<uint8_t, 16>> ipv6Of(std::string_view text) {
-    std::array<uint8_t, 16> address = {};
-    const bool valid = text.size() <= kLongestIpv6 &&
-                       inet_pton(AF_INET6, std::string(text).c_str(), address.data()) == 1;
-    return valid ? std::optional(address) : std::nullopt;
+    const auto address = sdpline::Address::fromText(text.substr(0, kLongestIpv6 + 1));
+    if (!address || !address->isV6()) {
+        return std::nullopt;
+    }
+    std::array<uint8_t, 16> octets;
+    std::ranges::copy(address->octets(), octets.begin());
+    return octets;
 }
 
 std::vector<Finding> findingsOf(std::string_view word) {

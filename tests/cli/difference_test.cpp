@@ -47,7 +47,7 @@ TEST(Differences, OfTheSession) {
                                           "r=7d 1h 0\nz=g\nk=h\na=i\n"),
               "session info - > a; session uri - > b; session email - > c; session phone - > d; "
               "session connection - > IN IP4 10.0.0.1; session bandwidth - > f; "
-              "session time - > 1 2 r=7d 1h 0s; session zone - > g; session key - > h; "
+              "session time - > 1 2 r=7d 1h 0; session zone - > g; session key - > h; "
               "session attribute - > a=i");
     EXPECT_EQ(differencesOf(kSession + "e=a\ne=b\n", kSession + "e=b\ne=c\ne=d\n"),
               "session email a > c; session email - > d");
