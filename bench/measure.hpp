@@ -10,7 +10,7 @@
 
 namespace bench {
 
-// Calls `operation`, which answers whether it did its work, over and over. `allocs` is the calls of
+// Calls `operation`, which returns whether it did its work, over and over. `allocs` is the calls of
 // the heap of one operation in the steady state.
 template <class Operation>
 void measure(benchmark::State &state, const Body &body, Operation operation) {

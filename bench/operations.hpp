@@ -1,4 +1,4 @@
-// The operations of sdpline that are measured. Each answers whether it did its work.
+// The operations of sdpline that are measured. Each returns whether it did its work.
 #pragma once
 
 #include <cstdint>

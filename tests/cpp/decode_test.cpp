@@ -118,9 +118,14 @@ TEST(CppDecode, ALogHookThatDecodesIsRefused) {
     EXPECT_FALSE(body.attributes().add("ptime:20ms"));
     expectBusy();
 
-    const SipString text = {3, const_cast<char *>("v=1")}; // the C decoder, without the lock
+    const SipString text = {3, const_cast<char *>("v=1")};
     SdpLine *line = nullptr;
-    EXPECT_NE(SdpLibDecodeSdp(&text, &line), 0u); // whose last entry comes after the decode
+    {
+#ifndef SDPLINE_THREAD_LOCAL
+        const std::scoped_lock lock(sdpline::decodeMutex());
+#endif
+        EXPECT_NE(SdpLibDecodeSdp(&text, &line), 0u); // the C decoder, whose hook it is, too
+    }
     expectBusy();
     EXPECT_TRUE(Body::decode(kPlain)); // and afterwards as ever
 }
@@ -276,6 +281,24 @@ TEST(CppResultDeathTest, TheValueOfAFailureEndsTheProgram) {
     auto accepted = Body::decode(kPlain);
     EXPECT_DEATH((void)accepted.error(), "");
     EXPECT_DEATH((void)sdpline::Status().error(), "");
+}
+
+TEST(CppDecode, RtpAvpfGoesWithItsDecode) {
+    const std::string text = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n"
+                             "m=audio 49170 RTP/AVPF 0 8\r\n";
+    EXPECT_FALSE(Body::decode(text));
+    auto body = Body::decode(std::as_bytes(std::span(text)), {.rtpFamily = true});
+    ASSERT_TRUE(body) << body.error();
+    const sdpline::MediaEditor media = body->media()[0];
+    EXPECT_EQ(media.protocol(), sdpline::Protocol::RtpAvpf);
+    EXPECT_EQ(media.payloads().size(), 2u);
+    EXPECT_DONE(media.setLine(media.line()));
+    EXPECT_EQ(written(*body), text);
+    EXPECT_FALSE(Body::decode(text)); // the process's setting is as it was
+    const auto one = Body::decode("v=0\no=- 1 1 IN IP4 0\ns=-\nm=audio 1 RTP/AVPF 0\n");
+    ASSERT_TRUE(one) << one.error();
+    EXPECT_EQ(one->media()[0].protocol(), sdpline::Protocol::Other); // one format, a word
+    EXPECT_EQ(one->media()[0].protocol().text(), "RTP/AVPF");
 }
 
 TEST(CppDecode, BytesAreText) {

@@ -17,7 +17,7 @@ class Editing {
 public:
     explicit Editing(std::mt19937 &engine) : chance_(engine) {}
 
-    // Makes one edit, and answers whether it was let through.
+    // Makes one edit, and returns whether it was let through.
     bool one(Body &body) {
         switch (chance_.below(15)) {
         case 0: return body.setSessionName(text()).ok();

@@ -114,7 +114,7 @@ std::string seen(const Body &body) {
     return written(body) + std::to_string(body.times().size());
 }
 
-// Answers how many requests failed before one run succeeded.
+// Returns how many requests failed before one run succeeded.
 std::uint32_t failuresOf(const Operation &operation, std::string_view text) {
     offer();
     for (std::uint32_t n = 1;; ++n) {

@@ -91,8 +91,8 @@ namespace internal {
  *     std::scoped_lock lock(sdpline::decodeMutex());
  *     SdpLibDecodeSdp(&text, &line);
  *
- * While a thread holds it, and in a log hook that a decode calls, decodes of this API fail with
- * Fault::Busy instead of waiting for themselves.
+ * While a thread holds it, as in a log hook that a decode calls, decodes of this API fail with
+ * Fault::Busy on that thread instead of waiting for themselves.
  *
  * There is one in a program and the shared libraries that it is linked with. A library loaded with
  * local symbols may have one of its own: then only one of the two decodes, or they lock outside.
@@ -109,13 +109,9 @@ namespace internal {
 /* One decode's turn, from the construction to the destruction. */
 class DecodeTurn {
 public:
-    DecodeTurn() : refused_(decodingHere) {
+    DecodeTurn() : refused_(isDecodingHere()) {
         if (!refused_) {
             take();
-            refused_ = g_mSdpDecodeMemCp != nullptr; /* a log hook under the C decoder */
-            if (refused_) {
-                giveBack();
-            }
         }
     }
     ~DecodeTurn() {
@@ -131,6 +127,10 @@ public:
 
 private:
 #ifdef SDPLINE_THREAD_LOCAL
+    /* Or a log hook of the C decoder, which no lock shows. */
+    static bool isDecodingHere() {
+        return decodingHere || g_mSdpDecodeMemCp != nullptr;
+    }
     static void take() {
         decodingHere = true;
     }
@@ -138,6 +138,9 @@ private:
         decodingHere = false;
     }
 #else
+    static bool isDecodingHere() {
+        return decodingHere;
+    }
     static void take() {
         decoding.lock();
     }

@@ -20,7 +20,9 @@ inline namespace v1 {
  * other.
  */
 struct DecodeOptions {
-    bool rtpFamily = false;                   /* as SdpSetSupMedProtoRtpFamily(1) */
+    /* as SdpSetSupMedProtoRtpFamily(1): "RTP/AVPF", "UDP/TLS/RTP/SAVPF" and the like take a list of
+     * payload numbers */
+    bool rtpFamily = false;
     std::uint32_t maxBodySize = SDP_MAX_BODY; /* 1 to SDP_MAX_LONG_BODY, else it is refused */
 };
 

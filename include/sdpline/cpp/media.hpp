@@ -51,10 +51,14 @@ public:
     }
     std::uint32_t port() const { return field().ulPort; }
     std::uint32_t portCount() const { return field().ulNoOfPorts; }
+    /* "RTP/AVPF" with payload numbers is Protocol::RtpAvpf, whatever the decode took it for. */
     Keyword<Protocol> protocol() const {
         const SDPMediaProto &protocol = field().stProto;
-        return Keyword<Protocol>::of(Protocol{protocol.enProto},
-                                     internal::viewOf(protocol.pstrOtherProto));
+        const std::string_view other = internal::viewOf(protocol.pstrOtherProto);
+        const bool listed = field().stMediaFmt.enFmtType == SDP_FMT_RTP_PAYLOADS;
+        return listed && protocol.enProto == SDP_PROTO_OTHER
+                   ? Keyword<Protocol>(other)
+                   : Keyword<Protocol>::of(Protocol{protocol.enProto}, other);
     }
     Keyword<Format> format() const { return internal::formatOf(field().stMediaFmt); }
     /* Empty unless the format is Payloads. */

@@ -214,8 +214,9 @@ inline bool sameNumbers(std::span<const std::uint32_t> one, std::span<const std:
  * One m= line. RTP protocols go with the format Payloads and 1 to 100 payload numbers, none being
  * allowed for port 0; the others with one format word, "t120" over TCP only. A protocol that the
  * library does not know may have payload numbers too, of which it reads back only one; the same
- * holds for "RTP/AVPF" while SdpSetSupMedProtoRtpAvpf is off. With DecodeOptions::rtpFamily all
- * payload numbers of words such as "UDP/TLS/RTP/SAVPF" are read back.
+ * holds for "RTP/AVPF" while SdpSetSupMedProtoRtpAvpf is off, and for both unless the decode is of
+ * the RTP family (see DecodeOptions). With DecodeOptions::rtpFamily all payload numbers of words
+ * such as "UDP/TLS/RTP/SAVPF" are read back.
  */
 struct MediaLine {
     Keyword<MediaType> type = MediaType::Audio;

@@ -46,7 +46,8 @@ enum class Protocol : std::uint32_t {
     Tcp = SDP_PROTO_TCP,
     Udptl = SDP_PROTO_UDPTL,
     RtpSavp = SDP_PROTO_RTP_SAVP,
-    RtpAvpf = SDP_PROTO_RTP_AVPF, /* read as Other while SdpSetSupMedProtoRtpAvpf is off */
+    RtpAvpf = SDP_PROTO_RTP_AVPF, /* read as Other while SdpSetSupMedProtoRtpAvpf is off,
+                                     unless DecodeOptions::rtpFamily is set */
     Other = SDP_PROTO_OTHER
 };
 
