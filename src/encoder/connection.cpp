@@ -1,39 +1,97 @@
-// The exported names of what writes a c= line.
-#include "encoder/connection.hpp"
+// How a c= line is written.
+//
+// A code that has no text ends the line there. A refused append does so too, but the TTL is then
+// still tried: the two differ in what they leave in the buffer.
+#include "encoder/encoder.hpp"
 
-using namespace sdpline;
+namespace sdpline {
 
-extern "C" {
-
-SDPResult sdpLibEncodeConnectionField(uint32_t *pulFlag, SDPConnection *pstConn,
-                                      SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeConnection(out, pulFlag, *pstConn); });
+// nettype = "IN" / token
+SDPResult writeConnectionNetType(Output &out, const SDPConnection &connection,
+                                 uint32_t &typeError) {
+    const SDPNetType &type = connection.stNetType;
+    if (type.enNetType == SDP_NETTYPE_OTHER) {
+        return out.text(type.pstrOtherNetType);
+    }
+    if (const KeywordRow *const word = findByCode(kNetTypeWords, type.enNetType)) {
+        return out.word(word->text);
+    }
+    typeError = 1;
+    return fail(out, Check::ConnNetTypeValue);
 }
 
-SDPResult sdpLibEncodeConnectionFieldNetType(SipStringBuffer *pstBuf, SDPConnection *pstConn,
-                                             uint32_t *pbTypeError) {
-    return writeTo(
-        pstBuf, [=](Output &out) { return writeConnectionNetType(out, *pstConn, *pbTypeError); });
+// addrtype = "IP4" / "IP6" / token
+SDPResult writeConnectionAddrType(Output &out, const SDPConnection &connection,
+                                  uint32_t &typeError) {
+    const SDPAddrType &type = connection.stAddrType;
+    if (type.enAddrType == SDP_ADDRTYPE_OTHER) {
+        return out.text(type.pstrOtherAddrType);
+    }
+    if (const KeywordRow *const word = findByCode(kAddrTypeWords, type.enAddrType)) {
+        return out.word(word->text);
+    }
+    typeError = 1;
+    return fail(out, Check::ConnAddrTypeValue);
 }
 
-SDPResult sdpLibEncodeConnectionFieldAddrType(SipStringBuffer *pstBuf, SDPConnection *pstConn,
-                                              uint32_t *pbTypeError) {
-    return writeTo(
-        pstBuf, [=](Output &out) { return writeConnectionAddrType(out, *pstConn, *pbTypeError); });
+static void writeIpv4(Output &out, const uint8_t (&address)[4]) {
+    out.number(address[0]);
+    for (uint32_t i = 1; i < 4; ++i) {
+        out.character('.');
+        out.number(address[i]);
+    }
 }
 
-SDPResult sdpLibEncodeConnectionFieldAddr(SipStringBuffer *pstBuf, SDPConnection *pstConn,
-                                          uint32_t *pbTypeError) {
-    return writeTo(
-        pstBuf, [=](Output &out) { return writeConnectionAddress(out, *pstConn, *pbTypeError); });
+// 7( 4HEXDIG ":" ) 4HEXDIG: nothing is shortened, so that one address has one text
+SDPResult writeIpv6(Output &out, const SDPConnection &connection) {
+    const auto hexDigit = [](uint32_t value) { return "0123456789ABCDEF"[value & 0xF]; };
+    for (uint32_t i = 0; i < 16; ++i) {
+        if (i != 0 && i % 2 == 0) {
+            out.character(':');
+        }
+        const uint32_t octet = connection.stTptAddr.unTptAddr.aucIpv6[i];
+        out.character(hexDigit(octet >> 4));
+        out.character(hexDigit(octet));
+    }
+    return 0;
 }
 
-void sdpLibEncodeConnectionFieldIPv6AddrFmt(SipStringBuffer *pstBuf, SDPConnection *pstConn) {
-    writeTo(pstBuf, [=](Output &out) { return writeIpv6(out, pstConn); });
+// address = IP4-address / IP6-address, from the binary form; refused appends are no failure
+SDPResult writeConnectionAddress(Output &out, const SDPConnection &connection,
+                                 uint32_t &typeError) {
+    switch (connection.stTptAddr.enTptAddrType) {
+    case SDP_TPTADDR_IPV4: writeIpv4(out, connection.stTptAddr.unTptAddr.aucIpv4); return 0;
+    case SDP_TPTADDR_IPV6: return outOfLine<writeIpv6>(out, connection);
+    default: typeError = 1; return fail(out, Check::ConnTptAddrValue);
+    }
 }
 
-SDPResult sdpLibEncodeConnectionFieldTtl(SipStringBuffer *pstBuf, SDPConnection *pstConn) {
-    return writeTo(pstBuf, [=](Output &out) { return writeTtl(out, *pstConn); });
+// [ "/" ttl [ "/" count ] ]
+SDPResult writeTtl(Output &out, const SDPConnection &connection) {
+    Appender ttl(out);
+    if (connection.ulTtl != SDP_NOT_GIVEN) {
+        ttl.character('/').number(connection.ulTtl);
+        if (connection.ulNoOfAddrs != SDP_NOT_GIVEN) {
+            ttl.character('/').number(connection.ulNoOfAddrs);
+        }
+    }
+    return ttl.result();
 }
 
-} // extern "C"
+// c= nettype SP addrtype SP address [ "/" ttl [ "/" count ] ] CRLF
+SDPResult writeConnection(Output &out, const uint32_t *flag, const SDPConnection &connection) {
+    uint32_t typeError = 0;
+    Appender line(out);
+    line.prefix(flag, 'c')
+        .then([&] { return writeConnectionNetType(out, connection, typeError); })
+        .character(' ')
+        .then([&] { return writeConnectionAddrType(out, connection, typeError); })
+        .character(' ')
+        .then([&] { return writeConnectionAddress(out, connection, typeError); });
+    if (typeError == 0) {
+        writeTtl(out, connection);
+    }
+    return line.lineEnd().result();
+}
+
+} // namespace sdpline

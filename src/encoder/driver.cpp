@@ -1,12 +1,7 @@
-// The encoder's driver: a whole body line by line, or one line alone, and the lines that hold
-// nothing but a number or a text.
+// The encoder's driver: a whole body line by line, or one line alone.
 #include "encoder/encoder.hpp"
 
 #include <iterator>
-
-#include "encoder/media.hpp"
-#include "encoder/origin.hpp"
-#include "encoder/time.hpp"
 
 namespace sdpline {
 
@@ -16,35 +11,24 @@ namespace {
 
 constexpr uint32_t kPrefixed = 1;
 
-// v= 1*DIGIT CRLF
-SDPLINE_INLINE SDPResult writeVersion(Output &out, const uint32_t *flag, uint32_t version) {
-    if (const uint32_t result = appendPrefix(out, flag, 'v')) {
-        return logAndForward(out, Check::EncodeVersionPrefix, result);
-    }
-    if (const uint32_t result = out.number(version)) {
-        return logAndForward(out, Check::EncodeVersionNumber, result);
-    }
-    return out.lineEnd();
-}
-
 // Writes the lines of one body: each one that the body has, while none failed.
 class BodyWriter {
 public:
-    SDPLINE_INLINE explicit BodyWriter(Output &out) : out_(out) {}
+    explicit BodyWriter(Output &out) : out_(out) {}
 
     template <class Write>
-    SDPLINE_INLINE BodyWriter &line(Check failed, Write write) {
+    BodyWriter &line(Check failed, Write write) {
         if (result_ == 0 && write() != 0) [[unlikely]] {
             result_ = fail(out_, failed);
         }
         return *this;
     }
-    SDPLINE_INLINE BodyWriter &text(Check failed, char key, const SipString *value) {
+    BodyWriter &text(Check failed, char key, const SipString *value) {
         return line(failed, [=, this] {
             return value != nullptr ? writeTextLine(out_, &kPrefixed, key, value) : 0;
         });
     }
-    SDPLINE_INLINE BodyWriter &texts(Check failed, char key, const SDPStringList *list) {
+    BodyWriter &texts(Check failed, char key, const SDPStringList *list) {
         return line(failed, [=, this] {
             return list != nullptr ? writeTextLines(out_, &kPrefixed, key, list->ulNoOfStrings,
                                                     list->ppstStrings)
@@ -52,7 +36,7 @@ public:
         });
     }
 
-    SDPLINE_INLINE SDPResult result() const { return result_; }
+    SDPResult result() const { return result_; }
 
 private:
     Output &out_;
@@ -60,7 +44,7 @@ private:
 };
 
 // The lines of a body in the order they are written (RFC 4566 section 5).
-SDPLINE_INLINE SDPResult writeBody(Output &out, SdpLine &body) {
+SDPResult writeLines(Output &out, SdpLine &body) {
     constexpr const uint32_t *flag = &kPrefixed;
     const SDPConnection *const connection = body.pstConnection;
     const SDPAttrList *const attributes = body.pstAttrList;
@@ -81,67 +65,71 @@ SDPLINE_INLINE SDPResult writeBody(Output &out, SdpLine &body) {
         .text(Check::EncodeKey, 'k', key != nullptr ? &key->strKey : nullptr)
         .line(Check::EncodeAttributes,
               [&] {
-                  return attributes != nullptr ? apart<writeAttributes>(out, flag, attributes) : 0;
+                  return attributes != nullptr ? outOfLine<writeAttributes>(out, flag, attributes)
+                                               : 0;
               })
         .line(Check::EncodeMedia, [&] { return writeMediaSet(out, flag, body.stMediaSet); })
         .result();
 }
 
+// Flattened: all that is called here is inlined, when the library is linked, from the other
+// sources. Nothing else then knows where the copy of the Output is, and it stays in registers.
+[[gnu::flatten]] SDPResult writeBody(Output &out, SdpLine &body) {
+    return onCopy(out, [&](Output &lines) { return writeLines(lines, body); });
+}
+
 // ---- One line
 
-SDPResult versionLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return sdpLibEncodeProtocolField(flag, static_cast<uint32_t *>(field), buffer);
+SDPResult versionLine(Output &out, const uint32_t *flag, char, void *field) {
+    return writeVersion(out, flag, *static_cast<const uint32_t *>(field));
 }
 
-SDPResult connectionLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return sdpLibEncodeConnectionField(flag, static_cast<SDPConnection *>(field), buffer);
+SDPResult connectionLine(Output &out, const uint32_t *flag, char, void *field) {
+    return writeConnection(out, flag, *static_cast<const SDPConnection *>(field));
 }
 
-SDPResult originLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return sdpLibEncodeOriginField(flag, static_cast<SDPOrigin *>(field), buffer);
+SDPResult originLine(Output &out, const uint32_t *flag, char, void *field) {
+    return writeOrigin(out, flag, *static_cast<const SDPOrigin *>(field));
 }
 
-SDPResult mediaLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return sdpLibEncodeMediaField(flag, static_cast<SDPMediaField *>(field), buffer);
+SDPResult mediaLine(Output &out, const uint32_t *flag, char, void *field) {
+    return writeMediaField(out, flag, *static_cast<const SDPMediaField *>(field));
 }
 
 // As in a list, an attribute that cannot be written leaves its line short and is no failure.
-SDPResult attributeLine(char key, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return writeTo(buffer, [=](Output &out) {
-        appendPrefix(out, flag, key);
-        auto &attr = *static_cast<SDPAttr *>(field);
-        writeAttribute(out, attr, shapeOf(attr.ulAttrType));
-        return out.lineEnd();
-    });
+SDPResult attributeLine(Output &out, const uint32_t *flag, char key, void *field) {
+    appendPrefix(out, flag, key);
+    writeAttribute(out, *static_cast<SDPAttr *>(field));
+    return out.lineEnd();
 }
 
 // The t= line alone: a set of one, without r= lines.
-SDPResult timeLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) {
+SDPResult timeLine(Output &out, const uint32_t *flag, char, void *field) {
     const auto *const given = static_cast<const SDPTimeField *>(field);
     SDPTimeField alone = {given->ulStartTime, given->ulStopTime, nullptr};
     SDPTimeField *fields[] = {&alone};
-    SDPTimeSet set = {1, fields};
-    return sdpLibEncodeTimeSet(flag, &set, buffer);
+    return writeTimes(out, flag, {1, fields});
 }
 
-SDPResult repeatLine(char, uint32_t *flag, void *field, SipStringBuffer *buffer) {
+SDPResult repeatLine(Output &out, const uint32_t *flag, char, void *field) {
     SDPRepeatField *fields[] = {static_cast<SDPRepeatField *>(field)};
-    SDPRepeatFieldSet set = {1, fields};
-    return sdpLibEncodeRepeatFields(flag, &set, buffer);
+    const SDPRepeatFieldSet set = {1, fields};
+    return writeRepeats(out, flag, &set);
 }
 
-SDPResult textLine(char key, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return sdpLibEncodeStringField(flag, key, static_cast<SipString *>(field), buffer);
+SDPResult textLine(Output &out, const uint32_t *flag, char key, void *field) {
+    return writeTextLine(out, flag, key, static_cast<const SipString *>(field));
 }
 
-SDPResult keyLine(char key, uint32_t *flag, void *field, SipStringBuffer *buffer) {
-    return sdpLibEncodeStringField(flag, key, &static_cast<SDPKey *>(field)->strKey, buffer);
+SDPResult keyLine(Output &out, const uint32_t *flag, char key, void *field) {
+    const SDPKey &value = *static_cast<const SDPKey *>(field);
+    return writeTextLine(out, flag, key, &value.strKey);
 }
 
 struct SingleLine {
     uint32_t type;
     char key;
-    SDPResult (*write)(char key, uint32_t *flag, void *field, SipStringBuffer *buffer);
+    SDPResult (*write)(Output &out, const uint32_t *flag, char key, void *field);
 };
 
 constexpr SingleLine kSingleLines[] = {
@@ -174,48 +162,22 @@ static_assert(indexedByType());
 
 } // namespace
 
-} // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-// Flattened, so that no part of it asks for the place of the Output.
-[[gnu::flatten]] SDPResult SdpLibEncodeSdpInt(SdpLine *pstLine, SipStringBuffer *pstBuf) {
-    if (pstLine == nullptr || pstBuf == nullptr) {
+SDPResult encodeBody(SdpLine *line, SipStringBuffer *buffer) {
+    if (line == nullptr || buffer == nullptr) {
         return fail(Check::EncodeBodyArgument);
     }
-    return writeTo(pstBuf, [=](Output &out) { return writeBody(out, *pstLine); });
+    return writeTo(buffer, writeBody, *line);
 }
 
-SDPResult SdpLibEncodeLine(int32_t enLineType, uint32_t *pulFlag, void *pField,
-                           SipStringBuffer *pstBuf) {
-    if (pulFlag == nullptr || pField == nullptr || pstBuf == nullptr) {
+SDPResult encodeLine(int32_t type, const uint32_t *flag, void *field, SipStringBuffer *buffer) {
+    if (flag == nullptr || field == nullptr || buffer == nullptr) {
         return fail(Check::EncodeLineArgument);
     }
-    if (enLineType < 0 || enLineType >= SDP_LINE_COUNT) {
+    if (type < 0 || type >= SDP_LINE_COUNT) {
         return fail(Check::EncodeLineType);
     }
-    const SingleLine &line = kSingleLines[enLineType];
-    return line.write(line.key, pulFlag, pField, pstBuf);
+    const SingleLine &line = kSingleLines[type];
+    return writeTo(buffer, line.write, flag, line.key, field);
 }
 
-SDPResult sdpLibEncodeProtocolField(uint32_t *pulFlag, uint32_t *pulVersion,
-                                    SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeVersion(out, pulFlag, *pulVersion); });
-}
-
-SDPResult sdpLibEncodeStringField(uint32_t *pulFlag, char cKey, SipString *pstValue,
-                                  SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf,
-                   [=](Output &out) { return writeTextLine(out, pulFlag, cKey, pstValue); });
-}
-
-SDPResult sdpLibEncodeStringListField(uint32_t *pulFlag, char cKey, uint32_t ulCount,
-                                      SipString **ppstItems, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) {
-        return writeTextLines(out, pulFlag, cKey, ulCount, ppstItems);
-    });
-}
-
-} // extern "C"
+} // namespace sdpline

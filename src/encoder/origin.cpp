@@ -1,21 +1,43 @@
-// The exported names of what writes an o= line.
-#include "encoder/origin.hpp"
+// How an o= line is written.
+#include "encoder/encoder.hpp"
 
-using namespace sdpline;
+namespace sdpline {
 
-extern "C" {
-
-SDPResult sdpLibEncodeOriginField(uint32_t *pulFlag, SDPOrigin *pstOrigin,
-                                  SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeOrigin(out, pulFlag, *pstOrigin); });
+// nettype = "IN" / token
+SDPResult writeOriginNetType(Output &out, const SDPOrigin &origin) {
+    const SDPNetType &type = origin.stNetType;
+    if (type.enNetType == SDP_NETTYPE_OTHER) {
+        return out.text(type.pstrOtherNetType);
+    }
+    return appendWord(out, kNetTypeWords, type.enNetType, Check::OriginNetTypeValue);
 }
 
-SDPResult sdpLibEncodeOriginFieldNetType(SipStringBuffer *pstBuf, SDPOrigin *pstOrigin) {
-    return writeTo(pstBuf, [=](Output &out) { return writeOriginNetType(out, *pstOrigin); });
+// addrtype = "IP4" / "IP6" / token
+SDPResult writeOriginAddrType(Output &out, const SDPOrigin &origin) {
+    const SDPAddrType &type = origin.stAddrType;
+    if (type.enAddrType == SDP_ADDRTYPE_OTHER) {
+        return out.text(type.pstrOtherAddrType);
+    }
+    return appendWord(out, kAddrTypeWords, type.enAddrType, Check::OriginAddrTypeValue);
 }
 
-SDPResult sdpLibEncodeOriginFieldAddrType(SipStringBuffer *pstBuf, SDPOrigin *pstOrigin) {
-    return writeTo(pstBuf, [=](Output &out) { return writeOriginAddrType(out, *pstOrigin); });
+// o= username SP sess-id SP sess-version SP nettype SP addrtype SP unicast-address CRLF
+SDPResult writeOrigin(Output &out, const uint32_t *flag, const SDPOrigin &origin) {
+    return Appender(out)
+        .prefix(flag, 'o')
+        .text(&origin.strUserName)
+        .character(' ')
+        .text(&origin.strSessionId)
+        .character(' ')
+        .text(&origin.strSessionVersion)
+        .character(' ')
+        .then([&] { return writeOriginNetType(out, origin); })
+        .character(' ')
+        .then([&] { return writeOriginAddrType(out, origin); })
+        .character(' ')
+        .text(&origin.strAddress)
+        .lineEnd()
+        .result();
 }
 
-} // extern "C"
+} // namespace sdpline

@@ -1,20 +1,59 @@
-// The exported names of what writes the words of a precondition.
-#include "encoder/precondition.hpp"
+// How a=curr, a=des and a=conf are written (RFC 3312 section 4). Their words report as part of the
+// encoder's driver.
+#include "encoder/encoder.hpp"
 
-using namespace sdpline;
+namespace sdpline {
 
-extern "C" {
-
-SDPResult sdpLibEncodeStatusStrengthTag(SDPRsrcMgmtStatus *pstStatus, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeStrengthTag(out, *pstStatus); });
+// strength-tag = "mandatory" / "optional" / "none" / "failure" / "unknown"
+SDPResult writeStrengthTag(Output &out, const SDPRsrcMgmtStatus &status) {
+    return appendWord(out, kStrengthWords, status.enStrengthTag, Check::WordStrength);
 }
 
-SDPResult sdpLibEncodeStatusType(SDPRsrcMgmtStatus *pstStatus, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeStatusType(out, *pstStatus); });
+// status-type = "e2e" / "local" / "remote"
+SDPResult writeStatusType(Output &out, const SDPRsrcMgmtStatus &status) {
+    return appendWord(out, kStatusWords, status.enStatusType, Check::WordStatusType);
 }
 
-SDPResult sdpLibEncodeStatusDirTag(SDPRsrcMgmtStatus *pstStatus, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeDirTag(out, *pstStatus); });
+// direction-tag = "none" / "send" / "recv" / "sendrecv"
+SDPResult writeDirTag(Output &out, const SDPRsrcMgmtStatus &status) {
+    return appendWord(out, kDirWords, status.enDirTag, Check::WordDirection);
 }
 
-} // extern "C"
+SDPResult writeStatusName(Output &out, uint32_t type) {
+    return shapeOf(type) == Shape::Precondition ? out.text(&sstrSdpAttrNames[type - 1])
+                                                : fail(out, Check::WordAttrType, type);
+}
+
+// ( "curr:" / "des:" / "conf:" ) precondition-type [ SP strength-tag ] SP status-type
+// SP direction-tag, where the strength is that of "des:" alone
+SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t type) {
+    if (status == nullptr || !out.hasBuffer()) {
+        return fail(out, Check::StatusArgument);
+    }
+    if (writeStatusName(out, type) != 0) {
+        return fail(out, Check::StatusAttrFailed, type);
+    }
+    const SDPPreconditionS &precondition = status->stPrecondition;
+    if (precondition.enPreconditionType != SDP_PRECONDITION_OTHER) {
+        appendKnownWord(out, kPreconditionWords, precondition.enPreconditionType);
+    } else if (precondition.pstrOtherPrecondition != nullptr) {
+        out.text(precondition.pstrOtherPrecondition);
+    }
+    out.character(' ');
+    if (attributeRow(type).has(kStrengthTag)) {
+        if (writeStrengthTag(out, *status) != 0) {
+            return fail(out, Check::StatusStrengthFailed, status->enStrengthTag);
+        }
+        out.character(' ');
+    }
+    if (writeStatusType(out, *status) != 0) {
+        return fail(out, Check::StatusTypeFailed, status->enStatusType);
+    }
+    out.character(' ');
+    if (writeDirTag(out, *status) != 0) {
+        return fail(out, Check::StatusDirectionFailed, status->enDirTag);
+    }
+    return 0;
+}
+
+} // namespace sdpline

@@ -1,21 +1,76 @@
-// The exported names of what writes t= and r= lines.
-#include "encoder/time.hpp"
+// How a t= line and its r= lines are written.
+#include "encoder/encoder.hpp"
 
-using namespace sdpline;
+namespace sdpline {
 
-extern "C" {
-
-SDPResult sdpLibEncodeTimeSet(uint32_t *pulFlag, SDPTimeSet *pstSet, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeTimes(out, pulFlag, *pstSet); });
+// typed-time = 1*DIGIT fixed-len-time-unit: the unit is always written, seconds too
+SDPResult writeTimeUnit(Output &out, const SDPTimeUnit &unit) {
+    out.number(unit.ulTimeValue);
+    const KeywordRow *const word = findByCode(kTimeUnitWords, unit.enTimeType);
+    if (word == nullptr) {
+        return fail(out, Check::TimeTypeValue, unit.enTimeType);
+    }
+    out.character(word->text.front());
+    return 0;
 }
 
-SDPResult sdpLibEncodeRepeatFields(uint32_t *pulFlag, SDPRepeatFieldSet *pstSet,
-                                   SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeRepeats(out, pulFlag, pstSet); });
+// r= repeat-interval SP typed-time 1*( SP typed-time ) CRLF
+SDPResult writeRepeats(Output &out, const uint32_t *flag, const SDPRepeatFieldSet *set) {
+    for (uint32_t i = 0; i < set->ulNoOfRepeatFields; ++i) {
+        const SDPRepeatField &field = *set->ppstRepeatFields[i];
+        SDPTimeUnit *const *const units = field.ppstTimeUnits;
+        if (*flag == 1) {
+            out.character('r');
+            out.character('=');
+        }
+        Appender line(out);
+        // The first slot belongs to every field, whatever its count says.
+        if (units != nullptr) {
+            line.then([&] { return writeTimeUnit(out, *units[0]); });
+        }
+        for (uint32_t k = 1; units != nullptr && k < field.ulNoOfTimeUnits; ++k) {
+            line.character(' ').then([&] { return writeTimeUnit(out, *units[k]); });
+        }
+        if (const SDPResult result = line.lineEnd().result()) {
+            return result;
+        }
+    }
+    return 0;
 }
 
-SDPResult sdpLibEncodeTimeUnit(SDPTimeUnit *pstUnit, SipStringBuffer *pstBuf) {
-    return writeTo(pstBuf, [=](Output &out) { return writeTimeUnit(out, *pstUnit); });
+// t= start-time SP stop-time CRLF
+static SDPResult writeTime(Output &out, const uint32_t *flag, const SDPTimeField &field) {
+    return Appender(out)
+        .prefix(flag, 't')
+        .number(field.ulStartTime)
+        .character(' ')
+        .number(field.ulStopTime)
+        .lineEnd()
+        .result();
 }
 
-} // extern "C"
+// The first t= line that can be written, with its r= lines. What was written of the fields before
+// it stays.
+SDPResult writeTimes(Output &out, const uint32_t *flag, const SDPTimeSet &set) {
+    if (set.ulNoOfTimeFields == 0) {
+        return out.word("t=0 0\r\n");
+    }
+    SDPResult result = 0;
+    for (uint32_t i = 0; i < set.ulNoOfTimeFields; ++i) {
+        const SDPTimeField &field = *set.ppstTimeFields[i];
+        // Without a prefix a second try could not be told from the rest of the first.
+        if (*flag != 1 && result != 0) {
+            break;
+        }
+        result = writeTime(out, flag, field);
+        if (result == 0 && field.pstRepeatFieldSet != nullptr) {
+            result = outOfLine<writeRepeats>(out, flag, field.pstRepeatFieldSet);
+        }
+        if (result == 0) {
+            return 0;
+        }
+    }
+    return result;
+}
+
+} // namespace sdpline

@@ -9,10 +9,10 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "sdpline/sdpinternals.h"
 #include "services/builtin.hpp"
-#include "services/inline.hpp"
 #include "sipcore/stringbuffer.hpp"
 
 namespace sdpline {
@@ -27,10 +27,10 @@ namespace output {
 
 class Output {
 public:
-    SDPLINE_INLINE explicit Output(SipStringBuffer *buffer) : buffer_(buffer) { load(); }
+    explicit Output(SipStringBuffer *buffer) : buffer_(buffer) { load(); }
 
     // Makes the buffer end after what was written. Until then it ends where it did.
-    SDPLINE_INLINE void store() const {
+    void store() const {
         if (isOpen()) {
             buffer_->at = at_;
         }
@@ -38,7 +38,7 @@ public:
 
     bool hasBuffer() const { return buffer_ != nullptr; }
 
-    SDPLINE_INLINE uint32_t character(char letter) {
+    uint32_t character(char letter) {
         if (!fits(1)) [[unlikely]] {
             return append<SipSbCopyChar>(letter);
         }
@@ -46,7 +46,7 @@ public:
         return 0;
     }
 
-    SDPLINE_INLINE uint32_t number(uint32_t value) {
+    uint32_t number(uint32_t value) {
         if (!fits(sipcore::kMostDigits)) [[unlikely]] {
             return append<SipSbCopyLong>(value);
         }
@@ -54,7 +54,7 @@ public:
         return 0;
     }
 
-    SDPLINE_INLINE uint32_t text(const SipString *text) {
+    uint32_t text(const SipString *text) {
         if (text == nullptr || text->pcData == nullptr || !fits(text->ulLen)) [[unlikely]] {
             return append<SipSbCopyString>(text);
         }
@@ -62,7 +62,7 @@ public:
         return 0;
     }
 
-    SDPLINE_INLINE uint32_t word(std::string_view word) {
+    uint32_t word(std::string_view word) {
         const auto size = static_cast<uint32_t>(word.size());
         if (word.data() == nullptr || !fits(size)) [[unlikely]] {
             return append<SipSbCopyConstString>(word.data(), size);
@@ -77,7 +77,7 @@ public:
     }
 
     // The line end that is configured at this moment.
-    SDPLINE_INLINE uint32_t lineEnd() {
+    uint32_t lineEnd() {
         const SipString *const lineEnd = g_gpstSdpCrlfCfg;
         return word({lineEnd->pcData, lineEnd->ulLen});
     }
@@ -85,7 +85,7 @@ public:
     // Calls a function that may itself append to the buffer, or let the program do so: meanwhile
     // the buffer is as if every append had been a call.
     template <auto Function, class... Arguments>
-    SDPLINE_INLINE uint32_t call(Arguments... arguments) {
+    uint32_t call(Arguments... arguments) {
         const Called called = callOn<Function>(*this, arguments...);
         at_ = called.at;
         end_ = called.end;
@@ -102,13 +102,13 @@ private:
     bool isOpen() const { return !seesAppends() && hasBuffer(); }
 
     // Without a buffer that may be written to, there is less than no room: nothing fits.
-    SDPLINE_INLINE void load() {
+    void load() {
         static char nowhere[2];
         at_ = isOpen() ? buffer_->at : nowhere + 1;
         end_ = isOpen() ? buffer_->end : nowhere;
     }
 
-    SDPLINE_INLINE bool fits(uint32_t size) const { return int64_t{size} <= end_ - at_; }
+    bool fits(uint32_t size) const { return int64_t{size} <= end_ - at_; }
 
     // By value, so that an Output that nothing else points to stays in registers.
     template <auto Function, class... Arguments>
@@ -120,7 +120,7 @@ private:
     }
 
     template <auto Service, class... Arguments>
-    SDPLINE_INLINE uint32_t append(Arguments... arguments) {
+    uint32_t append(Arguments... arguments) {
         return call<Service>(buffer_, arguments...);
     }
 
@@ -130,11 +130,22 @@ private:
 };
 
 // Runs a writer on a string buffer.
-template <class Write>
-SDPLINE_INLINE SDPResult writeTo(SipStringBuffer *buffer, Write write) {
+template <class... Parameters, class... Arguments>
+SDPResult writeTo(SipStringBuffer *buffer, SDPResult (*write)(Output &, Parameters...),
+                  Arguments &&...arguments) {
     Output out(buffer);
-    const SDPResult result = write(out);
+    const SDPResult result = write(out, std::forward<Arguments>(arguments)...);
     out.store();
+    return result;
+}
+
+// Runs a writer that is inlined as a whole on a copy: nothing else knows where the copy is, so it
+// stays in registers.
+template <class Write>
+SDPResult onCopy(Output &out, Write write) {
+    Output copy = out;
+    const SDPResult result = write(copy);
+    out = copy;
     return result;
 }
 
@@ -145,15 +156,15 @@ struct Written {
 };
 
 template <auto Write, class... Arguments>
-[[gnu::noinline, gnu::flatten]] Written writeOn(Output out, Arguments... arguments) {
+[[gnu::noinline, gnu::flatten]] Written writeOn(Output out, Arguments &...arguments) {
     const SDPResult result = Write(out, arguments...);
     return {out, result};
 }
 
-// Runs a writer that is too long or too rare to be inlined, on a copy: a writer takes an Output
-// that lives in registers either inline or so.
+// Runs a writer that is not inlined from one that works on a copy, without handing out where the
+// copy is.
 template <auto Write, class... Arguments>
-SDPLINE_INLINE SDPResult apart(Output &out, Arguments... arguments) {
+SDPResult outOfLine(Output &out, Arguments &&...arguments) {
     const Written written = writeOn<Write>(out, arguments...);
     out = written.out;
     return written.result;

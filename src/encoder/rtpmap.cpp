@@ -1,0 +1,47 @@
+// How the value of a=rtpmap is written.
+#include "encoder/encoder.hpp"
+
+namespace sdpline {
+
+// Profiles 1 to 6 have no name of their own here.
+constexpr uint32_t kFirstNamedProfile = 7;
+constexpr uint32_t kLastNamedProfile = 35;
+constexpr uint32_t kStereoProfile = 9; // L16 with two channels
+
+// The profile's name for a record without one. What the record leaves open is then filled in
+// from the profile, in the record itself.
+static SDPResult writeProfile(Output &out, SDPRtpMapAttr &rtpMap) {
+    const uint32_t profile = rtpMap.ulEncodingId;
+    if (profile < kFirstNamedProfile || profile > kLastNamedProfile) {
+        return 0;
+    }
+    out.text(&g_aStrRtpmapProfiles[profile - 1]);
+    if (rtpMap.ulClockRate == 0) {
+        rtpMap.ulClockRate = g_aulRtpmapClockRates[profile - 1];
+    }
+    if (rtpMap.ulEncodingParams == 0) {
+        rtpMap.ulEncodingParams = profile == kStereoProfile ? 2 : 1;
+    }
+    return 0;
+}
+
+// payload-type SP encoding-name "/" clock-rate [ "/" channels ]
+SDPResult writeRtpMap(Output &out, SDPAttr &attr) {
+    SDPRtpMapAttr &rtpMap = attr.unAttrValue.stRtpMap;
+    out.number(rtpMap.ulPayloadType);
+    out.character(' ');
+    if (rtpMap.strEncodingName.ulLen != 0 && rtpMap.strEncodingName.pcData != nullptr) {
+        out.text(&rtpMap.strEncodingName);
+    } else {
+        outOfLine<writeProfile>(out, rtpMap);
+    }
+    out.character('/');
+    out.number(rtpMap.ulClockRate);
+    if (rtpMap.ulEncodingParams >= 2) {
+        out.character('/');
+        out.number(rtpMap.ulEncodingParams);
+    }
+    return 0;
+}
+
+} // namespace sdpline

@@ -1,0 +1,32 @@
+// The lines that hold nothing but a number or a text: v=, s=, i=, u=, e=, p=, b=, z=, k=.
+#include "encoder/encoder.hpp"
+
+namespace sdpline {
+
+// v= 1*DIGIT CRLF
+SDPResult writeVersion(Output &out, const uint32_t *flag, uint32_t version) {
+    if (const uint32_t result = appendPrefix(out, flag, 'v')) {
+        return logAndForward(out, Check::EncodeVersionPrefix, result);
+    }
+    if (const uint32_t result = out.number(version)) {
+        return logAndForward(out, Check::EncodeVersionNumber, result);
+    }
+    return out.lineEnd();
+}
+
+// key "=" byte-string CRLF
+SDPResult writeTextLine(Output &out, const uint32_t *flag, char key, const SipString *value) {
+    return Appender(out).prefix(flag, key).text(value).lineEnd().result();
+}
+
+SDPResult writeTextLines(Output &out, const uint32_t *flag, char key, uint32_t count,
+                         SipString *const *items) {
+    for (uint32_t i = 0; i < count; ++i) {
+        if (const SDPResult result = writeTextLine(out, flag, key, items[i])) {
+            return result;
+        }
+    }
+    return 0;
+}
+
+} // namespace sdpline

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# What docs/architecture.md says of a new attribute of a known shape: adds one to a scratch copy of
+# the sources, in the files named there and in no other, builds the library of it and has it decoded,
+# copied and written.
+# usage: newattribute.sh SOURCE_DIR SCRATCH_DIR CC CXX
+set -euo pipefail
+source=$1
+scratch=$2
+export CC=$3 CXX=$4
+rm -rf "$scratch"
+mkdir -p "$scratch"
+cp -r "$source"/{CMakeLists.txt,CMakePresets.json,cmake,include,src} "$scratch"
+cd "$scratch"
+
+change() { # FILE SED_SCRIPT
+  grep -q "\`.*$(basename "$1")\`" "$source/docs/architecture.md"
+  cp "$1" before
+  sed -i "$2" "$1"
+  ! cmp -s before "$1" || { echo "newattribute: nothing to change in $1" >&2; exit 1; }
+}
+change include/sdpline/sdprecords.h 's/SDP_ATTR_UNKNOWN = 41/SDP_ATTR_NOTE = 41, SDP_ATTR_UNKNOWN = 42/'
+change include/sdpline/sdpline.h 's/sstrSdpAttrNames\[40\]/sstrSdpAttrNames[41]/'
+change include/sdpline/cpp/detail/attributes.def \
+  '$a ATTRIBUTE(SDP_ATTR_NOTE, Note, "x-note:", Text, kNoWords, kRegular)'
+
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DSDPLINE_TESTS=OFF \
+  -DSDPLINE_TOOLS=OFF -DSDPLINE_INSTALL=OFF >/dev/null
+cmake --build build --target sdpline >/dev/null
+cat >case.c <<'TEXT'
+#include <string.h>
+
+#include <sdpline/sdpcopy.h>
+#include <sdpline/sdpline.h>
+
+int main(void) {
+    static char bytes[] = "v=0\no=- 1 1 IN IP4 x\ns=-\nt=0 0\na=x-note:seen\n";
+    const SipString text = {sizeof bytes - 1, bytes};
+    uint32_t prefixed = 1;
+    void *copy = NULL;
+    SdpLine *line = NULL;
+    SipRefString *written = NULL;
+    if (SdpLibDecodeSdp(&text, &line) != 0) {
+        return 1;
+    }
+    SDPAttr *const attr = line->pstAttrList->ppstAttrs[0];
+    if (attr->ulAttrType != SDP_ATTR_NOTE || attr->unAttrValue.strValue.ulLen != 4) {
+        return 2;
+    }
+    if (SdpCloneLine(line->pstMemCp, SDP_LINE_ATTRIBUTE, attr, &copy) != 0 ||
+        ((SDPAttr *)copy)->unAttrValue.strValue.pcData == attr->unAttrValue.strValue.pcData) {
+        return 3;
+    }
+    if (SdpLibEncodeSdpLine(&prefixed, SDP_LINE_ATTRIBUTE, copy, &written) != 0 ||
+        SipSmGetLenFromRefString(written) != 15 ||
+        memcmp(SipSmGetDataFromRefString(written), "a=x-note:seen\r\n", 15) != 0) {
+        return 4;
+    }
+    SipSmReleaseRefString(written);
+    return SdpLibReleaseSdp(&line) == 0 ? 0 : 5;
+}
+TEXT
+"$CC" -std=c11 -Iinclude case.c -o case -Lbuild/src -Lbuild/src/sipcore -lsdpline -lsipcore
+LD_LIBRARY_PATH=build/src:build/src/sipcore ./case
+echo "newattribute: decoded, copied and written after changes to the files named"
