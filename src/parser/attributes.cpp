@@ -200,7 +200,7 @@ SDPLINE_INLINE bool attribute(Parser &p, SDPAttr &attr) {
 
 // 1*attribute
 SDPLINE_INLINE bool attributes(Parser &parser, SDPAttrList &list) {
-    return parseList<SDPAttr, uint32_t>(
+    return parseList<SDPAttr, uint32_t, 8>(
         parser, {Check::AttrArrayAlloc, Check::AttrAlloc, Check::AttrGrow},
         [&](SDPAttr **attrs) { list.ppstAttrs = attrs; },
         [](Parser &p, SDPAttr &attr) SDPLINE_INLINE_LAMBDA { return attribute(p, attr); },

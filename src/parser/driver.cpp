@@ -229,12 +229,4 @@ SDPResult parseBody(const SipString *text, SdpLine **line) {
     return 0;
 }
 
-void **extendLong(void **array, uint32_t count, uint32_t &slots) {
-    if (count < slots) {
-        return array;
-    }
-    slots = settings().ulMaxBodySize > SDP_MAX_BODY ? 2 * count : count + 1;
-    return extendArray(array, count, slots);
-}
-
 } // namespace sdpline

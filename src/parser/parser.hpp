@@ -204,28 +204,49 @@ inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
     return longer;
 }
 
-// A list that no body of SDP_MAX_BODY bytes can hold.
-constexpr uint32_t kLongList = 2048;
+// A list's array and how many slots it has. By the hooks it grows by one slot for each item, as
+// stacks count on; where no program sees it grow it begins with a few and doubles, and so it does
+// where bodies may be long, beyond what a body of SDP_MAX_BODY bytes can hold.
+template <class Item, uint32_t First>
+struct Slots {
+    static constexpr uint32_t kLongList = 2048;
 
-// One more slot for a long list. Where longer bodies are decoded it doubles when its slots are used
-// up, so that a body takes time in proportion to its length.
-[[gnu::cold, gnu::noinline]] void **extendLong(void **array, uint32_t count, uint32_t &slots);
+    Item **array;
+    uint32_t count;
 
-// Builds a list of pointers, one slot longer for each item. `attach` is given every array that the
-// list moves to, `parse` fills one zeroed item, `more` tells whether another item follows, `finish`
-// is given the count. Counters of 8 bits wrap: the item after the 256th takes slot 0 again, and the
-// list shrinks to what the counter says at the next growth.
-template <class Item, class Counter, class Attach, class Parse, class More, class Finish>
+    SDPLINE_INLINE explicit Slots(Check noMemory) {
+        if (allocatesInPlace()) [[likely]] {
+            array = static_cast<Item **>(allocateBytes(First * sizeof(Item *)));
+            count = First;
+        } else {
+            array = allocate<Item *>(row(noMemory).function);
+            count = 1;
+        }
+    }
+
+    SDPLINE_INLINE void grow(uint32_t used) {
+        const bool doubles =
+            allocatesInPlace() || (used >= kLongList && settings().ulMaxBodySize > SDP_MAX_BODY);
+        count = doubles ? 2 * used : used + 1;
+        array =
+            reinterpret_cast<Item **>(extendArray(reinterpret_cast<void **>(array), used, count));
+    }
+};
+
+// Builds a list of pointers. `attach` is given every array that the list moves to, `parse` fills
+// one zeroed item, `more` tells whether another item follows, `finish` is given the count. Counters
+// of 8 bits wrap: the item after the 256th takes slot 0 again, and the list shrinks to what the
+// counter says at the next growth.
+template <class Item, class Counter, uint32_t First = 2, class Attach, class Parse, class More,
+          class Finish>
 SDPLINE_INLINE bool parseList(Parser &parser, ListChecks checks, Attach attach, Parse parse,
                               More more, Finish finish, uint32_t line = __builtin_LINE()) {
-    Counter count = 0;
-    uint32_t longSlots = 0; // of a long list
-    auto **slots = allocate<Item *>(row(checks.array).function);
-    if (slots == nullptr) {
+    Slots<Item, First> slots(checks.array);
+    if (slots.array == nullptr) {
         return parser.refuse(checks.array, 0, line);
     }
-    attach(slots);
-    for (;;) {
+    attach(slots.array);
+    for (Counter count = 0;;) {
         Item *const item = allocate<Item>(row(checks.item).function);
         if (item == nullptr) {
             return parser.refuse(checks.item, 0, line);
@@ -233,23 +254,19 @@ SDPLINE_INLINE bool parseList(Parser &parser, ListChecks checks, Attach attach, 
         if (!parse(parser, *item)) {
             return false;
         }
-        slots[count++] = item;
+        slots.array[count++] = item;
         if (!more(parser)) {
             finish(count);
             return true;
         }
-        if (count != 0) {
-            auto **const full = reinterpret_cast<void **>(slots);
-            if (sizeof(Counter) > 1 && count >= kLongList) [[unlikely]] {
-                slots = reinterpret_cast<Item **>(extendLong(full, count, longSlots));
-            } else {
-                slots = reinterpret_cast<Item **>(
-                    extendArray(full, count, static_cast<uint32_t>(count) + 1));
-            }
-            if (slots == nullptr) {
+        if (count == 0) {
+            slots.count = 1;
+        } else if (count == slots.count) {
+            slots.grow(count);
+            if (slots.array == nullptr) {
                 return parser.refuse(checks.grow, 0, line);
             }
-            attach(slots);
+            attach(slots.array);
         }
     }
 }
