@@ -244,6 +244,92 @@ std::string_view textOf(const SdpLine &body, Arena &arena) {
     return {reinterpret_cast<const char *>(buffer), size};
 }
 
+namespace {
+
+// More bytes than a line has without its texts: names, words, numbers, line end.
+constexpr size_t kLine = 96;
+
+size_t sizeOf(const SipString *text) {
+    return text != nullptr ? kLine + text->ulLen : 0;
+}
+
+size_t sizeOf(const SDPStringList *list) {
+    size_t size = 0;
+    const uint32_t count =
+        list != nullptr && list->ppstStrings != nullptr ? list->ulNoOfStrings : 0;
+    for (uint32_t i = 0; i < count; ++i) {
+        size += sizeOf(list->ppstStrings[i]);
+    }
+    return size;
+}
+
+size_t sizeOf(const SDPAttr &attribute) {
+    const auto &value = attribute.unAttrValue;
+    const size_t size = kLine + viewOf(attribute.pstAttrName).size();
+    switch (attribute.ulAttrType) {
+    case SDP_ATTR_RTPMAP: return size + value.stRtpMap.strEncodingName.ulLen;
+    case SDP_ATTR_SILENCE_SUPP: return size + value.stSilenceSupp.strParams.ulLen;
+    case SDP_ATTR_ECAN: return size + value.stEcan.strParams.ulLen;
+    case SDP_ATTR_DES:
+    case SDP_ATTR_CURR:
+    case SDP_ATTR_CONF:
+        return size + viewOf(value.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition).size();
+    case SDP_ATTR_FMTP:
+    case SDP_ATTR_CAT:
+    case SDP_ATTR_KEYWDS:
+    case SDP_ATTR_TOOL:
+    case SDP_ATTR_ORIENT:
+    case SDP_ATTR_TYPE:
+    case SDP_ATTR_CHARSET:
+    case SDP_ATTR_SDPLANG:
+    case SDP_ATTR_LANG:
+    case SDP_ATTR_UNREC_VALUE: return size + value.strValue.ulLen;
+    default: return size;
+    }
+}
+
+size_t sizeOf(const Growing<SDPAttr> &attributes) {
+    size_t size = 0;
+    for (const SDPAttr &one : attributes) {
+        size += sizeOf(one);
+    }
+    return size;
+}
+
+size_t sizeOf(const MediaDraft &media) {
+    const SDPMediaField &line = media.line;
+    const SDPMediaFmt &format = line.stMediaFmt;
+    const size_t formats = format.enFmtType == SDP_FMT_OTHER
+                               ? format.unMediaFmt.strOtherFmts.ulLen
+                               : size_t{11} * format.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads;
+    return 2 * kLine + viewOf(line.stMedia.pstrOtherMedia).size() +
+           viewOf(line.stProto.pstrOtherProto).size() + formats + sizeOf(media.info) +
+           sizeOf(media.bandwidths) + (media.key != nullptr ? sizeOf(&media.key->strKey) : 0) +
+           sizeOf(media.attributes);
+}
+
+// No less than the text of the draft has, but for the times and what only an offer has: those are
+// counted as too much.
+size_t sizeOf(const BodyDraft &draft) {
+    const SDPOrigin &origin = draft.origin;
+    const bool plain = draft.uri == nullptr && draft.emails == nullptr && draft.phones == nullptr &&
+                       draft.key == nullptr && draft.zone == nullptr;
+    size_t size = plain ? 4 * kLine + origin.strUserName.ulLen + origin.strSessionId.ulLen +
+                              origin.strSessionVersion.ulLen + origin.strAddress.ulLen +
+                              draft.name.ulLen
+                        : size_t{SDP_MAX_LONG_BODY} + 1;
+    const SDPTimeSet *const times = draft.times;
+    for (uint32_t i = 0; times != nullptr && i < times->ulNoOfTimeFields; ++i) {
+        size += times->ppstTimeFields[i]->pstRepeatFieldSet != nullptr ? SDP_MAX_LONG_BODY : kLine;
+    }
+    for (const MediaDraft &media : draft.media) {
+        size += sizeOf(media);
+    }
+    return size + sizeOf(draft.info) + sizeOf(draft.bandwidths) + sizeOf(draft.attributes);
+}
+
+} // namespace
+
 std::string_view afterOrigin(std::string_view text) {
     const std::string_view lineEnd = viewOf(SdpGetCrlfString(0));
     const size_t line = std::min(text.find("o="), text.size());
@@ -260,7 +346,9 @@ Reason finish(const BodyDraft &draft, const SdpLine *previous, Report &report, S
     if (reason == Reason::None && previous != nullptr) {
         reason = continueOrigin(*previous, *made, report);
     }
-    if (reason == Reason::None && textOf(*made, report.arena).empty()) {
+    // Only a body that may be too long is written to see whether it is.
+    if (reason == Reason::None && sizeOf(draft) > SdpGetMaxBodySize() &&
+        textOf(*made, report.arena).empty()) {
         reason = Reason::TooLong;
     }
     if (report.arena.failed()) {

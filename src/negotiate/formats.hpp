@@ -28,10 +28,15 @@ struct Format {
     bool defined; // by a=rtpmap or RFC 3551, or a word
 };
 
-// Of one m= line, in its order, each number once; numbers above 127 are left out.
+// Of one m= line, in its order, each number once; numbers above 127 are left out. Items are made
+// when they are added: clearing a hundred of them would cost more than most answers.
 struct FormatList {
-    Format items[SDP_MAX_PAYLOADS];
-    uint32_t count = 0;
+    FormatList() : count(0) {}
+
+    union {
+        Format items[SDP_MAX_PAYLOADS];
+    };
+    uint32_t count;
 
     const Format *begin() const { return items; }
     const Format *end() const { return items + count; }
