@@ -1,22 +1,11 @@
 // The entry points for whole bodies, and the memory discipline of the library: one block for each
 // body, and the parser's hooks pointed at it while it decodes.
+#include "api/blocks.hpp"
 #include "checks/checks.hpp"
+#include "encoder/encoder.hpp"
 #include "sdpline/sdpinternals.h"
 #include "services/allocation.hpp"
 #include "services/settings.hpp"
-
-namespace sdpline {
-
-namespace {
-
-constexpr uint32_t kDecodeFirst = 512;
-constexpr uint32_t kDecodeNext = 1032;
-constexpr uint32_t kCreateSize = 512;
-constexpr uint32_t kEncodeSize = 512;
-
-} // namespace
-
-} // namespace sdpline
 
 using namespace sdpline;
 
@@ -32,7 +21,7 @@ SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
     }
     *ppstSdpLine = nullptr;
     SDPMemCp *memCp = nullptr;
-    if (SipMmCreateBufMem(kDecodeFirst, kDecodeNext, &memCp) != 0) {
+    if (SipMmCreateBufMem(kDecodeBlock.first, kDecodeBlock.next, &memCp) != 0) {
         return fail(Check::DecodeBlock);
     }
     beginDecode(memCp);
@@ -82,7 +71,7 @@ SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine) {
     }
     *ppstSdpLine = nullptr;
     SDPMemCp *memCp = nullptr;
-    if (SipMmCreateBufMem(kCreateSize, kCreateSize, &memCp) != 0) {
+    if (SipMmCreateBufMem(kCreateBlock.first, kCreateBlock.next, &memCp) != 0) {
         return fail(Check::CreateBlock);
     }
     auto *const line = static_cast<SdpLine *>(memCp->pfnAlloc(memCp, sizeof(SdpLine)));
@@ -102,10 +91,10 @@ SDPResult SdpLibEncodeSdp(SdpLine *pstSdpLine, SipStringBuffer **ppstText) {
     *ppstText = nullptr;
     SipStringBuffer *text = nullptr;
     if (const uint32_t result =
-            SipSbCreateStringBufferNew(gSipSystemMemCp, kEncodeSize, kEncodeSize, &text)) {
+            SipSbCreateStringBufferNew(gSipSystemMemCp, kBodyText.first, kBodyText.next, &text)) {
         return logAndForward(Check::EncodeBuffer, result);
     }
-    if (const SDPResult result = SdpLibEncodeSdpInt(pstSdpLine, text)) {
+    if (const SDPResult result = encodeBody(pstSdpLine, text)) {
         SipSbReleaseStringBuffer(text);
         return logAndForward(Check::EncodeFailed, result);
     }

@@ -19,7 +19,6 @@ constexpr bool isSized(size_t actual, size_t expected) {
     return sizeof(void *) != 8 || actual == expected;
 }
 
-static_assert(isSized(kPointerSize, 8));
 static_assert(isSized(kAttrTypeSize, 32));
 static_assert(isSized(kIpv4Size, 4));
 static_assert(isSized(kIpv6Size, 16));

@@ -1,7 +1,8 @@
 // Single lines as text, and bodies in the caller's own bytes. The serialised form of a body is its
 // SDP text and nothing else.
+#include "api/blocks.hpp"
 #include "checks/checks.hpp"
-#include "sdpline/sdpinternals.h"
+#include "encoder/encoder.hpp"
 #include "sdpline/sdpline.h"
 #include "services/allocation.hpp"
 
@@ -9,102 +10,98 @@ using namespace sdpline;
 
 namespace {
 
-// Attributes are written leniently: the encoder answers success even when they did not fit. A
-// string buffer stays failed after its first failure, so one empty append tells.
-bool writesCompletely(SdpLine *pstSdpLine, SipStringBuffer *pstBuf) {
-    return SdpLibEncodeSdpInt(pstSdpLine, pstBuf) == 0 && SipSbCopyConstString(pstBuf, "", 0) == 0;
+// Attributes are written leniently: the encoder succeeds even where they did not fit. A string
+// buffer stays failed after its first failure, so one empty append tells.
+bool writesCompletely(SdpLine *line, SipStringBuffer *buffer) {
+    return encodeBody(line, buffer) == 0 && SipSbCopyConstString(buffer, "", 0) == 0;
 }
 
 } // namespace
 
-SDPResult SdpLibEncodeSdpLineValidate(uint32_t *pulWithPrefix, uint32_t enLineType, void *pValue,
-                                      SipRefString **ppstText) {
-    if (pulWithPrefix == nullptr || pValue == nullptr || ppstText == nullptr ||
-        enLineType >= SDP_LINE_COUNT) {
+SDPResult SdpLibEncodeSdpLineValidate(uint32_t *withPrefix, uint32_t type, void *field,
+                                      SipRefString **text) {
+    if (withPrefix == nullptr || field == nullptr || text == nullptr || type >= SDP_LINE_COUNT) {
         return fail(Check::OneLineValidate);
     }
     return 0;
 }
 
-SDPResult SdpLibEncodeSdpLine(uint32_t *pulWithPrefix, uint32_t enLineType, void *pValue,
-                              SipRefString **ppstText) {
-    if (SdpLibEncodeSdpLineValidate(pulWithPrefix, enLineType, pValue, ppstText) != 0) {
+SDPResult SdpLibEncodeSdpLine(uint32_t *withPrefix, uint32_t type, void *field,
+                              SipRefString **text) {
+    if (SdpLibEncodeSdpLineValidate(withPrefix, type, field, text) != 0) {
         return fail(Check::OneLineArgument);
     }
-    *ppstText = nullptr;
-    SipStringBuffer *pstBuf = nullptr;
-    const uint32_t made = SipSbCreateStringBufferNew(gSipSystemMemCp, 64, 64, &pstBuf);
-    if (made != 0) {
-        return fail(Check::OneLineBuffer, made);
+    *text = nullptr;
+    SipStringBuffer *buffer = nullptr;
+    if (const uint32_t result =
+            SipSbCreateStringBufferNew(gSipSystemMemCp, kLineText.first, kLineText.next, &buffer)) {
+        return fail(Check::OneLineBuffer, result);
     }
-    const SDPResult written =
-        SdpLibEncodeLine(static_cast<int32_t>(enLineType), pulWithPrefix, pValue, pstBuf);
-    if (written != 0) {
-        SipSbReleaseStringBuffer(pstBuf);
-        return logAndForward(Check::OneLineFailed, written);
+    if (const SDPResult result =
+            encodeLine(static_cast<int32_t>(type), withPrefix, field, buffer)) {
+        SipSbReleaseStringBuffer(buffer);
+        return logAndForward(Check::OneLineFailed, result);
     }
-    SipRefString *pstText = nullptr;
-    const uint32_t converted = SipSbConvertToRefString(pstBuf, &pstText);
-    if (converted == 0) {
-        *ppstText = pstText;
+    SipRefString *converted = nullptr;
+    const uint32_t result = SipSbConvertToRefString(buffer, &converted);
+    if (result == 0) {
+        *text = converted;
     }
-    SipSbReleaseStringBuffer(pstBuf);
-    return converted;
+    SipSbReleaseStringBuffer(buffer);
+    return result;
 }
 
-SDPResult SdpLibSerializeSdpValidate(SdpLine *pstSdpLine, uint8_t *pucBuf, uint32_t ulBufLen,
-                                     uint32_t *pulWrittenLen) {
-    if (pstSdpLine == nullptr || pucBuf == nullptr || ulBufLen == 0 || pulWrittenLen == nullptr) {
+SDPResult SdpLibSerializeSdpValidate(SdpLine *line, uint8_t *bytes, uint32_t size,
+                                     uint32_t *written) {
+    if (line == nullptr || bytes == nullptr || size == 0 || written == nullptr) {
         return fail(Check::SerializeValidate);
     }
     return 0;
 }
 
-SDPResult SdpLibSerializeSdp(SdpLine *pstSdpLine, uint8_t *pucBuf, uint32_t ulBufLen,
-                             uint32_t *pulWrittenLen) {
-    if (SdpLibSerializeSdpValidate(pstSdpLine, pucBuf, ulBufLen, pulWrittenLen) != 0) {
+SDPResult SdpLibSerializeSdp(SdpLine *line, uint8_t *bytes, uint32_t size, uint32_t *written) {
+    if (SdpLibSerializeSdpValidate(line, bytes, size, written) != 0) {
         return fail(Check::SerializeArgument);
     }
-    *pulWrittenLen = 0;
-    SipStringBuffer *pstBuf = nullptr;
-    if (SipSbCreateFixedStringBuffer(gSipSystemMemCp, pucBuf, ulBufLen, &pstBuf) != 0) {
+    *written = 0;
+    SipStringBuffer *buffer = nullptr;
+    if (SipSbCreateFixedStringBuffer(gSipSystemMemCp, bytes, size, &buffer) != 0) {
         return fail(Check::SerializeBuffer);
     }
-    if (!writesCompletely(pstSdpLine, pstBuf)) {
-        SipSbReleaseFixedStringBuffer(pstBuf, nullptr, nullptr);
+    if (!writesCompletely(line, buffer)) {
+        SipSbReleaseFixedStringBuffer(buffer, nullptr, nullptr);
         return fail(Check::SerializeFailed);
     }
-    uint8_t *pucData = nullptr;
-    SipSbReleaseFixedStringBuffer(pstBuf, &pucData, pulWrittenLen);
+    uint8_t *data = nullptr;
+    SipSbReleaseFixedStringBuffer(buffer, &data, written);
     return 0;
 }
 
-SDPResult SdpLibDeSerializeSdpValidate(uint8_t *pucBuf, uint32_t ulLen, SdpLine **ppstSdpLine) {
-    if (pucBuf == nullptr || ulLen == 0 || ppstSdpLine == nullptr) {
+SDPResult SdpLibDeSerializeSdpValidate(uint8_t *bytes, uint32_t size, SdpLine **line) {
+    if (bytes == nullptr || size == 0 || line == nullptr) {
         return fail(Check::DeSerializeValidate);
     }
     return 0;
 }
 
-SDPResult SdpLibDeSerializeSdp(uint8_t *pucBuf, uint32_t ulLen, SdpLine **ppstSdpLine) {
-    if (SdpLibDeSerializeSdpValidate(pucBuf, ulLen, ppstSdpLine) != 0) {
+SDPResult SdpLibDeSerializeSdp(uint8_t *bytes, uint32_t size, SdpLine **line) {
+    if (SdpLibDeSerializeSdpValidate(bytes, size, line) != 0) {
         return fail(Check::DeSerializeArgument);
     }
-    *ppstSdpLine = nullptr;
-    const SipString stText = {ulLen, reinterpret_cast<char *>(pucBuf)};
-    SDPMemCp *pstMemCp = nullptr;
-    const uint32_t made = SipMmCreateBufMem(512, 1032, &pstMemCp);
-    if (made != 0) {
-        return logAndForward(Check::DeSerializeBlock, made);
+    *line = nullptr;
+    const SipString text = {size, reinterpret_cast<char *>(bytes)};
+    SDPMemCp *memCp = nullptr;
+    if (const uint32_t result = SipMmCreateBufMem(kDecodeBlock.first, kDecodeBlock.next, &memCp)) {
+        return logAndForward(Check::DeSerializeBlock, result);
     }
-    beginDecode(pstMemCp);
-    const SDPResult parsed = SdpLibParseSdp(&stText, ppstSdpLine);
-    const bool bHasBody = *ppstSdpLine != nullptr;
-    endDecode(bHasBody);
-    if (!bHasBody) {
-        SipMmReleaseBufMem(&pstMemCp);
+    beginDecode(memCp);
+    const SDPResult parsed = SdpLibParseSdp(&text, line);
+    const bool hasBody = *line != nullptr;
+    endDecode(hasBody);
+    if (!hasBody) {
+        SipMmReleaseBufMem(&memCp);
         return logAndForward(Check::DeSerializeRefused, parsed);
     }
-    (*ppstSdpLine)->pstMemCp = pstMemCp;
+    (*line)->pstMemCp = memCp;
     return parsed;
 }

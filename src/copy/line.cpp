@@ -7,95 +7,91 @@
 
 using namespace sdpline;
 
-SDPResult SdpCopyLineValidate(SDPMemCp *pstMemCp, uint32_t enLineType, const void *pSrc,
-                              void *pDst) {
-    if (pstMemCp == nullptr || enLineType >= SDP_LINE_COUNT || pSrc == nullptr || pDst == nullptr) {
+SDPResult SdpCopyLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
+    if (memCp == nullptr || type >= SDP_LINE_COUNT || source == nullptr || target == nullptr) {
         return fail(Check::CopyValidate);
     }
     return 0;
 }
 
-SDPResult SdpCopyLine(SDPMemCp *pstMemCp, uint32_t enLineType, const void *pSrc, void *pDst) {
-    if (SdpCopyLineValidate(pstMemCp, enLineType, pSrc, pDst) != 0) {
+SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
+    if (SdpCopyLineValidate(memCp, type, source, target) != 0) {
         return fail(Check::CopyArgument);
     }
-    if (enLineType == SDP_LINE_MEDIA) {
-        return SdpCopyMediaField(pstMemCp, static_cast<const SDPMediaField *>(pSrc),
-                                 static_cast<SDPMediaField *>(pDst));
+    if (type == SDP_LINE_MEDIA) {
+        return SdpCopyMediaField(memCp, static_cast<const SDPMediaField *>(source),
+                                 static_cast<SDPMediaField *>(target));
     }
-    if (enLineType == SDP_LINE_ATTRIBUTE) {
-        return SdpCopyAttribute(pstMemCp, static_cast<const SDPAttr *>(pSrc),
-                                static_cast<SDPAttr *>(pDst));
+    if (type == SDP_LINE_ATTRIBUTE) {
+        return SdpCopyAttribute(memCp, static_cast<const SDPAttr *>(source),
+                                static_cast<SDPAttr *>(target));
     }
-    const uint32_t copied =
-        SipDsmCopyGeneralField(pstMemCp, pSrc, pDst, g_gpstSdpLineDef[enLineType]);
+    const uint32_t copied = SipDsmCopyGeneralField(memCp, source, target, g_gpstSdpLineDef[type]);
     return copied == 0 ? 0 : fail(Check::CopyGeneric, copied);
 }
 
-SDPResult SdpCloneLineValidate(SDPMemCp *pstMemCp, uint32_t enLineType, const void *pSrc,
-                               void **ppDst) {
-    if (pstMemCp == nullptr || enLineType >= SDP_LINE_COUNT || pSrc == nullptr ||
-        ppDst == nullptr) {
+SDPResult SdpCloneLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
+    if (memCp == nullptr || type >= SDP_LINE_COUNT || source == nullptr || target == nullptr) {
         return fail(Check::CloneValidate);
     }
     return 0;
 }
 
-SDPResult SdpCloneLine(SDPMemCp *pstMemCp, uint32_t enLineType, const void *pSrc, void **ppDst) {
-    if (SdpCloneLineValidate(pstMemCp, enLineType, pSrc, ppDst) != 0) {
+SDPResult SdpCloneLine(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
+    if (SdpCloneLineValidate(memCp, type, source, target) != 0) {
         return fail(Check::CloneArgument);
     }
-    void *pClone = pstMemCp->pfnAlloc(pstMemCp, g_gpstSdpLineDef[enLineType]->ulSize);
-    if (pClone == nullptr) {
+    void *clone = memCp->pfnAlloc(memCp, g_gpstSdpLineDef[type]->ulSize);
+    if (clone == nullptr) {
         return fail(Check::CloneAlloc);
     }
-    if (SdpCopyLine(pstMemCp, enLineType, pSrc, pClone) != 0) {
-        pstMemCp->pfnFree(pClone);
+    if (SdpCopyLine(memCp, type, source, clone) != 0) {
+        memCp->pfnFree(clone);
         return fail(Check::CloneCopy);
     }
-    *ppDst = pClone;
+    *target = clone;
     return 0;
 }
 
-SDPResult SdpClearLineValidate(SDPMemCp *pstMemCp, uint32_t enLineType, void *pValue) {
-    if (pstMemCp == nullptr || enLineType >= SDP_LINE_COUNT || pValue == nullptr) {
+SDPResult SdpClearLineValidate(SDPMemCp *memCp, uint32_t type, void *value) {
+    if (memCp == nullptr || type >= SDP_LINE_COUNT || value == nullptr) {
         return fail(Check::ClearValidate);
     }
     return 0;
 }
 
-SDPResult SdpClearLine(SDPMemCp *pstMemCp, uint32_t enLineType, void *pValue) {
-    const SDPResult valid = SdpClearLineValidate(pstMemCp, enLineType, pValue);
+SDPResult SdpClearLine(SDPMemCp *memCp, uint32_t type, void *value) {
+    const SDPResult valid = SdpClearLineValidate(memCp, type, value);
     if (valid != 0) {
         return valid;
     }
-    if (enLineType == SDP_LINE_MEDIA) {
-        return SdpClearMediaField(pstMemCp, static_cast<SDPMediaField *>(pValue));
+    if (type == SDP_LINE_MEDIA) {
+        return SdpClearMediaField(memCp, static_cast<SDPMediaField *>(value));
     }
-    if (enLineType == SDP_LINE_ATTRIBUTE) {
-        return SdpClearAttribute(pstMemCp, static_cast<SDPAttr *>(pValue));
+    if (type == SDP_LINE_ATTRIBUTE) {
+        return SdpClearAttribute(memCp, static_cast<SDPAttr *>(value));
     }
-    return SipDsmClearGeneralField(pstMemCp, pValue, g_gpstSdpLineDef[enLineType]);
+    return SipDsmClearGeneralField(memCp, value, g_gpstSdpLineDef[type]);
 }
 
-SDPResult SdpFreeLineValidate(SDPMemCp *pstMemCp, uint32_t enLineType, void **ppValue) {
-    if (pstMemCp == nullptr || enLineType >= SDP_LINE_COUNT || ppValue == nullptr) {
+SDPResult SdpFreeLineValidate(SDPMemCp *memCp, uint32_t type, void **value) {
+    if (memCp == nullptr || type >= SDP_LINE_COUNT || value == nullptr) {
         return fail(Check::FreeValidate);
     }
     return 0;
 }
 
-SDPResult SdpFreeLine(SDPMemCp *pstMemCp, uint32_t enLineType, void **ppValue) {
-    const SDPResult valid = SdpFreeLineValidate(pstMemCp, enLineType, ppValue);
+SDPResult SdpFreeLine(SDPMemCp *memCp, uint32_t type, void **value) {
+    const SDPResult valid = SdpFreeLineValidate(memCp, type, value);
     if (valid != 0) {
         return valid;
     }
-    void *const pValue = *ppValue;
-    if (pValue == nullptr) {
+    void *const record = *value;
+    if (record == nullptr) {
         return 0;
     }
     // A record that cannot be cleared is given back all the same: the caller is done with it.
-    SdpClearLine(pstMemCp, enLineType, pValue);
-    *ppValue = nullptr;
-    return pstMemCp->pfnFree(pValue);
+    SdpClearLine(memCp, type, record);
+    *value = nullptr;
+    return memCp->pfnFree(record);
 }

@@ -6,73 +6,72 @@
 
 using namespace sdpline;
 
-SDPResult SdpCopyNonOthersMediaFormat(SDPMemCp *pstMemCp, const SDPRtpPayLoads *pstSrc,
-                                      SDPRtpPayLoads *pstDst) {
-    const uint32_t ulCount = pstSrc->ulNoOfPayLoads;
-    if (ulCount > SDP_MAX_PAYLOADS) {
+SDPResult SdpCopyNonOthersMediaFormat(SDPMemCp *memCp, const SDPRtpPayLoads *source,
+                                      SDPRtpPayLoads *target) {
+    const uint32_t count = source->ulNoOfPayLoads;
+    if (count > SDP_MAX_PAYLOADS) {
         return fail(Check::CopyPayLoadsLimit);
     }
-    *pstDst = {ulCount, nullptr};
-    if (ulCount == 0 || pstSrc->pulPayLoads == nullptr) {
+    *target = {count, nullptr};
+    if (count == 0 || source->pulPayLoads == nullptr) {
         return 0;
     }
-    const uint32_t ulBytes = ulCount * static_cast<uint32_t>(sizeof(uint32_t));
-    pstDst->pulPayLoads = static_cast<uint32_t *>(pstMemCp->pfnAlloc(pstMemCp, ulBytes));
-    if (pstDst->pulPayLoads == nullptr) {
+    const uint32_t size = count * static_cast<uint32_t>(sizeof(uint32_t));
+    target->pulPayLoads = static_cast<uint32_t *>(memCp->pfnAlloc(memCp, size));
+    if (target->pulPayLoads == nullptr) {
         return fail(Check::CopyPayLoadsAlloc);
     }
-    if (memcpy_s(pstDst->pulPayLoads, ulBytes, pstSrc->pulPayLoads, ulBytes) != 0) {
+    if (memcpy_s(target->pulPayLoads, size, source->pulPayLoads, size) != 0) {
         SIPAbnormalSecureFunc("SdpCopyNonOthersMediaFormat", 915);
     }
     return 0;
 }
 
-SDPResult SdpCopyMediaFormat(SDPMemCp *pstMemCp, const SDPMediaFmt *pstSrc, SDPMediaFmt *pstDst) {
-    pstDst->enFmtType = pstSrc->enFmtType;
-    if (pstSrc->enFmtType != SDP_FMT_OTHER) {
-        return SdpCopyNonOthersMediaFormat(pstMemCp, &pstSrc->unMediaFmt.stRtpPayLoads,
-                                           &pstDst->unMediaFmt.stRtpPayLoads);
+SDPResult SdpCopyMediaFormat(SDPMemCp *memCp, const SDPMediaFmt *source, SDPMediaFmt *target) {
+    target->enFmtType = source->enFmtType;
+    if (source->enFmtType != SDP_FMT_OTHER) {
+        return SdpCopyNonOthersMediaFormat(memCp, &source->unMediaFmt.stRtpPayLoads,
+                                           &target->unMediaFmt.stRtpPayLoads);
     }
-    pstDst->unMediaFmt.strOtherFmts = {0, nullptr};
-    const uint32_t copied = SipSmCopyString(pstMemCp, &pstSrc->unMediaFmt.strOtherFmts,
-                                            &pstDst->unMediaFmt.strOtherFmts);
+    target->unMediaFmt.strOtherFmts = {0, nullptr};
+    const uint32_t copied =
+        SipSmCopyString(memCp, &source->unMediaFmt.strOtherFmts, &target->unMediaFmt.strOtherFmts);
     return copied == 0 ? 0 : fail(Check::CopyFormatText, copied);
 }
 
-SDPResult SdpCopyMediaField(SDPMemCp *pstMemCp, const SDPMediaField *pstSrc,
-                            SDPMediaField *pstDst) {
-    *pstDst = {}; // wherever the copy stops, the target can be cleared
+SDPResult SdpCopyMediaField(SDPMemCp *memCp, const SDPMediaField *source, SDPMediaField *target) {
+    *target = {}; // wherever the copy stops, the target can be cleared
     uint32_t copied =
-        SipDsmCopyGeneralField(pstMemCp, &pstSrc->stMedia, &pstDst->stMedia, &g_gstSDPMediaDef);
+        SipDsmCopyGeneralField(memCp, &source->stMedia, &target->stMedia, &g_gstSDPMediaDef);
     if (copied != 0) {
         return fail(Check::CopyMediaType, copied);
     }
-    copied = SipDsmCopyGeneralField(pstMemCp, &pstSrc->stProto, &pstDst->stProto,
-                                    &g_gstSDPMediaProtoDef);
+    copied =
+        SipDsmCopyGeneralField(memCp, &source->stProto, &target->stProto, &g_gstSDPMediaProtoDef);
     if (copied != 0) {
-        SipDsmClearGeneralField(pstMemCp, &pstDst->stMedia, &g_gstSDPMediaDef);
+        SipDsmClearGeneralField(memCp, &target->stMedia, &g_gstSDPMediaDef);
         return fail(Check::CopyMediaProto, copied);
     }
-    copied = SdpCopyMediaFormat(pstMemCp, &pstSrc->stMediaFmt, &pstDst->stMediaFmt);
+    copied = SdpCopyMediaFormat(memCp, &source->stMediaFmt, &target->stMediaFmt);
     if (copied != 0) {
-        SipDsmClearGeneralField(pstMemCp, &pstDst->stMedia, &g_gstSDPMediaDef);
-        SipDsmClearGeneralField(pstMemCp, &pstDst->stProto, &g_gstSDPMediaProtoDef);
+        SipDsmClearGeneralField(memCp, &target->stMedia, &g_gstSDPMediaDef);
+        SipDsmClearGeneralField(memCp, &target->stProto, &g_gstSDPMediaProtoDef);
         return fail(Check::CopyMediaFormat, copied);
     }
-    pstDst->ulNoOfPorts = pstSrc->ulNoOfPorts;
-    pstDst->ulPort = pstSrc->ulPort;
+    target->ulNoOfPorts = source->ulNoOfPorts;
+    target->ulPort = source->ulPort;
     return 0;
 }
 
-SDPResult SdpClearMediaField(SDPMemCp *pstMemCp, SDPMediaField *pstField) {
-    SipDsmClearGeneralField(pstMemCp, &pstField->stMedia, &g_gstSDPMediaDef);
-    SipDsmClearGeneralField(pstMemCp, &pstField->stProto, &g_gstSDPMediaProtoDef);
-    SDPMediaFmt &stFmt = pstField->stMediaFmt;
-    if (stFmt.enFmtType == SDP_FMT_OTHER) {
-        SipSmClearString(pstMemCp, &stFmt.unMediaFmt.strOtherFmts);
-    } else if (stFmt.unMediaFmt.stRtpPayLoads.pulPayLoads != nullptr) {
-        pstMemCp->pfnFree(stFmt.unMediaFmt.stRtpPayLoads.pulPayLoads);
+SDPResult SdpClearMediaField(SDPMemCp *memCp, SDPMediaField *field) {
+    SipDsmClearGeneralField(memCp, &field->stMedia, &g_gstSDPMediaDef);
+    SipDsmClearGeneralField(memCp, &field->stProto, &g_gstSDPMediaProtoDef);
+    SDPMediaFmt &format = field->stMediaFmt;
+    if (format.enFmtType == SDP_FMT_OTHER) {
+        SipSmClearString(memCp, &format.unMediaFmt.strOtherFmts);
+    } else if (format.unMediaFmt.stRtpPayLoads.pulPayLoads != nullptr) {
+        memCp->pfnFree(format.unMediaFmt.stRtpPayLoads.pulPayLoads);
     }
-    *pstField = {};
+    *field = {};
     return 0;
 }
