@@ -10,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -195,9 +194,9 @@ private:
         if (const auto error = refusedText(parameters, longest)) {
             return {error, {}};
         }
-        std::memcpy(text_.data(), word.data(), word.size());
+        word.copy(text_.data(), word.size());
         text_[word.size()] = ' ';
-        std::memcpy(text_.data() + word.size() + 1, parameters.data(), parameters.size());
+        parameters.copy(text_.data() + word.size() + 1, parameters.size());
         return {{}, {text_.data(), word.size() + 1 + parameters.size()}};
     }
 
