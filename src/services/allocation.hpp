@@ -89,9 +89,9 @@ SDPLINE_INLINE void freeBytes(void *memory) {
     if (decodeBlock == nullptr) [[unlikely]] {
         return freeByHook(memory);
     }
-    sipcore::Piece *const piece = sipcore::pieceOf(memory);
-    if (!builtin.fillsFreed && sipcore::stateOf(piece) == sipcore::kLive) [[likely]] {
-        sipcore::giveBack(piece);
+    sipcore::Allocation *const allocation = sipcore::allocationOf(memory);
+    if (!builtin.fillsFreed && sipcore::stateOf(allocation) == sipcore::kLive) [[likely]] {
+        sipcore::release(allocation);
     } else {
         decodeBlock->control.pfnFree(memory);
     }

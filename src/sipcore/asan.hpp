@@ -1,5 +1,5 @@
-// AddressSanitizer's view of memory that sipcore hands out in pieces. In other builds all of this
-// is nothing.
+// AddressSanitizer's view of memory that sipcore hands out in allocations. In other builds all of
+// this is nothing.
 #ifndef SIPCORE_ASAN_HPP
 #define SIPCORE_ASAN_HPP
 
@@ -15,7 +15,7 @@
 
 #if defined(SIPCORE_ASAN)
 #include <sanitizer/asan_interface.h>
-// For the functions that read and write piece headers, which stay poisoned for everybody else.
+// For the functions that read and write allocation headers, which stay poisoned for everybody else.
 #define SIPCORE_UNCHECKED __attribute__((no_sanitize_address))
 #else
 #define SIPCORE_UNCHECKED

@@ -1,18 +1,18 @@
-// A memory block's record, and how a piece is cut from it. libsdpline includes this too, and cuts
-// the pieces of a body itself where their block is libsipcore's (builtin.hpp).
+// A memory block's record, and how an allocation is cut from it. libsdpline includes this too, and
+// cuts the allocations of a body itself where their block is libsipcore's (builtin.hpp).
 //
 // One heap allocation holds the block's record and its first chunk; every further chunk is one
-// more. Memory is cut off the current run, which lies in one of the chunks:
+// more. Memory is cut off the current span, which lies in one of the chunks:
 //
 //   chunk   | Chunk | header payload | header payload | ...      unused ...|
-//                                                         ^ run.at          ^ run.end
+//                                                         ^ span.at          ^ span.end
 //
 // A header is 8 bytes: the payload's size and the way back to the chunk, through which pfnFree
-// finds the block. Cutting writes the header alone. A piece given back goes
+// finds the block. Cutting writes the header alone. An allocation given back goes
 // to the list of its class; classes are multiples of 8 up to 256 bytes and powers of two above, so
-// that a list that grows slot by slot swings between two pieces of one class instead of leaving
-// one piece behind at every step. Beyond 64 KiB a piece has a chunk of its own and goes back to
-// the heap at once.
+// that a list that grows slot by slot swings between two allocations of one class instead of
+// leaving one allocation behind at every step. Beyond 64 KiB an allocation has a chunk of its own
+// and goes back to the heap at once.
 #ifndef SIPCORE_BLOCK_HPP
 #define SIPCORE_BLOCK_HPP
 
@@ -37,15 +37,15 @@ struct alignas(8) Chunk {
 };
 
 // The link lies in the payload, which is free while the link is used.
-struct alignas(8) Piece {
+struct alignas(8) Allocation {
     uint32_t size; // of the payload, a multiple of 8
     uint32_t tag;  // offset from the chunk, a multiple of 8, and the state in the low bits
-    Piece *nextFree;
+    Allocation *nextFree;
 };
 
 enum State : uint32_t { kFreed = 2, kLive = 5, kLiveInOwnChunk = 7, kStateMask = 7 };
 
-struct Run {
+struct FreeSpan {
     std::byte *at;
     std::byte *end;
     Chunk *chunk;
@@ -53,7 +53,7 @@ struct Run {
     std::size_t room() const { return static_cast<std::size_t>(end - at); }
 };
 
-constexpr uint32_t kHeaderSize = offsetof(Piece, nextFree);
+constexpr uint32_t kHeaderSize = offsetof(Allocation, nextFree);
 constexpr uint32_t kSmallest = 8;
 constexpr uint32_t kSmallMax = 256;
 constexpr uint32_t kListedMax = 64 * 1024;
@@ -61,14 +61,14 @@ constexpr uint32_t kSmallClasses = kSmallMax / 8;
 constexpr uint32_t kClasses = kSmallClasses + 8; // 512, 1024, ... 65536
 
 static_assert(kHeaderSize == 8 && sizeof(Chunk) % 8 == 0);
-static_assert(sizeof(Piece) - kHeaderSize <= kSmallest);
+static_assert(sizeof(Allocation) - kHeaderSize <= kSmallest);
 
 struct alignas(8) Block {
     SDPMemCp control;
-    Run run;
+    FreeSpan span;
     uint32_t nextSize;
     Chunk first;
-    Piece *freed[kClasses];
+    Allocation *freed[kClasses];
 };
 
 static_assert(sizeof(Block) % 8 == 0);
@@ -77,8 +77,8 @@ constexpr uint32_t roundUp8(uint32_t size) {
     return (size + 7) & ~uint32_t{7};
 }
 
-// The class that holds every piece of at least this payload size: the one that a freed piece
-// joins. A request whose size was rounded up to its class finds pieces that fit.
+// The class that holds every allocation of at least this payload size: the one that a freed
+// allocation joins. A request whose size was rounded up to its class finds allocations that fit.
 constexpr uint32_t classOf(uint32_t size) {
     if (size <= kSmallMax) {
         return size / 8 - 1;
@@ -90,82 +90,82 @@ constexpr uint32_t classOf(uint32_t size) {
 static_assert(classOf(8) == 0 && classOf(256) == 31 && classOf(264) == 31 && classOf(512) == 32);
 static_assert(classOf(kListedMax) == kClasses - 1 && classOf(kLargestRequest) == kClasses - 1);
 
-inline std::byte *payloadOf(Piece *piece) {
-    return reinterpret_cast<std::byte *>(piece) + kHeaderSize;
+inline std::byte *payloadOf(Allocation *allocation) {
+    return reinterpret_cast<std::byte *>(allocation) + kHeaderSize;
 }
 
-SIPCORE_UNCHECKED inline void setHeader(Piece *piece, uint32_t size, uint32_t tag) {
-    piece->size = size;
-    piece->tag = tag;
+SIPCORE_UNCHECKED inline void setHeader(Allocation *allocation, uint32_t size, uint32_t tag) {
+    allocation->size = size;
+    allocation->tag = tag;
 }
 
-SIPCORE_UNCHECKED inline uint32_t sizeOf(const Piece *piece) {
-    return piece->size;
+SIPCORE_UNCHECKED inline uint32_t sizeOf(const Allocation *allocation) {
+    return allocation->size;
 }
 
-SIPCORE_UNCHECKED inline uint32_t stateOf(const Piece *piece) {
-    return piece->tag & kStateMask;
+SIPCORE_UNCHECKED inline uint32_t stateOf(const Allocation *allocation) {
+    return allocation->tag & kStateMask;
 }
 
-SIPCORE_UNCHECKED inline void setState(Piece *piece, State state) {
-    piece->tag = (piece->tag & ~kStateMask) | state;
+SIPCORE_UNCHECKED inline void setState(Allocation *allocation, State state) {
+    allocation->tag = (allocation->tag & ~kStateMask) | state;
 }
 
-SIPCORE_UNCHECKED inline Chunk *chunkOf(Piece *piece) {
-    std::byte *chunk = reinterpret_cast<std::byte *>(piece) - (piece->tag & ~kStateMask);
+SIPCORE_UNCHECKED inline Chunk *chunkOf(Allocation *allocation) {
+    std::byte *chunk = reinterpret_cast<std::byte *>(allocation) - (allocation->tag & ~kStateMask);
     return reinterpret_cast<Chunk *>(chunk);
 }
 
-SIPCORE_UNCHECKED inline void push(Piece *&list, Piece *piece) {
-    piece->nextFree = list;
-    list = piece;
+SIPCORE_UNCHECKED inline void push(Allocation *&list, Allocation *allocation) {
+    allocation->nextFree = list;
+    list = allocation;
 }
 
-// Cuts a piece off a run that has the room.
-inline void *cut(Run &run, uint32_t request, uint32_t size, State state) {
-    auto *piece = reinterpret_cast<Piece *>(run.at);
-    const auto offset = static_cast<uint32_t>(run.at - reinterpret_cast<std::byte *>(run.chunk));
-    setHeader(piece, size, offset | state);
-    run.at += kHeaderSize + size;
-    permit(payloadOf(piece), request);
-    return payloadOf(piece);
+// Cuts an allocation off a span that has the room.
+inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
+    auto *allocation = reinterpret_cast<Allocation *>(span.at);
+    const auto offset = static_cast<uint32_t>(span.at - reinterpret_cast<std::byte *>(span.chunk));
+    setHeader(allocation, size, offset | state);
+    span.at += kHeaderSize + size;
+    permit(payloadOf(allocation), request);
+    return payloadOf(allocation);
 }
 
-// Memory from the run, holding anything, for requests of a small class, 1 to 256 bytes, that no
-// freed piece serves: nearly all requests of a decoded body. Null where there is more to it.
+// Memory from the span, holding anything, for requests of a small class, 1 to 256 bytes, that no
+// freed allocation serves: nearly all requests of a decoded body. Null where there is more to it.
 inline void *cutSmall(Block &block, uint32_t request) {
     const uint32_t classNumber = (request - 1) / 8;
     if (classNumber >= kSmallClasses || block.freed[classNumber] != nullptr) [[unlikely]] {
         return nullptr;
     }
     const uint32_t size = roundUp8(request);
-    if (block.run.room() < kHeaderSize + size) [[unlikely]] {
+    if (block.span.room() < kHeaderSize + size) [[unlikely]] {
         return nullptr;
     }
-    return cut(block.run, request, size, kLive);
+    return cut(block.span, request, size, kLive);
 }
 
-// Debug builds fill freed memory behind the link and look whether the filling is still there when
-// the piece is taken again. AddressSanitizer sees more and needs no filling.
+// Debug builds fill freed memory after the link and look whether the filling is still there when
+// the allocation is taken again. AddressSanitizer sees more and needs no filling.
 #if !defined(NDEBUG) && !defined(SIPCORE_ASAN)
 inline constexpr bool kFillsFreed = true;
 #else
 inline constexpr bool kFillsFreed = false;
 #endif
 
-// Gives a piece back to its block: all there is to it where it has no chunk of its own.
-inline void giveBack(Piece *piece) {
-    const uint32_t size = sizeOf(piece);
-    forbid(payloadOf(piece), size);
-    setState(piece, kFreed);
-    push(chunkOf(piece)->owner->freed[classOf(size)], piece);
+// Gives an allocation back to its block: all there is to it where it has no chunk of its own.
+inline void release(Allocation *allocation) {
+    const uint32_t size = sizeOf(allocation);
+    forbid(payloadOf(allocation), size);
+    setState(allocation, kFreed);
+    push(chunkOf(allocation)->owner->freed[classOf(size)], allocation);
 }
 
-inline Piece *pieceOf(void *memory) {
-    return reinterpret_cast<Piece *>(static_cast<std::byte *>(memory) - kHeaderSize);
+inline Allocation *allocationOf(void *memory) {
+    return reinterpret_cast<Allocation *>(static_cast<std::byte *>(memory) - kHeaderSize);
 }
 
-// pfnAlloc and pfnFree of a block's memory control, and what pfnAlloc answers before it is zeroed.
+// pfnAlloc and pfnFree of a block's memory control, and what pfnAlloc returns before it is zeroed.
 void *blockAlloc(SDPMemCp *memCp, uint32_t size);
 void *blockTake(SDPMemCp *memCp, uint32_t size);
 uint32_t blockFree(void *memory);

@@ -1,8 +1,8 @@
 // Deep copy and clear of a value by the description of its type: one recursive walk each.
 //
-// A copy starts from an all-zero target, links every new piece into it before filling that piece,
-// and so can be undone at any point by clearing the target. Values are packed to 4 bytes: pointers
-// inside them may be misaligned and are moved as bytes.
+// A copy starts from an all-zero target, links every new allocation into it before filling that
+// allocation, and so can be undone at any point by clearing the target. Values are packed to 4
+// bytes: pointers inside them may be misaligned and are moved as bytes.
 #include "heap.hpp"
 
 #include "sdpline/sipcore.h"
@@ -19,7 +19,7 @@ using ConstBytes = const uint8_t *;
 constexpr uint32_t kMaxDepth = 32;
 
 constexpr uint32_t kPointerSize = sizeof(void *);
-constexpr uint32_t kBehindCode = 4; // where union, array or pointer lie behind a u32
+constexpr uint32_t kAfterCode = 4; // where union, array or pointer follow a u32
 
 template <class T>
 T load(const void *from) {
@@ -47,9 +47,9 @@ bool isSound(const SipDsmTypeDef *def) {
     switch (def->enKind) {
     case SIP_DSM_SEQUENCE:
     case SIP_DSM_SET: return hasDetail && def->ulSize >= 1;
-    case SIP_DSM_CHOICE: return hasDetail && def->ulSize >= kBehindCode;
+    case SIP_DSM_CHOICE: return hasDetail && def->ulSize >= kAfterCode;
     case SIP_DSM_LIST:
-    case SIP_DSM_CODED_TEXT: return hasDetail && def->ulSize >= kBehindCode + kPointerSize;
+    case SIP_DSM_CODED_TEXT: return hasDetail && def->ulSize >= kAfterCode + kPointerSize;
     case SIP_DSM_POINTER: return hasDetail && def->ulSize >= kPointerSize;
     case SIP_DSM_RANGED_U32: return hasDetail && def->ulSize >= sizeof(uint32_t);
     case SIP_DSM_RANGED_U8: return hasDetail && def->ulSize >= sizeof(uint8_t);
@@ -60,7 +60,7 @@ bool isSound(const SipDsmTypeDef *def) {
     }
 }
 
-// Calls visit(offset, member) for the members of a sequence until one answers a failure. Members
+// Calls visit(offset, member) for the members of a sequence until one returns a failure. Members
 // of 4 bytes and more begin at a multiple of 4, those of 2 bytes at a multiple of 2; none may
 // reach beyond the size of the whole.
 template <class Visit>
@@ -112,7 +112,7 @@ uint32_t visitParts(const SipDsmTypeDef &def, Visit visit) {
     return visitElements(def, detailOf<SipDsmSetDef>(def), visit);
 }
 
-// What lies behind a choice's selector. Selector 0 has nothing behind it and leaves it null.
+// What follows a choice's selector. Selector 0 has nothing after it and leaves it null.
 uint32_t findAlternative(const SipDsmTypeDef &def, uint32_t selector,
                          const SipDsmTypeDef *&alternative) {
     alternative = nullptr;
@@ -124,7 +124,7 @@ uint32_t findAlternative(const SipDsmTypeDef &def, uint32_t selector,
         return SIP_OUT_OF_RANGE;
     }
     const SipDsmTypeDef *found = choice.ppstAlternatives[selector - 1];
-    if (!isSound(found) || found->ulSize > def.ulSize - kBehindCode) {
+    if (!isSound(found) || found->ulSize > def.ulSize - kAfterCode) {
         return SIP_INVALID_ARGUMENT;
     }
     alternative = found;
@@ -190,7 +190,7 @@ private:
         if (alternative == nullptr) {
             return SIP_OK;
         }
-        return copy(src + kBehindCode, dst + kBehindCode, alternative, depth + 1);
+        return copy(src + kAfterCode, dst + kAfterCode, alternative, depth + 1);
     }
 
     uint32_t copyCodedText(ConstBytes src, Bytes dst, const SipDsmTypeDef &def, uint32_t depth) {
@@ -200,13 +200,13 @@ private:
         if (!usesPointer(detail, code)) {
             return SIP_OK;
         }
-        return copyPointee(src + kBehindCode, dst + kBehindCode, detail.pstPointee, depth);
+        return copyPointee(src + kAfterCode, dst + kAfterCode, detail.pstPointee, depth);
     }
 
     // A count over a null array is copied as it is, and so is a null slot within an array.
     uint32_t copyList(ConstBytes src, Bytes dst, const SipDsmTypeDef &element, uint32_t depth) {
         const auto count = load<uint32_t>(src);
-        const auto from = load<ConstBytes>(src + kBehindCode);
+        const auto from = load<ConstBytes>(src + kAfterCode);
         store(dst, count);
         if (count == 0 || from == nullptr) {
             return SIP_OK;
@@ -215,7 +215,7 @@ private:
         if (slots == nullptr) {
             return SIP_NO_MEMORY;
         }
-        store(dst + kBehindCode, slots);
+        store(dst + kAfterCode, slots);
         for (uint32_t i = 0; i < count; ++i) {
             const size_t at = size_t{i} * kPointerSize;
             const uint32_t result = copyPointee(from + at, slots + at, &element, depth);
@@ -302,7 +302,7 @@ private:
         const SipDsmTypeDef *alternative = nullptr;
         note(findAlternative(def, load<uint32_t>(value), alternative));
         if (alternative != nullptr) {
-            clear(value + kBehindCode, alternative, depth + 1);
+            clear(value + kAfterCode, alternative, depth + 1);
         }
     }
 
@@ -310,16 +310,16 @@ private:
     void clearCodedText(Bytes value, const SipDsmTypeDef &def, uint32_t depth) {
         const auto &detail = detailOf<SipDsmCPointerDef>(def);
         if (usesPointer(detail, load<uint32_t>(value))) {
-            clearPointee(value + kBehindCode, detail.pstPointee, depth);
+            clearPointee(value + kAfterCode, detail.pstPointee, depth);
         }
-        store<void *>(value + kBehindCode, nullptr);
+        store<void *>(value + kAfterCode, nullptr);
     }
 
     void clearList(Bytes value, const SipDsmTypeDef &element, uint32_t depth) {
         const auto count = load<uint32_t>(value);
-        const auto slots = load<Bytes>(value + kBehindCode);
+        const auto slots = load<Bytes>(value + kAfterCode);
         store(value, uint32_t{0});
-        store<void *>(value + kBehindCode, nullptr);
+        store<void *>(value + kAfterCode, nullptr);
         if (slots == nullptr) {
             return;
         }

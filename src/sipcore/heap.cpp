@@ -1,6 +1,6 @@
-// The process heap: counted allocation, the pieces kept by each thread, the statistics, and the
-// system memory control. Counters are relaxed atomics, since no counter is read to decide anything
-// about another thread's memory; they change only where the process heap is called.
+// The process heap: counted allocation, the allocations kept by each thread, the statistics, and
+// the system memory control. Counters are relaxed atomics, since no counter is read to decide
+// anything about another thread's memory; they change only where the process heap is called.
 #include "heap.hpp"
 
 #include "asan.hpp"
@@ -57,57 +57,57 @@ void giveToHeap(void *memory, std::size_t size, Use use) {
     counters.bytes.fetch_sub(size, kRelaxed);
 }
 
-// ---- Kept pieces
+// ---- Kept allocations
 
 // AddressSanitizer finds a use of freed memory only when it was freed.
 #if defined(SIPCORE_ASAN)
-constexpr std::size_t kKeptMax = 0;
+constexpr std::size_t kCacheMax = 0;
 #else
-constexpr std::size_t kKeptMax = 64 * 1024; // bytes of one thread
+constexpr std::size_t kCacheMax = 64 * 1024; // bytes of one thread
 #endif
 
 // Sizes that are kept: 256, 512, 768, ... 4096.
 constexpr std::size_t kStep = 256;
-constexpr std::size_t kLargestKept = 4096;
-constexpr std::size_t kSizes = kLargestKept / kStep;
+constexpr std::size_t kLargestCached = 4096;
+constexpr std::size_t kSizes = kLargestCached / kStep;
 
-struct KeptPiece {
-    KeptPiece *next;
+struct CachedMemory {
+    CachedMemory *next;
 };
 
-struct Kept {
-    KeptPiece *lists[2][kSizes];
+struct Cache {
+    CachedMemory *lists[2][kSizes];
     std::size_t bytes;
     bool watched; // the thread's end gives everything back
 };
 
-[[gnu::tls_model("initial-exec")]] constinit thread_local Kept kept{};
+[[gnu::tls_model("initial-exec")]] constinit thread_local Cache cache{};
 
-KeptPiece *&listOf(std::size_t size, Use use) {
-    return kept.lists[static_cast<std::size_t>(use)][size / kStep - 1];
+CachedMemory *&listOf(std::size_t size, Use use) {
+    return cache.lists[static_cast<std::size_t>(use)][size / kStep - 1];
 }
 
-void giveKeptBack() {
-    for (const Use use : {Use::Block, Use::Piece}) {
-        for (std::size_t size = kStep; size <= kLargestKept; size += kStep) {
-            KeptPiece *piece = std::exchange(listOf(size, use), nullptr);
-            while (piece != nullptr) {
-                giveToHeap(std::exchange(piece, piece->next), size, use);
+void releaseCached() {
+    for (const Use use : {Use::Block, Use::Other}) {
+        for (std::size_t size = kStep; size <= kLargestCached; size += kStep) {
+            CachedMemory *allocation = std::exchange(listOf(size, use), nullptr);
+            while (allocation != nullptr) {
+                giveToHeap(std::exchange(allocation, allocation->next), size, use);
             }
         }
     }
-    kept.bytes = 0;
+    cache.bytes = 0;
 }
 
-// Pieces that are given back later than this are kept under a new watch.
+// Allocations that are given back later than this are kept under a new watch.
 void onThreadEnd(void *) {
-    kept.watched = false;
-    giveKeptBack();
+    cache.watched = false;
+    releaseCached();
 }
 
 // The ends of threads, which the library hears of while it is open. A program that closes it, or
 // ends, while its threads live must not be led back into it when they end: what they keep is lost
-// then. Threads that begin to keep pieces at that moment take the same lock.
+// then. Threads that begin to keep allocations at that moment take the same lock.
 class ThreadEnds {
 public:
     bool watchThisThread(const void *value) {
@@ -152,29 +152,29 @@ constinit ThreadEnds threadEnds;
 }
 
 [[gnu::noinline]] bool watchThread() {
-    kept.watched = threadEnds.watchThisThread(&kept);
-    return kept.watched;
+    cache.watched = threadEnds.watchThisThread(&cache);
+    return cache.watched;
 }
 
-bool isKeptSize(std::size_t size) {
-    return size <= kLargestKept;
+bool isCachedSize(std::size_t size) {
+    return size <= kLargestCached;
 }
 
-// What is taken from the heap for a request: one of few sizes as long as they are kept.
+// What is taken from the heap for a request: one of few sizes as long as they are cached.
 std::size_t heapSize(std::size_t bytes) {
-    return bytes > kLargestKept ? bytes : (bytes + kStep - 1) / kStep * kStep;
+    return bytes > kLargestCached ? bytes : (bytes + kStep - 1) / kStep * kStep;
 }
 
 } // namespace
 
 void *heapTake(std::size_t bytes, Use use, Content content) {
     const std::size_t size = heapSize(bytes);
-    if (isKeptSize(size)) {
-        KeptPiece *&list = listOf(size, use);
-        if (KeptPiece *const piece = list) {
-            list = piece->next;
-            kept.bytes -= size;
-            return content == Content::Zeroed ? clear(piece, size) : piece;
+    if (isCachedSize(size)) {
+        CachedMemory *&list = listOf(size, use);
+        if (CachedMemory *const allocation = list) {
+            list = allocation->next;
+            cache.bytes -= size;
+            return content == Content::Zeroed ? clear(allocation, size) : allocation;
         }
     }
     return takeFromHeap(size, use, content);
@@ -182,10 +182,10 @@ void *heapTake(std::size_t bytes, Use use, Content content) {
 
 void heapGive(void *memory, std::size_t bytes, Use use) {
     const std::size_t size = heapSize(bytes);
-    if (isKeptSize(size) && kept.bytes + size <= kKeptMax && (kept.watched || watchThread())) {
-        KeptPiece *&list = listOf(size, use);
-        list = new (memory) KeptPiece{list};
-        kept.bytes += size;
+    if (isCachedSize(size) && cache.bytes + size <= kCacheMax && (cache.watched || watchThread())) {
+        CachedMemory *&list = listOf(size, use);
+        list = new (memory) CachedMemory{list};
+        cache.bytes += size;
         return;
     }
     giveToHeap(memory, size, use);
@@ -197,7 +197,8 @@ void countAbnormalReport() {
 
 namespace {
 
-// Stands before every piece of the system memory control, as large as the heap's own alignment.
+// Lies before every allocation of the system memory control, as large as the heap's own
+// alignment.
 struct alignas(std::max_align_t) SystemHeader {
     uint32_t size;
     uint32_t state;
@@ -210,7 +211,7 @@ void *systemTake(uint32_t size, Content content) {
     if (size > kLargestRequest) {
         return nullptr;
     }
-    void *const memory = heapTake(sizeof(SystemHeader) + size, Use::Piece, content);
+    void *const memory = heapTake(sizeof(SystemHeader) + size, Use::Other, content);
     auto *const header = static_cast<SystemHeader *>(memory);
     if (header == nullptr) {
         return nullptr;
@@ -231,7 +232,7 @@ uint32_t systemFree(void *pMem) {
     SystemHeader *header = static_cast<SystemHeader *>(pMem) - 1;
     assert(header->state == kSystemLive && "not memory of the system control, or freed before");
     header->state = kSystemFreed;
-    heapGive(header, sizeof(SystemHeader) + header->size, Use::Piece);
+    heapGive(header, sizeof(SystemHeader) + header->size, Use::Other);
     return SIP_OK;
 }
 
@@ -256,7 +257,7 @@ void SipMmGetStatistics(SipMmStatistics *pstStatistics) {
     if (pstStatistics == nullptr) {
         return;
     }
-    giveKeptBack(); // what the caller's thread keeps is not in use
+    releaseCached(); // what the caller's thread keeps is not in use
     // Given before taken: a reader beside working threads never sees more given than taken.
     const uint64_t given = counters.given.load(kRelaxed);
     pstStatistics->ulBlocks = counters.blocks.load(kRelaxed);
@@ -269,6 +270,6 @@ void SipMmGetStatistics(SipMmStatistics *pstStatistics) {
 
 void SipMmResetPeak(void) {
     using namespace sipcore;
-    giveKeptBack();
+    releaseCached();
     counters.peak.store(counters.bytes.load(kRelaxed), kRelaxed);
 }

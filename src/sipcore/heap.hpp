@@ -16,15 +16,16 @@ namespace sipcore {
 // around it therefore never leave 32 bits.
 inline constexpr uint32_t kLargestRequest = uint32_t{1} << 30;
 
-// Blocks are told from other pieces, so that those alive can be counted where the heap is called.
-enum class Use : uint8_t { Block, Piece };
+// Blocks are told from other allocations, so that those alive can be counted where the heap is
+// called.
+enum class Use : uint8_t { Block, Other };
 
 // Null without memory. What is kept holds what it held before, unless it is asked for zeroed.
 enum class Content : uint8_t { Any, Zeroed };
 void *heapTake(std::size_t bytes, Use use, Content content);
 void heapGive(void *memory, std::size_t bytes, Use use);
 
-// A piece of a memory control that the caller fills: of the system's, one that is not zeroed
+// An allocation of a memory control that the caller fills: of the system's, one that is not zeroed
 // before.
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
 

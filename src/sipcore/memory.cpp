@@ -10,35 +10,36 @@
 namespace sipcore {
 namespace {
 
-SIPCORE_UNCHECKED Piece *pop(Piece *&list) {
-    Piece *piece = list;
-    list = piece->nextFree;
-    return piece;
+SIPCORE_UNCHECKED Allocation *pop(Allocation *&list) {
+    Allocation *allocation = list;
+    list = allocation->nextFree;
+    return allocation;
 }
 
 constexpr std::byte kFreedFill{0xDD};
 
-void fillFreed(Piece *piece) {
+void fillFreed(Allocation *allocation) {
     if constexpr (kFillsFreed) {
-        std::fill(payloadOf(piece) + kSmallest, payloadOf(piece) + sizeOf(piece), kFreedFill);
+        std::fill(payloadOf(allocation) + kSmallest, payloadOf(allocation) + sizeOf(allocation),
+                  kFreedFill);
     }
 }
 
-[[maybe_unused]] bool isFilled(Piece *piece) {
-    return !kFillsFreed ||
-           std::all_of(payloadOf(piece) + kSmallest, payloadOf(piece) + sizeOf(piece),
-                       [](std::byte one) { return one == kFreedFill; });
+[[maybe_unused]] bool isFilled(Allocation *allocation) {
+    return !kFillsFreed || std::all_of(payloadOf(allocation) + kSmallest,
+                                       payloadOf(allocation) + sizeOf(allocation),
+                                       [](std::byte one) { return one == kFreedFill; });
 }
 
-// Whether the memory is a piece in use of a block that is still there. Every block's pService
+// Whether the memory is an allocation in use of a block that is still there. Every block's pService
 // points at the block itself, which serves as the block's mark.
-[[maybe_unused]] bool isLive(Piece *piece) {
-    const uint32_t state = stateOf(piece);
+[[maybe_unused]] bool isLive(Allocation *allocation) {
+    const uint32_t state = stateOf(allocation);
     if (state != kLive && state != kLiveInOwnChunk) {
         return false;
     }
-    const Block *owner = chunkOf(piece)->owner;
-    return sizeOf(piece) % 8 == 0 && owner->control.pService == owner;
+    const Block *owner = chunkOf(allocation)->owner;
+    return sizeOf(allocation) % 8 == 0 && owner->control.pService == owner;
 }
 
 // What is handed out is zeroed then, not when it comes from the heap: a body's texts, which
@@ -51,27 +52,28 @@ inline void *zeroed(void *memory, uint32_t size) {
     return memory;
 }
 
-// A listed request takes a whole class where the run has room for it, else just what it needs.
-void *cutLarge(Run &run, uint32_t request) {
+// A listed request takes a whole class where the span has room for it, else just what it needs.
+void *cutLarge(FreeSpan &span, uint32_t request) {
     uint32_t size = roundUp8(request);
-    if (size <= kListedMax && run.room() >= kHeaderSize + std::bit_ceil(size)) {
+    if (size <= kListedMax && span.room() >= kHeaderSize + std::bit_ceil(size)) {
         size = std::bit_ceil(size);
     }
-    return cut(run, request, size, kLive);
+    return cut(span, request, size, kLive);
 }
 
-[[gnu::noinline]] void *reuse(Piece *&list, uint32_t request) {
-    Piece *piece = pop(list);
-    assert(stateOf(piece) == kFreed && isFilled(piece) && "freed memory was written to");
-    setState(piece, kLive);
-    permit(payloadOf(piece), request);
-    return payloadOf(piece);
+[[gnu::noinline]] void *reuse(Allocation *&list, uint32_t request) {
+    Allocation *allocation = pop(list);
+    assert(stateOf(allocation) == kFreed && isFilled(allocation) && "freed memory was written to");
+    setState(allocation, kLive);
+    permit(payloadOf(allocation), request);
+    return payloadOf(allocation);
 }
 
-// Opens a chunk with room for one piece of the given payload size; a null chunk after a failure.
-Run openChunk(Block &block, uint32_t size, Content content = Content::Any) {
+// Opens a chunk with room for one allocation of the given payload size; a null chunk after a
+// failure.
+FreeSpan openChunk(Block &block, uint32_t size, Content content = Content::Any) {
     const std::size_t heapBytes = sizeof(Chunk) + kHeaderSize + size;
-    auto *chunk = static_cast<Chunk *>(heapTake(heapBytes, Use::Piece, content));
+    auto *chunk = static_cast<Chunk *>(heapTake(heapBytes, Use::Other, content));
     if (chunk == nullptr) {
         return {};
     }
@@ -92,19 +94,19 @@ void closeChunk(Chunk *chunk) {
     if (chunk->next != nullptr) {
         chunk->next->previous = chunk->previous;
     }
-    heapGive(chunk, chunk->heapBytes, Use::Piece);
+    heapGive(chunk, chunk->heapBytes, Use::Other);
 }
 
-// Whichever of the old run and what is left of the new one has more room is cut from next, so a
+// Whichever of the old span and what is left of the new one has more room is cut from next, so a
 // large request does not cost the rest of the chunk in use.
-void keepRoomier(Block &block, const Run &opened) {
-    if (opened.room() > block.run.room()) {
-        block.run = opened;
+void keepRoomier(Block &block, const FreeSpan &opened) {
+    if (opened.room() > block.span.room()) {
+        block.span = opened;
     }
 }
 
 [[gnu::noinline]] void *allocateSmallInNewChunk(Block &block, uint32_t request, uint32_t size) {
-    Run opened = openChunk(block, std::max(size, block.nextSize));
+    FreeSpan opened = openChunk(block, std::max(size, block.nextSize));
     if (opened.chunk == nullptr) {
         return nullptr;
     }
@@ -123,14 +125,14 @@ void keepRoomier(Block &block, const Run &opened) {
     if (listed && block.freed[classOf(whole)] != nullptr) {
         return reuse(block.freed[classOf(whole)], request);
     }
-    if (block.run.room() >= kHeaderSize + exact) {
-        return cutLarge(block.run, request);
+    if (block.span.room() >= kHeaderSize + exact) {
+        return cutLarge(block.span, request);
     }
     if (!listed) {
-        Run own = openChunk(block, exact, Content::Zeroed);
-        return own.chunk != nullptr ? cut(own, request, exact, kLiveInOwnChunk) : nullptr;
+        FreeSpan alone = openChunk(block, exact, Content::Zeroed);
+        return alone.chunk != nullptr ? cut(alone, request, exact, kLiveInOwnChunk) : nullptr;
     }
-    Run opened = openChunk(block, exact <= block.nextSize ? block.nextSize : whole);
+    FreeSpan opened = openChunk(block, exact <= block.nextSize ? block.nextSize : whole);
     if (opened.chunk == nullptr) {
         return nullptr;
     }
@@ -145,19 +147,20 @@ void keepRoomier(Block &block, const Run &opened) {
         return allocateLarge(block, request);
     }
     const uint32_t size = request == 0 ? kSmallest : roundUp8(request);
-    Piece *&list = block.freed[classOf(size)];
+    Allocation *&list = block.freed[classOf(size)];
     if (list != nullptr) {
         return reuse(list, request);
     }
-    if (block.run.room() < kHeaderSize + size) {
+    if (block.span.room() < kHeaderSize + size) {
         return allocateSmallInNewChunk(block, request, size);
     }
-    return cut(block.run, request, size, kLive);
+    return cut(block.span, request, size, kLive);
 }
 
 } // namespace
 
-// The rarer ways are kept out of line so that cutting from the run stays a handful of instructions.
+// The rarer ways are kept out of line so that cutting from the span stays a handful of
+// instructions.
 void *blockTake(SDPMemCp *memCp, uint32_t size) {
     auto &block = *static_cast<Block *>(memCp->pService);
     void *const memory = cutSmall(block, size);
@@ -166,7 +169,7 @@ void *blockTake(SDPMemCp *memCp, uint32_t size) {
 
 void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
     void *const memory = blockTake(memCp, size);
-    if (memory == nullptr || stateOf(pieceOf(memory)) == kLiveInOwnChunk) {
+    if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveInOwnChunk) {
         return memory; // the heap zeroes what may never be touched
     }
     return zeroed(memory, size);
@@ -176,13 +179,13 @@ uint32_t blockFree(void *memory) {
     if (memory == nullptr) {
         return SIP_OK;
     }
-    Piece *const piece = pieceOf(memory);
-    assert(isLive(piece) && "not memory of a block, or freed before");
-    if (stateOf(piece) == kLiveInOwnChunk) {
-        closeChunk(chunkOf(piece));
+    Allocation *const allocation = allocationOf(memory);
+    assert(isLive(allocation) && "not memory of a block, or freed before");
+    if (stateOf(allocation) == kLiveInOwnChunk) {
+        closeChunk(chunkOf(allocation));
     } else {
-        fillFreed(piece);
-        giveBack(piece);
+        fillFreed(allocation);
+        release(allocation);
     }
     return SIP_OK;
 }
@@ -207,7 +210,7 @@ uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp *
     auto *begin = reinterpret_cast<std::byte *>(block + 1);
     forbid(begin, room);
     block->control = {block, blockAlloc, blockFree};
-    block->run = {begin, begin + room, &block->first};
+    block->span = {begin, begin + room, &block->first};
     block->nextSize = roundUp8(ulNextSize);
     block->first = {block, nullptr, nullptr, heapBytes};
     clearRecord<sizeof block->freed>(block->freed);
@@ -229,7 +232,7 @@ uint32_t SipMmReleaseBufMem(SDPMemCp **ppstMemCp) {
     }
     for (Chunk *chunk = block->first.next; chunk != nullptr;) {
         Chunk *next = chunk->next;
-        heapGive(chunk, chunk->heapBytes, Use::Piece);
+        heapGive(chunk, chunk->heapBytes, Use::Other);
         chunk = next;
     }
     heapGive(block, block->first.heapBytes, Use::Block);

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <new>
 
-// The text lies behind the record. Only the free function is kept: it needs no memory control.
+// The text follows the record. Only the free function is kept: it needs no memory control.
 struct SipRefString {
     std::atomic<uint32_t> holds;
     uint32_t length;

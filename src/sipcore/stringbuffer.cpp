@@ -1,6 +1,6 @@
 // String buffers: one contiguous text that grows by at least doubling, or a fixed range of the
 // caller's. A growable buffer's first bytes share the record's allocation; growth moves the text
-// to a piece of its own.
+// to an allocation of its own.
 #include "stringbuffer.hpp"
 
 #include "block.hpp"

@@ -1,4 +1,4 @@
-// A string buffer's record, and how bytes are put behind its text. libsdpline includes this too,
+// A string buffer's record, and how bytes are put after its text. libsdpline includes this too,
 // and writes into the buffer itself where no service was replaced (builtin.hpp).
 #ifndef SIPCORE_STRINGBUFFER_HPP
 #define SIPCORE_STRINGBUFFER_HPP
@@ -14,7 +14,7 @@
 struct SipStringBuffer {
     char *data;
     char *at;  // where the next byte goes
-    char *end; // behind the room; before `at` once an append failed, so that nothing fits any more
+    char *end; // after the room; before `at` once an append failed, so that nothing fits any more
     uint32_t growSize;
     bool fixed;
     SDPMemCp *memCp;
@@ -46,7 +46,7 @@ inline void putEnds(char *to, const char *from, uint32_t size) {
 
 constexpr uint32_t kShortText = 32;
 
-// Copies a text of at most kShortText bytes without a call and answers where it ends. Line ends,
+// Copies a text of at most kShortText bytes without a call and returns where it ends. Line ends,
 // the most frequent of all, come first.
 inline char *putShortText(char *to, const char *from, uint32_t size) {
     if (size < 4) {
@@ -105,7 +105,7 @@ inline char *putShortNumber(char *to, uint32_t value) {
     return putFour(to, value);
 }
 
-// Writes a number and answers where it ends; the digits, at most kMostDigits, and nothing else.
+// Writes a number and returns where it ends; the digits, at most kMostDigits, and nothing else.
 inline char *putNumber(char *to, uint32_t value) {
     if (value < 10000) {
         return putShortNumber(to, value);
