@@ -59,8 +59,7 @@ std::optional<sdpline::Direction> directionOf(const sdpline::Attributes &attribu
 
 // "101 (telephone-event/8000)": the mapping of the media description, or the static one.
 std::string payloadText(uint32_t payload, const sdpline::Media &media) {
-    const auto mapped = media.attributes().rtpMap(payload);
-    const auto encoding = mapped ? mapped : sdpline::staticEncoding(payload);
+    const auto encoding = media.attributes().encoding(payload);
     std::string text = std::to_string(payload);
     if (encoding) {
         text +=

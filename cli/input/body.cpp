@@ -58,18 +58,4 @@ std::optional<std::string> encodeBody(SdpLine &line, std::string &error) {
     return textOf(RefText(reference).get());
 }
 
-std::string encodeLine(uint32_t lineType, void *record) {
-    uint32_t withPrefix = 1;
-    SipRefString *reference = nullptr;
-    if (SdpLibEncodeSdpLine(&withPrefix, lineType, record, &reference) != 0) {
-        return {};
-    }
-    std::string text = textOf(RefText(reference).get());
-    const std::string_view end = view(SdpGetCrlfString(0));
-    if (text.ends_with(end)) {
-        text.resize(text.size() - end.size());
-    }
-    return text;
-}
-
 } // namespace cli

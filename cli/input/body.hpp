@@ -1,4 +1,4 @@
-// Bodies and texts of the library, given back when they go out of scope.
+// Bodies and texts of the library, released when they go out of scope.
 #pragma once
 
 #include <cstdint>
@@ -27,9 +27,5 @@ Decoded decodeBody(std::string_view text);
 
 // The text that the library writes; without a value the reason is in `error`.
 std::optional<std::string> encodeBody(SdpLine &line, std::string &error);
-
-// One line of the body as it is written, without its line end; SDP_LINE_... and its record. An
-// rtpmap attribute may be completed by it, as sdpLibEncodeAttribFieldRtpMap says.
-std::string encodeLine(uint32_t lineType, void *record);
 
 } // namespace cli
