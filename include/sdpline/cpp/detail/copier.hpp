@@ -1,0 +1,361 @@
+/*
+ * copier.hpp: the memory block of a body, and deep copies of records into it.
+ *
+ * Part of sdpline.hpp; nothing here is for users.
+ */
+#ifndef SDPLINE_CPP_DETAIL_COPIER_HPP
+#define SDPLINE_CPP_DETAIL_COPIER_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+#include "sdpline/cpp/detail/attributes.hpp"
+#include "sdpline/cpp/list.hpp"
+#include "sdpline/cpp/result.hpp"
+#include "sdpline/sdpcopy.h"
+
+namespace sdpline {
+inline namespace v1 {
+namespace internal {
+
+/* A text for the C operations and for copies, which only read it. */
+inline SipString lent(std::string_view text) {
+    return {static_cast<std::uint32_t>(text.size()), const_cast<char *>(text.data())};
+}
+
+/* ---- The block of a body --------------------------------------------------------------------- */
+
+/* The kind of line that frees a record. The lines that are one text are freed alike. */
+template <class Record>
+inline constexpr std::uint32_t kLineOf = SDP_LINE_COUNT;
+template <>
+inline constexpr std::uint32_t kLineOf<SipString> = SDP_LINE_INFO;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPKey> = SDP_LINE_KEY;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPOrigin> = SDP_LINE_ORIGIN;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPConnection> = SDP_LINE_CONNECTION;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPTimeField> = SDP_LINE_TIME;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPRepeatField> = SDP_LINE_REPEAT;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPAttr> = SDP_LINE_ATTRIBUTE;
+template <>
+inline constexpr std::uint32_t kLineOf<SDPMediaField> = SDP_LINE_MEDIA;
+
+class Memory {
+public:
+    Memory() = default;
+    explicit Memory(SDPMemCp *control) : control_(control) {}
+
+    SDPMemCp *control() const { return control_; }
+
+    /* Null when the block is exhausted. */
+    void *take(std::size_t size) const {
+        return size <= std::numeric_limits<std::uint32_t>::max()
+                   ? control_->pfnAlloc(control_, static_cast<std::uint32_t>(size))
+                   : nullptr;
+    }
+
+    /* All zero, also from a memory service that does not clear what it gives. */
+    template <class Record>
+    Record *allocate() const {
+        void *const memory = take(sizeof(Record));
+        return memory != nullptr ? static_cast<Record *>(std::memset(memory, 0, sizeof(Record)))
+                                 : nullptr;
+    }
+
+    void release(void *memory) const {
+        if (memory != nullptr) {
+            control_->pfnFree(memory);
+        }
+    }
+
+    /* Gives a record back with all that it refers to; nothing happens for null. */
+    template <class Record>
+    void free(Record *record) const {
+        static_assert(kLineOf<Record> != SDP_LINE_COUNT);
+        void *line = record;
+        if (line != nullptr) {
+            SdpFreeLine(control_, kLineOf<Record>, &line);
+        }
+    }
+    inline void free(SDPMediaDesc *media) const;
+
+    template <class List>
+    void freeList(List *list) const {
+        if (list != nullptr) {
+            auto *const items = ListOf<List>::items(*list);
+            for (std::uint32_t i = 0; items != nullptr && i < ListOf<List>::count(*list); ++i) {
+                free(items[i]);
+            }
+            release(items);
+            release(list);
+        }
+    }
+
+private:
+    SDPMemCp *control_ = nullptr;
+};
+
+inline void Memory::free(SDPMediaDesc *media) const {
+    if (media != nullptr) {
+        free(media->pstrMediaInfo);
+        free(media->pstConnection);
+        freeList(media->pstBandwidthList);
+        free(media->pstKey);
+        freeList(media->pstAttrList);
+        SdpClearLine(control_, SDP_LINE_MEDIA, &media->stMediaField);
+        release(media);
+    }
+}
+
+/* ---- Deep copies ----------------------------------------------------------------------------- */
+
+/*
+ * Copies records into a block, piece by piece as a decode would make them. After the first failure
+ * it makes nothing more: pointers that it gives are null, and ok() tells. What was made until then
+ * holds no pointer of the source, and can be freed.
+ *
+ * fill(from, to) writes all of a record `to`; what that held before is lost.
+ */
+class Copier {
+public:
+    explicit Copier(Memory memory) : memory_(memory) {}
+
+    bool ok() const { return failure_ == nullptr; }
+    Error error() const { return failure_(); }
+
+    /* A new record that `write` writes all of; null after a failure. */
+    template <class Record, class Write>
+    Record *make(Write write) {
+        Record *const made = ok() ? static_cast<Record *>(memory_.take(sizeof(Record))) : nullptr;
+        if (made != nullptr) {
+            write(*made);
+        } else {
+            fail(noMemory);
+        }
+        return made;
+    }
+
+    template <class Record>
+    Record *clone(const Record &from) {
+        return make<Record>([&](Record &to) { fill(from, to); });
+    }
+
+    template <class Record>
+    Record *cloneGiven(const Record *from) {
+        return from != nullptr ? clone(*from) : nullptr;
+    }
+
+    /* The clone, or nothing of it: for records that are not put anywhere before it is complete. */
+    template <class Record>
+    Record *cloneWhole(const Record &from) {
+        Record *const made = clone(from);
+        if (ok()) [[likely]] {
+            return made;
+        }
+        memory_.free(made);
+        return nullptr;
+    }
+
+    void fill(const SipString &from, SipString &to) { to = text(from); }
+    void fill(const SDPKey &from, SDPKey &to) { to.strKey = text(from.strKey); }
+
+    void fill(const SDPOrigin &from, SDPOrigin &to) {
+        to = {text(from.strUserName),  text(from.strSessionId),      text(from.strSessionVersion),
+              netType(from.stNetType), addressType(from.stAddrType), text(from.strAddress)};
+    }
+
+    void fill(const SDPConnection &from, SDPConnection &to) {
+        to = {netType(from.stNetType), addressType(from.stAddrType), from.stTptAddr, from.ulTtl,
+              from.ulNoOfAddrs};
+    }
+
+    void fill(const SDPTimeUnit &from, SDPTimeUnit &to) { to = from; }
+    void fill(const SDPTimeField &from, SDPTimeField &to) {
+        to = {from.ulStartTime, from.ulStopTime, cloneGiven(from.pstRepeatFieldSet)};
+    }
+
+    void fill(const SDPAttr &from, SDPAttr &to);
+
+    void fill(const SDPMediaField &from, SDPMediaField &to) {
+        const bool otherType = from.stMedia.enMediaType == SDP_MEDIA_OTHER;
+        const bool otherProtocol = from.stProto.enProto == SDP_PROTO_OTHER;
+        to = {{from.stMedia.enMediaType, otherText(otherType, from.stMedia.pstrOtherMedia)},
+              from.ulPort,
+              from.ulNoOfPorts,
+              {from.stProto.enProto, otherText(otherProtocol, from.stProto.pstrOtherProto)},
+              {from.stMediaFmt.enFmtType, {}}};
+        if (from.stMediaFmt.enFmtType == SDP_FMT_OTHER) {
+            to.stMediaFmt.unMediaFmt.strOtherFmts = text(from.stMediaFmt.unMediaFmt.strOtherFmts);
+        } else {
+            to.stMediaFmt.unMediaFmt.stRtpPayLoads =
+                payloads(from.stMediaFmt.unMediaFmt.stRtpPayLoads);
+        }
+    }
+
+    void fill(const SDPMediaDesc &from, SDPMediaDesc &to) {
+        fillAroundAttributes(from, to);
+        to.pstAttrList = cloneGiven(from.pstAttrList);
+    }
+
+    /* All but the a= lines. */
+    void fillAroundAttributes(const SDPMediaDesc &from, SDPMediaDesc &to) {
+        fill(from.stMediaField, to.stMediaField);
+        to.pstrMediaInfo = cloneGiven(from.pstrMediaInfo);
+        to.pstConnection = cloneGiven(from.pstConnection);
+        to.pstBandwidthList = cloneGiven(from.pstBandwidthList);
+        to.pstKey = cloneGiven(from.pstKey);
+        to.pstAttrList = nullptr;
+    }
+
+    /* Lists: an array of exactly as many pointers, null for none. */
+    template <class List>
+    requires requires { typename ListOf<List>::Item; }
+    void fill(const List &from, List &to) {
+        using Fields = ListOf<List>;
+        using Item = typename Fields::Item;
+        Item *const *const sources = Fields::items(from);
+        const std::uint32_t count = sources != nullptr ? Fields::count(from) : 0;
+        Item **const items = count != 0 ? array<Item *>(count) : nullptr;
+        for (std::uint32_t i = 0; items != nullptr && i < count; ++i) {
+            items[i] = cloneGiven(sources[i]);
+        }
+        Fields::set(to, items, items != nullptr ? count : 0);
+    }
+
+    /* The a= lines for which wanted(const SDPAttr &) holds; null for null. */
+    template <class Wanted>
+    SDPAttrList *cloneSome(const SDPAttrList *from, Wanted wanted) {
+        if (from == nullptr) {
+            return nullptr;
+        }
+        return make<SDPAttrList>([&](SDPAttrList &to) {
+            const std::uint32_t count = from->ppstAttrs != nullptr ? from->ulNoOfAttrs : 0;
+            SDPAttr **const lines = count != 0 ? array<SDPAttr *>(count) : nullptr;
+            std::uint32_t kept = 0;
+            for (std::uint32_t i = 0; lines != nullptr && i < count; ++i) {
+                if (wanted(*from->ppstAttrs[i])) {
+                    lines[kept++] = clone(*from->ppstAttrs[i]);
+                }
+            }
+            to = {kept, lines};
+        });
+    }
+
+    /* An array that is not filled; null after a failure. */
+    template <class Item>
+    Item *array(std::size_t count) {
+        const bool fits = count <= std::numeric_limits<std::uint32_t>::max() / sizeof(Item);
+        void *const made = ok() && fits ? memory_.take(count * sizeof(Item)) : nullptr;
+        if (made == nullptr) {
+            fail(noMemory);
+        }
+        return static_cast<Item *>(made);
+    }
+
+    SipString text(const SipString &from) {
+        const std::string_view view = viewOf(from);
+        if (view.empty()) {
+            return {0, nullptr};
+        }
+        char *const bytes = array<char>(view.size());
+        if (bytes == nullptr) {
+            return {0, nullptr};
+        }
+        std::memcpy(bytes, view.data(), view.size());
+        return {static_cast<std::uint32_t>(view.size()), bytes};
+    }
+
+    SDPRtpPayLoads payloads(const SDPRtpPayLoads &from) {
+        if (from.ulNoOfPayLoads > SDP_MAX_PAYLOADS) {
+            fail(tooManyPayloads);
+        }
+        if (from.ulNoOfPayLoads == 0 || from.pulPayLoads == nullptr) {
+            return {from.ulNoOfPayLoads, nullptr};
+        }
+        auto *const numbers = array<std::uint32_t>(from.ulNoOfPayLoads);
+        if (numbers == nullptr) {
+            return {0, nullptr};
+        }
+        std::memcpy(numbers, from.pulPayLoads, from.ulNoOfPayLoads * sizeof *numbers);
+        return {from.ulNoOfPayLoads, numbers};
+    }
+
+    static Error tooManyPayloads() {
+        return refusedArgument("there are more than 100 payload numbers");
+    }
+
+private:
+    void fail(Error (*failure)()) { failure_ = ok() ? failure : failure_; }
+
+    SipString *otherText(bool other, const SipString *from) {
+        return other ? cloneGiven(from) : nullptr;
+    }
+
+    SDPNetType netType(const SDPNetType &from) {
+        return {from.enNetType,
+                otherText(from.enNetType == SDP_NETTYPE_OTHER, from.pstrOtherNetType)};
+    }
+
+    SDPAddrType addressType(const SDPAddrType &from) {
+        return {from.enAddrType,
+                otherText(from.enAddrType == SDP_ADDRTYPE_OTHER, from.pstrOtherAddrType)};
+    }
+
+    Memory memory_;
+    Error (*failure_)() = nullptr;
+};
+
+inline void Copier::fill(const SDPAttr &from, SDPAttr &to) {
+    using tables::Shape;
+    const auto &value = from.unAttrValue;
+    auto &copy = to.unAttrValue;
+    to = {from.ulAttrType, {}, nullptr};
+    switch (tables::shapeOf(from.ulAttrType)) {
+    case Shape::None:
+    case Shape::Flag:
+    case Shape::Direction: break;
+    case Shape::Number:
+    case Shape::Decimal:
+    case Shape::Switch:
+    case Shape::Keyword: copy.ulValue = value.ulValue; break;
+    case Shape::IpBcp: copy.stIpBcp = value.stIpBcp; break;
+    case Shape::Text: copy.strValue = text(value.strValue); break;
+    case Shape::NamedText:
+        to.pstAttrName = cloneGiven(from.pstAttrName);
+        copy.strValue = text(value.strValue);
+        break;
+    case Shape::NameOnly: to.pstAttrName = cloneGiven(from.pstAttrName); break;
+    case Shape::RtpMap:
+        copy.stRtpMap = value.stRtpMap;
+        copy.stRtpMap.strEncodingName = text(value.stRtpMap.strEncodingName);
+        break;
+    case Shape::SilenceSupp:
+        copy.stSilenceSupp = {value.stSilenceSupp.bOn, text(value.stSilenceSupp.strParams)};
+        break;
+    case Shape::Ecan:
+        copy.stEcan = {value.stEcan.bOn, value.stEcan.enEcanDir, text(value.stEcan.strParams)};
+        break;
+    case Shape::Precondition: {
+        const auto &type = value.stRsrcMgmtStatus.stPrecondition;
+        const bool other = type.enPreconditionType == SDP_PRECONDITION_OTHER;
+        copy.stRsrcMgmtStatus = value.stRsrcMgmtStatus;
+        copy.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition =
+            otherText(other, type.pstrOtherPrecondition);
+        break;
+    }
+    }
+}
+
+} // namespace internal
+} // namespace v1
+} // namespace sdpline
+
+#endif

@@ -1,0 +1,129 @@
+/*
+ * fit.hpp: what texts and codes may hold, so that a decoder reads them back.
+ *
+ * Part of sdpline.hpp; nothing here is for users.
+ */
+#ifndef SDPLINE_CPP_DETAIL_FIT_HPP
+#define SDPLINE_CPP_DETAIL_FIT_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "sdpline/cpp/result.hpp"
+#include "sdpline/cpp/words.hpp"
+
+namespace sdpline {
+inline namespace v1 {
+namespace internal {
+
+/* ---- What a text may hold -------------------------------------------------------------------- */
+
+/* The bytes that no value may hold: they would end the line, or be dropped on the way back. */
+inline constexpr std::string_view kLineBreaks("\r\n\0", 3);
+inline constexpr std::string_view kWordEnds("\r\n\0 \t", 5);
+inline constexpr std::string_view kTokenEnds("\r\n\0 \t:;@,()<>", 13);
+
+/* Whether a byte of a word of eight is below `limit`, which is at most 128. */
+constexpr bool hasByteBelow(std::uint64_t word, std::uint64_t limit) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    return ((word - kOnes * limit) & ~word & (kOnes << 7)) != 0;
+}
+
+/* Whether a text holds one of a set of bytes. All of them are low, as a rule, and texts are not:
+ * eight bytes are looked at together, and one by one where one of the eight is low. */
+template <const std::string_view &Unfit>
+bool holdsOneOf(std::string_view text) {
+    static constexpr auto kUnfit = [] {
+        std::array<bool, 256> table{};
+        for (const char c : Unfit) {
+            table[static_cast<unsigned char>(c)] = true;
+        }
+        return table;
+    }();
+    static constexpr unsigned kLimit = [] {
+        unsigned limit = 0;
+        for (const char c : Unfit) {
+            const auto byte = static_cast<unsigned char>(c);
+            limit = byte >= limit ? byte + 1u : limit;
+        }
+        return limit;
+    }();
+    static_assert(kLimit <= 128);
+    std::size_t at = 0;
+    for (std::uint64_t word = 0; at + sizeof word <= text.size(); at += sizeof word) {
+        std::memcpy(&word, text.data() + at, sizeof word);
+        if (hasByteBelow(word, kLimit)) {
+            break;
+        }
+    }
+    for (; at < text.size(); ++at) {
+        if (kUnfit[static_cast<unsigned char>(text[at])]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+template <const std::string_view &Unfit>
+std::optional<Error> refusal(std::string_view text, std::string_view sentence,
+                             std::size_t longest = SDP_MAX_VALUE) {
+    if (text.empty()) [[unlikely]] {
+        return refusedArgument("a text is empty");
+    }
+    if (text.size() > longest) [[unlikely]] {
+        return refusedArgument("a text is longer than a decoder of this library reads");
+    }
+    if (holdsOneOf<Unfit>(text)) [[unlikely]] {
+        return refusedArgument(sentence);
+    }
+    return std::nullopt;
+}
+
+/* A value that takes the rest of its line. */
+inline std::optional<Error> refusedText(std::string_view text,
+                                        std::size_t longest = SDP_MAX_VALUE) {
+    return refusal<kLineBreaks>(text, "a text holds a line end or a NUL", longest);
+}
+
+/* A value between two blanks. */
+inline std::optional<Error> refusedWord(std::string_view text) {
+    return refusal<kWordEnds>(text, "a word holds a blank, a line end or a NUL");
+}
+
+/* A keyword or a name. */
+inline std::optional<Error> refusedToken(std::string_view text) {
+    return refusal<kTokenEnds>(text, "a word holds a blank or one of :;@,()<>");
+}
+
+/* A word that the library knows needs no look. */
+template <class Code>
+std::optional<Error> refusedToken(const Keyword<Code> &word) {
+    return wordOf(word.code()).empty() ? refusedToken(word.text()) : std::nullopt;
+}
+
+inline std::optional<Error> refusedDigits(std::string_view text) {
+    for (const char c : text) {
+        if (c < '0' || c > '9') [[unlikely]] {
+            const auto error = refusedWord(text);
+            return error ? error : refusedArgument("a number holds something else than digits");
+        }
+    }
+    return text.empty() || text.size() > SDP_MAX_VALUE ? refusedWord(text) : std::nullopt;
+}
+
+/* A code of an enumeration. */
+template <class Code>
+std::optional<Error> refusedCode(Code code) {
+    return wordOf(code).empty() ? std::optional(refusedArgument("a code has no word"))
+                                : std::nullopt;
+}
+
+} // namespace internal
+} // namespace v1
+} // namespace sdpline
+
+#endif
