@@ -121,13 +121,13 @@ std::set<std::string_view> words() {
         add({profile.pcData, profile.ulLen});
     }
     using namespace sdpline;
-    const std::span<const Word> tables[] = {
+    const std::span<const KeywordRow> tables[] = {
         kNetTypeWords, kAddrTypeWords, kMediaWritten,      kProtoWords,    kFmtWords,
         kT38RateWords, kT38UdpEcWords, kEcanSwitchWritten, kEcanDirWords,  kIpBcpWritten,
         kSetupWords,   kStatusWords,   kPreconditionWords, kStrengthWords, kDirWords,
     };
     for (const auto table : tables) {
-        for (const Word &word : table) {
+        for (const KeywordRow &word : table) {
             add(word.text);
         }
     }

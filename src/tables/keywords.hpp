@@ -6,6 +6,5 @@
 namespace sdpline {
 
 using namespace tables;
-using Word = tables::KeywordRow;
 
 } // namespace sdpline
