@@ -26,11 +26,16 @@ std::string withLineFeeds(std::string text) {
     return text;
 }
 
+fuzz::Body fromJson(const json &document, std::string &error) {
+    std::optional<sdpline::Body> body = cli::bodyOf(document, error);
+    return fuzz::Body(body ? std::move(*body).release() : nullptr);
+}
+
 void requireSameFromJson(SdpLine &line) {
     const std::string tree = cli::describeTree(line);
     const std::string document = cli::jsonOf(line).dump();
     std::string error;
-    const cli::Body again = cli::bodyOf(json::parse(document), error);
+    const fuzz::Body again = fromJson(json::parse(document), error);
     require(again != nullptr, "a body is read from its JSON", error);
     require(cli::describeTree(*again) == tree, "it is the same body", document);
     require(cli::jsonOf(*again).dump() == document, "it has the same JSON", document);
@@ -57,7 +62,7 @@ void readJson(std::string_view text) {
         return;
     }
     std::string error;
-    const cli::Body body = cli::bodyOf(document, error);
+    const fuzz::Body body = fromJson(document, error);
     require((body == nullptr) == !error.empty(), "a document is a body, or none for a reason");
     if (body == nullptr) {
         return;

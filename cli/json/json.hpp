@@ -15,19 +15,20 @@
  */
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
-#include "input/body.hpp"
+#include "sdpline/sdpline.hpp"
 
 namespace cli {
 
 // The body is only read.
 nlohmann::ordered_json jsonOf(SdpLine &line);
 
-// A new body from the document; null when the document is none, and `error` says why:
+// A new body from the document; nothing when the document is none, and `error` says why:
 // "/media/0/port: expected a number from 0 to 4294967295, found null".
-Body bodyOf(const nlohmann::json &document, std::string &error);
+std::optional<sdpline::Body> bodyOf(const nlohmann::json &document, std::string &error);
 
 } // namespace cli

@@ -395,13 +395,13 @@ private:
 
 } // namespace
 
-Body bodyOf(const Json &document, std::string &error) {
+std::optional<sdpline::Body> bodyOf(const Json &document, std::string &error) {
     SdpLine *line = nullptr;
     if (SdpLibCreateSdp(&line) != 0) {
         error = "no memory";
-        return nullptr;
+        return std::nullopt;
     }
-    Body body(line);
+    sdpline::Body body = sdpline::Body::adopt(line);
     SDPMemCp *const block = line->pstMemCp;
     std::memset(line, 0, sizeof *line);
     line->pstMemCp = block;
@@ -410,7 +410,7 @@ Body bodyOf(const Json &document, std::string &error) {
         Input::read(document, "", memory, *line);
     } catch (const std::runtime_error &problem) {
         error = problem.what();
-        return nullptr;
+        return std::nullopt;
     }
     return body;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "input/body.hpp"
 #include "output/text.hpp"
 #include "json/json.hpp"
 
@@ -88,23 +87,18 @@ std::string differenceOf(const Json &wanted, const Json &got, const std::string 
 }
 
 // Why the text would be refused, with the line of it that is to blame.
-std::string refusalOf(const std::string &text, const Decoded &refused) {
+std::string refusalOf(const std::string &text, const sdpline::Error &error) {
     if (text.size() > SdpGetMaxBodySize()) {
         return "the body would be " + std::to_string(text.size()) + " bytes long, more than " +
                std::to_string(SdpGetMaxBodySize());
     }
-    SDPResultText words = {};
-    SdpLibDescribeResult(refused.result, &words);
-    const std::string why = std::string("would be refused: ") + words.pcSentence;
-    const SDPFailure &failure = refused.failure;
-    if (failure.ulLine == 0 || failure.ulOffset > text.size()) {
+    const std::string why = "would be refused: " + std::string(error.sentence);
+    if (error.line == 0) {
         return why;
     }
-    const size_t before = text.rfind('\n', failure.ulOffset == 0 ? 0 : failure.ulOffset - 1);
-    const size_t begin = before == std::string::npos || failure.ulOffset == 0 ? 0 : before + 1;
-    const std::string_view line =
-        std::string_view(text).substr(begin, text.find_first_of("\r\n", begin) - begin);
-    return "line " + std::to_string(failure.ulLine) + ", \"" + std::string(line) + "\": " + why;
+    const size_t begin = error.offset - (error.column - 1);
+    const std::string line = text.substr(begin, text.find_first_of("\r\n", begin) - begin);
+    return "line " + std::to_string(error.line) + ", \"" + line + "\": " + why;
 }
 
 // What is wrong with the text as that of the body; empty where it is right.
@@ -114,35 +108,35 @@ std::string problemOf(std::string text, const SdpLine &line, const Json &wanted)
         std::replace(text.begin(), text.end(), '\r', '\n');
     }
     Settings::readAs(line);
-    const Decoded decoded = decodeBody(text);
-    return decoded.body ? differenceOf(wanted, jsonOf(*decoded.body), "")
-                        : refusalOf(text, decoded);
+    sdpline::Result<sdpline::Body> body = sdpline::Body::decode(text);
+    return body ? differenceOf(wanted, jsonOf(*body->record()), "") : refusalOf(text, body.error());
 }
 
 } // namespace
 
 std::optional<std::string> textOfJson(const nlohmann::json &document, std::string &error) {
-    const Body body = bodyOf(document, error);
+    std::optional<sdpline::Body> body = bodyOf(document, error);
     if (!body) {
         return std::nullopt;
     }
     const Settings settings;
-    const Json wanted = jsonOf(*body);
-    std::optional<std::string> text = encodeBody(*body, error);
+    const SdpLine &line = *body->record();
+    const Json wanted = jsonOf(*body->record());
+    const sdpline::Result<std::string> text = body->encode();
     if (!text) {
+        error = "the body cannot be written: " + text.error().message();
         return std::nullopt;
     }
-    error = problemOf(*text, *body, wanted);
+    error = problemOf(*text, line, wanted);
     if (!error.empty() && SdpGetT380ptCfg() == SDP_T38_STYLE_FLAG) {
         SdpSetT38OptCfg(SDP_T38_STYLE_VALUE);
-        std::string other;
-        const std::optional<std::string> withValues = encodeBody(*body, other);
-        if (withValues && problemOf(*withValues, *body, wanted).empty()) {
+        const sdpline::Result<std::string> withValues = body->encode();
+        if (withValues && problemOf(*withValues, line, wanted).empty()) {
             error.clear();
-            return withValues;
+            return *withValues;
         }
     }
-    return error.empty() ? text : std::nullopt;
+    return error.empty() ? std::optional(*text) : std::nullopt;
 }
 
 } // namespace cli

@@ -73,14 +73,16 @@ folder/deeper/c.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRan
 checked 3 bodies in 3 files: 2 refused, 1 problem
 TEXT
 echo 'sdpline: folder/closed: Permission denied' >closed
-expect "a closed folder costs only itself" 2 refused closed -- \
-  "${nobody[@]}" "$program" check folder
-for command in "decode" "format" "encode"; do
-  expect "$command names it too" 2 - '~^sdpline: folder/closed: Permission denied$' -- \
-    "${nobody[@]}" "$program" $command folder
-done
-expect "diff too" 2 nothing '~^sdpline: folder/closed: Permission denied$' -- \
-  "${nobody[@]}" "$program" diff folder good.sdp
+if "${nobody[@]}" "$program" --version >/dev/null 2>&1; then # else the build folder is private
+  expect "a closed folder costs only itself" 2 refused closed -- \
+    "${nobody[@]}" "$program" check folder
+  for command in "decode" "format" "encode"; do
+    expect "$command names it too" 2 - '~^sdpline: folder/closed: Permission denied$' -- \
+      "${nobody[@]}" "$program" $command folder
+  done
+  expect "diff too" 2 nothing '~^sdpline: folder/closed: Permission denied$' -- \
+    "${nobody[@]}" "$program" diff folder good.sdp
+fi
 chmod 755 folder/closed && rm -r folder/closed
 ln -s .. folder/deeper/up
 sed -i '$s/.*/checked 3 bodies in 3 files: 2 refused/' refused

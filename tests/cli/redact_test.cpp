@@ -5,7 +5,6 @@
 #include <random>
 #include <string>
 
-#include "input/body.hpp"
 #include "output/tree.hpp"
 #include "redact/redact.hpp"
 #include "support/bodies.hpp"
