@@ -334,7 +334,7 @@ std::string_view afterOrigin(std::string_view text) {
     const std::string_view lineEnd = viewOf(SdpGetCrlfString(0));
     const size_t line = std::min(text.find("o="), text.size());
     const size_t end = std::min(text.find(lineEnd, line), text.size());
-    return text.substr(end);
+    return after(text, end);
 }
 
 Reason finish(const BodyDraft &draft, const SdpLine *previous, Report &report, SdpLine **body) {

@@ -120,7 +120,7 @@ private:
         if (format != nullptr && format->fmtp == nullptr) {
             const size_t begin = text.find_first_not_of(' ');
             format->fmtp = &attribute;
-            format->parameters = begin < text.size() ? text.substr(begin) : std::string_view();
+            format->parameters = after(text, begin);
         }
     }
 

@@ -9,7 +9,7 @@ namespace {
 
 std::string_view withoutZeros(std::string_view digits) {
     const size_t begin = digits.find_first_not_of('0');
-    return begin < digits.size() ? digits.substr(begin) : std::string_view("0");
+    return begin < digits.size() ? after(digits, begin) : std::string_view("0");
 }
 
 } // namespace

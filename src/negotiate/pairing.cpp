@@ -270,7 +270,7 @@ void writeApt(const Pairing &pairing, const Format &ours, Text &text) {
     const size_t begin = static_cast<size_t>(apt->data() - parameters.data());
     text << parameters.substr(0, begin);
     writeNumbers(pairing, ours, text);
-    text << parameters.substr(begin + apt->size());
+    text << after(parameters, begin + apt->size());
 }
 
 } // namespace

@@ -12,7 +12,7 @@ std::string_view trimmed(std::string_view text) {
     if (begin == std::string_view::npos) {
         return {};
     }
-    return text.substr(begin, text.find_last_not_of(" \t") - begin + 1);
+    return after(text.substr(0, text.find_last_not_of(" \t") + 1), begin);
 }
 
 bool isOne(std::string_view parameters, std::string_view name) {
@@ -147,7 +147,7 @@ std::optional<std::string_view> parameter(std::string_view parameters, std::stri
         parameters.remove_prefix(std::min(end + 1, parameters.size()));
         const size_t equals = std::min(one.find('='), one.size());
         if (sameWord(trimmed(one.substr(0, equals)), name)) {
-            return trimmed(one.substr(std::min(equals + 1, one.size())));
+            return trimmed(after(one, equals + 1));
         }
     }
     return std::nullopt;

@@ -7,7 +7,7 @@ namespace sdpline::negotiate {
 
 bool hasWord(std::string_view text, std::string_view word) {
     for (size_t at = 0; at + word.size() <= text.size(); ++at) {
-        if (sameWord(text.substr(at, word.size()), word)) {
+        if (sameWord(after(text, at).substr(0, word.size()), word)) {
             return true;
         }
     }

@@ -36,6 +36,13 @@ inline AttributeSpan attributesOf(const SDPAttrList *list) {
     return {list->ppstAttrs, list->ulNoOfAttrs};
 }
 
+// The text without its first bytes, empty where it has no more. Unlike substr() it cannot throw,
+// and asks for nothing of the C++ run-time library.
+constexpr std::string_view after(std::string_view text, size_t bytes) {
+    const size_t begin = bytes < text.size() ? bytes : text.size();
+    return {text.data() + begin, text.size() - begin};
+}
+
 constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }

@@ -126,7 +126,7 @@ private:
             text << "/";
             rest.remove_prefix(1);
         }
-        text << rest << all.substr(begin + list.size());
+        text << rest << after(all, begin + list.size());
     }
 
     SDPAttr feedback(const SDPAttr &attribute) {

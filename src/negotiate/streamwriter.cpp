@@ -119,7 +119,7 @@ std::string_view StreamWriter::parameterLine(uint32_t place, const Format &offer
     const SDPAttr line = textLine(report_.arena, SDP_ATTR_FMTP, text);
     add(line);
     const std::string_view kept = viewOf(line.unAttrValue.strValue);
-    return kept.substr(std::min(kept.size(), text.view().size() - parameters.view().size()));
+    return after(kept, text.view().size() - parameters.view().size());
 }
 
 bool StreamWriter::passes(const SDPAttr &attribute) const {

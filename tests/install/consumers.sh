@@ -48,9 +48,9 @@ try "$work/cmake/answer_cpp"
 export PKG_CONFIG_PATH=$modules LD_LIBRARY_PATH=$libraries
 # shellcheck disable=SC2046,SC2086 # flags are words
 {
-  "$cc" -std=c11 $flags "$examples/answer.c" $(pkg-config $static --cflags --libs sdpline) \
+  "$cc" -std=c11 $flags "$examples/answer.c" $(pkg-config $static --cflags --libs sdpline-negotiate) \
     -o "$work/answer_c"
-  "$cxx" -std=c++20 $flags "$examples/answer.cpp" $(pkg-config $static --cflags --libs sdpline) \
+  "$cxx" -std=c++20 $flags "$examples/answer.cpp" $(pkg-config $static --cflags --libs sdpline-negotiate) \
     -o "$work/answer_cpp"
 }
 try "$work/answer_c"

@@ -51,7 +51,7 @@ cmake_minimum_required(VERSION 3.25)
 project(plain LANGUAGES C)
 find_package(sdpline 0.1 CONFIG REQUIRED)
 add_executable(answer $source/examples/answer.c)
-target_link_libraries(answer PRIVATE sdpline::sdpline)
+target_link_libraries(answer PRIVATE sdpline::negotiate)
 TEXT
 cmake -S "$work/plain" -B "$work/plain/build" -G Ninja -DCMAKE_PREFIX_PATH="$work/static" \
   -DCMAKE_C_COMPILER="$cc" >/dev/null
