@@ -14,6 +14,7 @@
 #include "fuzz.hpp"
 #include "support/cases.hpp"
 #include "tables/keywords.hpp"
+#include "tidy/tidycases.hpp"
 #include "json/json.hpp"
 
 namespace {
@@ -83,6 +84,7 @@ struct Target {
 constexpr Target kTargets[] = {
     {"decode", body},      {"roundtrip", body},    {"copies", body},   {"serialize", sized},
     {"faults", sized},     {"json", body},         {"json", document}, {"message", message},
+    {"tidy", body},
     {"lexer", operations}, {"gather", gatherings}, {"records", sized},
 };
 
@@ -160,6 +162,9 @@ int main(int argc, char **argv) {
                 write(folder / target.name / std::to_string(++made), seed);
             }
         }
+    }
+    for (const tidytest::TidyCase &current : tidytest::readTidyCases()) {
+        write(folder / "tidy" / std::to_string(++made), current.body() + std::string(2, '\0'));
     }
     write(folder / "sdp.dict", dictionary(argv[1]));
     return 0;

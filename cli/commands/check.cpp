@@ -6,6 +6,7 @@
 #include "output/diagnostic.hpp"
 #include "output/everyline.hpp"
 #include "output/jsonlist.hpp"
+#include "output/repairs.hpp"
 #include "output/text.hpp"
 
 namespace cli {
@@ -17,12 +18,22 @@ using Json = nlohmann::ordered_json;
 struct Options {
     DecodeOptions decode;
     bool everyLine = false;
+    bool noWarnings = false;
+    bool warningsAsErrors = false;
+};
+
+// What is said of one body.
+struct Judgement {
+    std::vector<Diagnostic> diagnostics; // none of one that is accepted
+    std::vector<sdpline::Repair> doubts;
+    std::string helpful; // the rules that would make a refused one acceptable
 };
 
 struct Counts {
     size_t files = 0;
     size_t bodies = 0;
     size_t refused = 0;
+    size_t warnings = 0;
     size_t problems = 0; // notes are not among them
 };
 
@@ -55,18 +66,19 @@ public:
     void body(const Found &found) override {
         ++counts_.bodies;
         Redactor *const redactor = redactorFor(found);
-        const std::vector<Diagnostic> diagnostics = judge(found);
-        if (!diagnostics.empty()) {
+        const Judgement judgement = judge(found);
+        counts_.warnings += judgement.doubts.size();
+        if (!judgement.diagnostics.empty()) {
             ++counts_.refused;
             atLeast(kRefused);
         }
-        if (list_) {
-            list_->add(jsonOf(found, diagnostics, redactor));
-            return;
+        if (options_.warningsAsErrors && !judgement.doubts.empty()) {
+            atLeast(kRefused);
         }
-        for (const Diagnostic &diagnostic : diagnostics) {
-            progress_->hide();
-            print(std::cout, found, diagnostic, redactor, style_);
+        if (list_) {
+            list_->add(jsonOf(found, judgement, redactor));
+        } else {
+            show(found, judgement, redactor);
         }
     }
 
@@ -79,6 +91,7 @@ public:
                             {{"files", counts_.files},
                              {"bodies", counts_.bodies},
                              {"refused", counts_.refused},
+                             {"warnings", counts_.warnings},
                              {"problems", counts_.problems}}}});
         } else {
             printSummary();
@@ -91,37 +104,68 @@ private:
         std::cout << "checked " << counted(counts_.bodies, "body", "bodies") << " in "
                   << counted(counts_.files, "file", "files") << ": "
                   << (counts_.refused == 0 ? "none" : std::to_string(counts_.refused)) << " refused"
+                  << (counts_.warnings == 0
+                          ? ""
+                          : ", " + counted(counts_.warnings, "warning", "warnings"))
                   << (counts_.problems == 0
                           ? ""
                           : ", " + counted(counts_.problems, "problem", "problems"))
                   << '\n';
     }
 
-    static Json jsonOf(const Found &found, const std::vector<Diagnostic> &diagnostics,
-                       Redactor *redactor) {
+    void show(const Found &found, const Judgement &judgement, Redactor *redactor) {
+        for (const Diagnostic &diagnostic : judgement.diagnostics) {
+            progress_->hide();
+            print(std::cout, found, diagnostic, redactor, style_);
+        }
+        if (!judgement.helpful.empty()) {
+            std::cout << found.name << ':' << found.line
+                      << ": note: tidy makes it acceptable: " << judgement.helpful << '\n';
+        }
+        for (const sdpline::Repair &doubt : judgement.doubts) {
+            progress_->hide();
+            std::cout << repairText(found, doubt, "warning") << '\n';
+        }
+    }
+
+    static Json jsonOf(const Found &found, const Judgement &judgement, Redactor *redactor) {
         Json list = Json::array();
-        for (const Diagnostic &diagnostic : diagnostics) {
+        for (const Diagnostic &diagnostic : judgement.diagnostics) {
             list.push_back(cli::jsonOf(found, diagnostic, redactor));
+        }
+        Json doubts = Json::array();
+        for (const sdpline::Repair &doubt : judgement.doubts) {
+            doubts.push_back(cli::jsonOf(found, doubt));
         }
         return {{"file", found.path},
                 {"line", found.line},
                 {"offset", found.offset},
                 {"size", found.text.size()},
-                {"accepted", diagnostics.empty()},
-                {"diagnostics", std::move(list)}};
+                {"accepted", judgement.diagnostics.empty()},
+                {"diagnostics", std::move(list)},
+                {"warnings", std::move(doubts)},
+                {"tidy", judgement.helpful.empty() ? Json() : Json(judgement.helpful)}};
     }
 
-    std::vector<Diagnostic> judge(const Found &found) const {
+    std::vector<sdpline::Repair> doubtsOf(const Found &found) const {
+        std::vector<sdpline::Repair> doubts;
+        if (const auto doubted = sdpline::findDoubts(found.text); doubted && !options_.noWarnings) {
+            doubts.assign(doubted->repairs().begin(), doubted->repairs().end());
+        }
+        return doubts;
+    }
+
+    Judgement judge(const Found &found) const {
         const auto body = sdpline::Body::decode(found.text);
         if (body) {
-            return {};
+            return {{}, doubtsOf(found), ""};
         }
         std::vector<Diagnostic> diagnostics = {diagnosticOf(body.error(), found)};
         if (options_.everyLine && diagnostics.front().offset) {
             std::vector<Diagnostic> others = judgeLines(found.text, body.error().offset);
             std::move(others.begin(), others.end(), std::back_inserter(diagnostics));
         }
-        return diagnostics;
+        return {std::move(diagnostics), {}, rulesThatHelp(found.text)};
     }
 
     const Options &options_;
@@ -153,6 +197,10 @@ void addCheck(CLI::App &app, int &status) {
     addPaths(command, options->decode);
     addFlag(command, "--every-line", options->everyLine,
             "Judge the lines after the refused one, each on its own");
+    addFlag(command, "--no-warnings", options->noWarnings,
+            "Say nothing of what other readers read otherwise");
+    addFlag(command, "--warnings-as-errors", options->warningsAsErrors,
+            "Exit with 1 when there is a warning");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addDecoderOptions(command, options->decode);
     addRedact(command, options->decode);

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "output/diagnostic.hpp"
+#include "output/repairs.hpp"
 
 namespace cli {
 
@@ -17,6 +18,10 @@ void addDecoderOptions(CLI::App &command, DecodeOptions &options) {
     addFlag(command, "--rtp-family", options.rtpFamily,
             "Take payload numbers with every protocol of RTP, as UDP/TLS/RTP/SAVPF");
     addMaxBody(command, options.maxBody);
+}
+
+void addTidyFlag(CLI::App &command, DecodeOptions &options) {
+    addFlag(command, "--tidy", options.tidy, "Repair bodies first, as tidy does");
 }
 
 void addMaxBody(CLI::App &command, uint32_t &maxBody) {
@@ -51,7 +56,7 @@ void configure(const WriteOptions &options) {
 }
 
 BodyUser::BodyUser(const DecodeOptions &options, Redactor *shared)
-    : redact_(options.redact), shared_(shared) {
+    : tidy_(options.tidy), redact_(options.redact), shared_(shared) {
     configure(options);
 }
 
@@ -71,9 +76,26 @@ Redactor *BodyUser::redactorFor(const Found &found) {
     return &redactor;
 }
 
+sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found) const {
+    if (!tidy_) {
+        return sdpline::Body::decode(found.text);
+    }
+    auto tidied = sdpline::tidy(found.text);
+    if (!tidied) {
+        return sdpline::Body::decode(found.text); // too long for any decoder
+    }
+    for (const sdpline::Repair repair : tidied->repairs()) {
+        std::cerr << repairText(found, repair, tidied->isRefused() ? "tried" : "repaired") << '\n';
+    }
+    if (tidied->error()) {
+        return *tidied->error();
+    }
+    return std::move(*tidied->body());
+}
+
 std::optional<sdpline::Body> BodyUser::decoded(const Found &found) {
     Redactor *const redactor = redactorFor(found);
-    sdpline::Result<sdpline::Body> body = sdpline::Body::decode(found.text);
+    sdpline::Result<sdpline::Body> body = decode(found);
     if (!body) {
         std::cerr << shortText(found, diagnosticOf(body.error(), found), redactor) << '\n';
         atLeast(kRefused);

@@ -33,12 +33,14 @@ void addExplain(CLI::App &app, int &status);
 void addProfiles(CLI::App &app, int &status);
 void addAnswer(CLI::App &app, int &status);
 void addNegotiateCheck(CLI::App &app, int &status);
+void addTidy(CLI::App &app, int &status);
+void addRules(CLI::App &app, int &status);
 
 // In the order of the help. A new command is a row here, a section of the man page and a line of
 // the completion.
 inline constexpr auto kCommands = std::to_array<void (*)(CLI::App &app, int &status)>(
     {addDecode, addFormat, addEncode, addCheck, addDiff, addExplain, addProfiles, addAnswer,
-     addNegotiateCheck});
+     addNegotiateCheck, addTidy, addRules});
 
 // ---- Options that several subcommands have
 
@@ -48,6 +50,7 @@ struct DecodeOptions {
     bool avpf = false;
     bool rtpFamily = false;
     uint32_t maxBody = SDP_MAX_BODY;
+    bool tidy = false;
     bool redact = false;
 };
 
@@ -58,6 +61,7 @@ struct WriteOptions {
 
 void addPaths(CLI::App &command, DecodeOptions &options);
 void addDecoderOptions(CLI::App &command, DecodeOptions &options);
+void addTidyFlag(CLI::App &command, DecodeOptions &options);
 void addMaxBody(CLI::App &command, uint32_t &maxBody);
 void addRedact(CLI::App &command, DecodeOptions &options);
 void addWriteOptions(CLI::App &command, WriteOptions &options);
@@ -84,10 +88,14 @@ protected:
     // Masks what is shown of this body; null without --redact.
     Redactor *redactorFor(const Found &found);
 
-    // The body, masked if so wished. One that is refused is reported, and raises the status.
+    // The body, repaired before and masked if so wished. One that is refused is reported, and
+    // raises the status.
     std::optional<sdpline::Body> decoded(const Found &found);
 
 private:
+    sdpline::Result<sdpline::Body> decode(const Found &found) const;
+
+    const bool tidy_;
     const bool redact_;
     Redactor *const shared_;
     Redactor redactor_;

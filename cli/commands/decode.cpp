@@ -44,6 +44,7 @@ void addDecode(CLI::App &app, int &status) {
     addFlag(command, "--json", options->json,
             "Print JSON that holds every field, one document for each body");
     addDecoderOptions(command, *options);
+    addTidyFlag(command, *options);
     addRedact(command, *options);
 }
 

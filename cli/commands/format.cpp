@@ -48,6 +48,7 @@ void addFormat(CLI::App &app, int &status) {
     addPaths(command, options->decode);
     addWriteOptions(command, options->write);
     addDecoderOptions(command, options->decode);
+    addTidyFlag(command, options->decode);
     addRedact(command, options->decode);
 }
 

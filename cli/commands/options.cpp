@@ -47,6 +47,11 @@ void addWords(CLI::App &command, const char *name, std::vector<std::string> &wor
     command.add_option(name, words, help)->type_name("");
 }
 
+void addNames(CLI::App &command, const char *name, std::vector<std::string> &names,
+              const std::string &help) {
+    command.add_option(name, names, help)->type_name("NAME,...")->allow_extra_args(false);
+}
+
 void addChoice(CLI::App &command, const char *name, std::string &word, const char *type,
                const std::vector<std::string> &words, const std::string &help) {
     command.add_option(name, word, help)

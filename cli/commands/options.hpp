@@ -41,6 +41,9 @@ void addWord(CLI::App &command, const char *name, std::string &word, const char 
 void addRequired(CLI::App &command, const char *name, std::string &word, const std::string &help);
 void addWords(CLI::App &command, const char *name, std::vector<std::string> &words,
               const std::string &help);
+// Names with commas between them, the option any number of times: `--name NAME,...`.
+void addNames(CLI::App &command, const char *name, std::vector<std::string> &names,
+              const std::string &help);
 // Refused unless it is one of the words, or in the range.
 void addChoice(CLI::App &command, const char *name, std::string &word, const char *type,
                const std::vector<std::string> &words, const std::string &help);

@@ -19,6 +19,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -114,12 +115,19 @@ public:
 
     class Iterator {
     public:
+        using value_type = Repair;
+        using difference_type = std::ptrdiff_t;
+        using reference = Repair;
+        using pointer = void;
+        using iterator_category = std::input_iterator_tag;
+
         explicit Iterator(const SDPTidyRow *row) : row_(row) {}
         Repair operator*() const { return internal::MakeRepair()(*row_); }
         Iterator &operator++() {
             ++row_;
             return *this;
         }
+        Iterator operator++(int) { return Iterator(row_++); }
         friend bool operator==(const Iterator &, const Iterator &) = default;
 
     private:

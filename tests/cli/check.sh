@@ -28,6 +28,7 @@ short.sdp:3:1: error: expected an s= line after the o= line; found the end of th
     3 | 
       | ^
   hint: a body begins with the lines v=, o= and s=
+short.sdp:1: note: tidy makes it acceptable: NameMissing
 nothing:1: error: the body is empty [ParseArgument]
 checked 2 bodies in 2 files: 2 refused
 TEXT
@@ -204,6 +205,7 @@ avpf.sdp:4:1: error: unexpected line after the s= line; found "s=" [AfterName]
     4 | s=twice
       | ^
   hint: the lines of a session come in the order v= o= s= i= u= e= p= c= b= t= r= z= k= a= m=
+avpf.sdp:1: note: tidy makes it acceptable: LineAgain
 checked 1 body in 1 file: 1 refused
 TEXT
 expect "--every-line --avpf takes it" 1 refused nothing -- \
@@ -219,7 +221,9 @@ cat >json <<'JSON'
       "offset": 0,
       "size": 55,
       "accepted": true,
-      "diagnostics": []
+      "diagnostics": [],
+      "warnings": [],
+      "tidy": null
     },
     {
       "file": "bad.sdp",
@@ -242,7 +246,9 @@ cat >json <<'JSON'
           "alone": false,
           "text": "c=IN IP4 1.2.3.256"
         }
-      ]
+      ],
+      "warnings": [],
+      "tidy": null
     }
   ],
   "problems": [
@@ -252,6 +258,7 @@ cat >json <<'JSON'
     "files": 2,
     "bodies": 2,
     "refused": 1,
+    "warnings": 0,
     "problems": 1
   }
 }

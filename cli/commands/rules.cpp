@@ -1,0 +1,66 @@
+// sdpline rules: what tidy repairs, and what check doubts.
+#include "commands/commands.hpp"
+
+#include <iostream>
+
+#include "output/diagnostic.hpp"
+#include "sdpline/sdptidy.h"
+
+namespace cli {
+
+namespace {
+
+const char *setName(uint32_t set) {
+    switch (set) {
+    case SDP_TIDY_DEFAULT: return "default";
+    case SDP_TIDY_OPTIONAL: return "optional";
+    case SDP_TIDY_BY_NAME: return "by name";
+    default: return "doubt";
+    }
+}
+
+void printText() {
+    uint32_t set = 0;
+    for (uint32_t number = 0; const SDPTidyRule *const rule = SdpTidyRuleAt(number); ++number) {
+        if (rule->enSet != set) {
+            std::cout << (set == 0 ? "" : "\n") << setName(rule->enSet) << '\n';
+            set = rule->enSet;
+        }
+        std::cout << "  " << rule->pcName << ": " << rule->pcWrong << ": " << rule->pcDone << " ["
+                  << rule->pcReference << ']' << (rule->bLoses != 0 ? " (loses something)" : "")
+                  << (rule->bChanges != 0 ? " (may change the session)" : "") << '\n';
+    }
+}
+
+void printJson() {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (uint32_t number = 0; const SDPTidyRule *const rule = SdpTidyRuleAt(number); ++number) {
+        list.push_back({{"name", rule->pcName},
+                        {"set", setName(rule->enSet)},
+                        {"wrong", rule->pcWrong},
+                        {"done", rule->pcDone},
+                        {"reference", rule->pcReference},
+                        {"loses", rule->bLoses != 0},
+                        {"changes", rule->bChanges != 0}});
+    }
+    std::cout << dumped(list);
+}
+
+} // namespace
+
+void addRules(CLI::App &app, int &status) {
+    const auto json = std::make_shared<bool>(false);
+    CLI::App &command =
+        addCommand(app,
+                   {"rules", "Print what tidy repairs and what check doubts.",
+                    "Examples:\n"
+                    "  sdpline rules\n"
+                    "  sdpline rules --json | jq -r '.[] | select(.set == \"optional\").name'"},
+                   [json, &status] {
+                       status = kFine;
+                       *json ? printJson() : printText();
+                   });
+    addFlag(command, "--json", *json, "Print one JSON document");
+}
+
+} // namespace cli

@@ -1,0 +1,294 @@
+// sdpline tidy: bodies repaired before the decoder, with a report of every repair.
+#include "commands/commands.hpp"
+
+#include <cstdio>
+#include <iostream>
+#include <limits>
+
+#include "input/lengths.hpp"
+#include "input/window.hpp"
+#include "output/diagnostic.hpp"
+#include "output/escape.hpp"
+#include "output/repairs.hpp"
+
+namespace cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kRepaired = 1;
+constexpr int kStillRefused = 2;
+
+struct Options {
+    DecodeOptions decode;
+    std::vector<std::string> rules;
+    std::vector<std::string> without;
+    bool optional = false;
+    bool dryRun = false;
+    bool inPlace = false;
+};
+
+// How a Content-Length counts: the bytes as they are, or each LF as CR LF, which was right before
+// the text was converted.
+size_t counted(std::string_view text, bool feedsAsPairs) {
+    size_t count = text.size();
+    for (size_t at = 0; feedsAsPairs && at < text.size(); ++at) {
+        count += text[at] == '\n' && (at == 0 || text[at - 1] != '\r') ? 1 : 0;
+    }
+    return count;
+}
+
+// A text with bodies replaced, and the lengths that count them corrected.
+class Rewriter {
+public:
+    explicit Rewriter(std::string_view text) : text_(text) {}
+
+    void replace(const BodyPlace &place, std::string_view body) {
+        changes_.push_back({place.offset, place.size, std::string(body)});
+    }
+
+    std::string run() {
+        for (const LengthPlace &length : lengthsOf(text_)) {
+            correct(length);
+        }
+        std::ranges::sort(changes_, {}, &Change::offset);
+        std::string result;
+        size_t at = 0;
+        for (const Change &change : changes_) {
+            result.append(text_.substr(at, change.offset - at)).append(change.with);
+            at = change.offset + change.size;
+        }
+        return result.append(text_.substr(at));
+    }
+
+private:
+    struct Change {
+        size_t offset;
+        size_t size;
+        std::string with;
+    };
+
+    void correct(const LengthPlace &length) {
+        const size_t said = std::stoul(std::string(text_.substr(length.offset, length.size)));
+        const bool pairs = said != length.end - length.begin;
+        size_t now = said;
+        for (const Change &change : changes_) {
+            if (change.offset >= length.begin && change.offset + change.size <= length.end) {
+                now += counted(change.with, pairs);
+                now -= std::min(now, counted(text_.substr(change.offset, change.size), pairs));
+            }
+        }
+        if (now != said) {
+            changes_.push_back({length.offset, length.size, std::to_string(now)});
+        }
+    }
+
+    std::string_view text_;
+    std::vector<Change> changes_;
+};
+
+std::string redactedBody(std::string_view body, Redactor &redactor) {
+    std::string result;
+    while (!body.empty()) {
+        const size_t size = std::min(body.find('\n'), body.size());
+        std::string_view line = body.substr(0, size);
+        const bool pair = line.ends_with('\r');
+        line.remove_suffix(pair ? 1 : 0);
+        result += line.empty() ? "" : redactor.redacted(line);
+        result += pair ? "\r" : "";
+        result += size < body.size() ? "\n" : "";
+        body.remove_prefix(std::min(size + 1, body.size()));
+    }
+    return result;
+}
+
+class Tidier {
+public:
+    Tidier(const Options &options, const sdpline::TidyRules &rules)
+        : options_(options), rules_(rules) {}
+
+    void file(const std::string &path) {
+        const std::string name = inputName(path);
+        Window input(path);
+        if (!input.fill(std::numeric_limits<size_t>::max())) {
+            return trouble(name + ": " + input.error());
+        }
+        const Bodies found = findBodies(input.text());
+        for (const Problem &problem : found.problems) {
+            trouble(name + ": " + escaped(problem.text));
+        }
+        Rewriter rewriter(input.text());
+        std::string masked;
+        for (const BodyPlace &place : found.bodies) {
+            const Found body = {name, path, input.text().substr(place.offset, place.size),
+                                place.offset, place.line};
+            const auto tidied = sdpline::tidy(body.text, rules_);
+            if (!tidied) {
+                trouble(name + ": " + std::string(tidied.error().sentence));
+                continue;
+            }
+            learn(body.text, tidied->text());
+            tell(body, *tidied);
+            if (options_.decode.redact) {
+                masked += redactedBody(tidied->text(), redactor_);
+            } else if (tidied->isRepaired()) {
+                rewriter.replace(place, tidied->text());
+            }
+        }
+        write(path, input.text(), options_.decode.redact ? masked : rewriter.run());
+    }
+
+    int finish() {
+        if (options_.decode.json) {
+            std::cout << dumped({{"bodies", bodies_}});
+        }
+        return status_;
+    }
+
+private:
+    void trouble(const std::string &message) {
+        std::cerr << "sdpline: " << message << '\n';
+        status_ = kStillRefused;
+    }
+
+    void learn(std::string_view given, std::string_view tidied) {
+        if (options_.decode.redact) {
+            redactor_.learn(given);
+            redactor_.learn(tidied);
+        }
+    }
+
+    Redactor *redactor() { return options_.decode.redact ? &redactor_ : nullptr; }
+
+    void tell(const Found &body, const sdpline::Tidied &tidied) {
+        const int status = tidied.isRefused() ? kStillRefused : tidied.isRepaired() ? kRepaired : 0;
+        status_ = std::max(status_, status);
+        if (options_.decode.json) {
+            return tellJson(body, tidied);
+        }
+        for (const sdpline::Repair repair : tidied.repairs()) {
+            std::cerr << repairText(body, repair, tidied.isRefused() ? "tried" : "repaired") << '\n';
+        }
+        if (tidied.error()) {
+            std::cerr << shortText(body, diagnosticOf(*tidied.error(), body), redactor()) << '\n';
+        }
+    }
+
+    void tellJson(const Found &body, const sdpline::Tidied &tidied) {
+        Json rows = Json::array();
+        for (const sdpline::Repair repair : tidied.repairs()) {
+            rows.push_back(jsonOf(body, repair));
+        }
+        Json entry = {{"file", body.path},
+                      {"line", body.line},
+                      {"outcome", tidied.isRefused()    ? "refused"
+                                  : tidied.isRepaired() ? "repaired"
+                                                        : "unchanged"},
+                      {"repairs", std::move(rows)}};
+        if (tidied.error()) {
+            entry["error"] = jsonOf(body, diagnosticOf(*tidied.error(), body), redactor());
+        } else {
+            entry["text"] = options_.decode.redact ? redactedBody(tidied.text(), redactor_)
+                                                   : std::string(tidied.text());
+        }
+        bodies_.push_back(std::move(entry));
+    }
+
+    // The text on standard output, or in the file that it came from where it changed.
+    void write(const std::string &path, std::string_view given, const std::string &text) {
+        if (options_.dryRun || options_.decode.json) {
+            return;
+        }
+        if (!options_.inPlace) {
+            std::cout << text;
+            return;
+        }
+        if (text == given) {
+            return;
+        }
+        std::FILE *const file = std::fopen(path.c_str(), "wb");
+        const bool written =
+            file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+        if (file == nullptr || std::fclose(file) != 0 || !written) {
+            trouble(inputName(path) + ": cannot be written");
+        }
+    }
+
+    const Options &options_;
+    sdpline::TidyRules rules_;
+    Redactor redactor_;
+    Json bodies_ = Json::array();
+    int status_ = 0;
+};
+
+// None, with a message, where a name is no repair.
+std::optional<sdpline::TidyRules> rulesOf(const Options &options) {
+    std::string unknown;
+    const auto wanted = rulesNamed(options.rules, unknown);
+    const auto unwanted = wanted ? rulesNamed(options.without, unknown) : std::nullopt;
+    if (!unwanted) {
+        std::cerr << "sdpline: no repair is named \"" << escaped(unknown)
+                  << "\": see sdpline rules\n";
+        return std::nullopt;
+    }
+    sdpline::TidyRules rules = options.optional ? sdpline::TidyRules::withOptional()
+                               : wanted->empty() ? sdpline::TidyRules()
+                                                 : sdpline::TidyRules::none();
+    for (const uint32_t rule : *wanted) {
+        rules = rules.with(rule);
+    }
+    for (const uint32_t rule : *unwanted) {
+        rules = rules.without(rule);
+    }
+    return rules;
+}
+
+int run(const Options &options) {
+    const std::optional<sdpline::TidyRules> rules = rulesOf(options);
+    if (!rules) {
+        return kUnusable;
+    }
+    if (options.inPlace && (options.decode.redact || options.decode.paths.front() == "-")) {
+        std::cerr << "sdpline: --in-place takes files, and nothing that is masked\n";
+        return kUnusable;
+    }
+    configure(options.decode);
+    Tidier tidier(options, *rules);
+    for (const std::string &path : options.decode.paths) {
+        tidier.file(path);
+    }
+    return tidier.finish();
+}
+
+} // namespace
+
+void addTidy(CLI::App &app, int &status) {
+    const auto options = std::make_shared<Options>();
+    CLI::App &command = addCommand(
+        app,
+        {"tidy", "Repair bodies that the decoder refuses, and tell every repair.",
+         "Bodies that are accepted stay as they are, byte for byte. SIP messages stay\n"
+         "messages; their Content-Length is corrected. With --redact the bodies alone are\n"
+         "written, masked.\n\n"
+         "Examples:\n"
+         "  sdpline tidy call.sip > tidied.sip\n"
+         "  sdpline tidy --optional --dry-run captured.sdp\n"
+         "  sdpline tidy --rule NameEmpty,ConnHost -i offer.sdp\n\n"
+         "Exit status: 0 when nothing was repaired, 1 when something was, 2 when a body is\n"
+         "refused all the same or something cannot be used."},
+        [options, &status] { status = run(*options); });
+    addWords(command, "FILE", options->decode.paths,
+             "SDP, or SIP messages that carry it; - is standard input");
+    addNames(command, "--rule", options->rules, "Make these repairs, and no others");
+    addFlag(command, "--optional", options->optional,
+            "Make the optional repairs beside those of the default set");
+    addNames(command, "--without", options->without, "Make all but these");
+    addFlag(command, "--dry-run", options->dryRun, "Report, and write no text");
+    addFlag(command, "-i,--in-place", options->inPlace, "Write the text back to its file");
+    addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addDecoderOptions(command, options->decode);
+    addRedact(command, options->decode);
+}
+
+} // namespace cli

@@ -1,0 +1,28 @@
+// Repairs and doubts as they are told, and rules as command lines name them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "input/input.hpp"
+#include "sdpline/tidy.hpp"
+
+namespace cli {
+
+// "call.sip:9:3: repaired: s= is empty: wrote s=- [NameEmpty, RFC 4566 5.3]", where the word is
+// "repaired", "tried" or "warning".
+std::string repairText(const Found &body, const sdpline::Repair &repair, const char *word);
+
+nlohmann::ordered_json jsonOf(const Found &body, const sdpline::Repair &repair);
+
+// Repairs named with commas between them; none, with the name in `unknown`, where one is none.
+std::optional<std::vector<uint32_t>> rulesNamed(const std::vector<std::string> &lists,
+                                                std::string &unknown);
+
+// The rules that make a refused text acceptable, of the least set that does: "NameEmpty, SpaceRun".
+std::string rulesThatHelp(std::string_view text);
+
+} // namespace cli

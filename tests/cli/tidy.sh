@@ -1,0 +1,130 @@
+#!/usr/bin/env bash
+# sdpline tidy, the warnings and notes of check, and --tidy of the others
+. "$(dirname "$0")/expect.sh"
+
+file untidy.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=
+t=0 0
+m=audio 5004  RTP/AVP 0
+SDP
+file tidied.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+t=0 0
+m=audio 5004 RTP/AVP 0
+SDP
+cat >report <<'TEXT'
+untidy.sdp:3:3: repaired: s= is empty: wrote s=- [NameEmpty, RFC 4566 5.3]
+untidy.sdp:5:13: repaired: white space other than one blank between fields: wrote one blank, or none where none belongs [SpaceRun, RFC 4566 5]
+TEXT
+
+# ---- One body
+expect "an accepted body" 0 good.sdp nothing -- "$program" tidy good.sdp
+expect "a repaired body" 1 tidied.sdp report -- "$program" tidy untidy.sdp
+expect "twice" 0 tidied.sdp nothing -- "$program" tidy tidied.sdp
+expect "standard input" 1 tidied.sdp '~^standard input:3:3: repaired' -- \
+  sh -c '"$1" tidy <untidy.sdp' _ "$program"
+expect "a refused body" 2 bad.sdp '~^bad.sdp:4:16: the fourth octet' -- "$program" tidy bad.sdp
+sed 's/^s=.*/s=\r/' bad.sdp >worse.sdp
+expect "what was tried" 2 worse.sdp '~^worse.sdp:3:3: tried: s= is empty' -- "$program" tidy worse.sdp
+expect "a file that is not there" 2 nothing '~^sdpline: none.sdp: ' -- "$program" tidy none.sdp
+expect "--dry-run" 1 nothing report -- "$program" tidy --dry-run untidy.sdp
+
+# ---- Rules
+sed 's/^s=.*/s=-\r/' untidy.sdp >half.sdp
+expect "one rule" 2 untidy.sdp '~tried: s= is empty' -- "$program" tidy --rule NameEmpty untidy.sdp
+expect "two rules" 1 tidied.sdp report -- "$program" tidy --rule nameempty,SpaceRun untidy.sdp
+expect "a rule twice" 1 tidied.sdp report -- \
+  "$program" tidy --rule NameEmpty --rule SpaceRun untidy.sdp
+expect "--without" 2 half.sdp - -- "$program" tidy --without SpaceRun half.sdp
+expect "a rule that is none" 2 nothing '~no repair is named "Nothing"' -- \
+  "$program" tidy --rule Nothing untidy.sdp
+expect "a doubt for a rule" 2 nothing '~no repair is named "PortRange"' -- \
+  "$program" tidy --rule PortRange untidy.sdp
+{ cat tidied.sdp; printf 'y=1\r\n'; } >odd.sdp
+{ cat tidied.sdp; printf 'a=x-line:y=1\r\n'; } >even.sdp
+expect "without --optional" 2 odd.sdp - -- "$program" tidy odd.sdp
+expect "--optional" 1 even.sdp '~LineUnknown' -- "$program" tidy --optional odd.sdp
+
+# ---- Messages, in place
+message untidy.sip untidy.sdp
+message tidied.sip tidied.sdp
+expect "a SIP message" 1 tidied.sip '~^untidy.sip:8:3: repaired: s= is empty' -- \
+  "$program" tidy untidy.sip
+cat untidy.sip untidy.sip | sed 's/Content-Length/l/' >two.sip
+cat tidied.sip tidied.sip | sed 's/Content-Length/l/' >two.tidied
+expect "two messages, the short name of the header" 1 two.tidied - -- "$program" tidy two.sip
+tr -d '\r' <untidy.sip >feeds.sip
+tr -d '\r' <tidied.sip >feeds.tidied
+expect "a length that counts carriage returns" 1 feeds.tidied - -- "$program" tidy feeds.sip
+cp untidy.sip changed.sip
+expect "--in-place" 1 nothing '~changed.sip:8:3' -- "$program" tidy -i changed.sip
+expect "the file" 0 tidied.sip nothing -- cat changed.sip
+expect "--in-place again" 0 nothing nothing -- "$program" tidy --in-place changed.sip
+expect "--in-place of standard input" 2 nothing '~takes files' -- "$program" tidy -i -
+
+# ---- JSON, masks
+expect "--json" 1 '~"rule": "NameEmpty"' nothing -- "$program" tidy --json untidy.sdp
+expect "the outcome" 1 '~"outcome": "repaired"' nothing -- "$program" tidy --json untidy.sdp
+expect "--json of a refused body" 2 '~"check": "ConnLastOctetRange"' nothing -- \
+  "$program" tidy --json bad.sdp
+"$program" tidy --redact untidy.sip >masked 2>/dev/null
+expect "no address in what is masked" 1 nothing nothing -- grep -F -e 192.0.2.1 -e example.com masked
+expect "the rest of it" 0 '~^m=audio 5004 RTP/AVP 0' nothing -- cat masked
+
+# ---- The decoder's options
+file offer.sdp <<'SDP'
+v=0
+o=- 1 2 IN IP4 192.0.2.1
+s=-
+t=0 0
+m=audio 9 UDP/TLS/RTP/SAVPF 111 63
+SDP
+expect "--rtp-family" 0 offer.sdp nothing -- "$program" tidy --rtp-family offer.sdp
+for command in decode format check; do
+  expect "$command without --rtp-family" 1 - - -- "$program" "$command" offer.sdp
+  expect "$command --rtp-family" 0 - nothing -- "$program" "$command" --rtp-family offer.sdp
+done
+expect "diff --rtp-family" 0 nothing nothing -- "$program" diff --rtp-family offer.sdp offer.sdp
+{ cat good.sdp; yes "a=x:$(printf 'y%.0s' {1..95})" | head -n 50 | sed 's/$/\r/'; } >long.sdp
+expect "a long body" 1 '~more than 4093' nothing -- "$program" check long.sdp
+expect "--max-body" 0 - nothing -- "$program" check --max-body 65535 long.sdp
+expect "format --max-body" 0 long.sdp nothing -- "$program" format --max-body 65535 long.sdp
+expect "--max-body out of range" 2 nothing '~--max-body' -- "$program" check --max-body 65536 good.sdp
+
+# ---- --tidy of the others
+expect "format --tidy" 0 tidied.sdp report -- "$program" format --tidy untidy.sdp
+expect "decode --tidy" 0 '~^name "-"' report -- "$program" decode --tidy untidy.sdp
+expect "diff --tidy" 0 nothing report -- "$program" diff --tidy untidy.sdp tidied.sdp
+expect "format --tidy of a refused body" 1 nothing '~^bad.sdp:4:16: ' -- "$program" format --tidy bad.sdp
+
+# ---- check
+cat >noted <<'TEXT'
+untidy.sdp:1: note: tidy makes it acceptable: NameEmpty, SpaceRun
+TEXT
+"$program" check untidy.sdp | grep note: >got
+expect "what would make it acceptable" 0 noted nothing -- cat got
+"$program" check bad.sdp | grep note: >got
+expect "nothing would" 0 nothing nothing -- cat got
+sed 's/5004/70000/' tidied.sdp >doubtful.sdp
+cat >warned <<'TEXT'
+doubtful.sdp:5:9: warning: a port above 65535: it is kept modulo 2^32; others cut it to 16 bits [PortRange, RFC 4566 5.14]
+checked 1 body in 1 file: none refused, 1 warning
+TEXT
+echo 'checked 1 body in 1 file: none refused' >silent
+expect "a warning" 0 warned nothing -- "$program" check doubtful.sdp
+expect "--no-warnings" 0 silent nothing -- "$program" check --no-warnings doubtful.sdp
+expect "--warnings-as-errors" 1 warned nothing -- "$program" check --warnings-as-errors doubtful.sdp
+expect "a warning in JSON" 0 '~"rule": "PortRange"' nothing -- "$program" check --json doubtful.sdp
+
+# ---- rules, and the pages of the documents
+expect "rules" 0 '~^  NameEmpty: s= is empty: wrote s=- \[RFC 4566 5.3\]$' nothing -- "$program" rules
+"$program" rules --json | sed -n 's/^    "name": "\(.*\)",/\1/p' | sort >names
+expect "rules --json" 0 '~^CrInside$' nothing -- cat names
+sed -n 's/^##*# \([A-Z][A-Za-z]*\)$/\1/p' "$source/docs/repairs.md" "$source/docs/doubts.md" |
+  grep -vxF Optional | sort >paged
+expect "a page's section for each rule" 0 names nothing -- cat paged
+finish
