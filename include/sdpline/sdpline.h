@@ -41,6 +41,7 @@
 
 #include <stdint.h>
 
+#include "sdpline/sdplayout.h"
 #include "sdpline/sdprecords.h"
 #include "sdpline/sipcore.h"
 

@@ -55,6 +55,10 @@
 #ifndef SDPLINE_SDPLINE_HPP
 #define SDPLINE_SDPLINE_HPP
 
+#if !defined(__cpp_concepts) || __cpp_concepts < 201907L
+#error "sdpline.hpp needs C++20 (-std=c++20); sdpline.h needs C11 or C++11"
+#else
+
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -343,4 +347,5 @@ inline std::string toText(const Body &body) {
 } // namespace v1
 } // namespace sdpline
 
+#endif
 #endif

@@ -14,38 +14,6 @@ constexpr uint32_t kAttrTypeSize = offsetof(SDPAttr, pstAttrName);
 constexpr uint32_t kIpv4Size = sizeof(SDPTptAddr::unTptAddr.aucIpv4);
 constexpr uint32_t kIpv6Size = sizeof(SDPTptAddr::unTptAddr.aucIpv6);
 
-// The sizes are part of the interface where pointers are 8 bytes wide.
-constexpr bool isSized(size_t actual, size_t expected) {
-    return sizeof(void *) != 8 || actual == expected;
-}
-
-static_assert(isSized(kAttrTypeSize, 32));
-static_assert(isSized(kIpv4Size, 4));
-static_assert(isSized(kIpv6Size, 16));
-static_assert(isSized(sizeof(SdpLine::ulProtoVersion), 4));
-static_assert(isSized(sizeof(SipString), 12));
-static_assert(isSized(sizeof(SDPOrigin), 72));
-static_assert(isSized(sizeof(SDPNetType), 12));
-static_assert(isSized(sizeof(SDPAddrType), 12));
-static_assert(isSized(sizeof(SDPConnection), 52));
-static_assert(isSized(sizeof(SDPTptAddr), 20));
-static_assert(isSized(sizeof(SDPKey), 12));
-static_assert(isSized(sizeof(SDPTimeField), 16));
-static_assert(isSized(sizeof(SDPRepeatFieldSet), 12));
-static_assert(isSized(sizeof(SDPRepeatField), 12));
-static_assert(isSized(sizeof(SDPTimeUnit), 8));
-static_assert(isSized(sizeof(SDPMediaField), 48));
-static_assert(isSized(sizeof(SDPMedia), 12));
-static_assert(isSized(sizeof(SDPMediaProto), 12));
-static_assert(isSized(sizeof(SDPMediaFmt), 16));
-static_assert(isSized(sizeof(SDPRtpPayLoads), 12));
-static_assert(isSized(sizeof(SDPAttr), 40));
-static_assert(isSized(sizeof(SDPRtpMapAttr), 28));
-static_assert(isSized(sizeof(SDPSilenceSuppression), 16));
-static_assert(isSized(sizeof(SDPIpBcp), 8));
-static_assert(isSized(sizeof(SDPRsrcMgmtStatus), 24));
-static_assert(isSized(sizeof(SDPPreconditionS), 12));
-
 template <size_t N>
 consteval SipDsmSequenceDef sequence(const SipDsmTypeDef *const (&members)[N]) {
     return {N, members};

@@ -10,11 +10,6 @@ constexpr bool isDigit(uint8_t byte) {
     return byte >= '0' && byte <= '9';
 }
 
-constexpr bool isLetter(uint8_t byte) {
-    const uint8_t upper = byte & 0xDF;
-    return upper >= 'A' && upper <= 'Z';
-}
-
 // Value of a text of digits only, modulo 2^32.
 constexpr uint32_t scanNumber(std::string_view digits) {
     uint32_t value = 0;

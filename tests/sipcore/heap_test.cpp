@@ -144,7 +144,13 @@ TEST(Statistics, keepThePeakUntilItIsReset) {
 }
 
 TEST(Statistics, acceptANullPointer) {
+    const SipMmStatistics before = statistics();
     SipMmGetStatistics(nullptr);
+    const SipMmStatistics after = statistics();
+    EXPECT_EQ(after.ulBlocks, before.ulBlocks);
+    EXPECT_EQ(after.ulHeapBytes, before.ulHeapBytes);
+    EXPECT_EQ(after.ulHeapAllocations, before.ulHeapAllocations);
+    EXPECT_EQ(after.ulHeapBytesPeak, before.ulHeapBytesPeak);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -321,8 +322,17 @@ TEST_F(Fixed, mayHaveNoRoomAtAll) {
 }
 
 TEST_F(Fixed, isReleasedWithoutAReportToo) {
-    SipSbReleaseFixedStringBuffer(make(4), nullptr, nullptr);
-    SipSbReleaseStringBuffer(make(4));
+    SipStringBuffer *buffer = make(4);
+    add(buffer, "text");
+    SipSbReleaseFixedStringBuffer(buffer, nullptr, nullptr);
+    EXPECT_EQ(std::memcmp(bytes.get(), "text", 4), 0); // the caller's, as they were
+    EXPECT_TRUE(leaks.nothingKept());
+
+    buffer = make(4);
+    add(buffer, "more");
+    SipSbReleaseStringBuffer(buffer);
+    EXPECT_EQ(std::memcmp(bytes.get(), "more", 4), 0);
+    EXPECT_TRUE(leaks.nothingKept());
 }
 
 } // namespace
