@@ -13,14 +13,44 @@ install(TARGETS ${sdpline_libraries} EXPORT sdplineTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-set_target_properties(${sdpline_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
-install(DIRECTORY include/sdpline DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+# Where a file looks for the libraries: installed in `folder`, and in the build in the folders of the
+# build too. CMake's own change from one to the other reserves its bytes with ":" in the built file,
+# and an empty element is the current folder; here the built file's list begins with the other one.
+function(sdpline_find_libraries target folder destination component)
+  get_target_property(type ${target} TYPE)
+  set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+  if(type STREQUAL "STATIC_LIBRARY" OR CMAKE_SKIP_INSTALL_RPATH)
+    return()
+  endif()
+  get_target_property(here ${target} BINARY_DIR)
+  set(path ${folder})
+  foreach(library IN LISTS sdpline_libraries)
+    get_target_property(there ${library} BINARY_DIR)
+    if(NOT there STREQUAL here)
+      file(RELATIVE_PATH way ${here} ${there})
+      list(APPEND path "$ORIGIN/${way}")
+    endif()
+  endforeach()
+  list(REMOVE_DUPLICATES path)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "${path}")
+  list(JOIN path ":" path)
+  string(REPLACE "$" "\\$" path "${path}")
+  string(REPLACE "$" "\\$" folder "${folder}")
+  install(CODE "file(RPATH_CHANGE
+    FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${destination}/$<TARGET_FILE_NAME:${target}>\"
+    OLD_RPATH \"${path}\" NEW_RPATH \"${folder}\")" COMPONENT ${component})
+endfunction()
+foreach(library IN LISTS sdpline_libraries)
+  sdpline_find_libraries(${library} "$ORIGIN" ${CMAKE_INSTALL_LIBDIR} runtime)
+endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/sdpline
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/sdpline)
 install(EXPORT sdplineTargets NAMESPACE sdpline:: DESTINATION ${package_dir} COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/sdplineConfigVersion.cmake
-  COMPATIBILITY SameMinorVersion)
-configure_package_config_file(cmake/sdplineConfig.cmake.in
+  COMPATIBILITY SameMajorVersion)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/sdplineConfig.cmake.in
   ${PROJECT_BINARY_DIR}/sdplineConfig.cmake INSTALL_DESTINATION ${package_dir})
 install(FILES ${PROJECT_BINARY_DIR}/sdplineConfig.cmake
               ${PROJECT_BINARY_DIR}/sdplineConfigVersion.cmake
@@ -38,20 +68,22 @@ if(SDPLINE_THREAD_LOCAL)
 endif()
 foreach(library IN LISTS sdpline_libraries)
   string(REPLACE "_" "-" module ${library})
-  configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc
+    @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${module}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endforeach()
 
 if(SDPLINE_TOOLS)
   file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(sdpline_program PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
   install(TARGETS sdpline_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+  sdpline_find_libraries(sdpline_program "$ORIGIN/${bin_to_lib}" ${CMAKE_INSTALL_BINDIR} program)
   if(EXISTS ${PROJECT_SOURCE_DIR}/docs/man/sdpline.1)
-    install(FILES docs/man/sdpline.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/man/sdpline.1
+      DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
   endif()
   if(EXISTS ${PROJECT_SOURCE_DIR}/completion/sdpline)
-    install(FILES completion/sdpline
+    install(FILES ${PROJECT_SOURCE_DIR}/completion/sdpline
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT program)
   endif()
 endif()

@@ -23,6 +23,24 @@ as_root=()
 [ "$(id -u)" -ne 0 ] || as_root=(--allow-root)
 lintian "${as_root[@]}" --fail-on error,warning "$build"/*.deb
 
+# What a package says of itself and brings along.
+field() { dpkg-deb --field "$(echo "$build/$1"_*.deb)" "$2"; }
+for name in $names; do
+  wanted=same
+  [ "$name" != sdpline ] || wanted=foreign
+  [ "$(field "$name" Multi-Arch)" = $wanted ] || fail "$name is not Multi-Arch: $wanted"
+done
+dpkg-deb --control "$build"/libsdpline1_*.deb "$work/control"
+for library in "$build"/src/libsdpline.so "$build"/src/sipcore/libsipcore.so; do
+  soname=$(objdump -p "$library" | awk '$1 == "SONAME" { print $2 }')
+  diff <(sed -n "/^$soname /,/^lib/s/^ \(.*\)@Base 1.0.0/\1/p" "$work/control/symbols") \
+    <(nm -D --defined-only "$library" | awk '{ print $3 }' | sort) || fail "other symbols than $soname"
+done
+for file in examples/answer.c examples/CMakeLists.txt integration.md grammar.md; do
+  dpkg-deb --contents "$build"/libsdpline-dev_*.deb | grep -q "/libsdpline-dev/.*$file" ||
+    fail "libsdpline-dev has no $file"
+done
+
 # The names of the machine's packages and files, without the triggers that would run there.
 mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
 cp /var/lib/dpkg/status "$root/var/lib/dpkg/"

@@ -32,3 +32,11 @@ foreach(component runtime development program)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME}
     COMPONENT ${component} EXCLUDE_FROM_ALL)
 endforeach()
+# What whoever develops against the library reads and starts from.
+set(development_documents ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME})
+install(FILES
+    ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/SECURITY.md ${PROJECT_SOURCE_DIR}/docs/grammar.md
+    ${PROJECT_SOURCE_DIR}/docs/integration.md ${PROJECT_SOURCE_DIR}/docs/results.md
+  DESTINATION ${development_documents} COMPONENT development EXCLUDE_FROM_ALL)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
+  DESTINATION ${development_documents} COMPONENT development EXCLUDE_FROM_ALL)

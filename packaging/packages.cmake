@@ -32,7 +32,23 @@ a tree of C records, and writes them back, with a reason for every one that it
 refuses. This package holds the shared libraries.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 file(WRITE ${PROJECT_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packaging/triggers)
+# Since which version each exported name is there: a package that uses old ones alone can do with an
+# old library. A name that is added later gets the version that brings it.
+set(symbols "")
+foreach(library IN LISTS sdpline_libraries)
+  get_target_property(major ${library} SOVERSION)
+  if(NOT EXISTS ${PROJECT_SOURCE_DIR}/abi/lib${library}.symbols)
+    continue()
+  endif()
+  string(APPEND symbols "lib${library}.so.${major} libsdpline1 #MINVER#\n")
+  file(STRINGS ${PROJECT_SOURCE_DIR}/abi/lib${library}.symbols names)
+  foreach(name IN LISTS names)
+    string(APPEND symbols " ${name}@Base ${PROJECT_VERSION_MAJOR}.0.0\n")
+  endforeach()
+endforeach()
+file(WRITE ${PROJECT_BINARY_DIR}/packaging/symbols "${symbols}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_BINARY_DIR}/packaging/triggers ${PROJECT_BINARY_DIR}/packaging/symbols)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libsdpline-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -54,5 +70,5 @@ descriptions which SIP messages carry, and tells why one was refused.")
 include(${CMAKE_CURRENT_LIST_DIR}/documents.cmake)
 # The man page goes compressed into a package; ldconfig is run by the trigger, not by scripts.
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/compress.cmake)
-set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/noscripts.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/control.cmake)
 include(CPack)

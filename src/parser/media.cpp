@@ -8,13 +8,13 @@ namespace {
 
 // The lines of a description in their order: each may be followed by those further down, by the
 // next description or by the end.
-struct Step {
+struct MediaStep {
     uint32_t kind;
     bool (*parse)(Parser &parser, SDPMediaDesc &desc);
     Check unexpected;
 };
 
-constexpr Step kSteps[] = {
+constexpr MediaStep kMediaSteps[] = {
     {SDP_TOK_MEDIA,
      [](Parser &p, SDPMediaDesc &desc) { return parseMediaField(p, desc.stMediaField); },
      Check::AfterMediaLine},
@@ -43,8 +43,8 @@ constexpr Step kSteps[] = {
 };
 
 // The step of a line kind, from `step` on; null when it is none of them.
-const Step *stepOf(uint32_t kind, const Step *step) {
-    for (; step != std::end(kSteps); ++step) {
+const MediaStep *stepOf(uint32_t kind, const MediaStep *step) {
+    for (; step != std::end(kMediaSteps); ++step) {
         if (step->kind == kind) {
             return step;
         }
@@ -56,7 +56,7 @@ const Step *stepOf(uint32_t kind, const Step *step) {
 
 // media-field [ information ] [ connection ] *bandwidth [ key ] *attribute
 bool parseMediaDescription(Parser &parser, SDPMediaDesc &desc) {
-    const Step *step = kSteps;
+    const MediaStep *step = kMediaSteps;
     for (;;) {
         if (!step->parse(parser, desc)) {
             return false;
@@ -69,7 +69,7 @@ bool parseMediaDescription(Parser &parser, SDPMediaDesc &desc) {
             return attributesInto<&SDPMediaDesc::pstAttrList>(parser, desc,
                                                               Check::MediaAttributesAlloc);
         }
-        const Step *const following = stepOf(next, step + 1);
+        const MediaStep *const following = stepOf(next, step + 1);
         if (following == nullptr) {
             return parser.refuse(step->unexpected, next);
         }

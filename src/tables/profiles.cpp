@@ -76,7 +76,7 @@ namespace {
 
 constexpr uint32_t kProfiles = 35;
 
-constexpr PerfectHash<kProfiles> kNames([] {
+constexpr PerfectHash<kProfiles> kProfileNames([] {
     std::array<std::string_view, kProfiles> names;
     for (uint32_t row = 0; row < kProfiles; ++row) {
         names[row] = {g_aStrRtpmapProfiles[row].pcData, g_aStrRtpmapProfiles[row].ulLen};
@@ -87,7 +87,7 @@ constexpr PerfectHash<kProfiles> kNames([] {
 } // namespace
 
 uint32_t lastProfile(std::string_view name) {
-    const size_t row = kNames.lastRow(name);
+    const size_t row = kProfileNames.lastRow(name);
     return row < kProfiles ? static_cast<uint32_t>(row) + 1 : 0;
 }
 

@@ -33,7 +33,15 @@ done
 # checked copies of the C library never show in the files: the commands tell.
 compiled=$(grep -E '"command":.* -c [^"]*/(src|cli)/[^"]*\.cpp"' "$commands" || true)
 [ "$(wc -l <<<"$compiled")" -ge 30 ] || complain "$commands lists too few sources"
-for option in -D_FORTIFY_SOURCE=2 -fstack-protector-strong -O; do
+options=(-D_FORTIFY_SOURCE=3 -fstack-protector-strong -O)
+if [ "$(uname -m)" = x86_64 ]; then
+  options+=(-fcf-protection)
+  # A function that is called through a pointer says so in its first instruction.
+  first=$(objdump -d --no-show-raw-insn --disassemble=SdpLibDecodeSdp "$1" |
+    awk '/<SdpLibDecodeSdp>:/ { getline; print $2; exit }')
+  [ "$first" = endbr64 ] || complain "$1: SdpLibDecodeSdp begins with '$first', not endbr64"
+fi
+for option in "${options[@]}"; do
   without=$(grep -vcF -e " $option" <<<"$compiled" || true)
   [ "$without" -eq 0 ] || complain "$without sources are compiled without $option"
 done

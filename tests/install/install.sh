@@ -19,6 +19,11 @@ look() { # PREFIX
   for header in "$1"/include/sdpline/*.h; do
     "$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I"$1/include" -x c "$header"
   done
+  # One sentence for a compiler that is too old, instead of a page of what it stumbles over.
+  local said
+  said=$("$cxx" -std=c++17 -fsyntax-only -I"$1/include" -x c++ "$1/include/sdpline/sdpline.hpp" 2>&1 |
+    grep 'error:' || true)
+  [[ $(wc -l <<<"$said") -eq 1 && $said = *"needs C++20"* ]] || fail "sdpline.hpp under C++17: $said"
   diff <(cd "$source/include" && find sdpline -type f | sort) \
     <(cd "$1/include" && find sdpline -type f | sort)
   if grep -rIlF -e "$source" -e "$build" -e "$work" "$1"; then
@@ -44,12 +49,35 @@ cmake --build "$work/build" -j2 >/dev/null
 cmake --install "$work/build" --prefix "$work/static" >/dev/null
 "$consumers" "$source/examples" "$work/static" "$work/consumers" "$cc" "$cxx" --static
 
+# The archive keeps the lexer's short names to itself when it is told so, and a program with functions
+# of the same names links with it.
+own_names() {
+  "$cc" -std=c11 -I"$work/static/include" "$source/tests/link/own_names.c" \
+    "$(find "$work/static" -name libsdpline.a)" "$(find "$work/static" -name libsipcore.a)" \
+    -o "$work/own_names" 2>"$work/own_names.log"
+}
+mark() { nm "$(find "$work/static" -name libsdpline.a)" 2>&1 | awk '$3 == "mark" { print $2 }' | sort -u; }
+[[ $(mark) = *T* ]] || fail "sdpinternals.h declares names that the archive does not have"
+cmake -DSDPLINE_LOCAL_NAMES=ON "$work/build" >/dev/null
+cmake --build "$work/build" >/dev/null
+cmake --install "$work/build" --prefix "$work/static" >/dev/null
+[ "$(mark)" = t ] || fail "SDPLINE_LOCAL_NAMES leaves mark for everybody"
+own_names || fail "own_names does not link: $(cat "$work/own_names.log")"
+"$work/own_names"
+"$consumers" "$source/examples" "$work/static" "$work/consumers" "$cc" "$cxx" --static
+
+# The name that programs ask for is the beginning of the file's.
+while read -r library; do
+  soname=$(objdump -p "$library" | awk '$1 == "SONAME" { print $2 }')
+  [[ ${library##*/} = "$soname".* ]] || fail "${library##*/} is asked for as $soname"
+done < <(find "$work/moved" -type f -name 'lib*.so.*')
+
 # A project that knows no C++ links the static libraries as well.
 mkdir "$work/plain"
 cat >"$work/plain/CMakeLists.txt" <<TEXT
 cmake_minimum_required(VERSION 3.25)
 project(plain LANGUAGES C)
-find_package(sdpline 0.1 CONFIG REQUIRED)
+find_package(sdpline 1.0 CONFIG REQUIRED)
 add_executable(answer $source/examples/answer.c)
 target_link_libraries(answer PRIVATE sdpline::negotiate)
 TEXT

@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# A project that takes these sources as a part of its own: what it decides is left to it.
+# usage: subproject.sh SOURCE_DIR CC CXX
+set -euo pipefail
+source=$1 cc=$2 cxx=$3
+work=$(cd "$(mktemp -d)" && pwd -P)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+  echo "subproject: $*" >&2
+  exit 1
+}
+
+mkdir "$work/parent"
+cat >"$work/parent/CMakeLists.txt" <<TEXT
+cmake_minimum_required(VERSION 3.25)
+project(parent LANGUAGES C CXX)
+set(before "\${CMAKE_BUILD_TYPE}|\${CMAKE_CXX_STANDARD}|\${CMAKE_CXX_VISIBILITY_PRESET}")
+add_subdirectory($source sdpline)
+set(after "\${CMAKE_BUILD_TYPE}|\${CMAKE_CXX_STANDARD}|\${CMAKE_CXX_VISIBILITY_PRESET}")
+if(NOT before STREQUAL after)
+  message(FATAL_ERROR "settings were \${before} and are \${after}")
+endif()
+get_cmake_property(variables VARIABLES)
+get_cmake_property(cached CACHE_VARIABLES)
+foreach(variable IN LISTS variables cached)
+  if(variable MATCHES "^CPACK_")
+    message(FATAL_ERROR "\${variable} is set")
+  endif()
+endforeach()
+add_executable(answer $source/examples/answer.c)
+target_link_libraries(answer PRIVATE sdpline::sdpline)
+TEXT
+configure() { # BUILD OPTION...
+  local build=$1
+  shift
+  cmake -S "$work/parent" -B "$work/$build" -G Ninja -DCMAKE_C_COMPILER="$cc" \
+    -DCMAKE_CXX_COMPILER="$cxx" "$@" >/dev/null || fail "$build does not configure"
+}
+flags() { ninja -C "$work/$1" -t commands sdpline | grep -F ' -c '; } # BUILD
+installed() { # BUILD
+  cmake --install "$work/$1" --prefix "$work/$1.prefix" >/dev/null || fail "$1 does not install"
+  find "$work/$1.prefix" -type f 2>/dev/null | wc -l
+}
+
+# Static, in units of many sources, with the parent's level of checked copies, and installed
+# because the parent says so.
+configure static -DBUILD_SHARED_LIBS=OFF -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
+  -DSDPLINE_INSTALL=ON -DCMAKE_CXX_FLAGS="-O1 -D_FORTIFY_SOURCE=1"
+# A warning is for whoever develops the library to mend, not for whoever builds it.
+flags static | grep -q -e -Werror && fail "warnings are errors"
+flags static | grep -q -e -D_FORTIFY_SOURCE=3 && fail "the level of checked copies is not the parent's"
+cmake --build "$work/static" >"$work/log" || fail "$(grep -m 5 -E 'error|FAILED' "$work/log")"
+"$work/static/answer" <"$source/examples/offer.sdp" | tr -d '\r' | diff "$source/examples/answer.sdp" -
+[ -e "$work/static/sdpline/src/libsdpline.a" ] || fail "BUILD_SHARED_LIBS=OFF gives no archive"
+[ "$(installed static)" -gt 20 ] || fail "SDPLINE_INSTALL=ON installs too little"
+[ -e "$(find "$work/static.prefix" -name libsdpline.a)" ] || fail "libsdpline.a is not installed"
+
+configure shared -DBUILD_SHARED_LIBS=ON
+ninja -C "$work/shared" -t targets all | grep -q 'libsdpline\.so' ||
+  fail "BUILD_SHARED_LIBS=ON gives no shared library"
+ninja -C "$work/shared" -t targets all | grep -q '^sdpline_program' && fail "the program is built"
+configure plain
+[ "$(installed plain)" -eq 0 ] || fail "files are installed that nobody asked for"
+echo "subproject: what the parent decides is left to it"
