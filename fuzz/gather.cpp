@@ -27,7 +27,8 @@ std::string take(SipString &text) {
     return bytes;
 }
 
-// ---- What the parsers do, on the model. They switch the context first, whatever comes of it.
+// ---- What the parsers do, on the model. Where nothing else is tested before, they switch the
+// context first, whatever comes of it.
 
 bool take(LexerModel &model, uint32_t kind, uint32_t context) {
     model.context = context;
@@ -64,7 +65,8 @@ bool takeNumber(LexerModel &model, uint32_t &value) {
 // ":" payload SP name "/" clock-rate [ "/" channels ] LF
 bool takeRtpmap(LexerModel &model, SDPRtpMapAttr &numbers, std::string &name) {
     if (!take(model, SDP_TOK_COLON, SDP_LEXCTX_ALNUM) ||
-        !takeNumber(model, numbers.ulPayloadType) || !take(model, SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
+        !takeNumber(model, numbers.ulPayloadType) || model.kind != SDP_TOK_SPACE ||
+        !take(model, SDP_TOK_SPACE, SDP_LEXCTX_CHAR)) {
         return false;
     }
     const auto gathered = model.gatherToSlash(kMaxName);

@@ -71,6 +71,7 @@ origin.sdp:2:31: error: unexpected text after the address; found a space [Origin
     2 | o=user1 1 1 IN IP4 198.18.0.1 
       |                              ^
   hint: the line is o=USER SESSION-ID VERSION IN IP4 ADDRESS
+origin.sdp:1: note: tidy makes it acceptable: TrailingSpace
 checked 1 body in 1 file: 1 refused
 TEXT
 sed -i '1s/:31:/:29:/' refused

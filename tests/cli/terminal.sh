@@ -11,7 +11,7 @@ export TERM=xterm
 onTerminal() { script -qec "$*" /dev/null | tr -d '\r'; }
 
 printf 'v=0\no=- 1 2 IN IP4 x\ns=-\nf=1\n' >f.sdp
-printf '\033[1mf.sdp:4:1: \033[0m\033[1;31merror: \033[0m\033[1munexpected line after the s= line; found "f="\033[0m [AfterName]\n    4 | f=1\n      | \033[1;32m^\033[0m\n  hint: the lines of a session come in the order v= o= s= i= u= e= p= c= b= t= r= z= k= a= m=\nchecked 1 body in 1 file: 1 refused\n' >coloured
+printf '\033[1mf.sdp:4:1: \033[0m\033[1;31merror: \033[0m\033[1munexpected line after the s= line; found "f="\033[0m [AfterName]\n    4 | f=1\n      | \033[1;32m^\033[0m\n  hint: the lines of a session come in the order v= o= s= i= u= e= p= c= b= t= r= z= k= a= m=\nf.sdp:1: note: tidy makes it acceptable: LineUnknown, TimeMissing\nchecked 1 body in 1 file: 1 refused\n' >coloured
 sed 's/\x1b\[[0-9;]*m//g' coloured >plain
 expect "colour on a terminal" 1 coloured nothing -- onTerminal "$program check f.sdp"
 expect "none with NO_COLOR" 1 plain nothing -- onTerminal "NO_COLOR=1 $program check f.sdp"

@@ -29,7 +29,7 @@ foreach(variable IN LISTS variables cached)
   endif()
 endforeach()
 add_executable(answer $source/examples/answer.c)
-target_link_libraries(answer PRIVATE sdpline::sdpline)
+target_link_libraries(answer PRIVATE sdpline::negotiate)
 TEXT
 configure() { # BUILD OPTION...
   local build=$1

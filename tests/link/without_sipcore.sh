@@ -21,6 +21,6 @@ for service in SipMmCreateBufMem SipSbCopyChar SipSmStringNCmp memset_s g_gpfnSi
   fi
 done
 "$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror -I"$source/include" -rdynamic \
-  "$source/tests/link/own_services.c" -L"$work/src" -lsdpline -Wl,-rpath,"$work/src" \
+  "$source/tests/link/own_services.c" -L"$work/src" -lsdpline -Wl,-rpath,'$ORIGIN/src' \
   -o "$work/own_services"
 "$work/own_services"

@@ -184,12 +184,17 @@ inline constexpr Rows kRows<Flow> = tables::kDirWords;
 
 } // namespace internal
 
-/* The word that the encoder writes for a code; empty for "other" codes and unknown numbers. */
+/* The word that the encoder writes for a code; empty for "other" codes and unknown numbers. (No
+ * pointer to a row is compared with null: that is no constant expression for gcc with
+ * -fsanitize=undefined.) */
 template <class Code>
 requires(!internal::kRows<Code>.empty()) constexpr std::string_view wordOf(Code code) {
-    const auto *const row =
-        tables::findByCode(internal::kRows<Code>, static_cast<std::uint32_t>(code));
-    return row != nullptr ? row->text : std::string_view();
+    for (const tables::KeywordRow &row : internal::kRows<Code>) {
+        if (row.code == static_cast<std::uint32_t>(code)) {
+            return row.text;
+        }
+    }
+    return {};
 }
 
 /* The name of an attribute without a colon; empty for the types of other names, and for numbers
@@ -241,8 +246,11 @@ public:
     constexpr Keyword() = default;
     constexpr Keyword(Code code) : code_(code), text_(wordOf(code)) {}
     constexpr Keyword(std::string_view text) : code_(Code::Other), text_(text) {
-        if (const auto *const row = tables::findByText(internal::kRows<Code>, text)) {
-            *this = Keyword(Code{row->code});
+        for (const tables::KeywordRow &row : internal::kRows<Code>) {
+            if (row.text == text) {
+                *this = Keyword(Code{row.code});
+                return;
+            }
         }
     }
     constexpr Keyword(const char *text) : Keyword(std::string_view(text)) {}
