@@ -16,7 +16,7 @@ status=0
 
 symbols() { nm -D --defined-only "$1" | awk '{ print $3 }' | LC_ALL=C sort; }
 
-for library in libsdpline libsipcore libsdpline_tidy; do
+for library in libsdpline libsipcore libsdpline_tidy libsdpline_negotiate; do
   case $library in
   libsdpline) folder=src ;;
   libsipcore) folder=src/sipcore ;;

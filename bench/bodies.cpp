@@ -86,7 +86,8 @@ std::string heavyMedia(size_t size) {
 Body mixture() {
     Body body = {"mixture", {}};
     for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
-        if (!current.refused && !current.avpf && current.t38Style == 0 &&
+        if (!current.refused && !current.avpf && !current.family &&
+            current.maxBody == SDP_MAX_BODY && current.t38Style == 0 &&
             current.lineEnd == SDP_LINE_END_CRLF) {
             body.texts.push_back(current.body);
         }

@@ -63,8 +63,10 @@ SDPResult writeTimes(Output &out, const uint32_t *flag, const SDPTimeSet &set) {
             break;
         }
         result = writeTime(out, flag, field);
-        if (result == 0 && field.pstRepeatFieldSet != nullptr) {
-            result = outOfLine<writeRepeats>(out, flag, field.pstRepeatFieldSet);
+        // A member of a packed record, to which no reference is bound.
+        SDPRepeatFieldSet *const repeats = field.pstRepeatFieldSet;
+        if (result == 0 && repeats != nullptr) {
+            result = outOfLine<writeRepeats>(out, flag, repeats);
         }
         if (result == 0) {
             return 0;

@@ -87,8 +87,7 @@ private:
             for (offset = 0; isNul(given_[offset]) || left-- > 0; ++offset) {
             }
         }
-        doubtAt(rule, static_cast<uint32_t>(given_.data() - text_.data() + offset),
-                static_cast<uint32_t>(offset));
+        doubtAt(rule, lineStart() + static_cast<uint32_t>(offset), static_cast<uint32_t>(offset));
     }
 
     void doubtAt(Rule rule, uint32_t offset, uint32_t inLine) {
@@ -115,13 +114,16 @@ private:
         }
     }
 
+    // Where the line begins in the text.
+    uint32_t lineStart() const { return static_cast<uint32_t>(given_.data() - text_.data()); }
+
     // ---- Lines
 
     void readLine() {
         read_ = given_;
         const size_t nul = given_.find('\0');
         if (nul != std::string_view::npos) {
-            doubtAt(Rule::NulInside, static_cast<uint32_t>(given_.data() - text_.data() + nul),
+            doubtAt(Rule::NulInside, lineStart() + static_cast<uint32_t>(nul),
                     static_cast<uint32_t>(nul));
             read_ = withoutNul();
         }
