@@ -36,8 +36,9 @@ for library in "$build"/src/libsdpline.so "$build"/src/sipcore/libsipcore.so; do
   diff <(sed -n "/^$soname /,/^lib/s/^ \(.*\)@Base 1.0.0/\1/p" "$work/control/symbols") \
     <(nm -D --defined-only "$library" | awk '{ print $3 }' | sort) || fail "other symbols than $soname"
 done
+dpkg-deb --contents "$build"/libsdpline-dev_*.deb >"$work/contents"
 for file in examples/answer.c examples/CMakeLists.txt integration.md grammar.md; do
-  dpkg-deb --contents "$build"/libsdpline-dev_*.deb | grep -q "/libsdpline-dev/.*$file" ||
+  grep -q "/libsdpline-dev/.*$file" "$work/contents" ||
     fail "libsdpline-dev has no $file"
 done
 
