@@ -17,7 +17,8 @@ uint64_t mostMemory() {
 // The place of the refusal lies in the text, and its line and column are those of its offset.
 void requirePlaceIn(std::string_view text, const SDPFailure &failure) {
     if (failure.ulLine == 0) {
-        require(text.empty() || text.size() > SdpGetMaxBodySize(), "a text that was read has a place");
+        require(text.empty() || text.size() > SdpGetMaxBodySize(),
+                "a text that was read has a place");
         require(failure.ulColumn == 0 && failure.ulOffset == 0, "without line there is no column");
         return;
     }
@@ -92,7 +93,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     SDPResult result = 0;
     const Body body = fuzz::decode(text, &result);
     littleMemory.check();
-    require(result != 0 || (!text.empty() && text.size() <= SdpGetMaxBodySize()), "a body's length fits");
+    require(result != 0 || (!text.empty() && text.size() <= SdpGetMaxBodySize()),
+            "a body's length fits");
     if (result != 0) {
         requireReason(text, result);
     }

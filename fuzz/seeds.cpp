@@ -82,10 +82,9 @@ struct Target {
 };
 
 constexpr Target kTargets[] = {
-    {"decode", body},      {"roundtrip", body},    {"copies", body},   {"serialize", sized},
-    {"faults", sized},     {"json", body},         {"json", document}, {"message", message},
-    {"tidy", body},
-    {"lexer", operations}, {"gather", gatherings}, {"records", sized},
+    {"decode", body},  {"roundtrip", body},   {"copies", body},       {"serialize", sized},
+    {"faults", sized}, {"json", body},        {"json", document},     {"message", message},
+    {"tidy", body},    {"lexer", operations}, {"gather", gatherings}, {"records", sized},
 };
 
 void write(const std::filesystem::path &path, const std::string &bytes) {

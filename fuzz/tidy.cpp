@@ -1,5 +1,5 @@
-// Any bytes are tidied: a text that decodes stays as it is, what is repaired decodes and stays as it
-// is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes.
+// Any bytes are tidied: a text that decodes stays as it is, what is repaired decodes and stays as
+// it is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes.
 #include <algorithm>
 #include <map>
 #include <string>
@@ -22,7 +22,8 @@ public:
         result_ = operation(&given, &options, &report_);
         require(bytes_.view() == text, "tidying leaves the text as it is");
         require((result_ == 0) == (report_.pstLine != nullptr), "a body, or a reason");
-        require((result_ == 0) == (report_.enOutcome != SDP_TIDY_REFUSED), "the outcome says which");
+        require((result_ == 0) == (report_.enOutcome != SDP_TIDY_REFUSED),
+                "the outcome says which");
     }
     ~Report() { SdpTidyRelease(&report_); }
     Report(const Report &) = delete;
@@ -58,9 +59,8 @@ void requireNoLineLost(std::string_view text, const Report &report) {
     const bool hasLf = text.find('\n') != std::string_view::npos;
     eachLine(text, hasLf ? '\n' : '\r', [&](uint32_t number, const std::string &line) {
         const SDPTidyRow *const rows = report->pstRows;
-        const bool told = std::any_of(rows, rows + report->ulNoOfRows, [=](const SDPTidyRow &row) {
-            return row.ulLine == number;
-        });
+        const bool told = std::any_of(rows, rows + report->ulNoOfRows,
+                                      [=](const SDPTidyRow &row) { return row.ulLine == number; });
         lost[line] += told ? 0 : 1;
     });
     eachLine(report.text(), '\n', [&](uint32_t, const std::string &line) { --lost[line]; });
@@ -105,7 +105,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     fuzz::Input input(data, size);
     fuzz::Configuration::of(input.byte()).apply();
     const uint64_t repairs = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
-    const uint64_t chosen = input.oneIn(4) ? uint64_t{input.number()} << 32 | input.number() : repairs;
+    const uint64_t chosen =
+        input.oneIn(4) ? uint64_t{input.number()} << 32 | input.number() : repairs;
     const std::string_view text = input.rest();
     const fuzz::NothingLeaks nothingLeaks;
     requireTidied(text, chosen & repairs);

@@ -168,7 +168,8 @@ private:
             return tellJson(body, tidied);
         }
         for (const sdpline::Repair repair : tidied.repairs()) {
-            std::cerr << repairText(body, repair, tidied.isRefused() ? "tried" : "repaired") << '\n';
+            std::cerr << repairText(body, repair, tidied.isRefused() ? "tried" : "repaired")
+                      << '\n';
         }
         if (tidied.error()) {
             std::cerr << shortText(body, diagnosticOf(*tidied.error(), body), redactor()) << '\n';
@@ -232,7 +233,7 @@ std::optional<sdpline::TidyRules> rulesOf(const Options &options) {
                   << "\": see sdpline rules\n";
         return std::nullopt;
     }
-    sdpline::TidyRules rules = options.optional ? sdpline::TidyRules::withOptional()
+    sdpline::TidyRules rules = options.optional  ? sdpline::TidyRules::withOptional()
                                : wanted->empty() ? sdpline::TidyRules()
                                                  : sdpline::TidyRules::none();
     for (const uint32_t rule : *wanted) {

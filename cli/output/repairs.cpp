@@ -11,14 +11,10 @@ std::string repairText(const Found &body, const sdpline::Repair &repair, const c
 }
 
 nlohmann::ordered_json jsonOf(const Found &body, const sdpline::Repair &repair) {
-    return {{"rule", repair.rule->pcName},
-            {"line", body.line + repair.line - 1},
-            {"column", repair.column},
-            {"offset", body.offset + repair.offset},
-            {"newLine", repair.newLine},
-            {"wrong", repair.rule->pcWrong},
-            {"done", repair.rule->pcDone},
-            {"reference", repair.rule->pcReference}};
+    return {{"rule", repair.rule->pcName}, {"line", body.line + repair.line - 1},
+            {"column", repair.column},     {"offset", body.offset + repair.offset},
+            {"newLine", repair.newLine},   {"wrong", repair.rule->pcWrong},
+            {"done", repair.rule->pcDone}, {"reference", repair.rule->pcReference}};
 }
 
 std::optional<std::vector<uint32_t>> rulesNamed(const std::vector<std::string> &lists,

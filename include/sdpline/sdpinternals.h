@@ -144,7 +144,8 @@ SDPLINE_API SDPResult sdpSetString(SipString *pstValue, const char *pcText);
 
 /* ---- Parser ---------------------------------------------------------------------------------- */
 
-/* Parses a text of 1 to SdpGetMaxBodySize() bytes into a new body from the allocation hook, null on failure. */
+/* Parses a text of 1 to SdpGetMaxBodySize() bytes into a new body from the allocation hook, null on
+ * failure. */
 SDPLINE_API SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine);
 /* Parses from the lexer's input into a zeroed body. */
 SDPLINE_API SDPResult startSdpParsing(SdpLine *pstLine);

@@ -8,27 +8,28 @@
  *     ... log stReport.pstRows ...
  *     SdpTidyRelease(&stReport);
  *
- * The decoder of sdpline.h stays as strict as it is. This library, libsdpline_tidy, calls it; nothing
- * in libsdpline knows this library.
+ * The decoder of sdpline.h stays as strict as it is. This library, libsdpline_tidy, calls it;
+ * nothing in libsdpline knows this library.
  *
  * Conventions
- *  1. The decoder comes first. A text that it takes is returned as it is, byte for byte, and nothing
- *     else is looked at. Otherwise the repairs of the rules that are wanted are made, all in one
- *     pass, and the repaired text is returned only if the decoder takes it. A text that it refuses
+ *  1. The decoder comes first. A text that it takes is returned as it is, byte for byte, and
+ * nothing else is looked at. Otherwise the repairs of the rules that are wanted are made, all in
+ * one pass, and the repaired text is returned only if the decoder takes it. A text that it refuses
  *     all the same is left alone, and the report holds what was tried. So tidying twice is tidying
  *     once.
  *  2. A rule repairs only what the decoder refuses: a blank at the end of an a=sendrecv line goes,
  *     one at the end of an s= line is text and stays. Lines that need no repair keep their bytes.
- *  3. Every repair is a row of the report: which rule, and where in the text as it was given. A line
- *     that is no longer there has a row of its own.
- *  4. Which rules: those of SDP_TIDY_DEFAULT lose nothing and change nothing that the session means;
- *     those of SDP_TIDY_OPTIONAL guess what was meant; those of SDP_TIDY_BY_NAME replace something
- *     that readers disagree about. See SdpTidyRuleAt.
+ *  3. Every repair is a row of the report: which rule, and where in the text as it was given. A
+ * line that is no longer there has a row of its own.
+ *  4. Which rules: those of SDP_TIDY_DEFAULT lose nothing and change nothing that the session
+ * means; those of SDP_TIDY_OPTIONAL guess what was meant; those of SDP_TIDY_BY_NAME replace
+ * something that readers disagree about. See SdpTidyRuleAt.
  *  5. Never repaired: text before v= other than blanks, a second v=, and a CR inside a line.
  *  6. Time is linear in the text, of which at most SDP_MAX_LONG_BODY bytes are looked at. Memory
- *     comes from the services of sipcore.h: a text that the decoder takes needs none but the body's.
- *  7. Threads, ownership of a body, and the log are as sdpline.h says: a refusal that is repaired is
- *     logged too. SdpTidyText and SdpTidyFindDoubts are decodes.
+ *     comes from the services of sipcore.h: a text that the decoder takes needs none but the
+ * body's.
+ *  7. Threads, ownership of a body, and the log are as sdpline.h says: a refusal that is repaired
+ * is logged too. SdpTidyText and SdpTidyFindDoubts are decodes.
  */
 #ifndef SDPLINE_SDPTIDY_H
 #define SDPLINE_SDPTIDY_H
@@ -39,7 +40,8 @@
 extern "C" {
 #endif
 
-/* ---- Rules ------------------------------------------------------------------------------------ */
+/* ---- Rules ------------------------------------------------------------------------------------
+ */
 
 /* Which set a rule belongs to. */
 enum {
@@ -109,11 +111,11 @@ enum {
 
 /* One rule. All text is static. */
 typedef struct SDPTidyRule {
-    uint32_t enRule;         /* its number */
-    uint32_t enSet;          /* SDP_TIDY_DEFAULT ... SDP_TIDY_DOUBT */
-    const char *pcName;      /* "NameEmpty" */
-    const char *pcWrong;     /* what was wrong: "s= is empty" */
-    const char *pcDone;      /* what was done: "wrote s=-"; of a doubt, what the decoder makes of it */
+    uint32_t enRule;     /* its number */
+    uint32_t enSet;      /* SDP_TIDY_DEFAULT ... SDP_TIDY_DOUBT */
+    const char *pcName;  /* "NameEmpty" */
+    const char *pcWrong; /* what was wrong: "s= is empty" */
+    const char *pcDone;  /* what was done: "wrote s=-"; of a doubt, what the decoder makes of it */
     const char *pcReference; /* the rule that was broken: "RFC 4566 5.3" */
     uint32_t bLoses;         /* 1: a record of the repaired text lacks what the given text said */
     uint32_t bChanges;       /* 1: readers of the repaired text may see another session */
@@ -132,7 +134,8 @@ SDPLINE_API uint64_t SdpTidyRulesOf(uint32_t enSet);
 
 #define SDP_TIDY_BIT(rule) ((uint64_t)1 << (rule))
 
-/* ---- Repairs ---------------------------------------------------------------------------------- */
+/* ---- Repairs ----------------------------------------------------------------------------------
+ */
 
 /* Results of the operations below that are not the decoder's. */
 enum {
@@ -154,8 +157,8 @@ typedef struct SDPTidyOptions {
     const SDPDecodeOptions *pstDecode; /* of the decodes; null: the settings of the process */
 } SDPTidyOptions;
 
-/* One repair, or one doubt. Lines and columns count from 1, offsets from 0, all in bytes of the text
- * as it was given. A line that was missing has the place where it belongs. */
+/* One repair, or one doubt. Lines and columns count from 1, offsets from 0, all in bytes of the
+ * text as it was given. A line that was missing has the place where it belongs. */
 typedef struct SDPTidyRow {
     uint32_t enRule;
     uint32_t ulLine;
@@ -168,34 +171,36 @@ typedef struct SDPTidyRow {
 
 typedef struct SDPTidyReport {
     uint32_t enOutcome;
-    SipString strText;      /* the text that decodes: the caller's own bytes, or the repaired ones;
-                             * of a refused one the caller's */
-    uint32_t ulNoOfRows;    /* what was repaired, or tried, in the order of the text */
-    SDPTidyRow *pstRows;    /* an array; null when there are none */
-    SDPFailure stFailure;   /* why the text was refused as it was given; ulResult 0: it was not */
-    SDPFailure stRemaining; /* of a refused one: why it still is, with its place in the given text */
-    SdpLine *pstLine;       /* the body, null when refused. Whoever takes it over sets this to null */
-    SDPMemCp *pstMemCp;     /* the block of rows and repaired text, null when there is neither */
+    SipString strText;    /* the text that decodes: the caller's own bytes, or the repaired ones;
+                           * of a refused one the caller's */
+    uint32_t ulNoOfRows;  /* what was repaired, or tried, in the order of the text */
+    SDPTidyRow *pstRows;  /* an array; null when there are none */
+    SDPFailure stFailure; /* why the text was refused as it was given; ulResult 0: it was not */
+    SDPFailure
+        stRemaining;    /* of a refused one: why it still is, with its place in the given text */
+    SdpLine *pstLine;   /* the body, null when refused. Whoever takes it over sets this to null */
+    SDPMemCp *pstMemCp; /* the block of rows and repaired text, null when there is neither */
 } SDPTidyReport;
 
 /*
- * Decodes the text, repaired where that is necessary and allowed. Null options: the default rules and
- * the settings of the process. Returns 0 with a body; the decoder's result for what is still wrong
- * with a text that is refused; or SDP_TIDY_ARGUMENT or SDP_TIDY_NO_MEMORY. The report is written in
- * any case that has one, and released by SdpTidyRelease.
+ * Decodes the text, repaired where that is necessary and allowed. Null options: the default rules
+ * and the settings of the process. Returns 0 with a body; the decoder's result for what is still
+ * wrong with a text that is refused; or SDP_TIDY_ARGUMENT or SDP_TIDY_NO_MEMORY. The report is
+ * written in any case that has one, and released by SdpTidyRelease.
  */
 SDPLINE_API SDPResult SdpTidyText(const SipString *pstText, const SDPTidyOptions *pstOptions,
                                   SDPTidyReport *pstReport);
 
 /*
  * Decodes the text as it is and looks for what the decoder takes and other readers read otherwise.
- * The rows of the report are doubts; nothing is repaired. The rules of the options are not looked at.
- * A refused text has no doubts.
+ * The rows of the report are doubts; nothing is repaired. The rules of the options are not looked
+ * at. A refused text has no doubts.
  */
 SDPLINE_API SDPResult SdpTidyFindDoubts(const SipString *pstText, const SDPTidyOptions *pstOptions,
                                         SDPTidyReport *pstReport);
 
-/* Releases what the report holds, its body too, and clears it. A null or cleared one is accepted. */
+/* Releases what the report holds, its body too, and clears it. A null or cleared one is accepted.
+ */
 SDPLINE_API void SdpTidyRelease(SDPTidyReport *pstReport);
 
 #ifdef __cplusplus

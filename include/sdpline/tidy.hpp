@@ -69,7 +69,8 @@ private:
     std::uint64_t bits_;
 };
 
-/* One repair, or one doubt. Lines and columns count from 1, in bytes of the text as it was given. */
+/* One repair, or one doubt. Lines and columns count from 1, in bytes of the text as it was given.
+ */
 struct Repair {
     const SDPTidyRule *rule = nullptr; /* never null; static */
     std::uint32_t line = 0;

@@ -5,7 +5,7 @@
 // A build that counts branches defines it as plain inline: each place a function goes to would
 // count as branches of its own.
 #ifndef SDPLINE_INLINE
-#define SDPLINE_INLINE [[gnu::always_inline]] inline
+#define SDPLINE_INLINE        [[gnu::always_inline]] inline
 #define SDPLINE_INLINE_LAMBDA __attribute__((always_inline))
 #endif
 #ifndef SDPLINE_INLINE_LAMBDA

@@ -1,5 +1,5 @@
-// The a= line (RFC 4566 section 5.13): the space around an attribute's parts, colons and values that
-// are missing. What the decoder asks of a value goes by the attribute's shape.
+// The a= line (RFC 4566 section 5.13): the space around an attribute's parts, colons and values
+// that are missing. What the decoder asks of a value goes by the attribute's shape.
 #include <algorithm>
 
 #include "tidy/fields.hpp"
@@ -228,15 +228,15 @@ struct Registered {
 };
 
 constexpr Registered kRegistered[] = {
-    {"amr", "8000"},       // RFC 4867 8.1
-    {"amr-wb", "16000"},   // RFC 4867 8.2
-    {"ilbc", "8000"},      // RFC 3952 4.1
+    {"amr", "8000"},        // RFC 4867 8.1
+    {"amr-wb", "16000"},    // RFC 4867 8.2
+    {"ilbc", "8000"},       // RFC 3952 4.1
     {"h263-1998", "90000"}, // RFC 4629 8.1
     {"h263-2000", "90000"}, // RFC 4629 8.1
-    {"h264", "90000"},     // RFC 6184 8.1
-    {"h265", "90000"},     // RFC 7798 7.1
-    {"vp8", "90000"},      // RFC 7741 6.1
-    {"vp9", "90000"},      // RFC 9628 6.1
+    {"h264", "90000"},      // RFC 6184 8.1
+    {"h265", "90000"},      // RFC 7798 7.1
+    {"vp8", "90000"},       // RFC 7741 6.1
+    {"vp9", "90000"},       // RFC 9628 6.1
 };
 
 constexpr uint16_t kProfiles = 35;

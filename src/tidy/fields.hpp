@@ -17,7 +17,8 @@ public:
     std::string_view operator[](uint32_t index) const {
         return index < count_ ? items_[index] : std::string_view();
     }
-    // Where the field was in the line as it was given; a field put in has the place of the next one.
+    // Where the field was in the line as it was given; a field put in has the place of the next
+    // one.
     const char *place(uint32_t index) const { return places_[index]; }
 
     void set(uint32_t index, std::string_view text) {
@@ -31,7 +32,8 @@ public:
     // White space at the start, null where there is none.
     const char *leading() const { return leading_; }
     bool hasTrailing() const { return trailing_ != nullptr; }
-    // White space that is no fault of this line's kind is left as it is: one blank is written for it.
+    // White space that is no fault of this line's kind is left as it is: one blank is written for
+    // it.
     void keepTrailing() { trailing_ = nullptr; }
 
     // Whether the rules want all white space repaired that has to be.

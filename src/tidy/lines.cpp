@@ -77,7 +77,8 @@ uint32_t countLines(std::string_view text, char breaks) {
 
 class Reader {
 public:
-    Reader(Workspace &work, char breaks) : work_(work), cutter_(work.text, breaks), breaks_(breaks) {}
+    Reader(Workspace &work, char breaks)
+        : work_(work), cutter_(work.text, breaks), breaks_(breaks) {}
 
     void read() {
         bool begun = false;

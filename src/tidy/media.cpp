@@ -44,7 +44,8 @@ public:
         if (count_ == kBeforeFormats && addFormats()) {
             return;
         }
-        // A blank after the last payload is no fault, nor is one after the protocol without payloads.
+        // A blank after the last payload is no fault, nor is one after the protocol without
+        // payloads.
         const bool listed = count_ > kBeforeFormats;
         const bool faulty = rtp_ ? trailing_.size() > 1 || trailing_ == "\t" : !trailing_.empty();
         const Rule rule = rtp_ && !listed ? Rule::SpaceRun : Rule::TrailingSpace;

@@ -89,9 +89,7 @@ public:
     }
 
 private:
-    uint8_t rankOf(char key) const {
-        return static_cast<uint8_t>(order_.find(key));
-    }
+    uint8_t rankOf(char key) const { return static_cast<uint8_t>(order_.find(key)); }
 
     // Of two lines of a kind that comes once: true when the later one goes.
     bool isLeftOut(Line &first, Line &later) {

@@ -53,8 +53,8 @@ constexpr bool isHostName(std::string_view word) {
     return letter;
 }
 
-// Under IP6 the decoder takes names of letters, digits and dots for an address that it reads what it
-// can of.
+// Under IP6 the decoder takes names of letters, digits and dots for an address that it reads what
+// it can of.
 constexpr bool isRefusedHost(std::string_view word, std::string_view type) {
     return isHostName(word) &&
            (type == kIp4 || word.find('-') != std::string_view::npos || word.ends_with('.'));
@@ -114,8 +114,8 @@ private:
     uint32_t net_;
 };
 
-// A number of ten digits at most that depends on all of the text, so that equal texts stay equal and
-// others stay different.
+// A number of ten digits at most that depends on all of the text, so that equal texts stay equal
+// and others stay different.
 std::string_view numberFor(Workspace &work, std::string_view text) {
     uint32_t value = 2166136261u;
     for (const char byte : text) {

@@ -116,11 +116,12 @@ SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure 
             continue;
         }
         const Line &given = work.lines[line->number - 1];
-        const bool same = line->text.data() == line->original.data() && line->text.data() != nullptr;
+        const bool same =
+            line->text.data() == line->original.data() && line->text.data() != nullptr;
         failure.ulLine = line->number;
         failure.ulColumn = same ? failure.ulColumn : 1;
-        failure.ulOffset = static_cast<uint32_t>(given.original.data() - work.text.data()) +
-                           failure.ulColumn - 1;
+        failure.ulOffset =
+            static_cast<uint32_t>(given.original.data() - work.text.data()) + failure.ulColumn - 1;
         return failure;
     }
     failure.ulColumn = failure.ulLine = 0; // after the last line

@@ -29,7 +29,8 @@ void Workspace::report(Rule rule, const Line &line, const char *at) {
 Line *Workspace::newLine(std::string_view content, const Line &before) {
     auto *const line = memory.array<Line>(1);
     if (line != nullptr) {
-        *line = {content, {}, lineEnd, nullptr, nullptr, before.number, 0, content.front(), 0, true};
+        *line = {content,       {}, lineEnd,         nullptr, nullptr,
+                 before.number, 0,  content.front(), 0,       true};
     }
     return line;
 }

@@ -16,7 +16,7 @@ struct Line {
     std::string_view original; // as it was given; empty for a line that was put in
     std::string_view end;      // CR LF, LF, or nothing where the text ends
     Line *next;
-    Line *extra;     // a line put in beside this one, null for none
+    Line *extra;        // a line put in beside this one, null for none
     uint32_t number;    // of the given text, from 1; of a line put in, that of the line it precedes
     uint32_t newNumber; // of the repaired text, from 1; 0: not written
     char key;           // the letter before "=", 0 for a line without
@@ -109,8 +109,8 @@ public:
 
     Memory memory;
     const std::string_view text;
-    std::string_view tail;              // what follows the first empty line, that line included
-    std::string_view lineEnd = "\r\n";  // of lines that are put in
+    std::string_view tail;             // what follows the first empty line, that line included
+    std::string_view lineEnd = "\r\n"; // of lines that are put in
     Line *lines = nullptr;
     uint32_t lineCount = 0;
 

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "sdpline/sdpline.h"
-#include "support/cases.hpp"
 #include "support/bodylines.hpp"
+#include "support/cases.hpp"
 
 namespace support {
 

@@ -91,9 +91,19 @@ public:
         for (std::string line; next(line);) {
             if (line.starts_with("## ")) {
                 finish();
-                cases_.push_back(
-                    {name_, at_, line.substr(3), {}, {}, {}, {}, {}, false, false, SDP_MAX_BODY, 0,
-                     SDP_LINE_END_CRLF});
+                cases_.push_back({name_,
+                                  at_,
+                                  line.substr(3),
+                                  {},
+                                  {},
+                                  {},
+                                  {},
+                                  {},
+                                  false,
+                                  false,
+                                  SDP_MAX_BODY,
+                                  0,
+                                  SDP_LINE_END_CRLF});
             } else if (line.starts_with("```")) {
                 take(line.substr(3));
             }

@@ -1,5 +1,5 @@
-// Runs every case of tests/cases/tidy: the report, the text after it, what must hold of any text, and
-// all of it again with each allocation failing in turn.
+// Runs every case of tests/cases/tidy: the report, the text after it, what must hold of any text,
+// and all of it again with each allocation failing in turn.
 #include <gtest/gtest.h>
 
 #include "support/allocations.hpp"
@@ -109,7 +109,8 @@ std::string testName(const std::string &title) {
 const bool registered = [] {
     static const std::vector<TidyCase> cases = tidytest::readTidyCases();
     for (const TidyCase &current : cases) {
-        const std::string suite = "TidyCases_" + testName(current.file.substr(0, current.file.find('.')));
+        const std::string suite =
+            "TidyCases_" + testName(current.file.substr(0, current.file.find('.')));
         testing::RegisterTest(suite.c_str(), testName(current.title).c_str(), nullptr, nullptr,
                               current.file.c_str(), current.at,
                               [&current]() -> TidyCaseTest * { return new TidyCaseTest(current); });

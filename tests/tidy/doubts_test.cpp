@@ -44,8 +44,8 @@ TEST(Doubts, OfEveryCaseAreThosePlainlyFound) {
 std::string doubtful(std::mt19937 &engine) {
     Chance chance(engine);
     std::string text = support::generateBody(engine);
-    const char *const lines[] = {"\na=sendonly", "\na=inactive", "\nt=1 2", "\na=framerate:29.97",
-                                 "\na=framerate:25.0", "\n a=ptime:20"};
+    const char *const lines[] = {"\na=sendonly",        "\na=inactive",       "\nt=1 2",
+                                 "\na=framerate:29.97", "\na=framerate:25.0", "\n a=ptime:20"};
     for (uint32_t i = chance.below(6); i > 0; --i) {
         const size_t at = chance.below(text.size());
         switch (chance.below(4)) {

@@ -64,7 +64,8 @@ public:
             }
         }
         if (afterEnd_) {
-            out_ += std::to_string(afterLine_) + ':' + std::to_string(afterColumn_) + " LinesAfterEnd\n";
+            out_ += std::to_string(afterLine_) + ':' + std::to_string(afterColumn_) +
+                    " LinesAfterEnd\n";
         }
         return out_;
     }

@@ -1,5 +1,5 @@
-// Doubts found in the plainest way: the description as strings, one question after another. What the
-// library finds in one pass is compared with this.
+// Doubts found in the plainest way: the description as strings, one question after another. What
+// the library finds in one pass is compared with this.
 #pragma once
 
 #include <string>

@@ -32,9 +32,23 @@ TEST(TidyProperty, AcceptedTextIsReturnedByteForByte) {
 std::string untidy(std::mt19937 &engine) {
     Chance chance(engine);
     std::string text = support::generateBody(engine);
-    const char *const pieces[] = {" ",  "  ",    "\t",      "\n",    "\r\n\r\n", "a=x:\n", "s=\n",
-                                  "=",  "b=x\n", "c=IN IP4 host.example.com\n",  "y=1\n",  "t=0 0\n",
-                                  "\r", ":",     "i=x\r\n", "v=0\n", "a=rtpmap: 0 PCMU\n"};
+    const char *const pieces[] = {" ",
+                                  "  ",
+                                  "\t",
+                                  "\n",
+                                  "\r\n\r\n",
+                                  "a=x:\n",
+                                  "s=\n",
+                                  "=",
+                                  "b=x\n",
+                                  "c=IN IP4 host.example.com\n",
+                                  "y=1\n",
+                                  "t=0 0\n",
+                                  "\r",
+                                  ":",
+                                  "i=x\r\n",
+                                  "v=0\n",
+                                  "a=rtpmap: 0 PCMU\n"};
     for (uint32_t i = 1 + chance.below(4); i > 0 && !text.empty(); --i) {
         const size_t at = chance.below(text.size());
         const size_t lineEnd = text.find('\n', at);
@@ -77,7 +91,8 @@ TEST(TidyProperty, HoldsForUntidyBodies) {
         repaired += tidied.outcome == SDP_TIDY_REPAIRED ? 1 : 0;
         if (HasFailure()) {
             ADD_FAILURE() << support::readable(text) << "\n---- repaired\n"
-                          << support::readable(tidied.text) << "\n----\n" << tidied.report();
+                          << support::readable(tidied.text) << "\n----\n"
+                          << tidied.report();
         }
     }
     EXPECT_GT(repaired, 300u) << "enough of them could be repaired";
@@ -94,7 +109,8 @@ TEST(TidyProperty, HoldsForDamagedBodies) {
         tidytest::expectProperties(text, tidied, kAll, tidytest::kStrict);
         if (HasFailure()) {
             ADD_FAILURE() << support::readable(text) << "\n---- repaired\n"
-                          << support::readable(tidied.text) << "\n----\n" << tidied.report();
+                          << support::readable(tidied.text) << "\n----\n"
+                          << tidied.report();
         }
     }
 }

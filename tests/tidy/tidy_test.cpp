@@ -71,7 +71,8 @@ TEST(TidyText, RefusesWhatIsNoText) {
     const SipString none = {1, nullptr};
     SDPTidyReport report;
     for (const auto operation : {SdpTidyText, SdpTidyFindDoubts}) {
-        for (const SipString *const text : {static_cast<const SipString *>(nullptr), &empty, &none}) {
+        for (const SipString *const text :
+             {static_cast<const SipString *>(nullptr), &empty, &none}) {
             EXPECT_EQ(operation(text, nullptr, &report), static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
             EXPECT_EQ(report.enOutcome, static_cast<uint32_t>(SDP_TIDY_REFUSED));
             EXPECT_EQ(report.pstLine, nullptr);
@@ -200,8 +201,8 @@ TEST(TidyNever, IsASecondVersion) {
 }
 
 TEST(TidyNever, IsACrInsideALine) {
-    for (const std::string line : {"m=audio 5 RTP/AVP\r0\r\n", "m=audio 5 RTP/AVP 0\r\r\n",
-                                   "c=IN IP4\r192.0.2.1\r\n"}) {
+    for (const std::string line :
+         {"m=audio 5 RTP/AVP\r0\r\n", "m=audio 5 RTP/AVP 0\r\r\n", "c=IN IP4\r192.0.2.1\r\n"}) {
         const Tidied refused = tidied(kHead + line, kAll);
         EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED)) << line;
     }
@@ -211,10 +212,11 @@ TEST(TidyNever, IsACrInsideALine) {
 
 // Twice the text costs twice the requests, whatever has to be repaired.
 TEST(TidyCost, IsLinear) {
-    const std::string lines[] = {"a=x:\r\n",    "a=ptime: 20 \r\n", "\r\n",
-                                 "y=1\r\n",     "b=x\r\n",          "c=IN IP4 h.example\r\n",
-                                 "i=x\r\n",     "m=a 1 b \r\n",     "t=0 0\r\n",
-                                 "a=rtpmap:0 PCMU\r\nm=audio 5 RTP/AVP\r\n"};
+    const std::string lines[] = {"a=x:\r\n",  "a=ptime: 20 \r\n",
+                                 "\r\n",      "y=1\r\n",
+                                 "b=x\r\n",   "c=IN IP4 h.example\r\n",
+                                 "i=x\r\n",   "m=a 1 b \r\n",
+                                 "t=0 0\r\n", "a=rtpmap:0 PCMU\r\nm=audio 5 RTP/AVP\r\n"};
     const SDPDecodeOptions options = {1, SDP_MAX_LONG_BODY};
     for (const std::string &line : lines) {
         uint32_t requests[2] = {};

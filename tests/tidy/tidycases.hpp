@@ -1,5 +1,5 @@
-// Case documents of repairs and doubts: Markdown files in tests/cases/tidy, one case below each "##"
-// heading.
+// Case documents of repairs and doubts: Markdown files in tests/cases/tidy, one case below each
+// "##" heading.
 //
 //     ## An empty session name
 //     Why it is so.
