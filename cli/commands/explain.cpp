@@ -41,7 +41,7 @@ std::vector<uint32_t> numbersOf(std::string_view text) {
         }
     }
     if (numbers.size() == 2 && text.starts_with('0')) {
-        std::swap(numbers[0], numbers[1]); // nobody writes decimals so
+        std::swap(numbers[0], numbers[1]); // no decimal number begins with a zero
     }
     return numbers;
 }

@@ -168,7 +168,7 @@ size_t BodyFinder::takePlain(std::string_view text, bool last, Bodies &found) {
     return empty.next;
 }
 
-// What follows a body: another one, messages, or text that nobody reads.
+// What follows a body: another one, messages, or text that is not read.
 size_t BodyFinder::skipToBody(std::string_view text, bool last, Bodies &found) {
     for (size_t at = 0; at < text.size();) {
         const LinePlace place = lineAt(text, at);

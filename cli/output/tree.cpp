@@ -248,7 +248,7 @@ void writeAttributes(Writer &out, const SDPAttrList *list) {
     }
 }
 
-// What a payload number of the media description stands for: its own a=rtpmap line, or RFC 3551.
+// The encoding of a payload number of the media description: its own a=rtpmap line, or RFC 3551.
 std::string payloadName(uint32_t payload, const SDPAttrList *list) {
     for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
         const SDPAttr &attr = *list->ppstAttrs[i];

@@ -108,7 +108,7 @@ void LineMasks::line(char key, size_t from) {
     }
 }
 
-// o=alice 1 2 IN IP4 192.0.2.1; lines that were refused may lack a word. "-" is nobody.
+// o=alice 1 2 IN IP4 192.0.2.1; lines that were refused may lack a word. "-" names no user.
 void LineMasks::origin(size_t from) {
     const std::vector<Word> words = wordsFrom(from);
     for (size_t i = 0; i < words.size(); ++i) {

@@ -71,7 +71,7 @@ std::optional<std::string> Masks::known(std::string_view word) const {
     return found != words_.end() ? std::optional(found->second) : std::nullopt;
 }
 
-// Masks of 198.18.0.0/15, the block for benchmarks (RFC 2544). 0.0.0.0 belongs to nobody.
+// Masks of 198.18.0.0/15, the block for benchmarks (RFC 2544). 0.0.0.0 identifies no host.
 std::string Masks::ipv4(const std::array<uint8_t, 4> &address) {
     if (address == std::array<uint8_t, 4>{}) {
         return "0.0.0.0";
@@ -81,7 +81,7 @@ std::string Masks::ipv4(const std::array<uint8_t, 4> &address) {
            std::to_string(n & 255);
 }
 
-// Masks of 2001:db8::/32, the prefix for documentation (RFC 3849). "::" belongs to nobody.
+// Masks of 2001:db8::/32, the prefix for documentation (RFC 3849). "::" identifies no host.
 std::string Masks::ipv6(const std::array<uint8_t, 16> &address) {
     if (address == std::array<uint8_t, 16>{}) {
         return "::";

@@ -96,7 +96,7 @@ bool isPairs(std::string_view text) {
     return true;
 }
 
-// A word that nobody made up: letters in both cases and digits, or many hexadecimal digits.
+// A word that looks random: letters in both cases and digits, or many hexadecimal digits.
 bool isRandom(std::string_view text) {
     if (text.size() < kShortestRandom) {
         return false;

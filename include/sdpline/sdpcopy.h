@@ -37,7 +37,7 @@ SDPLINE_API SDPResult SdpCloneLine(SDPMemCp *pstMemCp, uint32_t enLineType, cons
  * others pointers and counts do, and plain numbers stay. */
 SDPLINE_API SDPResult SdpClearLine(SDPMemCp *pstMemCp, uint32_t enLineType, void *pValue);
 
-/* Clears **ppValue, gives the record itself back and nulls *ppValue. Answers what pfnFree answers,
+/* Clears **ppValue, gives the record itself back and nulls *ppValue. Returns what pfnFree returns,
  * and 0 for a null *ppValue. */
 SDPLINE_API SDPResult SdpFreeLine(SDPMemCp *pstMemCp, uint32_t enLineType, void **ppValue);
 

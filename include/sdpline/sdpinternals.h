@@ -109,7 +109,7 @@ SDPLINE_API uint32_t nextToken(void);
 SDPLINE_API void mark(void);
 /* Advances to the next token; does nothing once the end token has been reached. */
 SDPLINE_API void consume(void);
-/* Reads the first token and answers its kind; without input a failure code. */
+/* Reads the first token and returns its kind; without input a failure code. */
 SDPLINE_API uint32_t startTracking(void);
 /* 1 and advances when the current kind is enKind, else 0. */
 SDPLINE_API uint32_t sdp_match(uint32_t enKind);
@@ -318,7 +318,7 @@ SDPLINE_API SDPResult sdpLibEncodeMediaFmtType(SDPMediaField *pstField, SipStrin
 SDPLINE_API uint32_t SdpLibChkExactString(const char *pcFirst, const char *pcSecond);
 /* 1 when both texts are equal but for the case of ASCII letters, else 0. */
 SDPLINE_API uint32_t SdpiCmpExactString(const char *pcFirst, const char *pcSecond);
-/* Reads the leading decimal digits: answers how many, stores their value modulo 2^32, 0 for none.
+/* Reads the leading decimal digits: returns how many, stores their value modulo 2^32, 0 for none.
  * A null argument is logged and gives 4294967295, the value untouched. */
 SDPLINE_API uint32_t SdpLibScanDigits(const char *pcData, uint32_t *pulValue);
 /* 1 when the first ulCount bytes are equal and the first text has that many. */

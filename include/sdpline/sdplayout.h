@@ -1,7 +1,7 @@
 /*
  * sdplayout.h: the sizes of the records and the offsets of their fields, checked by every compiler
  * that sees sdpline.h. They are part of the binary interface where pointers have 8 bytes; where
- * pointers have 4, the records are smaller and are nobody's interface but that build's.
+ * pointers have 4, the records are smaller and are an interface of that build alone.
  */
 #ifndef SDPLINE_SDPLAYOUT_H
 #define SDPLINE_SDPLAYOUT_H

@@ -9,7 +9,7 @@
  *     }
  *
  * Conventions
- *  1. Results. Every operation answers an SDPResult, 0 for success. A failure is composed of
+ *  1. Results. Every operation returns an SDPResult, 0 for success. A failure is composed of
  *
  *         31      24 23            10 9        0
  *        +----------+----------------+----------+
@@ -119,7 +119,7 @@ SDPLINE_API SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine);
  */
 SDPLINE_API SDPResult SdpLibEncodeSdp(SdpLine *pstSdpLine, SipStringBuffer **ppstText);
 
-/* Releases the body's block and nulls *ppstSdpLine; always answers 0. A null argument, a null
+/* Releases the body's block and nulls *ppstSdpLine; always returns 0. A null argument, a null
  * body or one without a block is left alone. */
 SDPLINE_API SDPResult SdpLibReleaseSdp(SdpLine **ppstSdpLine);
 
@@ -240,7 +240,7 @@ SDPLINE_API extern uint32_t g_bSupMedProtoRtpAvpf;
 
 /* Rows 0 to 34, and an empty one; a row is a profile number minus 1. Rows are not checked. */
 SDPLINE_API SipString SdpGetRtpmapProfile(uint16_t usRow);
-/* Appends the row's name; answers what the string buffer answers. */
+/* Appends the row's name; returns what the string buffer returns. */
 SDPLINE_API uint32_t SdpCopyRtpmapProfile(SipStringBuffer *pstBuf, uint16_t usRow);
 /* Clock rate in Hz; 0 for encodings without a fixed one. */
 SDPLINE_API uint32_t SdpGetRtpmapClockRates(uint16_t usRow);

@@ -9,7 +9,7 @@
  *
  * Conventions
  *  1. Functions that return uint32_t answer 0 for success, unless their comment says otherwise.
- *     libsipcore's own failure answers are the SIP_... numbers below; sdpline tests against 0 only.
+ *     libsipcore's own failure results are the SIP_... numbers below; sdpline tests against 0 only.
  *  2. Text is a counted SipString. It is never NUL-terminated and may hold any bytes.
  *  3. A request for zero bytes returns a unique pointer that is not null. libsipcore refuses single
  *     requests above 1 GiB.
@@ -18,7 +18,7 @@
  *  5. Nothing here is locked. Different blocks and different string buffers may be used from
  *     different threads at once; one block or one buffer belongs to one thread at a time.
  *  6. Pointers that a comment does not allow to be null must not be null, unless the service
- *     answers SIP_INVALID_ARGUMENT for them.
+ *     returns SIP_INVALID_ARGUMENT for them.
  */
 #ifndef SDPLINE_SIPCORE_H
 #define SDPLINE_SIPCORE_H
@@ -61,7 +61,7 @@ typedef struct SDPMemCp SDPMemCp;
 struct SDPMemCp {
     void *pService;                                         /* the memory service's own word */
     void *(*pfnAlloc)(SDPMemCp *pstMemCp, uint32_t ulSize); /* null when memory is exhausted */
-    uint32_t (*pfnFree)(void *pMem);                        /* null is accepted, answers 0 */
+    uint32_t (*pfnFree)(void *pMem);                        /* null is accepted, returns 0 */
 };
 
 #pragma pack(pop)
@@ -271,7 +271,7 @@ SIPCORE_API extern uint32_t g_gSipStackFileId;
 
 /* ---- Bounds-checked memory ------------------------------------------------------------------ */
 
-/* 0 on success. A null pointer or a count above the destination's size writes nothing and answers
+/* 0 on success. A null pointer or a count above the destination's size writes nothing and returns
  * a number that is not 0. A count of 0 succeeds whatever the pointers. Source and destination may
  * overlap. */
 SIPCORE_API int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount);

@@ -120,7 +120,7 @@ private:
         StreamWriter(input_, match, pairing_, report_, draft_.media[index], *stream).run();
     }
 
-    // Why a stream can be accepted by nobody.
+    // Why no local body can accept a stream.
     Reason offeredFault(const SDPMediaDesc &offered) const {
         const uint32_t port = offered.stMediaField.ulPort;
         if (port == 0 && !isBundleOnly(input_.offer, offered, input_.local)) {

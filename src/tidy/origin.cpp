@@ -212,7 +212,7 @@ void repairOrigin(Workspace &work, Line &line, std::string_view value) {
         line.text = kOriginLine;
         return;
     }
-    // A blank at the start stands for a user name that is missing.
+    // A blank at the start means that the user name is missing.
     const bool blank = fields.leading() != nullptr;
     if (fields.repairable(work) && Origin(work, line, fields).repair() &&
         (fields.needsWriting() || blank)) {

@@ -15,7 +15,7 @@ namespace {
 constexpr char kHead[] =
     R"(# Every result
 
-What each failing check of the library answers, printed from the table in `src/checks/` by
+What each failing check of the library returns, printed from the table in `src/checks/` by
 `tests/docs/results_table.cpp`; a test compares this file with what that program prints. To write it
 anew from a build in `build/debug`: `build/debug/tests/results_table >docs/results.md`.
 
