@@ -6,6 +6,7 @@
 #include "output/diagnostic.hpp"
 #include "output/everyline.hpp"
 #include "output/jsonlist.hpp"
+#include "output/origin.hpp"
 #include "output/repairs.hpp"
 #include "output/text.hpp"
 
@@ -119,12 +120,12 @@ private:
             print(std::cout, found, diagnostic, redactor, style_);
         }
         if (!judgement.helpful.empty()) {
-            std::cout << found.name << ':' << found.line
+            std::cout << placeName(found, redactor) << ':' << found.line
                       << ": note: tidy makes it acceptable: " << judgement.helpful << '\n';
         }
         for (const sdpline::Repair &doubt : judgement.doubts) {
             progress_->hide();
-            std::cout << repairText(found, doubt, "warning") << '\n';
+            std::cout << repairText(found, doubt, "warning", redactor) << '\n';
         }
     }
 
@@ -137,14 +138,18 @@ private:
         for (const sdpline::Repair &doubt : judgement.doubts) {
             doubts.push_back(cli::jsonOf(found, doubt));
         }
-        return {{"file", found.path},
-                {"line", found.line},
-                {"offset", found.offset},
-                {"size", found.text.size()},
-                {"accepted", judgement.diagnostics.empty()},
-                {"diagnostics", std::move(list)},
-                {"warnings", std::move(doubts)},
-                {"tidy", judgement.helpful.empty() ? Json() : Json(judgement.helpful)}};
+        Json entry = {{"file", found.path},
+                      {"line", found.line},
+                      {"offset", found.offset},
+                      {"size", found.text.size()},
+                      {"accepted", judgement.diagnostics.empty()},
+                      {"diagnostics", std::move(list)},
+                      {"warnings", std::move(doubts)},
+                      {"tidy", judgement.helpful.empty() ? Json() : Json(judgement.helpful)}};
+        if (const Origin origin = originOf(found, redactor); origin.isKnown()) {
+            entry["origin"] = cli::jsonOf(origin);
+        }
+        return entry;
     }
 
     std::vector<sdpline::Repair> doubtsOf(const Found &found) const {

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "output/diagnostic.hpp"
+#include "output/origin.hpp"
 #include "output/repairs.hpp"
 
 namespace cli {
@@ -76,7 +77,7 @@ Redactor *BodyUser::redactorFor(const Found &found) {
     return &redactor;
 }
 
-sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found) const {
+sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found, Redactor *redactor) const {
     if (!tidy_) {
         return sdpline::Body::decode(found.text);
     }
@@ -85,7 +86,8 @@ sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found) const {
         return sdpline::Body::decode(found.text); // too long for any decoder
     }
     for (const sdpline::Repair repair : tidied->repairs()) {
-        std::cerr << repairText(found, repair, tidied->isRefused() ? "tried" : "repaired") << '\n';
+        std::cerr << repairText(found, repair, tidied->isRefused() ? "tried" : "repaired", redactor)
+                  << '\n';
     }
     if (tidied->error()) {
         return *tidied->error();
@@ -95,7 +97,7 @@ sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found) const {
 
 std::optional<sdpline::Body> BodyUser::decoded(const Found &found) {
     Redactor *const redactor = redactorFor(found);
-    sdpline::Result<sdpline::Body> body = decode(found);
+    sdpline::Result<sdpline::Body> body = decode(found, redactor);
     if (!body) {
         std::cerr << shortText(found, diagnosticOf(body.error(), found), redactor) << '\n';
         atLeast(kRefused);
@@ -120,7 +122,8 @@ public:
 
     void body(const Found &found) override {
         std::optional<sdpline::Body> body = decoded(found);
-        const std::string title = "# " + found.name + ':' + std::to_string(found.line);
+        const std::string title =
+            "# " + placeName(found, redactorFor(found)) + ':' + std::to_string(found.line);
         if (several_ || seen_++ > 0) {
             several_ = true;
             useWaiting();

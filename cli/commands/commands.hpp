@@ -93,7 +93,7 @@ protected:
     std::optional<sdpline::Body> decoded(const Found &found);
 
 private:
-    sdpline::Result<sdpline::Body> decode(const Found &found) const;
+    sdpline::Result<sdpline::Body> decode(const Found &found, Redactor *redactor) const;
 
     const bool tidy_;
     const bool redact_;

@@ -168,7 +168,8 @@ private:
             return tellJson(body, tidied);
         }
         for (const sdpline::Repair repair : tidied.repairs()) {
-            std::cerr << repairText(body, repair, tidied.isRefused() ? "tried" : "repaired")
+            std::cerr << repairText(body, repair, tidied.isRefused() ? "tried" : "repaired",
+                                    redactor())
                       << '\n';
         }
         if (tidied.error()) {

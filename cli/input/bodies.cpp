@@ -118,6 +118,7 @@ void BodyFinder::settle(std::string_view text, Bodies &here) {
     for (BodyPlace &body : here.bodies) {
         body.line = lines.lineOf(body.offset);
         body.offset += passed_;
+        body.message += passed_;
         found_ = true;
     }
 }

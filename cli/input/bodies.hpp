@@ -11,7 +11,9 @@ namespace cli {
 struct BodyPlace {
     size_t offset; // in the whole text
     size_t size;
-    size_t line = 0; // that it begins in, from 1
+    size_t line = 0;    // that it begins in, from 1
+    size_t message = 0; // offset of the SIP message that carries it
+    bool carried = false;
 };
 
 // Something that a reader of the text should know.

@@ -57,7 +57,11 @@ private:
         }
         for (const BodyPlace &place : found.bodies) {
             const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
-            user_.body({name_, path_, text, place.offset, place.line});
+            const std::string_view head =
+                place.carried
+                    ? window_.text().substr(place.message - passed_, place.offset - place.message)
+                    : std::string_view();
+            user_.body({name_, path_, text, place.offset, place.line, head, {}});
         }
     }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "input/bodies.hpp"
+#include "input/origin.hpp"
 
 namespace cli {
 
@@ -15,8 +16,10 @@ struct Found {
     std::string name; // of the input, as it may be shown
     std::string path; // as it was given or found
     std::string_view text;
-    size_t offset; // in the input
-    size_t line;   // that the body begins in, from 1
+    size_t offset;              // in the input
+    size_t line;                // that the body begins in, from 1
+    std::string_view head = {}; // the SIP message up to the body; empty for a plain body
+    Packet packet = {};         // that carried it, where the input is a capture
 };
 
 // What a command does with its inputs.

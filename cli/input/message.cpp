@@ -206,7 +206,7 @@ private:
                 problem(Problem::Unusable, at, "the body is encoded as " + headers.encoding);
                 return;
             }
-            found_.bodies.push_back({begin, end - begin});
+            found_.bodies.push_back({begin, end - begin, 0, start_, true});
         } else if (equalsIgnoringCase(type.substr(0, 10), "multipart/")) {
             takeParts(headers, at, begin, end, depth);
         }

@@ -4,6 +4,7 @@
 
 #include "output/escape.hpp"
 #include "output/hints.hpp"
+#include "output/origin.hpp"
 #include "output/text.hpp"
 
 namespace cli {
@@ -46,8 +47,8 @@ LinePart linePartAt(const Found &body, size_t offset, Redactor *redactor) {
     return part;
 }
 
-std::string placeText(const Found &body, const std::optional<LinePart> &part) {
-    return body.name + ':' + std::to_string(part ? part->number : body.line) +
+std::string placeText(const Found &body, const std::optional<LinePart> &part, Redactor *redactor) {
+    return placeName(body, redactor) + ':' + std::to_string(part ? part->number : body.line) +
            (part ? ':' + std::to_string(part->column) : "");
 }
 
@@ -109,8 +110,8 @@ Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body) {
 std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
     const Shown shown = shownOf(body, diagnostic, redactor);
     const bool whole = !diagnostic.offset && body.offset == 0;
-    std::string text = (whole ? body.name : placeText(body, shown.part)) + ": " +
-                       shown.message(diagnostic.sentence);
+    std::string text = (whole ? placeName(body, redactor) : placeText(body, shown.part, redactor)) +
+                       ": " + shown.message(diagnostic.sentence);
     if (const std::optional<sdpline::Error> &error = diagnostic.error) {
         text += " (" + std::string(error->source) + ' ' + std::string(error->function) + ", " +
                 codeText(error->code) + ')';
@@ -121,7 +122,7 @@ std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor 
 void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, Redactor *redactor,
            const Style &style) {
     const Shown shown = shownOf(body, diagnostic, redactor);
-    out << style.bold << placeText(body, shown.part) << ": " << style.reset << style.error
+    out << style.bold << placeText(body, shown.part, redactor) << ": " << style.reset << style.error
         << "error: " << style.reset << style.bold << shown.message(diagnostic.sentence)
         << style.reset << " [" << checkName(diagnostic) << ']'
         << (diagnostic.alone ? " (line judged on its own)" : "") << '\n';

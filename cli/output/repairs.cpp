@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
+#include "output/origin.hpp"
+
 namespace cli {
 
-std::string repairText(const Found &body, const sdpline::Repair &repair, const char *word) {
-    return body.name + ':' + std::to_string(body.line + repair.line - 1) + ':' +
+std::string repairText(const Found &body, const sdpline::Repair &repair, const char *word,
+                       Redactor *redactor) {
+    return placeName(body, redactor) + ':' + std::to_string(body.line + repair.line - 1) + ':' +
            std::to_string(repair.column) + ": " + word + ": " + repair.rule->pcWrong + ": " +
            repair.rule->pcDone + " [" + repair.rule->pcName + ", " + repair.rule->pcReference + ']';
 }

@@ -8,13 +8,15 @@
 #include <nlohmann/json.hpp>
 
 #include "input/input.hpp"
+#include "redact/redact.hpp"
 #include "sdpline/tidy.hpp"
 
 namespace cli {
 
 // "call.sip:9:3: repaired: s= is empty: wrote s=- [NameEmpty, RFC 4566 5.3]", where the word is
-// "repaired", "tried" or "warning".
-std::string repairText(const Found &body, const sdpline::Repair &repair, const char *word);
+// "repaired", "tried" or "warning". A redactor masks the place.
+std::string repairText(const Found &body, const sdpline::Repair &repair, const char *word,
+                       Redactor *redactor);
 
 nlohmann::ordered_json jsonOf(const Found &body, const sdpline::Repair &repair);
 

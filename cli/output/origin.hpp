@@ -1,0 +1,25 @@
+// Where a body comes from, as it may be shown.
+#pragma once
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "input/input.hpp"
+#include "redact/redact.hpp"
+
+namespace cli {
+
+// The packet and the message of a body. A redactor masks addresses, users and the Call-ID as it
+// does in bodies; null shows them as they are.
+Origin originOf(const Found &body, Redactor *redactor);
+
+// "offer.sip", or for a body of a capture
+// "calls.pcap:frame 1041 (10.0.0.1 > 10.0.0.2, INVITE, Call-ID 3c26@host)"
+std::string placeName(const Found &body, Redactor *redactor);
+
+// Members "frame", "time", "source" ... of what is known; the caller leaves it out where
+// isKnown() is false.
+nlohmann::ordered_json jsonOf(const Origin &origin);
+
+} // namespace cli
