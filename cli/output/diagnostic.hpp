@@ -29,13 +29,13 @@ uint32_t tokenOf(const sdpline::Error &error);
 // Of a body that was refused.
 Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body);
 
-// "offer.sdp:4:16: the fourth octet is above 255 (sdpparser sdpConnectionFieldAddrIpv4,
-// 0x05035065)", and what to do about it on a line of its own. A redactor masks what is quoted; null
-// shows it as it is.
+// "offer.sdp:4:16: expected an octet of at most 255; found "256" (sdpparser
+// sdpConnectionFieldAddrIpv4, 0x05035065)", and what to do about it on a line of its own. A
+// redactor masks what is quoted; null shows it as it is.
 std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor);
 
-// "offer.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]", the line and a mark,
-// and what to do about it.
+// "offer.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]", the
+// line and a mark, and what to do about it.
 void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, Redactor *redactor,
            const Style &style);
 

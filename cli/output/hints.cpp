@@ -75,7 +75,6 @@ constexpr auto kHints = std::to_array<Hint>({
     {"After*", always, kSessionOrder},
     {"TextEmpty", isLine<'s'>, "write \"s=-\" for a session without a name"},
     {"TextEmpty", always, "leave the line out where it has no value"},
-    {"TextTooLong", always, "a value has at most 1023 bytes"},
     {"ConnOctet*", hasHostName, "a c= line takes no host name: write the address of the host"},
     {"ConnAddrType", always, "the line is c=IN IP4 ADDRESS or c=IN IP6 ADDRESS"},
     {"ConnNetType", always, "the line is c=IN IP4 ADDRESS or c=IN IP6 ADDRESS"},

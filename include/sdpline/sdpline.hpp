@@ -4,7 +4,7 @@
  *     sdpline::Result<std::string> withoutVideo(std::string_view offer) {
  *         auto body = sdpline::Body::decode(offer);
  *         if (!body) {
- *             return body.error(); // 4:16: the fourth octet is above 255 ...
+ *             return body.error(); // 4:16: expected an octet of at most 255 ...
  *         }
  *         for (const sdpline::MediaEditor media : body->media()) {
  *             const auto direction = sdpline::reversed(body->directionOf(media));

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
@@ -265,6 +266,21 @@ TEST(DescribeResult, KnowsEveryCheckUnderAnyBase) {
             EXPECT_STREQ(text.pcSource, sdpline::sourceName(row.source));
             EXPECT_STREQ(text.pcSentence, row.sentence);
         }
+    }
+}
+
+// A refusal says what was expected, or what was found where it must not be. The others name what a
+// check called: memory, the string buffer, another operation.
+TEST(DescribeResult, SaysWhatWasExpected) {
+    for (const CheckRow &row : sdpline::kChecks) {
+        const std::string_view sentence = row.sentence;
+        const auto holds = [&](std::string_view words) {
+            return sentence.find(words) != std::string_view::npos;
+        };
+        EXPECT_TRUE(sentence.starts_with("expected ") || sentence.starts_with("unexpected ") ||
+                    sentence.starts_with("no memory for ") || holds(" needs ") ||
+                    holds(" cannot be ") || holds(" could not ") || holds(" refused"))
+            << row.name << ": " << sentence;
     }
 }
 

@@ -6,7 +6,7 @@ echo 'checked 1 body in 1 file: none refused' >summary
 expect "a good body" 0 summary nothing -- "$program" check good.sdp
 expect "standard input" 0 summary nothing -- sh -c '"$1" check - <good.sdp' _ "$program"
 cat >refused <<'TEXT'
-bad.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+bad.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
 checked 1 body in 1 file: 1 refused
@@ -16,7 +16,7 @@ sed -i 's/^bad.sdp/standard input/' refused
 expect "a refused body, standard input" 1 refused nothing -- sh -c '"$1" check <bad.sdp' _ "$program"
 printf 'v=0\r\n   o=- 1 \0002 IN IP4 x\r\n s=-\r\n\0 \0c=IN IP4 1.2.3.\000256\r\n' >dropped.sdp
 cat >refused <<'TEXT'
-dropped.sdp:4:20: error: the fourth octet is above 255 [ConnLastOctetRange]
+dropped.sdp:4:20: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | \0 \0c=IN IP4 1.2.3.\0256
       |                       ^
 checked 1 body in 1 file: 1 refused
@@ -42,10 +42,10 @@ cp bad.sdp folder/deeper/c.sdp
 cp bad.sdp folder/.hidden/d.sdp
 cp bad.sdp folder/.e.sdp
 cat >refused <<'TEXT'
-folder/a.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+folder/a.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
-folder/deeper/c.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+folder/deeper/c.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
 checked 4 bodies in 4 files: 2 refused
@@ -65,10 +65,10 @@ mkdir folder/closed && cp bad.sdp folder/closed && chmod 0 folder/closed
 nobody=()
 [ "$(id -u)" -ne 0 ] || nobody=(setpriv --reuid=65534 --regid=65534 --clear-groups)
 cat >refused <<'TEXT'
-folder/a.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+folder/a.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
-folder/deeper/c.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+folder/deeper/c.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
 checked 3 bodies in 3 files: 2 refused, 1 problem
@@ -96,7 +96,7 @@ echo 'checked 3 bodies in 1 file: none refused' >summary
 expect "what format writes" 0 summary nothing -- "$program" check three
 { cat good.sdp; echo; echo "not read"; echo; cat bad.sdp; } >between
 cat >refused <<'TEXT'
-between:12:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+between:12:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
    12 | c=IN IP4 1.2.3.256
       |                ^
 checked 2 bodies in 1 file: 1 refused
@@ -166,7 +166,7 @@ a=des:qos e2e sendrecv
 a=after the end
 SDP
 cat >refused <<'TEXT'
-many.sdp:4:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+many.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
 many.sdp:6:11: error: unexpected text after the number; found ".5" [PacketEnd] (line judged on its own)
@@ -238,13 +238,14 @@ cat >json <<'JSON'
           "offset": 51,
           "code": 84103269,
           "check": "ConnLastOctetRange",
-          "sentence": "the fourth octet is above 255",
+          "sentence": "expected an octet of at most 255",
           "class": "FIELD_SYNTAX",
           "source": "sdpparser",
           "function": "sdpConnectionFieldAddrIpv4",
           "token": 3,
           "alone": false,
-          "text": "c=IN IP4 1.2.3.256"
+          "text": "c=IN IP4 1.2.3.256",
+          "found": "\"256\""
         }
       ],
       "warnings": [],

@@ -10,7 +10,7 @@ expect "a SIP message" 0 good.tree nothing -- "$program" decode good.sip
 expect "the shipped example" 0 - nothing -- "$program" decode "$source/examples/offer.sip"
 
 cat >refused <<'TEXT'
-bad.sdp:4:16: the fourth octet is above 255 (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)
+bad.sdp:4:16: expected an octet of at most 255; found "256" (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)
 TEXT
 expect "a refused body" 1 nothing refused -- "$program" decode bad.sdp
 cat >empty <<'TEXT'

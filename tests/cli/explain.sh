@@ -3,7 +3,7 @@
 . "$(dirname "$0")/expect.sh"
 
 cat >octet <<'TEXT'
-0x05035065: the fourth octet is above 255
+0x05035065: expected an octet of at most 255
   check     ConnLastOctetRange
   made by   sdpConnectionFieldAddrIpv4 in sdpparser
   parts     file 5, location 212, class 101 (a token that the field's grammar does not admit)
@@ -19,17 +19,17 @@ expect "--file-base 0x107" 0 based nothing -- "$program" explain --file-base 0x1
 cat >unknown <<'TEXT'
 0x0c035065: no check of the library returns this under file base 0
   parts     file 12, location 212, class 101 (a token that the field's grammar does not admit)
-  with --file-base 7: the fourth octet is above 255 [ConnLastOctetRange]
+  with --file-base 7: expected an octet of at most 255 [ConnLastOctetRange]
 TEXT
 expect "the base is missing" 1 unknown nothing -- "$program" explain 0x0c035065
 echo '0x00000000: success' >success
 expect "0" 0 success nothing -- "$program" explain 0
 cat >bare <<'TEXT'
 0x00000008: a bare 8, which these checks return; only the log entry tells which one failed
-  SdpTokanizeIPv6Str: the text, its length or a result pointer is missing [Ipv6TokensArgument]
+  SdpTokanizeIPv6Str: expected a text of at least one byte and no null pointer [Ipv6TokensArgument]
 TEXT
 expect "a bare 8" 0 bare nothing -- "$program" explain 8
-expect "a bare 1" 0 '~^  SdpSetT38OptCfg: the T.38 style is above 2 \[ConfigT38Style\]$' nothing -- \
+expect "a bare 1" 0 '~^  SdpSetT38OptCfg: expected a T.38 style from 0 to 2 \[ConfigT38Style\]$' nothing -- \
   "$program" explain 1
 expect "several checks return it" 0 '~^  SdpCopyLine: ' nothing -- "$program" explain 1
 expect "unknown and known" 1 '~ConnLastOctetRange$' nothing -- "$program" explain 2 0x05035065

@@ -6,7 +6,7 @@ expect "a file" 0 good.sdp nothing -- "$program" format good.sdp
 message good.sip good.sdp
 expect "a SIP message" 0 good.sdp nothing -- "$program" format good.sip
 expect "standard input" 0 good.sdp nothing -- sh -c '"$1" format <good.sip' _ "$program"
-expect "a refused body" 1 nothing '~^bad.sdp:4:16: the fourth octet' -- "$program" format bad.sdp
+expect "a refused body" 1 nothing '~^bad.sdp:4:16: expected an octet' -- "$program" format bad.sdp
 { cat good.sdp; printf '\r\n'; cat good.sdp; } >two.sdp
 expect "two bodies, an empty line between" 0 two.sdp nothing -- "$program" format good.sdp good.sip
 

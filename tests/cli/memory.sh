@@ -12,7 +12,7 @@ cp good.sip trace
 truncate -s 200M trace && { echo; cat bad.sip; } >>trace
 truncate -s 400M trace && { echo; cat good.sip; } >>trace
 cat >refused <<'TEXT'
-trace:20:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+trace:20:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
    20 | c=IN IP4 1.2.3.256
       |                ^
 checked 3 bodies in 1 file: 1 refused

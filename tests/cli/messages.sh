@@ -22,16 +22,16 @@ expect "folded headers" 0 good.sdp nothing -- "$program" format folded
   echo "10:00:02 end"
 } >trace
 cat >refused <<'TEXT'
-trace:21:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+trace:21:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
    21 | c=IN IP4 1.2.3.256
       |                ^
-trace:33:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+trace:33:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
    33 | c=IN IP4 1.2.3.256
       |                ^
 checked 3 bodies in 1 file: 2 refused
 TEXT
 expect "a trace" 1 refused nothing -- "$program" check trace
-expect "its good body" 1 good.sdp '~^trace:33:16: the fourth octet' -- "$program" format trace
+expect "its good body" 1 good.sdp '~^trace:33:16: expected an octet' -- "$program" format trace
 tr -d '\r' <trace >trace.lf
 sed -i 's/^trace/trace.lf/' refused
 expect "a trace that lost its carriage returns" 1 refused nothing -- "$program" check trace.lf
@@ -47,7 +47,7 @@ expect "a trace that lost its carriage returns" 1 refused nothing -- "$program" 
 } >parts
 message multipart parts 'Content-Type: multipart/mixed;' ' boundary="next part"'
 cat >refused <<'TEXT'
-multipart:28:16: error: the fourth octet is above 255 [ConnLastOctetRange]
+multipart:28:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
    28 | c=IN IP4 1.2.3.256
       |                ^
 checked 2 bodies in 1 file: 1 refused

@@ -27,7 +27,7 @@ expect "a repaired body" 1 tidied.sdp report -- "$program" tidy untidy.sdp
 expect "twice" 0 tidied.sdp nothing -- "$program" tidy tidied.sdp
 expect "standard input" 1 tidied.sdp '~^standard input:3:3: repaired' -- \
   sh -c '"$1" tidy <untidy.sdp' _ "$program"
-expect "a refused body" 2 bad.sdp '~^bad.sdp:4:16: the fourth octet' -- "$program" tidy bad.sdp
+expect "a refused body" 2 bad.sdp '~^bad.sdp:4:16: expected an octet' -- "$program" tidy bad.sdp
 sed 's/^s=.*/s=\r/' bad.sdp >worse.sdp
 expect "what was tried" 2 worse.sdp '~^worse.sdp:3:3: tried: s= is empty' -- "$program" tidy worse.sdp
 expect "a file that is not there" 2 nothing '~^sdpline: none.sdp: ' -- "$program" tidy none.sdp

@@ -64,11 +64,11 @@ TEST(CppDecode, ARefusalTellsCodePlaceAndSentence) {
     EXPECT_EQ(body.error().line, 4u);
     EXPECT_EQ(body.error().column, 18u);
     EXPECT_EQ(body.error().offset, text.find("300"));
-    EXPECT_EQ(body.error().sentence, "the fourth octet is above 255");
+    EXPECT_EQ(body.error().sentence, "expected an octet of at most 255");
     EXPECT_EQ(body.error().function, "sdpConnectionFieldAddrIpv4");
     EXPECT_EQ(body.error().source, "sdpparser");
     EXPECT_EQ(body.error().check, "ConnLastOctetRange");
-    EXPECT_EQ(body.error().message(), "4:18: the fourth octet is above 255 "
+    EXPECT_EQ(body.error().message(), "4:18: expected an octet of at most 255 "
                                       "(sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)");
 }
 

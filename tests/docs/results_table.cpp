@@ -21,7 +21,7 @@ anew from a build in `build/debug`: `build/debug/tests/results_table >docs/resul
 
 - **Code** is the result while `g_gSipStackFileId` is 0. A base is added to the top 8 bits, modulo 256.
   "bare" results are the number alone, whatever the base. "passed on" rows have no code of their own:
-  they add a log entry and answer what the function below them answered.
+  they add a log entry and return what the function below them returned.
 - **Class** is the low 10 bits of the code, by its name in `sdpline.h` without `SDP_ERRCLASS_`.
 - **Log** is the level of the log entry and the number in its category, "none" for 0xFFFFFFFF; "-" is
   a check that is not logged. A check that is not logged does not set `g_gSipCodePoint` either.
@@ -61,7 +61,7 @@ std::string cell(const char *sentence) {
     return text;
 }
 
-// Codes first, in rising order; then the rows that answer no code, in the table's order.
+// Codes first, in rising order; then the rows without a code, in the table's order.
 bool isBefore(Check a, Check b) {
     const bool aHasCode = row(a).outcome.answer == Answer::Code;
     const bool bHasCode = row(b).outcome.answer == Answer::Code;

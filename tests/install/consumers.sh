@@ -28,7 +28,7 @@ try() { # PROGRAM
   said=$(sed 's/^c=.*/c=IN IP4 192.0.2.256/' "$examples/offer.sdp" | "$1" 2>&1) || status=$?
   [ "$status" -eq 1 ] || fail "$1 ends with $status on a bad offer"
   case $said in
-  'answer: 4:18: the fourth octet is above 255'*) ;;
+  'answer: 4:18: expected an octet of at most 255'*) ;;
   *) fail "$1 says of a bad offer: $said" ;;
   esac
 }

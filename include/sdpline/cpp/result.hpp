@@ -53,11 +53,11 @@ struct Error {
     /* "4:16", or nothing when no place is to blame. */
     std::string place() const;
 
-    /* "4:16: the fourth octet is above 255": place and sentence, and nothing of the library. For
+    /* "4:16: expected an octet of at most 255": place and sentence, and nothing of the library. For
      * whoever sent the text. */
     std::string reason() const;
 
-    /* "4:16: the fourth octet is above 255 (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)":
+    /* "4:16: expected an octet of at most 255 (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)":
      * the reason, and where it comes from when the library says. For logs. */
     std::string message() const;
 
