@@ -55,12 +55,12 @@ public:
         progress_->advance();
     }
 
-    void problem(Problem::Kind kind, const std::string &text) override {
+    void problem(const InputProblem &problem) override {
         progress_->hide();
-        BodyUser::problem(kind, text);
-        if (kind != Problem::Note) {
+        BodyUser::problem(problem);
+        if (problem.kind != Problem::Note) {
             ++counts_.problems;
-            problemList_.push_back(text);
+            problemList_.push_back(problem.message());
         }
     }
 

@@ -61,8 +61,12 @@ BodyUser::BodyUser(const DecodeOptions &options, Redactor *shared)
     configure(options);
 }
 
-void BodyUser::problem(Problem::Kind kind, const std::string &text) {
-    std::cerr << "sdpline: " << text << '\n';
+void BodyUser::problem(const InputProblem &problem) {
+    std::cerr << "sdpline: " << problem.message() << '\n';
+    noteProblem(problem.kind);
+}
+
+void BodyUser::noteProblem(Problem::Kind kind) {
     if (kind != Problem::Note) {
         atLeast(kind == Problem::Wrong ? kRefused : kUnusable);
     }

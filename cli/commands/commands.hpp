@@ -78,11 +78,13 @@ public:
     // them; the bodies themselves stay as they are.
     explicit BodyUser(const DecodeOptions &options, Redactor *shared = nullptr);
 
-    void problem(Problem::Kind kind, const std::string &text) override;
+    void problem(const InputProblem &problem) override;
 
     int status() const { return status_; }
 
 protected:
+    // Raises the status as a problem of that kind does.
+    void noteProblem(Problem::Kind kind);
     void atLeast(ExitStatus status) { status_ = std::max(status_, static_cast<int>(status)); }
 
     // Masks what is shown of this body; null without --redact.

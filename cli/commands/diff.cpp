@@ -27,8 +27,8 @@ public:
         : BodyUser(options.decode, &redactor) {
         readInputs({path}, *this);
         if (count_ != 1 && status() != kUnusable) {
-            problem(Problem::Unusable,
-                    inputName(path) + ": holds " + std::to_string(count_) + " bodies, not one");
+            problem(
+                {Problem::Unusable, path, "holds " + std::to_string(count_) + " bodies, not one"});
         }
     }
 

@@ -115,10 +115,10 @@ int run(const Options &options) {
     configure(options.write);
     SdpSetMaxBodySize(options.maxBody);
     Encoder encoder;
-    std::vector<std::string> errors;
+    std::vector<PathError> errors;
     const std::vector<std::string> files = expandFolders(options.paths, errors);
-    for (const std::string &error : errors) {
-        encoder.unreadable(error);
+    for (const PathError &error : errors) {
+        encoder.unreadable(inputName(error.path) + ": " + error.reason);
     }
     for (const std::string &file : files) {
         encoder.file(file);

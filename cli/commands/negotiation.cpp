@@ -37,8 +37,7 @@ DecodeOptions negotiationOptions() {
 Party::Party(const DecodeOptions &options, const std::string &path) : BodyUser(options) {
     readInputs({path}, *this);
     if (count_ != 1 && status() != kUnusable) {
-        problem(Problem::Unusable,
-                inputName(path) + ": expected one body, found " + std::to_string(count_));
+        problem({Problem::Unusable, path, "expected one body, found " + std::to_string(count_)});
     }
 }
 

@@ -22,7 +22,7 @@ public:
             return false;
         }
         if (const std::string kind = foreignKind(window_.text()); !kind.empty()) {
-            user_.problem(Problem::Unusable, name_ + ": " + escaped(kind));
+            user_.problem({Problem::Unusable, path_, escaped(kind)});
             return false;
         }
         do {
@@ -46,14 +46,14 @@ private:
         if (window_.fill(BodyFinder::kAhead)) {
             return true;
         }
-        user_.problem(Problem::Unusable, name_ + ": " + window_.error());
+        user_.problem({Problem::Unusable, path_, window_.error()});
         return false;
     }
 
     void hand(const Bodies &found) {
         for (const Problem &problem : found.problems) {
-            const std::string line = problem.line > 1 ? ':' + std::to_string(problem.line) : "";
-            user_.problem(problem.kind, name_ + line + ": " + escaped(problem.text));
+            const size_t line = problem.line > 1 ? problem.line : 0;
+            user_.problem({problem.kind, path_, escaped(problem.text), line});
         }
         for (const BodyPlace &place : found.bodies) {
             const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
@@ -76,21 +76,25 @@ private:
 } // namespace
 
 void readInputs(const std::vector<std::string> &paths, InputUser &user) {
-    std::vector<std::string> errors;
+    std::vector<PathError> errors;
     const std::vector<std::string> files = expandFolders(paths, errors);
     user.files(files.size());
-    for (const std::string &error : errors) {
-        user.problem(Problem::Unusable, escaped(error));
+    for (const PathError &error : errors) {
+        user.problem({Problem::Unusable, error.path, error.reason});
     }
     for (const std::string &file : files) {
         bool read = false;
         try {
             read = InputReader(file, user).run();
         } catch (const std::bad_alloc &) {
-            user.problem(Problem::Unusable, inputName(file) + ": it does not fit into memory");
+            user.problem({Problem::Unusable, file, "it does not fit into memory"});
         }
         user.fileDone(read);
     }
+}
+
+std::string InputProblem::message() const {
+    return inputName(path) + (line == 0 ? "" : ':' + std::to_string(line)) + ": " + text;
 }
 
 std::string inputName(const std::string &path) {

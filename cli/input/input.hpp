@@ -22,6 +22,17 @@ struct Found {
     Packet packet = {};         // that carried it, where the input is a capture
 };
 
+// Something about an input that its reader should know.
+struct InputProblem {
+    Problem::Kind kind;
+    std::string path; // as it was given or found
+    std::string text; // as it may be shown
+    size_t line = 0;  // that it is about, from 2; 0: the whole input
+
+    // "offer.sip:12: the body is cut"
+    std::string message() const;
+};
+
 // What a command does with its inputs.
 class InputUser {
 public:
@@ -29,8 +40,7 @@ public:
 
     virtual void files(size_t /*count*/) {} // before the first one
     virtual void body(const Found &found) = 0;
-    // "name: message" or "name:12: message", as it may be shown.
-    virtual void problem(Problem::Kind kind, const std::string &text) = 0;
+    virtual void problem(const InputProblem &problem) = 0;
     virtual void fileDone(bool /*read*/) {}
 };
 

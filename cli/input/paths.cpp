@@ -15,7 +15,7 @@ struct Listing {
     std::vector<std::string> folders;
 };
 
-Listing listingOf(const std::string &folder, std::vector<std::string> &errors) {
+Listing listingOf(const std::string &folder, std::vector<PathError> &errors) {
     Listing listing;
     std::error_code problem;
     fs::directory_iterator entry(folder, problem);
@@ -31,13 +31,13 @@ Listing listingOf(const std::string &folder, std::vector<std::string> &errors) {
         entry.increment(problem);
     }
     if (problem) {
-        errors.push_back(folder + ": " + problem.message());
+        errors.push_back({folder, problem.message()});
     }
     return listing;
 }
 
 void addFolder(const std::string &folder, std::vector<std::string> &files,
-               std::vector<std::string> &errors) {
+               std::vector<PathError> &errors) {
     std::vector<std::string> found;
     std::vector<std::string> open = {folder};
     while (!open.empty()) {
@@ -54,7 +54,7 @@ void addFolder(const std::string &folder, std::vector<std::string> &files,
 } // namespace
 
 std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
-                                       std::vector<std::string> &errors) {
+                                       std::vector<PathError> &errors) {
     std::vector<std::string> files;
     for (const std::string &path : paths) {
         std::error_code ignored;

@@ -6,10 +6,15 @@
 
 namespace cli {
 
+struct PathError {
+    std::string path;
+    std::string reason;
+};
+
 // The paths with every folder replaced by the regular files below it, sorted; names that begin with
 // a dot are left out, links to folders are not followed. A folder that cannot be read costs only
-// what is in it, and is in `errors` as "name: reason".
+// what is in it, and is in `errors`.
 std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
-                                       std::vector<std::string> &errors);
+                                       std::vector<PathError> &errors);
 
 } // namespace cli
