@@ -190,12 +190,14 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
 [[gnu::cold, gnu::noinline]] SDPResult parseLong(const SipString &text, SdpLine &line) {
     const uint32_t size = text.ulLen + kEndSize;
     auto *const buffer = static_cast<uint8_t *>(gSipSystemMemCp->pfnAlloc(gSipSystemMemCp, size));
+    foreignCodeRan(); // the stack may have put a memory control of its own there
     if (buffer == nullptr) {
         return refuseCall(Check::ParseCopyAlloc);
     }
     const SDPResult result = parseIn(buffer, size, text, line);
     lexer::state.inputGone = true;
     gSipSystemMemCp->pfnFree(buffer);
+    foreignCodeRan();
     return result;
 }
 

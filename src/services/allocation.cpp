@@ -12,7 +12,7 @@ SDPLINE_PER_THREAD SDPMemCp *decodeControl = nullptr;
 // Whether no program could tell the calls through the hooks from the same work done in place.
 bool isUnseen(const SDPMemCp *memCp) {
     return memCp != nullptr && memCp == g_mSdpDecodeMemCp && g_gSdpFnAlloc == SdpLibAllocSdpMem &&
-           g_gSdpFnFree == SdpLibFreeSdpMem && builtin.owns(*memCp) && !seesFills() &&
+           g_gSdpFnFree == SdpLibFreeSdpMem && builtin.ownsBlock(*memCp) && !seesFills() &&
            !seesCopies();
 }
 

@@ -55,8 +55,8 @@ void beginDecode(SDPMemCp *memCp);
 // succeeded they stay, and have no memory until the next decode.
 void endDecode(bool succeeded);
 
-// To be called where code of the program's may have set other hooks during a decode: a log hook is
-// the only such code.
+// To be called where code of the program's may have set other hooks during a decode: after the log
+// hook, and after a memory control that is not the block's.
 void foreignCodeRan();
 
 // The block of the decode under way, where its memory is handled in place, as no program can tell

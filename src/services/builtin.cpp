@@ -23,6 +23,8 @@ Builtin findBuiltin() {
             .blockAlloc = core.blockAlloc,
             .blockTake = core.blockTake,
             .blockFree = core.blockFree,
+            .systemAlloc = core.systemAlloc,
+            .systemFree = core.systemFree,
             .fillsFreed = core.fillsFreed};
 }
 

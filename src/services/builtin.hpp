@@ -18,11 +18,18 @@ struct Builtin {
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
     decltype(SDPMemCp::pfnAlloc) blockTake;
     decltype(SDPMemCp::pfnFree) blockFree;
+    decltype(SDPMemCp::pfnAlloc) systemAlloc; // of the system's memory control
+    decltype(SDPMemCp::pfnFree) systemFree;
     bool fillsFreed; // giving memory back takes the call
 
-    // Whether a block is libsipcore's: every function of its memory control is.
-    bool owns(const SDPMemCp &memCp) const {
+    // Whether a memory control is that of a block of libsipcore's, or the system's: every
+    // function of it is. A program that has put one function of its own in sees each call.
+    bool ownsBlock(const SDPMemCp &memCp) const {
         return blockAlloc != nullptr && memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
+    }
+    bool owns(const SDPMemCp &memCp) const {
+        return ownsBlock(memCp) || (systemAlloc != nullptr && memCp.pfnAlloc == systemAlloc &&
+                                    memCp.pfnFree == systemFree);
     }
 };
 

@@ -1,9 +1,9 @@
 // Where the encoders write to: the appends of one string buffer.
 //
 // Every append is one service of the string buffer, as small as a letter, a number or a word, in
-// text order. Where these services are libsipcore's, what simply fits is written here, as they
-// would write it, and the place to write to stays in registers; all else is a call. Where a
-// program has replaced one of them, every append is a call.
+// text order. Where these services and the buffer's memory are libsipcore's, what simply fits is
+// written here, as they would write it, and the place to write to stays in registers; all else is a
+// call. Where a program has replaced one of them, every append is a call.
 #pragma once
 
 #include <cstdint>
@@ -31,12 +31,15 @@ public:
 
     // Makes the buffer end after what was written. Until then it ends where it did.
     void store() const {
-        if (isOpen()) {
+        if (isInPlace()) {
             buffer_->at = at_;
         }
     }
 
     bool hasBuffer() const { return buffer_ != nullptr; }
+
+    // Whether appends are done here, as no program can tell them from calls.
+    bool isInPlace() const { return end_ != nowhere; }
 
     uint32_t character(char letter) {
         if (!fits(1)) [[unlikely]] {
@@ -99,13 +102,11 @@ private:
         uint32_t result;
     };
 
-    bool isOpen() const { return !seesAppends() && hasBuffer(); }
-
     // Without a buffer that may be written to, there is less than no room: nothing fits.
     void load() {
-        static char nowhere[2];
-        at_ = isOpen() ? buffer_->at : nowhere + 1;
-        end_ = isOpen() ? buffer_->end : nowhere;
+        const bool open = !seesAppends() && hasBuffer() && builtin.owns(*buffer_->memCp);
+        at_ = open ? buffer_->at : nowhere + 1;
+        end_ = open ? buffer_->end : nowhere;
     }
 
     bool fits(uint32_t size) const { return int64_t{size} <= end_ - at_; }
@@ -123,6 +124,8 @@ private:
     uint32_t append(Arguments... arguments) {
         return call<Service>(buffer_, arguments...);
     }
+
+    static inline char nowhere[2];
 
     SipStringBuffer *buffer_;
     char *at_;

@@ -22,13 +22,15 @@ struct SipCoreBuiltin {
     // The same, but that memory holds anything.
     decltype(SDPMemCp::pfnAlloc) blockTake;
     decltype(SDPMemCp::pfnFree) blockFree;
+    decltype(SDPMemCp::pfnAlloc) systemAlloc;
+    decltype(SDPMemCp::pfnFree) systemFree;
     bool fillsFreed; // blockFree fills the memory, which takes the call
 };
 
 #if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use
-#define SIPCORE_BUILTIN g_stSipCoreBuiltin2Asan
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin3Asan
 #else
-#define SIPCORE_BUILTIN g_stSipCoreBuiltin2
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin3
 #endif
 
 // A service under a name that no program can take over.

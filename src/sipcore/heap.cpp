@@ -221,24 +221,24 @@ void *systemTake(uint32_t size, Content content) {
     return header + 1;
 }
 
-void *systemAlloc(SDPMemCp *, uint32_t ulSize) {
-    return systemTake(ulSize, Content::Zeroed);
+constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
+
+} // namespace
+
+void *systemAlloc(SDPMemCp *, uint32_t size) {
+    return systemTake(size, Content::Zeroed);
 }
 
-uint32_t systemFree(void *pMem) {
-    if (pMem == nullptr) {
+uint32_t systemFree(void *memory) {
+    if (memory == nullptr) {
         return SIP_OK;
     }
-    SystemHeader *header = static_cast<SystemHeader *>(pMem) - 1;
+    SystemHeader *header = static_cast<SystemHeader *>(memory) - 1;
     assert(header->state == kSystemLive && "not memory of the system control, or freed before");
     header->state = kSystemFreed;
     heapGive(header, sizeof(SystemHeader) + header->size, Use::Other);
     return SIP_OK;
 }
-
-constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
-
-} // namespace
 
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
     if (memCp->pfnAlloc == blockAlloc && memCp->pfnFree == blockFree) {

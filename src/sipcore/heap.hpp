@@ -29,6 +29,10 @@ void heapGive(void *memory, std::size_t bytes, Use use);
 // before.
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
 
+// pfnAlloc and pfnFree of the system's memory control.
+void *systemAlloc(SDPMemCp *memCp, uint32_t size);
+uint32_t systemFree(void *memory);
+
 void countAbnormalReport();
 
 } // namespace sipcore

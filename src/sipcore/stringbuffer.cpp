@@ -243,5 +243,7 @@ const SipCoreBuiltin SIPCORE_BUILTIN = {.copyChar = sipcoreCopyChar,
                                         .blockAlloc = sipcore::blockAlloc,
                                         .blockTake = sipcore::blockTake,
                                         .blockFree = sipcore::blockFree,
+                                        .systemAlloc = sipcore::systemAlloc,
+                                        .systemFree = sipcore::systemFree,
                                         .fillsFreed = sipcore::kFillsFreed};
 }

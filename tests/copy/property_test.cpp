@@ -97,7 +97,10 @@ private:
     std::string cleared_;
 };
 
-static_assert(sizeof(SDPOrigin) == 72, "the greatest record of a line");
+static_assert(sizeof(SDPOrigin) >= sizeof(SDPConnection) &&
+                  sizeof(SDPOrigin) >= sizeof(SDPMediaField) &&
+                  sizeof(SDPOrigin) >= sizeof(SDPAttr),
+              "the greatest record of a line");
 
 // In memory whose pieces are counted each, a clone is one piece and those that it points to.
 void expectCloneOwnsExactlyItsPieces(const BodyLine &source) {

@@ -129,7 +129,7 @@ TEST(InPlace, isWhatAProgramOfTheLibrariesAloneGets) {
     EXPECT_FALSE(sdpline::seesFills());
     SDPMemCp *block = nullptr;
     ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
-    EXPECT_TRUE(sdpline::builtin.owns(*block));
+    EXPECT_TRUE(sdpline::builtin.ownsBlock(*block));
     SipMmReleaseBufMem(&block);
 }
 
@@ -298,34 +298,7 @@ TEST(InPlace, goesOnAfterALogHookThatChangesNothing) {
     SipMmReleaseBufMem(&block);
 }
 
-// A program that puts one function of its own into a block's memory control sees each call of it.
-TEST(InPlace, callsTheFunctionsOfABlockWhereOneIsTheProgrammes) {
-    static uint32_t calls;
-    static decltype(SDPMemCp::pfnFree) freeOfBlock;
-    static decltype(SDPMemCp::pfnAlloc) allocOfBlock;
-    for (const bool ofFree : {false, true}) {
-        SDPMemCp *block = nullptr;
-        ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
-        calls = 0;
-        freeOfBlock = block->pfnFree;
-        allocOfBlock = block->pfnAlloc;
-        if (ofFree) {
-            block->pfnFree = [](void *memory) { return ++calls, freeOfBlock(memory); };
-        } else {
-            block->pfnAlloc = [](SDPMemCp *memCp, uint32_t size) {
-                return ++calls, allocOfBlock(memCp, size);
-            };
-        }
-        sdpline::beginDecode(block);
-        EXPECT_FALSE(sdpline::allocatesInPlace());
-        sdpline::freeBytes(sdpline::allocateBytes(24));
-        sdpline::endDecode(true);
-        EXPECT_EQ(calls, 1u);
-        SipMmReleaseBufMem(&block);
-    }
-}
-
-// An append that does not fit is the last one: also the shorter ones behind it.
+// An append that does not fit is the last one: also the shorter ones after it.
 TEST(InPlace, aBufferThatRefusedOnceRefuses) {
     char bytes[8];
     SipStringBuffer *buffer = nullptr;

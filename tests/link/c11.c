@@ -9,28 +9,32 @@
 #include <stdio.h>
 #include <string.h>
 
-_Static_assert(sizeof(SipString) == 12, "counted text");
-_Static_assert(sizeof(SDPMemCp) == 24, "the memory control");
-_Static_assert(sizeof(SdpLine) == 192, "the body record");
-_Static_assert(sizeof(SDPOrigin) == 72, "the o= record");
-_Static_assert(sizeof(SDPConnection) == 52, "the c= record");
-_Static_assert(sizeof(SDPMediaField) == 48, "the m= record");
-_Static_assert(sizeof(SDPAttr) == 40, "the a= record");
-_Static_assert(sizeof(SDPTimeField) == 16, "the t= record");
-_Static_assert(sizeof(SDPRepeatField) == 12, "the r= record");
-_Static_assert(sizeof(SDPKey) == 12, "the k= record");
-_Static_assert(sizeof(SDPMediaDesc) == 88, "one media description");
-_Static_assert(sizeof(SipDsmTypeDef) == 16, "a descriptor");
-_Static_assert(sizeof(SipDsmChoiceDef) == 16, "a choice");
-_Static_assert(sizeof(SipDsmSequenceDef) == 12, "a sequence");
-_Static_assert(sizeof(SipDsmCPointerDef) == 20, "a coded text");
+/* So many bytes of numbers, and so many pointers. */
+#define BYTES(numbers, pointers) ((numbers) + (pointers) * sizeof(char *))
+
+_Static_assert(sizeof(SipString) == BYTES(4, 1), "counted text");
+_Static_assert(sizeof(SDPMemCp) == BYTES(0, 3), "the memory control");
+_Static_assert(sizeof(SdpLine) == BYTES(40, 19), "the body record");
+_Static_assert(sizeof(SDPOrigin) == BYTES(24, 6), "the o= record");
+_Static_assert(sizeof(SDPConnection) == BYTES(36, 2), "the c= record");
+_Static_assert(sizeof(SDPMediaField) == BYTES(24, 3), "the m= record");
+_Static_assert(sizeof(SDPAttr) == BYTES(24, 2), "the a= record");
+_Static_assert(sizeof(SDPTimeField) == BYTES(8, 1), "the t= record");
+_Static_assert(sizeof(SDPRepeatField) == BYTES(4, 1), "the r= record");
+_Static_assert(sizeof(SDPKey) == BYTES(4, 1), "the k= record");
+_Static_assert(sizeof(SDPMediaDesc) == BYTES(24, 8), "one media description");
+_Static_assert(sizeof(SipDsmTypeDef) == BYTES(8, 1), "a descriptor");
+_Static_assert(sizeof(SipDsmChoiceDef) == BYTES(8, 1), "a choice");
+_Static_assert(sizeof(SipDsmSequenceDef) == BYTES(4, 1), "a sequence");
+_Static_assert(sizeof(SipDsmCPointerDef) == BYTES(12, 1), "a coded text");
 _Static_assert(offsetof(SipString, pcData) == 4, "packed to 4 bytes");
 _Static_assert(offsetof(SipDsmTypeDef, pDetail) == 8, "packed to 4 bytes");
-_Static_assert(offsetof(SdpLine, pstConnection) == 120, "the session's c= line");
-_Static_assert(offsetof(SdpLine, stMediaSet) == 172, "the media descriptions");
-_Static_assert(offsetof(SDPAttr, pstAttrName) == 32, "the name of an attribute");
-_Static_assert(offsetof(SDPConnection, ulTtl) == 44, "the TTL");
-_Static_assert(offsetof(SDPMediaField, stMediaFmt.unMediaFmt.stRtpPayLoads.pulPayLoads) == 40,
+_Static_assert(offsetof(SdpLine, pstConnection) == BYTES(32, 11), "the session's c= line");
+_Static_assert(offsetof(SdpLine, stMediaSet) == BYTES(36, 17), "the media descriptions");
+_Static_assert(offsetof(SDPAttr, pstAttrName) == BYTES(24, 1), "the name of an attribute");
+_Static_assert(offsetof(SDPConnection, ulTtl) == BYTES(28, 2), "the TTL");
+_Static_assert(offsetof(SDPMediaField, stMediaFmt.unMediaFmt.stRtpPayLoads.pulPayLoads) ==
+                   BYTES(24, 2),
                "the payload numbers");
 
 /* clang-format off */
