@@ -178,4 +178,59 @@ const std::vector<Body> &attributeBodies() {
     return all;
 }
 
+// ---- Bodies with faults
+
+namespace {
+
+// What a line that can have a fault begins with, and where the blank goes that it has too many.
+struct Place {
+    std::string_view line;
+    char after; // this byte, 0: the line's last
+};
+
+constexpr Place kPlaces[] = {{"o=", ' '},       {"t=", 0},
+                             {"m=", ' '},       {"a=rtpmap:", ':'},
+                             {"a=ptime:", ':'}, {"a=maxptime:", ':'},
+                             {"a=sendrecv", 0}, {"a=framerate:", ':'},
+                             {"a=T38", ':'}};
+
+std::string untidyLine(const std::string &line) {
+    for (const Place &place : kPlaces) {
+        if (line.starts_with(place.line)) {
+            const size_t at = place.after == 0 ? line.size() - 1 : line.find(place.after);
+            return line.substr(0, at + 1) + ' ' + line.substr(at + 1);
+        }
+    }
+    return line;
+}
+
+std::string untidyText(const std::string &text, Fault fault) {
+    std::string result;
+    size_t begin = 0;
+    for (size_t end; (end = text.find("\r\n", begin)) != std::string::npos; begin = end + 2) {
+        const std::string line = text.substr(begin, end - begin);
+        const bool faulty = fault == Fault::Each || (fault == Fault::First && line[0] == 'o');
+        result += (faulty ? untidyLine(line) : line) + "\r\n";
+    }
+    return result + (fault == Fault::First ? "a=rtcp-mux\r\n" : "a=rtcp-mux:\r\n");
+}
+
+} // namespace
+
+Body untidy(const Body &body, Fault fault) {
+    Body result = {body.name, {}};
+    for (const std::string &text : body.texts) {
+        result.texts.push_back(untidyText(text, fault));
+    }
+    return result;
+}
+
+Body withoutFaults(const Body &body) {
+    Body result = body;
+    for (std::string &text : result.texts) {
+        text += "a=rtcp-mux\r\n";
+    }
+    return result;
+}
+
 } // namespace bench

@@ -24,4 +24,10 @@ const std::vector<Body> &bodies();
 // its shortest value, and unknown ones.
 const std::vector<Body> &attributeBodies();
 
+// The body with a fault that sdptidy.h repairs by default: in its second line, in its last one, or
+// in each line that can have one. Without faults it has the same lines, and one more at the end.
+enum class Fault { First, Last, Each };
+Body untidy(const Body &body, Fault fault);
+Body withoutFaults(const Body &body);
+
 } // namespace bench

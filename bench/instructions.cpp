@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include "bodies.hpp"
 #include "operations.hpp"
@@ -38,6 +39,11 @@ bool onLines(const bench::Body &body, long count, Operation operation) {
     });
 }
 
+constexpr std::pair<std::string_view, bench::Fault> kFaults[] = {
+    {"repair-first", bench::Fault::First},
+    {"repair-last", bench::Fault::Last},
+    {"repair-each", bench::Fault::Each}};
+
 bool run(std::string_view operation, const bench::Body &body, long count) {
     if (operation == "decode") {
         return repeated(count, [&] { return onTexts(body, bench::decodeAndRelease); });
@@ -47,6 +53,19 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
     }
     if (operation == "answer-c") {
         return repeated(count, [&] { return onTexts(body, bench::answerByC); });
+    }
+    if (operation == "tidy") {
+        return repeated(count, [&] { return onTexts(body, bench::tidyAndRelease); });
+    }
+    for (const auto &[name, fault] : kFaults) {
+        if (operation == name) {
+            const bench::Body untidy = bench::untidy(body, fault);
+            return repeated(count, [&] { return onTexts(untidy, bench::tidyAndRelease); });
+        }
+    }
+    if (operation == "repaired") {
+        const bench::Body whole = bench::withoutFaults(body);
+        return repeated(count, [&] { return onTexts(whole, bench::decodeAndRelease); });
     }
     if (operation == "encode") {
         return onLines(body, count,
@@ -75,7 +94,8 @@ int main(int argc, char **argv) {
         }
     }
     std::fputs(
-        "usage: sdpline_instructions decode|encode|clone|serialise|answer|answer-c BODY COUNT\n",
+        "usage: sdpline_instructions decode|encode|clone|serialise|answer|answer-c|tidy|\n"
+        "                            repair-first|repair-last|repair-each|repaired BODY COUNT\n",
         stderr);
     return 2;
 }

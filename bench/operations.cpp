@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "answer.h"
+#include "sdpline/sdptidy.h"
 
 namespace bench {
 
@@ -46,6 +47,14 @@ bool serialise(SdpLine *line, std::vector<uint8_t> &buffer) {
     uint32_t written = 0;
     return SdpLibSerializeSdp(line, buffer.data(), static_cast<uint32_t>(buffer.size()),
                               &written) == 0;
+}
+
+bool tidyAndRelease(const std::string &text) {
+    const SipString given = {static_cast<uint32_t>(text.size()), const_cast<char *>(text.data())};
+    SDPTidyReport report;
+    const bool done = SdpTidyText(&given, nullptr, &report) == 0;
+    SdpTidyRelease(&report);
+    return done;
 }
 
 bool answerByC(const std::string &text) {

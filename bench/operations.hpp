@@ -23,6 +23,9 @@ bool serialise(SdpLine *line, std::vector<uint8_t> &buffer);
 bool answerByCpp(const std::string &text);
 bool answerByC(const std::string &text);
 
+// Tidies the text by the default rules, and releases the report with its body.
+bool tidyAndRelease(const std::string &text);
+
 // The decoded texts of a body; empty when one is refused.
 std::vector<sdpline::Body> decoded(const Body &body);
 

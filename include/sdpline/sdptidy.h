@@ -24,7 +24,8 @@
  *  4. Which rules: those of SDP_TIDY_DEFAULT lose nothing and change nothing that the session
  * means; those of SDP_TIDY_OPTIONAL guess what was meant; those of SDP_TIDY_BY_NAME replace
  * something that readers disagree about. See SdpTidyRuleAt.
- *  5. Never repaired: text before v= other than blanks, a second v=, and a CR inside a line.
+ *  5. Never repaired: text before v= other than blanks, a second v=, and a line with a CR or a NUL
+ *     inside.
  *  6. Time is linear in the text, of which at most SDP_MAX_LONG_BODY bytes are looked at. Memory
  *     comes from the services of sipcore.h: a text that the decoder takes needs none but the
  * body's.

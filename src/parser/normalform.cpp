@@ -36,6 +36,24 @@ SDPLINE_INLINE const uint8_t *copyPlain(const uint8_t *byte, const uint8_t *end,
     return byte;
 }
 
+// Where the plain text from `byte` on ends.
+const uint8_t *afterPlain(const uint8_t *byte, const uint8_t *end) {
+#ifdef __SSE2__
+    const __m128i limit = _mm_set1_epi8('\r');
+    for (; end - byte >= 16; byte += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(byte));
+        const __m128i low = _mm_cmpeq_epi8(_mm_min_epu8(bytes, limit), bytes);
+        if (const auto mask = static_cast<uint32_t>(_mm_movemask_epi8(low)); mask != 0) {
+            return byte + std::countr_zero(mask);
+        }
+    }
+#endif
+    while (byte != end && *byte > '\r') {
+        ++byte;
+    }
+    return byte;
+}
+
 } // namespace
 
 void normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
@@ -63,18 +81,32 @@ void normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32
     normalise(text, length, out);
 }
 
-uint32_t originalOffset(const uint8_t *text, uint32_t length, uint32_t offset) {
+OriginalPlace originalPlace(const uint8_t *text, uint32_t length, uint32_t offset) {
     const uint8_t *const end = text + length;
-    for (const uint8_t *byte = text; byte != end;) {
-        const NormaliseStep step =
-            *byte > '\r' ? NormaliseStep{byte, 1, byte + 1} : normaliseSpecial(byte, end);
+    OriginalPlace place = {length, 1, 0};
+    for (const uint8_t *byte = text;;) {
+        const uint8_t *const special = afterPlain(byte, end);
+        const auto plain = static_cast<uint32_t>(special - byte);
+        if (offset < plain) {
+            place.offset = static_cast<uint32_t>(byte - text) + offset;
+            return place;
+        }
+        if (special == end) {
+            return place;
+        }
+        offset -= plain;
+        const NormaliseStep step = normaliseSpecial(special, end);
         if (offset < step.kept) {
-            return static_cast<uint32_t>(step.byte - text);
+            place.offset = static_cast<uint32_t>(step.byte - text);
+            return place;
         }
         offset -= step.kept;
+        if (*step.byte == '\n') {
+            ++place.line;
+            place.lineStart = static_cast<uint32_t>(step.byte - text) + 1;
+        }
         byte = step.next;
     }
-    return length;
 }
 
 } // namespace sdpline

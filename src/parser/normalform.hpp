@@ -36,7 +36,12 @@ void normalise(const uint8_t *text, uint32_t length, uint8_t *out);
 // The same with the clearing that convertCRLFToCR makes first.
 void normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size);
 
-// The offset in the text of a byte of its normal form; the text's length for what was put after it.
-uint32_t originalOffset(const uint8_t *text, uint32_t length, uint32_t offset);
+// Where in the text a byte of its normal form is.
+struct OriginalPlace {
+    uint32_t offset; // the text's length for what was put after it
+    uint32_t line;   // from 1
+    uint32_t lineStart;
+};
+OriginalPlace originalPlace(const uint8_t *text, uint32_t length, uint32_t offset);
 
 } // namespace sdpline

@@ -1,6 +1,8 @@
 // The a= line (RFC 4566 section 5.13): the space around an attribute's parts, colons and values
 // that are missing. What the decoder asks of a value goes by the attribute's shape.
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 #include "tidy/fields.hpp"
 #include "tidy/values.hpp"
@@ -66,21 +68,31 @@ constexpr Attribute kAttributes[] = {
     {"X-modem", Shape::Flag},
 };
 
-// A bit for each length that a name of the table has: many names that the decoder does not know are
-// told by theirs.
-constexpr auto kLengths = [] {
-    uint32_t set = 0;
-    for (const Attribute &attribute : kAttributes) {
-        set |= 1u << attribute.name.size();
+constexpr size_t kLongest = 21;
+
+// The table by the length of the names, and where in it each length begins.
+struct Index {
+    std::array<Attribute, std::size(kAttributes)> rows;
+    uint8_t begin[kLongest + 2];
+};
+
+constexpr Index kIndex = [] {
+    Index index = {};
+    std::ranges::copy(kAttributes, index.rows.begin());
+    std::ranges::sort(index.rows, {}, [](const Attribute &row) { return row.name.size(); });
+    for (size_t size = 0; size < std::size(index.begin); ++size) {
+        index.begin[size] = static_cast<uint8_t>(std::ranges::count_if(
+            index.rows, [size](const Attribute &row) { return row.name.size() < size; }));
     }
-    return set;
+    return index;
 }();
+static_assert(kIndex.rows.back().name.size() == kLongest);
 
 Shape shapeOf(std::string_view name) {
-    if (name.size() < 32 && (kLengths >> name.size() & 1) != 0) {
-        for (const Attribute &attribute : kAttributes) {
-            if (attribute.name == name) {
-                return attribute.shape;
+    if (!name.empty() && name.size() <= kLongest) {
+        for (uint32_t i = kIndex.begin[name.size()]; i < kIndex.begin[name.size() + 1]; ++i) {
+            if (kIndex.rows[i].name.front() == name.front() && kIndex.rows[i].name == name) {
+                return kIndex.rows[i].shape;
             }
         }
     }
@@ -90,12 +102,102 @@ Shape shapeOf(std::string_view name) {
 // The parameters of a=silenceSupp, none of which is known (RFC 3108 section 5.6.3.2).
 constexpr std::string_view kSilenceParams = " - - - -";
 
+// What a byte is, where names, numbers and words end.
+constexpr uint8_t kColon = 1;
+constexpr uint8_t kBlank = 2;
+constexpr uint8_t kSlash = 4;
+constexpr uint8_t kDigit = 8;
+
+constexpr auto kClasses = [] {
+    std::array<uint8_t, 256> classes = {};
+    classes[':'] = kColon;
+    classes[' '] = classes['\t'] = kBlank;
+    classes['/'] = kSlash;
+    for (char digit = '0'; digit <= '9'; ++digit) {
+        classes[static_cast<uint8_t>(digit)] = kDigit;
+    }
+    return classes;
+}();
+
+constexpr bool isOf(char byte, uint8_t classes) {
+    return (kClasses[static_cast<uint8_t>(byte)] & classes) != 0;
+}
+
+// The text up to the first byte of such a class.
+constexpr std::string_view upTo(std::string_view text, uint8_t classes) {
+    size_t size = 0;
+    while (size != text.size() && !isOf(text[size], classes)) {
+        ++size;
+    }
+    return {text.data(), size};
+}
+
+// Words with one blank between them and none around them.
+bool isWellSpaced(std::string_view words) {
+    bool blank = true;
+    for (const char byte : words) {
+        if (byte == '\t' || (byte == ' ' && blank)) {
+            return false;
+        }
+        blank = byte == ' ';
+    }
+    return !blank;
+}
+
+// "/" and digits, once or twice
+bool isClock(std::string_view rest) {
+    const char *at = rest.data();
+    const char *const end = at + rest.size();
+    for (uint32_t parts = 0; parts < 2 && at != end && *at == '/'; ++parts) {
+        const char *const digits = ++at;
+        while (at != end && isDigit(*at)) {
+            ++at;
+        }
+        if (at == digits) {
+            return false;
+        }
+    }
+    return at == end;
+}
+
+// payload SP name clock, and nothing around them
+bool isPlainRtpmap(std::string_view value) {
+    size_t digits = 0;
+    while (digits != value.size() && isDigit(value[digits])) {
+        ++digits;
+    }
+    if (digits == 0 || digits == value.size() || value[digits] != ' ') {
+        return false;
+    }
+    value = withoutBlanksBefore(value.substr(digits + 1));
+    const size_t name = upTo(value, kBlank | kSlash).size();
+    return name != 0 && name != value.size() && isClock(value.substr(name));
+}
+
 class AttributeLine {
 public:
     AttributeLine(Workspace &work, Line &line, std::string_view value)
-        : work_(work), line_(line), value_(value),
-          name_(value.substr(0, std::min(value.find_first_of(": \t"), value.size()))),
+        : work_(work), line_(line), value_(value), name_(upTo(value, kColon | kBlank)),
           rest_(value.substr(name_.size())), shape_(shapeOf(name_)) {}
+
+    // Whether there is nothing to repair, as in most attributes. False is no promise.
+    bool isPlain() const {
+        if (rest_.empty()) {
+            return !name_.empty() && !needsValue();
+        }
+        if (name_.empty() || rest_.size() == 1 || rest_.front() != ':') {
+            return false;
+        }
+        const std::string_view value = rest_.substr(1);
+        switch (shape_) {
+        case Shape::Text:
+        case Shape::Any: return true;
+        case Shape::Words:
+        case Shape::MaybeWords: return isWellSpaced(value);
+        case Shape::Rtpmap: return isPlainRtpmap(value);
+        default: return false;
+        }
+    }
 
     void repair() {
         if (name_.empty()) {
@@ -185,12 +287,22 @@ private:
         fields.write(work_, line_, begin());
     }
 
-    // "on" or "off" and nothing more
+    // "on" or "off" and nothing more, and blanks before that
     void repairSilence() {
-        if ((rest_ == "on" || rest_ == "off") && work_.wants(Rule::SilenceParams)) {
-            work_.report(Rule::SilenceParams, line_, rest_.data() + rest_.size());
-            write(name_, rest_, kSilenceParams);
+        const std::string_view value = withoutBlanksBefore(rest_);
+        const bool leads = value.size() != rest_.size();
+        const bool bare = value == "on" || value == "off";
+        if ((!leads && !bare) || (leads && !work_.wants(Rule::SpaceRun)) ||
+            (bare && !work_.wants(Rule::SilenceParams))) {
+            return;
         }
+        if (leads) {
+            work_.report(Rule::SpaceRun, line_, rest_.data());
+        }
+        if (bare) {
+            work_.report(Rule::SilenceParams, line_, value.data() + value.size());
+        }
+        write(name_, value, bare ? kSilenceParams : std::string_view());
     }
 
     void repairRtpmap();
@@ -216,6 +328,7 @@ private:
     std::string_view name_;
     std::string_view rest_;
     std::string_view rate_; // that an a=rtpmap lacks
+    std::string_view gap_;  // before its encoding name
     Shape shape_;
 };
 
@@ -328,23 +441,10 @@ std::string_view closed(Memory &memory, std::string_view rest) {
     return draft.text();
 }
 
-// "/" and digits, once or twice
-bool isClock(std::string_view rest) {
-    for (uint32_t parts = 0; parts < 2 && rest.starts_with('/'); ++parts) {
-        rest.remove_prefix(1);
-        const size_t size = std::min(rest.find('/'), rest.size());
-        if (!isNumber(rest.substr(0, size))) {
-            return false;
-        }
-        rest.remove_prefix(size);
-    }
-    return rest.empty();
-}
-
 void AttributeLine::writeRtpmap(std::string_view payload, std::string_view name,
                                 std::string_view clock) {
-    Draft draft(work_.memory, payload.size() + name.size() + clock.size() + 16);
-    line_.text = (draft << "a=rtpmap:" << payload << " " << name << clock).text();
+    Draft draft(work_.memory, payload.size() + gap_.size() + name.size() + clock.size() + 16);
+    line_.text = (draft << "a=rtpmap:" << payload << gap_ << name << clock).text();
 }
 
 // Which rule is for a clock rate that is missing, and whether it is wanted.
@@ -373,15 +473,18 @@ void AttributeLine::repairRtpmap() {
     const bool missing = clock.size() <= 1; // none, or a slash alone
     const std::string_view name = missing ? withoutBlanksAfter(map.name) : map.name;
     const bool trailing = clock.size() != map.rest.size() || name.size() != map.name.size();
-    const bool inside = clock.find_first_of(" \t") != std::string_view::npos;
+    const bool inside = wordOf(clock).size() != clock.size();
     const bool space = map.spaceBefore != nullptr || inside;
-    const bool run = map.gap.size() > 1 || map.gap == "\t";
-    if ((space && !work_.wants(Rule::RtpmapSpace)) || (run && !work_.wants(Rule::SpaceRun)) ||
+    // A name may begin with blanks, if not with a tab: then they alone are no fault.
+    const bool tab = map.gap.front() == '\t';
+    const bool run = tab || (map.gap.size() > 1 && work_.wants(Rule::SpaceRun));
+    gap_ = run ? " " : map.gap;
+    if ((space && !work_.wants(Rule::RtpmapSpace)) || (tab && !work_.wants(Rule::SpaceRun)) ||
         (trailing && !work_.wants(Rule::TrailingSpace))) {
         return;
     }
     const std::string_view bare = inside ? closed(work_.memory, clock) : clock;
-    if (missing ? !addsClock(name) : !isClock(bare) || (!space && !run && !trailing)) {
+    if (missing ? !addsClock(name) : !isClock(bare) || (!space && !tab && !trailing)) {
         return;
     }
     if (space) {
@@ -404,7 +507,10 @@ void AttributeLine::repairRtpmap() {
 } // namespace
 
 void repairAttribute(Workspace &work, Line &line, std::string_view value) {
-    AttributeLine(work, line, value).repair();
+    AttributeLine attribute(work, line, value);
+    if (!attribute.isPlain() && !endsTwice(line)) {
+        attribute.repair();
+    }
 }
 
 } // namespace sdpline::tidy

@@ -18,11 +18,23 @@ constexpr bool isLetter(char byte) {
 
 // The letter before "=", 0 where there is none.
 char keyOf(std::string_view line) {
+    if (line.size() > 1 && line[1] == '=' && isLetter(line[0])) {
+        return line[0]; // as nearly all lines begin
+    }
     size_t at = 0;
     while (at < line.size() && isLeftOut(line[at])) {
         ++at;
     }
     return at + 1 < line.size() && line[at + 1] == '=' && isLetter(line[at]) ? line[at] : '\0';
+}
+
+// The same where white space around the "=" is repaired.
+char looseKeyOf(std::string_view line) {
+    line = withoutBlanksBefore(line);
+    if (line.empty() || !isLetter(line.front())) {
+        return '\0';
+    }
+    return withoutBlanksBefore(line.substr(1)).starts_with('=') ? line.front() : '\0';
 }
 
 bool endsDescription(std::string_view line) {
@@ -89,7 +101,8 @@ public:
                 begun = begin(line);
                 continue;
             }
-            if (endsDescription(line.original) && !goesOn(line)) {
+            work_.hasSecondVersion = work_.hasSecondVersion || line.key == 'v';
+            if (line.key == '\0' && endsDescription(line.original) && !goesOn(line)) {
                 --work_.lineCount;
                 work_.tail = before;
                 return;
@@ -100,7 +113,6 @@ public:
 private:
     Line &next() {
         Line &line = work_.lines[work_.lineCount++];
-        line = {};
         line.original = cutter_.next(line.end);
         line.text = line.original;
         line.number = work_.lineCount;
@@ -151,7 +163,7 @@ private:
             if (withoutBlanksBefore(following).empty()) {
                 continue;
             }
-            const char key = keyOf(following);
+            const char key = work_.wants(Rule::KeySpace) ? looseKeyOf(following) : keyOf(following);
             if (key == '\0' || key == 'v') {
                 return false;
             }
@@ -182,10 +194,13 @@ private:
 bool cutLines(Workspace &work) {
     const std::string_view text = work.text;
     const bool hasLf = std::memchr(text.data(), '\n', text.size()) != nullptr;
-    const bool endsInCr = !hasLf && work.wants(Rule::LineEndCr) &&
-                          std::memchr(text.data(), '\r', text.size()) != nullptr;
-    const char breaks = endsInCr ? '\r' : '\n';
-    work.lines = work.memory.array<Line>(countLines(text, breaks));
+    work.endsInCr = !hasLf && work.wants(Rule::LineEndCr) &&
+                    std::memchr(text.data(), '\r', text.size()) != nullptr;
+    const char breaks = work.endsInCr ? '\r' : '\n';
+    // The decoder has counted those that it took.
+    const uint32_t taken = work.takenLines();
+    const uint32_t count = taken + countLines(text.substr(taken == 0 ? 0 : work.takenSize), breaks);
+    work.lines = work.memory.array<Line>(count);
     if (work.lines != nullptr) {
         Reader(work, breaks).read();
     }

@@ -1,6 +1,4 @@
 // The m= line (RFC 4566 section 5.14): the space between its fields, and formats that are missing.
-#include <algorithm>
-
 #include "sdpline/cpp/detail/keywords.hpp"
 #include "tidy/values.hpp"
 
@@ -13,10 +11,14 @@ constexpr uint32_t kBeforeFormats = 3; // media, port, protocol
 // The payload number of an a=rtpmap line, empty for any other line.
 std::string_view payloadOf(const Line &line) {
     constexpr std::string_view begin = "a=rtpmap:";
-    if (!line.text.starts_with(begin)) {
+    std::string_view value = line.text;
+    if (value.starts_with(kKept)) { // a payload without a mapping
+        value.remove_prefix(kKept.size());
+    }
+    if (!value.starts_with(begin)) {
         return {};
     }
-    const std::string_view value = withoutBlanksBefore(line.text.substr(begin.size()));
+    value = withoutBlanksBefore(value.substr(begin.size()));
     size_t digits = 0;
     while (digits < value.size() && isDigit(value[digits])) {
         ++digits;
@@ -133,12 +135,21 @@ private:
     void write(std::string_view after) {
         Draft draft(work_.memory, value_.size() + after.size() + 2);
         draft << "m=";
-        std::string_view rest = withoutBlanksBefore(withoutBlanksAfter(value_));
-        while (!rest.empty()) {
-            const size_t size = std::min(rest.find_first_of(" \t"), rest.size());
-            draft << rest.substr(0, size);
-            rest = withoutBlanksBefore(rest.substr(size));
-            draft << (rest.empty() ? "" : " ");
+        std::string_view rest = withoutBlanksAfter(value_);
+        if (run_ != nullptr) { // as far as that there is one blank
+            const auto even = static_cast<size_t>(run_ - value_.data());
+            draft << rest.substr(0, even) << " ";
+            rest = withoutBlanksBefore(rest.substr(even));
+            for (size_t at = 0; at < rest.size();) {
+                const std::string_view field = wordOf(rest.substr(at));
+                at += field.size();
+                draft << field << (at < rest.size() ? " " : "");
+                while (at < rest.size() && isBlank(rest[at])) {
+                    ++at;
+                }
+            }
+        } else {
+            draft << rest;
         }
         line_.text = (draft << after).text();
     }

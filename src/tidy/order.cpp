@@ -6,36 +6,59 @@ namespace sdpline::tidy {
 
 namespace {
 
-constexpr uint8_t kRanks = 13;
+constexpr uint8_t kRanks = 13; // the rank of a line that does not belong where it is
+
+// Lines in their order, and the rank of each letter.
+struct Order {
+    explicit constexpr Order(std::string_view letters) : keys(letters) {
+        for (uint8_t &rank : ranks) {
+            rank = kRanks;
+        }
+        for (size_t rank = 0; rank < keys.size(); ++rank) {
+            ranks[keys[rank] - 'a'] = static_cast<uint8_t>(rank);
+        }
+    }
+
+    constexpr uint8_t rankOf(char key) const {
+        return key >= 'a' && key <= 'z' ? ranks[key - 'a'] : kRanks;
+    }
+
+    constexpr uint8_t last() const { return static_cast<uint8_t>(keys.size() - 1); }
+
+    std::string_view keys;
+    uint8_t ranks[26] = {};
+};
 
 // r= has the rank of t=: it stays with the t= before it.
-constexpr std::string_view kSessionOrder = "vosiuepcbtzka";
-constexpr std::string_view kMediaOrder = "micbka";
+constexpr Order kSessionOrder("vosiuepcbtzka");
+constexpr Order kMediaOrder("micbka");
+static_assert(kSessionOrder.keys.back() == 'a' && kMediaOrder.keys.back() == 'a');
+static_assert(kSessionOrder.keys.size() == kRanks && kMediaOrder.keys.size() <= kRanks);
+
 // Between s= and t= none of these may be followed by an m= line or by an attribute.
-constexpr std::string_view kNeedTime = "iuepb";
-
-static_assert(kSessionOrder.size() == kRanks && kMediaOrder.size() <= kRanks);
-
+constexpr uint32_t kNeedTime = lettersOf("iuepb");
+// They come after t=.
+constexpr uint32_t kAfterTime = lettersOf("zka");
 // Lines that come once. The first of a kind is kept, of c= lines the last.
-constexpr std::string_view kSingle = "osiuczk";
-
-constexpr bool isOneOf(std::string_view keys, char key) {
-    return key != '\0' && keys.find(key) != std::string_view::npos;
-}
+constexpr uint32_t kSingle = lettersOf("osiuczk");
+constexpr uint32_t kOfSession = lettersOf("osueptrz");
 
 // The session, or one media description: its lines, and those that come to it from elsewhere.
 class Section {
 public:
-    Section(Workspace &work, std::string_view order) : work_(work), order_(order) {}
+    Section(Workspace &work, const Order &order) : work_(work), order_(order) {}
 
-    bool has(char key) const { return isOneOf(order_, key) && seen_[rankOf(key)] != nullptr; }
-    bool isEmpty() const { return lines_.empty() && aside_.empty(); }
+    // Of a kind that belongs here.
+    bool has(char key) const { return first(key) != nullptr; }
+    const Line *first(char key) const { return seen_[order_.rankOf(key)]; }
 
     // A line of the text that belongs here, in its turn. A second one of a kind that comes once may
     // go, or make the first one go.
     void add(Line &line) {
-        const char key = line.key == 'r' ? 't' : line.key;
-        line.rank = isOneOf(order_, key) ? rankOf(key) : kRanks;
+        if (line.key == 'a' && !line.aside) {
+            return addAttribute(line);
+        }
+        line.rank = order_.rankOf(line.key == 'r' ? 't' : line.key);
         known_ = known_ && line.rank < kRanks;
         if (line.rank < kRanks && isOneOf(kSingle, line.key)) {
             Line *&first = seen_[line.rank];
@@ -67,20 +90,20 @@ public:
 
     // The rank of the last line that is here, once all are in their order.
     char lastKey() const {
-        for (size_t rank = order_.size(); rank-- > 0;) {
+        for (size_t rank = order_.keys.size(); rank-- > 0;) {
             if (seen_[rank] != nullptr) {
-                return order_[rank];
+                return order_.keys[rank];
             }
         }
         return '\0';
     }
 
-    const Line *first(char key) const { return seen_[rankOf(key)]; }
-
     // All lines in their order, as far as the rules want it.
     LineList inOrder() {
-        dropLeftOut(lines_);
-        dropLeftOut(aside_);
+        if (leftOut_) {
+            dropLeftOut(lines_);
+            dropLeftOut(aside_);
+        }
         if (late_ && known_ && work_.wants(Rule::LineOrder)) {
             reportLate();
             lines_ = sorted(lines_);
@@ -89,7 +112,12 @@ public:
     }
 
 private:
-    uint8_t rankOf(char key) const { return static_cast<uint8_t>(order_.find(key)); }
+    // Most lines are attributes, which come last: none is late.
+    void addAttribute(Line &line) {
+        line.rank = highest_ = order_.last();
+        seen_[line.rank] = &line;
+        lines_.append(line);
+    }
 
     // Of two lines of a kind that comes once: true when the later one goes.
     bool isLeftOut(Line &first, Line &later) {
@@ -99,7 +127,7 @@ private:
         if (later.key != 'c') {
             return drop(Rule::LineAgain, later);
         }
-        drop(Rule::ConnAgain, first);
+        leftOut_ = drop(Rule::ConnAgain, first) || leftOut_;
         return false;
     }
 
@@ -169,13 +197,14 @@ private:
     }
 
     Workspace &work_;
-    std::string_view order_;
+    const Order &order_;
     LineList lines_;
     LineList aside_;
     Line *seen_[kRanks] = {};
     uint8_t highest_ = 0;
     bool late_ = false;
-    bool known_ = true; // every line is of a kind that may be here
+    bool leftOut_ = false; // a line that had been added
+    bool known_ = true;    // every line is of a kind that may be here
 };
 
 class Arranger {
@@ -216,7 +245,7 @@ private:
 
     // A line below an m= line may be one of the session.
     void addBelow(Section &description, Line &line) {
-        const bool ofSession = isOneOf("osueptrz", line.key);
+        const bool ofSession = isOneOf(kOfSession, line.key);
         if (!ofSession || !work_.wants(Rule::LineLevel)) {
             return add(description, line);
         }
@@ -246,7 +275,7 @@ private:
             return;
         }
         const char last = session_.lastKey();
-        if (isOneOf("zka", last)) {
+        if (isOneOf(kAfterTime, last)) {
             const Line *const after = session_.has('z')   ? session_.first('z')
                                       : session_.has('k') ? session_.first('k')
                                                           : session_.first('a');

@@ -142,7 +142,7 @@ public:
         if (fields_.leading() != nullptr || isNet(2)) {
             addUser();
         }
-        if (fields_.count() > 6) {
+        if (!isNet(3)) {
             joinUser();
         }
         if (fields_.count() < 4 || !Types(work_, line_, fields_, 3).repair()) {
@@ -164,12 +164,15 @@ private:
         }
     }
 
-    // Before the last five fields all is the user's name.
+    // All is the user's name before two ids and IN, after which the address or its type may be
+    // missing.
     void joinUser() {
-        const uint32_t words = fields_.count() - 5;
-        if (!isNet(words + 2) || !work_.wants(Rule::OriginSpaces)) {
+        const uint32_t count = fields_.count();
+        const uint32_t net = count > 4 && isNet(count - 2) ? count - 2 : count - 3;
+        if (count < 6 || net < 4 || !isNet(net) || !work_.wants(Rule::OriginSpaces)) {
             return;
         }
+        const uint32_t words = net - 2;
         work_.report(Rule::OriginSpaces, line_, fields_.place(0) + fields_[0].size());
         Draft user(work_.memory, line_.original.size());
         for (uint32_t i = 0; i < words; ++i) {

@@ -1,6 +1,7 @@
 #include "tidy/rules.hpp"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <string_view>
 
@@ -156,6 +157,15 @@ constexpr bool rowsAreInOrder() {
 static_assert(std::size(kRules) == SDP_TIDY_RULE_COUNT && SDP_TIDY_RULE_COUNT <= 64);
 static_assert(rowsAreInOrder());
 
+// The rules of each set, a bit for each.
+constexpr auto kSets = [] {
+    std::array<uint64_t, SDP_TIDY_DOUBT + 1> sets = {};
+    for (const SDPTidyRule &rule : kRules) {
+        sets[rule.enSet] |= SDP_TIDY_BIT(rule.enRule);
+    }
+    return sets;
+}();
+
 constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
@@ -167,11 +177,7 @@ bool sameName(std::string_view first, std::string_view second) {
 } // namespace
 
 uint64_t rulesOf(uint32_t set) {
-    uint64_t rules = 0;
-    for (const SDPTidyRule &rule : kRules) {
-        rules |= rule.enSet == set ? SDP_TIDY_BIT(rule.enRule) : 0;
-    }
-    return rules;
+    return set < std::size(kSets) ? kSets[set] : 0;
 }
 
 } // namespace sdpline::tidy

@@ -8,8 +8,10 @@ namespace sdpline::tidy {
 
 namespace {
 
-// Of the block: what is left beside the lines and the repaired text, and what it grows by.
-constexpr uint32_t kBlockRoom = 1024;
+// Of the block: its size, in which lines of the usual length, the rows and the repaired text are,
+// and what it grows by.
+constexpr uint32_t kBlockTimes = 5;
+constexpr uint32_t kBlockMore = 1536;
 constexpr uint32_t kBlockNext = 4096;
 
 // ---- The repaired text
@@ -67,12 +69,23 @@ std::string_view textOf(Workspace &work, const LineList &lines, uint32_t limit) 
         withoutCr = count != 0 && layout.size - count <= limit;
     }
     Draft draft(work.memory, layout.size);
+    std::string_view pending; // lines that follow each other as they did in the given text
+    const auto write = [&](std::string_view part) {
+        if (part.data() == pending.data() + pending.size()) {
+            pending = {pending.data(), pending.size() + part.size()};
+        } else if (!part.empty()) {
+            draft << pending;
+            pending = part;
+        }
+    };
     for (Line *line = lines.first; line != nullptr; line = line->next) {
         if (withoutCr && line->end.size() == 2) {
             line->end.remove_prefix(1);
         }
-        draft << line->text << line->end;
+        write(line->text);
+        write(line->end);
     }
+    draft << pending;
     writeTail(draft, work.tail, withoutCr);
     if (withoutCr) {
         const Line &first = work.lines[0];
@@ -83,13 +96,19 @@ std::string_view textOf(Workspace &work, const LineList &lines, uint32_t limit) 
 
 // ---- The report
 
+SDPTidyRow rowOf(const Workspace &work, const Found &found) {
+    const Line &line = *found.line;
+    const Line &given = work.lines[line.number - 1];
+    const auto begin = static_cast<uint32_t>(given.original.data() - work.text.data());
+    return {static_cast<uint32_t>(found.rule), line.number, found.offset + 1, begin + found.offset,
+            line.newNumber};
+}
+
 // Rows in the order of the text: counted by line, then put in their places.
-SDPTidyRow *rowsOf(Workspace &work) {
-    const uint32_t count = work.foundCount();
-    auto *const rows = work.memory.array<SDPTidyRow>(count);
+bool sortRows(Workspace &work, SDPTidyRow *rows, uint32_t count) {
     auto *const starts = work.memory.array<uint32_t>(work.lineCount + 2);
-    if (rows == nullptr || starts == nullptr) {
-        return nullptr;
+    if (starts == nullptr) {
+        return false;
     }
     std::fill_n(starts, work.lineCount + 2, 0u);
     for (const Found *found = work.found(); found != work.found() + count; ++found) {
@@ -99,13 +118,26 @@ SDPTidyRow *rowsOf(Workspace &work) {
         starts[line] += starts[line - 1];
     }
     for (const Found *found = work.found(); found != work.found() + count; ++found) {
-        const Line &line = *found->line;
-        const Line &given = work.lines[line.number - 1];
-        const auto begin = static_cast<uint32_t>(given.original.data() - work.text.data());
-        rows[starts[line.number]++] = {static_cast<uint32_t>(found->rule), line.number,
-                                       found->offset + 1, begin + found->offset, line.newNumber};
+        rows[starts[found->line->number]++] = rowOf(work, *found);
     }
-    return rows;
+    return true;
+}
+
+// Null without memory.
+SDPTidyRow *rowsOf(Workspace &work) {
+    const uint32_t count = work.foundCount();
+    auto *const rows = work.memory.array<SDPTidyRow>(count);
+    if (rows == nullptr) {
+        return nullptr;
+    }
+    uint32_t done = 0;
+    for (; done < count; ++done) {
+        rows[done] = rowOf(work, work.found()[done]);
+        if (done != 0 && rows[done].ulLine < rows[done - 1].ulLine) {
+            break;
+        }
+    }
+    return done == count || sortRows(work, rows, count) ? rows : nullptr;
 }
 
 // Why the repaired text is refused, with its place in the text as it was given: that of the line,
@@ -139,13 +171,18 @@ public:
 
     // The decoder's result for the repaired text, or that nothing could be repaired.
     SDPResult run() {
+        if (const SDPFailure &failure = report_.stFailure; failure.ulLine != 0) {
+            work_.takenCount = failure.ulLine - 1;
+            work_.takenSize = failure.ulOffset;
+        }
         if (!cutLines(work_)) {
             return SDP_TIDY_NO_MEMORY;
         }
-        if (isNeverRepaired()) {
+        if (work_.hasSecondVersion) {
             return report_.stFailure.ulResult;
         }
-        for (uint32_t i = 0; i < work_.lineCount; ++i) {
+        // From the last line back: an m= line looks at what follows it as that will be written.
+        for (uint32_t i = work_.lineCount; i-- > work_.takenLines();) {
             if (work_.lines[i].rank != kNotWritten) {
                 repairLine(work_, work_.lines[i]);
             }
@@ -159,19 +196,6 @@ public:
     }
 
 private:
-    // Text before v= other than blanks, and a second v=.
-    bool isNeverRepaired() const {
-        bool begun = false;
-        for (uint32_t i = 0; i < work_.lineCount; ++i) {
-            const Line &line = work_.lines[i];
-            if (line.key == 'v' && begun) {
-                return true;
-            }
-            begun = begun || line.rank != kNotWritten;
-        }
-        return false;
-    }
-
     SDPResult decodeAgain(const LineList &lines, std::string_view text) {
         const SipString repaired = {static_cast<uint32_t>(text.size()),
                                     const_cast<char *>(text.data())};
@@ -200,7 +224,7 @@ private:
 
 SDPResult repair(const Request &request, SDPTidyReport &report) {
     SDPMemCp *memCp = nullptr;
-    const uint32_t size = 2 * request.text.ulLen + kBlockRoom;
+    const uint32_t size = kBlockTimes * request.text.ulLen + kBlockMore;
     if (SipMmCreateBufMem(size, kBlockNext, &memCp) != 0) {
         return SDP_TIDY_NO_MEMORY;
     }

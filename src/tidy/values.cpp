@@ -7,15 +7,15 @@ namespace sdpline::tidy {
 
 namespace {
 
-constexpr std::string_view kKept = "a=x-line:";
+constexpr uint32_t kOptionalKeys = lettersOf("iuepcbrzka");
 
 constexpr bool isKnown(char key) {
-    return std::string_view("vosiuepcbtrzkam").find(key) != std::string_view::npos;
+    return isOneOf(lettersOf("vosiuepcbtrzkam"), key);
 }
 
 // Lines whose value is any text: a blank at its start belongs to it.
 constexpr bool isText(char key) {
-    return std::string_view("siuepbkz").find(key) != std::string_view::npos;
+    return isOneOf(lettersOf("siuepbkz"), key);
 }
 
 // Writes the line with nothing around its "=".
@@ -92,10 +92,35 @@ void repairEmpty(Workspace &work, Line &line) {
     if (line.key == 's' && work.wants(Rule::NameEmpty)) {
         work.report(Rule::NameEmpty, line, line.original.data() + line.original.size());
         line.text = kNameLine;
-    } else if (std::string_view("iuepcbrzka").find(line.key) != std::string_view::npos &&
-               work.wants(Rule::LineEmpty)) {
+    } else if (isOneOf(kOptionalKeys, line.key) && work.wants(Rule::LineEmpty)) {
         work.report(Rule::LineEmpty, line);
         leaveOut(line);
+    }
+}
+
+// Digits, dots and slashes, as an IPv4 address has.
+constexpr bool isAddressPart(std::string_view text) {
+    for (const char byte : text) {
+        if (byte < '.' || byte > '9') {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Whether there is nothing to repair, as in most lines. False is no promise.
+bool isPlain(const Line &line) {
+    constexpr std::string_view ip4 = "c=IN IP4 ";
+    if (line.text.size() < 3 || line.text[1] != '=') {
+        return false;
+    }
+    switch (line.key) {
+    case 'v': return line.text == kVersionLine;
+    case 't': return line.text == kTimeLine;
+    case 'c':
+        return line.text.starts_with(ip4) && line.text.size() != ip4.size() &&
+               isAddressPart(line.text.substr(ip4.size()));
+    default: return isText(line.key);
     }
 }
 
@@ -124,8 +149,11 @@ void keepAsAttribute(Workspace &work, Line &line) {
 }
 
 void repairLine(Workspace &work, Line &line) {
-    if (line.text.find('\r') != std::string_view::npos) {
-        return; // readers disagree about where it ends
+    if (line.text.starts_with("a=") && line.text.size() > 2 && !isBlank(line.text[2])) {
+        return repairAttribute(work, line, line.text.substr(2));
+    }
+    if (isPlain(line) || endsTwice(line)) {
+        return;
     }
     std::string_view value;
     if (line.key == '\0') {
@@ -139,7 +167,7 @@ void repairLine(Workspace &work, Line &line) {
         }
         return;
     } else {
-        value = line.text.substr(line.text.find('=') + 1);
+        value = line.text.substr(line.text[1] == '=' ? 2 : line.text.find('=') + 1);
         closeValue(work, line, value);
     }
     switch (line.key) {

@@ -69,6 +69,18 @@ public:
     Item *array(uint32_t count) {
         return static_cast<Item *>(take(count * static_cast<uint32_t>(sizeof(Item))));
     }
+    // Bytes of a text, cut from a larger allocation where they are few. Not to be given back.
+    char *bytes(size_t size) {
+        if (size > left_) {
+            left_ = size > kTexts ? size : kTexts;
+            free_ = array<char>(static_cast<uint32_t>(left_));
+            left_ = free_ != nullptr ? left_ : 0;
+        }
+        char *const begin = free_;
+        free_ += free_ != nullptr ? size : 0;
+        left_ -= left_ != 0 ? size : 0;
+        return begin;
+    }
     void give(void *memory) {
         if (memory != nullptr) {
             memCp_->pfnFree(memory);
@@ -77,15 +89,18 @@ public:
     bool hasFailed() const { return failed_; }
 
 private:
+    static constexpr size_t kTexts = 512;
+
     SDPMemCp *memCp_;
+    char *free_ = nullptr;
+    size_t left_ = 0;
     bool failed_ = false;
 };
 
 // A line under construction: parts appended to memory of a known size.
 class Draft {
 public:
-    Draft(Memory &memory, size_t size)
-        : begin_(memory.array<char>(static_cast<uint32_t>(size))), size_(size) {}
+    Draft(Memory &memory, size_t size) : begin_(memory.bytes(size)), size_(size) {}
 
     Draft &operator<<(std::string_view part) {
         if (begin_ != nullptr && !part.empty() && part.size() <= size_ - used_) {
@@ -113,8 +128,15 @@ public:
     std::string_view lineEnd = "\r\n"; // of lines that are put in
     Line *lines = nullptr;
     uint32_t lineCount = 0;
+    uint32_t takenCount = 0;       // of lines, that the decoder took before it refused one
+    uint32_t takenSize = 0;        // and bytes of the text before the place of that
+    bool endsInCr = false;         // each line, there being no LF
+    bool hasSecondVersion = false; // or text before v=: that is never repaired
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }
+    // How many lines need no repair within them, for the decoder took them. Where lines end in CR
+    // it took one that is none.
+    uint32_t takenLines() const { return endsInCr ? 0 : takenCount; }
     // As the decoder is set: RTP/SAVPF and its like take payloads.
     bool takesRtpFamily() const { return rtpFamily_; }
 
@@ -149,8 +171,30 @@ LineList arrange(Workspace &work);
 
 // ---- Bytes and words
 
+// A set of small letters, a bit for each.
+constexpr uint32_t lettersOf(std::string_view letters) {
+    uint32_t set = 0;
+    for (const char letter : letters) {
+        set |= 1u << (letter - 'a');
+    }
+    return set;
+}
+
+constexpr bool isOneOf(uint32_t letters, char byte) {
+    return byte >= 'a' && byte <= 'z' && (letters >> (byte - 'a') & 1) != 0;
+}
+
 constexpr bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
+}
+
+// The text up to its first blank or tab.
+constexpr std::string_view wordOf(std::string_view text) {
+    size_t size = 0;
+    while (size != text.size() && !isBlank(text[size])) {
+        ++size;
+    }
+    return text.substr(0, size);
 }
 
 constexpr bool isDigit(char byte) {

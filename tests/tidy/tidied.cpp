@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "support/guarded.hpp"
 
@@ -93,6 +94,39 @@ void expectNoLineLost(const std::string &text, const Tidied &tidied) {
     }
 }
 
+// A line that is written anew is one that the decoder refuses as it was given.
+void expectOnlyRefusedLinesChanged(const std::string &text, const Tidied &tidied,
+                                   const SDPDecodeOptions &options) {
+    // Rules that put a line in, and one for what may be there when a line comes before it.
+    constexpr uint64_t putIn =
+        SDP_TIDY_BIT(SDP_TIDY_LEADING_BLANK) | SDP_TIDY_BIT(SDP_TIDY_VERSION_MISSING) |
+        SDP_TIDY_BIT(SDP_TIDY_ORIGIN_MISSING) | SDP_TIDY_BIT(SDP_TIDY_NAME_MISSING) |
+        SDP_TIDY_BIT(SDP_TIDY_TIME_MISSING);
+    if (text.find('\n') == std::string::npos) {
+        return;
+    }
+    const std::vector<std::string> given = cut(text);
+    std::vector<std::string> written = cut(tidied.text);
+    for (const SDPTidyRow &row : tidied.rows) {
+        if (row.ulNewLine == 0 || (putIn & SDP_TIDY_BIT(row.enRule)) != 0) {
+            continue;
+        }
+        std::string &line = written[row.ulNewLine - 1];
+        const std::string &before = given[row.ulLine - 1];
+        if (line == before) {
+            continue;
+        }
+        const std::string after = std::exchange(line, before);
+        std::string back;
+        for (const std::string &each : written) {
+            back += each + '\n';
+        }
+        line = after;
+        EXPECT_FALSE(decodes(back, options))
+            << "the decoder takes " << before << ", which became " << after;
+    }
+}
+
 void expectPlaces(const std::string &text, const Tidied &tidied) {
     const std::vector<size_t> lines = linesOf(text);
     size_t before = 0;
@@ -161,6 +195,7 @@ void expectProperties(const std::string &text, const Tidied &tidied, uint64_t ru
         EXPECT_EQ(again.outcome, static_cast<uint32_t>(SDP_TIDY_UNCHANGED));
         EXPECT_EQ(again.text, tidied.text);
         expectNoLineLost(text, tidied);
+        expectOnlyRefusedLinesChanged(text, tidied, options);
     }
     for (const SDPTidyRow &row : tidied.rows) {
         EXPECT_NE(rules & SDP_TIDY_BIT(row.enRule), 0u) << "a rule that was not wanted";

@@ -1,0 +1,166 @@
+// Every two rules in one text: each rule's fault is put into the same body at each place where it
+// can be, and so is that of every other rule, beside it or in the same line. Both are repaired and
+// told, whatever the one does to the other; two that cannot meet in a line have a row that says
+// why.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "tidy/tidied.hpp"
+#include "tidy/untidybody.hpp"
+
+namespace {
+
+using tidytest::Fault;
+using tidytest::Place;
+using tidytest::Tidied;
+using tidytest::UntidyBody;
+
+constexpr uint64_t kAll = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
+
+// Rules that cannot meet in one line.
+struct Never {
+    uint32_t first;
+    uint32_t second;
+    const char *why;
+};
+
+constexpr Never kNever[] = {
+    {SDP_TIDY_ORIGIN_USER, SDP_TIDY_ORIGIN_SPACES, "a name that is missing has no blanks"},
+    {SDP_TIDY_ORIGIN_ADDRESS, SDP_TIDY_ADDR_TYPE_MISSING, "the address shows the type"},
+    {SDP_TIDY_ADDR_TYPE_WORD, SDP_TIDY_ADDR_TYPE_MISSING, "there is a word, or none"},
+    {SDP_TIDY_ADDR_FAMILY, SDP_TIDY_ADDR_TYPE_MISSING, "IP4 is there, or missing"},
+    {SDP_TIDY_ADDR_FAMILY, SDP_TIDY_CONN_HOST, "an IPv6 address is no host name"},
+    {SDP_TIDY_ADDR_TYPE_MISSING, SDP_TIDY_CONN_HOST, "a host name shows no type"},
+    {SDP_TIDY_LINE_TWICE, SDP_TIDY_CONN_AGAIN, "the earlier of two is gone when a third follows"},
+    {SDP_TIDY_LINE_TWICE, SDP_TIDY_LINE_ORDER, "the one that comes late is left out"},
+    {SDP_TIDY_LINE_AGAIN, SDP_TIDY_LINE_ORDER, "the one that comes late is left out"},
+    {SDP_TIDY_VALUE_MISSING, SDP_TIDY_TRAILING_SPACE, "a value of blanks is none"},
+    {SDP_TIDY_FORMAT_MISSING, SDP_TIDY_TRAILING_SPACE, "the blank is where the format belongs"},
+    {SDP_TIDY_NAME_MISSING, SDP_TIDY_NAME_EMPTY, "a line that is missing is not empty"},
+};
+
+// A rule that takes the line away leaves none for the other.
+constexpr uint32_t kTakeAway[] = {SDP_TIDY_VERSION_MISSING, SDP_TIDY_ORIGIN_MISSING,
+                                  SDP_TIDY_NAME_MISSING, SDP_TIDY_TIME_MISSING};
+
+bool takesAway(uint32_t rule) {
+    return std::ranges::find(kTakeAway, rule) != std::end(kTakeAway);
+}
+
+bool neverInOneLine(uint32_t first, uint32_t second) {
+    return takesAway(first) || takesAway(second) ||
+           std::ranges::any_of(kNever, [=](const Never &never) {
+               return (never.first == first && never.second == second) ||
+                      (never.first == second && never.second == first);
+           });
+}
+
+bool tells(const Tidied &tidied, uint32_t rule) {
+    return std::ranges::any_of(tidied.rows,
+                               [=](const SDPTidyRow &row) { return row.enRule == rule; });
+}
+
+struct Pair {
+    const Fault *first;
+    const Fault *second;
+    Place firstPlace;
+    Place secondPlace;
+};
+
+void eachPair(const std::function<void(const Pair &)> &use) {
+    const std::vector<Fault> &faults = tidytest::faults();
+    for (const Fault &first : faults) {
+        for (const Fault *second = &first + 1; second != faults.data() + faults.size(); ++second) {
+            for (const Place here : first.places) {
+                for (const Place there : second->places) {
+                    use({&first, second, here, there});
+                }
+            }
+        }
+    }
+}
+
+UntidyBody bodyOf(const Pair &pair) {
+    UntidyBody body;
+    pair.first->apply(body, pair.firstPlace);
+    pair.second->apply(body, pair.secondPlace);
+    return body;
+}
+
+Tidied tidiedPair(const UntidyBody &body, SDPDecodeOptions &options) {
+    options = tidytest::kStrict;
+    if (body.isTooLong) { // with the carriage returns that it has when all else is repaired
+        const Tidied whole = tidytest::tidied(body.text(), kAll);
+        options.ulMaxBodySize = static_cast<uint32_t>(whole.text.size()) - 1;
+    }
+    return tidytest::tidied(body.text(), kAll, options);
+}
+
+TEST(TidyPairs, HaveAFaultForEveryRule) {
+    uint64_t rules = 0;
+    for (const Fault &fault : tidytest::faults()) {
+        EXPECT_EQ(rules & SDP_TIDY_BIT(fault.rule), 0u);
+        rules |= SDP_TIDY_BIT(fault.rule);
+        for (const Place place : fault.places) {
+            UntidyBody body;
+            fault.apply(body, place);
+            SDPDecodeOptions options;
+            const Tidied tidied = tidiedPair(body, options);
+            EXPECT_EQ(tidied.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << body.text();
+            EXPECT_TRUE(tells(tidied, fault.rule)) << body.text();
+        }
+    }
+    EXPECT_EQ(rules, kAll);
+}
+
+TEST(TidyPairs, AreRepairedAndToldTogether) {
+    uint32_t pairs = 0;
+    uint32_t inOneLine = 0;
+    eachPair([&](const Pair &pair) {
+        const bool sameLine =
+            pair.firstPlace == pair.secondPlace && pair.firstPlace != Place::Whole;
+        if (sameLine && neverInOneLine(pair.first->rule, pair.second->rule)) {
+            return;
+        }
+        const UntidyBody body = bodyOf(pair);
+        SDPDecodeOptions options;
+        const Tidied tidied = tidiedPair(body, options);
+        const std::string what = std::string(SdpTidyRuleAt(pair.first->rule)->pcName) + " and " +
+                                 SdpTidyRuleAt(pair.second->rule)->pcName + ":\n" + body.text() +
+                                 "----\n" + tidied.report();
+        EXPECT_EQ(tidied.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << what;
+        EXPECT_TRUE(tells(tidied, pair.first->rule)) << what;
+        EXPECT_TRUE(tells(tidied, pair.second->rule)) << what;
+        tidytest::expectProperties(body.text(), tidied, kAll, options);
+        ++pairs;
+        inOneLine += sameLine ? 1 : 0;
+    });
+    EXPECT_GT(pairs, 3000u);
+    EXPECT_GT(inOneLine, 150u);
+}
+
+// Two that are said never to meet in a line do not.
+TEST(TidyPairs, ThatNeverMeetDoNot) {
+    for (const Never &never : kNever) {
+        uint32_t tried = 0;
+        eachPair([&](const Pair &pair) {
+            if (pair.firstPlace != pair.secondPlace || pair.firstPlace == Place::Whole ||
+                std::minmax(pair.first->rule, pair.second->rule) !=
+                    std::minmax(never.first, never.second)) {
+                return;
+            }
+            const UntidyBody body = bodyOf(pair);
+            SDPDecodeOptions options;
+            const Tidied tidied = tidiedPair(body, options);
+            EXPECT_FALSE(tells(tidied, never.first) && tells(tidied, never.second))
+                << never.why << ":\n"
+                << body.text() << tidied.report();
+            ++tried;
+        });
+        EXPECT_GT(tried, 0u) << never.why;
+    }
+}
+
+} // namespace
