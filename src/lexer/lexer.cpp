@@ -44,8 +44,9 @@ Lexer load() {
                    .kind = state.kind,
                    .context = state.context,
                    .special = 0,
-                   .last = state.last};
-    lexer.special = specialBits(lexer);
+                   .last = state.last,
+                   .counted = 0};
+    lexer.special = specialBits(lexer) | Lexer::kUnpadded;
     return lexer;
 }
 
@@ -94,7 +95,7 @@ SpecialStart findStart(const uint8_t *input, const uint8_t *at, const uint8_t *e
     const uint8_t *const from = (special & Lexer::kHalfCut) != 0 ? at : next;
     const uint32_t ended = *from == '\0' ? Lexer::kEnded : 0;
     const uint32_t repeats = from == input ? Lexer::kRepeats : 0;
-    return {from, ended | repeats | (special & Lexer::kCallsForTexts)};
+    return {from, ended | repeats | (special & (Lexer::kCallsForTexts | Lexer::kUnpadded))};
 }
 
 LetterToken cutLetter(const uint8_t *letter) {
@@ -161,11 +162,10 @@ void publishText() {
     takenText.from = nullptr;
 }
 
-uint32_t lineSize(const uint8_t *text) {
+const uint8_t *lineEnd(const uint8_t *text) {
     const auto *const from = reinterpret_cast<const char *>(text);
     const char *const end = std::strchr(from, '\n');
-    return static_cast<uint32_t>(end != nullptr ? static_cast<size_t>(end - from)
-                                                : std::strlen(from));
+    return text + (end != nullptr ? static_cast<size_t>(end - from) : std::strlen(from));
 }
 
 Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits) {

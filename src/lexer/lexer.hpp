@@ -7,12 +7,16 @@
 // names start from it and store where they stopped.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "lexer/bytes.hpp"
+#include "lexer/scan.hpp"
 #include "sdpline/sdpinternals.h"
 #include "services/inline.hpp"
+#include "text/scan.hpp"
 
 namespace sdpline {
 
@@ -38,6 +42,7 @@ struct Lexer {
     uint32_t context;
     uint32_t special; // a set of the bits below; 0 where the next token begins at `end`
     uint8_t last;     // the byte that was classified last
+    uint32_t counted; // the value of the digits that were cut last, modulo 2^32
 
     // The end token was cut: it stays. Parsers never take it, so that a lexer without special bits
     // need not remember; store() sees that it is current.
@@ -48,6 +53,8 @@ struct Lexer {
     static constexpr uint32_t kRepeats = 4;
     // memset_s is not libsipcore's: each taking of a text makes its call.
     static constexpr uint32_t kCallsForTexts = 8;
+    // The input may end in memory that is not ours: no byte after its NUL is read.
+    static constexpr uint32_t kUnpadded = 16;
 
     SDPLINE_INLINE bool is(uint32_t wanted) const { return kind == wanted; }
 
@@ -55,11 +62,36 @@ struct Lexer {
     // 1023, and nothing was taken.
     SDPLINE_INLINE std::string_view text();
 
+    // The value of the current token, which is a run of digits and has the text. A token that was
+    // current before there was this lexer has not been counted.
+    SDPLINE_INLINE uint32_t valueOf(std::string_view digits) const {
+        return special == 0 ? counted : scanNumber(digits);
+    }
+
     // Whether the input ends at the current token.
     SDPLINE_INLINE bool inputEnds() const { return *at == '\0'; }
 
     // Cuts the next token under the context.
     SDPLINE_INLINE void advance(uint32_t under);
+
+    // The same after a number, under the alphanumeric context: a byte by itself is next, nearly
+    // always.
+    SDPLINE_INLINE void advanceAfterDigits();
+
+    // Takes what follows the current token when it is this text, in one comparison: the text's last
+    // byte, which is a token in any context, is then current. Else nothing is taken.
+    template <size_t Size>
+    SDPLINE_INLINE bool jump(const char (&text)[Size]);
+    // The same for a word and the space after it. The text of the word is taken.
+    template <size_t Size>
+    SDPLINE_INLINE bool jumpWord(const char (&text)[Size]) {
+        if (!jump(text)) {
+            return false;
+        }
+        constexpr uint32_t size = Size - 2;
+        noteTaken(at - size, size);
+        return true;
+    }
 
     // Switches the context, then takes the current token when it is of the kind.
     SDPLINE_INLINE bool take(uint32_t wanted, uint32_t under) {
@@ -114,11 +146,20 @@ private:
         kind = closed;
     }
 
+    // A run; the byte after it is the one classified last.
+    SDPLINE_INLINE void closeAt(const uint8_t *byte, uint32_t closed) {
+        end = byte;
+        last = lexer::readAnew(byte);
+        kind = closed;
+    }
+
     // One byte, whatever it is.
     SDPLINE_INLINE void closeByte() { close(1, lexer::kBytes.kind[last]); }
 
     SDPLINE_INLINE void scanRun(lexer::Run run, uint32_t closed);
-    SDPLINE_INLINE void scanString() { scanRun(lexer::kStringRun, SDP_TOK_STRING); }
+    SDPLINE_INLINE void scanString();
+    SDPLINE_INLINE void scanToken();
+    SDPLINE_INLINE void scanDigits();
     SDPLINE_INLINE void scanSdp();
     SDPLINE_INLINE void scanAlnum();
     SDPLINE_INLINE void scanIpv6();
@@ -157,22 +198,8 @@ extern SDPLINE_PER_THREAD TakenText takenText;
 [[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
 void publishText();
 
-// The first byte that does not continue the run; the NUL after the input continues none.
-SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run) {
-    while ((kBytes.runs[*byte] & run) != 0) {
-        ++byte;
-    }
-    return byte;
-}
-
-// A byte that a loop has just read, read once more: else the loop would keep each one for the case
-// that it is the last.
-SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
-    return *const_cast<const volatile uint8_t *>(byte);
-}
-
-// Bytes before the line end or the end of the input.
-uint32_t lineSize(const uint8_t *text);
+// The line end after a text, or the end of the input.
+const uint8_t *lineEnd(const uint8_t *text);
 
 // Token by token, where a text does not fit or special bits are set.
 [[gnu::cold, gnu::noinline]] Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits);
@@ -245,10 +272,34 @@ inline void Lexer::advance(uint32_t under) {
     case Context::Sdp: return scanSdp();
     case Context::Char: return closeByte();
     case Context::String: return scanString();
-    case Context::Token: return scanRun(lexer::kTokenRun, SDP_TOK_TOKEN);
+    case Context::Token: return scanToken();
     case Context::Alnum: return scanAlnum();
     default: return scanIpv6();
     }
+}
+
+inline void Lexer::advanceAfterDigits() {
+    if (!begin()) [[unlikely]] {
+        return;
+    }
+    constexpr uint8_t runs = lexer::kDigitRun | lexer::kLetterRun | lexer::kMinusRun;
+    if ((lexer::kBytes.runs[last] & runs) == 0) [[likely]] {
+        return closeByte();
+    }
+    scanAlnum();
+}
+
+template <size_t Size>
+inline bool Lexer::jump(const char (&text)[Size]) {
+    constexpr size_t size = Size - 1;
+    static_assert(size <= lexer::kPadding);
+    if (special != 0 || std::memcmp(end, text, size) != 0) {
+        return false;
+    }
+    at = end + (size - 1);
+    last = static_cast<uint8_t>(text[size - 1]);
+    closeByte();
+    return true;
 }
 
 inline bool Lexer::takeToText(uint32_t wanted) {
@@ -265,15 +316,12 @@ inline bool Lexer::takeToText(uint32_t wanted) {
     return true;
 }
 
-// The run that the first byte begins, or that byte alone; the byte after a run is the one
-// classified last.
+// The run that the first byte begins, or that byte alone.
 inline void Lexer::scanRun(lexer::Run run, uint32_t closed) {
     if ((lexer::kBytes.runs[last] & run) == 0) {
         return closeByte();
     }
-    end = lexer::runEnd(at + 1, run);
-    last = lexer::readAnew(end);
-    kind = closed;
+    closeAt(lexer::runEnd(at + 1, run), closed);
 }
 
 // A line's key, a keyword of letters, or one byte.
@@ -291,9 +339,42 @@ inline void Lexer::scanSdp() {
     }
 }
 
+// A text up to a space, tab or line end, or that byte alone.
+inline void Lexer::scanString() {
+    if (special != 0) [[unlikely]] {
+        return scanRun(lexer::kStringRun, SDP_TOK_STRING);
+    }
+    if ((lexer::kBytes.runs[last] & lexer::kStringRun) == 0) {
+        return closeByte();
+    }
+    closeAt(lexer::stringEndInPadded(at + 1), SDP_TOK_STRING);
+}
+
+// A word, or a byte that is in none.
+inline void Lexer::scanToken() {
+    if (special != 0) [[unlikely]] {
+        return scanRun(lexer::kTokenRun, SDP_TOK_TOKEN);
+    }
+    if ((lexer::kBytes.runs[last] & lexer::kTokenRun) == 0) {
+        return closeByte();
+    }
+    closeAt(lexer::tokenEndInPadded(at + 1), SDP_TOK_TOKEN);
+}
+
+inline void Lexer::scanDigits() {
+    const uint8_t *byte = at;
+    counted = 0;
+    do {
+        counted = counted * 10 + (uint32_t{*byte} - '0');
+    } while (isDigit(*++byte));
+    closeAt(byte, SDP_TOK_DIGIT);
+}
+
 inline void Lexer::scanAlnum() {
+    if (isDigit(last)) {
+        return scanDigits();
+    }
     switch (lexer::kBytes.kind[last]) {
-    case SDP_TOK_DIGIT: return scanRun(lexer::kDigitRun, SDP_TOK_DIGIT);
     case SDP_TOK_ALPHA: return scanRun(lexer::kLetterRun, SDP_TOK_ALPHA);
     case SDP_TOK_MINUS: return scanRun(lexer::kMinusRun, SDP_TOK_MINUS);
     default: return closeByte();
@@ -314,12 +395,13 @@ inline void Lexer::jumpTo(const uint8_t *byte) {
 }
 
 inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
-    const uint32_t size = lexer::lineSize(at);
+    const uint8_t *const byte = special == 0 ? lexer::lineEndInPadded(at) : lexer::lineEnd(at);
+    const auto size = static_cast<uint32_t>(byte - at);
     rest = {reinterpret_cast<const char *>(at), size};
     if (size <= limit && special == 0) [[likely]] {
         if (size != 0) {
             noteTaken(at, size, lexer::TakenText::kRestOfLine);
-            jumpTo(at + size);
+            jumpTo(byte);
         }
         return true;
     }
@@ -330,7 +412,8 @@ inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
 }
 
 inline bool Lexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
-    const uint8_t *const byte = lexer::runEnd(at, lexer::kNameRun);
+    const uint8_t *const byte =
+        special == 0 ? lexer::nameEndInPadded(at) : lexer::runEnd(at, lexer::kNameRun);
     const auto size = static_cast<uint32_t>(byte - at);
     bytes = {reinterpret_cast<const char *>(at), size};
     if (special != 0 || size > limit || *byte == '\0') [[unlikely]] {

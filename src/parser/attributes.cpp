@@ -22,6 +22,19 @@ constexpr auto kAnyCaseNames = [] {
     return names;
 }();
 
+// Their sizes, as bits: most names have another.
+constexpr uint32_t kAnyCaseSizes = [] {
+    uint32_t sizes = 0;
+    for (const KeywordRow &name : kAnyCaseNames) {
+        sizes |= uint32_t{1} << name.text.size();
+    }
+    return sizes;
+}();
+
+constexpr bool mayBeAnyCase(std::string_view name) {
+    return name.size() < 32 && (kAnyCaseSizes >> name.size() & 1) != 0;
+}
+
 struct NameChecks {
     Check alloc;
     Check store;
@@ -74,9 +87,11 @@ bool keepUnrecognised(Parser &p, SDPAttr &attr, std::string_view name) {
 
 // A name that the table has in no letter case, or in any
 bool parseOther(Parser &p, SDPAttr &attr, std::string_view name) {
-    for (const KeywordRow &known : kAnyCaseNames) {
-        if (equalIgnoringCase(known.text, name)) {
-            return parseFlag(p, attr, known.code);
+    if (mayBeAnyCase(name)) {
+        for (const KeywordRow &known : kAnyCaseNames) {
+            if (equalIgnoringCase(known.text, name)) {
+                return parseFlag(p, attr, known.code);
+            }
         }
     }
     return keepUnrecognised(p, attr, name);

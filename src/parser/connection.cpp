@@ -23,12 +23,12 @@ SDPLINE_INLINE bool octet(Parser &p, uint8_t &byte, OctetChecks checks,
     if (!p.read(digits, SDP_TOK_DIGIT, checks.digits, line)) {
         return false;
     }
-    const uint32_t value = scanNumber(digits);
+    const uint32_t value = p.valueOf(digits);
     if (!octetFits(value)) {
         return p.refuse(checks.range, 0, line);
     }
     byte = static_cast<uint8_t>(value);
-    return p.next(Context::Alnum);
+    return p.nextAfterDigits();
 }
 
 } // namespace
@@ -97,9 +97,10 @@ bool parseTtlAndCount(Parser &p, SDPConnection &connection) {
 
 namespace {
 
-// "IN" SP
+// c= "IN" SP
 SDPLINE_INLINE bool networkType(Parser &p, SDPConnection &connection) {
-    if (!p.see(SDP_TOK_IN, Check::ConnNetType)) {
+    if (!p.expect(SDP_TOK_CONNECTION, Context::Sdp, Check::ConnLine) ||
+        !p.see(SDP_TOK_IN, Check::ConnNetType)) {
         return false;
     }
     connection.stNetType.enNetType = SDP_NETTYPE_IN;
@@ -116,13 +117,23 @@ SDPLINE_INLINE bool address(Parser &p, SDPConnection &connection) {
            (family == SDP_TOK_IP4 ? parseIpv4(p, connection) : parseIpv6(p, connection));
 }
 
+// The usual types of a numeric address, which are compared at once.
+SDPLINE_INLINE bool ipv4Types(Parser &p, SDPConnection &connection) {
+    if (!p.is(SDP_TOK_CONNECTION) || !p.jump("IN IP4 ")) {
+        return false;
+    }
+    connection.stNetType = {SDP_NETTYPE_IN, nullptr};
+    connection.stAddrType = {SDP_ADDRTYPE_IP4, nullptr};
+    return true;
+}
+
 } // namespace
 
 // c= "IN" SP ( "IP4" / "IP6" ) SP address [ "/" ttl [ "/" count ] ] LF
 [[gnu::flatten]] bool parseConnection(Parser &parser, SDPConnection &connection) {
     return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
-        return p.expect(SDP_TOK_CONNECTION, Context::Sdp, Check::ConnLine) &&
-               networkType(p, connection) && address(p, connection) &&
+        return (ipv4Types(p, connection) ? parseIpv4(p, connection)
+                                         : networkType(p, connection) && address(p, connection)) &&
                parseTtlAndCount(p, connection) && p.endLine(Check::ConnEnd);
     });
 }

@@ -158,8 +158,8 @@ SDPResult parseFromState(SdpLine &line) {
 
 namespace {
 
-constexpr uint32_t kEndSize = 3; // LF LF NUL after every body
-constexpr uint32_t kBufferSize = 4096;
+constexpr uint32_t kEndSize = 3;       // LF LF NUL after every body
+constexpr uint32_t kBufferSize = 4096; // and the lexer's padding after it
 static_assert(SDP_MAX_BODY + kEndSize <= kBufferSize);
 
 SDPResult refuseCall(Check check, uint32_t line = __builtin_LINE()) {
@@ -172,11 +172,10 @@ SDPResult refuseCall(Check check, uint32_t line = __builtin_LINE()) {
 SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString &text,
                                  SdpLine &line) {
     const auto *const bytes = reinterpret_cast<const uint8_t *>(text.pcData);
-    if (!seesFills()) [[likely]] {
-        normalise(bytes, text.ulLen, buffer); // what would be cleared is written over
-    } else {
-        normaliseCleared(bytes, text.ulLen, buffer, size);
-    }
+    // Without the service's call, what it would clear is written over.
+    uint8_t *const end = seesFills() ? normaliseCleared(bytes, text.ulLen, buffer, size)
+                                     : normalise(bytes, text.ulLen, buffer);
+    std::memset(end, 0, lexer::kPadding);
     Parser parser = {lexer::begin(buffer), 0};
     const bool done = parseLines(parser, line);
     lexer::store(parser);
@@ -189,7 +188,8 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
 // The same for a body that SdpSetMaxBodySize admits: its normal form lives as long as the parse.
 [[gnu::cold, gnu::noinline]] SDPResult parseLong(const SipString &text, SdpLine &line) {
     const uint32_t size = text.ulLen + kEndSize;
-    auto *const buffer = static_cast<uint8_t *>(gSipSystemMemCp->pfnAlloc(gSipSystemMemCp, size));
+    auto *const buffer =
+        static_cast<uint8_t *>(gSipSystemMemCp->pfnAlloc(gSipSystemMemCp, size + lexer::kPadding));
     foreignCodeRan(); // the stack may have put a memory control of its own there
     if (buffer == nullptr) {
         return refuseCall(Check::ParseCopyAlloc);
@@ -202,7 +202,7 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
 }
 
 SDPLINE_INLINE SDPResult parseShort(const SipString &text, SdpLine &line) {
-    uint8_t buffer[kBufferSize];
+    uint8_t buffer[kBufferSize + lexer::kPadding];
     const SDPResult result = parseIn(buffer, kBufferSize, text, line);
     lexer::state.inputGone = true;
     return result;

@@ -27,14 +27,14 @@ struct ChoiceChecks {
 };
 
 // ":" token LF, where the token is one of the table's words
-SDPLINE_INLINE bool choice(Parser &p, SDPAttr &attr, uint32_t type,
-                           std::span<const KeywordRow> table, ChoiceChecks checks,
+template <const auto &Table>
+SDPLINE_INLINE bool choice(Parser &p, SDPAttr &attr, uint32_t type, ChoiceChecks checks,
                            uint32_t line = __builtin_LINE()) {
     attr.ulAttrType = type;
     std::string_view word;
     return p.expect(SDP_TOK_COLON, Context::Token, checks.colon, line) &&
            p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.next(Context::Token) &&
-           p.keyword(attr.unAttrValue.ulValue, table, word, checks.unknown, line) &&
+           p.keyword<Table>(attr.unAttrValue.ulValue, word, checks.unknown, line) &&
            p.endLine(checks.end, line);
 }
 
@@ -65,23 +65,23 @@ SDPLINE_INLINE bool params(Parser &p, SipString &value, ParamsChecks checks,
 } // namespace
 
 SDPResult classifySilence(SDPSilenceSuppression &silence, std::string_view word) {
-    return Parser::classify(silence.bOn, kSwitchWords, word, Check::SilenceWord);
+    return Parser::classify<kSwitchWords>(silence.bOn, word, Check::SilenceWord);
 }
 
 SDPResult classifyEcanDirection(SDPEcan &ecan, std::string_view word) {
-    return Parser::classify(ecan.enEcanDir, kEcanDirWords, word, Check::EcanDirectionWord);
+    return Parser::classify<kEcanDirWords>(ecan.enEcanDir, word, Check::EcanDirectionWord);
 }
 
 SDPResult classifyEcan(SDPEcan &ecan, std::string_view word) {
-    return Parser::classify(ecan.bOn, kSwitchWords, word, Check::EcanWord);
+    return Parser::classify<kSwitchWords>(ecan.bOn, word, Check::EcanWord);
 }
 
 SDPResult classifyIpBcp(SDPIpBcp &ipBcp, std::string_view word) {
-    return Parser::classify(ipBcp.ucType, kIpBcpWords, word, Check::IpBcpType);
+    return Parser::classify<kIpBcpWords>(ipBcp.ucType, word, Check::IpBcpType);
 }
 
 SDPResult classifySetup(SDPAttr &attr, std::string_view word) {
-    return Parser::classify(attr.unAttrValue.enT120Mode, kSetupWords, word, Check::SetupWord);
+    return Parser::classify<kSetupWords>(attr.unAttrValue.enT120Mode, word, Check::SetupWord);
 }
 
 // LF
@@ -128,18 +128,18 @@ bool parseSwitch(Parser &p, SDPAttr &attr, uint32_t type) {
 
 // ":" ( "localTCF" / "transferredTCF" ) LF
 bool parseFaxRate(Parser &p, SDPAttr &attr, uint32_t type) {
-    return choice(
-        p, attr, type, kT38RateWords,
+    return choice<kT38RateWords>(
+        p, attr, type,
         {Check::RateColon, {Check::RateToken, Check::RateText}, Check::RateWord, Check::RateEnd});
 }
 
 // ":" ( "t38UDPFEC" / "t38UDPRedundancy" ) LF
 bool parseFaxErrorCorrection(Parser &p, SDPAttr &attr, uint32_t type) {
-    return choice(p, attr, type, kT38UdpEcWords,
-                  {Check::UdpEcColon,
-                   {Check::UdpEcToken, Check::UdpEcText},
-                   Check::UdpEcWord,
-                   Check::UdpEcEnd});
+    return choice<kT38UdpEcWords>(p, attr, type,
+                                  {Check::UdpEcColon,
+                                   {Check::UdpEcToken, Check::UdpEcText},
+                                   Check::UdpEcWord,
+                                   Check::UdpEcEnd});
 }
 
 // ":" ( "on" / "off" ) params LF

@@ -5,7 +5,7 @@ namespace sdpline {
 
 SDPResult classifyMedia(SDPMediaField &field, std::string_view word) {
     field.stMedia.pstrOtherMedia = nullptr;
-    if (const KeywordRow *const known = findByText(kMediaWords, word)) {
+    if (const KeywordRow *const known = findWord<kMediaWords>(word)) {
         field.stMedia.enMediaType = known->code;
         return 0;
     }
@@ -64,7 +64,7 @@ SDPLINE_INLINE bool payloadList(Parser &p, SDPMediaFmt &fmt) {
 // The format's code, and its text where the code is that of other formats
 SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
     SDPMediaFmt &fmt = field.stMediaFmt;
-    const KeywordRow *const known = findByText(kFmtWords, word);
+    const KeywordRow *const known = findWord<kFmtWords>(word);
     if (known == nullptr) {
         fmt.enFmtType = SDP_FMT_OTHER;
         const SDPResult result = storeText(fmt.unMediaFmt.strOtherFmts, word);
@@ -114,7 +114,7 @@ constexpr bool takesPayloads(uint32_t proto) {
 
 // RTP/AVPF is a word like any other where its support is off.
 uint32_t protoOf(std::string_view word) {
-    const KeywordRow *const known = findByText(kProtoWords, word);
+    const KeywordRow *const known = findWord<kProtoWords>(word);
     const bool isOther =
         known == nullptr || (known->code == SDP_PROTO_RTP_AVPF && g_bSupMedProtoRtpAvpf != 1);
     return isOther ? uint32_t{SDP_PROTO_OTHER} : known->code;
@@ -158,16 +158,43 @@ bool parseFormats(Parser &p, SDPMediaField &field, std::string_view proto) {
                                               : parseOtherFormat(p, field, code));
 }
 
+namespace {
+
+// m= media, up to the space after it: the usual words are compared at once.
+SDPLINE_INLINE bool mediaType(Parser &p, SDPMediaField &field) {
+    if (p.is(SDP_TOK_MEDIA)) {
+        const uint32_t usual = p.jumpWord("audio ")   ? SDP_MEDIA_AUDIO
+                               : p.jumpWord("video ") ? SDP_MEDIA_VIDEO
+                                                      : SDP_MEDIA_OTHER;
+        if (usual != SDP_MEDIA_OTHER) {
+            field.stMedia = {usual, nullptr};
+            return p.under(Context::Alnum);
+        }
+    }
+    std::string_view word;
+    return p.expect(SDP_TOK_MEDIA, Context::Token, Check::MediaLine) &&
+           p.read(word, SDP_TOK_TOKEN, {Check::MediaWord, Check::MediaWordText}) &&
+           p.accept(classifyMedia(field, word)) && p.next(Context::Alnum);
+}
+
+// SP proto formats LF: so is the usual protocol.
+SDPLINE_INLINE bool protoAndFormats(Parser &p, SDPMediaField &field) {
+    if (p.is(SDP_TOK_SPACE) && p.jumpWord("RTP/AVP ")) {
+        p.under(Context::Token);
+        return parsePayloads(p, field, SDP_PROTO_RTP_AVP);
+    }
+    std::string_view word;
+    return p.see(SDP_TOK_SPACE, Check::MediaPortBlank) && p.next(Context::Token) &&
+           p.read(word, SDP_TOK_TOKEN, {Check::MediaProto, Check::MediaProtoText}) &&
+           p.next(Context::Token) && parseFormats(p, field, word);
+}
+
+} // namespace
+
 // m= media SP port [ "/" number-of-ports ] SP proto formats LF
 [[gnu::flatten]] bool parseMediaField(Parser &parser, SDPMediaField &field) {
     return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
-        std::string_view word;
-        return p.expect(SDP_TOK_MEDIA, Context::Token, Check::MediaLine) &&
-               p.read(word, SDP_TOK_TOKEN, {Check::MediaWord, Check::MediaWordText}) &&
-               p.accept(classifyMedia(field, word)) && p.next(Context::Alnum) && ports(p, field) &&
-               p.see(SDP_TOK_SPACE, Check::MediaPortBlank) && p.next(Context::Token) &&
-               p.read(word, SDP_TOK_TOKEN, {Check::MediaProto, Check::MediaProtoText}) &&
-               p.next(Context::Token) && parseFormats(p, field, word);
+        return mediaType(p, field) && ports(p, field) && protoAndFormats(p, field);
     });
 }
 

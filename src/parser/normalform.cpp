@@ -56,7 +56,7 @@ const uint8_t *afterPlain(const uint8_t *byte, const uint8_t *end) {
 
 } // namespace
 
-void normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
+uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
     const uint8_t *const end = text + length;
     for (const uint8_t *byte = text; (byte = copyPlain(byte, end, out)) != end;) {
         if (end - byte > 2 && byte[0] == '\r' && byte[1] == '\n' && byte[2] > ' ') [[likely]] {
@@ -71,14 +71,15 @@ void normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
     }
     *out++ = '\n';
     *out++ = '\n';
-    *out = '\0';
+    *out++ = '\0';
+    return out;
 }
 
-void normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size) {
+uint8_t *normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size) {
     if (memset_s(out, size, 0, length) != 0) {
         SIPAbnormalSecureFunc("convertCRLFToCR   ", __LINE__);
     }
-    normalise(text, length, out);
+    return normalise(text, length, out);
 }
 
 OriginalPlace originalPlace(const uint8_t *text, uint32_t length, uint32_t offset) {

@@ -31,10 +31,11 @@ SDPLINE_INLINE NormaliseStep normaliseSpecial(const uint8_t *byte, const uint8_t
     return {byte, 1, next};
 }
 
-// Writes the normal form of a text: at most two bytes more than the text has, and the NUL.
-void normalise(const uint8_t *text, uint32_t length, uint8_t *out);
+// Writes the normal form of a text: at most two bytes more than the text has, and the NUL, after
+// which it returns.
+uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out);
 // The same with the clearing that convertCRLFToCR makes first.
-void normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size);
+uint8_t *normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size);
 
 // Where in the text a byte of its normal form is.
 struct OriginalPlace {

@@ -26,8 +26,13 @@ SDPLINE_INLINE bool originNames(Parser &p, SDPOrigin &origin) {
                       {Check::OriginVersion, Check::OriginVersionText}, Check::OriginVersionStore);
 }
 
-// SP "IN" SP ( "IP4" / "IP6" ) SP
+// SP "IN" SP ( "IP4" / "IP6" ) SP: the usual types are compared at once.
 SDPLINE_INLINE bool originTypes(Parser &p, SDPOrigin &origin) {
+    if (p.is(SDP_TOK_SPACE) && p.jump("IN IP4 ")) {
+        origin.stNetType = {SDP_NETTYPE_IN, nullptr};
+        origin.stAddrType = {SDP_ADDRTYPE_IP4, nullptr};
+        return p.next(Context::String);
+    }
     if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginVersionBlank) ||
         !p.see(SDP_TOK_IN, Check::OriginNetType)) {
         return false;

@@ -11,7 +11,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <span>
 #include <string_view>
 
 #include "checks/checks.hpp"
@@ -63,6 +62,12 @@ struct Parser : Lexer {
         advance(under);
         return true;
     }
+    // The same after a number, which is read under the alphanumeric context.
+    SDPLINE_INLINE bool nextAfterDigits() {
+        context = Context::Alnum;
+        advanceAfterDigits();
+        return true;
+    }
     // Switches the context alone.
     SDPLINE_INLINE bool under(uint32_t other) {
         context = other;
@@ -85,14 +90,14 @@ struct Parser : Lexer {
         if (!read(digits, SDP_TOK_DIGIT, checks, line)) {
             return false;
         }
-        value = scanNumber(digits);
-        return next(Context::Alnum);
+        value = valueOf(digits);
+        return nextAfterDigits();
     }
     // One of the table's words, already read.
-    SDPLINE_INLINE bool keyword(uint32_t &code, std::span<const KeywordRow> table,
-                                std::string_view word, Check unknown,
+    template <const auto &Table>
+    SDPLINE_INLINE bool keyword(uint32_t &code, std::string_view word, Check unknown,
                                 uint32_t line = __builtin_LINE()) {
-        return accept(classify(code, table, word, unknown, line));
+        return accept(classify<Table>(code, word, unknown, line));
     }
     // LF, then the next line's key.
     SDPLINE_INLINE bool endLine(Check check, uint32_t line = __builtin_LINE()) {
@@ -100,10 +105,10 @@ struct Parser : Lexer {
     }
 
     // The code of a word; one that the table does not know fails the check.
-    static SDPResult classify(uint32_t &code, std::span<const KeywordRow> table,
-                              std::string_view word, Check unknown,
+    template <const auto &Table>
+    static SDPResult classify(uint32_t &code, std::string_view word, Check unknown,
                               uint32_t line = __builtin_LINE()) {
-        const KeywordRow *const row = findByText(table, word);
+        const KeywordRow *const row = findWord<Table>(word);
         if (row == nullptr) {
             return failWord(unknown, word.data(), line);
         }

@@ -6,7 +6,7 @@ namespace sdpline {
 // "qos", or any other word, which is kept
 SDPResult classifyPrecondition(SDPRsrcMgmtStatus &status, std::string_view word) {
     SDPPreconditionS &precondition = status.stPrecondition;
-    if (const KeywordRow *const known = findByText(kPreconditionWords, word)) {
+    if (const KeywordRow *const known = findWord<kPreconditionWords>(word)) {
         precondition.enPreconditionType = known->code;
         precondition.pstrOtherPrecondition = nullptr;
         return 0;
@@ -21,15 +21,15 @@ SDPResult classifyPrecondition(SDPRsrcMgmtStatus &status, std::string_view word)
 }
 
 SDPResult classifyStrength(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return Parser::classify(status.enStrengthTag, kStrengthWords, word, Check::StrengthWord);
+    return Parser::classify<kStrengthWords>(status.enStrengthTag, word, Check::StrengthWord);
 }
 
 SDPResult classifyStatus(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return Parser::classify(status.enStatusType, kStatusWords, word, Check::StatusWord);
+    return Parser::classify<kStatusWords>(status.enStatusType, word, Check::StatusWord);
 }
 
 SDPResult classifyDirection(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return Parser::classify(status.enDirTag, kDirWords, word, Check::DirectionWord);
+    return Parser::classify<kDirWords>(status.enDirTag, word, Check::DirectionWord);
 }
 
 namespace {

@@ -26,8 +26,8 @@ SDPLINE_INLINE bool ntpTime(Parser &p, uint32_t &value, TimeChecks checks,
     if (digits.data() == nullptr || !timeFits(digits)) {
         return p.refuse(checks.range, 0, line);
     }
-    value = scanNumber(digits);
-    return p.next(Context::Alnum);
+    value = p.valueOf(digits);
+    return p.nextAfterDigits();
 }
 
 } // namespace
@@ -58,7 +58,7 @@ bool parseTypedTime(Parser &p, SDPTimeUnit &unit) {
     if (letter == '\n' || letter == ' ') {
         return true;
     }
-    const KeywordRow *const word = findByText(kTimeUnitWords, {&letter, 1});
+    const KeywordRow *const word = findWord<kTimeUnitWords>({&letter, 1});
     if (word == nullptr) {
         return p.refuse(Check::TypedTimeUnit, static_cast<uint8_t>(letter));
     }

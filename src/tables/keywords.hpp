@@ -1,10 +1,34 @@
 // The keyword tables, which the C++ API shares, under the library's namespace.
 #pragma once
 
+#include <cstring>
+#include <utility>
+
 #include "sdpline/cpp/detail/keywords.hpp"
+#include "services/inline.hpp"
 
 namespace sdpline {
 
 using namespace tables;
+
+// findByText() on the way from text to records: each row's text is compared by its size, which is a
+// constant, without a loop and without a call.
+template <const auto &Table>
+SDPLINE_INLINE const KeywordRow *findWord(std::string_view word) {
+    const KeywordRow *found = nullptr;
+    const auto is = [&]<size_t Row>(std::integral_constant<size_t, Row>) SDPLINE_INLINE_LAMBDA {
+        constexpr std::string_view text = Table[Row].text;
+        if (word.size() != text.size() || std::memcmp(word.data(), text.data(), text.size()) != 0) {
+            return false;
+        }
+        found = &Table[Row];
+        return true;
+    };
+    [&]<size_t... Row>(std::index_sequence<Row...>) SDPLINE_INLINE_LAMBDA {
+        static_cast<void>((is(std::integral_constant<size_t, Row>()) || ...));
+    }
+    (std::make_index_sequence<Table.size()>());
+    return found;
+}
 
 } // namespace sdpline

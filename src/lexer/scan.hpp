@@ -1,0 +1,117 @@
+// Where a run of bytes ends: byte by byte, or sixteen at once (SSE2) in an input that is followed
+// by padding.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+#include "lexer/bytes.hpp"
+#include "services/inline.hpp"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace sdpline::lexer {
+
+// Bytes after the NUL of a padded input that may be read: what they are is of no account.
+constexpr uint32_t kPadding = 16;
+
+// The first byte that does not continue the run; the NUL after the input continues none.
+SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run) {
+    while ((kBytes.runs[*byte] & run) != 0) {
+        ++byte;
+    }
+    return byte;
+}
+
+// A byte that a loop has just read, read once more: else the loop would keep each one for the case
+// that it is the last.
+SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
+    return *const_cast<const volatile uint8_t *>(byte);
+}
+
+#ifdef __SSE2__
+
+// The first byte for which `stops` sets the byte's bits; it does for the NUL at the latest.
+template <class Stops>
+SDPLINE_INLINE const uint8_t *findInPadded(const uint8_t *byte, const Stops &stops) {
+    for (;; byte += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(byte));
+        const auto found = static_cast<uint32_t>(_mm_movemask_epi8(stops(bytes)));
+        if (found != 0) {
+            return byte + std::countr_zero(found);
+        }
+    }
+}
+
+SDPLINE_INLINE __m128i equals(__m128i bytes, char byte) {
+    return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte));
+}
+SDPLINE_INLINE __m128i atMost(__m128i bytes, char limit) {
+    return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(limit)), bytes);
+}
+
+// Words end at a space, rarely at a tab or another byte below it: those are looked up.
+SDPLINE_INLINE const uint8_t *stringEndInPadded(const uint8_t *byte) {
+    return runEnd(findInPadded(byte, [](__m128i bytes) { return atMost(bytes, ' '); }), kStringRun);
+}
+
+// Most words are of letters, digits, "-", "." and "/".
+SDPLINE_INLINE const uint8_t *tokenEndInPadded(const uint8_t *byte) {
+    const auto stops = [](__m128i bytes) {
+        const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8('a' - 'A'));
+        const __m128i letters = atMost(_mm_sub_epi8(lower, _mm_set1_epi8('a')), 'z' - 'a');
+        const __m128i digits = atMost(_mm_sub_epi8(bytes, _mm_set1_epi8('-')), '9' - '-');
+        return _mm_cmpeq_epi8(_mm_or_si128(letters, digits), _mm_setzero_si128());
+    };
+    return runEnd(findInPadded(byte, stops), kTokenRun);
+}
+
+SDPLINE_INLINE const uint8_t *nameEndInPadded(const uint8_t *byte) {
+    return runEnd(findInPadded(byte,
+                               [](__m128i bytes) {
+                                   return _mm_or_si128(atMost(bytes, '\n'), equals(bytes, '/'));
+                               }),
+                  kNameRun);
+}
+
+SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
+    return findInPadded(
+        byte, [](__m128i bytes) { return _mm_or_si128(equals(bytes, '\n'), equals(bytes, '\0')); });
+}
+
+#else
+
+SDPLINE_INLINE const uint8_t *tokenEndInPadded(const uint8_t *byte) {
+    return runEnd(byte, kTokenRun);
+}
+
+SDPLINE_INLINE const uint8_t *stringEndInPadded(const uint8_t *byte) {
+    return runEnd(byte, kStringRun);
+}
+
+// Most words are of letters, digits, "-", "." and "/".
+SDPLINE_INLINE const uint8_t *tokenEndInPadded(const uint8_t *byte) {
+    const auto stops = [](__m128i bytes) {
+        const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8('a' - 'A'));
+        const __m128i letters = atMost(_mm_sub_epi8(lower, _mm_set1_epi8('a')), 'z' - 'a');
+        const __m128i digits = atMost(_mm_sub_epi8(bytes, _mm_set1_epi8('-')), '9' - '-');
+        return _mm_cmpeq_epi8(_mm_or_si128(letters, digits), _mm_setzero_si128());
+    };
+    return runEnd(findInPadded(byte, stops), kTokenRun);
+}
+
+SDPLINE_INLINE const uint8_t *nameEndInPadded(const uint8_t *byte) {
+    return runEnd(byte, kNameRun);
+}
+
+const uint8_t *lineEnd(const uint8_t *byte);
+
+SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
+    return lineEnd(byte);
+}
+
+#endif
+
+} // namespace sdpline::lexer
