@@ -91,17 +91,6 @@ SDPLINE_INLINE const uint8_t *stringEndInPadded(const uint8_t *byte) {
     return runEnd(byte, kStringRun);
 }
 
-// Most words are of letters, digits, "-", "." and "/".
-SDPLINE_INLINE const uint8_t *tokenEndInPadded(const uint8_t *byte) {
-    const auto stops = [](__m128i bytes) {
-        const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8('a' - 'A'));
-        const __m128i letters = atMost(_mm_sub_epi8(lower, _mm_set1_epi8('a')), 'z' - 'a');
-        const __m128i digits = atMost(_mm_sub_epi8(bytes, _mm_set1_epi8('-')), '9' - '-');
-        return _mm_cmpeq_epi8(_mm_or_si128(letters, digits), _mm_setzero_si128());
-    };
-    return runEnd(findInPadded(byte, stops), kTokenRun);
-}
-
 SDPLINE_INLINE const uint8_t *nameEndInPadded(const uint8_t *byte) {
     return runEnd(byte, kNameRun);
 }
