@@ -5,181 +5,200 @@
 
 #include "output/diagnostic.hpp"
 #include "output/everyline.hpp"
-#include "output/jsonlist.hpp"
 #include "output/origin.hpp"
 #include "output/repairs.hpp"
-#include "output/text.hpp"
+#include "report/report.hpp"
+#include "report/selection.hpp"
 
 namespace cli {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct Options {
     DecodeOptions decode;
     bool everyLine = false;
     bool noWarnings = false;
     bool warningsAsErrors = false;
+    ReportOptions report;
+    std::string color = "auto";
+    uint32_t maxDiagnostics = 0; // 0: all
+    std::vector<std::string> ignored;
+    std::vector<std::string> ignoreFiles;
 };
 
-// What is said of one body.
-struct Judgement {
-    std::vector<Diagnostic> diagnostics; // none of one that is accepted
-    std::vector<sdpline::Repair> doubts;
-    std::string helpful; // the rules that would make a refused one acceptable
-};
-
-struct Counts {
-    size_t files = 0;
-    size_t bodies = 0;
-    size_t refused = 0;
-    size_t warnings = 0;
-    size_t problems = 0; // notes are not among them
-};
-
+// Every diagnostic passes here on its way to the report: what is ignored, counted and left out is
+// decided once for all formats.
 class Checker : public BodyUser {
 public:
-    explicit Checker(const Options &options)
-        : BodyUser(options.decode), options_(options), style_(styleFor(stdout)) {}
+    Checker(const Options &options, IgnoredNames ignored)
+        : BodyUser(options.decode), options_(options), ignored_(std::move(ignored)),
+          report_(makeReport(std::cout, options.report)) {}
 
-    void files(size_t count) override {
-        progress_.emplace(count);
-        if (options_.decode.json) {
-            list_.emplace(std::cout, "bodies");
-        }
-    }
+    void files(size_t count) override { progress_.emplace(count, !options_.report.quiet); }
 
     void fileDone(bool read) override {
-        counts_.files += read ? 1 : 0;
+        totals_.files += read ? 1 : 0;
         progress_->advance();
     }
 
     void problem(const InputProblem &problem) override {
         progress_->hide();
-        BodyUser::problem(problem);
-        if (problem.kind != Problem::Note) {
-            ++counts_.problems;
-            problemList_.push_back(problem.message());
+        const bool note = problem.kind == Problem::Note;
+        if (report_->tellsProblems() || (note && options_.report.quiet)) {
+            noteProblem(problem.kind);
+        } else {
+            BodyUser::problem(problem);
         }
+        totals_.problems += note ? 0 : 1;
+        report_->problem(problem);
     }
 
     void body(const Found &found) override {
-        ++counts_.bodies;
-        Redactor *const redactor = redactorFor(found);
-        const Judgement judgement = judge(found);
-        counts_.warnings += judgement.doubts.size();
-        if (!judgement.diagnostics.empty()) {
-            ++counts_.refused;
+        ++totals_.bodies;
+        Judged judged = {found, redactorFor(found), true, false, {}, {}, {}, 0, ""};
+        judge(judged);
+        leaveOutIgnored(judged);
+        judged.failed =
+            !judged.diagnostics.empty() || (options_.warningsAsErrors && !judged.doubts.empty());
+        if (judged.failed) {
             atLeast(kRefused);
         }
-        if (options_.warningsAsErrors && !judgement.doubts.empty()) {
-            atLeast(kRefused);
-        }
-        if (list_) {
-            list_->add(jsonOf(found, judgement, redactor));
+        totals_.refused += judged.diagnostics.empty() ? 0 : 1;
+        totals_.warnings += judged.doubts.size();
+        totals_.ignored += judged.ignored.size();
+        if (options_.report.summary) {
+            count(judged);
         } else {
-            show(found, judgement, redactor);
+            leaveOutLast(judged);
+            judged.helpful = judged.diagnostics.empty() ? "" : rulesThatHelp(found.text);
         }
+        if (report_->shows(judged)) {
+            progress_->hide();
+        }
+        report_->body(judged);
     }
 
-    // Writes the summary, or the rest of the JSON, and returns the exit status.
+    // Writes the rest of the report, and returns the exit status.
     int finish() {
         progress_->hide();
-        if (list_) {
-            list_->finish({{"problems", problemList_},
-                           {"summary",
-                            {{"files", counts_.files},
-                             {"bodies", counts_.bodies},
-                             {"refused", counts_.refused},
-                             {"warnings", counts_.warnings},
-                             {"problems", counts_.problems}}}});
-        } else {
-            printSummary();
-        }
+        totals_.status = status();
+        totals_.checks = tally_.counts();
+        report_->finish(totals_);
         return status();
     }
 
 private:
-    void printSummary() const {
-        std::cout << "checked " << counted(counts_.bodies, "body", "bodies") << " in "
-                  << counted(counts_.files, "file", "files") << ": "
-                  << (counts_.refused == 0 ? "none" : std::to_string(counts_.refused)) << " refused"
-                  << (counts_.warnings == 0
-                          ? ""
-                          : ", " + counted(counts_.warnings, "warning", "warnings"))
-                  << (counts_.problems == 0
-                          ? ""
-                          : ", " + counted(counts_.problems, "problem", "problems"))
-                  << '\n';
-    }
-
-    void show(const Found &found, const Judgement &judgement, Redactor *redactor) {
-        for (const Diagnostic &diagnostic : judgement.diagnostics) {
-            progress_->hide();
-            print(std::cout, found, diagnostic, redactor, style_);
-        }
-        if (!judgement.helpful.empty()) {
-            std::cout << placeName(found, redactor) << ':' << found.line
-                      << ": note: tidy makes it acceptable: " << judgement.helpful << '\n';
-        }
-        for (const sdpline::Repair &doubt : judgement.doubts) {
-            progress_->hide();
-            std::cout << repairText(found, doubt, "warning", redactor) << '\n';
-        }
-    }
-
-    static Json jsonOf(const Found &found, const Judgement &judgement, Redactor *redactor) {
-        Json list = Json::array();
-        for (const Diagnostic &diagnostic : judgement.diagnostics) {
-            list.push_back(cli::jsonOf(found, diagnostic, redactor));
-        }
-        Json doubts = Json::array();
-        for (const sdpline::Repair &doubt : judgement.doubts) {
-            doubts.push_back(cli::jsonOf(found, doubt));
-        }
-        Json entry = {{"file", found.path},
-                      {"line", found.line},
-                      {"offset", found.offset},
-                      {"size", found.text.size()},
-                      {"accepted", judgement.diagnostics.empty()},
-                      {"diagnostics", std::move(list)},
-                      {"warnings", std::move(doubts)},
-                      {"tidy", judgement.helpful.empty() ? Json() : Json(judgement.helpful)}};
-        if (const Origin origin = originOf(found, redactor); origin.isKnown()) {
-            entry["origin"] = cli::jsonOf(origin);
-        }
-        return entry;
-    }
-
-    std::vector<sdpline::Repair> doubtsOf(const Found &found) const {
-        std::vector<sdpline::Repair> doubts;
-        if (const auto doubted = sdpline::findDoubts(found.text); doubted && !options_.noWarnings) {
-            doubts.assign(doubted->repairs().begin(), doubted->repairs().end());
-        }
-        return doubts;
-    }
-
-    Judgement judge(const Found &found) const {
+    void judge(Judged &judged) const {
+        const Found &found = judged.found;
         const auto body = sdpline::Body::decode(found.text);
-        if (body) {
-            return {{}, doubtsOf(found), ""};
+        judged.accepted = static_cast<bool>(body);
+        if (!body) {
+            judged.diagnostics = {diagnosticOf(body.error(), found)};
+            if (options_.everyLine && judged.diagnostics.front().offset) {
+                std::vector<Diagnostic> others = judgeLines(found.text, body.error().offset);
+                std::move(others.begin(), others.end(), std::back_inserter(judged.diagnostics));
+            }
+        } else if (const auto doubted = sdpline::findDoubts(found.text);
+                   doubted && !options_.noWarnings) {
+            judged.doubts.assign(doubted->repairs().begin(), doubted->repairs().end());
         }
-        std::vector<Diagnostic> diagnostics = {diagnosticOf(body.error(), found)};
-        if (options_.everyLine && diagnostics.front().offset) {
-            std::vector<Diagnostic> others = judgeLines(found.text, body.error().offset);
-            std::move(others.begin(), others.end(), std::back_inserter(diagnostics));
+    }
+
+    void leaveOutIgnored(Judged &judged) const {
+        const auto isIgnored = [&](std::string_view name) {
+            if (!ignored_.contains(name)) {
+                return false;
+            }
+            judged.ignored.push_back(name);
+            return true;
+        };
+        std::erase_if(judged.diagnostics,
+                      [&](const Diagnostic &diagnostic) { return isIgnored(nameOf(diagnostic)); });
+        std::erase_if(judged.doubts,
+                      [&](const sdpline::Repair &doubt) { return isIgnored(doubt.name()); });
+    }
+
+    void leaveOutLast(Judged &judged) {
+        const size_t limit = options_.maxDiagnostics;
+        const auto cut = [&](auto &list) {
+            const size_t room = limit == 0 ? list.size() : limit - std::min(limit, shown_);
+            const size_t kept = std::min(room, list.size());
+            judged.omitted += list.size() - kept;
+            shown_ += kept;
+            list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
+        };
+        cut(judged.diagnostics);
+        cut(judged.doubts);
+        totals_.omitted += judged.omitted;
+    }
+
+    void count(const Judged &judged) {
+        if (judged.isSilent()) {
+            return;
         }
-        return {std::move(diagnostics), {}, rulesThatHelp(found.text)};
+        const std::string input = placeName(judged.found, judged.redactor);
+        for (const ReportEntry &entry : judged.entries()) {
+            tally_.add(entry, input);
+        }
     }
 
     const Options &options_;
-    const Style &style_;
+    const IgnoredNames ignored_;
+    const std::unique_ptr<Report> report_;
     std::optional<Progress> progress_;
-    std::optional<JsonList> list_;
-    Counts counts_;
-    Json problemList_ = Json::array();
+    Totals totals_;
+    Tally tally_;
+    size_t shown_ = 0;
 };
+
+// Options that contradict each other are refused.
+void settle(Options &options) {
+    ReportOptions &report = options.report;
+    if (options.decode.json) {
+        if (report.format != "text" && report.format != "json") {
+            refuseOption("--json", "is --format json, not " + report.format);
+        }
+        report.format = "json";
+    }
+    if (report.summary && report.format != "text" && !report.format.starts_with("json")) {
+        refuseOption("--summary", "goes with the formats text, json and jsonl");
+    }
+    report.style = &styleFor(stdout, options.color);
+}
+
+int run(Options &options) {
+    settle(options);
+    IgnoredNames ignored;
+    std::string error;
+    const bool known =
+        std::ranges::all_of(options.ignored,
+                            [&](const auto &names) { return ignored.add(names, error); }) &&
+        std::ranges::all_of(options.ignoreFiles,
+                            [&](const auto &path) { return ignored.addFile(path, error); });
+    if (!known) {
+        std::cerr << "sdpline: " << error << '\n';
+        return kUnusable;
+    }
+    Checker checker(options, std::move(ignored));
+    readInputs(options.decode.paths, checker);
+    return checker.finish();
+}
+
+void addReportOptions(CLI::App &command, Options &options) {
+    addChoice(command, "--format", options.report.format, "FORMAT", kReportFormats,
+              "What is printed: text (the default), json, jsonl, gcc, junit or sarif");
+    addFlag(command, "--json", options.decode.json, "Print one JSON document: --format json");
+    addFlag(command, "--summary", options.report.summary,
+            "Print how often each check failed, instead of each failure");
+    addFlag(command, "-q,--quiet", options.report.quiet,
+            "Print diagnostics alone: no notes, summary and progress bar");
+    addColor(command, options.color);
+    addNumber(command, "--max-diagnostics", options.maxDiagnostics, "N", 0, UINT32_MAX,
+              "Print at most N diagnostics, and how many are left out; 0 (the default) is all");
+    addNames(command, "--ignore", options.ignored, "Leave out checks and doubts of these names");
+    addEach(command, "--ignore-file", options.ignoreFiles, "LIST",
+            "Leave out those that a file lists, one name a line; # begins a comment");
+}
 
 } // namespace
 
@@ -191,14 +210,11 @@ void addCheck(CLI::App &app, int &status) {
                     "Examples:\n"
                     "  sdpline check offer.sip\n"
                     "  sdpline check --every-line --redact trace.txt\n"
-                    "  sdpline check captures/ --json\n\n"
+                    "  sdpline check --format sarif --ignore-file known.txt bodies/ > sdp.sarif\n"
+                    "  sdpline check --summary captures/\n\n"
                     "Exit status: 0 when every body is accepted, 1 when one is refused or a\n"
                     "message contradicts itself, 2 when something cannot be read."},
-                   [options, &status] {
-                       Checker checker(*options);
-                       readInputs(options->decode.paths, checker);
-                       status = checker.finish();
-                   });
+                   [options, &status] { status = run(*options); });
     addPaths(command, options->decode);
     addFlag(command, "--every-line", options->everyLine,
             "Judge the lines after the refused one, each on its own");
@@ -206,7 +222,7 @@ void addCheck(CLI::App &app, int &status) {
             "Say nothing of what other readers read otherwise");
     addFlag(command, "--warnings-as-errors", options->warningsAsErrors,
             "Exit with 1 when there is a warning");
-    addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addReportOptions(command, *options);
     addDecoderOptions(command, options->decode);
     addRedact(command, options->decode);
 }

@@ -6,6 +6,7 @@
 #include "output/diagnostic.hpp"
 #include "output/origin.hpp"
 #include "output/repairs.hpp"
+#include "output/terminal.hpp"
 
 namespace cli {
 
@@ -33,6 +34,11 @@ void addMaxBody(CLI::App &command, uint32_t &maxBody) {
 void addRedact(CLI::App &command, DecodeOptions &options) {
     addFlag(command, "--redact", options.redact,
             "Mask addresses, names, keys and credentials, equal ones equally");
+}
+
+void addColor(CLI::App &command, std::string &color) {
+    addChoice(command, "--color", color, "WHEN", kColorChoices,
+              "Colour: auto (the default, on terminals only), always or never");
 }
 
 void addWriteOptions(CLI::App &command, WriteOptions &options) {

@@ -64,6 +64,7 @@ void addDecoderOptions(CLI::App &command, DecodeOptions &options);
 void addTidyFlag(CLI::App &command, DecodeOptions &options);
 void addMaxBody(CLI::App &command, uint32_t &maxBody);
 void addRedact(CLI::App &command, DecodeOptions &options);
+void addColor(CLI::App &command, std::string &color);
 void addWriteOptions(CLI::App &command, WriteOptions &options);
 
 void configure(const DecodeOptions &options);

@@ -17,6 +17,7 @@ using Json = nlohmann::ordered_json;
 struct Options {
     std::string first;
     std::string second;
+    std::string color = "auto";
     DecodeOptions decode;
 };
 
@@ -55,8 +56,7 @@ void mask(Change &change, Redactor &redactor) {
     }
 }
 
-void printText(const std::vector<Change> &changes) {
-    const Style &style = styleFor(stdout);
+void printText(const std::vector<Change> &changes, const Style &style) {
     for (const Change &change : changes) {
         std::cout << style.bold
                   << (change.media ? "media " + std::to_string(*change.media) + ' ' +
@@ -104,7 +104,7 @@ int run(const Options &options) {
     if (options.decode.redact) {
         std::ranges::for_each(changes, [&](Change &change) { mask(change, redactor); });
     }
-    options.decode.json ? printJson(changes) : printText(changes);
+    options.decode.json ? printJson(changes) : printText(changes, styleFor(stdout, options.color));
     return changes.empty() ? kFine : kRefused;
 }
 
@@ -128,6 +128,7 @@ void addDiff(CLI::App &app, int &status) {
     addRequired(command, "A", options->first, "A file with one body; - is standard input");
     addRequired(command, "B", options->second, "Another one");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addColor(command, options->color);
     addDecoderOptions(command, options->decode);
     addTidyFlag(command, options->decode);
     addRedact(command, options->decode);

@@ -66,6 +66,15 @@ void addNumber(CLI::App &command, const char *name, uint32_t &number, const char
         ->type_name(type);
 }
 
+void addEach(CLI::App &command, const char *name, std::vector<std::string> &words, const char *type,
+             const std::string &help) {
+    command.add_option(name, words, help)->type_name(type)->allow_extra_args(false);
+}
+
+void refuseOption(const char *name, const std::string &reason) {
+    throw CLI::ValidationError(name, reason);
+}
+
 void requireOperand(const char *name) {
     throw CLI::RequiredError(name);
 }

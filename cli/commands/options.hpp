@@ -50,6 +50,13 @@ void addChoice(CLI::App &command, const char *name, std::string &word, const cha
 void addNumber(CLI::App &command, const char *name, uint32_t &number, const char *type,
                uint32_t least, uint32_t greatest, const std::string &help);
 
+// An option of one word that may be given any number of times, with one word each.
+void addEach(CLI::App &command, const char *name, std::vector<std::string> &words, const char *type,
+             const std::string &help);
+
+// What a command says of options that cannot be used: "--summary: ...". Does not return.
+[[noreturn]] void refuseOption(const char *name, const std::string &reason);
+
 // What a command says that finds an operand missing. Does not return.
 [[noreturn]] void requireOperand(const char *name);
 

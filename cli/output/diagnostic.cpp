@@ -23,30 +23,6 @@ std::string sentenceOf(const sdpline::Error &error, size_t bodySize) {
     return std::string(error.sentence);
 }
 
-// A place of a body: its line without the line end, and where in it.
-struct LinePart {
-    std::string text;
-    size_t offset;
-    size_t number; // of the line in the input, from 1
-    size_t column; // in the input, from 1
-};
-
-LinePart linePartAt(const Found &body, size_t offset, Redactor *redactor) {
-    const std::string_view before = body.text.substr(0, offset);
-    const size_t begin = before.rfind('\n') + 1; // 0 where there is none
-    std::string_view line = body.text.substr(begin, body.text.find('\n', begin) - begin);
-    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-    const auto feeds = std::count(before.begin(), before.end(), '\n');
-    LinePart part = {std::string(line), offset - begin, body.line + static_cast<size_t>(feeds),
-                     offset - begin + 1};
-    if (redactor != nullptr && !line.empty()) {
-        const std::vector<Edit> edits = redactor->editsOf(line);
-        part.text = applied(line, edits);
-        part.offset = movedOffset(part.offset, edits);
-    }
-    return part;
-}
-
 std::string placeText(const Found &body, const std::optional<LinePart> &part, Redactor *redactor) {
     return placeName(body, redactor) + ':' + std::to_string(part ? part->number : body.line) +
            (part ? ':' + std::to_string(part->column) : "");
@@ -87,11 +63,27 @@ void printExcerpt(std::ostream &out, const LinePart &part, const Style &style) {
         << std::string(excerpt.mark, ' ') << style.caret << '^' << style.reset << '\n';
 }
 
-std::string_view checkName(const Diagnostic &diagnostic) {
-    return diagnostic.error ? diagnostic.error->check : "LineKind";
+} // namespace
+
+LinePart linePartAt(const Found &body, size_t offset, Redactor *redactor) {
+    const std::string_view before = body.text.substr(0, offset);
+    const size_t begin = before.rfind('\n') + 1; // 0 where there is none
+    std::string_view line = body.text.substr(begin, body.text.find('\n', begin) - begin);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    const auto feeds = std::count(before.begin(), before.end(), '\n');
+    LinePart part = {std::string(line), offset - begin, body.line + static_cast<size_t>(feeds),
+                     offset - begin + 1};
+    if (redactor != nullptr && !line.empty()) {
+        const std::vector<Edit> edits = redactor->editsOf(line);
+        part.text = applied(line, edits);
+        part.offset = movedOffset(part.offset, edits);
+    }
+    return part;
 }
 
-} // namespace
+std::string_view nameOf(const Diagnostic &diagnostic) {
+    return diagnostic.error ? diagnostic.error->check : kLineKind;
+}
 
 uint32_t tokenOf(const sdpline::Error &error) {
     SDPFailure failure = {};
@@ -105,6 +97,11 @@ Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body) {
         diagnostic.offset = error.offset;
     }
     return diagnostic;
+}
+
+Advice adviceOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
+    const Shown shown = shownOf(body, diagnostic, redactor);
+    return {shown.message(diagnostic.sentence), shown.hint};
 }
 
 std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
@@ -124,7 +121,7 @@ void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, R
     const Shown shown = shownOf(body, diagnostic, redactor);
     out << style.bold << placeText(body, shown.part, redactor) << ": " << style.reset << style.error
         << "error: " << style.reset << style.bold << shown.message(diagnostic.sentence)
-        << style.reset << " [" << checkName(diagnostic) << ']'
+        << style.reset << " [" << nameOf(diagnostic) << ']'
         << (diagnostic.alone ? " (line judged on its own)" : "") << '\n';
     if (shown.part) {
         printExcerpt(out, *shown.part, style);
@@ -136,12 +133,9 @@ void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, R
 
 nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
     const Shown shown = shownOf(body, diagnostic, redactor);
-    nlohmann::ordered_json json = {{"line", nullptr},
-                                   {"column", nullptr},
-                                   {"offset", nullptr},
-                                   {"code", nullptr},
-                                   {"check", checkName(diagnostic)},
-                                   {"sentence", diagnostic.sentence}};
+    nlohmann::ordered_json json = {
+        {"line", nullptr}, {"column", nullptr},           {"offset", nullptr},
+        {"code", nullptr}, {"check", nameOf(diagnostic)}, {"sentence", diagnostic.sentence}};
     if (const std::optional<sdpline::Error> &error = diagnostic.error) {
         SDPResultText words = {};
         SdpLibDescribeResult(error->code, &words);
@@ -167,9 +161,22 @@ nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, R
     return json;
 }
 
-std::string dumped(const nlohmann::ordered_json &document) {
-    return escapedJson(document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace)) +
+namespace {
+
+std::string dumpedBy(const nlohmann::ordered_json &document, int indent) {
+    return escapedJson(
+               document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace)) +
            '\n';
+}
+
+} // namespace
+
+std::string dumped(const nlohmann::ordered_json &document) {
+    return dumpedBy(document, 2);
+}
+
+std::string dumpedLine(const nlohmann::ordered_json &document) {
+    return dumpedBy(document, -1);
 }
 
 } // namespace cli

@@ -26,8 +26,30 @@ struct Diagnostic {
 // The token of the decode that was just refused for that reason.
 uint32_t tokenOf(const sdpline::Error &error);
 
+inline constexpr std::string_view kLineKind = "LineKind";
+inline constexpr std::string_view kLineKindSentence = "no line of SDP begins like this";
+
 // Of a body that was refused.
 Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body);
+
+// A place of a body: its line without the line end, masked by the redactor, and where in it.
+struct LinePart {
+    std::string text;
+    size_t offset; // in the text
+    size_t number; // of the line in the input, from 1
+    size_t column; // in the input, from 1
+};
+LinePart linePartAt(const Found &body, size_t offset, Redactor *redactor);
+
+// "expected a number; found "x"", and what to do about it: empty where there is nothing.
+struct Advice {
+    std::string message;
+    std::string_view hint;
+};
+Advice adviceOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor);
+
+// The name of the check; "LineKind" for a line of no kind, which is no check of the library.
+std::string_view nameOf(const Diagnostic &diagnostic);
 
 // "offer.sdp:4:16: expected an octet of at most 255; found "256" (sdpparser
 // sdpConnectionFieldAddrIpv4, 0x05035065)", and what to do about it on a line of its own. A
@@ -44,5 +66,8 @@ nlohmann::ordered_json jsonOf(const Found &body, const Diagnostic &diagnostic, R
 // The text of a JSON document with its line end. Bytes that are not UTF-8 (names of files) are
 // replaced, and control characters that a terminal would obey are escaped.
 std::string dumped(const nlohmann::ordered_json &document);
+
+// The same in one line.
+std::string dumpedLine(const nlohmann::ordered_json &document);
 
 } // namespace cli

@@ -89,10 +89,9 @@ std::vector<Diagnostic> judgeLines(std::string_view body, size_t refusedAt) {
         }
         if (verdict.kind != Verdict::Good) {
             const bool known = verdict.kind == Verdict::Faulty;
-            faults.push_back(
-                {known ? std::optional(verdict.error) : std::nullopt,
-                 known ? std::string(verdict.error.sentence) : "no line of SDP begins like this",
-                 verdict.token, begin + verdict.offset, true});
+            faults.push_back({known ? std::optional(verdict.error) : std::nullopt,
+                              std::string(known ? verdict.error.sentence : kLineKindSentence),
+                              verdict.token, begin + verdict.offset, true});
         }
     }
     return faults;

@@ -32,12 +32,15 @@ bool isDumb() {
 
 } // namespace
 
-const Style &styleFor(std::FILE *stream) {
+const Style &styleFor(std::FILE *stream, std::string_view choice) {
+    if (choice != "auto") {
+        return choice == "always" ? kColoured : kPlain;
+    }
     return isTerminal(stream) && !isDumb() && !isSet("NO_COLOR") ? kColoured : kPlain;
 }
 
-Progress::Progress(size_t total)
-    : total_(total), wanted_(total >= kManyFiles && isTerminal(stderr) && !isDumb()) {}
+Progress::Progress(size_t total, bool wanted)
+    : total_(total), wanted_(wanted && total >= kManyFiles && isTerminal(stderr) && !isDumb()) {}
 
 void Progress::advance() {
     const size_t percent = done_ * 100 / total_;

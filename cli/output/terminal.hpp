@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cli {
 
@@ -18,14 +19,16 @@ struct Style {
     std::string_view reset;
 };
 
-// Colour when the stream is a terminal that knows it and NO_COLOR is not set.
-const Style &styleFor(std::FILE *stream);
+inline const std::vector<std::string> kColorChoices = {"auto", "always", "never"};
+
+// Of the choice "auto": colour when the stream is a terminal that knows it and NO_COLOR is not set.
+const Style &styleFor(std::FILE *stream, std::string_view choice = "auto");
 
 // A bar on standard error that counts up to a number of files. It is shown on a terminal only, and
 // for many files only.
 class Progress {
 public:
-    explicit Progress(size_t total);
+    explicit Progress(size_t total, bool wanted = true);
     ~Progress() { hide(); }
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;

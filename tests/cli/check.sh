@@ -245,7 +245,8 @@ cat >json <<'JSON'
           "token": 3,
           "alone": false,
           "text": "c=IN IP4 1.2.3.256",
-          "found": "\"256\""
+          "found": "\"256\"",
+          "severity": "error"
         }
       ],
       "warnings": [],
@@ -260,7 +261,9 @@ cat >json <<'JSON'
     "bodies": 2,
     "refused": 1,
     "warnings": 0,
-    "problems": 1
+    "problems": 1,
+    "ignored": 0,
+    "omitted": 0
   }
 }
 JSON
