@@ -162,6 +162,14 @@ const std::vector<Body> &bodies() {
     return all;
 }
 
+const Body &shortestOffer() {
+    static const Body body = {
+        "130B",
+        {joined({"v=0", "o=alice 2890844526 2890844526 IN IP4 192.0.2.101", "s=-",
+                 "c=IN IP4 192.0.2.101", "t=0 0", "m=audio 49172 RTP/AVP 0", "a=sendrecv"})}};
+    return body;
+}
+
 const std::vector<Body> &attributeBodies() {
     static const std::vector<Body> all = [] {
         std::vector<Body> bodies;

@@ -20,6 +20,10 @@ struct Body {
 // a setting, each once.
 const std::vector<Body> &bodies();
 
+// The offer that costs an answer the most for each of its bytes: one stream with one codec
+// ("130B").
+const Body &shortestOffer();
+
 // Bodies of 4 KB with one attribute over and over, named after it: each known kind of attribute at
 // its shortest value, and unknown ones.
 const std::vector<Body> &attributeBodies();

@@ -44,6 +44,29 @@ constexpr std::pair<std::string_view, bench::Fault> kFaults[] = {
     {"repair-last", bench::Fault::Last},
     {"repair-each", bench::Fault::Each}};
 
+using Negotiation = bool (*)(const sdpline::Body &, const sdpline::Body &);
+
+// All that is offered is what we can do.
+bool onOffers(const bench::Body &body, long count, Negotiation operation) {
+    const auto offers = bench::decoded(body);
+    return !offers.empty() && repeated(count, [&] {
+        bool done = true;
+        for (const sdpline::Body &offer : offers) {
+            done &= operation(offer, offer);
+        }
+        return done;
+    });
+}
+
+const bench::Body *bodyOf(std::string_view name) {
+    for (const bench::Body &body : bench::bodies()) {
+        if (body.name == name) {
+            return &body;
+        }
+    }
+    return name == bench::shortestOffer().name ? &bench::shortestOffer() : nullptr;
+}
+
 bool run(std::string_view operation, const bench::Body &body, long count) {
     if (operation == "decode") {
         return repeated(count, [&] { return onTexts(body, bench::decodeAndRelease); });
@@ -67,6 +90,12 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
         const bench::Body whole = bench::withoutFaults(body);
         return repeated(count, [&] { return onTexts(whole, bench::decodeAndRelease); });
     }
+    if (operation == "negotiate") {
+        return onOffers(body, count, bench::negotiate);
+    }
+    if (operation == "negotiate-c") {
+        return onOffers(body, count, bench::negotiateByC);
+    }
     if (operation == "encode") {
         return onLines(body, count,
                        [](sdpline::Body &line) { return bench::encodeAndRelease(line.record()); });
@@ -86,16 +115,13 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
 } // namespace
 
 int main(int argc, char **argv) {
-    if (argc == 4) {
-        for (const bench::Body &body : bench::bodies()) {
-            if (body.name == argv[2] && run(argv[1], body, std::strtol(argv[3], nullptr, 10))) {
-                return 0;
-            }
-        }
+    const bench::Body *const body = argc == 4 ? bodyOf(argv[2]) : nullptr;
+    if (body != nullptr && run(argv[1], *body, std::strtol(argv[3], nullptr, 10))) {
+        return 0;
     }
-    std::fputs(
-        "usage: sdpline_instructions decode|encode|clone|serialise|answer|answer-c|tidy|\n"
-        "                            repair-first|repair-last|repair-each|repaired BODY COUNT\n",
-        stderr);
+    std::fputs("usage: sdpline_instructions OPERATION BODY COUNT\n"
+               "operations: decode encode clone serialise answer answer-c negotiate negotiate-c\n"
+               "            tidy repair-first repair-last repair-each repaired\n",
+               stderr);
     return 2;
 }

@@ -67,6 +67,12 @@ void addAnswer(const Body &body) {
     add("answer-c", "sdpline", body, [&body](benchmark::State &state) {
         bench::measureEach(state, body, body.texts, bench::answerByC);
     });
+    add("negotiate", "sdpline", body, [&body](benchmark::State &state) {
+        const auto offers = bench::decoded(body);
+        bench::measureEach(state, body, offers, [](const sdpline::Body &offer) {
+            return bench::negotiate(offer, offer);
+        });
+    });
 }
 
 // Where decodes are serialised, as they are but for SDPLINE_THREAD_LOCAL, two threads wait for each

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "answer.h"
+#include "sdpline/negotiate.hpp"
 #include "sdpline/sdptidy.h"
 
 namespace bench {
@@ -59,6 +60,20 @@ bool tidyAndRelease(const std::string &text) {
 
 bool answerByC(const std::string &text) {
     return ::answerByC(text.data(), static_cast<uint32_t>(text.size())) != 0;
+}
+
+bool negotiate(const sdpline::Body &offer, const sdpline::Body &local) {
+    return sdpline::answer(offer, local).ok();
+}
+
+bool negotiateByC(const sdpline::Body &offer, const sdpline::Body &local) {
+    SdpLine *answer = nullptr;
+    SdpNegotiateReport *report = nullptr;
+    const bool done =
+        SdpNegotiateAnswer(offer.record(), local.record(), nullptr, nullptr, &answer, &report) == 0;
+    SdpNegotiateReleaseReport(&report);
+    SdpLibReleaseSdp(&answer);
+    return done;
 }
 
 std::vector<sdpline::Body> decoded(const Body &body) {

@@ -26,6 +26,11 @@ bool answerByC(const std::string &text);
 // Tidies the text by the default rules, and releases the report with its body.
 bool tidyAndRelease(const std::string &text);
 
+// The answer to a decoded offer by a local body that can do all of it, with its report: by the C++
+// API and by the C interface. Releases both.
+bool negotiate(const sdpline::Body &offer, const sdpline::Body &local);
+bool negotiateByC(const sdpline::Body &offer, const sdpline::Body &local);
+
 // The decoded texts of a body; empty when one is refused.
 std::vector<sdpline::Body> decoded(const Body &body);
 

@@ -20,6 +20,7 @@ OWN_OPERATIONS = [
     ("serialise", "serialise into a buffer"),
     ("answer", "a call's answer, C++"),
     ("answer-c", "a call's answer, C"),
+    ("negotiate", "an answer by RFC 3264, with its report, C++"),
 ]
 FLOORS = [
     ("table", "floor: one table pass"),

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "fuzz.hpp"
+#include "negotiate/documents.hpp"
 #include "support/cases.hpp"
 #include "tables/keywords.hpp"
 #include "tidy/tidycases.hpp"
@@ -86,6 +87,19 @@ constexpr Target kTargets[] = {
     {"faults", sized}, {"json", body},        {"json", document},     {"message", message},
     {"tidy", body},    {"lexer", operations}, {"gather", gatherings}, {"records", sized},
 };
+
+// Two bodies of a case and a third one, if there is one, with a number for each choice.
+std::string negotiation(const negotiate_test::Case &current) {
+    std::string texts;
+    for (const char *const kind :
+         {"offer", "sent", "local", "reply", "next", "wanted", "previous"}) {
+        if (current.has(kind)) {
+            texts += negotiate_test::textOf(*negotiate_test::bodyOf(current, kind)) + '\0';
+        }
+    }
+    const fuzz::Configuration configuration = {0, 1, SDP_LINE_END_CRLF, 0, 0};
+    return texts + share(texts.size()) + '\0' + static_cast<char>(configuration.byte());
+}
 
 void write(const std::filesystem::path &path, const std::string &bytes) {
     std::filesystem::create_directories(path.parent_path());
@@ -165,6 +179,11 @@ int main(int argc, char **argv) {
     for (const tidytest::TidyCase &current : tidytest::readTidyCases()) {
         write(folder / "tidy" / std::to_string(++made), current.body() + std::string(2, '\0'));
     }
+    SdpSetSupMedProtoRtpAvpf(1);
+    for (const auto &current : negotiate_test::readCases(SDPLINE_NEGOTIATE_CASES)) {
+        write(folder / "negotiate" / std::to_string(++made), negotiation(current));
+    }
+    SdpSetSupMedProtoRtpAvpf(0);
     write(folder / "sdp.dict", dictionary(argv[1]));
     return 0;
 }

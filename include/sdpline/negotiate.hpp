@@ -166,14 +166,19 @@ inline Error errorOf(SDPResult result) {
 }
 
 inline std::vector<Decision> decisionsOf(const SdpNegotiateReport &report) {
-    std::vector<Decision> decisions;
-    decisions.reserve(report.ulNoOfDecisions);
+    std::vector<Decision> decisions(report.ulNoOfDecisions);
     for (std::uint32_t i = 0; i < report.ulNoOfDecisions; ++i) {
         const SdpNegotiateDecision &one = *report.ppstDecisions[i];
         const SdpNegotiateReason &reason = *SdpNegotiateGetReason(one.ulReason);
-        decisions.push_back({one.ulReason, DecisionKind{reason.enKind}, reason.pcName, reason.pcRfc,
-                             reason.pcSection, given(one.ulStream), given(one.ulPayload),
-                             std::string(viewOf(one.strSentence))});
+        Decision &decision = decisions[i];
+        decision.reason = one.ulReason;
+        decision.kind = DecisionKind{reason.enKind};
+        decision.name = reason.pcName;
+        decision.rfc = reason.pcRfc;
+        decision.section = reason.pcSection;
+        decision.stream = given(one.ulStream);
+        decision.payload = given(one.ulPayload);
+        decision.sentence = viewOf(one.strSentence);
     }
     return decisions;
 }
@@ -192,12 +197,17 @@ inline NegotiatedStream streamOf(const SdpNegotiateStream &record) {
     stream.receiveMaxPTime = given(record.ulReceiveMaxPTime);
     stream.preconditions = Preconditions{record.enPreconditions};
     stream.confirm = record.bConfirm != 0;
+    stream.formats.resize(record.ulNoOfFormats);
     for (std::uint32_t i = 0; i < record.ulNoOfFormats; ++i) {
         const SdpNegotiateFormat &one = *record.ppstFormats[i];
-        stream.formats.push_back({given(one.ulSend), given(one.ulReceive),
-                                  std::string(viewOf(one.strName)), one.ulClockRate, one.ulChannels,
-                                  std::string(viewOf(one.strSendParameters)),
-                                  std::string(viewOf(one.strReceiveParameters))});
+        NegotiatedFormat &format = stream.formats[i];
+        format.send = given(one.ulSend);
+        format.receive = given(one.ulReceive);
+        format.name = viewOf(one.strName);
+        format.clockRate = one.ulClockRate;
+        format.channels = one.ulChannels;
+        format.sendParameters = viewOf(one.strSendParameters);
+        format.receiveParameters = viewOf(one.strReceiveParameters);
     }
     return stream;
 }

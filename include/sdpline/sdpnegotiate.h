@@ -217,8 +217,8 @@ SDPLINE_API uint32_t SdpNegotiateGetState(const SdpNegotiator *pstNegotiator);
 SDPLINE_API const SdpLine *SdpNegotiateGetLocal(const SdpNegotiator *pstNegotiator);
 SDPLINE_API const SdpLine *SdpNegotiateGetRemote(const SdpNegotiator *pstNegotiator);
 
-/* Stable: our offer, the first as it is wanted, a later one by SdpNegotiateNextOffer over the last
- * description that was sent, a refused one included. */
+/* Stable: our offer, the first as it is wanted, a later one as by SdpNegotiateNextOffer over the
+ * description in force. Its version follows the last one that was sent, a refused one included. */
 SDPLINE_API SDPResult SdpNegotiateOffer(SdpNegotiator *pstNegotiator, const SdpLine *pstWanted,
                                         SdpLine **ppstOffer);
 

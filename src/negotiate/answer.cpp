@@ -70,10 +70,8 @@ private:
         draft_.bandwidths = local.pstBandwidthList;
         draft_.times = &input_.offer.stTimeSet;
         draft_.zone = input_.offer.pstrTimeZone;
-        const bool ice = offers("ice-ufrag");
-        const bool dtls = offers("fingerprint");
         for (const SDPAttr *const attribute : attributesOf(local.pstAttrList)) {
-            if (passesThrough(*attribute, ice, dtls)) {
+            if (passesThrough(*attribute, [this](auto name) { return offers(name); })) {
                 draft_.attributes.add(*attribute);
             }
         }
@@ -160,14 +158,14 @@ private:
         const SDPMediaDesc &offered = *match.offered;
         const SDPMediaDesc &ours = *match.ours;
         const uint32_t port = ours.stMediaField.ulPort;
-        if (port == 0 || port > kHighestPort || !sameWord(mediaWord(offered), mediaWord(ours))) {
+        if (port == 0 || port > kHighestPort || !sameMedia(offered, ours)) {
             return Reason::NoMediaType;
         }
         if (used_[match.local] != 0 && options_.pfnPort == nullptr &&
             (options_.pulPorts == nullptr || nextPort_ >= options_.ulNoOfPorts)) {
             return Reason::StreamsUsedUp;
         }
-        if (!sameProtocol(protocolWord(offered), protocolWord(ours), options_.bAvpForAvpf != 0)) {
+        if (!sameProtocol(offered, ours, options_.bAvpForAvpf != 0)) {
             why << "offered " << protocolWord(offered) << ", ours " << protocolWord(ours);
             return Reason::NoProtocol;
         }
@@ -228,6 +226,7 @@ private:
                 draft.connection = local_[i]->pstConnection;
             }
         }
+        report_.forget(index);
         report_.add(reason, index, detail);
         if (SdpNegotiateStream *const stream = report_.streamAt(index)) {
             Report::clear(*stream);

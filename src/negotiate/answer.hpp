@@ -1,6 +1,9 @@
 // The answer to an offer: one stream after the other.
 #pragma once
 
+#include <optional>
+
+#include "negotiate/attributes.hpp"
 #include "negotiate/describe.hpp"
 #include "negotiate/draft.hpp"
 #include "negotiate/pairing.hpp"
@@ -45,7 +48,7 @@ private:
     void mapLine(const Format &offered, const Format &ours);
     std::string_view parameterLine(uint32_t place, const Format &offered, const Format &ours);
     void declared();
-    bool passes(const SDPAttr &attribute) const;
+    bool passes(const SDPAttr &attribute);
     void multicastLines();
     void transport();
     void multiplexing();
@@ -71,9 +74,23 @@ private:
     SdpNegotiateStream &stream_;
     const SDPMediaDesc &offered_;
     const SDPMediaDesc &ours_;
+    std::optional<bool> hasIce_; // the offer has, once it was looked for
+    std::optional<bool> hasDtls_;
 };
 
-// Whether our line of the attribute goes into an answer, for a stream or for the session.
-bool passesThrough(const SDPAttr &attribute, bool ice, bool dtls);
+// Whether our line of the attribute goes into an answer, for a stream or for the session;
+// offers(name) tells whether the offer has an attribute there.
+template <class Offers>
+bool passesThrough(const SDPAttr &attribute, Offers offers) {
+    switch (handlingOf(attribute)) {
+    case Handling::Ours:
+    case Handling::Unknown: return true;
+    case Handling::Ice: return offers("ice-ufrag");
+    case Handling::Dtls: return offers("fingerprint");
+    case Handling::Negotiated:
+    case Handling::Offered: break;
+    }
+    return false;
+}
 
 } // namespace sdpline::negotiate

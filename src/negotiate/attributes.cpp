@@ -1,6 +1,8 @@
 // Attributes by name.
 #include "negotiate/attributes.hpp"
 
+#include <iterator>
+
 namespace sdpline::negotiate {
 
 namespace {
@@ -51,10 +53,39 @@ constexpr Row kRows[] = {
     {"rtcp-mux-only", Handling::Offered, true, false},
 };
 
+// Rows whose names begin with the same letter and are equally long follow each other: `first` of
+// their bucket, `next` of a row; kNoRow ends both.
+constexpr uint8_t kNoRow = 255;
+constexpr size_t kBuckets = 64;
+
+constexpr size_t bucketOf(std::string_view name) {
+    return (static_cast<uint8_t>(name[0]) * 5 + name.size()) % kBuckets;
+}
+
+struct Chains {
+    uint8_t first[kBuckets];
+    uint8_t next[std::size(kRows)];
+};
+constexpr Chains kChains = [] {
+    Chains chains = {};
+    for (uint8_t &place : chains.first) {
+        place = kNoRow;
+    }
+    for (size_t i = 0; i < std::size(kRows); ++i) {
+        uint8_t &first = chains.first[bucketOf(kRows[i].name)];
+        chains.next[i] = first;
+        first = static_cast<uint8_t>(i);
+    }
+    return chains;
+}();
+
 const Row *rowOf(std::string_view name) {
-    for (const Row &row : kRows) {
-        if (row.name == name) {
-            return &row;
+    if (name.empty()) {
+        return nullptr;
+    }
+    for (uint8_t i = kChains.first[bucketOf(name)]; i != kNoRow; i = kChains.next[i]) {
+        if (kRows[i].name == name) {
+            return &kRows[i];
         }
     }
     return nullptr;

@@ -24,15 +24,4 @@ bool isTransport(const SDPAttr &attribute);
 // Describes what a stream can do, whoever asks (RFC 3264 section 9).
 bool isCapability(const SDPAttr &attribute);
 
-inline bool isDirection(const SDPAttr &attribute) {
-    return attribute.ulAttrType >= SDP_ATTR_SENDRECV && attribute.ulAttrType <= SDP_ATTR_INACTIVE;
-}
-inline bool isT38(const SDPAttr &attribute) {
-    return attribute.ulAttrType >= SDP_ATTR_T38_FAX_VERSION &&
-           attribute.ulAttrType <= SDP_ATTR_T38_UDP_EC;
-}
-inline bool isPrecondition(const SDPAttr &attribute) {
-    return attribute.ulAttrType >= SDP_ATTR_DES && attribute.ulAttrType <= SDP_ATTR_CONF;
-}
-
 } // namespace sdpline::negotiate

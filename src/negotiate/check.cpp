@@ -55,7 +55,7 @@ private:
     }
 
     void stream(uint32_t index, const SDPMediaDesc &offered, const SDPMediaDesc &answered) {
-        if (!sameWord(mediaWord(offered), mediaWord(answered))) {
+        if (!sameMedia(offered, answered)) {
             change(Reason::MediaTypeChanged, index, mediaWord(offered), mediaWord(answered));
             return;
         }
@@ -156,6 +156,22 @@ private:
         if (!sameAddress || flowsOf(offer_, offered) != flowsOf(answer_, answered)) {
             report_.add(Reason::MulticastChanged, index);
         }
+        for (uint32_t i = 0; i < pairing_.ours.count; ++i) {
+            const Format &format = pairing_.ours.items[i];
+            if (format.defined && !isPaired(i)) {
+                Text detail;
+                detail << format.name;
+                if (format.number != SDP_NEGOTIATE_NONE) {
+                    detail << " " << format.number;
+                }
+                report_.add(Reason::MulticastFormat, index, detail, format.number);
+            }
+        }
+    }
+
+    bool isPaired(uint32_t place) const {
+        const uint8_t *const end = pairing_.partner + pairing_.offered.count;
+        return std::find(pairing_.partner, end, place) != end;
     }
 
     static std::string_view addressOf(const SDPConnection &connection) {

@@ -58,7 +58,7 @@ private:
 
     // A line of another media type is another stream.
     void payloads(uint32_t index, const SDPMediaDesc &before, const SDPMediaDesc &after) {
-        if (!sameWord(mediaWord(before), mediaWord(after))) {
+        if (!sameMedia(before, after)) {
             return;
         }
         gather(before, before_);

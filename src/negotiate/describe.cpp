@@ -5,10 +5,21 @@ namespace sdpline::negotiate {
 
 namespace {
 
-uint32_t timeOf(const SDPMediaDesc &media, uint32_t type) {
-    const SDPAttr *const line = find(attributesOf(media.pstAttrList), type);
-    return line != nullptr ? line->unAttrValue.ulValue : SDP_NEGOTIATE_NONE;
-}
+// The first of each.
+struct Times {
+    uint32_t usual = SDP_NEGOTIATE_NONE;
+    uint32_t most = SDP_NEGOTIATE_NONE;
+
+    explicit Times(const SDPMediaDesc &media) {
+        for (const SDPAttr *const line : attributesOf(media.pstAttrList)) {
+            if (line->ulAttrType == SDP_ATTR_PTIME && usual == SDP_NEGOTIATE_NONE) {
+                usual = line->unAttrValue.ulValue;
+            } else if (line->ulAttrType == SDP_ATTR_MAXPTIME && most == SDP_NEGOTIATE_NONE) {
+                most = line->unAttrValue.ulValue;
+            }
+        }
+    }
+};
 
 bool isHeld(const View &side) {
     return isUnspecified(connectionOf(side.body, side.media));
@@ -19,10 +30,12 @@ bool isHeld(const View &side) {
 void describeSides(const View &peer, const View &ours, SdpNegotiateStream &stream) {
     stream.bPeerHeld = isHeld(peer) ? 1 : 0;
     stream.bHeld = isHeld(ours) ? 1 : 0;
-    stream.ulSendPTime = timeOf(peer.media, SDP_ATTR_PTIME);
-    stream.ulReceivePTime = timeOf(ours.media, SDP_ATTR_PTIME);
-    stream.ulSendMaxPTime = timeOf(peer.media, SDP_ATTR_MAXPTIME);
-    stream.ulReceiveMaxPTime = timeOf(ours.media, SDP_ATTR_MAXPTIME);
+    const Times sent(peer.media);
+    const Times received(ours.media);
+    stream.ulSendPTime = sent.usual;
+    stream.ulReceivePTime = received.usual;
+    stream.ulSendMaxPTime = sent.most;
+    stream.ulReceiveMaxPTime = received.most;
 }
 
 SdpNegotiateFormat **makeFormats(Arena &arena, uint32_t count) {

@@ -1,4 +1,4 @@
-// Bodies made of drafts, line by line, by the operations of the library.
+// Drafts of bodies, and when a draft is finished.
 #include "negotiate/draft.hpp"
 
 #include <cstring>
@@ -50,146 +50,6 @@ SDPAttr otherFlag(Arena &arena, std::string_view name) {
     SDPAttr attribute = flagLine(SDP_ATTR_UNREC_NOVALUE);
     attribute.pstAttrName = nameOf(arena, name);
     return attribute;
-}
-
-namespace {
-
-// Pointers inside packed records are written by value: a clone is returned, and a failure kept.
-class Builder {
-public:
-    explicit Builder(SdpLine &body) : body_(body), block_(body.pstMemCp) {}
-
-    bool run(const BodyDraft &draft) {
-        copy(SDP_LINE_ORIGIN, draft.origin, body_.stOrigin);
-        copy(SDP_LINE_NAME, draft.name, body_.strSessionName);
-        body_.pstrSessionInfo = clone(SDP_LINE_INFO, draft.info);
-        body_.pstrUri = clone(SDP_LINE_URI, draft.uri);
-        body_.pstEmailList = texts(draft.emails);
-        body_.pstPhoneList = texts(draft.phones);
-        body_.pstConnection = clone(SDP_LINE_CONNECTION, draft.connection);
-        body_.pstBandwidthList = texts(draft.bandwidths);
-        times(draft.times);
-        body_.pstrTimeZone = clone(SDP_LINE_ZONE, draft.zone);
-        body_.pstKey = clone(SDP_LINE_KEY, draft.key);
-        body_.pstAttrList = attributes(draft.attributes);
-        media(draft.media);
-        return good_;
-    }
-
-private:
-    template <class Record>
-    void copy(uint32_t line, const Record &source, Record &target) {
-        good_ = good_ && SdpCopyLine(block_, line, &source, &target) == 0;
-    }
-
-    template <class Record>
-    Record *clone(uint32_t line, const Record *source) {
-        void *made = nullptr;
-        if (source != nullptr && good_) {
-            good_ = SdpCloneLine(block_, line, source, &made) == 0;
-        }
-        return static_cast<Record *>(made);
-    }
-
-    template <class Record>
-    Record *allocate(size_t count = 1) {
-        const size_t size = count * sizeof(Record);
-        void *const memory =
-            good_ ? block_->pfnAlloc(block_, static_cast<uint32_t>(size)) : nullptr;
-        good_ = memory != nullptr;
-        return good_ ? static_cast<Record *>(std::memset(memory, 0, size)) : nullptr;
-    }
-
-    SDPStringList *texts(const SDPStringList *source) {
-        const uint32_t count =
-            source != nullptr && source->ppstStrings != nullptr ? source->ulNoOfStrings : 0;
-        if (count == 0) {
-            return nullptr;
-        }
-        auto *const list = allocate<SDPStringList>();
-        SipString **const items = allocate<SipString *>(count);
-        for (uint32_t i = 0; good_ && i < count; ++i) {
-            items[i] = clone(SDP_LINE_BANDWIDTH, source->ppstStrings[i]);
-        }
-        if (good_) {
-            *list = {count, items};
-        }
-        return list;
-    }
-
-    void times(const SDPTimeSet *source) {
-        const uint32_t count =
-            source != nullptr && source->ppstTimeFields != nullptr ? source->ulNoOfTimeFields : 0;
-        if (count == 0) {
-            return;
-        }
-        SDPTimeField **const items = allocate<SDPTimeField *>(count);
-        for (uint32_t i = 0; good_ && i < count; ++i) {
-            items[i] = clone(SDP_LINE_TIME, source->ppstTimeFields[i]);
-        }
-        body_.stTimeSet = {good_ ? count : 0, items};
-    }
-
-    SDPAttrList *attributes(const Growing<SDPAttr> &source) {
-        if (source.size() == 0) {
-            return nullptr;
-        }
-        auto *const list = allocate<SDPAttrList>();
-        SDPAttr **const items = allocate<SDPAttr *>(source.size());
-        for (uint32_t i = 0; good_ && i < source.size(); ++i) {
-            items[i] = clone(SDP_LINE_ATTRIBUTE, &source[i]);
-        }
-        if (good_) {
-            *list = {source.size(), items};
-        }
-        return list;
-    }
-
-    void media(const Growing<MediaDraft> &source) {
-        if (source.size() == 0) {
-            return;
-        }
-        SDPMediaDesc **const items = allocate<SDPMediaDesc *>(source.size());
-        for (uint32_t i = 0; good_ && i < source.size(); ++i) {
-            items[i] = oneMedia(source[i]);
-        }
-        body_.stMediaSet = {good_ ? source.size() : 0, items};
-    }
-
-    SDPMediaDesc *oneMedia(const MediaDraft &source) {
-        auto *const target = allocate<SDPMediaDesc>();
-        if (target != nullptr) {
-            copy(SDP_LINE_MEDIA, source.line, target->stMediaField);
-            target->pstrMediaInfo = clone(SDP_LINE_INFO, source.info);
-            target->pstConnection = clone(SDP_LINE_CONNECTION, source.connection);
-            target->pstBandwidthList = texts(source.bandwidths);
-            target->pstKey = clone(SDP_LINE_KEY, source.key);
-            target->pstAttrList = attributes(source.attributes);
-        }
-        return target;
-    }
-
-    SdpLine &body_;
-    SDPMemCp *block_;
-    bool good_ = true;
-};
-
-} // namespace
-
-Reason build(const BodyDraft &draft, SdpLine **body) {
-    SdpLine *made = nullptr;
-    if (SdpLibCreateSdp(&made) != 0) {
-        return Reason::NoMemory;
-    }
-    SDPMemCp *const block = made->pstMemCp;
-    std::memset(static_cast<void *>(made), 0, sizeof *made); // a memory service need not clear it
-    made->pstMemCp = block;
-    if (!Builder(*made).run(draft)) {
-        SdpLibReleaseSdp(&made);
-        return Reason::NoMemory;
-    }
-    *body = made;
-    return Reason::None;
 }
 
 void draftSession(const SdpLine &body, BodyDraft &draft) {
@@ -246,8 +106,10 @@ std::string_view textOf(const SdpLine &body, Arena &arena) {
 
 namespace {
 
-// More bytes than a line has without its texts: names, words, numbers, line end.
-constexpr size_t kLine = 96;
+// More bytes than a line has without its texts: words, numbers, line end. Where nothing but a name
+// and a text is written: "a=charset:", a payload number's line end.
+constexpr size_t kLine = 72;
+constexpr size_t kTextLine = 16;
 
 size_t sizeOf(const SipString *text) {
     return text != nullptr ? kLine + text->ulLen : 0;
@@ -264,28 +126,13 @@ size_t sizeOf(const SDPStringList *list) {
 }
 
 size_t sizeOf(const SDPAttr &attribute) {
-    const auto &value = attribute.unAttrValue;
-    const size_t size = kLine + viewOf(attribute.pstAttrName).size();
-    switch (attribute.ulAttrType) {
-    case SDP_ATTR_RTPMAP: return size + value.stRtpMap.strEncodingName.ulLen;
-    case SDP_ATTR_SILENCE_SUPP: return size + value.stSilenceSupp.strParams.ulLen;
-    case SDP_ATTR_ECAN: return size + value.stEcan.strParams.ulLen;
-    case SDP_ATTR_DES:
-    case SDP_ATTR_CURR:
-    case SDP_ATTR_CONF:
-        return size + viewOf(value.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition).size();
-    case SDP_ATTR_FMTP:
-    case SDP_ATTR_CAT:
-    case SDP_ATTR_KEYWDS:
-    case SDP_ATTR_TOOL:
-    case SDP_ATTR_ORIENT:
-    case SDP_ATTR_TYPE:
-    case SDP_ATTR_CHARSET:
-    case SDP_ATTR_SDPLANG:
-    case SDP_ATTR_LANG:
-    case SDP_ATTR_UNREC_VALUE: return size + value.strValue.ulLen;
-    default: return size;
+    const SipString *const text = textIn(attribute);
+    const size_t size = text != nullptr ? text->ulLen : 0;
+    if (attribute.ulAttrType >= SDP_ATTR_FMTP && attribute.ulAttrType <= SDP_ATTR_LANG) {
+        return kTextLine + size;
     }
+    const SipString *const name = attribute.pstAttrName;
+    return name != nullptr ? kTextLine + size + name->ulLen : kLine + size;
 }
 
 size_t sizeOf(const Growing<SDPAttr> &attributes) {

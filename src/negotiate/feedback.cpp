@@ -72,7 +72,7 @@ bool addFor(const Feedback &offered, const SDPMediaDesc &ours, const Pairing &pa
 
 void answerFeedback(const SDPMediaDesc &offered, const SDPMediaDesc &ours, const Pairing &pairing,
                     uint32_t stream, Report &report, Growing<SDPAttr> &lines) {
-    const bool used = hasFeedback(protocolWord(offered)) && hasFeedback(protocolWord(ours));
+    const bool used = hasFeedback(offered) && hasFeedback(ours);
     for (const SDPAttr *const attribute : attributesOf(offered.pstAttrList)) {
         Feedback feedback = {};
         if (feedbackOf(*attribute, feedback) &&

@@ -81,8 +81,7 @@ private:
 
     void addWord() {
         const Keyword<sdpline::Format> word = Media(&media_).format();
-        if (word == sdpline::Format::Payloads || word.text().empty() ||
-            hasWord(protocolWord(media_), "RTP/")) {
+        if (word == sdpline::Format::Payloads || word.text().empty() || isRtp(media_)) {
             return;
         }
         Format &format = append();

@@ -45,6 +45,13 @@ struct FormatList {
 
 void gather(const SDPMediaDesc &media, FormatList &list);
 
+inline bool isRtp(const SDPMediaDesc &media) {
+    return protocolIs(media, SDP_PROTO_RTP_AVP,
+                      [](std::string_view word) { return hasWord(word, "RTP/"); }) ||
+           media.stMediaField.stProto.enProto == SDP_PROTO_RTP_SAVP ||
+           media.stMediaField.stProto.enProto == SDP_PROTO_RTP_AVPF;
+}
+
 // Calls use(number) for each payload number of an m= line that has numbers. Those of RTP over a
 // protocol that the decoder keeps as text are one word.
 template <class Use>
@@ -53,7 +60,7 @@ void eachNumber(const SDPMediaDesc &media, Use use) {
     if (format.enFmtType == SDP_FMT_OTHER) {
         std::string_view word = viewOf(format.unMediaFmt.strOtherFmts);
         uint32_t number = 0;
-        if (hasWord(protocolWord(media), "RTP/") && takeNumber(word, number) && word.empty()) {
+        if (isRtp(media) && takeNumber(word, number) && word.empty()) {
             use(number);
         }
         return;

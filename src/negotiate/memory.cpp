@@ -1,14 +1,29 @@
 // Texts that are put together.
 #include "negotiate/memory.hpp"
 
-#include <charconv>
-
 namespace sdpline::negotiate {
+
+// What is left of the last one is lost: at most as much as the next does not fit into.
+bool Arena::refill(size_t size) {
+    constexpr size_t kNext = kPiece - 64; // as much as fits into what the block takes at once
+    const size_t wanted = size > kNext ? size : kNext;
+    void *const memory =
+        block_ != nullptr ? block_->pfnAlloc(block_, static_cast<uint32_t>(wanted)) : nullptr;
+    failed_ = failed_ || memory == nullptr;
+    next_ = static_cast<char *>(memory);
+    left_ = memory != nullptr ? wanted : 0;
+    return memory != nullptr;
+}
 
 Text &Text::operator<<(uint32_t number) {
     char digits[10];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    return *this << std::string_view(digits, static_cast<size_t>(end - digits));
+    char *const end = digits + sizeof digits;
+    char *begin = end;
+    do {
+        *--begin = static_cast<char>('0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    return *this << std::string_view(begin, static_cast<size_t>(end - begin));
 }
 
 } // namespace sdpline::negotiate

@@ -15,16 +15,21 @@ namespace sdpline::negotiate {
 
 class Arena {
 public:
-    Arena() { SipMmCreateBufMem(2048, 2048, &block_); }
+    Arena() { SipMmCreateBufMem(kPiece, kPiece, &block_); }
     ~Arena() { SipMmReleaseBufMem(&block_); }
     Arena(const Arena &) = delete;
     Arena &operator=(const Arena &) = delete;
 
-    // Null when memory is exhausted. Not cleared.
+    // Null when memory is exhausted. Not cleared. Small ones are cut from a larger one: nothing is
+    // given back before the block is.
     void *take(size_t size) {
-        void *const memory =
-            block_ != nullptr ? block_->pfnAlloc(block_, static_cast<uint32_t>(size)) : nullptr;
-        failed_ = failed_ || memory == nullptr;
+        const size_t rounded = (size + kAlignment - 1) & ~(kAlignment - 1);
+        if (rounded > left_ && !refill(rounded)) {
+            return nullptr;
+        }
+        char *const memory = next_;
+        next_ += rounded;
+        left_ -= rounded;
         return memory;
     }
     template <class T>
@@ -56,7 +61,14 @@ public:
     }
 
 private:
+    static constexpr size_t kAlignment = 8;
+    static constexpr uint32_t kPiece = 2048;
+
+    bool refill(size_t size);
+
     SDPMemCp *block_ = nullptr;
+    char *next_ = nullptr;
+    size_t left_ = 0;
     bool failed_ = false;
 };
 
@@ -80,7 +92,7 @@ public:
     T *end() { return items_ + count_; }
     const T *begin() const { return items_; }
     const T *end() const { return items_ + count_; }
-    void clear() { count_ = 0; }
+    void cut(uint32_t count) { count_ = count; } // keeps the first ones
 
 private:
     bool grow() {
@@ -116,7 +128,10 @@ public:
         size_ += fits;
         return *this;
     }
-    Text &operator<<(const char *text) { return *this << std::string_view(text); }
+    // Inlined: the length of a literal is known there.
+    [[gnu::always_inline]] Text &operator<<(const char *text) {
+        return *this << std::string_view(text);
+    }
     Text &operator<<(uint32_t number);
 
     std::string_view view() const { return {bytes_, size_}; }

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "negotiate/draft.hpp"
+#include "negotiate/nextoffer.hpp"
 #include "negotiate/origin.hpp"
 
 struct SdpNegotiator {
@@ -68,7 +69,7 @@ Reason offer(SdpNegotiator &session, const SdpLine &wanted, SdpLine **result) {
     SdpLine *sent = nullptr;
     SdpLine *waiting = nullptr;
     Reason reason = session.sent != nullptr
-                        ? static_cast<Reason>(SdpNegotiateNextOffer(session.sent, &wanted, &made))
+                        ? makeNextOffer(session.local, *session.sent, wanted, &made)
                         : copyBody(wanted, &made);
     if (reason == Reason::None) {
         reason = copyTwice(*made, sent, waiting);

@@ -1,4 +1,6 @@
 // The next offer (RFC 3264 section 8): wanted streams in the m= lines of the previous description.
+#include "negotiate/nextoffer.hpp"
+
 #include "negotiate/draft.hpp"
 #include "negotiate/grouping.hpp"
 #include "negotiate/origin.hpp"
@@ -13,12 +15,12 @@ constexpr uint32_t kNoStream = SDP_NEGOTIATE_NONE;
 
 class NextOffer {
 public:
-    NextOffer(const SdpLine &previous, const SdpLine &wanted, Report &report, BodyDraft &draft)
-        : arena_(report.arena), wanted_(mediaOf(wanted)), previous_(mediaOf(previous)),
+    NextOffer(const SdpLine *inForce, const SdpLine &wanted, Report &report, BodyDraft &draft)
+        : arena_(report.arena), wanted_(mediaOf(wanted)),
+          previous_(inForce != nullptr ? mediaOf(*inForce) : MediaSpan()),
           hasConnection_(wanted.pstConnection != nullptr), draft_(draft), slots_(arena_),
           placed_(arena_) {
         draftSession(wanted, draft);
-        draft.origin = previous.stOrigin;
     }
 
     void run() {
@@ -76,7 +78,7 @@ private:
 
     bool isOpen(uint32_t slot) const { return previous_[slot]->stMediaField.ulPort != 0; }
     bool sameType(uint32_t slot, uint32_t stream) const {
-        return sameWord(mediaWord(*previous_[slot]), mediaWord(*wanted_[stream]));
+        return sameMedia(*previous_[slot], *wanted_[stream]);
     }
     static bool isFaxChange(const SDPMediaDesc &before, const SDPMediaDesc &after) {
         const std::string_view one = mediaWord(before);
@@ -119,6 +121,15 @@ private:
 
 } // namespace
 
+Reason makeNextOffer(const SdpLine *inForce, const SdpLine &last, const SdpLine &wanted,
+                     SdpLine **offer) {
+    Report report(false);
+    BodyDraft draft(report.arena);
+    NextOffer(inForce, wanted, report, draft).run();
+    draft.origin = last.stOrigin;
+    return finish(draft, &last, report, offer);
+}
+
 } // namespace sdpline::negotiate
 
 extern "C" SDPResult SdpNegotiateNextOffer(const SdpLine *pstPrevious, const SdpLine *pstWanted,
@@ -133,8 +144,5 @@ extern "C" SDPResult SdpNegotiateNextOffer(const SdpLine *pstPrevious, const Sdp
             return resultOf(reason);
         }
     }
-    Report report(false);
-    BodyDraft draft(report.arena);
-    NextOffer(*pstPrevious, *pstWanted, report, draft).run();
-    return resultOf(finish(draft, pstPrevious, report, ppstOffer));
+    return resultOf(makeNextOffer(pstPrevious, *pstPrevious, *pstWanted, ppstOffer));
 }

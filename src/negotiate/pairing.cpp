@@ -287,7 +287,8 @@ void writeParameters(const Pairing &pairing, uint32_t place, Text &text) {
         return;
     }
     text << ours.parameters;
-    if (isAmr(offered) && modeSetOf(offered.parameters) && !modeSetOf(ours.parameters)) {
+    if (isAmr(offered) && offered.parameters != ours.parameters && modeSetOf(offered.parameters) &&
+        !modeSetOf(ours.parameters)) {
         text << (text.empty() ? "" : ";")
              << "mode-set=" << *parameter(offered.parameters, "mode-set");
     }

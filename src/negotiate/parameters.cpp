@@ -7,16 +7,38 @@ namespace sdpline::negotiate {
 
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    const size_t begin = text.find_first_not_of(" \t");
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return after(text.substr(0, text.find_last_not_of(" \t") + 1), begin);
+constexpr bool isBlank(char byte) {
+    return byte == ' ' || byte == '\t';
 }
 
-bool isOne(std::string_view parameters, std::string_view name) {
-    return parameter(parameters, name) == "1";
+std::string_view trimmed(const char *begin, const char *end) {
+    while (begin != end && isBlank(*begin)) {
+        ++begin;
+    }
+    while (begin != end && isBlank(end[-1])) {
+        --end;
+    }
+    return {begin, static_cast<size_t>(end - begin)};
+}
+
+// Calls use(name, value) for each of "name=value;name=value" until it returns true.
+template <class Use>
+void eachParameter(std::string_view parameters, Use use) {
+    const char *const last = parameters.data() + parameters.size();
+    for (const char *begin = parameters.data(); begin < last;) {
+        const char *equals = nullptr;
+        const char *end = begin;
+        for (; end != last && *end != ';'; ++end) {
+            if (*end == '=' && equals == nullptr) {
+                equals = end;
+            }
+        }
+        const std::string_view name = trimmed(begin, equals != nullptr ? equals : end);
+        if (use(name, equals != nullptr ? trimmed(equals + 1, end) : std::string_view())) {
+            return;
+        }
+        begin = end + 1;
+    }
 }
 
 // ---- H264 (RFC 6184)
@@ -78,17 +100,51 @@ bool sameH264(std::string_view one, std::string_view two) {
 
 // ---- AMR and AMR-WB (RFC 4867 sections 8.1 and 8.3.1)
 
+struct AmrLayout {
+    bool aligned = false;
+    bool crc = false;
+    bool sorted = false;
+    bool interleaved = false;
+    std::optional<std::string_view> modes;
+
+    explicit AmrLayout(std::string_view parameters) {
+        eachParameter(parameters, [this](std::string_view name, std::string_view value) {
+            if (sameWord(name, "octet-align")) {
+                aligned = value == "1";
+            } else if (sameWord(name, "crc")) {
+                crc = value == "1";
+            } else if (sameWord(name, "robust-sorting")) {
+                sorted = value == "1";
+            } else if (sameWord(name, "interleaving")) {
+                interleaved = true;
+            } else if (sameWord(name, "mode-set") && !modes) {
+                modes = value;
+            }
+            return false;
+        });
+        aligned = aligned || crc || sorted || interleaved;
+    }
+};
+
+uint32_t modesOf(std::string_view list) {
+    uint32_t modes = 0;
+    while (!list.empty()) {
+        uint32_t mode = 0;
+        if (!takeNumber(list, mode)) {
+            list.remove_prefix(1);
+        } else if (mode < 32) {
+            modes |= 1u << mode;
+        }
+    }
+    return modes;
+}
+
 bool sameAmr(std::string_view one, std::string_view two) {
-    const auto layout = [](std::string_view parameters) {
-        const bool crc = isOne(parameters, "crc");
-        const bool sorted = isOne(parameters, "robust-sorting");
-        const bool interleaved = parameter(parameters, "interleaving").has_value();
-        const bool aligned = isOne(parameters, "octet-align") || crc || sorted || interleaved;
-        return (crc ? 1 : 0) | (sorted ? 2 : 0) | (interleaved ? 4 : 0) | (aligned ? 8 : 0);
-    };
-    const auto modes = modeSetOf(one);
-    const auto otherModes = modeSetOf(two);
-    return layout(one) == layout(two) && (!modes || !otherModes || *modes == *otherModes);
+    const AmrLayout first(one);
+    const AmrLayout second(two);
+    return first.aligned == second.aligned && first.crc == second.crc &&
+           first.sorted == second.sorted && first.interleaved == second.interleaved &&
+           (!first.modes || !second.modes || modesOf(*first.modes) == modesOf(*second.modes));
 }
 
 // ---- telephone-event (RFC 4733 section 2.4.1)
@@ -141,33 +197,19 @@ bool commonEvents(std::string_view one, std::string_view two) {
 } // namespace
 
 std::optional<std::string_view> parameter(std::string_view parameters, std::string_view name) {
-    while (!parameters.empty()) {
-        const size_t end = std::min(parameters.find(';'), parameters.size());
-        const std::string_view one = parameters.substr(0, end);
-        parameters.remove_prefix(std::min(end + 1, parameters.size()));
-        const size_t equals = std::min(one.find('='), one.size());
-        if (sameWord(trimmed(one.substr(0, equals)), name)) {
-            return trimmed(after(one, equals + 1));
+    std::optional<std::string_view> found;
+    eachParameter(parameters, [&](std::string_view one, std::string_view value) {
+        if (sameWord(one, name)) {
+            found = value;
         }
-    }
-    return std::nullopt;
+        return found.has_value();
+    });
+    return found;
 }
 
 std::optional<uint32_t> modeSetOf(std::string_view parameters) {
-    auto list = parameter(parameters, "mode-set");
-    if (!list) {
-        return std::nullopt;
-    }
-    uint32_t modes = 0;
-    while (!list->empty()) {
-        uint32_t mode = 0;
-        if (!takeNumber(*list, mode)) {
-            list->remove_prefix(1);
-        } else if (mode < 32) {
-            modes |= 1u << mode;
-        }
-    }
-    return modes;
+    const auto list = parameter(parameters, "mode-set");
+    return list ? std::optional(modesOf(*list)) : std::nullopt;
 }
 
 bool isAmr(const Format &format) {
@@ -180,18 +222,20 @@ bool sameCodec(const Format &one, const Format &two) {
 }
 
 bool sameParameters(const Format &one, const Format &two) {
+    const bool equal = one.parameters == two.parameters;
     if (one.role == Role::Event) {
         return commonEvents(one.parameters, two.parameters);
     }
     if (sameWord(one.name, "H264")) {
-        return sameH264(one.parameters, two.parameters);
+        return equal ? profileOf(one.parameters).has_value()
+                     : sameH264(one.parameters, two.parameters);
     }
     if (isAmr(one)) {
-        return sameAmr(one.parameters, two.parameters);
+        return equal || sameAmr(one.parameters, two.parameters);
     }
     if (sameWord(one.name, "G729")) {
-        return sameWord(parameter(one.parameters, "annexb").value_or("yes"),
-                        parameter(two.parameters, "annexb").value_or("yes"));
+        return equal || sameWord(parameter(one.parameters, "annexb").value_or("yes"),
+                                 parameter(two.parameters, "annexb").value_or("yes"));
     }
     return true;
 }

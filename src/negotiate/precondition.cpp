@@ -56,6 +56,12 @@ std::string_view typeWord(const SDPPreconditionS &type) {
                                                            : viewOf(type.pstrOtherPrecondition);
 }
 
+bool sameType(const SDPPreconditionS &one, const SDPPreconditionS &two) {
+    const bool qos = one.enPreconditionType == SDP_PRECONDITION_QOS;
+    return (qos && two.enPreconditionType == SDP_PRECONDITION_QOS) ||
+           sameWord(typeWord(one), typeWord(two));
+}
+
 constexpr uint32_t kMostRows = 12;
 
 struct Table {
@@ -64,7 +70,7 @@ struct Table {
 
     Row *find(const SDPPreconditionS &type, uint32_t status) {
         return std::find_if(rows, rows + count, [&](const Row &row) {
-            return row.status == status && sameWord(typeWord(row.type), typeWord(type));
+            return row.status == status && sameType(row.type, type);
         });
     }
     bool has(const Row *row) const { return row != rows + count; }
@@ -89,14 +95,13 @@ struct Table {
     }
     bool knows(const SDPPreconditionS &type) const {
         return std::any_of(rows, rows + count, [&](const Row &row) {
-            return row.wanted() && sameWord(typeWord(row.type), typeWord(type));
+            return row.wanted() && sameType(row.type, type);
         });
     }
     // Whether the type is wanted end to end, or segment by segment.
     bool hasKind(const SDPPreconditionS &type, bool endToEnd) const {
         return std::any_of(rows, rows + count, [&](const Row &row) {
-            return (row.status == SDP_STATUS_E2E) == endToEnd &&
-                   sameWord(typeWord(row.type), typeWord(type));
+            return (row.status == SDP_STATUS_E2E) == endToEnd && sameType(row.type, type);
         });
     }
 };
@@ -132,6 +137,25 @@ Table tableOf(const SDPMediaDesc &media) {
         }
     }
     return table;
+}
+
+// Most streams have none, and need no table to know it.
+bool hasPreconditions(const SDPMediaDesc &media) {
+    const AttributeSpan all = attributesOf(media.pstAttrList);
+    return std::any_of(all.begin(), all.end(),
+                       [](const SDPAttr *one) { return isPrecondition(*one); });
+}
+
+// What a stream can be rejected for: another type than that which all have, or one that has failed.
+// Without it a judgement needs no table.
+bool mayReject(const SDPMediaDesc &media) {
+    const AttributeSpan all = attributesOf(media.pstAttrList);
+    return std::any_of(all.begin(), all.end(), [](const SDPAttr *one) {
+        const SDPRsrcMgmtStatus &line = one->unAttrValue.stRsrcMgmtStatus;
+        return isPrecondition(*one) &&
+               (line.stPrecondition.enPreconditionType != SDP_PRECONDITION_QOS ||
+                line.enStrengthTag == SDP_STRENGTH_FAILURE);
+    });
 }
 
 uint32_t otherSegment(uint32_t status) {
@@ -277,9 +301,13 @@ void addLines(const Table &table, Table &ours, Growing<SDPAttr> &lines) {
 
 PreconditionAnswer answerPreconditions(const SDPMediaDesc &offered, const SDPMediaDesc &ours,
                                        uint32_t stream, Report &report, Growing<SDPAttr> *lines) {
+    PreconditionAnswer answer;
+    if (lines == nullptr ? !mayReject(offered) && !mayReject(ours)
+                         : !hasPreconditions(offered) && !hasPreconditions(ours)) {
+        return answer;
+    }
     const Table theirs = tableOf(offered);
     Table own = tableOf(ours);
-    PreconditionAnswer answer;
     if (!theirs.wanted() || !own.wanted()) {
         if (lines != nullptr && theirs.wanted() != own.wanted()) {
             report.add(Reason::PreconditionsIgnored, stream);

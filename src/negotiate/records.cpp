@@ -7,7 +7,7 @@ namespace sdpline::negotiate {
 
 bool hasWord(std::string_view text, std::string_view word) {
     for (size_t at = 0; at + word.size() <= text.size(); ++at) {
-        if (sameWord(after(text, at).substr(0, word.size()), word)) {
+        if (sameWord({text.data() + at, word.size()}, word)) {
             return true;
         }
     }
@@ -46,7 +46,8 @@ const SDPAttr *find(AttributeSpan attributes, uint32_t type) {
 
 const SDPAttr *find(AttributeSpan attributes, std::string_view name) {
     for (const SDPAttr *const attribute : attributes) {
-        if (otherName(*attribute) == name) {
+        const SipString *const own = attribute->pstAttrName;
+        if (own != nullptr && own->ulLen == name.size() && otherName(*attribute) == name) {
             return attribute;
         }
     }

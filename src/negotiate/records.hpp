@@ -47,17 +47,17 @@ constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
-// Equal but for the case of ASCII letters.
-constexpr bool sameWord(std::string_view one, std::string_view two) {
-    if (one.size() != two.size()) {
-        return false;
-    }
+constexpr bool sameLetters(std::string_view one, std::string_view two) {
     for (size_t i = 0; i < one.size(); ++i) {
         if (one[i] != two[i] && lower(one[i]) != lower(two[i])) {
             return false;
         }
     }
     return true;
+}
+// Equal but for the case of ASCII letters.
+constexpr bool sameWord(std::string_view one, std::string_view two) {
+    return one.size() == two.size() && sameLetters(one, two);
 }
 
 bool hasWord(std::string_view text, std::string_view word); // inside, without case
@@ -76,6 +76,17 @@ inline std::string_view protocolWord(const SDPMediaDesc &media) {
     return Media(&media).protocol().text();
 }
 
+inline bool sameMedia(const SDPMediaDesc &one, const SDPMediaDesc &two) {
+    return sameWord(mediaWord(one), mediaWord(two));
+}
+
+// Whether the protocol is the one of the code, or a word that `fits`.
+template <class Fits>
+bool protocolIs(const SDPMediaDesc &media, uint32_t code, Fits fits) {
+    const uint32_t protocol = media.stMediaField.stProto.enProto;
+    return protocol == code || (protocol == SDP_PROTO_OTHER && fits(protocolWord(media)));
+}
+
 // The name and the value of an attribute that the library keeps as text; empty for others.
 inline std::string_view otherName(const SDPAttr &attribute) {
     const bool other = attribute.ulAttrType == SDP_ATTR_UNREC_VALUE ||
@@ -87,15 +98,48 @@ inline std::string_view otherValue(const SDPAttr &attribute) {
                                                         : std::string_view();
 }
 
+// The text that an attribute's value has, null for none.
+inline SipString *textIn(SDPAttr &attribute) {
+    auto &value = attribute.unAttrValue;
+    switch (attribute.ulAttrType) {
+    case SDP_ATTR_RTPMAP: return &value.stRtpMap.strEncodingName;
+    case SDP_ATTR_SILENCE_SUPP: return &value.stSilenceSupp.strParams;
+    case SDP_ATTR_ECAN: return &value.stEcan.strParams;
+    case SDP_ATTR_UNREC_VALUE: return &value.strValue;
+    default: break;
+    }
+    const bool text =
+        attribute.ulAttrType >= SDP_ATTR_FMTP && attribute.ulAttrType <= SDP_ATTR_LANG;
+    return text ? &value.strValue : nullptr;
+}
+inline const SipString *textIn(const SDPAttr &attribute) {
+    return textIn(const_cast<SDPAttr &>(attribute));
+}
+
+inline bool isDirection(const SDPAttr &attribute) {
+    return attribute.ulAttrType >= SDP_ATTR_SENDRECV && attribute.ulAttrType <= SDP_ATTR_INACTIVE;
+}
+inline bool isT38(const SDPAttr &attribute) {
+    return attribute.ulAttrType >= SDP_ATTR_T38_FAX_VERSION &&
+           attribute.ulAttrType <= SDP_ATTR_T38_UDP_EC;
+}
+inline bool isPrecondition(const SDPAttr &attribute) {
+    return attribute.ulAttrType >= SDP_ATTR_DES && attribute.ulAttrType <= SDP_ATTR_CONF;
+}
+
 // The first attribute of a type, or of a name; null for none.
 const SDPAttr *find(AttributeSpan attributes, uint32_t type);
 const SDPAttr *find(AttributeSpan attributes, std::string_view name);
 
 // That of the media description, or else of the session.
-template <class Key>
-const SDPAttr *findFor(const SdpLine &body, const SDPMediaDesc &media, Key key) {
-    const SDPAttr *const own = find(attributesOf(media.pstAttrList), key);
-    return own != nullptr ? own : find(attributesOf(body.pstAttrList), key);
+inline const SDPAttr *findFor(const SdpLine &body, const SDPMediaDesc &media, uint32_t type) {
+    const SDPAttr *const own = find(attributesOf(media.pstAttrList), type);
+    return own != nullptr ? own : find(attributesOf(body.pstAttrList), type);
+}
+inline const SDPAttr *findFor(const SdpLine &body, const SDPMediaDesc &media,
+                              std::string_view name) {
+    const SDPAttr *const own = find(attributesOf(media.pstAttrList), name);
+    return own != nullptr ? own : find(attributesOf(body.pstAttrList), name);
 }
 
 // The c= line that holds for a stream; null for none.

@@ -40,6 +40,16 @@ void Report::add(Reason reason, uint32_t stream, std::string_view detail, uint32
     decisions_.add(decision);
 }
 
+void Report::forget(uint32_t stream) {
+    uint32_t kept = 0;
+    for (SdpNegotiateDecision *const decision : decisions_) {
+        if (decision->ulStream != stream) {
+            decisions_[kept++] = decision;
+        }
+    }
+    decisions_.cut(kept);
+}
+
 SdpNegotiateStream *Report::addStream() {
     auto *const stream = arena.make<SdpNegotiateStream>();
     if (stream != nullptr) {

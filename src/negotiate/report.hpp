@@ -24,6 +24,9 @@ public:
         add(reason, stream, detail.view(), payload);
     }
 
+    // Takes back what was said of a stream.
+    void forget(uint32_t stream);
+
     // A stream of the report, all zero; null when memory is exhausted.
     SdpNegotiateStream *addStream();
     SdpNegotiateStream *streamAt(uint32_t index) {

@@ -11,18 +11,6 @@
 
 namespace sdpline::negotiate {
 
-bool passesThrough(const SDPAttr &attribute, bool ice, bool dtls) {
-    switch (handlingOf(attribute)) {
-    case Handling::Ours:
-    case Handling::Unknown: return true;
-    case Handling::Ice: return ice;
-    case Handling::Dtls: return dtls;
-    case Handling::Negotiated:
-    case Handling::Offered: break;
-    }
-    return false;
-}
-
 void StreamWriter::run() {
     mediaLine();
     describeSides({input_.offer, offered_}, {input_.local, ours_}, stream_);
@@ -110,7 +98,7 @@ std::string_view StreamWriter::parameterLine(uint32_t place, const Format &offer
     if (parameters.empty()) {
         return {};
     }
-    if (parameters.view().size() > ours.parameters.size() && isAmr(offered)) {
+    if (parameters.view().size() > ours.parameters.size() && offered.role == Role::Codec) {
         report_.add(Reason::ModeSetTaken, match_.stream, *parameter(offered.parameters, "mode-set"),
                     offered.number);
     }
@@ -122,15 +110,20 @@ std::string_view StreamWriter::parameterLine(uint32_t place, const Format &offer
     return after(kept, text.view().size() - parameters.view().size());
 }
 
-bool StreamWriter::passes(const SDPAttr &attribute) const {
+bool StreamWriter::passes(const SDPAttr &attribute) {
     if (otherName(attribute) == "rtcp") {
         return match_.port == ours_.stMediaField.ulPort; // it is about that port
     }
     if (match_.multicast && attribute.ulAttrType == SDP_ATTR_PTIME) {
         return find(attributesOf(offered_.pstAttrList), uint32_t{SDP_ATTR_PTIME}) == nullptr;
     }
-    return passesThrough(attribute, findFor(input_.offer, offered_, "ice-ufrag") != nullptr,
-                         findFor(input_.offer, offered_, "fingerprint") != nullptr);
+    return passesThrough(attribute, [this](std::string_view name) {
+        std::optional<bool> &known = name == "fingerprint" ? hasDtls_ : hasIce_;
+        if (!known) {
+            known = findFor(input_.offer, offered_, name) != nullptr;
+        }
+        return *known;
+    });
 }
 
 void StreamWriter::declared() {
@@ -172,7 +165,7 @@ void StreamWriter::transport() {
     add(line);
     report_.add(Reason::SetupChosen, match_.stream, wordOf(SetupRole{match_.setup.mode}));
     // Who opens a TCP connection has no port to be reached at (RFC 4145 section 4.1).
-    if (match_.setup.mode == SDP_T120_ACTIVE && isTcp(protocolWord(offered_))) {
+    if (match_.setup.mode == SDP_T120_ACTIVE && isTcp(offered_)) {
         draft_.line.ulPort = kDiscardPort;
     }
     const Sides sides = {input_.offer, offered_, input_.local, ours_};

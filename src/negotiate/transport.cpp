@@ -3,25 +3,31 @@
 
 namespace sdpline::negotiate {
 
-bool isDtls(std::string_view protocol) {
-    return hasWord(protocol, "TLS");
+bool isDtls(const SDPMediaDesc &media) {
+    return protocolIs(media, SDP_PROTO_OTHER,
+                      [](std::string_view word) { return hasWord(word, "TLS"); });
 }
-bool isTcp(std::string_view protocol) {
-    return sameWord(protocol.substr(0, 3), "TCP");
+bool isTcp(const SDPMediaDesc &media) {
+    return protocolIs(media, SDP_PROTO_TCP,
+                      [](std::string_view word) { return sameWord(word.substr(0, 3), "TCP"); });
 }
-bool isSavp(std::string_view protocol) {
-    return hasWord(protocol, "SAVP") && !isDtls(protocol);
+bool isSavp(const SDPMediaDesc &media) {
+    return protocolIs(media, SDP_PROTO_RTP_SAVP, [](std::string_view word) {
+        return hasWord(word, "SAVP") && !hasWord(word, "TLS");
+    });
 }
-bool hasFeedback(std::string_view protocol) {
-    return hasWord(protocol, "AVPF");
+bool hasFeedback(const SDPMediaDesc &media) {
+    return protocolIs(media, SDP_PROTO_RTP_AVPF,
+                      [](std::string_view word) { return hasWord(word, "AVPF"); });
 }
 
-bool sameProtocol(std::string_view offered, std::string_view ours, bool avpForAvpf) {
-    if (sameWord(offered, ours)) {
+bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf) {
+    const std::string_view theirs = protocolWord(offered);
+    const std::string_view own = protocolWord(ours);
+    if (sameWord(theirs, own)) {
         return true;
     }
-    return avpForAvpf && hasFeedback(offered) &&
-           sameWord(offered.substr(0, offered.size() - 1), ours);
+    return avpForAvpf && hasFeedback(offered) && sameWord(theirs.substr(0, theirs.size() - 1), own);
 }
 
 // ---- a=setup
@@ -29,8 +35,7 @@ bool sameProtocol(std::string_view offered, std::string_view ours, bool avpForAv
 namespace {
 
 bool usesSetup(const Sides &sides) {
-    const std::string_view protocol = protocolWord(sides.offered);
-    return isTcp(protocol) || isDtls(protocol) ||
+    return isTcp(sides.offered) || isDtls(sides.offered) ||
            findFor(sides.offer, sides.offered, "fingerprint") != nullptr;
 }
 
@@ -47,7 +52,7 @@ uint32_t setupOf(const SdpLine &body, const SDPMediaDesc &media) {
 Setup chooseSetup(const Sides &sides) {
     const uint32_t theirs = setupOf(sides.offer, sides.offered);
     const uint32_t ours = setupOf(sides.local, sides.ours);
-    if (!usesSetup(sides) || (theirs == 0 && ours == 0)) {
+    if ((theirs == 0 && ours == 0) || !usesSetup(sides)) {
         return {};
     }
     if (theirs == SDP_T120_ACTPASS) {
@@ -121,7 +126,7 @@ bool fits(const CryptoLine &theirs, const CryptoLine &ours) {
 
 // The first offered line whose suite is ours: the offerer's order is its preference.
 Crypto chooseCrypto(const Sides &sides) {
-    if (!isSavp(protocolWord(sides.offered))) {
+    if (!isSavp(sides.offered)) {
         return {};
     }
     const AttributeSpan theirs = attributesOf(sides.offered.pstAttrList);
@@ -200,7 +205,7 @@ void checkCrypto(const Sides &sides, uint32_t stream, Report &report) {
 
 void checkTransport(const Sides &sides, uint32_t stream, Report &report) {
     checkSetup(sides, stream, report);
-    if (isSavp(protocolWord(sides.offered))) {
+    if (isSavp(sides.offered)) {
         checkCrypto(sides, stream, report);
     }
 }

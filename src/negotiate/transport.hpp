@@ -8,13 +8,13 @@ namespace sdpline::negotiate {
 
 constexpr uint32_t kDiscardPort = 9;
 
-bool isDtls(std::string_view protocol);      // "UDP/TLS/RTP/SAVP"
-bool isTcp(std::string_view protocol);       // "TCP", "TCP/BFCP"
-bool isSavp(std::string_view protocol);      // RTP/SAVP, RTP/SAVPF: keys by a=crypto
-bool hasFeedback(std::string_view protocol); // the AVPF profiles
+bool isDtls(const SDPMediaDesc &media);      // "UDP/TLS/RTP/SAVP"
+bool isTcp(const SDPMediaDesc &media);       // "TCP", "TCP/BFCP"
+bool isSavp(const SDPMediaDesc &media);      // RTP/SAVP, RTP/SAVPF: keys by a=crypto
+bool hasFeedback(const SDPMediaDesc &media); // the AVPF profiles
 
 // Equal without case, or where `avpForAvpf` AVPF and AVP, SAVPF and SAVP.
-bool sameProtocol(std::string_view offered, std::string_view ours, bool avpForAvpf);
+bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf);
 
 // One stream of an offer, and ours that is to answer it.
 struct Sides {

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Changes the sources one place at a time and looks whether a test fails.
 
-usage: mutants.py --build DIR [COUNT] [-j N] [--seed N] [--file PART] [--list] [--fresh]
+usage: mutants.py --build DIR [COUNT] [--of LIBRARY] [-j N] [--seed N] [--file PART] [--list]
+                  [--fresh]
 
-The tree is copied below DIR and built there once (static, -O1). Then each mutant: one changed file
+The tree is copied below DIR and built there once (static, -O1). The library is sdpline or negotiate.
+Then each mutant: one changed file
 is compiled, the tests are linked with it and run until the first one fails. A mutant that does not
 compile is none; one whose machine code is that of the original changes nothing and is none either.
 What is known of each mutant is kept in DIR/results.jsonl under its text, so that a run that was
@@ -28,9 +30,23 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-PROGRAMS = ("tests/sdpline_tests", "tests/inplace_tests")
-FOLDERS = ("src/lexer", "src/parser", "src/encoder", "src/copy")
 GOAL = 95.0
+
+
+class Subject:
+    """What is changed, and the programs that are to notice, which link it as a static library."""
+
+    def __init__(self, folders, target, programs, options=()):
+        self.folders, self.target, self.programs = folders, target, programs
+        self.options = options
+
+
+SUBJECTS = {
+    "sdpline": Subject(("src/lexer", "src/parser", "src/encoder", "src/copy"), "sdpline_counted",
+                       ("tests/sdpline_tests", "tests/inplace_tests")),
+    "negotiate": Subject(("src/negotiate",), "sdpline_negotiate", ("tests/negotiate_tests",),
+                         ("-DSDPLINE_NEGOTIATE_KIND=STATIC",)),
+}
 
 # What is changed into what; the first group of a pattern is replaced. Patterns see code only:
 # literals and comments are blanked out before they look.
@@ -122,8 +138,8 @@ def mutants_of(path):
     return found
 
 
-def all_mutants(part):
-    paths = sorted(p.relative_to(ROOT).as_posix() for folder in FOLDERS
+def all_mutants(subject, part):
+    paths = sorted(p.relative_to(ROOT).as_posix() for folder in subject.folders
                    for p in (ROOT / folder).glob("*.[ch]pp"))
     return [mutant for path in paths if part in path for mutant in mutants_of(path)]
 
@@ -159,20 +175,22 @@ def digest(folder):
 class Original:
     """The unchanged tree, built once: its objects, and the commands that made them."""
 
-    def __init__(self, folder):
+    def __init__(self, subject, folder):
+        self.subject = subject
         self.tree, self.build = folder / "tree", folder / "build"
         self.copy_tree()
         must(["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-Wno-dev",
               "-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS=-O1", "-DCMAKE_C_FLAGS=-O1",
-              "-DSDPLINE_HARDEN=OFF", "-DSDPLINE_INSTALL=OFF"], folder)
-        must(["ninja", "-C", self.build, "-j2", *PROGRAMS], folder)
+              "-DSDPLINE_HARDEN=OFF", "-DSDPLINE_INSTALL=OFF", *subject.options], folder)
+        programs = subject.programs
+        must(["ninja", "-C", self.build, "-j2", *programs], folder)
         self.compile, self.links = {}, {}
-        for line in must(["ninja", "-t", "commands", *PROGRAMS], self.build).splitlines():
+        for line in must(["ninja", "-t", "commands", *programs], self.build).splitlines():
             words = [w for w in shlex.split(line)]
-            if "-c" in words and "sdpline_counted.dir" in line:
+            if "-c" in words and f"{subject.target}.dir" in line:
                 self.compile[words[words.index("-o") + 1]] = self.plain(words)
             elif words[-1] != ":" or "-o" in words:
-                for program in PROGRAMS:
+                for program in programs:
                     if program in words:
                         link = words[words.index("&&") + 1:] if words[0] == ":" else words
                         self.links[program] = link
@@ -184,7 +202,8 @@ class Original:
 
     @staticmethod
     def plain(words):
-        """The command without what writes dependency files."""
+        """The command without what keeps compiled files and what writes dependency files."""
+        words = words[1:] if Path(words[0]).name == "ccache" else words
         kept, skip = [], 0
         for word in words:
             if skip or word in ("-MF", "-MT", "-MD"):
@@ -219,7 +238,7 @@ class Original:
 
     def time_of_tests(self):
         begun = time.monotonic()
-        for program in PROGRAMS:
+        for program in self.subject.programs:
             status, output = run([program, "--gtest_brief=1"], self.build, 600)
             if status != 0:
                 sys.exit("the tests fail as they are:\n" + output[-4000:])
@@ -230,6 +249,7 @@ class Worker:
     def __init__(self, original, folder):
         self.original, self.folder = original, folder
         shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir()
 
     def judge(self, mutant):
         """killed, hung, survived, stillborn (does not compile) or same (no other machine code)"""
@@ -251,7 +271,7 @@ class Worker:
                 objects[name] = made
         if not objects:
             return "same"
-        for name in PROGRAMS:
+        for name in self.original.subject.programs:
             verdict = self.tested(name, objects)
             if verdict != "survived":
                 return verdict
@@ -263,14 +283,17 @@ class Worker:
         command = [str(program) if w == name else w for w in self.original.links[name]]
         # The changed objects stand first, before inline functions and tables in those of the tests.
         first = next(i for i, w in enumerate(command) if w.endswith(".o"))
-        archive = next(i for i, w in enumerate(command) if w.endswith("libsdpline_counted.a"))
+        library = f"lib{self.original.subject.target}.a"
+        archive = next(i for i, w in enumerate(command) if w.endswith(library))
         unchanged = [each for each in self.original.compile if each not in objects]
         command[archive:archive + 1] = unchanged
         command[first:first] = [str(made) for made in objects.values()]
         status, _ = run(command, self.original.build)
         if status != 0:
             return "stillborn"
-        status, _ = run(["prlimit", "--as=4294967296", "--core=0", str(program),
+        # Programs of the build look for shared libraries beside themselves.
+        libraries = ":".join(str(self.original.build / part) for part in ("src", "src/sipcore"))
+        status, _ = run(["env", f"LD_LIBRARY_PATH={libraries}", "prlimit", "--as=4294967296", "--core=0", str(program),
                          "--gtest_brief=1", "--gtest_fail_fast"], self.original.build,
                         self.original.limit)
         return "hung" if status is None else "survived" if status == 0 else "killed"
@@ -375,6 +398,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("count", nargs="?", type=int, default=300)
     parser.add_argument("--build", type=Path, required=True, help="where everything is written")
+    parser.add_argument("--of", choices=SUBJECTS, default="sdpline", help="the library to change")
     parser.add_argument("-j", "--jobs", type=int, default=1)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--file", default="", help="only files with this in their path")
@@ -382,16 +406,20 @@ def main():
     parser.add_argument("--fresh", action="store_true", help="forget earlier runs")
     options = parser.parse_args()
 
-    mutants = all_mutants(options.file)
+    subject = SUBJECTS[options.of]
+    mutants = all_mutants(subject, options.file)
     random.Random(options.seed).shuffle(mutants)
     if options.list:
         print(*mutants, f"{len(mutants)} mutants", sep="\n")
         return 0
-    folder = options.build.resolve()
+    folder = options.build.resolve() / options.of
     folder.mkdir(parents=True, exist_ok=True)
     known = Known(folder / "results.jsonl", options.fresh)
-    original = Original(folder)
+    original = Original(subject, folder)
     workers = [Worker(original, folder / f"worker{i}") for i in range(options.jobs)]
+    for name in subject.programs:
+        if workers[0].tested(name, {}) != "survived":
+            sys.exit(f"{name} fails without a change, linked as those with one")
     hunt = Hunt(known, workers, options.count)
     hunt.run(mutants, options.jobs)
 

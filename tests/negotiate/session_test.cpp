@@ -119,6 +119,37 @@ TEST(Negotiator, ARefusedOfferLeavesWhatIsInForceAndUsesItsVersionUp) {
     EXPECT_EQ(versionOf(answer->body), "3");
 }
 
+// The m= lines of a refused offer have never been; its version has.
+TEST(Negotiator, ARefusedOfferLeavesNoLines) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.offer(ours(kAudio + "m=video 40002 RTP/AVP 31\n")));
+    ASSERT_TRUE(session.refused());
+    const auto next = session.offer(ours(kHold));
+    ASSERT_TRUE(next);
+    EXPECT_EQ(next->media().size(), 1u);
+    EXPECT_EQ(versionOf(*next), "3");
+    ASSERT_TRUE(session.refused());
+
+    // What was in force again is another description than the one that was sent last.
+    const auto back = session.offer(ours(kAudio));
+    EXPECT_EQ(versionOf(*back), "4");
+}
+
+TEST(Negotiator, ARefusedFirstOffer) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio + "m=video 40002 RTP/AVP 31\n")));
+    ASSERT_TRUE(session.refused());
+    const auto next = session.offer(ours(kAudio));
+    ASSERT_TRUE(next);
+    EXPECT_EQ(next->media().size(), 1u);
+    EXPECT_EQ(versionOf(*next), "2");
+    const auto agreement = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n"));
+    ASSERT_TRUE(agreement);
+    EXPECT_TRUE(agreement->decisions.empty());
+}
+
 TEST(Negotiator, ARefusedOfferOfThePeer) {
     Negotiator session;
     ASSERT_TRUE(session.receiveOffer(theirs(kAudio)));
