@@ -1,10 +1,12 @@
 # What cmake --install lays down: libraries, headers, the CMake package, pkg-config files, the
-# program with its man page and completion. All of it is relocatable: whatever folder it is moved to,
+# program with its man page and completions. All of it is relocatable: whatever folder it is moved to,
 # the program finds the libraries, and one library the other. A distribution's package, which lies
 # where the loader looks anyway, is made with CMAKE_SKIP_INSTALL_RPATH.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
+set(SDPLINE_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+  CACHE STRING "Where zsh finds completions below the prefix")
 set(sdpline_libraries sdpline sdpline_negotiate sdpline_tidy)
 if(SDPLINE_SIPCORE)
   list(APPEND sdpline_libraries sipcore)
@@ -85,5 +87,9 @@ if(SDPLINE_TOOLS)
   if(EXISTS ${PROJECT_SOURCE_DIR}/completion/sdpline)
     install(FILES ${PROJECT_SOURCE_DIR}/completion/sdpline
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT program)
+    install(FILES ${PROJECT_SOURCE_DIR}/completion/_sdpline
+      DESTINATION ${SDPLINE_ZSH_COMPLETIONS} COMPONENT program)
+    install(FILES ${PROJECT_SOURCE_DIR}/completion/sdpline.fish
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT program)
   endif()
 endif()

@@ -41,6 +41,11 @@ for file in examples/answer.c examples/CMakeLists.txt integration.md grammar.md;
   grep -q "/libsdpline-dev/.*$file" "$work/contents" ||
     fail "libsdpline-dev has no $file"
 done
+dpkg-deb --contents "$build"/sdpline_*.deb >"$work/contents"
+for file in man/man1/sdpline.1.gz bash-completion/completions/sdpline \
+  zsh/vendor-completions/_sdpline fish/vendor_completions.d/sdpline.fish; do
+  grep -q "/usr/share/$file" "$work/contents" || fail "sdpline has no $file"
+done
 
 # The names of the machine's packages and files, without the triggers that would run there.
 mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"

@@ -33,7 +33,8 @@ look() { # PREFIX
 
 cmake --install "$build" --prefix "$work/first" >/dev/null
 look "$work/first"
-for file in share/man/man1/sdpline.1 share/bash-completion/completions/sdpline; do
+for file in share/man/man1/sdpline.1 share/bash-completion/completions/sdpline \
+  share/zsh/site-functions/_sdpline share/fish/vendor_completions.d/sdpline.fish; do
   [ -s "$work/first/$file" ] || fail "$file is not there"
 done
 "$consumers" "$source/examples" "$work/first" "$work/consumers" "$cc" "$cxx"
