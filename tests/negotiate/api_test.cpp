@@ -1,6 +1,7 @@
 // Arguments, options and reasons.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <set>
 
 #include "negotiate/documents.hpp"
@@ -88,6 +89,28 @@ TEST(Negotiate, ABodyThatWouldBeTooLong) {
     EXPECT_EQ(sdpline::answer(offer, wide, &wide, options).error().check, "TooLong");
 }
 
+// Line by line longer: an answer is refused where it has to be, and not before.
+TEST(Negotiate, TheLongestAnswer) {
+    const Body offer = theirs(lines("m=audio 49170 RTP/AVP 0\n", 4));
+    sdpline::AnswerOptions options;
+    options.ports = {1, 2, 3};
+    size_t longest = 0;
+    bool refused = false;
+    for (size_t size = 880; size < 1015; ++size) {
+        const Body local = ours("m=audio 40000 RTP/AVP 0\na=x:" + std::string(size, 'x') + '\n');
+        const auto answer = sdpline::answer(offer, local, nullptr, options);
+        ASSERT_TRUE(!answer || !refused) << size;
+        refused = !answer;
+        if (answer) {
+            const auto text = answer->body.encode();
+            longest = text->size();
+        }
+    }
+    EXPECT_TRUE(refused);
+    EXPECT_LE(longest, SDP_MAX_BODY);
+    EXPECT_GT(longest + 4, SDP_MAX_BODY) << "one byte more for each of the streams";
+}
+
 TEST(Negotiate, AValueThatWouldBeTooLong) {
     const std::string parameters(1018, 'x');
     const Body offer = theirs("m=audio 49170 RTP/AVP 100\na=rtpmap:100 x/8000\n");
@@ -160,6 +183,35 @@ TEST(Negotiate, AnExistingConnectionThatWeDoNotHave) {
     EXPECT_EQ(connectionOf(&closed), "new");
     EXPECT_EQ(connectionOf(&other), "new");
     EXPECT_EQ(connectionOf(&local), "existing");
+}
+
+// Words that no decoded body has: a program makes them.
+TEST(Negotiate, TextsOfAnAnswerAreCopies) {
+    const Body offer = theirs("m=x-media 49170 x-proto y\n");
+    Body local = ours("m=x-media 40000 x-proto y\nc=IN IP4 198.51.100.3\nk=prompt\n");
+    char bytes[] = "X-one";
+    SipString word = {5, bytes};
+    SDPOrigin &origin = local.record()->stOrigin;
+    SDPConnection &connection = *local.record()->stMediaSet.ppstMediaDescs[0]->pstConnection;
+    origin.stNetType = {SDP_NETTYPE_OTHER, &word};
+    origin.stAddrType = {SDP_ADDRTYPE_OTHER, &word};
+    connection.stNetType = {SDP_NETTYPE_OTHER, &word};
+    connection.stAddrType = {SDP_ADDRTYPE_OTHER, &word};
+    const auto answer = sdpline::answer(offer, local);
+    origin.stNetType = {SDP_NETTYPE_IN, nullptr};
+    origin.stAddrType = {SDP_ADDRTYPE_IP4, nullptr};
+    connection.stNetType = {SDP_NETTYPE_IN, nullptr};
+    connection.stAddrType = {SDP_ADDRTYPE_IP4, nullptr};
+    std::memset(bytes, '#', sizeof bytes);
+    ASSERT_TRUE(answer);
+    const SdpLine &made = *answer->body.record();
+    const SDPConnection &copy = *made.stMediaSet.ppstMediaDescs[0]->pstConnection;
+    for (const SipString *const text :
+         {made.stOrigin.stNetType.pstrOtherNetType, made.stOrigin.stAddrType.pstrOtherAddrType,
+          copy.stNetType.pstrOtherNetType, copy.stAddrType.pstrOtherAddrType}) {
+        ASSERT_NE(text, nullptr);
+        EXPECT_EQ(std::string(text->pcData, text->ulLen), "X-one");
+    }
 }
 
 TEST(Negotiate, StreamsOfAnAnswer) {

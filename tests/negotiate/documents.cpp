@@ -104,15 +104,30 @@ std::string withoutHead(const std::string &text) {
     return text.starts_with(kLocalHead) ? text.substr(kLocalHead.size()) : text;
 }
 
-void addAnswer(const Case &current, std::map<std::string, std::string> &outputs) {
+Result<sdpline::Answer> answerOf(const Case &current) {
     const auto offer = bodyOf(current, "offer");
     const auto local = bodyOf(current, "local");
     std::optional<Body> previous;
     if (current.has("previous")) {
         previous = bodyOf(current, "previous").value();
     }
-    const auto made =
-        sdpline::answer(*offer, *local, previous ? &*previous : nullptr, optionsOf(current));
+    return sdpline::answer(*offer, *local, previous ? &*previous : nullptr, optionsOf(current));
+}
+
+// The answer outlives the bodies that it was made of, whose memory has others by then.
+void addAnswer(const Case &current, std::map<std::string, std::string> &outputs) {
+    const auto made = answerOf(current);
+    const std::vector<Body> others = [] {
+        std::vector<Body> bodies;
+        const std::string filler(1000, '#');
+        for (int i = 0; i < 4; ++i) {
+            bodies.push_back(Body::decode(kLocalHead + "a=x:" + filler + "\na=y:" + filler +
+                                          "\na=z:" + filler + '\n')
+                                 .value());
+        }
+        return bodies;
+    }();
+    const auto offer = bodyOf(current, "offer");
     if (!made) {
         outputs["refused"] = std::string(made.error().check) + '\n';
         return;
