@@ -130,14 +130,16 @@ struct AnswerOptions {
     bool ourOrder = false;   /* formats in our order, not in the offer's */
     bool firstOnly = false;  /* one codec, with the telephone events that go with it */
     bool avpForAvpf = false; /* RTP/AVPF may be answered by RTP/AVP */
+    /* Negotiator::answer: with every stream rejected the offer stays open, to be refused. */
+    bool openIfRejected = false;
     /* Ports for streams that take a local description again. */
-    std::vector<std::uint32_t> ports;
+    std::vector<std::uint32_t> ports = {};
     /* In place of them, called for each accepted stream with its number, that of the local m= line,
      * and the local port, 0 when it is in use. Returns the port, 0 for none. */
-    std::function<std::uint32_t(std::uint32_t, std::uint32_t, std::uint32_t)> port;
+    std::function<std::uint32_t(std::uint32_t, std::uint32_t, std::uint32_t)> port = nullptr;
     /* Whether two codecs of one name, clock and number of channels are the same; the last argument
      * is what the built-in rules say. */
-    std::function<bool(const Codec &, const Codec &, bool)> same;
+    std::function<bool(const Codec &, const Codec &, bool)> same = nullptr;
 };
 
 namespace negotiate_detail {
@@ -250,6 +252,7 @@ inline SdpNegotiateOptions optionsOf(const AnswerOptions &options) {
     record.bOurOrder = options.ourOrder ? 1 : 0;
     record.bFirstOnly = options.firstOnly ? 1 : 0;
     record.bAvpForAvpf = options.avpForAvpf ? 1 : 0;
+    record.bOpenIfRejected = options.openIfRejected ? 1 : 0;
     record.ulNoOfPorts = static_cast<std::uint32_t>(options.ports.size());
     record.pulPorts = options.ports.data();
     record.pfnPort = options.port ? callPort : nullptr;

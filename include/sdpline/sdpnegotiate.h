@@ -127,6 +127,8 @@ typedef struct SdpNegotiateOptions {
     uint32_t bOurOrder;   /* formats in the order of the local body, not of the offer */
     uint32_t bFirstOnly;  /* one codec, with the telephone events that go with it */
     uint32_t bAvpForAvpf; /* a stream over AVPF may be answered by a local one over AVP */
+    /* SdpNegotiateMakeAnswer: with every stream rejected the offer stays open, to be refused. */
+    uint32_t bOpenIfRejected;
     /* Ports for streams that take a local description a second time, used in their order. */
     uint32_t ulNoOfPorts;
     const uint32_t *pulPorts;

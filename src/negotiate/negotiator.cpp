@@ -149,6 +149,29 @@ Reason receiveAnswer(SdpNegotiator &session, const SdpLine &answer, bool provisi
     return Reason::None;
 }
 
+// The answer becomes what was sent last and, when it is final, what is in force.
+Reason keepAnswer(SdpNegotiator &session, const SdpLine &answer, bool provisional) {
+    SdpLine *sent = nullptr;
+    SdpLine *inForce = nullptr;
+    SdpLine *remote = nullptr;
+    Reason reason = copyTwice(answer, sent, inForce);
+    if (reason == Reason::None && !provisional) {
+        reason = copyBody(*session.offer, &remote);
+    }
+    if (reason != Reason::None || provisional) {
+        SdpLibReleaseSdp(&inForce);
+    }
+    if (reason != Reason::None) {
+        SdpLibReleaseSdp(&sent);
+        return reason;
+    }
+    replace(session.sent, sent);
+    if (!provisional) {
+        settle(session, inForce, remote);
+    }
+    return Reason::None;
+}
+
 Reason makeAnswer(SdpNegotiator &session, const SdpLine &local, const SdpNegotiateOptions *options,
                   bool provisional, SdpLine **result, SdpNegotiateReport **report) {
     SdpLine *answer = nullptr;
@@ -157,28 +180,15 @@ Reason makeAnswer(SdpNegotiator &session, const SdpLine &local, const SdpNegotia
     if (reason != Reason::None) {
         return reason;
     }
-    SdpLine *sent = nullptr;
-    SdpLine *inForce = nullptr;
-    SdpLine *remote = nullptr;
-    reason = copyTwice(*answer, sent, inForce);
-    if (reason == Reason::None && !provisional) {
-        reason = copyBody(*session.offer, &remote);
-    }
+    const bool open =
+        options != nullptr && options->bOpenIfRejected != 0 && (*report)->bAccepted == 0;
+    reason = open ? Reason::None : keepAnswer(session, *answer, provisional);
     if (reason != Reason::None) {
-        for (SdpLine *body : {answer, sent, inForce}) {
-            SdpLibReleaseSdp(&body);
-        }
+        SdpLibReleaseSdp(&answer);
         SdpNegotiateReleaseReport(report);
-        return reason;
-    }
-    replace(session.sent, sent);
-    if (provisional) {
-        SdpLibReleaseSdp(&inForce);
-    } else {
-        settle(session, inForce, remote);
     }
     *result = answer;
-    return Reason::None;
+    return reason;
 }
 
 } // namespace
@@ -290,6 +300,7 @@ SDPResult SdpNegotiateReceiveOffer(SdpNegotiator *pstNegotiator, const SdpLine *
 SDPResult SdpNegotiateMakeAnswer(SdpNegotiator *pstNegotiator, const SdpLine *pstLocal,
                                  const SdpNegotiateOptions *pstOptions, uint32_t bProvisional,
                                  SdpLine **ppstAnswer, SdpNegotiateReport **ppstReport) {
+    SdpNegotiateReport *report = nullptr;
     if (ppstReport != nullptr) {
         *ppstReport = nullptr;
     }
@@ -297,10 +308,17 @@ SDPResult SdpNegotiateMakeAnswer(SdpNegotiator *pstNegotiator, const SdpLine *ps
         return resultOf(Reason::NoBody);
     }
     *ppstAnswer = nullptr;
-    const Reason reason = refusal(pstNegotiator, SDP_NEGOTIATE_HAVE_REMOTE_OFFER, pstLocal);
-    return resultOf(reason != Reason::None ? reason
-                                           : makeAnswer(*pstNegotiator, *pstLocal, pstOptions,
-                                                        bProvisional != 0, ppstAnswer, ppstReport));
+    Reason reason = refusal(pstNegotiator, SDP_NEGOTIATE_HAVE_REMOTE_OFFER, pstLocal);
+    if (reason == Reason::None) {
+        reason = makeAnswer(*pstNegotiator, *pstLocal, pstOptions, bProvisional != 0, ppstAnswer,
+                            &report);
+    }
+    if (ppstReport != nullptr) {
+        *ppstReport = report;
+    } else {
+        SdpNegotiateReleaseReport(&report);
+    }
+    return resultOf(reason);
 }
 
 SDPResult SdpNegotiateRefuse(SdpNegotiator *pstNegotiator) {

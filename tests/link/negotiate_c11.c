@@ -11,7 +11,7 @@ _Static_assert(sizeof(SdpNegotiateFormat) == 16 + 3 * sizeof(SipString), "packed
 _Static_assert(sizeof(SdpNegotiateStream) == 52 + sizeof(void *), "packed");
 _Static_assert(sizeof(SdpNegotiateReport) == 12 + 3 * sizeof(void *), "packed");
 _Static_assert(sizeof(SdpNegotiateCodec) == 12 + 2 * sizeof(SipString), "packed");
-_Static_assert(sizeof(SdpNegotiateOptions) == 16 + 4 * sizeof(void *), "packed");
+_Static_assert(sizeof(SdpNegotiateOptions) == 20 + 4 * sizeof(void *), "packed");
 
 #define HEAD "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nc=IN IP4 192.0.2.1\r\nt=0 0\r\n"
 

@@ -70,6 +70,27 @@ TEST(Negotiator, AnAnswerWithFaultsIsTakenAndJudged) {
     EXPECT_EQ(session.state(), State::Stable);
 }
 
+TEST(Negotiator, ARejectedOfferStaysOpenToBeRefused) {
+    Negotiator session;
+    ASSERT_TRUE(session.receiveOffer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.answer(ours(kAudio)));
+    const std::string before = textOf(session.local());
+
+    ASSERT_TRUE(session.receiveOffer(theirs("m=video 49180 RTP/AVP 31\n")));
+    const auto none = session.answer(ours(kAudio), {.openIfRejected = true});
+    ASSERT_TRUE(none);
+    EXPECT_FALSE(none->accepted);
+    EXPECT_EQ(session.state(), State::HaveRemoteOffer);
+    ASSERT_TRUE(session.refuse());
+    EXPECT_EQ(textOf(session.local()), before);
+
+    ASSERT_TRUE(session.receiveOffer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    const auto again = session.answer(ours(kAudio), {.openIfRejected = true});
+    ASSERT_TRUE(again && again->accepted);
+    EXPECT_EQ(session.state(), State::Stable);
+    EXPECT_EQ(textOf(session.local()), before) << "the text that was not sent used no version up";
+}
+
 TEST(Negotiator, AnOfferOfThePeer) {
     Negotiator session;
     const Body offer = theirs("m=audio 49170 RTP/AVP 0 8\n");
