@@ -68,11 +68,32 @@ void store(const Lexer &lexer) {
     }
 }
 
+namespace {
+
+// Whether no setter moved the state since it was cleared, and no program sees texts being taken.
+bool isUntouched() {
+    return (state.start | state.end | state.index | state.ended) == 0 && !seesFills();
+}
+
+// What load() and the search for a special start come to then: the first token begins the input.
+Lexer atStart(const uint8_t *input) {
+    return {.input = input,
+            .at = input,
+            .end = input,
+            .kind = state.kind,
+            .context = state.context,
+            .special = 0,
+            .last = state.last,
+            .counted = 0};
+}
+
+} // namespace
+
 Lexer begin(const uint8_t *input) {
     state.input = input;
     state.inputGone = false;
     state.context = SDP_LEXCTX_SDP;
-    Lexer lexer = load();
+    Lexer lexer = isUntouched() ? atStart(input) : load();
     lexer.advance(SDP_LEXCTX_SDP);
     store(lexer);
     lexer.special = specialBits(lexer);
@@ -160,6 +181,10 @@ void publishText() {
     copyBytes(state.text, from, size);
     state.text[size] = '\0';
     takenText.from = nullptr;
+}
+
+const uint8_t *runEndByBytes(const uint8_t *byte, Run run) {
+    return runEnd(byte, run);
 }
 
 const uint8_t *lineEnd(const uint8_t *text) {

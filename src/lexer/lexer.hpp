@@ -93,6 +93,19 @@ struct Lexer {
         return true;
     }
 
+    // The same for a name whose bytes are known: it is a word when a colon or line end is after it.
+    SDPLINE_INLINE bool jumpName(uint32_t size, std::string_view &name) {
+        const uint8_t *const after = end + size;
+        if (*after != ':' && *after != '\n') {
+            return false;
+        }
+        name = {reinterpret_cast<const char *>(end), size};
+        noteTaken(end, size);
+        context = Context::Token;
+        jumpTo(after);
+        return true;
+    }
+
     // Switches the context, then takes the current token when it is of the kind.
     SDPLINE_INLINE bool take(uint32_t wanted, uint32_t under) {
         context = under;
@@ -197,6 +210,9 @@ extern SDPLINE_PER_THREAD TakenText takenText;
 // there without.
 [[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
 void publishText();
+
+// runEnd() where what follows the input may not be read.
+[[gnu::cold, gnu::noinline]] const uint8_t *runEndByBytes(const uint8_t *byte, Run run);
 
 // The line end after a text, or the end of the input.
 const uint8_t *lineEnd(const uint8_t *text);
@@ -341,24 +357,22 @@ inline void Lexer::scanSdp() {
 
 // A text up to a space, tab or line end, or that byte alone.
 inline void Lexer::scanString() {
-    if (special != 0) [[unlikely]] {
-        return scanRun(lexer::kStringRun, SDP_TOK_STRING);
-    }
     if ((lexer::kBytes.runs[last] & lexer::kStringRun) == 0) {
         return closeByte();
     }
-    closeAt(lexer::stringEndInPadded(at + 1), SDP_TOK_STRING);
+    closeAt(special == 0 ? lexer::stringEndInPadded(at + 1)
+                         : lexer::runEndByBytes(at + 1, lexer::kStringRun),
+            SDP_TOK_STRING);
 }
 
 // A word, or a byte that is in none.
 inline void Lexer::scanToken() {
-    if (special != 0) [[unlikely]] {
-        return scanRun(lexer::kTokenRun, SDP_TOK_TOKEN);
-    }
     if ((lexer::kBytes.runs[last] & lexer::kTokenRun) == 0) {
         return closeByte();
     }
-    closeAt(lexer::tokenEndInPadded(at + 1), SDP_TOK_TOKEN);
+    closeAt(special == 0 ? lexer::tokenEndInPadded(at + 1)
+                         : lexer::runEndByBytes(at + 1, lexer::kTokenRun),
+            SDP_TOK_TOKEN);
 }
 
 inline void Lexer::scanDigits() {
@@ -413,7 +427,7 @@ inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
 
 inline bool Lexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
     const uint8_t *const byte =
-        special == 0 ? lexer::nameEndInPadded(at) : lexer::runEnd(at, lexer::kNameRun);
+        special == 0 ? lexer::nameEndInPadded(at) : lexer::runEndByBytes(at, lexer::kNameRun);
     const auto size = static_cast<uint32_t>(byte - at);
     bytes = {reinterpret_cast<const char *>(at), size};
     if (special != 0 || size > limit || *byte == '\0') [[unlikely]] {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "tables/usualnames.hpp"
+
 namespace sdpline {
 
 namespace {
@@ -205,9 +207,21 @@ bool parseValue(Parser &p, SDPAttr &attr, std::string_view name, uint32_t type) 
 
 namespace {
 
+// The type of a usual name after "a=", which is taken up to the ":" or line end after it; else 0.
+SDPLINE_INLINE uint32_t usualName(Parser &p, std::string_view &name) {
+    if (p.special != 0 || !p.is(SDP_TOK_ATTRIBUTE)) {
+        return 0;
+    }
+    const UsualName *const usual = kUsualNames.find(p.end);
+    return usual != nullptr && p.jumpName(usual->size, name) ? usual->type : 0;
+}
+
 // a= name [ ":" value ] LF
 SDPLINE_INLINE bool attribute(Parser &p, SDPAttr &attr) {
     std::string_view name;
+    if (const uint32_t type = usualName(p, name)) {
+        return parseValue(p, attr, name, type);
+    }
     return p.expect(SDP_TOK_ATTRIBUTE, Context::Token, Check::AttrLine) &&
            p.read(name, SDP_TOK_TOKEN, {Check::AttrName, Check::AttrNameText}) &&
            p.next(Context::Token) && parseValue(p, attr, name, attributeType(name));

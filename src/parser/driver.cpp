@@ -34,6 +34,8 @@ struct Step {
     LineSet next;
     bool mayEnd; // an empty line may follow: the description ends there
     Check unexpected;
+
+    constexpr bool mayEndAt(uint32_t following) const { return mayEnd && following == SDP_TOK_LF; }
 };
 
 constexpr Step kSteps[] = {
@@ -130,25 +132,39 @@ static_assert(stepsAreComplete());
 
 } // namespace
 
+namespace {
+
+// Runs a step's production, and returns whether the line after it may follow it.
+SDPLINE_INLINE bool runStep(Parser &p, SdpLine &line, const Step &step) {
+    return step.parse(p, line) && (contains(step.next, p.kind) || step.mayEndAt(p.kind) ||
+                                   p.refuse(step.unexpected, p.kind));
+}
+
+static_assert(kSteps[0].kind == SDP_TOK_VERSION && kSteps[1].kind == SDP_TOK_ORIGIN &&
+              kSteps[2].kind == SDP_TOK_SESSION_NAME);
+
+// version origin session-name: every description begins with them, and they are parsed in one
+// function, in registers.
+[[gnu::flatten]] bool parseHead(Parser &parser, SdpLine &line) {
+    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+        return p.see(SDP_TOK_VERSION, Check::StartVersion) && runStep(p, line, kSteps[0]) &&
+               runStep(p, line, kSteps[1]) && runStep(p, line, kSteps[2]);
+    });
+}
+
+} // namespace
+
 // From the version's key to the end of the description.
 bool parseLines(Parser &parser, SdpLine &line) {
-    if (!parser.see(SDP_TOK_VERSION, Check::StartVersion)) {
+    if (!parseHead(parser, line)) {
         return false;
     }
-    const Step *step = stepOf(SDP_TOK_VERSION);
-    for (;;) {
-        if (!step->parse(parser, line)) {
+    while (parser.kind != SDP_TOK_LF) {
+        if (!runStep(parser, line, *stepOf(parser.kind))) {
             return false;
         }
-        const uint32_t next = parser.kind;
-        if (next == SDP_TOK_LF && step->mayEnd) {
-            return true;
-        }
-        if (!contains(step->next, next)) {
-            return parser.refuse(step->unexpected, next);
-        }
-        step = stepOf(next);
     }
+    return true;
 }
 
 SDPResult parseFromState(SdpLine &line) {

@@ -168,7 +168,13 @@ void *blockTake(SDPMemCp *memCp, uint32_t size) {
 }
 
 void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
-    void *const memory = blockTake(memCp, size);
+    auto &block = *static_cast<Block *>(memCp->pService);
+    void *memory = cutSmall(block, size);
+    if (memory != nullptr) [[likely]] {
+        zeroSmall(static_cast<char *>(memory), size);
+        return memory;
+    }
+    memory = allocateRare(block, size);
     if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveInOwnChunk) {
         return memory; // the heap zeroes what may never be touched
     }
