@@ -1,11 +1,13 @@
 // Any bytes are tidied: a text that decodes stays as it is, what is repaired decodes and stays as
-// it is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes.
+// it is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes, and
+// are those that a second, plain search finds.
 #include <algorithm>
 #include <map>
 #include <string>
 
 #include "fuzz.hpp"
 #include "sdpline/sdptidy.h"
+#include "tidy/plaindoubts.hpp"
 
 namespace {
 
@@ -99,6 +101,22 @@ void requireTidied(std::string_view text, uint64_t rules) {
     requireNoLineLost(text, report);
 }
 
+// What plain questions find, the library finds, and nothing else. They need stack by the byte.
+void requirePlainDoubts(std::string_view text, const Report &report) {
+    constexpr size_t longest = 1000;
+    if (text.size() > longest || report.result() != 0) {
+        return;
+    }
+    std::string found;
+    for (uint32_t i = 0; i < report->ulNoOfRows; ++i) {
+        const SDPTidyRow &row = report->pstRows[i];
+        found += std::to_string(row.ulLine) + ':' + std::to_string(row.ulColumn) + ' ' +
+                 SdpTidyRuleAt(row.enRule)->pcName + '\n';
+    }
+    const bool family = SdpGetSupMedProtoRtpFamily() == 1;
+    require(found == tidytest::plainDoubts(std::string(text), family), "no doubt is missed", found);
+}
+
 } // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
@@ -112,6 +130,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     requireTidied(text, chosen & repairs);
     const Report doubts(SdpTidyFindDoubts, text, 0);
     requirePlaces(text, doubts);
+    requirePlainDoubts(text, doubts);
     require(doubts.result() == 0 || doubts->ulNoOfRows == 0, "a refused text has no doubts");
     return 0;
 }

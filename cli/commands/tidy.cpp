@@ -115,9 +115,7 @@ public:
             return trouble(name + ": " + input.error());
         }
         const Bodies found = findBodies(input.text());
-        for (const Problem &problem : found.problems) {
-            trouble(name + ": " + escaped(problem.text));
-        }
+        tellProblems(name, found);
         Rewriter rewriter(input.text());
         std::string masked;
         for (const BodyPlace &place : found.bodies) {
@@ -130,6 +128,7 @@ public:
             }
             learn(body.text, tidied->text());
             tell(body, *tidied);
+            noteUnread(body, *tidied, found);
             if (options_.decode.redact) {
                 masked += redactedBody(tidied->text(), redactor_);
             } else if (tidied->isRepaired()) {
@@ -150,6 +149,30 @@ private:
     void trouble(const std::string &message) {
         std::cerr << "sdpline: " << message << '\n';
         status_ = kStillRefused;
+    }
+
+    void tellProblems(const std::string &name, const Bodies &found) {
+        for (const Problem &problem : found.problems) {
+            if (problem.kind != Problem::Note) {
+                trouble(name + ": " + escaped(problem.text));
+            }
+        }
+    }
+
+    // What is passed over of a body; of one whose empty lines are left out, nothing is.
+    static void noteUnread(const Found &body, const sdpline::Tidied &tidied, const Bodies &found) {
+        for (const sdpline::Repair repair : tidied.repairs()) {
+            if (repair.rule->enRule == SDP_TIDY_EMPTY_LINES && tidied.isRepaired()) {
+                return;
+            }
+        }
+        for (const Problem &problem : found.problems) {
+            if (problem.kind == Problem::Note && problem.offset >= body.offset &&
+                problem.offset < body.offset + body.text.size()) {
+                std::cerr << "sdpline: " << body.name << ':' << problem.line << ": "
+                          << escaped(problem.text) << '\n';
+            }
+        }
     }
 
     void learn(std::string_view given, std::string_view tidied) {

@@ -37,6 +37,23 @@ LinePlace emptyLine(std::string_view text, size_t offset) {
     return {text.size(), text.size(), text.size()};
 }
 
+// Whether a body goes on here after an empty line, and is not followed by another one.
+bool goesOn(std::string_view text) {
+    return beginsAsSdp(text) && text.front() != 'v';
+}
+
+// The empty line that ends a body: after those before it there are lines of SDP.
+LinePlace lastEmptyLine(std::string_view text) {
+    LinePlace empty = emptyLine(text, 0);
+    for (;;) {
+        const size_t next = text.find_first_not_of(kBlanks, empty.next);
+        if (next == std::string_view::npos || !goesOn(text.substr(next))) {
+            return empty;
+        }
+        empty = emptyLine(text, next);
+    }
+}
+
 // Where a text that goes on may be dropped up to, so that no first line of a message is torn.
 size_t lastLineBegin(std::string_view text) {
     const size_t feed = text.rfind('\n');
@@ -157,16 +174,14 @@ size_t BodyFinder::takeMessageAhead(std::string_view text, bool last, Bodies &fo
 }
 
 size_t BodyFinder::takePlain(std::string_view text, bool last, Bodies &found) {
-    const LinePlace empty = emptyLine(text, 0);
+    const LinePlace empty = lastEmptyLine(text);
     const bool more = text.find_first_not_of(kBlanks, empty.next) != std::string_view::npos;
     mode_ = Mode::AfterBody;
-    if (last && !more) {
-        found.bodies.push_back({0, text.size()});
-        return text.size();
-    }
-    noted_ = false;
-    found.bodies.push_back({0, empty.begin});
-    return empty.next;
+    const bool whole = last && !more;
+    found.bodies.push_back({0, whole ? text.size() : empty.begin});
+    noteUnreadOf(text, found);
+    noted_ = !found.problems.empty();
+    return whole ? text.size() : empty.next;
 }
 
 // What follows a body: another one, messages, or text that is not read.

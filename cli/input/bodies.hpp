@@ -35,8 +35,8 @@ struct Bodies {
 };
 
 /*
- * A text that begins with a line such as "v=0" is a body, and so is what begins with "v=" after an
- * empty line in it. Otherwise every SIP message in the text is looked at, whatever is written
+ * A text that begins with a line such as "v=0" is a body, with the lines of SDP that come after an
+ * empty line in it; what begins with "v=" after one is another. Otherwise every SIP message in the text is looked at, whatever is written
  * between them; see message.hpp. A text without either is one body. A text of messages without any
  * body in it is a problem.
  *

@@ -102,9 +102,10 @@ public:
                 continue;
             }
             work_.hasSecondVersion = work_.hasSecondVersion || line.key == 'v';
-            if (line.key == '\0' && endsDescription(line.original) && !goesOn(line)) {
+            if (line.key == '\0' && endsDescription(line.original) && !leavesOut(line)) {
                 --work_.lineCount;
                 work_.tail = before;
+                work_.goesOn = nextKey() != '\0';
                 return;
             }
         }
@@ -151,28 +152,35 @@ private:
         return !text.empty();
     }
 
-    // Whether lines of SDP follow the empty one, which is left out then.
-    bool goesOn(Line &line) {
-        if (!work_.wants(Rule::EmptyLines)) {
-            return false;
-        }
+    // The letter of the line after this and other empty ones, 0 where it is none of SDP. `begin` is
+    // where it begins.
+    char nextKey(const char **begin = nullptr) const {
         Cutter ahead = cutter_;
         std::string_view end;
         while (!ahead.done()) {
-            const std::string_view following = ahead.next(end);
-            if (withoutBlanksBefore(following).empty()) {
-                continue;
+            const char *const at = ahead.rest().data();
+            const std::string_view line = ahead.next(end);
+            if (!withoutBlanksBefore(line).empty()) {
+                if (begin != nullptr) {
+                    *begin = at;
+                }
+                return work_.wants(Rule::KeySpace) ? looseKeyOf(line) : keyOf(line);
             }
-            const char key = work_.wants(Rule::KeySpace) ? looseKeyOf(following) : keyOf(following);
-            if (key == '\0' || key == 'v') {
-                return false;
-            }
-            work_.report(Rule::EmptyLines, line);
-            leaveOut(line);
-            skipTo(ahead.rest().data() - end.size() - following.size());
-            return true;
         }
-        return false;
+        return '\0';
+    }
+
+    // Whether lines of SDP follow the empty one, which is left out then.
+    bool leavesOut(Line &line) {
+        const char *begin = nullptr;
+        const char key = work_.wants(Rule::EmptyLines) ? nextKey(&begin) : '\0';
+        if (key == '\0' || key == 'v') {
+            return false;
+        }
+        work_.report(Rule::EmptyLines, line);
+        leaveOut(line);
+        skipTo(begin);
+        return true;
     }
 
     // The empty lines up to there are left out too.

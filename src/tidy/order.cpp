@@ -256,6 +256,9 @@ private:
 
     // `next` is the first m= line, or where there is none the last line.
     void addMissing(const Line &next, bool hasMedia) {
+        if (work_.goesOn) {
+            return; // what is missing may be after the empty line, for other readers too
+        }
         const Line *const end = work_.lines + work_.lineCount;
         const Line *begin = work_.lines;
         while (begin != end - 1 && begin->rank == kNotWritten) {

@@ -40,12 +40,12 @@ constexpr bool looksLikeIp4(std::string_view word) {
     return dots == 3;
 }
 
-// A host name (RFC 1123 section 2.1) that is not a number.
+// A host name (RFC 1123 section 2.1), with the "_" of some, that is not a number.
 constexpr bool isHostName(std::string_view word) {
     bool letter = false;
     for (const char byte : word) {
         const bool alpha = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
-        if (!alpha && !isDigit(byte) && byte != '-' && byte != '.') {
+        if (!alpha && !isDigit(byte) && byte != '-' && byte != '.' && byte != '_') {
             return false;
         }
         letter = letter || alpha;

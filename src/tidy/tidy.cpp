@@ -143,6 +143,9 @@ SDPTidyRow *rowsOf(Workspace &work) {
 // Why the repaired text is refused, with its place in the text as it was given: that of the line,
 // where the line was written anew.
 SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure failure) {
+    if (failure.ulLine == 0) {
+        return failure; // of the whole text
+    }
     for (const Line *line = lines.first; line != nullptr; line = line->next) {
         if (line->newNumber != failure.ulLine) {
             continue;
@@ -156,8 +159,10 @@ SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure 
             static_cast<uint32_t>(given.original.data() - work.text.data()) + failure.ulColumn - 1;
         return failure;
     }
-    failure.ulColumn = failure.ulLine = 0; // after the last line
-    failure.ulOffset = 0;
+    // The empty line that ends the description, or the end of the text.
+    failure.ulLine = work.lineCount + 1;
+    failure.ulColumn = 1;
+    failure.ulOffset = static_cast<uint32_t>(work.text.size() - work.tail.size());
     return failure;
 }
 

@@ -131,6 +131,7 @@ public:
     uint32_t takenCount = 0;       // of lines, that the decoder took before it refused one
     uint32_t takenSize = 0;        // and bytes of the text before the place of that
     bool endsInCr = false;         // each line, there being no LF
+    bool goesOn = false;           // after the empty line that ends the description
     bool hasSecondVersion = false; // or text before v=: that is never repaired
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }

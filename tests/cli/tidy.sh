@@ -49,6 +49,17 @@ expect "a doubt for a rule" 2 nothing '~no repair is named "PortRange"' -- \
 expect "without --optional" 2 odd.sdp - -- "$program" tidy odd.sdp
 expect "--optional" 1 even.sdp '~LineUnknown' -- "$program" tidy --optional odd.sdp
 
+# ---- Lines after an empty one
+sed 's/^s=.*/\r\n&/' tidied.sdp >apart.sdp
+expect "an empty line" 2 apart.sdp '~^sdpline: apart.sdp:4: what follows' -- "$program" tidy apart.sdp
+expect "an empty line, --optional" 1 tidied.sdp '~^apart.sdp:3:1: repaired: an empty line' -- \
+  "$program" tidy --optional apart.sdp
+"$program" tidy --optional apart.sdp 2>&1 >/dev/null | grep -c . >lines
+expect "no note of what is read" 0 '~^1$' nothing -- cat lines
+sed 's/^m=.*/\r\n&/' tidied.sdp >ended.sdp
+expect "lines that are not read" 0 '~^ended.sdp:6:1: warning: text after an empty line' - -- \
+  "$program" check ended.sdp
+
 # ---- Messages, in place
 message untidy.sip untidy.sdp
 message tidied.sip tidied.sdp
