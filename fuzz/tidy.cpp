@@ -1,6 +1,6 @@
 // Any bytes are tidied: a text that decodes stays as it is, what is repaired decodes and stays as
-// it is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes, and
-// are those that a second, plain search finds.
+// it is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes,
+// and are those that a second, plain search finds.
 #include <algorithm>
 #include <map>
 #include <string>
