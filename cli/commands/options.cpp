@@ -2,9 +2,25 @@
 
 #include <CLI/CLI.hpp>
 
+#include <iostream>
+#include <sstream>
 #include <utility>
 
+#include "output/escape.hpp"
+
 namespace cli {
+
+namespace {
+
+// What is wrong with the command line quotes it, and file names of anybody's may be on it.
+void printEscaped(const std::string &problem) {
+    std::istringstream lines(problem);
+    for (std::string line; std::getline(lines, line);) {
+        std::cerr << escaped(line) << '\n';
+    }
+}
+
+} // namespace
 
 bool readCommandLine(const Program &program, int argc, char **argv,
                      const std::function<void(CLI::App &)> &add, int &status) {
@@ -16,7 +32,9 @@ bool readCommandLine(const Program &program, int argc, char **argv,
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        status = app.exit(error) == 0 ? 0 : kUsage;
+        std::ostringstream problem;
+        status = app.exit(error, std::cout, problem) == 0 ? 0 : kUsage;
+        printEscaped(problem.str());
         return false;
     }
     return true;

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "input/lengths.hpp"
+#include "input/paths.hpp"
 #include "input/window.hpp"
 #include "output/diagnostic.hpp"
 #include "output/escape.hpp"
@@ -107,6 +108,17 @@ class Tidier {
 public:
     Tidier(const Options &options, const sdpline::TidyRules &rules)
         : options_(options), rules_(rules) {}
+
+    void files(const std::vector<std::string> &paths) {
+        std::vector<PathError> errors;
+        const std::vector<std::string> files = expandFolders(paths, errors);
+        for (const PathError &error : errors) {
+            trouble(inputName(error.path) + ": " + error.reason);
+        }
+        for (const std::string &path : files) {
+            file(path);
+        }
+    }
 
     void file(const std::string &path) {
         const std::string name = inputName(path);
@@ -280,9 +292,7 @@ int run(const Options &options) {
     }
     configure(options.decode);
     Tidier tidier(options, *rules);
-    for (const std::string &path : options.decode.paths) {
-        tidier.file(path);
-    }
+    tidier.files(options.decode.paths);
     return tidier.finish();
 }
 

@@ -116,6 +116,8 @@ void LineMasks::origin(size_t from) {
         const std::string_view value = text(words[i]);
         if (i == 0) {
             value == "-" ? void() : mask(Mask::User, begin, end);
+        } else if (i < 3 && !std::all_of(value.begin(), value.end(), isDigit)) {
+            mask(Mask::Word, begin, end); // the place of a number, as a refusal tells
         } else if (i == 1) {
             edits_.push_back({begin, end, masks_.sessionId(value)});
         } else if (i == 2) {

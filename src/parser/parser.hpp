@@ -135,6 +135,7 @@ SDPLINE_INLINE bool onLine(Parser &parser, const Production &production) {
     copy.input = parser.input;
     copy.special = 0;
     copy.failure = 0;
+    copy.counted = 0;
     copy.copyPosition(parser);
     const bool done = production(copy);
     parser.copyPosition(copy);

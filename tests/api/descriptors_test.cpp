@@ -18,6 +18,11 @@ T held(T value) {
     return value;
 }
 
+// So many bytes of numbers, and so many pointers.
+constexpr uint32_t bytes(uint32_t numbers, uint32_t pointers) {
+    return numbers + pointers * static_cast<uint32_t>(sizeof(void *));
+}
+
 struct Row {
     const char *name;
     const SipDsmTypeDef *def;
@@ -34,35 +39,35 @@ const Row kRows[] = {
     ROW(g_gstSdpUnConstrainedUInt8Def, 1, 23, nullptr),
     ROW(g_gstSdpUnConstrainedUInt16Def, 2, 23, nullptr),
     ROW(g_gstSdpUnConstrainedUInt32Def, 4, 23, nullptr),
-    ROW(g_gstSdpStringDef, 12, 24, nullptr),
+    ROW(g_gstSdpStringDef, bytes(4, 1), 24, nullptr),
     ROW(g_gstSdpPortiPortDef, 4, 8, &g_gstSdpPortConstrainedInt16Def),
     ROW(g_gstSdpUInt8Def, 1, 13, &g_gstSdpIPFieldConstrainedInt8Def),
-    ROW(g_gstdpUnConstrainedUInt32PointerDef, 8, 5, &g_gstSdpUnConstrainedUInt32Def),
-    ROW(g_gstSDPOriginDef, 72, 2, &g_gstSDPOriginSeqDef),
-    ROW(g_gstSDPNetTypeDef, 12, 6, &g_gstSDPNetTypeCPointerDef),
-    ROW(g_gstSDPAddrTypeDef, 12, 6, &g_gstSDPAddrTypeCPointerDef),
-    ROW(g_gstSDPConnectionDef, 52, 2, &g_gstSDPConnectionSeqDef),
+    ROW(g_gstdpUnConstrainedUInt32PointerDef, bytes(0, 1), 5, &g_gstSdpUnConstrainedUInt32Def),
+    ROW(g_gstSDPOriginDef, bytes(24, 6), 2, &g_gstSDPOriginSeqDef),
+    ROW(g_gstSDPNetTypeDef, bytes(4, 1), 6, &g_gstSDPNetTypeCPointerDef),
+    ROW(g_gstSDPAddrTypeDef, bytes(4, 1), 6, &g_gstSDPAddrTypeCPointerDef),
+    ROW(g_gstSDPConnectionDef, bytes(36, 2), 2, &g_gstSDPConnectionSeqDef),
     ROW(g_gstSDPTptAddrDef, 20, 1, &g_gstSDPTptAddrChoiceDef),
     ROW(g_gstSDPTptAddrIPV4Def, 4, 4, &g_gstSdpIPV4SetDef),
     ROW(g_gstSDPTptAddrIPV6Def, 16, 4, &g_gstSdpIPV6SetDef),
-    ROW(g_gstSDPKeyDef, 12, 2, &g_gstSDPKeySeqDef),
-    ROW(g_gstSDPTimeFieldDef, 16, 2, &g_gstSDPTimeFieldSeqDef),
-    ROW(g_gstSDPRepeatFieldSetPointerDef, 8, 5, &g_gstSDPRepeatFieldSetDef),
-    ROW(g_gstSDPRepeatFieldSetDef, 12, 3, &g_gstSDPRepeatFieldDef),
-    ROW(g_gstSDPRepeatFieldDef, 12, 3, &g_gstSDPTimeUnitDef),
+    ROW(g_gstSDPKeyDef, bytes(4, 1), 2, &g_gstSDPKeySeqDef),
+    ROW(g_gstSDPTimeFieldDef, bytes(8, 1), 2, &g_gstSDPTimeFieldSeqDef),
+    ROW(g_gstSDPRepeatFieldSetPointerDef, bytes(0, 1), 5, &g_gstSDPRepeatFieldSetDef),
+    ROW(g_gstSDPRepeatFieldSetDef, bytes(4, 1), 3, &g_gstSDPRepeatFieldDef),
+    ROW(g_gstSDPRepeatFieldDef, bytes(4, 1), 3, &g_gstSDPTimeUnitDef),
     ROW(g_gstSDPTimeUnitDef, 8, 2, &g_gstSDPTimeUnitSeqDef),
-    ROW(g_gstSDPMediaFieldDef, 48, 2, &g_gstSDPMediaFieldSeqDef),
-    ROW(g_gstSDPMediaDef, 12, 6, &g_gstSDPMediaCPointerDef),
-    ROW(g_gstSDPMediaProtoDef, 12, 6, &g_gstSDPMediaProtoCPointerDef),
-    ROW(g_gstSDPMediaFmtDef, 16, 1, &g_gstSDPMediaChoiceDef),
-    ROW(g_gstSDPRtpPayLoadsDef, 12, 2, &g_gstSDPRtpPayLoadsSeqDef),
-    ROW(g_gstSDPAttrDef, 40, 2, &g_gstSDPAttrSeqDef),
-    ROW(g_gstSDPAttrTypeDef, 32, 1, &g_gstSDPAttrUnionChoiceDef),
-    ROW(g_gstSDPRtpMapAttrDef, 28, 2, &g_gstSDPRtpMapAttrSeqDef),
-    ROW(g_gstSDPSilenceSuppressionDef, 16, 2, &g_gstSDPSilenceSuppressionSeqDef),
+    ROW(g_gstSDPMediaFieldDef, bytes(24, 3), 2, &g_gstSDPMediaFieldSeqDef),
+    ROW(g_gstSDPMediaDef, bytes(4, 1), 6, &g_gstSDPMediaCPointerDef),
+    ROW(g_gstSDPMediaProtoDef, bytes(4, 1), 6, &g_gstSDPMediaProtoCPointerDef),
+    ROW(g_gstSDPMediaFmtDef, bytes(8, 1), 1, &g_gstSDPMediaChoiceDef),
+    ROW(g_gstSDPRtpPayLoadsDef, bytes(4, 1), 2, &g_gstSDPRtpPayLoadsSeqDef),
+    ROW(g_gstSDPAttrDef, bytes(24, 2), 2, &g_gstSDPAttrSeqDef),
+    ROW(g_gstSDPAttrTypeDef, bytes(24, 1), 1, &g_gstSDPAttrUnionChoiceDef),
+    ROW(g_gstSDPRtpMapAttrDef, bytes(20, 1), 2, &g_gstSDPRtpMapAttrSeqDef),
+    ROW(g_gstSDPSilenceSuppressionDef, bytes(8, 1), 2, &g_gstSDPSilenceSuppressionSeqDef),
     ROW(g_gstSDPIpBcpDef, 8, 2, &g_gstSDPIpBcpSeqDef),
-    ROW(g_gstSDPRsrcMgmtStatusDef, 24, 2, &g_gstSDPRsrcMgmtStatusSeqDef),
-    ROW(g_gstSDPPreconditionSDef, 12, 6, &g_gstSDPPreconditionCPointerDef),
+    ROW(g_gstSDPRsrcMgmtStatusDef, bytes(16, 1), 2, &g_gstSDPRsrcMgmtStatusSeqDef),
+    ROW(g_gstSDPPreconditionSDef, bytes(4, 1), 6, &g_gstSDPPreconditionCPointerDef),
 };
 
 #undef ROW
@@ -184,8 +189,11 @@ TEST(LineDescriptors, AreIndexedByTheKindOfLine) {
 }
 
 TEST(LineDescriptors, HaveTheSizesOfTheRecords) {
-    const std::vector<uint32_t> expected = {4,  52, 72, 48, 40, 16, 12, 12,
-                                            12, 12, 12, 12, 12, 12, 12};
+    const uint32_t text = bytes(4, 1);
+    const std::vector<uint32_t> expected = {
+        4,           bytes(36, 2), bytes(24, 6), bytes(24, 3), bytes(24, 2),
+        bytes(8, 1), bytes(4, 1),  text,         text,         text,
+        text,        text,         text,         text,         text};
     std::vector<uint32_t> sizes;
     for (const SipDsmTypeDef *def : g_gpstSdpLineDef) {
         sizes.push_back(def->ulSize);

@@ -23,6 +23,7 @@ TEST(Redact, MasksWhatIdentifies) {
     EXPECT_EQ(redacted("o=alice 99 7 IN IP4 10.1.2.3"), "o=user1 1 1 IN IP4 198.18.0.1");
     EXPECT_EQ(redacted("o=- 99 99 IN IP6 2001:db8::9"), "o=- 1 1 IN IP6 2001:db8::1");
     EXPECT_EQ(redacted("o=a 1 2 IN IP4 pc.example.com"), "o=user1 1 1 IN IP4 host1.invalid");
+    EXPECT_EQ(redacted("o=bob smith 1 1 IN IP4 h"), "o=user1 word1 1 x IN IP4 host1.invalid");
     EXPECT_EQ(redacted("c=IN IP4 224.2.1.1/127/3"), "c=IN IP4 198.18.0.1/127/3");
     EXPECT_EQ(redacted("c=IN IP6 FF15::101/5"), "c=IN IP6 2001:db8::1/5");
     EXPECT_EQ(redacted("c=IN IP4 pbx/secret"), "c=IN IP4 host1.invalid/xxxxxx");

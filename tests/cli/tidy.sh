@@ -32,6 +32,12 @@ sed 's/^s=.*/s=\r/' bad.sdp >worse.sdp
 expect "what was tried" 2 worse.sdp '~^worse.sdp:3:3: tried: s= is empty' -- "$program" tidy worse.sdp
 expect "a file that is not there" 2 nothing '~^sdpline: none.sdp: ' -- "$program" tidy none.sdp
 expect "--dry-run" 1 nothing report -- "$program" tidy --dry-run untidy.sdp
+mkdir -p folder/deeper && cp untidy.sdp folder/deeper/b.sdp && cp untidy.sdp folder/a.sdp
+sed 's|^untidy|folder/a|; p; s|^folder/a|folder/deeper/b|' report | sort >twice
+expect "a folder" 1 nothing - -- sh -c '"$1" tidy --dry-run folder 2>told' _ "$program"
+expect "each file of it" 0 twice nothing -- sort told
+expect "a folder in place" 1 nothing - -- "$program" tidy -i folder
+expect "and again" 0 - nothing -- "$program" tidy --dry-run folder
 
 # ---- Rules
 sed 's/^s=.*/s=-\r/' untidy.sdp >half.sdp

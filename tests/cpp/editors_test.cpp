@@ -310,6 +310,7 @@ TEST(CppMemory, WhatIsReplacedIsGivenBack) {
         };
         body.emails().clear();
         turn();
+        turn(); // the first one replaced shorter texts
         const support::Held once = support::Held::now();
         for (int i = 0; i < 200; ++i) {
             turn();

@@ -238,11 +238,14 @@ std::string manyLines(uint32_t count) {
     return text + '\n';
 }
 
+constexpr uint32_t kSlot = sizeof(SDPMediaDesc *);
+
 TEST_F(MediaTest, TheListGrowsByOneSlotAtATime) {
     ASSERT_EQ(named(parseAll(manyLines(4))), "ok");
     EXPECT_EQ(set.ulNoOfMediaDescs, 4u);
     const uint32_t size = sizeof(SDPMediaDesc);
-    EXPECT_EQ(sizesAskedFor(), (std::vector<uint32_t>{8, size, 16, size, 24, size, 32, size}));
+    EXPECT_EQ(sizesAskedFor(), (std::vector<uint32_t>{kSlot, size, 2 * kSlot, size, 3 * kSlot, size,
+                                                      4 * kSlot, size}));
 }
 
 TEST_F(MediaTest, DescriptionsUpTo255AreKept) {
@@ -258,7 +261,7 @@ TEST_F(MediaTest, TheCountWrapsWithThe256thDescription) {
     ASSERT_EQ(named(parseAll(manyLines(256))), "ok");
     EXPECT_EQ(set.ulNoOfMediaDescs, 0u);
     EXPECT_EQ(sizesAskedFor().size(), 512u) << "256 descriptions, 256 arrays";
-    EXPECT_EQ(sizesAskedFor()[510], 256u * 8);
+    EXPECT_EQ(sizesAskedFor()[510], 256 * kSlot);
 }
 
 TEST_F(MediaTest, The257thDescriptionTakesTheFirstSlotOfTheSameArray) {
@@ -277,7 +280,7 @@ TEST_F(MediaTest, BehindTheWrapTheArrayGrowsFromOneSlotAgain) {
     EXPECT_EQ(portOf(2), 259u);
     const uint32_t size = sizeof(SDPMediaDesc);
     const std::vector<uint32_t> last(sizesAskedFor().end() - 5, sizesAskedFor().end());
-    EXPECT_EQ(last, (std::vector<uint32_t>{size, 16, size, 24, size}));
+    EXPECT_EQ(last, (std::vector<uint32_t>{size, 2 * kSlot, size, 3 * kSlot, size}));
 }
 
 TEST_F(MediaTest, TheCountWrapsTwice) {

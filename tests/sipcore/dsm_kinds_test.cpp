@@ -224,7 +224,7 @@ TEST(WalkerLists, withoutAnArrayOrItemsNeedNoMemory) {
 
 TEST(WalkerLists, moreSlotsThanARequestCanAskForFail) {
     Inner *array[1] = {nullptr};
-    for (uint32_t count : {UINT32_MAX / 8 + 1, UINT32_MAX}) {
+    for (uint32_t count : {UINT32_MAX / uint32_t{sizeof(Inner *)} + 1, UINT32_MAX}) {
         TestMemory memory;
         const InnerList source{count, array};
         InnerList copy{9, array};
@@ -268,21 +268,22 @@ TEST(WalkerSequences, mayDescribeLessThanTheWholeRecord) {
 }
 
 TEST(WalkerSequences, neverReachBeyondTheirSize) {
+    constexpr uint32_t kSize = sizeof(SipString) + 8; // the text, a byte, a number at its edge
     const LeakCheck leaks;
     const SipDsmTypeDef *const members[] = {&g_gstStringDef, &kU8, &kU32};
     const SipDsmSequenceDef sequence{3, members};
-    const SipDsmTypeDef tooShort{19, SIP_DSM_SEQUENCE, &sequence};
-    alignas(4) uint8_t source[20] = {};
-    alignas(4) uint8_t target[20];
+    const SipDsmTypeDef tooShort{kSize - 1, SIP_DSM_SEQUENCE, &sequence};
+    alignas(4) uint8_t source[kSize] = {};
+    alignas(4) uint8_t target[kSize];
     const SipString text = counted("text");
     std::memcpy(source, &text, sizeof text);
     std::memset(target, 0xCC, sizeof target);
     EXPECT_EQ(copyField(source, target, tooShort), kInvalid);
-    EXPECT_TRUE(isZero(target, 19));
-    EXPECT_EQ(target[19], 0xCC);
+    EXPECT_TRUE(isZero(target, kSize - 1));
+    EXPECT_EQ(target[kSize - 1], 0xCC);
     EXPECT_TRUE(leaks.nothingKept());
 
-    const SipDsmTypeDef longEnough{20, SIP_DSM_SEQUENCE, &sequence};
+    const SipDsmTypeDef longEnough{kSize, SIP_DSM_SEQUENCE, &sequence};
     EXPECT_EQ(copyField(source, target, longEnough), 0u);
     EXPECT_EQ(clearField(target, tooShort), kInvalid); // yet the string goes
     EXPECT_TRUE(leaks.nothingKept());

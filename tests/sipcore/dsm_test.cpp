@@ -164,23 +164,25 @@ TEST(Walker, checksItsArguments) {
 }
 
 TEST(Walker, refusesDescriptionsThatMakeNoSense) {
+    constexpr uint32_t kPointer = sizeof(void *);
+    constexpr uint32_t kText = 4 + kPointer; // a list and a code with its text are as large
     const SipDsmTypeDef bad[] = {
         {4, 0, nullptr},
         {4, 7, nullptr},
         {4, 25, &kU32},
         {0, SIP_DSM_UNSIGNED, nullptr},
         {3, SIP_DSM_VERSION, nullptr},
-        {11, SIP_DSM_STRING, nullptr},
+        {kText - 1, SIP_DSM_STRING, nullptr},
         {3, SIP_DSM_RANGED_U32, &kPortRange},
         {4, SIP_DSM_RANGED_U32, nullptr},
         {0, SIP_DSM_RANGED_U8, &kSmallRange},
         {1, SIP_DSM_RANGED_U8, nullptr},
-        {7, SIP_DSM_POINTER, &kU32},
-        {8, SIP_DSM_POINTER, nullptr},
-        {11, SIP_DSM_LIST, &kU32},
-        {12, SIP_DSM_LIST, nullptr},
-        {11, SIP_DSM_CODED_TEXT, &kOtherCode},
-        {12, SIP_DSM_CODED_TEXT, nullptr},
+        {kPointer - 1, SIP_DSM_POINTER, &kU32},
+        {kPointer, SIP_DSM_POINTER, nullptr},
+        {kText - 1, SIP_DSM_LIST, &kU32},
+        {kText, SIP_DSM_LIST, nullptr},
+        {kText - 1, SIP_DSM_CODED_TEXT, &kOtherCode},
+        {kText, SIP_DSM_CODED_TEXT, nullptr},
         {3, SIP_DSM_CHOICE, &kChoiceDetail},
         {20, SIP_DSM_CHOICE, nullptr},
         {0, SIP_DSM_SEQUENCE, &kInnerSequence},
