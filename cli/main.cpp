@@ -19,9 +19,7 @@ int run(int argc, char **argv) {
             add(app, status);
         }
     };
-    if (!cli::readCommandLine(kProgram, argc, argv, addCommands, status)) {
-        return status;
-    }
+    cli::readCommandLine(kProgram, argc, argv, addCommands, status);
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "sdpline: cannot write the output\n";

@@ -5,8 +5,10 @@
 #include <iostream>
 
 #include "output/checks.hpp"
+#include "output/diagnostic.hpp"
 #include "output/escape.hpp"
 #include "output/text.hpp"
+#include "sdpline/tidy.hpp"
 
 namespace cli {
 
@@ -156,10 +158,13 @@ bool explainNumbers(std::vector<uint32_t> numbers, uint32_t base) {
 
 // ---- Names of checks
 
+// "ConnLastOctetRange" of "[ConnLastOctetRange]", as sdpline check prints it.
+std::string_view nameIn(std::string_view question) {
+    const bool bracketed = question.starts_with('[') && question.ends_with(']');
+    return bracketed ? question.substr(1, question.size() - 2) : question;
+}
+
 const CheckInfo *checkNamed(std::string_view name) {
-    if (name.starts_with('[') && name.ends_with(']')) { // as sdpline check prints it
-        name = name.substr(1, name.size() - 2);
-    }
     for (const CheckInfo &check : allChecks()) {
         if (equalsIgnoringCase(check.name, name)) {
             return &check;
@@ -178,6 +183,27 @@ void explainCheck(const CheckInfo &check, uint32_t base) {
                check);
 }
 
+// ---- Names of doubts and repairs
+
+bool explainRule(std::string_view name) {
+    const auto number = sdpline::TidyRules::numberOf(name);
+    if (number) {
+        const SDPTidyRule &rule = *SdpTidyRuleAt(*number);
+        const bool doubt = rule.enSet == SDP_TIDY_DOUBT;
+        std::cout << rule.pcName << ": " << rule.pcWrong << ": " << rule.pcDone << '\n'
+                  << "  rule      " << rule.pcReference << '\n'
+                  << "  made by   " << (doubt ? "check, as a warning" : "tidy, as a repair")
+                  << '\n';
+        return true;
+    }
+    if (equalsIgnoringCase(name, kLineKind)) {
+        std::cout << kLineKind << ": " << kLineKindSentence << '\n'
+                  << "  made by   check --every-line\n";
+        return true;
+    }
+    return false;
+}
+
 // ---- The command
 
 void printList(uint32_t base) {
@@ -190,8 +216,12 @@ void printList(uint32_t base) {
 }
 
 ExitStatus explain(const std::string &question, uint32_t base) {
-    if (const CheckInfo *const check = checkNamed(question)) {
+    const std::string_view name = nameIn(question);
+    const CheckInfo *const check = checkNamed(name);
+    if (check != nullptr) {
         explainCheck(*check, base);
+    }
+    if (explainRule(name) || check != nullptr) { // a few names are those of both
         return kFine;
     }
     const std::vector<uint32_t> numbers = numbersOf(question);
@@ -244,7 +274,7 @@ void addExplain(CLI::App &app, int &status) {
                        status = run(*options);
                    });
     addWords(command, "CODE", options->questions,
-             "Result codes, hexadecimal or decimal, or names of checks");
+             "Result codes, hexadecimal or decimal, or names of checks, doubts and repairs");
     addWord(command, "--file-base", options->fileBase, "N",
             "The stack's base of file numbers (0 by default)");
     addFlag(command, "--list", options->list, "Print every code of the library");

@@ -2,8 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
-#include <sstream>
+#include <numeric>
 #include <utility>
 
 #include "output/escape.hpp"
@@ -12,17 +13,79 @@ namespace cli {
 
 namespace {
 
-// What is wrong with the command line quotes it, and file names of anybody's may be on it.
-void printEscaped(const std::string &problem) {
-    std::istringstream lines(problem);
-    for (std::string line; std::getline(lines, line);) {
-        std::cerr << escaped(line) << '\n';
+// Letters to insert, delete or replace to make one word of the other.
+size_t distance(std::string_view a, std::string_view b) {
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 1; i <= a.size(); ++i) {
+        size_t diagonal = std::exchange(row[0], i);
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+            diagonal = std::exchange(row[j], std::min({row[j] + 1, row[j - 1] + 1, replaced}));
+        }
     }
+    return row.back();
+}
+
+constexpr size_t kLongestWord = 40;
+constexpr size_t kTypingErrors = 2;
+
+// "; did you mean --redact?" for "--redct"; empty where nothing is alike.
+std::string suggestion(std::string_view word, const std::vector<std::string> &known) {
+    word = word.substr(0, word.find('='));
+    std::string best;
+    size_t least = kTypingErrors + 1;
+    for (const std::string &candidate : known) {
+        const size_t typed = word.size() <= kLongestWord ? distance(word, candidate) : least;
+        if (typed < least && 2 * typed < candidate.size()) {
+            least = typed;
+            best = candidate;
+        }
+    }
+    return best.empty() ? "" : "; did you mean " + best + '?';
+}
+
+std::vector<std::string> optionsOf(const CLI::App &command) {
+    std::vector<std::string> names;
+    for (const CLI::Option *const option : command.get_options()) {
+        for (const std::string &name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> commandsOf(const CLI::App &app) {
+    std::vector<std::string> names;
+    for (const CLI::App *const command : app.get_subcommands({})) {
+        names.push_back(command->get_name());
+    }
+    return names;
+}
+
+// What is wrong with a command line, as all messages of the program begin.
+void tellUsage(const CLI::App &app, const CLI::ParseError &error) {
+    const auto chosen = app.get_subcommands();
+    const CLI::App &command = chosen.empty() ? app : *chosen.front();
+    const std::string name =
+        app.get_name() + (chosen.empty() ? "" : ' ' + chosen.front()->get_name());
+    const std::vector<std::string> extras = app.remaining(true);
+    std::cerr << name << ": ";
+    if (extras.empty() || extras.front() == "--") {
+        std::cerr << escaped(error.what());
+    } else if (chosen.empty() && !extras.front().starts_with('-')) {
+        std::cerr << "no subcommand is named \"" << escaped(extras.front()) << '"'
+                  << suggestion(extras.front(), commandsOf(app));
+    } else {
+        std::cerr << "unexpected argument \"" << escaped(extras.front()) << '"'
+                  << suggestion(extras.front(), optionsOf(command));
+    }
+    std::cerr << "\nRun \"" << name << " --help\" for more information.\n";
 }
 
 } // namespace
 
-bool readCommandLine(const Program &program, int argc, char **argv,
+void readCommandLine(const Program &program, int argc, char **argv,
                      const std::function<void(CLI::App &)> &add, int &status) {
     CLI::App app(program.description, program.name);
     app.require_subcommand(1);
@@ -32,12 +95,13 @@ bool readCommandLine(const Program &program, int argc, char **argv,
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        std::ostringstream problem;
-        status = app.exit(error, std::cout, problem) == 0 ? 0 : kUsage;
-        printEscaped(problem.str());
-        return false;
+        if (error.get_exit_code() == 0) { // --help or --version
+            status = app.exit(error);
+        } else {
+            tellUsage(app, error);
+            status = kUsage;
+        }
     }
-    return true;
 }
 
 CLI::App &addCommand(CLI::App &app, const CommandText &text, std::function<void()> run) {
@@ -53,7 +117,7 @@ void addFlag(CLI::App &command, const char *name, bool &set, const std::string &
 
 void addWord(CLI::App &command, const char *name, std::string &word, const char *type,
              const std::string &help) {
-    command.add_option(name, word, help)->type_name(type);
+    command.add_option(name, word, help)->type_name(type)->take_last();
 }
 
 void addRequired(CLI::App &command, const char *name, std::string &word, const std::string &help) {
@@ -74,14 +138,16 @@ void addChoice(CLI::App &command, const char *name, std::string &word, const cha
                const std::vector<std::string> &words, const std::string &help) {
     command.add_option(name, word, help)
         ->check(CLI::IsMember(words).description(""))
-        ->type_name(type);
+        ->type_name(type)
+        ->take_last();
 }
 
 void addNumber(CLI::App &command, const char *name, uint32_t &number, const char *type,
                uint32_t least, uint32_t greatest, const std::string &help) {
     command.add_option(name, number, help)
         ->check(CLI::Range(least, greatest).description(""))
-        ->type_name(type);
+        ->type_name(type)
+        ->take_last();
 }
 
 void addEach(CLI::App &command, const char *name, std::vector<std::string> &words, const char *type,

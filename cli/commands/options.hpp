@@ -22,8 +22,9 @@ struct Program {
     const char *footer;
 };
 // Reads the command line of a program to which `add` adds its commands, and runs the command that
-// it names. False, with the exit status, where none ran: after --help, --version or wrong usage.
-bool readCommandLine(const Program &program, int argc, char **argv,
+// it names. The status is left as the command left it; after --help and --version it is 0, after
+// wrong usage, which is told, kUsage.
+void readCommandLine(const Program &program, int argc, char **argv,
                      const std::function<void(CLI::App &)> &add, int &status);
 
 struct CommandText {

@@ -286,7 +286,8 @@ int run(const Options &options) {
     if (!rules) {
         return kUnusable;
     }
-    if (options.inPlace && (options.decode.redact || options.decode.paths.front() == "-")) {
+    const bool piped = std::ranges::find(options.decode.paths, "-") != options.decode.paths.end();
+    if (options.inPlace && (options.decode.redact || piped)) {
         std::cerr << "sdpline: --in-place takes files, and nothing that is masked\n";
         return kUnusable;
     }

@@ -273,9 +273,9 @@ expect "--json --every-line" 1 '~"alone": true' unread -- \
 expect "--json without a place" 1 '~"line": null' nothing -- "$program" check --json nothing
 # ---- A command line that cannot be used is quoted as terminals may show it
 code=$(printf '\033[31m\302\233\177')
-expect "a control code in an option" 2 nothing '~^--max-body: Value \\x1b\[31m\\xc2\\x9b\\x7f not in' -- \
+expect "a control code in an option" 2 nothing '~^sdpline check: --max-body: Value \\x1b\[31m\\xc2\\x9b\\x7f not in' -- \
   "$program" check --max-body "$code" good.sdp
-expect "a control code in an operand" 2 nothing '~not expected: --x\\x1b\[31m' -- \
+expect "a control code in an operand" 2 nothing '~unexpected argument "--x\\x1b\[31m' -- \
   "$program" explain 1 "--x$code"
 
 finish

@@ -22,7 +22,7 @@ expect "words are offered" 0 - nothing -- grep -q '^check format text json' offe
 while read -r subcommand option words; do
   for word in $words; do
     "$program" "$subcommand" "--$option" "$word" good.sdp good.sdp >out 2>&1 </dev/null
-    expect "$subcommand --$option $word" 1 nothing nothing -- grep -E "^--$option: " out
+    expect "$subcommand --$option $word" 1 nothing nothing -- grep -E -- "--$option: " out
   done
 done <offers
 
