@@ -1,8 +1,7 @@
 /* A call's answer by the C interface: decodes an offer, makes an answer with the payload numbers
  * that are spoken, the other lines mirrored and the direction reversed, encodes it and releases
  * both. Returns whether it was done. */
-#ifndef SDPLINE_BENCH_ANSWER_H
-#define SDPLINE_BENCH_ANSWER_H
+#pragma once
 
 #include <stdint.h>
 
@@ -14,6 +13,4 @@ int answerByC(const char *pcText, uint32_t ulLength);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -7,7 +7,7 @@ set -euo pipefail
 build=$(cd "$1" && pwd)
 cd "$(dirname "$0")/.."
 find "$build" -name '*.gcda' -delete
-for tests in sipcore_tests sdpline_tests inplace_tests c11 own_names own_services cpp_api_tests threads_tests; do
+for tests in sipcore_tests sdpline_tests inplace_tests c11 same_names replaced_services cpp_api_tests threads_tests; do
   "$build/tests/$tests" >"$build/$tests.log" || {
     tail -50 "$build/$tests.log"
     exit 1

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <iostream>
 
-#include "output/checks.hpp"
+#include "output/checktable.hpp"
 #include "output/diagnostic.hpp"
 #include "output/escape.hpp"
 #include "output/text.hpp"
@@ -13,6 +13,8 @@
 namespace cli {
 
 namespace {
+
+using sdpline::ResultKind;
 
 struct Options {
     std::vector<std::string> questions;
@@ -69,7 +71,7 @@ void printParts(uint32_t code) {
 
 const CheckInfo *composedCheck(uint32_t code, uint32_t base) {
     for (const CheckInfo &check : allChecks()) {
-        if (check.kind == CheckInfo::Composed && codeOf(check, base) == code) {
+        if (check.returns(ResultKind::Composed) && codeOf(check, base) == code) {
             return &check;
         }
     }
@@ -78,7 +80,7 @@ const CheckInfo *composedCheck(uint32_t code, uint32_t base) {
 
 bool isBare(uint32_t code) {
     for (const CheckInfo &check : allChecks()) {
-        if (check.kind == CheckInfo::Bare && check.location == code) {
+        if (check.returns(ResultKind::Bare) && check.outcome.location == code) {
             return true;
         }
     }
@@ -108,7 +110,7 @@ void printBare(uint32_t code) {
     std::cout << codeText(code) << ": a bare " << code
               << ", which these checks return; only the log entry tells which one failed\n";
     for (const CheckInfo &check : allChecks()) {
-        if (check.kind == CheckInfo::Bare && check.location == code) {
+        if (check.returns(ResultKind::Bare) && check.outcome.location == code) {
             std::cout << "  " << check.function << ": " << check.sentence << " [" << check.name
                       << "]\n";
         }
@@ -121,7 +123,7 @@ void printUnknown(uint32_t code, uint32_t base) {
     printParts(code);
     for (const CheckInfo &check : allChecks()) {
         const uint32_t fitting = ((code >> 24) - check.file) & 0xFF;
-        if (check.kind == CheckInfo::Composed && codeOf(check, fitting) == code) {
+        if (check.returns(ResultKind::Composed) && codeOf(check, fitting) == code) {
             std::cout << "  with --file-base " << fitting << ": " << check.sentence << " ["
                       << check.name << "]\n";
         }
@@ -174,12 +176,12 @@ const CheckInfo *checkNamed(std::string_view name) {
 }
 
 void explainCheck(const CheckInfo &check, uint32_t base) {
-    if (check.kind == CheckInfo::Composed) {
+    if (check.returns(ResultKind::Composed)) {
         printComposed(check, base);
         return;
     }
-    printCheck(check.kind == CheckInfo::Bare ? codeText(check.location)
-                                             : "the code of what it called",
+    printCheck(check.returns(ResultKind::Bare) ? codeText(check.outcome.location)
+                                               : "the code of what it called",
                check);
 }
 
@@ -208,7 +210,7 @@ bool explainRule(std::string_view name) {
 
 void printList(uint32_t base) {
     for (const CheckInfo &check : allChecks()) {
-        if (check.kind != CheckInfo::PassedUp) {
+        if (!check.returns(ResultKind::Forwarded)) {
             std::cout << codeText(codeOf(check, base)) << ' ' << check.name << ' ' << check.function
                       << ": " << check.sentence << '\n';
         }

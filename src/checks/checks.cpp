@@ -1,45 +1,12 @@
 // The table of the failing checks, and the functions that report them.
 #include "checks/checks.hpp"
 
+#include "checks/rowwords.hpp"
 #include "services/log.hpp"
 
 namespace sdpline {
 
-namespace {
-
-// The words that the rows are written in.
-constexpr Outcome PASS = {Answer::Pass, 0, 0};
-constexpr Outcome CODE(uint16_t location, uint16_t errorClass) {
-    return {Answer::Code, location, errorClass};
-}
-constexpr Outcome BARE(uint16_t result) {
-    return {Answer::Bare, result, 0};
-}
-
-constexpr uint16_t RESOURCE = SDP_ERRCLASS_RESOURCE;
-constexpr uint16_t NOT_SDP = SDP_ERRCLASS_NOT_SDP;
-constexpr uint16_t FIELD_SYNTAX = SDP_ERRCLASS_FIELD_SYNTAX;
-constexpr uint16_t UNEXPECTED_LINE = SDP_ERRCLASS_UNEXPECTED_LINE;
-constexpr uint16_t BAD_ADDRESS = SDP_ERRCLASS_BAD_ADDRESS;
-
-constexpr Logged QUIET = {0, kNoCategory, nullptr, 0};
-constexpr Logged LOG(uint8_t level, uint32_t category, const char *format = nullptr) {
-    return {level, category, format, 0};
-}
-constexpr Logged LOG_AT(uint32_t line, uint8_t level, uint32_t category,
-                        const char *format = nullptr) {
-    return {level, category, format, line};
-}
-
-// Log categories.
-constexpr uint32_t NULL_ARGUMENT = 0;
-constexpr uint32_t ALLOCATION = 1;
-constexpr uint32_t STORE_OR_WORD = 3;
-constexpr uint32_t ENCODER = 21;
-constexpr uint32_t PARSER = 22;
-constexpr uint32_t NO_CATEGORY = kNoCategory;
-
-} // namespace
+using namespace rowwords;
 
 constexpr CheckRow kChecks[kCheckCount] = {
 #define CHECK(source, name, function, outcome, logged, sentence)                                   \
@@ -51,15 +18,15 @@ constexpr CheckRow kChecks[kCheckCount] = {
 namespace {
 
 constexpr bool sameCode(const CheckRow &a, const CheckRow &b) {
-    return a.outcome.answer == Answer::Code && b.outcome.answer == Answer::Code &&
+    return a.outcome.kind == ResultKind::Composed && b.outcome.kind == ResultKind::Composed &&
            a.source == b.source && a.outcome.location == b.outcome.location &&
            a.outcome.errorClass == b.outcome.errorClass;
 }
 
 // What a failing check returns is not 0: a code has a class, a bare result is itself.
 constexpr bool isFailure(const Outcome &outcome) {
-    return outcome.answer == Answer::Pass ||
-           (outcome.answer == Answer::Code ? outcome.errorClass : outcome.location) != 0;
+    return outcome.kind == ResultKind::Forwarded ||
+           (outcome.kind == ResultKind::Composed ? outcome.errorClass : outcome.location) != 0;
 }
 
 // Two rows may not have the same code, and every code must fit its fields.
@@ -160,10 +127,10 @@ uint32_t checkHits[kCheckCount];
 SDPResult codeOf(Check check) {
     const CheckRow &failed = row(check);
     const Outcome &outcome = failed.outcome;
-    switch (outcome.answer) {
-    case Answer::Bare: return outcome.location;
-    case Answer::Pass: return 0;
-    case Answer::Code: break;
+    switch (outcome.kind) {
+    case ResultKind::Bare: return outcome.location;
+    case ResultKind::Forwarded: return 0;
+    case ResultKind::Composed: break;
     }
     return fileNumber(failed.source) << 24 | static_cast<uint32_t>(outcome.location) << 10 |
            outcome.errorClass;

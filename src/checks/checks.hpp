@@ -29,10 +29,10 @@ enum class Source : uint16_t {
 };
 
 // What a failing check returns.
-enum class Answer : uint8_t {
-    Code, // the code composed of source, location and class
-    Bare, // the row's location as it stands, without composition
-    Pass, // what the callee returned: the row only logs
+enum class ResultKind : uint8_t {
+    Composed,  // the code composed of source, location and class
+    Bare,      // the row's location as it is, without composition
+    Forwarded, // what the callee returned: the row only logs
 };
 
 constexpr uint32_t kNoCategory = 0xFFFFFFFF;
@@ -46,7 +46,7 @@ struct Logged {
 };
 
 struct Outcome {
-    Answer answer;
+    ResultKind kind;
     uint16_t location; // of a bare result: the result itself
     uint16_t errorClass;
 };

@@ -106,14 +106,14 @@ SDPLINE_INLINE bool networkType(Parser &p, SDPConnection &connection) {
     connection.stNetType.enNetType = SDP_NETTYPE_IN;
     connection.stNetType.pstrOtherNetType = nullptr;
     p.next(Context::Sdp);
-    return p.expect(SDP_TOK_SPACE, Context::Sdp, Check::ConnNetTypeBlank);
+    return p.expect(SDP_TOK_SPACE, Context::Sdp, Check::ConnNetTypeSpace);
 }
 
 // ( "IP4" / "IP6" ) SP address
 SDPLINE_INLINE bool address(Parser &p, SDPConnection &connection) {
     const uint32_t family = p.kind;
     return p.accept(addressType(connection, family)) && p.next(Context::Alnum) &&
-           p.see(SDP_TOK_SPACE, Check::ConnAddrTypeBlank) &&
+           p.see(SDP_TOK_SPACE, Check::ConnAddrTypeSpace) &&
            (family == SDP_TOK_IP4 ? parseIpv4(p, connection) : parseIpv6(p, connection));
 }
 

@@ -163,7 +163,7 @@ bool parseEcan(Parser &p, SDPAttr &attr, uint32_t type) {
     return p.expect(SDP_TOK_COLON, Context::Alnum, Check::EcanColon) &&
            p.read(word, SDP_TOK_ALPHA, {Check::EcanDirection, Check::EcanDirectionText}) &&
            p.accept(classifyEcanDirection(ecan, word)) && p.next(Context::Alnum) &&
-           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::EcanBlank) &&
+           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::EcanSpace) &&
            p.read(word, SDP_TOK_ALPHA, {Check::EcanToken, Check::EcanText}) &&
            p.next(Context::String) && p.accept(classifyEcan(ecan, word)) &&
            params(p, ecan.strParams,
@@ -181,7 +181,7 @@ bool parseIpBcp(Parser &p, SDPAttr &attr) {
         return false;
     }
     ipBcp.ucVersion = static_cast<uint8_t>(version);
-    if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::IpBcpBlank)) {
+    if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::IpBcpSpace)) {
         return false;
     }
     const std::string_view word = p.text();

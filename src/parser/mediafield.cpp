@@ -31,7 +31,7 @@ bool parsePayloadNumbers(Parser &p, uint32_t &count, uint32_t *numbers, uint32_t
         if (p.is(SDP_TOK_LF)) {
             return true;
         }
-        if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::PayloadBlank)) {
+        if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::PayloadSpace)) {
             return false;
         }
     }
@@ -99,7 +99,7 @@ bool parsePayloads(Parser &p, SDPMediaField &field, uint32_t proto) {
 bool parseOtherFormat(Parser &p, SDPMediaField &field, uint32_t proto) {
     field.stProto.enProto = proto;
     std::string_view word;
-    return p.expect(SDP_TOK_SPACE, Context::Token, Check::FormatBlank) &&
+    return p.expect(SDP_TOK_SPACE, Context::Token, Check::FormatSpace) &&
            p.read(word, SDP_TOK_TOKEN, {Check::FormatToken, Check::FormatText}) &&
            p.next(Context::Token) && p.accept(classifyFormat(field, word)) &&
            p.endLine(Check::FormatEnd);
@@ -133,7 +133,7 @@ bool keepProto(Parser &p, SDPMediaField &field, std::string_view word) {
 
 // SP port [ "/" number-of-ports ], after the media type
 SDPLINE_INLINE bool ports(Parser &p, SDPMediaField &field) {
-    if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::MediaWordBlank) ||
+    if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::MediaWordSpace) ||
         !p.number(field.ulPort, {Check::MediaPort, Check::MediaPortText})) {
         return false;
     }
@@ -184,7 +184,7 @@ SDPLINE_INLINE bool protoAndFormats(Parser &p, SDPMediaField &field) {
         return parsePayloads(p, field, SDP_PROTO_RTP_AVP);
     }
     std::string_view word;
-    return p.see(SDP_TOK_SPACE, Check::MediaPortBlank) && p.next(Context::Token) &&
+    return p.see(SDP_TOK_SPACE, Check::MediaPortSpace) && p.next(Context::Token) &&
            p.read(word, SDP_TOK_TOKEN, {Check::MediaProto, Check::MediaProtoText}) &&
            p.next(Context::Token) && parseFormats(p, field, word);
 }

@@ -18,10 +18,10 @@ SDPLINE_INLINE bool storeToken(Parser &p, SipString &value, uint32_t kind, uint3
 SDPLINE_INLINE bool originNames(Parser &p, SDPOrigin &origin) {
     return storeToken(p, origin.strUserName, SDP_TOK_STRING, Context::String,
                       {Check::OriginUser, Check::OriginUserText}, Check::OriginUserStore) &&
-           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginUserBlank) &&
+           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginUserSpace) &&
            storeToken(p, origin.strSessionId, SDP_TOK_DIGIT, Context::Alnum,
                       {Check::OriginId, Check::OriginIdText}, Check::OriginIdStore) &&
-           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginIdBlank) &&
+           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginIdSpace) &&
            storeToken(p, origin.strSessionVersion, SDP_TOK_DIGIT, Context::Alnum,
                       {Check::OriginVersion, Check::OriginVersionText}, Check::OriginVersionStore);
 }
@@ -33,14 +33,14 @@ SDPLINE_INLINE bool originTypes(Parser &p, SDPOrigin &origin) {
         origin.stAddrType = {SDP_ADDRTYPE_IP4, nullptr};
         return p.next(Context::String);
     }
-    if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginVersionBlank) ||
+    if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginVersionSpace) ||
         !p.see(SDP_TOK_IN, Check::OriginNetType)) {
         return false;
     }
     origin.stNetType.enNetType = SDP_NETTYPE_IN;
     origin.stNetType.pstrOtherNetType = nullptr;
     p.next(Context::Sdp);
-    if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginNetTypeBlank)) {
+    if (!p.expect(SDP_TOK_SPACE, Context::Sdp, Check::OriginNetTypeSpace)) {
         return false;
     }
     if (!p.is(SDP_TOK_IP4) && !p.is(SDP_TOK_IP6)) {
@@ -49,7 +49,7 @@ SDPLINE_INLINE bool originTypes(Parser &p, SDPOrigin &origin) {
     origin.stAddrType.enAddrType = p.is(SDP_TOK_IP4) ? SDP_ADDRTYPE_IP4 : SDP_ADDRTYPE_IP6;
     origin.stAddrType.pstrOtherAddrType = nullptr;
     p.next(Context::Sdp);
-    return p.expect(SDP_TOK_SPACE, Context::String, Check::OriginAddrTypeBlank);
+    return p.expect(SDP_TOK_SPACE, Context::String, Check::OriginAddrTypeSpace);
 }
 
 } // namespace

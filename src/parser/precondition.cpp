@@ -50,7 +50,7 @@ SDPLINE_INLINE bool step(Parser &p, std::string_view &word, StepChecks checks,
 SDPLINE_INLINE bool strength(Parser &p, SDPRsrcMgmtStatus &status, uint32_t type) {
     std::string_view word;
     return !attributeRow(type).has(kStrengthTag) ||
-           (step(p, word, {Check::StrengthBlank, {Check::StrengthToken, Check::StrengthText}}) &&
+           (step(p, word, {Check::StrengthSpace, {Check::StrengthToken, Check::StrengthText}}) &&
             p.accept(classifyStrength(status, word)));
 }
 
@@ -67,9 +67,9 @@ bool parsePrecondition(Parser &p, SDPAttr &attr, uint32_t type) {
     p.next(Context::Token);
     attr.ulAttrType = type;
     return p.accept(classifyPrecondition(status, word)) && strength(p, status, type) &&
-           step(p, word, {Check::StatusBlank, {Check::StatusToken, Check::StatusText}}) &&
+           step(p, word, {Check::StatusSpace, {Check::StatusToken, Check::StatusText}}) &&
            p.accept(classifyStatus(status, word)) &&
-           step(p, word, {Check::DirectionBlank, {Check::DirectionToken, Check::DirectionText}}) &&
+           step(p, word, {Check::DirectionSpace, {Check::DirectionToken, Check::DirectionText}}) &&
            p.accept(classifyDirection(status, word)) && p.endLine(Check::StatusEnd);
 }
 

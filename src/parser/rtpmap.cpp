@@ -30,7 +30,7 @@ SDPLINE_INLINE void locate(SDPRtpMapAttr &rtpMap, std::string_view name) {
 // payload SP name. One space is skipped; others belong to the name.
 SDPLINE_INLINE bool payloadAndName(Parser &p, SDPRtpMapAttr &rtpMap, std::string_view &name) {
     if (!p.number(rtpMap.ulPayloadType, {Check::RtpmapPayload, Check::RtpmapPayloadText}) ||
-        !p.see(SDP_TOK_SPACE, Check::RtpmapBlank)) {
+        !p.see(SDP_TOK_SPACE, Check::RtpmapSpace)) {
         return false;
     }
     p.next(Context::Char);

@@ -37,7 +37,7 @@ bool parseTime(Parser &parser, SDPTimeField &time) {
     return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
         return p.expect(SDP_TOK_TIME, Context::Alnum, Check::TimeLine) &&
                ntpTime(p, time.ulStartTime, {Check::TimeStart, Check::TimeStartRange}) &&
-               p.expect(SDP_TOK_SPACE, Context::Alnum, Check::TimeStartBlank) &&
+               p.expect(SDP_TOK_SPACE, Context::Alnum, Check::TimeStartSpace) &&
                ntpTime(p, time.ulStopTime, {Check::TimeStop, Check::TimeStopRange}) &&
                p.endLine(Check::TimeEnd);
     });

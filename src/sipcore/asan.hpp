@@ -1,7 +1,6 @@
 // AddressSanitizer's view of memory that sipcore hands out in allocations. In other builds all of
 // this is nothing.
-#ifndef SIPCORE_ASAN_HPP
-#define SIPCORE_ASAN_HPP
+#pragma once
 
 #include <cstddef>
 
@@ -36,5 +35,3 @@ inline void permit([[maybe_unused]] const void *memory, [[maybe_unused]] std::si
 }
 
 } // namespace sipcore
-
-#endif

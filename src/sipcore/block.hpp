@@ -13,8 +13,7 @@
 // that a list that grows slot by slot swings between two allocations of one class instead of
 // leaving one allocation behind at every step. Beyond 64 KiB an allocation has a chunk of its own
 // and goes back to the heap at once.
-#ifndef SIPCORE_BLOCK_HPP
-#define SIPCORE_BLOCK_HPP
+#pragma once
 
 #include "asan.hpp"
 #include "heap.hpp"
@@ -171,5 +170,3 @@ void *blockTake(SDPMemCp *memCp, uint32_t size);
 uint32_t blockFree(void *memory);
 
 } // namespace sipcore
-
-#endif

@@ -5,8 +5,7 @@
 // The number in the record's name stands for the records and rules that both libraries then share:
 // those of stringbuffer.hpp and block.hpp. Who changes one of them raises it, and libraries of
 // different builds make every call.
-#ifndef SIPCORE_BUILTIN_HPP
-#define SIPCORE_BUILTIN_HPP
+#pragma once
 
 #include "asan.hpp"
 #include "sdpline/sipcore.h"
@@ -41,5 +40,3 @@ extern "C" {
 decltype(memcpy_s) sipcoreCopy;
 decltype(memset_s) sipcoreFill;
 }
-
-#endif

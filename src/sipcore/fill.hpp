@@ -1,6 +1,5 @@
 // Filling with zeroes.
-#ifndef SIPCORE_FILL_HPP
-#define SIPCORE_FILL_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstring>
@@ -59,5 +58,3 @@ inline void zeroSmall(char *to, std::size_t count) {
 }
 
 } // namespace sipcore
-
-#endif

@@ -2,8 +2,7 @@
 //
 // What a thread gives back it keeps, up to a bound, and takes again: decoding and encoding one body
 // after the other leaves the process heap alone.
-#ifndef SIPCORE_HEAP_HPP
-#define SIPCORE_HEAP_HPP
+#pragma once
 
 #include "sdpline/sipcore.h"
 
@@ -36,5 +35,3 @@ uint32_t systemFree(void *memory);
 void countAbnormalReport();
 
 } // namespace sipcore
-
-#endif

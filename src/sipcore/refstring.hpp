@@ -1,6 +1,5 @@
 // Reference strings, made by string buffers.
-#ifndef SIPCORE_REFSTRING_HPP
-#define SIPCORE_REFSTRING_HPP
+#pragma once
 
 #include "sdpline/sipcore.h"
 
@@ -10,5 +9,3 @@ namespace sipcore {
 SipRefString *newRefString(SDPMemCp *memCp, const char *text, uint32_t length);
 
 } // namespace sipcore
-
-#endif

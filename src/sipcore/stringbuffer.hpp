@@ -1,7 +1,6 @@
 // A string buffer's record, and how bytes are put after its text. libsdpline includes this too,
 // and writes into the buffer itself where no service was replaced (builtin.hpp).
-#ifndef SIPCORE_STRINGBUFFER_HPP
-#define SIPCORE_STRINGBUFFER_HPP
+#pragma once
 
 #include "sdpline/sipcore.h"
 
@@ -118,5 +117,3 @@ inline char *putNumber(char *to, uint32_t value) {
 }
 
 } // namespace sipcore
-
-#endif

@@ -6,7 +6,7 @@
 
 extern "C" {
 
-#define ATTRIBUTE(type, enumerator, name, shape, words, exceptions)                                \
+#define ATTRIBUTE(type, enumerator, name, shape, words, deviations)                                \
     {sizeof name - 1, const_cast<char *>(name)},
 constexpr SipString sstrSdpAttrNames[] = {
 #include "sdpline/cpp/detail/attributes.def"

@@ -12,9 +12,9 @@
 
 namespace {
 
-using sdpline::Answer;
 using sdpline::Check;
 using sdpline::CheckRow;
+using sdpline::ResultKind;
 using support::Allocations;
 using support::Guarded;
 using support::LogRecorder;
@@ -257,7 +257,7 @@ TEST(DescribeResult, KnowsEveryCheckUnderAnyBase) {
         const FileBase guard(base);
         for (size_t i = 0; i < sdpline::kCheckCount; ++i) {
             const CheckRow &row = sdpline::row(static_cast<Check>(i));
-            if (row.outcome.answer != Answer::Code) {
+            if (row.outcome.kind != ResultKind::Composed) {
                 continue;
             }
             const SDPResultText text = describe(composed(row, base));

@@ -30,7 +30,7 @@ TEST(EveryLine, JudgesEveryKind) {
     }
     EXPECT_EQ(faultsOf("x\nv=x", 0), "4 VersionDigits");
     EXPECT_EQ(faultsOf("x\no=- 1 x IN IP4 x", 0), "8 OriginVersion");
-    EXPECT_EQ(faultsOf("x\nt=1", 0), "5 TimeStartBlank");
+    EXPECT_EQ(faultsOf("x\nt=1", 0), "5 TimeStartSpace");
     EXPECT_EQ(faultsOf("x\nr=1x", 0), "5 TypedTimeUnit");
     EXPECT_EQ(faultsOf("x\nm=audio RTP/AVP 0", 0), "10 MediaPort");
     EXPECT_EQ(faultsOf("x\na=setup:holdconn", 0), "10 SetupWord");

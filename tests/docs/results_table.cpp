@@ -32,12 +32,12 @@ anew from a build in `build/debug`: `build/debug/tests/results_table >docs/resul
 
 std::string codeText(Check check) {
     char text[16];
-    switch (row(check).outcome.answer) {
-    case Answer::Pass: return "passed on";
-    case Answer::Bare:
+    switch (row(check).outcome.kind) {
+    case ResultKind::Forwarded: return "passed on";
+    case ResultKind::Bare:
         std::snprintf(text, sizeof text, "bare %" PRIu32, codeOf(check));
         return text;
-    case Answer::Code: break;
+    case ResultKind::Composed: break;
     }
     std::snprintf(text, sizeof text, "0x%08" PRIx32, codeOf(check));
     return text;
@@ -63,8 +63,8 @@ std::string cell(const char *sentence) {
 
 // Codes first, in rising order; then the rows without a code, in the table's order.
 bool isBefore(Check a, Check b) {
-    const bool aHasCode = row(a).outcome.answer == Answer::Code;
-    const bool bHasCode = row(b).outcome.answer == Answer::Code;
+    const bool aHasCode = row(a).outcome.kind == ResultKind::Composed;
+    const bool bHasCode = row(b).outcome.kind == ResultKind::Composed;
     if (aHasCode != bHasCode) {
         return aHasCode;
     }

@@ -29,7 +29,7 @@ std::string resultName(SDPResult result) {
     }
     for (size_t i = 0; i < sdpline::kCheckCount; ++i) {
         const auto check = static_cast<sdpline::Check>(i);
-        if (sdpline::row(check).outcome.answer == sdpline::Answer::Code &&
+        if (sdpline::row(check).outcome.kind == sdpline::ResultKind::Composed &&
             sdpline::codeOf(check) == result) {
             return sdpline::row(check).name;
         }

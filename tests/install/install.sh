@@ -52,10 +52,10 @@ cmake --install "$work/build" --prefix "$work/static" >/dev/null
 
 # The archive keeps the lexer's short names to itself when it is told so, and a program with functions
 # of the same names links with it.
-own_names() {
-  "$cc" -std=c11 -I"$work/static/include" "$source/tests/link/own_names.c" \
+same_names() {
+  "$cc" -std=c11 -I"$work/static/include" "$source/tests/link/same_names.c" \
     "$(find "$work/static" -name libsdpline.a)" "$(find "$work/static" -name libsipcore.a)" \
-    -o "$work/own_names" 2>"$work/own_names.log"
+    -o "$work/same_names" 2>"$work/same_names.log"
 }
 mark() { nm "$(find "$work/static" -name libsdpline.a)" 2>&1 | awk '$3 == "mark" { print $2 }' | sort -u; }
 [[ $(mark) = *T* ]] || fail "sdpinternals.h declares names that the archive does not have"
@@ -63,8 +63,8 @@ cmake -DSDPLINE_LOCAL_NAMES=ON "$work/build" >/dev/null
 cmake --build "$work/build" >/dev/null
 cmake --install "$work/build" --prefix "$work/static" >/dev/null
 [ "$(mark)" = t ] || fail "SDPLINE_LOCAL_NAMES leaves mark for everybody"
-own_names || fail "own_names does not link: $(cat "$work/own_names.log")"
-"$work/own_names"
+same_names || fail "same_names does not link: $(cat "$work/same_names.log")"
+"$work/same_names"
 "$consumers" "$source/examples" "$work/static" "$work/consumers" "$cc" "$cxx" --static
 
 # The name that programs ask for is the beginning of the file's.

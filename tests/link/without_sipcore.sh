@@ -21,6 +21,6 @@ for service in SipMmCreateBufMem SipSbCopyChar SipSmStringNCmp memset_s g_gpfnSi
   fi
 done
 "$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror -I"$source/include" -rdynamic \
-  "$source/tests/link/own_services.c" -L"$work/src" -lsdpline -Wl,-rpath,'$ORIGIN/src' \
-  -o "$work/own_services"
-"$work/own_services"
+  "$source/tests/link/replaced_services.c" -L"$work/src" -lsdpline -Wl,-rpath,'$ORIGIN/src' \
+  -o "$work/replaced_services"
+"$work/replaced_services"

@@ -51,15 +51,15 @@ const Row kVersionAndOrigin[] = {
     {"v=x", "VersionDigits 101", kAlnum, SDP_TOK_ALPHA, "#"},
     {"v=7 \n", "VersionEnd 101", kSdp, SDP_TOK_SPACE, "7"},
     {"v=7\no= x", "OriginUser 101", kString, SDP_TOK_SPACE, "7"},
-    {"v=7\no=a\n", "OriginUserBlank 101", kAlnum, SDP_TOK_LF, "a"},
+    {"v=7\no=a\n", "OriginUserSpace 101", kAlnum, SDP_TOK_LF, "a"},
     {"v=7\no=a x", "OriginId 101", kAlnum, SDP_TOK_ALPHA, "a"},
-    {"v=7\no=a 1x", "OriginIdBlank 101", kAlnum, SDP_TOK_ALPHA, "1"},
+    {"v=7\no=a 1x", "OriginIdSpace 101", kAlnum, SDP_TOK_ALPHA, "1"},
     {"v=7\no=a 1 x", "OriginVersion 101", kAlnum, SDP_TOK_ALPHA, "1"},
-    {"v=7\no=a 1 22x", "OriginVersionBlank 101", kSdp, SDP_TOK_ALPHA, "22"},
+    {"v=7\no=a 1 22x", "OriginVersionSpace 101", kSdp, SDP_TOK_ALPHA, "22"},
     {"v=7\no=a 1 22 in", "OriginNetType 101", kSdp, SDP_TOK_ALPHA, "22"},
-    {"v=7\no=a 1 22 IN/", "OriginNetTypeBlank 101", kSdp, SDP_TOK_SLASH, "22"},
+    {"v=7\no=a 1 22 IN/", "OriginNetTypeSpace 101", kSdp, SDP_TOK_SLASH, "22"},
     {"v=7\no=a 1 22 IN IP5", "OriginAddrType 1", kSdp, SDP_TOK_ALPHA, "22"},
-    {"v=7\no=a 1 22 IN IP4x", "OriginAddrTypeBlank 101", kString, SDP_TOK_ALPHA, "22"},
+    {"v=7\no=a 1 22 IN IP4x", "OriginAddrTypeSpace 101", kString, SDP_TOK_ALPHA, "22"},
     {"v=7\no=a 1 22 IN IP4  x", "OriginAddress 101", kString, SDP_TOK_SPACE, "22"},
     {"v=7\no=a 1 22 IN IP4 host x", "OriginEnd 101", kSdp, SDP_TOK_SPACE, "host"},
 };
@@ -78,9 +78,9 @@ const Row kTexts[] = {
 
 const Row kConnections[] = {
     {kNamed + "c=in", "ConnNetType 101", kSdp, SDP_TOK_ALPHA, "-"},
-    {kNamed + "c=IN/", "ConnNetTypeBlank 101", kSdp, SDP_TOK_SLASH, "-"},
+    {kNamed + "c=IN/", "ConnNetTypeSpace 101", kSdp, SDP_TOK_SLASH, "-"},
     {kNamed + "c=IN IP5", "ConnAddrType 101", kSdp, SDP_TOK_ALPHA, "-"},
-    {kNamed + "c=IN IP4/", "ConnAddrTypeBlank 101", kAlnum, SDP_TOK_SLASH, "-"},
+    {kNamed + "c=IN IP4/", "ConnAddrTypeSpace 101", kAlnum, SDP_TOK_SLASH, "-"},
     {kNamed + "c=IN IP4 x", "ConnOctet 101", kAlnum, SDP_TOK_ALPHA, "-"},
     {kNamed + "c=IN IP4 1x", "ConnOctetDot 101", kAlnum, SDP_TOK_ALPHA, "1"},
     {kNamed + "c=IN IP4 1.x", "ConnOctet 101", kAlnum, SDP_TOK_ALPHA, "1"},
@@ -101,7 +101,7 @@ const Row kConnections[] = {
 const Row kTimes[] = {
     {kNamed + "t=x", "TimeStart 101", kAlnum, SDP_TOK_ALPHA, "-"},
     {kNamed + "t=4294967296 0", "TimeStartRange 1", kAlnum, SDP_TOK_DIGIT, "4294967296"},
-    {kNamed + "t=1x", "TimeStartBlank 101", kAlnum, SDP_TOK_ALPHA, "1"},
+    {kNamed + "t=1x", "TimeStartSpace 101", kAlnum, SDP_TOK_ALPHA, "1"},
     {kNamed + "t=1 x", "TimeStop 101", kAlnum, SDP_TOK_ALPHA, "1"},
     {kNamed + "t=1 12345678901", "TimeStopRange 1", kAlnum, SDP_TOK_DIGIT, "12345678901"},
     {kNamed + "t=1 33 ", "TimeEnd 101", kSdp, SDP_TOK_SPACE, "33"},
@@ -141,14 +141,14 @@ const Row kAttributes[] = {
     {kTimed + "a=silenceSupp:on - b\n", "ok", kSdp, SDP_TOK_LF, "b"},
     {kTimed + "a=ecan;", "EcanColon 101", kAlnum, SDP_TOK_SEMICOLON, "ecan"},
     {kTimed + "a=ecan:xx on", "EcanDirectionWord 101", kAlnum, SDP_TOK_ALPHA, "xx"},
-    {kTimed + "a=ecan:fb/", "EcanBlank 101", kAlnum, SDP_TOK_SLASH, "fb"},
+    {kTimed + "a=ecan:fb/", "EcanSpace 101", kAlnum, SDP_TOK_SLASH, "fb"},
     {kTimed + "a=ecan:fb 1", "EcanToken 101", kAlnum, SDP_TOK_DIGIT, "fb"},
     {kTimed + "a=ecan:fb xx y", "EcanWord 101", kString, SDP_TOK_SPACE, "xx"},
     {kTimed + "a=ecan:fb on\n", "EcanNoParams 101", kString, SDP_TOK_LF, "on"},
     {kTimed + "a=ecan:fb on x \n", "ok", kSdp, SDP_TOK_LF, " "},
     {kTimed + "a=ipbcp;", "IpBcpColon 101", kAlnum, SDP_TOK_SEMICOLON, "ipbcp"},
     {kTimed + "a=ipbcp:x", "IpBcpVersion 101", kAlnum, SDP_TOK_ALPHA, "ipbcp"},
-    {kTimed + "a=ipbcp:1/", "IpBcpBlank 101", kAlnum, SDP_TOK_SLASH, "1"},
+    {kTimed + "a=ipbcp:1/", "IpBcpSpace 101", kAlnum, SDP_TOK_SLASH, "1"},
     {kTimed + "a=ipbcp:1 Reply x", "IpBcpType 101", kString, SDP_TOK_SPACE, "Reply"},
     {kTimed + "a=ipbcp:1 7", "IpBcpType 101", kString, SDP_TOK_DIGIT, "7"},
     {kTimed + "a=ipbcp:1 \n", "IpBcpType 101", kString, SDP_TOK_LF, "\n"},
@@ -172,8 +172,8 @@ const Row kAttributes[] = {
 const Row kRtpmaps[] = {
     {kTimed + "a=rtpmap;", "RtpmapColon 101", kAlnum, SDP_TOK_SEMICOLON, "rtpmap"},
     {kTimed + "a=rtpmap:x", "RtpmapPayload 101", kAlnum, SDP_TOK_ALPHA, "rtpmap"},
-    {kTimed + "a=rtpmap:4", "RtpmapBlank 101", kAlnum, SDP_TOK_LF, "4"},
-    {kTimed + "a=rtpmap:4abc", "RtpmapBlank 101", kAlnum, SDP_TOK_ALPHA, "4"},
+    {kTimed + "a=rtpmap:4", "RtpmapSpace 101", kAlnum, SDP_TOK_LF, "4"},
+    {kTimed + "a=rtpmap:4abc", "RtpmapSpace 101", kAlnum, SDP_TOK_ALPHA, "4"},
     {kTimed + "a=rtpmap:4 abc\n", "RtpmapSlash 101", kAlnum, SDP_TOK_LF, "c"},
     {kTimed + "a=rtpmap:4 \n", "RtpmapSlash 101", kAlnum, SDP_TOK_LF, "4"},
     {kTimed + "a=rtpmap:4 ab/x", "RtpmapClock 101", kAlnum, SDP_TOK_ALPHA, "b"},
@@ -190,12 +190,12 @@ const Row kRtpmaps[] = {
 const Row kPreconditions[] = {
     {kTimed + "a=curr;", "StatusColon 101", kToken, SDP_TOK_SEMICOLON, "curr"},
     {kTimed + "a=curr::", "StatusPrecondition 101", kToken, SDP_TOK_COLON, "curr"},
-    {kTimed + "a=des:qos;", "StrengthBlank 101", kToken, SDP_TOK_SEMICOLON, "qos"},
+    {kTimed + "a=des:qos;", "StrengthSpace 101", kToken, SDP_TOK_SEMICOLON, "qos"},
     {kTimed + "a=des:qos ;", "StrengthToken 101", kToken, SDP_TOK_SEMICOLON, "qos"},
     {kTimed + "a=des:qos x y", "StrengthWord 101", kToken, SDP_TOK_SPACE, "x"},
-    {kTimed + "a=curr:qos;", "StatusBlank 101", kToken, SDP_TOK_SEMICOLON, "qos"},
+    {kTimed + "a=curr:qos;", "StatusSpace 101", kToken, SDP_TOK_SEMICOLON, "qos"},
     {kTimed + "a=curr:qos x;", "StatusWord 101", kToken, SDP_TOK_SEMICOLON, "x"},
-    {kTimed + "a=curr:qos e2e;", "DirectionBlank 101", kToken, SDP_TOK_SEMICOLON, "e2e"},
+    {kTimed + "a=curr:qos e2e;", "DirectionSpace 101", kToken, SDP_TOK_SEMICOLON, "e2e"},
     {kTimed + "a=curr:qos e2e x\n", "DirectionWord 101", kToken, SDP_TOK_LF, "x"},
     {kTimed + "a=curr:qos e2e send x", "StatusEnd 101", kSdp, SDP_TOK_SPACE, "send"},
     {kTimed + "a=curr:bw e2e none\n", "ok", kSdp, SDP_TOK_LF, "none"},
@@ -203,22 +203,22 @@ const Row kPreconditions[] = {
 
 const Row kMedia[] = {
     {kNamed + "m=;", "MediaWord 101", kToken, SDP_TOK_SEMICOLON, "-"},
-    {kNamed + "m=o;", "MediaWordBlank 101", kAlnum, SDP_TOK_SEMICOLON, "o"},
+    {kNamed + "m=o;", "MediaWordSpace 101", kAlnum, SDP_TOK_SEMICOLON, "o"},
     {kNamed + "m=o x", "MediaPort 101", kAlnum, SDP_TOK_ALPHA, "o"},
-    {kNamed + "m=o 1", "MediaPortBlank 101", kAlnum, SDP_TOK_LF, "1"},
+    {kNamed + "m=o 1", "MediaPortSpace 101", kAlnum, SDP_TOK_LF, "1"},
     {kNamed + "m=o 1/x", "MediaPortCount 101", kAlnum, SDP_TOK_ALPHA, "1"},
-    {kNamed + "m=o 1/2;", "MediaPortBlank 101", kAlnum, SDP_TOK_SEMICOLON, "2"},
+    {kNamed + "m=o 1/2;", "MediaPortSpace 101", kAlnum, SDP_TOK_SEMICOLON, "2"},
     {kNamed + "m=o 1  ", "MediaProto 101", kToken, SDP_TOK_SPACE, "1"},
     {kNamed + "m=o 1 RTP/AVP\n", "PayloadsMissing 101", kAlnum, SDP_TOK_LF, "RTP/AVP"},
     {kNamed + "m=o 0 RTP/AVP;", "NoPayloadsEnd 101", kSdp, SDP_TOK_SEMICOLON, "RTP/AVP"},
     {kNamed + "m=o 1 RTP/AVP x", "Payload 101", kAlnum, SDP_TOK_ALPHA, "RTP/AVP"},
-    {kNamed + "m=o 1 RTP/AVP 0x", "PayloadBlank 101", kAlnum, SDP_TOK_ALPHA, "0"},
+    {kNamed + "m=o 1 RTP/AVP 0x", "PayloadSpace 101", kAlnum, SDP_TOK_ALPHA, "0"},
     {kNamed + "m=o 1 RTP/AVP 9  ", "Payload 101", kAlnum, SDP_TOK_SPACE, "9"},
     {kNamed + "m=o 1 RTP/AVP" + repeated(" 7", 100) + " 8", "PayloadLimit 1", kAlnum, SDP_TOK_DIGIT,
      "7"},
     {kNamed + "m=o 1 RTP/AVP 0 8 \n", "ok", kSdp, SDP_TOK_LF, "8"},
     {kNamed + "m=o 0 RTP/AVP\n", "ok", kSdp, SDP_TOK_LF, "RTP/AVP"},
-    {kNamed + "m=o 1 udp\n", "FormatBlank 101", kToken, SDP_TOK_LF, "udp"},
+    {kNamed + "m=o 1 udp\n", "FormatSpace 101", kToken, SDP_TOK_LF, "udp"},
     {kNamed + "m=o 1 udp ;", "FormatToken 101", kToken, SDP_TOK_SEMICOLON, "udp"},
     {kNamed + "m=o 1 udp t120\n", "FormatT120 1", kToken, SDP_TOK_LF, "t120"},
     {kNamed + "m=o 1 udp x y", "FormatEnd 101", kSdp, SDP_TOK_SPACE, "x"},
@@ -331,13 +331,13 @@ const Call kLineCalls[] = {
     {onRecord<SDPAttr, sdpAttributeField>, {"x", "AttrLine 102", kToken, SDP_TOK_ALPHA, "#"}},
     {onRecord<SDPMediaField, sdpMediaField>, {"x", "MediaLine 102", kToken, SDP_TOK_ALPHA, "#"}},
     {onRecord<SDPMediaField, sdpMediaField>,
-     {"m=o 1", "MediaPortBlank 101", kAlnum, SDP_TOK_EOF, "1"}},
+     {"m=o 1", "MediaPortSpace 101", kAlnum, SDP_TOK_EOF, "1"}},
 };
 
 // What follows the attribute's name is current in the token context.
 const Call kValueCalls[] = {
     {onAttribute<sdpRtpmapAttr, SDP_ATTR_RTPMAP>,
-     {"n:4", "RtpmapBlank 101", kAlnum, SDP_TOK_EOF, "4"}},
+     {"n:4", "RtpmapSpace 101", kAlnum, SDP_TOK_EOF, "4"}},
     {onAttribute<sdpRtpmapAttr, SDP_ATTR_RTPMAP>,
      {"n:4 ab", "RtpmapNameTooLong 1", kChar, SDP_TOK_EOF, ""}},
     {onAttribute<sdpRtpmapAttr, SDP_ATTR_RTPMAP>,
@@ -354,7 +354,7 @@ const Call kValueCalls[] = {
     {onAttribute<sdpSilenceSuppression, SDP_ATTR_SILENCE_SUPP>,
      {"n:on", "SilenceEnded 1", kString, SDP_TOK_EOF, "on"}},
     {onAttribute<sdpResourceStatus, SDP_ATTR_CURR>,
-     {"n:qos e2e", "DirectionBlank 101", kToken, SDP_TOK_EOF, "e2e"}},
+     {"n:qos e2e", "DirectionSpace 101", kToken, SDP_TOK_EOF, "e2e"}},
 };
 
 class AftermathOfCalls : public support::ParsingTest {
@@ -551,7 +551,7 @@ TEST_F(InputGone, ALogHookThatReadsAfterARefusalReadsNothing) {
     textsInHook.clear();
     const SipLmLogHndlr before = g_gpfnSipLmLogHndlr;
     g_gpfnSipLmLogHndlr = readInHook;
-    EXPECT_EQ(named(decodeText("v=0\no=x")), "OriginUserBlank 101");
+    EXPECT_EQ(named(decodeText("v=0\no=x")), "OriginUserSpace 101");
     g_gpfnSipLmLogHndlr = before;
     EXPECT_EQ(textsInHook, "[]");
 }

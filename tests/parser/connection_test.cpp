@@ -76,9 +76,9 @@ TEST_F(ConnectionLine, FailsWhereverTheInputEnds) {
         const char *check;
     } kTexts[] = {
         {"c=", "ConnNetType 101"},
-        {"c=IN", "ConnNetTypeBlank 101"},
+        {"c=IN", "ConnNetTypeSpace 101"},
         {"c=IN ", "ConnAddrType 101"},
-        {"c=IN IP4", "ConnAddrTypeBlank 101"},
+        {"c=IN IP4", "ConnAddrTypeSpace 101"},
         {"c=IN IP4 ", "ConnOctet 101"},
         {"c=IN IP4 1", "ConnOctetDot 101"},
         {"c=IN IP4 1.2.", "ConnOctet 101"},

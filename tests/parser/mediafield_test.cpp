@@ -69,18 +69,18 @@ TEST_F(MediaFieldTest, AnotherLineIsRefused) {
 TEST_F(MediaFieldTest, ATextThatEndsInsideTheLineIsRefused) {
     const std::vector<std::pair<std::string, std::string>> ends = {
         {"m=", "MediaWord 101"},
-        {"m=audio", "MediaWordBlank 101"},
+        {"m=audio", "MediaWordSpace 101"},
         {"m=audio ", "MediaPort 101"},
-        {"m=audio 1", "MediaPortBlank 101"},
+        {"m=audio 1", "MediaPortSpace 101"},
         {"m=audio 1/", "MediaPortCount 101"},
-        {"m=audio 1/2", "MediaPortBlank 101"},
+        {"m=audio 1/2", "MediaPortSpace 101"},
         {"m=audio 1 ", "MediaProto 101"},
         {"m=audio 1 RTP/AVP", "PayloadsMissing 101"},
         {"m=audio 0 RTP/AVP", "NoPayloadsEnd 101"},
         {"m=audio 1 RTP/AVP ", "Payload 101"},
-        {"m=audio 1 RTP/AVP 0", "PayloadBlank 101"},
+        {"m=audio 1 RTP/AVP 0", "PayloadSpace 101"},
         {"m=audio 1 RTP/AVP 0 ", "Payload 101"},
-        {"m=audio 1 udp", "FormatBlank 101"},
+        {"m=audio 1 udp", "FormatSpace 101"},
         {"m=audio 1 udp ", "FormatToken 101"},
         {"m=audio 1 udp x", "FormatEnd 101"},
         {"m=audio 1 udp t38", "FormatEnd 101"},
@@ -246,7 +246,7 @@ TEST_F(MediaFieldTest, TheProtocolIsStoredBeforeItsFormatsAreRefused) {
     EXPECT_EQ(field.stProto.enProto, 5u);
     EXPECT_EQ(log.texts(), Texts{"3 sdpparser sdpRtpAvpMediaFmt 3"});
     startFormats("\n");
-    EXPECT_EQ(named(sdpOtherMediaFmt(&field, 4)), "FormatBlank 101");
+    EXPECT_EQ(named(sdpOtherMediaFmt(&field, 4)), "FormatSpace 101");
     EXPECT_EQ(field.stProto.enProto, 4u);
 }
 
@@ -330,7 +330,7 @@ TEST_F(GatherTest, NumbersAreAddedToThoseThatAreThere) {
 TEST_F(GatherTest, WhatIsNoNumberIsRefused) {
     EXPECT_EQ(named(gather("x\n", 3)), "Payload 101");
     EXPECT_EQ(named(gather("3  1\n", 3)), "Payload 101");
-    EXPECT_EQ(named(gather("3,1\n", 3)), "PayloadBlank 101");
+    EXPECT_EQ(named(gather("3,1\n", 3)), "PayloadSpace 101");
     EXPECT_EQ(gathered, 1u);
     EXPECT_EQ(named(gather("3 " + std::string(1024, '1') + "\n", 3)), "PayloadText 1");
     EXPECT_EQ(gathered, 1u);

@@ -23,15 +23,15 @@ TEST_F(ParserPrecondition, LineWithoutEndIsRefused) {
     constexpr Ending endings[] = {
         {"a=curr", "StatusColon 101"},
         {"a=curr:", "StatusPrecondition 101"},
-        {"a=curr:qos", "StatusBlank 101"},
+        {"a=curr:qos", "StatusSpace 101"},
         {"a=curr:qos ", "StatusToken 101"},
-        {"a=curr:qos e2e", "DirectionBlank 101"},
+        {"a=curr:qos e2e", "DirectionSpace 101"},
         {"a=curr:qos e2e ", "DirectionToken 101"},
         {"a=curr:qos e2e send", "StatusEnd 101"},
         {"a=conf:qos e2e send", "StatusEnd 101"},
-        {"a=des:qos", "StrengthBlank 101"},
+        {"a=des:qos", "StrengthSpace 101"},
         {"a=des:qos ", "StrengthToken 101"},
-        {"a=des:qos none", "StatusBlank 101"},
+        {"a=des:qos none", "StatusSpace 101"},
         {"a=des:qos none ", "StatusToken 101"},
         {"a=des:qos none e2e send", "StatusEnd 101"},
         {"a=des:qos none e2e send\n", "ok"},
@@ -164,7 +164,7 @@ TEST_F(ParserPrecondition, TypeIsStoredBehindTheFirstWord) {
     EXPECT_EQ(named(sdpAttributeField(&attr)), "StatusPrecondition 101");
     EXPECT_EQ(attr.ulAttrType, 0u);
     start("a=curr:qos\n");
-    EXPECT_EQ(named(sdpAttributeField(&attr)), "StatusBlank 101");
+    EXPECT_EQ(named(sdpAttributeField(&attr)), "StatusSpace 101");
     EXPECT_EQ(attr.ulAttrType, uint32_t{SDP_ATTR_CURR});
 }
 

@@ -31,7 +31,7 @@ TEST_F(ParserRtpmap, LineWithoutEndIsRefused) {
     constexpr Ending endings[] = {
         {"a=rtpmap", "RtpmapColon 101"},
         {"a=rtpmap:", "RtpmapPayload 101"},
-        {"a=rtpmap:0", "RtpmapBlank 101"},
+        {"a=rtpmap:0", "RtpmapSpace 101"},
         {"a=rtpmap:0 ", "RtpmapNameTooLong 1"},
         {"a=rtpmap:0 PCMU", "RtpmapNameTooLong 1"},
         {"a=rtpmap:0 PCMU/", "RtpmapClock 101"},

@@ -84,17 +84,17 @@ TEST_F(OriginLine, FailsWhereverTheInputEnds) {
         const char *check;
     } kTexts[] = {
         {"o=", "OriginUser 101"},
-        {"o=-", "OriginUserBlank 101"},
+        {"o=-", "OriginUserSpace 101"},
         {"o=- ", "OriginId 101"},
-        {"o=- 1", "OriginIdBlank 101"},
+        {"o=- 1", "OriginIdSpace 101"},
         {"o=- 1 ", "OriginVersion 101"},
-        {"o=- 1 1", "OriginVersionBlank 101"},
+        {"o=- 1 1", "OriginVersionSpace 101"},
         {"o=- 1 1 ", "OriginNetType 101"},
         {"o=- 1 1 I", "OriginNetType 101"},
-        {"o=- 1 1 IN", "OriginNetTypeBlank 101"},
+        {"o=- 1 1 IN", "OriginNetTypeSpace 101"},
         {"o=- 1 1 IN ", "OriginAddrType 1"},
         {"o=- 1 1 IN IP", "OriginAddrType 1"},
-        {"o=- 1 1 IN IP4", "OriginAddrTypeBlank 101"},
+        {"o=- 1 1 IN IP4", "OriginAddrTypeSpace 101"},
         {"o=- 1 1 IN IP4 ", "OriginAddress 101"},
         {"o=- 1 1 IN IP4 x", "OriginEnd 101"},
     };

@@ -45,7 +45,7 @@ struct Ending {
 
 TEST_F(ParserTime, TimeLineWithoutEndIsRefused) {
     constexpr Ending endings[] = {
-        {"t=", "TimeStart 101"},     {"t=1", "TimeStartBlank 101"},
+        {"t=", "TimeStart 101"},     {"t=1", "TimeStartSpace 101"},
         {"t=1 ", "TimeStop 101"},    {"t=1 2", "TimeEnd 101"},
         {"t=1 2 ", "TimeEnd 101"},   {"r=1", "TimeLine 102"},
         {"t=1 2\n", "ok"},           {"", "TimeLine 102"},

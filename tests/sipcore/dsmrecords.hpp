@@ -1,6 +1,5 @@
 // Records of every kind that the walker knows, with their descriptions.
-#ifndef SDPLINE_TESTS_SIPCORE_DSMRECORDS_HPP
-#define SDPLINE_TESTS_SIPCORE_DSMRECORDS_HPP
+#pragma once
 
 #include "memcontrols.hpp"
 
@@ -102,5 +101,3 @@ inline void expectInner(const Inner *copy, const Inner *source) {
 }
 
 } // namespace sipcoretests
-
-#endif

@@ -1,6 +1,5 @@
 // Memory controls and measures for tests of the core services.
-#ifndef SDPLINE_TESTS_SIPCORE_MEMCONTROLS_HPP
-#define SDPLINE_TESTS_SIPCORE_MEMCONTROLS_HPP
+#pragma once
 
 #include "sdpline/sipcore.h"
 
@@ -126,5 +125,3 @@ inline std::string_view viewOf(const SipRefString *ref) {
 }
 
 } // namespace sipcoretests
-
-#endif

@@ -45,7 +45,7 @@ TEST(TidyApi, ARefusedTextTellsWhyItStillIs) {
     EXPECT_EQ(tidied->text().data(), text.data());
     EXPECT_EQ(tidied->repairs().size(), 1u);
     ASSERT_TRUE(tidied->error());
-    EXPECT_EQ(tidied->error()->check, "FormatBlank");
+    EXPECT_EQ(tidied->error()->check, "FormatSpace");
     EXPECT_EQ(tidied->error()->line, 5u);
 }
 

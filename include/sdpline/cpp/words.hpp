@@ -73,7 +73,7 @@ enum class TimeUnit : std::uint32_t {
 
 /* RtpMap = SDP_ATTR_RTPMAP and so on: one for each row of detail/attributes.def. */
 enum class AttributeType : std::uint32_t {
-#define ATTRIBUTE(type, enumerator, name, shape, words, exceptions) enumerator = (type),
+#define ATTRIBUTE(type, enumerator, name, shape, words, deviations) enumerator = (type),
 #include "sdpline/cpp/detail/attributes.def"
 #undef ATTRIBUTE
 };

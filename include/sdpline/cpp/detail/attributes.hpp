@@ -36,8 +36,8 @@ enum class Shape : std::uint8_t {
     NameOnly      /* no value, but the name in pstAttrName */
 };
 
-/* What a row does otherwise than its shape: a set of these. */
-enum Exception : std::uint8_t {
+/* How a row deviates from its shape: a set of these. */
+enum Deviation : std::uint8_t {
     kRegular = 0,
     kAnyCase = 1 << 0,        /* the name is known in any case of its letters */
     kPacketChecks = 1 << 1,   /* a number that is refused by the checks of ptime, */
@@ -52,10 +52,10 @@ struct AttributeRow {
     std::uint32_t type;
     std::string_view name; /* as it is written: with its colon where a value follows */
     Shape shape;
-    std::uint8_t exceptions;
+    std::uint8_t deviations;
     std::span<const KeywordRow> words;
 
-    constexpr bool has(Exception exception) const { return (exceptions & exception) != 0; }
+    constexpr bool has(Deviation deviation) const { return (deviations & deviation) != 0; }
 
     constexpr std::string_view bareName() const {
         return name.ends_with(':') ? name.substr(0, name.size() - 1) : name;
@@ -67,8 +67,8 @@ inline constexpr std::span<const KeywordRow> kNoWords;
 /* Indexed by type. The first row is that of no type. */
 inline constexpr auto kAttributes = std::to_array<AttributeRow>({
     {0, {}, Shape::None, kRegular, {}},
-#define ATTRIBUTE(type, enumerator, name, shape, words, exceptions)                                \
-    {type, name, Shape::shape, exceptions, words},
+#define ATTRIBUTE(type, enumerator, name, shape, words, deviations)                                \
+    {type, name, Shape::shape, deviations, words},
 #include "sdpline/cpp/detail/attributes.def"
 #undef ATTRIBUTE
 });

@@ -1,5 +1,5 @@
 /*
- * A stack with core services of its own: every symbol of sipcore.h is defined here. The library
+ * A stack that supplies the core services: every symbol of sipcore.h is defined here. The library
  * must call these, also when it is linked against libsipcore, which defines them too.
  */
 #include <stdarg.h>
@@ -10,35 +10,35 @@
 #include <sdpline/sdpline.h>
 
 static unsigned calls; /* of the service that is being looked at; see each test */
-static unsigned blocks, pieces, releases, appends, fills, logs, buffers;
+static unsigned blocks, allocations, releases, appends, fills, logs, buffers;
 
 static void require(int condition, const char *what) {
     if (!condition) {
-        fprintf(stderr, "own_services: %s\n", what);
+        fprintf(stderr, "replaced_services: %s\n", what);
         exit(1);
     }
 }
 
-/* ---- Memory: a block is a list of pieces, each from malloc */
+/* ---- Memory: a block is a list of allocations, each from malloc */
 
-typedef struct Piece {
-    struct Piece *next;
+typedef struct Allocation {
+    struct Allocation *next;
     uint64_t aligned;
-} Piece;
+} Allocation;
 
 typedef struct Block {
     SDPMemCp control;
-    Piece *pieces;
+    Allocation *allocations;
 } Block;
 
 static void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
     Block *block = memCp->pService;
-    Piece *piece = calloc(1, sizeof(Piece) + size + 1);
-    require(piece != NULL, "no memory");
-    piece->next = block->pieces;
-    block->pieces = piece;
-    ++pieces;
-    return piece + 1;
+    Allocation *allocation = calloc(1, sizeof(Allocation) + size + 1);
+    require(allocation != NULL, "no memory");
+    allocation->next = block->allocations;
+    block->allocations = allocation;
+    ++allocations;
+    return allocation + 1;
 }
 
 static uint32_t blockFree(void *memory) {
@@ -61,10 +61,10 @@ uint32_t SipMmCreateBufMem(uint32_t first, uint32_t next, SDPMemCp **memCp) {
 
 uint32_t SipMmReleaseBufMem(SDPMemCp **memCp) {
     Block *block = (*memCp)->pService;
-    while (block->pieces != NULL) {
-        Piece *piece = block->pieces;
-        block->pieces = piece->next;
-        free(piece);
+    while (block->allocations != NULL) {
+        Allocation *allocation = block->allocations;
+        block->allocations = allocation->next;
+        free(allocation);
     }
     free(block);
     *memCp = NULL;
@@ -85,18 +85,18 @@ static uint32_t heapFree(void *memory) {
 static SDPMemCp heapControl = {NULL, heapAlloc, heapFree};
 SDPMemCp *gSipSystemMemCp = &heapControl;
 
-/* ---- String buffers: a fixed room is enough here */
+/* ---- String buffers: a fixed capacity is enough here */
 
-enum { ROOM = 8192 };
+enum { CAPACITY = 8192 };
 
 struct SipStringBuffer {
     uint32_t length;
-    char text[ROOM];
+    char text[CAPACITY];
 };
 
 struct SipRefString {
     uint32_t length;
-    char text[ROOM];
+    char text[CAPACITY];
 };
 
 uint32_t SipSbCreateStringBufferNew(SDPMemCp *memCp, uint32_t first, uint32_t grow,
@@ -136,7 +136,7 @@ uint32_t SipSbConvertToRefString(SipStringBuffer *buffer, SipRefString **referen
 
 uint32_t SipSbCopyConstString(SipStringBuffer *buffer, const char *text, uint32_t length) {
     ++appends;
-    if (length > ROOM - buffer->length) {
+    if (length > CAPACITY - buffer->length) {
         return 1;
     }
     if (length != 0) {
@@ -243,17 +243,17 @@ uint32_t g_gSipStackFileId = 0x20; /* must show in the codes */
 
 /* ---- Bounds-checked memory */
 
-int memcpy_s(void *to, size_t room, const void *from, size_t count) {
-    if (count > room) {
+int memcpy_s(void *to, size_t limit, const void *from, size_t count) {
+    if (count > limit) {
         return 1;
     }
     memcpy(to, from, count);
     return 0;
 }
 
-int memset_s(void *to, size_t room, int value, size_t count) {
+int memset_s(void *to, size_t limit, int value, size_t count) {
     ++fills;
-    if (count > room) {
+    if (count > limit) {
         return 1;
     }
     memset(to, value, count);
@@ -278,7 +278,7 @@ void SIPAbnormalSecureFuncEx(const char *name, uint32_t number) {
 
 static const char kBody[] = "v=0\r\n"
                             "o=- 1 2 IN IP4 192.0.2.1\r\n"
-                            "s=own services\r\n"
+                            "s=stack services\r\n"
                             "c=IN IP6 0001:0002:0003:0004:0005:0006:0007:0008\r\n"
                             "t=0 0\r\n"
                             "m=audio 49170 RTP/AVP 0\r\n"
@@ -293,7 +293,7 @@ static SdpLine *decode(void) {
 
 int main(void) {
     SdpLine *line = decode();
-    require(blocks == 1 && pieces > 10, "the body is not in a block of this program");
+    require(blocks == 1 && allocations > 10, "the body is not in a block of this program");
     require(fills > 5, "memset_s of this program was not called");
     require(calls > 5, "the comparisons of this program were not called");
 
@@ -313,7 +313,7 @@ int main(void) {
     require(result >> 24 == 0x25, "the file base of this program is not in the result");
     require(logs == 2, "the log hook of this program was not called");
     require(g_gSipCodePoint == (0x24u << 16 | 173), "the code point of this program was not set");
-    require(releases == 2, "a refused body left its block behind");
-    puts("own_services: every service called was the program's own");
+    require(releases == 2, "a refused body did not release its block");
+    puts("replaced_services: every service called was the program's");
     return 0;
 }

@@ -5,21 +5,23 @@
 #include <span>
 #include <string_view>
 
+#include "checks/checks.hpp"
+
 namespace cli {
 
 struct CheckInfo {
     uint32_t file; // number of the source file, without the stack's base
     const char *name;
     const char *function;
-    enum { Composed, Bare, PassedUp } kind;
-    uint32_t location; // of a bare result: the result itself
-    uint32_t errorClass;
+    sdpline::Outcome outcome;
     const char *sentence;
+
+    bool returns(sdpline::ResultKind kind) const { return outcome.kind == kind; }
 };
 
 std::span<const CheckInfo> allChecks();
 
-// The code that a composed check returns under that base of file numbers.
+// The code that a check returns under that base of file numbers, or its bare result.
 uint32_t codeOf(const CheckInfo &check, uint32_t fileBase);
 
 // The source file as log entries name it, under the present g_gSipStackFileId; empty for a file

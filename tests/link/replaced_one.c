@@ -1,6 +1,6 @@
 /*
- * A program that takes over one service, SERVICE, and leaves the others to libsipcore: every call
- * of it is the program's.
+ * A program that replaces one service, REPLACE_..., and leaves the others to libsipcore: every call
+ * of that one is the program's.
  */
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -11,8 +11,8 @@
 
 static unsigned calls;
 
-/* The service that this program's own definition hides. */
-#define TAKE_OVER(result, service, parameters, arguments)                                          \
+/* The definition counts and calls the service that it hides. */
+#define REPLACE(result, service, parameters, arguments)                                            \
     result service parameters {                                                                    \
         result(*real) parameters;                                                                  \
         *(void **)&real = dlsym(RTLD_NEXT, #service);                                              \
@@ -20,27 +20,27 @@ static unsigned calls;
         return real arguments;                                                                     \
     }
 
-#if defined(OWN_SipSbCopyChar)
-#define EXPECTED 32 /* 16 of prefixes, 13 blanks and slashes, 3 dots */
-TAKE_OVER(uint32_t, SipSbCopyChar, (SipStringBuffer * buffer, char byte), (buffer, byte))
-#elif defined(OWN_SipSbCopyConstString)
+#if defined(REPLACE_SipSbCopyChar)
+#define EXPECTED 32 /* 16 of prefixes, 13 spaces and slashes, 3 dots */
+REPLACE(uint32_t, SipSbCopyChar, (SipStringBuffer * buffer, char byte), (buffer, byte))
+#elif defined(REPLACE_SipSbCopyConstString)
 #define EXPECTED 15 /* 8 line ends, 6 words, and the empty one that serialising ends with */
-TAKE_OVER(uint32_t, SipSbCopyConstString,
-          (SipStringBuffer * buffer, const char *text, uint32_t length), (buffer, text, length))
-#elif defined(OWN_SipSbCopyString)
+REPLACE(uint32_t, SipSbCopyConstString,
+        (SipStringBuffer * buffer, const char *text, uint32_t length), (buffer, text, length))
+#elif defined(REPLACE_SipSbCopyString)
 #define EXPECTED 8 /* 4 of o=, 1 of s=, 3 of a= */
-TAKE_OVER(uint32_t, SipSbCopyString, (SipStringBuffer * buffer, const SipString *text),
-          (buffer, text))
-#elif defined(OWN_SipSbCopyLong)
+REPLACE(uint32_t, SipSbCopyString, (SipStringBuffer * buffer, const SipString *text),
+        (buffer, text))
+#elif defined(REPLACE_SipSbCopyLong)
 #define EXPECTED 12 /* 1 of v=, 4 of c=, 2 of t=, 3 of m=, 2 of a= */
-TAKE_OVER(uint32_t, SipSbCopyLong, (SipStringBuffer * buffer, uint32_t value), (buffer, value))
-#elif defined(OWN_memcpy_s)
+REPLACE(uint32_t, SipSbCopyLong, (SipStringBuffer * buffer, uint32_t value), (buffer, value))
+#elif defined(REPLACE_memcpy_s)
 #define EXPECTED 1 /* the name that a profile is looked up for */
-TAKE_OVER(int, memcpy_s, (void *to, size_t room, const void *from, size_t size),
-          (to, room, from, size))
-#elif defined(OWN_memset_s)
+REPLACE(int, memcpy_s, (void *to, size_t limit, const void *from, size_t size),
+        (to, limit, from, size))
+#elif defined(REPLACE_memset_s)
 #define EXPECTED 36 /* the normal form, 7 records, 3 arrays, 25 texts of tokens */
-TAKE_OVER(int, memset_s, (void *to, size_t room, int value, size_t size), (to, room, value, size))
+REPLACE(int, memset_s, (void *to, size_t limit, int value, size_t size), (to, limit, value, size))
 #endif
 
 static const char body[] = "v=0\r\n"
@@ -59,16 +59,16 @@ int main(void) {
     SdpLine *line = NULL;
     if (SdpLibDecodeSdp(&text, &line) != 0 ||
         SdpLibSerializeSdp(line, written, sizeof written, &length) != 0) {
-        fprintf(stderr, "own_one: the body is refused\n");
+        fprintf(stderr, "replaced_one: the body is refused\n");
         return 1;
     }
     SdpLibReleaseSdp(&line);
     if (length != text.ulLen || memcmp(written, body, length) != 0) {
-        fprintf(stderr, "own_one: another body was written\n");
+        fprintf(stderr, "replaced_one: another body was written\n");
         return 1;
     }
     if (calls != EXPECTED) {
-        fprintf(stderr, "own_one: called %u times, not %u\n", calls, EXPECTED);
+        fprintf(stderr, "replaced_one: called %u times, not %u\n", calls, EXPECTED);
         return 1;
     }
     return 0;

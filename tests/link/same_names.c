@@ -1,6 +1,5 @@
 /*
- * A program whose own functions bear names that the library exports too. Neither may call the
- * other's.
+ * A program with functions of names that the library exports too. Neither may call the other's.
  */
 #include <stdio.h>
 #include <string.h>
@@ -9,30 +8,30 @@
 
 static int called;
 
-#define OWN(name)                                                                                  \
+#define SAME_NAME(name)                                                                            \
     int name(void);                                                                                \
     int name(void) {                                                                               \
         return ++called;                                                                           \
     }
 
-OWN(mark)
-OWN(consume)
-OWN(nextToken)
-OWN(startTracking)
-OWN(sdp_match)
-OWN(LA)
-OWN(LT)
-OWN(setInput)
-OWN(setLexerContext)
-OWN(clearSdpLexer)
-OWN(sdpOriginField)
-OWN(sdpStringField)
-OWN(sdpMediaField)
-OWN(sdpAttributeField)
-OWN(SdpLibUtilExtendDP)
-OWN(SdpLibScanDigits)
-OWN(SdpLibEncodeSdpInt)
-OWN(sdpLibEncodeMediaSet)
+SAME_NAME(mark)
+SAME_NAME(consume)
+SAME_NAME(nextToken)
+SAME_NAME(startTracking)
+SAME_NAME(sdp_match)
+SAME_NAME(LA)
+SAME_NAME(LT)
+SAME_NAME(setInput)
+SAME_NAME(setLexerContext)
+SAME_NAME(clearSdpLexer)
+SAME_NAME(sdpOriginField)
+SAME_NAME(sdpStringField)
+SAME_NAME(sdpMediaField)
+SAME_NAME(sdpAttributeField)
+SAME_NAME(SdpLibUtilExtendDP)
+SAME_NAME(SdpLibScanDigits)
+SAME_NAME(SdpLibEncodeSdpInt)
+SAME_NAME(sdpLibEncodeMediaSet)
 
 int main(void) {
     static const char body[] = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n"
@@ -43,7 +42,7 @@ int main(void) {
     SipRefString *written = NULL;
     if (SdpLibDecodeSdp(&text, &line) != 0 || SdpLibEncodeSdp(line, &buffer) != 0 ||
         SipSbConvertToRefString(buffer, &written) != 0) {
-        fputs("own_names: the body does not decode and encode\n", stderr);
+        fputs("same_names: the body does not decode and encode\n", stderr);
         return 1;
     }
     const int same = SipSmGetLenFromRefString(written) == text.ulLen &&
@@ -52,14 +51,14 @@ int main(void) {
     SipSbReleaseStringBuffer(buffer);
     SdpLibReleaseSdp(&line);
     if (!same || called != 0) {
-        fprintf(stderr, "own_names: %s, %d of the program's own functions called\n",
+        fprintf(stderr, "same_names: %s, %d functions of the program called\n",
                 same ? "same text" : "other text", called);
         return 1;
     }
     if (mark() != 1) {
-        fputs("own_names: the library's mark was called\n", stderr);
+        fputs("same_names: the library's mark was called\n", stderr);
         return 1;
     }
-    puts("own_names: neither called the other's functions");
+    puts("same_names: neither called the other's functions");
     return 0;
 }
