@@ -1,5 +1,5 @@
 // Other libraries that parse SDP, each in a source of its own and only where it is installed. Each
-// is used as its documentation has it: one parse and free for each text, and one print and free.
+// is called as its documentation has it: one parse and free for each text, and one print and free.
 #pragma once
 
 #include <memory>
@@ -16,6 +16,32 @@ public:
     virtual std::string printed() = 0;
 };
 
+// A text that Library::parse read, which Library has to
+//  - parse: the tree of a text, null when it is refused,
+//  - release: give the tree back,
+//  - print: write the tree, copy what was written where that is asked for, and give the text back.
+template <class Library>
+class ParsedBy final : public Parsed {
+public:
+    using Tree = decltype(Library::parse(std::string()));
+
+    explicit ParsedBy(Tree tree) : tree_(tree) {}
+    ~ParsedBy() override { Library::release(tree_); }
+    ParsedBy(const ParsedBy &) = delete;
+    ParsedBy &operator=(const ParsedBy &) = delete;
+
+    bool print() override { return Library::print(tree_, nullptr); }
+
+    std::string printed() override {
+        std::string copy;
+        Library::print(tree_, &copy);
+        return copy;
+    }
+
+private:
+    Tree tree_;
+};
+
 struct Peer {
     const char *name;
     bool (*parse)(const std::string &text);                   // and gives everything back
@@ -25,6 +51,22 @@ struct Peer {
 // Those that the program was built with, by name. A source adds its own before main().
 std::vector<Peer> peers();
 bool addPeer(const Peer &peer);
+
+template <class Library>
+bool addPeer(const char *name) {
+    const auto parse = [](const std::string &text) {
+        const auto tree = Library::parse(text);
+        if (tree != nullptr) {
+            Library::release(tree);
+        }
+        return tree != nullptr;
+    };
+    const auto keep = [](const std::string &text) -> std::unique_ptr<Parsed> {
+        const auto tree = Library::parse(text);
+        return tree == nullptr ? nullptr : std::make_unique<ParsedBy<Library>>(tree);
+    };
+    return addPeer({name, parse, keep});
+}
 
 // How many lines of the text, of how many, are not in what the peer prints after it parsed it.
 struct Lost {

@@ -78,12 +78,7 @@ public:
         model_.kind = input.below(70);
         model_.last = input.byte();
         model_.ended = input.oneIn(8) ? 2 : 0;
-        sdpSetStartToken(model_.start);
-        sdpSetEndToken(model_.end);
-        sdpSetIndex(model_.index);
-        sdpSetTToken(model_.kind);
-        sdpSetLastChar(model_.last);
-        sdpSetEnd(model_.ended);
+        model_.impose();
     }
 
     support::LexerModel &model() { return model_; }

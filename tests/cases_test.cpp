@@ -11,6 +11,7 @@
 #include "support/allocations.hpp"
 #include "support/appends.hpp"
 #include "support/cases.hpp"
+#include "support/casetests.hpp"
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
 
@@ -282,31 +283,7 @@ private:
     Held held_ = {};
 };
 
-// "connection.AddressWithTtl": only letters and digits, as names of tests may hold.
-std::string testName(const std::string &title) {
-    std::string name;
-    bool startsWord = true;
-    for (const char byte : title) {
-        if (std::isalnum(static_cast<unsigned char>(byte)) == 0) {
-            startsWord = true;
-            continue;
-        }
-        name += startsWord ? static_cast<char>(std::toupper(byte)) : byte;
-        startsWord = false;
-    }
-    return name;
-}
-
-const bool registered = [] {
-    static const std::vector<Case> cases = support::readCases(SDPLINE_CASES);
-    for (const Case &current : cases) {
-        const std::string suite =
-            "Cases_" + testName(current.file.substr(0, current.file.find('.')));
-        testing::RegisterTest(suite.c_str(), testName(current.title).c_str(), nullptr, nullptr,
-                              current.file.c_str(), current.at,
-                              [&current]() -> CaseTest * { return new CaseTest(current); });
-    }
-    return true;
-}();
+const std::vector<Case> cases = support::readCases(SDPLINE_CASES);
+[[maybe_unused]] const bool registered = support::registerCases<CaseTest>("Cases_", cases);
 
 } // namespace

@@ -121,27 +121,29 @@ int run(const Options &options) {
     return answer->accepted ? kFine : kRefused;
 }
 
+constexpr CommandText kText = {
+    "answer", "Write the answer to an offer, and why it is so.",
+    R"(LOCAL describes what this side can do: its o= and c= lines, and an m= line for each
+stream that it can take. Decisions are written to standard error.
+
+Examples:
+  sdpline answer --with local.sdp offer.sip
+  sdpline answer --with local.sdp --previous answer.sdp reinvite.sip
+  sdpline answer --with local.sdp --first --json offer.sdp
+
+Exit status: 0 when a stream is accepted, 1 when all are rejected, 2 when there is
+no answer.)"};
+
 } // namespace
 
 void addAnswer(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(
-        app,
-        {"answer", "Write the answer to an offer, and why it is so.",
-         "LOCAL describes what this side can do: its o= and c= lines, and an m= line for each\n"
-         "stream that it can take. Decisions are written to standard error.\n\n"
-         "Examples:\n"
-         "  sdpline answer --with local.sdp offer.sip\n"
-         "  sdpline answer --with local.sdp --previous answer.sdp reinvite.sip\n"
-         "  sdpline answer --with local.sdp --first --json offer.sdp\n\n"
-         "Exit status: 0 when a stream is accepted, 1 when all are rejected, 2 when there is\n"
-         "no answer."},
-        [options, &status] {
-            if (options->local.empty()) {
-                requireOperand("--with");
-            }
-            status = run(*options);
-        });
+    CLI::App &command = addCommand(app, kText, [options, &status] {
+        if (options->local.empty()) {
+            requireOperand("--with");
+        }
+        status = run(*options);
+    });
     addWord(command, "OFFER", options->offer, "",
             "SDP or a SIP message with one body; - is standard input");
     addWord(command, "--with", options->local, "LOCAL", "What this side can do");

@@ -200,21 +200,20 @@ void addReportOptions(CLI::App &command, Options &options) {
             "Leave out those that a file lists, one name a line; # begins a comment");
 }
 
+constexpr CommandText kText = {"check", "Say which bodies are refused, where and why.", R"(Examples:
+  sdpline check offer.sip
+  sdpline check --every-line --redact trace.txt
+  sdpline check --format sarif --ignore-file known.txt bodies/ > sdp.sarif
+  sdpline check --summary captures/
+
+Exit status: 0 when every body is accepted, 1 when one is refused or a
+message contradicts itself, 2 when something cannot be read.)"};
+
 } // namespace
 
 void addCheck(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(app,
-                   {"check", "Say which bodies are refused, where and why.",
-                    "Examples:\n"
-                    "  sdpline check offer.sip\n"
-                    "  sdpline check --every-line --redact trace.txt\n"
-                    "  sdpline check --format sarif --ignore-file known.txt bodies/ > sdp.sarif\n"
-                    "  sdpline check --summary captures/\n\n"
-                    "Exit status: 0 when every body is accepted, 1 when one is refused or a\n"
-                    "message contradicts itself, 2 when something cannot be read."},
-                   [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addPaths(command, options->decode);
     addFlag(command, "--every-line", options->everyLine,
             "Judge the lines after the refused one, each on its own");

@@ -27,19 +27,18 @@ int run(const DecodeOptions &options) {
     });
 }
 
+constexpr CommandText kText = {"decode", "Print decoded bodies as trees.", R"(Examples:
+  sdpline decode offer.sip
+  sdpline decode --json offer.sdp | jq '.media[].port'
+  sdpline decode --redact trace.txt
+
+Exit status: 0, 1 when a body is refused, 2 when something cannot be read.)"};
+
 } // namespace
 
 void addDecode(CLI::App &app, int &status) {
     const auto options = std::make_shared<DecodeOptions>();
-    CLI::App &command =
-        addCommand(app,
-                   {"decode", "Print decoded bodies as trees.",
-                    "Examples:\n"
-                    "  sdpline decode offer.sip\n"
-                    "  sdpline decode --json offer.sdp | jq '.media[].port'\n"
-                    "  sdpline decode --redact trace.txt\n\n"
-                    "Exit status: 0, 1 when a body is refused, 2 when something cannot be read."},
-                   [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addPaths(command, *options);
     addFlag(command, "--json", options->json,
             "Print JSON that holds every field, one document for each body");

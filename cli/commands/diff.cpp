@@ -108,23 +108,25 @@ int run(const Options &options) {
     return changes.empty() ? kFine : kRefused;
 }
 
+constexpr CommandText kText = {
+    "diff", "Say what differs between two bodies.",
+    R"(Media descriptions are paired by their place. Direction and connection are
+compared as they are in force; the order of attributes, line ends and the
+spelling of addresses make no difference.
+
+Examples:
+  sdpline diff offer.sdp answer.sdp
+  sdpline diff --json before.sip after.sip
+  sdpline diff --redact before.sip after.sip
+
+Exit status: 0 when they are the same, 1 when they differ, 2 when they cannot be
+compared: a body is refused, or an input does not hold exactly one.)"};
+
 } // namespace
 
 void addDiff(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(
-        app,
-        {"diff", "Say what differs between two bodies.",
-         "Media descriptions are paired by their place. Direction and connection are\n"
-         "compared as they are in force; the order of attributes, line ends and the\n"
-         "spelling of addresses make no difference.\n\n"
-         "Examples:\n"
-         "  sdpline diff offer.sdp answer.sdp\n"
-         "  sdpline diff --json before.sip after.sip\n"
-         "  sdpline diff --redact before.sip after.sip\n\n"
-         "Exit status: 0 when they are the same, 1 when they differ, 2 when they cannot be\n"
-         "compared: a body is refused, or an input does not hold exactly one."},
-        [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addRequired(command, "A", options->first, "A file with one body; - is standard input");
     addRequired(command, "B", options->second, "Another one");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");

@@ -126,21 +126,23 @@ int run(const Options &options) {
     return encoder.status();
 }
 
+constexpr CommandText kText = {
+    "encode", "Write bodies from the JSON that decode prints.",
+    R"(Several bodies are written with an empty line between them. What is written
+decodes to the same JSON, or is refused.
+
+Examples:
+  sdpline encode offer.json > offer.sdp
+  sdpline decode --json offer.sip | sdpline encode
+  sdpline decode --json a.sdp | jq '.name = "talk"' | sdpline encode
+
+Exit status: 0, 1 when a document is no body, 2 when something cannot be read.)"};
+
 } // namespace
 
 void addEncode(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(
-        app,
-        {"encode", "Write bodies from the JSON that decode prints.",
-         "Several bodies are written with an empty line between them. What is written\n"
-         "decodes to the same JSON, or is refused.\n\n"
-         "Examples:\n"
-         "  sdpline encode offer.json > offer.sdp\n"
-         "  sdpline decode --json offer.sip | sdpline encode\n"
-         "  sdpline decode --json a.sdp | jq '.name = \"talk\"' | sdpline encode\n\n"
-         "Exit status: 0, 1 when a document is no body, 2 when something cannot be read."},
-        [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addWords(command, "FILE", options->paths,
              "JSON documents, or folders of them; - is standard input");
     addWriteOptions(command, options->write);

@@ -255,26 +255,26 @@ int run(const Options &options) {
     return status;
 }
 
+constexpr CommandText kText = {"explain", "Say what result codes and names of checks mean.",
+                               R"(Examples:
+  sdpline explain 0x05035065
+  sdpline explain ConnLastOctetRange
+  sdpline explain 84103269 --file-base 0
+  sdpline explain --list | grep rtpmap
+
+Exit status: 0, 1 when a code is none of the library's, 2 when something is
+neither a code nor a check.)"};
+
 } // namespace
 
 void addExplain(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(app,
-                   {"explain", "Say what result codes and names of checks mean.",
-                    "Examples:\n"
-                    "  sdpline explain 0x05035065\n"
-                    "  sdpline explain ConnLastOctetRange\n"
-                    "  sdpline explain 84103269 --file-base 0\n"
-                    "  sdpline explain --list | grep rtpmap\n\n"
-                    "Exit status: 0, 1 when a code is none of the library's, 2 when something is\n"
-                    "neither a code nor a check."},
-                   [options, &status] {
-                       if (options->questions.empty() && !options->list) {
-                           requireOperand("CODE");
-                       }
-                       status = run(*options);
-                   });
+    CLI::App &command = addCommand(app, kText, [options, &status] {
+        if (options->questions.empty() && !options->list) {
+            requireOperand("CODE");
+        }
+        status = run(*options);
+    });
     addWords(command, "CODE", options->questions,
              "Result codes, hexadecimal or decimal, or names of checks, doubts and repairs");
     addWord(command, "--file-base", options->fileBase, "N",

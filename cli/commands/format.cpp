@@ -30,21 +30,23 @@ int run(const Options &options) {
     });
 }
 
+constexpr CommandText kText = {
+    "format", "Decode bodies and write them back.",
+    R"(Several bodies are written with an empty line between them. A body without a
+t= line gets "t=0 0".
+
+Examples:
+  sdpline format offer.sip > offer.sdp
+  sdpline format --line-end lf --t38 2 fax.sdp
+  sdpline format --redact offer.sip
+
+Exit status: 0, 1 when a body is refused, 2 when something cannot be read.)"};
+
 } // namespace
 
 void addFormat(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(app,
-                   {"format", "Decode bodies and write them back.",
-                    "Several bodies are written with an empty line between them. A body without a\n"
-                    "t= line gets \"t=0 0\".\n\n"
-                    "Examples:\n"
-                    "  sdpline format offer.sip > offer.sdp\n"
-                    "  sdpline format --line-end lf --t38 2 fax.sdp\n"
-                    "  sdpline format --redact offer.sip\n\n"
-                    "Exit status: 0, 1 when a body is refused, 2 when something cannot be read."},
-                   [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addPaths(command, options->decode);
     addWriteOptions(command, options->write);
     addDecoderOptions(command, options->decode);

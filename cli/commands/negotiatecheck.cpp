@@ -47,18 +47,18 @@ int run(const Options &options) {
                        : sdpline::check(*first.get(), *second.get()));
 }
 
+constexpr CommandText kText = {
+    "negotiate-check", "Say what is wrong with an answer, or with a next offer.", R"(Examples:
+  sdpline negotiate-check offer.sip answer.sip
+  sdpline negotiate-check --previous offer.sdp next.sdp
+
+Exit status: 0 when nothing is wrong, 1 when something is, 2 on trouble.)"};
+
 } // namespace
 
 void addNegotiateCheck(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(app,
-                   {"negotiate-check", "Say what is wrong with an answer, or with a next offer.",
-                    "Examples:\n"
-                    "  sdpline negotiate-check offer.sip answer.sip\n"
-                    "  sdpline negotiate-check --previous offer.sdp next.sdp\n\n"
-                    "Exit status: 0 when nothing is wrong, 1 when something is, 2 on trouble."},
-                   [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addWords(command, "BODIES", options->paths,
              "An offer and its answer; with --previous the description to judge");
     addWord(command, "--previous", options->previous, "BODY",

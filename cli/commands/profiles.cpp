@@ -40,19 +40,20 @@ void printJson() {
     std::cout << dumped(list);
 }
 
+constexpr CommandText kText = {
+    "profiles", "Print the static RTP payload profiles.",
+    R"(A profile is what an a=rtpmap line's name is recognised as; a payload type is
+given where RFC 3551 has one. L8, RED and VDVI have no fixed clock rate.
+
+Examples:
+  sdpline profiles
+  sdpline profiles --json | jq '.[] | select(.payload == 18)')"};
+
 } // namespace
 
 void addProfiles(CLI::App &app, int & /*status*/) {
     const auto json = std::make_shared<bool>(false);
-    CLI::App &command = addCommand(
-        app,
-        {"profiles", "Print the static RTP payload profiles.",
-         "A profile is what an a=rtpmap line's name is recognised as; a payload type is\n"
-         "given where RFC 3551 has one. L8, RED and VDVI have no fixed clock rate.\n\n"
-         "Examples:\n"
-         "  sdpline profiles\n"
-         "  sdpline profiles --json | jq '.[] | select(.payload == 18)'"},
-        [json] { *json ? printJson() : printText(); });
+    CLI::App &command = addCommand(app, kText, [json] { *json ? printJson() : printText(); });
     addFlag(command, "--json", *json, "Print one JSON document");
 }
 

@@ -46,20 +46,19 @@ void printJson() {
     std::cout << dumped(list);
 }
 
+constexpr CommandText kText = {"rules", "Print what tidy repairs and what check doubts.",
+                               R"(Examples:
+  sdpline rules
+  sdpline rules --json | jq -r '.[] | select(.set == "optional").name')"};
+
 } // namespace
 
 void addRules(CLI::App &app, int &status) {
     const auto json = std::make_shared<bool>(false);
-    CLI::App &command =
-        addCommand(app,
-                   {"rules", "Print what tidy repairs and what check doubts.",
-                    "Examples:\n"
-                    "  sdpline rules\n"
-                    "  sdpline rules --json | jq -r '.[] | select(.set == \"optional\").name'"},
-                   [json, &status] {
-                       status = kFine;
-                       *json ? printJson() : printText();
-                   });
+    CLI::App &command = addCommand(app, kText, [json, &status] {
+        status = kFine;
+        *json ? printJson() : printText();
+    });
     addFlag(command, "--json", *json, "Print one JSON document");
 }
 

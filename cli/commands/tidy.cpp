@@ -297,23 +297,25 @@ int run(const Options &options) {
     return tidier.finish();
 }
 
+constexpr CommandText kText = {
+    "tidy", "Repair bodies that the decoder refuses, and tell every repair.",
+    R"(Bodies that are accepted stay as they are, byte for byte. SIP messages stay
+messages; their Content-Length is corrected. With --redact the bodies alone are
+written, masked.
+
+Examples:
+  sdpline tidy call.sip > tidied.sip
+  sdpline tidy --optional --dry-run captured.sdp
+  sdpline tidy --rule NameEmpty,ConnHost -i offer.sdp
+
+Exit status: 0 when nothing was repaired, 1 when something was, 2 when a body is
+refused all the same or something cannot be used.)"};
+
 } // namespace
 
 void addTidy(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(
-        app,
-        {"tidy", "Repair bodies that the decoder refuses, and tell every repair.",
-         "Bodies that are accepted stay as they are, byte for byte. SIP messages stay\n"
-         "messages; their Content-Length is corrected. With --redact the bodies alone are\n"
-         "written, masked.\n\n"
-         "Examples:\n"
-         "  sdpline tidy call.sip > tidied.sip\n"
-         "  sdpline tidy --optional --dry-run captured.sdp\n"
-         "  sdpline tidy --rule NameEmpty,ConnHost -i offer.sdp\n\n"
-         "Exit status: 0 when nothing was repaired, 1 when something was, 2 when a body is\n"
-         "refused all the same or something cannot be used."},
-        [options, &status] { status = run(*options); });
+    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addWords(command, "FILE", options->decode.paths,
              "SDP, or SIP messages that carry it; - is standard input");
     addNames(command, "--rule", options->rules, "Make these repairs, and no others");

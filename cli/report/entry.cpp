@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "output/checks.hpp"
+#include "output/checktable.hpp"
 #include "output/text.hpp"
 
 namespace cli {

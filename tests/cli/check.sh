@@ -5,12 +5,10 @@
 echo 'checked 1 body in 1 file: none refused' >summary
 expect "a good body" 0 summary nothing -- "$program" check good.sdp
 expect "standard input" 0 summary nothing -- sh -c '"$1" check - <good.sdp' _ "$program"
-cat >refused <<'TEXT'
-bad.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
-    4 | c=IN IP4 1.2.3.256
-      |                ^
-checked 1 body in 1 file: 1 refused
-TEXT
+{
+  badOctet bad.sdp 4
+  echo 'checked 1 body in 1 file: 1 refused'
+} >refused
 expect "a refused body" 1 refused nothing -- "$program" check bad.sdp
 sed -i 's/^bad.sdp/standard input/' refused
 expect "a refused body, standard input" 1 refused nothing -- sh -c '"$1" check <bad.sdp' _ "$program"
@@ -41,15 +39,11 @@ cp bad.sdp folder/a.sdp
 cp bad.sdp folder/deeper/c.sdp
 cp bad.sdp folder/.hidden/d.sdp
 cp bad.sdp folder/.e.sdp
-cat >refused <<'TEXT'
-folder/a.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
-    4 | c=IN IP4 1.2.3.256
-      |                ^
-folder/deeper/c.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
-    4 | c=IN IP4 1.2.3.256
-      |                ^
-checked 4 bodies in 4 files: 2 refused
-TEXT
+{
+  badOctet folder/a.sdp 4
+  badOctet folder/deeper/c.sdp 4
+  echo 'checked 4 bodies in 4 files: 2 refused'
+} >refused
 expect "a folder and a file" 1 refused nothing -- "$program" check folder good.sdp
 echo 'sdpline: none: No such file or directory' >missing
 echo 'checked 1 body in 1 file: none refused, 1 problem' >summary
@@ -64,15 +58,11 @@ chmod 755 . folder folder/deeper
 mkdir folder/closed && cp bad.sdp folder/closed && chmod 0 folder/closed
 nobody=()
 [ "$(id -u)" -ne 0 ] || nobody=(setpriv --reuid=65534 --regid=65534 --clear-groups)
-cat >refused <<'TEXT'
-folder/a.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
-    4 | c=IN IP4 1.2.3.256
-      |                ^
-folder/deeper/c.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
-    4 | c=IN IP4 1.2.3.256
-      |                ^
-checked 3 bodies in 3 files: 2 refused, 1 problem
-TEXT
+{
+  badOctet folder/a.sdp 4
+  badOctet folder/deeper/c.sdp 4
+  echo 'checked 3 bodies in 3 files: 2 refused, 1 problem'
+} >refused
 echo 'sdpline: folder/closed: Permission denied' >closed
 if "${nobody[@]}" "$program" --version >/dev/null 2>&1; then # else the build folder is private
   expect "a closed folder costs only itself" 2 refused closed -- \
@@ -95,12 +85,10 @@ rm folder/deeper/up
 echo 'checked 3 bodies in 1 file: none refused' >summary
 expect "what format writes" 0 summary nothing -- "$program" check three
 { cat good.sdp; echo; echo "not read"; echo; cat bad.sdp; } >between
-cat >refused <<'TEXT'
-between:12:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
-   12 | c=IN IP4 1.2.3.256
-      |                ^
-checked 2 bodies in 1 file: 1 refused
-TEXT
+{
+  badOctet between 12
+  echo 'checked 2 bodies in 1 file: 1 refused'
+} >refused
 echo 'sdpline: between:7: what follows an empty line in a body is not read' >unread
 expect "text between bodies" 1 refused unread -- "$program" check between
 

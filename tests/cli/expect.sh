@@ -54,6 +54,12 @@ message() {
   } >"$file"
 }
 
+# badOctet FILE LINE: what check prints of the c= line of bad.sdp there.
+badOctet() {
+  printf '%s:%d:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]\n' "$1" "$2"
+  printf '%5d | c=IN IP4 1.2.3.256\n      |                ^\n' "$2"
+}
+
 finish() {
   echo "$(basename "$0"): $((count - failures)) passed, $failures failed"
   [ "$failures" -eq 0 ]

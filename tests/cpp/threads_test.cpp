@@ -2,35 +2,25 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 #include "cpp/cpptest.hpp"
+#include "support/inthreads.hpp"
 
 using namespace cpptest;
 using namespace sdpline;
+using support::inThreads;
 
 namespace {
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 400;
 
-template <class Work>
-void inThreads(Work work) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
-        threads.emplace_back(work, i);
-    }
-    for (std::thread &thread : threads) {
-        thread.join();
-    }
-}
-
 } // namespace
 
 TEST(CppThreads, DecodesGoOneAtATime) {
     std::atomic<int> wrong = 0;
-    inThreads([&](int i) {
+    inThreads(kThreads, [&](int i) {
         const std::string name = "thread " + std::to_string(i);
         const std::string text =
             "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=" + name + "\r\nt=0 0\r\na=" + name + "\r\n";
@@ -54,7 +44,7 @@ TEST(CppThreads, DecodesGoOneAtATime) {
 TEST(CppThreads, OneBodyIsReadByMany) {
     const Body body = decoded(kEveryLine);
     std::atomic<int> wrong = 0;
-    inThreads([&](int) {
+    inThreads(kThreads, [&](int) {
         for (int round = 0; round < kRounds; ++round) {
             wrong += *body.encode() != kEveryLine;
             const auto copy = body.clone();
@@ -68,7 +58,7 @@ TEST(CppThreads, OneBodyIsReadByMany) {
 #ifndef SDPLINE_THREAD_LOCAL
 TEST(CppThreads, CallersOfTheCDecoderTakeTheSameLock) {
     std::atomic<int> wrong = 0;
-    inThreads([&](int i) {
+    inThreads(kThreads, [&](int i) {
         for (int round = 0; round < kRounds; ++round) {
             if (i % 2 == 0) {
                 wrong += !Body::decode(kEveryLine).ok();

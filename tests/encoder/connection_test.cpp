@@ -124,33 +124,13 @@ TEST_F(EncodeConnection, WritesOtherTypesByTheirText) {
 
 TEST_F(EncodeConnection, RefusesAnUnknownTypeWithoutTheTtl) {
     connection.ulTtl = 127;
-    const SDPConnection good = connection;
-    for (const uint32_t type : {0u, 3u, 4294967295u}) {
-        startAnew();
-        connection.stNetType.enNetType = type;
-        EXPECT_EQ(encode(), 0xDC00D001u);
-        EXPECT_EQ(text(), "c=");
-        EXPECT_EQ(log.texts(),
-                  Lines{"3 sdpencodeconnection sdpLibEncodeConnectionFieldNetType 21"});
-        EXPECT_EQ(g_gSipCodePoint, 732u << 16 | log.entries().at(0).line);
-    }
-    connection = good;
-    for (const uint32_t type : {0u, 4u, 4294967295u}) {
-        startAnew();
-        connection.stAddrType.enAddrType = type;
-        EXPECT_EQ(encode(), 0xDC015001u);
-        EXPECT_EQ(text(), "c=IN ");
-        EXPECT_EQ(log.texts(),
-                  Lines{"3 sdpencodeconnection sdpLibEncodeConnectionFieldAddrType 21"});
-    }
-    connection = good;
-    for (const uint32_t type : {0u, 3u, 4294967295u}) {
-        startAnew();
-        connection.stTptAddr.enTptAddrType = type;
-        EXPECT_EQ(encode(), 0xDC026001u);
-        EXPECT_EQ(text(), "c=IN IP4 ");
-        EXPECT_EQ(log.texts(), Lines{"3 sdpencodeconnection sdpLibEncodeConnectionFieldAddr 21"});
-    }
+    const auto write = [this] { return encode(); };
+    expectCodesRefused(write, connection.stNetType.enNetType, 3, 0xDC00D001u,
+                       "c=", {"3 sdpencodeconnection sdpLibEncodeConnectionFieldNetType 21"});
+    expectCodesRefused(write, connection.stAddrType.enAddrType, 4, 0xDC015001u, "c=IN ",
+                       {"3 sdpencodeconnection sdpLibEncodeConnectionFieldAddrType 21"});
+    expectCodesRefused(write, connection.stTptAddr.enTptAddrType, 3, 0xDC026001u, "c=IN IP4 ",
+                       {"3 sdpencodeconnection sdpLibEncodeConnectionFieldAddr 21"});
 }
 
 TEST_F(EncodeConnection, PartsSetTheTypeErrorForUnknownTypesOnly) {

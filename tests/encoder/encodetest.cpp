@@ -65,6 +65,27 @@ std::string EncodeTest::text() const {
     return text;
 }
 
+void EncodeTest::expectCodesRefused(const Encode &encode, uint32_t &field, uint32_t past,
+                                    SDPResult result, const std::string &left,
+                                    const std::vector<std::string> &logged) {
+    const uint32_t before = field;
+    for (const uint32_t code : {0u, past, UINT32_MAX}) {
+        startAnew();
+        field = code;
+        EXPECT_EQ(encode(), result);
+        EXPECT_EQ(text(), left);
+        std::vector<std::string> expected = logged;
+        for (std::string &entry : expected) {
+            const size_t at = entry.find("{}");
+            entry = at == std::string::npos ? entry : entry.replace(at, 2, std::to_string(code));
+        }
+        ASSERT_EQ(log.texts(), expected);
+        EXPECT_EQ(g_gSipCodePoint, (0x200u | result >> 24) << 16 | log.entries().back().line);
+    }
+    startAnew();
+    field = before;
+}
+
 std::string EncodeTest::trace(const Encode &encode) {
     startAnew();
     EXPECT_EQ(encode(), 0u);

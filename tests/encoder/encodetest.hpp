@@ -40,6 +40,11 @@ protected:
     // What the buffer holds.
     std::string text() const;
 
+    // Encodes with codes that have no word in `field`: 0, `past` and the greatest number. What is
+    // returned, what is left of the line, and the log, where {} is the code.
+    void expectCodesRefused(const Encode &encode, uint32_t &field, uint32_t past, SDPResult result,
+                            const std::string &left, const std::vector<std::string> &logged);
+
     // Runs `encode` once for each of its appends, with that one alone refused. One row each: the
     // append, the result, and the text that is left:
     //

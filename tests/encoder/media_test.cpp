@@ -159,38 +159,20 @@ TEST_F(EncodeMedia, WritesNoPayloadsOfAnEmptyOrMissingList) {
     EXPECT_EQ(encoded(), "m=audio 49170 RTP/AVP\r\n");
 }
 
-TEST_F(EncodeMedia, RefusesAnUnknownType) {
-    for (const uint32_t type : {0u, 8u, 4294967295u}) {
-        startAnew();
-        field.stMedia.enMediaType = type;
-        EXPECT_EQ(encode(), 0xDD02E001u);
-        EXPECT_EQ(text(), "m=");
-        EXPECT_EQ(log.texts(),
-                  twice("sdpLibEncodeMediaType", "\"Media type = " + std::to_string(type) + '"'));
-        EXPECT_EQ(g_gSipCodePoint, 733u << 16 | log.entries().at(1).line);
+// The parts return 1, and log the same message as the line.
+TEST_F(EncodeMedia, RefusesUnknownTypesAndProtocols) {
+    const auto write = [this] { return encode(); };
+    expectCodesRefused(write, field.stMedia.enMediaType, 8, 0xDD02E001u,
+                       "m=", twice("sdpLibEncodeMediaType", "\"Media type = {}\""));
+    expectCodesRefused(write, field.stProto.enProto, 8, 0xDD031001u, "m=audio 49170 ",
+                       twice("sdpLibEncodeMediaProtoType", "\"Prototype = {}\""));
+    expectCodesRefused(write, field.stMediaFmt.enFmtType, 5, 0xDD036001u, "m=audio 49170 RTP/AVP",
+                       {"3 sdpencodemedia sdpLibEncodeMediaField 21"});
+    for (const uint32_t code : {0u, 8u, 4294967295u}) {
+        field.stMedia.enMediaType = code;
+        field.stProto.enProto = code;
         EXPECT_EQ(sdpLibEncodeMediaType(&field, buffer), 1u);
-    }
-}
-
-TEST_F(EncodeMedia, RefusesAnUnknownProtocol) {
-    for (const uint32_t proto : {0u, 8u, 4294967295u}) {
-        startAnew();
-        field.stProto.enProto = proto;
-        EXPECT_EQ(encode(), 0xDD031001u);
-        EXPECT_EQ(text(), "m=audio 49170 ");
-        EXPECT_EQ(log.texts(), twice("sdpLibEncodeMediaProtoType",
-                                     "\"Prototype = " + std::to_string(proto) + '"'));
         EXPECT_EQ(sdpLibEncodeMediaProtoType(&field, buffer), 1u);
-    }
-}
-
-TEST_F(EncodeMedia, RefusesAnUnknownFormatType) {
-    for (const uint32_t type : {0u, 5u, 4294967295u}) {
-        startAnew();
-        field.stMediaFmt.enFmtType = type;
-        EXPECT_EQ(encode(), 0xDD036001u);
-        EXPECT_EQ(text(), "m=audio 49170 RTP/AVP");
-        EXPECT_EQ(log.texts(), Lines{"3 sdpencodemedia sdpLibEncodeMediaField 21"});
     }
 }
 
@@ -254,6 +236,10 @@ protected:
 
     FullBody body;
     SDPMediaDesc &audio = body.medias[0];
+
+    // All that follows the first m= line.
+    const std::string rest =
+        std::string(kFullBodyText).substr(std::string(kFullBodyText).rfind("i=A Seminar"));
 };
 
 TEST_F(EncodeMediaSet, OfNothingIsNoLine) {
@@ -264,16 +250,7 @@ TEST_F(EncodeMediaSet, OfNothingIsNoLine) {
 
 TEST_F(EncodeMediaSet, WritesTheLinesOfEachDescriptionInOrder) {
     EXPECT_EQ(encode(), 0u);
-    EXPECT_EQ(text(), "m=audio 49170 RTP/AVP 0 8 97\r\n"
-                      "i=A Seminar\r\n"
-                      "c=IN IP4 224.2.17.12/127/3\r\n"
-                      "b=AS:128\r\n"
-                      "b=CT:1000\r\n"
-                      "k=prompt\r\n"
-                      "a=recvonly\r\n"
-                      "a=rtpmap:97 AMR/8000\r\n"
-                      "a=curr:qos e2e send\r\n"
-                      "m=image 5000/2 udptl t38\r\n");
+    EXPECT_EQ(text(), "m=audio 49170 RTP/AVP 0 8 97\r\n" + rest);
 }
 
 TEST_F(EncodeMediaSet, PassesThePrefixFlagOnToEveryLine) {
@@ -293,15 +270,7 @@ TEST_F(EncodeMediaSet, PassesThePrefixFlagOnToEveryLine) {
 TEST_F(EncodeMediaSet, WritesTheOtherLinesBehindAHalfWrittenMediaLine) {
     audio.stMediaField.stProto.enProto = 0;
     EXPECT_EQ(encode(), 0u);
-    EXPECT_EQ(text(), "m=audio 49170 i=A Seminar\r\n"
-                      "c=IN IP4 224.2.17.12/127/3\r\n"
-                      "b=AS:128\r\n"
-                      "b=CT:1000\r\n"
-                      "k=prompt\r\n"
-                      "a=recvonly\r\n"
-                      "a=rtpmap:97 AMR/8000\r\n"
-                      "a=curr:qos e2e send\r\n"
-                      "m=image 5000/2 udptl t38\r\n");
+    EXPECT_EQ(text(), "m=audio 49170 " + rest);
     EXPECT_EQ(log.texts().size(), 2u);
 }
 

@@ -159,12 +159,7 @@ protected:
         model_.kind = random.below(70);
         model_.last = static_cast<uint8_t>(random.below(256));
         model_.ended = random.oneIn(8) ? 2 : 0;
-        sdpSetStartToken(model_.start);
-        sdpSetEndToken(model_.end);
-        sdpSetIndex(model_.index);
-        sdpSetTToken(model_.kind);
-        sdpSetLastChar(model_.last);
-        sdpSetEnd(model_.ended);
+        model_.impose();
     }
 
     // A token half made.

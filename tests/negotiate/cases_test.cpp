@@ -2,10 +2,8 @@
 // with itself as the previous one, and looked at from both ends.
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <sstream>
-
 #include "negotiate/documents.hpp"
+#include "support/casetests.hpp"
 
 namespace negotiate_test {
 
@@ -45,11 +43,10 @@ private:
     void compare(const Block &block, const std::string &text) {
         SCOPED_TRACE(case_.file + ':' + std::to_string(block.at));
         if (!block.has("part")) {
-            EXPECT_EQ(text, block.text);
+            EXPECT_EQ(text, block.joined());
             return;
         }
-        std::istringstream lines(block.text);
-        for (std::string line; std::getline(lines, line);) {
+        for (const std::string &line : block.lines) {
             EXPECT_NE(('\n' + text).find('\n' + line + '\n'), std::string::npos)
                 << line << "\nis not among\n"
                 << text;
@@ -83,31 +80,8 @@ private:
     const Case &case_;
 };
 
-std::string testName(const std::string &title) {
-    std::string name;
-    bool startsWord = true;
-    for (const char byte : title) {
-        if (std::isalnum(static_cast<unsigned char>(byte)) == 0) {
-            startsWord = true;
-            continue;
-        }
-        name += startsWord ? static_cast<char>(std::toupper(byte)) : byte;
-        startsWord = false;
-    }
-    return name;
-}
-
-const bool registered = [] {
-    static const std::vector<Case> cases = readCases(SDPLINE_NEGOTIATE_CASES);
-    for (const Case &current : cases) {
-        const std::string suite =
-            "Negotiate_" + testName(current.file.substr(0, current.file.find('.')));
-        testing::RegisterTest(suite.c_str(), testName(current.title).c_str(), nullptr, nullptr,
-                              current.file.c_str(), current.at,
-                              [&current]() -> CaseTest * { return new CaseTest(current); });
-    }
-    return true;
-}();
+const std::vector<Case> cases = readCases(SDPLINE_NEGOTIATE_CASES);
+[[maybe_unused]] const bool registered = support::registerCases<CaseTest>("Negotiate_", cases);
 
 } // namespace
 

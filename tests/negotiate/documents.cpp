@@ -1,10 +1,6 @@
 #include "negotiate/documents.hpp"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
 namespace negotiate_test {
@@ -13,49 +9,6 @@ namespace {
 
 using sdpline::Body;
 using sdpline::Result;
-
-std::vector<std::string> wordsOf(const std::string &text) {
-    std::istringstream in(text);
-    std::vector<std::string> words;
-    for (std::string word; in >> word;) {
-        words.push_back(word);
-    }
-    return words;
-}
-
-[[noreturn]] void refuse(const std::string &file, int line, const std::string &why) {
-    std::fprintf(stderr, "%s:%d: %s\n", file.c_str(), line, why.c_str());
-    std::exit(2);
-}
-
-std::vector<Case> readDocument(const std::filesystem::path &path) {
-    std::ifstream in(path);
-    std::vector<Case> cases;
-    Block *open = nullptr;
-    int at = 0;
-    for (std::string line; ++at, std::getline(in, line);) {
-        if (line.starts_with("## ")) {
-            cases.push_back({path.filename().string(), at, line.substr(3), {}});
-        } else if (open != nullptr && line == "```") {
-            open = nullptr;
-        } else if (line.starts_with("```")) {
-            auto words = wordsOf(line.substr(3));
-            if (cases.empty() || words.empty() || cases.back().has(words.front())) {
-                refuse(path.string(), at, "a block without a case or a kind, or a second one");
-            }
-            open = &cases.back().blocks[words.front()];
-            open->at = at;
-            words.erase(words.begin());
-            open->words = std::move(words);
-        } else if (open != nullptr) {
-            open->text += line + '\n';
-        }
-    }
-    if (open != nullptr) {
-        refuse(path.string(), at, "a block has no end");
-    }
-    return cases;
-}
 
 std::string numberOf(std::optional<std::uint32_t> number) {
     return number ? std::to_string(*number) : "-";
@@ -140,42 +93,27 @@ void addAnswer(const Case &current, std::map<std::string, std::string> &outputs)
 
 } // namespace
 
-bool Block::has(const std::string &word) const {
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
-
 std::vector<Case> readCases(const std::string &folder) {
-    std::vector<std::filesystem::path> paths;
-    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() == ".md") {
-            paths.push_back(entry.path());
-        }
-    }
-    std::sort(paths.begin(), paths.end());
-    std::vector<Case> cases;
-    for (const auto &path : paths) {
-        for (Case &one : readDocument(path)) {
-            cases.push_back(std::move(one));
-        }
-    }
-    return cases;
+    return support::readSections(folder, {"offer", "local", "previous", "answer", "accepted",
+                                          "decisions", "agreement", "reply", "faults", "sent",
+                                          "next", "wanted", "becomes", "capabilities", "refused"});
 }
 
 Result<Body> bodyOf(const Case &current, const std::string &kind) {
-    std::string text = current.blocks.at(kind).text;
+    std::string text = current.block(kind).joined();
     if (!text.starts_with("v=")) {
         text = (kind == "offer" ? kOfferHead : kLocalHead) + text;
     }
     auto body = Body::decode(text);
     if (!body) {
-        refuse(current.file, current.blocks.at(kind).at, body.error().message());
+        support::refuse(current.file, current.block(kind).at, body.error().message());
     }
     return body;
 }
 
 sdpline::AnswerOptions optionsOf(const Case &current) {
     sdpline::AnswerOptions options;
-    const Block &local = current.blocks.at("local");
+    const Block &local = current.block("local");
     options.firstOnly = local.has("first");
     options.ourOrder = local.has("ours");
     options.avpForAvpf = local.has("avp");

@@ -1,5 +1,4 @@
-// Case documents of the negotiation: Markdown files in tests/cases/negotiate, one case below each
-// "##" heading.
+// The cases of tests/cases/negotiate.
 //
 //     ## No common codec
 //     ```offer                 what is offered; without a v= line the first lines are kOfferHead
@@ -19,6 +18,7 @@
 #include <vector>
 
 #include "sdpline/negotiate.hpp"
+#include "support/documents.hpp"
 
 namespace negotiate_test {
 
@@ -27,22 +27,8 @@ inline const std::string kOfferHead =
 inline const std::string kLocalHead =
     "v=0\no=- 2 1 IN IP4 198.51.100.2\ns=-\nc=IN IP4 198.51.100.2\nt=0 0\n";
 
-struct Block {
-    std::vector<std::string> words; // after the kind
-    std::string text;               // every line ended by LF
-    int at = 0;                     // the line of the file
-
-    bool has(const std::string &word) const;
-};
-
-struct Case {
-    std::string file; // without folder
-    int at = 0;
-    std::string title;
-    std::map<std::string, Block> blocks;
-
-    bool has(const std::string &kind) const { return blocks.count(kind) != 0; }
-};
+using support::Block;
+using Case = support::Section;
 
 // Every case of every document. A document that cannot be read ends the program.
 std::vector<Case> readCases(const std::string &folder);

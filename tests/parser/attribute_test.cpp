@@ -11,6 +11,7 @@ namespace {
 using support::Guarded;
 using support::named;
 using support::SecureFaults;
+using support::TextAndResult;
 using support::textOf;
 
 std::string nameOf(const SDPAttr &attr) {
@@ -86,13 +87,8 @@ TEST(AttributeNames, ComparedWithoutRegardToCase) {
 
 // ---- Texts that no body can hold: every line of a body has an end
 
-struct Ending {
-    const char *text;
-    const char *result;
-};
-
 TEST_F(ParserAttribute, LineWithoutEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"", "AttrLine 102"},
         {"m=", "AttrLine 102"},
         {"A=sendrecv\n", "AttrLine 102"},
@@ -109,11 +105,7 @@ TEST_F(ParserAttribute, LineWithoutEndIsRefused) {
         {"a=FAX", "ModeEnd 101"},
         {"a=foo\n", "ok"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPAttr attr = {};
-        EXPECT_EQ(named(sdpAttributeField(&attr)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpAttributeField, rows);
     EXPECT_TRUE(log.entries().empty());
 }
 

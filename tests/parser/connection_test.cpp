@@ -6,6 +6,7 @@
 namespace {
 
 using support::named;
+using support::TextAndResult;
 using Texts = std::vector<std::string>;
 
 class ConnectionLine : public support::ParsingTest {
@@ -71,10 +72,7 @@ TEST_F(ConnectionLine, RefusesAnotherLine) {
 }
 
 TEST_F(ConnectionLine, FailsWhereverTheInputEnds) {
-    const struct {
-        const char *text;
-        const char *check;
-    } kTexts[] = {
+    constexpr TextAndResult rows[] = {
         {"c=", "ConnNetType 101"},
         {"c=IN", "ConnNetTypeSpace 101"},
         {"c=IN ", "ConnAddrType 101"},
@@ -91,9 +89,7 @@ TEST_F(ConnectionLine, FailsWhereverTheInputEnds) {
         {"c=IN IP6 ", "ConnIpv6Kind 101"},
         {"c=IN IP6 ::1", "ConnEnd 101"},
     };
-    for (const auto &row : kTexts) {
-        EXPECT_EQ(parse(row.text), row.check) << row.text;
-    }
+    expectResults(sdpConnectionField, rows);
 }
 
 TEST_F(ConnectionLine, KeepsWhatItFoundBeforeAFailure) {

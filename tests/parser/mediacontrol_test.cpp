@@ -5,17 +5,13 @@
 namespace {
 
 using support::named;
+using support::TextAndResult;
 using support::textOf;
 
 class ParserMediaControl : public support::ParsingTest {};
 
-struct Ending {
-    const char *text;
-    const char *result;
-};
-
 TEST_F(ParserMediaControl, NumberWithoutLineEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"a=sendrecv", "ModeEnd 101"},
         {"a=inactive", "ModeEnd 101"},
         {"a=X-modem", "ModeEnd 101"},
@@ -35,16 +31,12 @@ TEST_F(ParserMediaControl, NumberWithoutLineEndIsRefused) {
         {"a=T38FaxTranscodingMMR:", "FaxNumber 101"},
         {"a=T38FaxTranscodingMMR:1", "FaxEnd 101"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPAttr attr = {};
-        EXPECT_EQ(named(sdpAttributeField(&attr)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpAttributeField, rows);
     EXPECT_TRUE(log.entries().empty());
 }
 
 TEST_F(ParserMediaControl, WordWithoutLineEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"a=T38FaxRateManagement", "RateColon 101"},
         {"a=T38FaxRateManagement:", "RateToken 101"},
         {"a=T38FaxRateManagement:local", "RateWord 101"},
@@ -76,11 +68,7 @@ TEST_F(ParserMediaControl, WordWithoutLineEndIsRefused) {
         {"a=setup:act", "SetupWord 101"},
         {"a=setup:active", "SetupEnd 101"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPAttr attr = {};
-        EXPECT_EQ(named(sdpAttributeField(&attr)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpAttributeField, rows);
 }
 
 TEST_F(ParserMediaControl, EndOfInputIsNotLogged) {
@@ -94,37 +82,11 @@ TEST_F(ParserMediaControl, EndOfInputIsNotLogged) {
 
 // ---- Word classifiers
 
-using Classifier = SDPResult (*)(SDPAttr *, const char *);
-using Field = uint32_t (*)(const SDPAttr &);
-
-struct WordRow {
-    const char *word;
-    uint32_t code; // kRefused: no word of the set
-};
-
-constexpr uint32_t kRefused = 0xFFFFFFFF;
-constexpr uint32_t kBefore = 77;
-
-void expectWords(Classifier classify, Field field, std::initializer_list<WordRow> rows,
-                 const char *refusal) {
-    for (const WordRow &row : rows) {
-        SDPAttr attr = {};
-        attr.unAttrValue.stEcan = {kBefore, kBefore, {}};
-        if (row.code == kRefused) {
-            EXPECT_EQ(named(classify(&attr, row.word)), refusal) << row.word;
-            EXPECT_EQ(field(attr), kBefore) << row.word;
-        } else {
-            EXPECT_EQ(named(classify(&attr, row.word)), "ok") << row.word;
-            EXPECT_EQ(field(attr), row.code) << row.word;
-        }
-    }
-}
-
 TEST_F(ParserMediaControl, SilenceWords) {
     expectWords(
         sdpSilenceSuppressionOn,
-        [](const SDPAttr &attr) { return attr.unAttrValue.stSilenceSupp.bOn; },
-        {{"on", 1}, {"off", 0}, {"ON", kRefused}, {"o", kRefused}, {"on ", kRefused}},
+        [](SDPAttr & attr) -> auto & { return attr.unAttrValue.stSilenceSupp.bOn; },
+        {{"on", 1}, {"off", 0}, {"ON", kNoWord}, {"o", kNoWord}, {"on ", kNoWord}},
         "SilenceWord 101");
     EXPECT_EQ(log.texts(), std::vector<std::string>(3, "3 sdpparser sdpSilenceSuppressionOn 3"));
 }
@@ -132,13 +94,13 @@ TEST_F(ParserMediaControl, SilenceWords) {
 TEST_F(ParserMediaControl, EcanDirections) {
     expectWords(
         sdpEchoCacellationDirection,
-        [](const SDPAttr &attr) { return attr.unAttrValue.stEcan.enEcanDir; },
+        [](SDPAttr & attr) -> auto & { return attr.unAttrValue.stEcan.enEcanDir; },
         {{"fb", SDP_ECAN_FB},
          {"f", SDP_ECAN_F},
          {"b", SDP_ECAN_B},
-         {"bf", kRefused},
-         {"F", kRefused},
-         {"", kRefused}},
+         {"bf", kNoWord},
+         {"F", kNoWord},
+         {"", kNoWord}},
         "EcanDirectionWord 101");
     EXPECT_EQ(log.texts(),
               std::vector<std::string>(3, "3 sdpparser sdpEchoCacellationDirection 3"));
@@ -146,34 +108,34 @@ TEST_F(ParserMediaControl, EcanDirections) {
 
 TEST_F(ParserMediaControl, EcanWords) {
     expectWords(
-        sdpEchoCacellationOn, [](const SDPAttr &attr) { return attr.unAttrValue.stEcan.bOn; },
-        {{"on", 1}, {"off", 0}, {"Off", kRefused}, {" on", kRefused}}, "EcanWord 101");
+        sdpEchoCacellationOn, [](SDPAttr & attr) -> auto & { return attr.unAttrValue.stEcan.bOn; },
+        {{"on", 1}, {"off", 0}, {"Off", kNoWord}, {" on", kNoWord}}, "EcanWord 101");
     EXPECT_EQ(log.texts(), std::vector<std::string>(2, "3 sdpparser sdpEchoCacellationOn 3"));
 }
 
 TEST_F(ParserMediaControl, IpBcpTypes) {
     expectWords(
-        sdpIpBcpAttrType, [](const SDPAttr &attr) { return attr.unAttrValue.stIpBcp.ucType; },
+        sdpIpBcpAttrType, [](SDPAttr & attr) -> auto & { return attr.unAttrValue.stIpBcp.ucType; },
         {{"Request", SDP_IPBCP_REQUEST},
          {"Accepted", SDP_IPBCP_ACCEPTED},
          {"Confused", SDP_IPBCP_CONFUSED},
          {"Rejected", SDP_IPBCP_REJECTED},
-         {"request", kRefused},
-         {" Request", kRefused},
-         {"Reject", kRefused}},
+         {"request", kNoWord},
+         {" Request", kNoWord},
+         {"Reject", kNoWord}},
         "IpBcpType 101");
     EXPECT_TRUE(log.entries().empty());
 }
 
 TEST_F(ParserMediaControl, SetupRoles) {
     expectWords(
-        sdpT120AttrT120Mode, [](const SDPAttr &attr) { return attr.unAttrValue.enT120Mode; },
+        sdpT120AttrT120Mode, [](SDPAttr & attr) -> auto & { return attr.unAttrValue.enT120Mode; },
         {{"passive", SDP_T120_PASSIVE},
          {"active", SDP_T120_ACTIVE},
          {"actpass", SDP_T120_ACTPASS},
-         {"Active", kRefused},
-         {"active ", kRefused},
-         {"holdconn", kRefused}},
+         {"Active", kNoWord},
+         {"active ", kNoWord},
+         {"holdconn", kNoWord}},
         "SetupWord 101");
     EXPECT_EQ(log.texts(), std::vector<std::string>(3, "3 sdpparser sdpT120AttrT120Mode 3"));
 }

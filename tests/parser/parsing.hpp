@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,15 +26,50 @@ std::string named(SDPResult result);
 std::string textOf(const SipString &text);
 std::string textOf(const SipString *text);
 
+struct TextAndResult {
+    const char *text;
+    const char *result;
+};
+
+struct WordAndCode {
+    const char *word;
+    uint32_t code; // kNoWord: the word is refused
+};
+
 class ParsingTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Makes the text the input, a NUL behind it, and its first token current in the SDP context.
+    // Makes the text and a NUL the input, and its first token current in the SDP context.
     void start(std::string_view text);
-    // Makes "a=" and the text the input; what stands behind the attribute's name is current.
+    // Makes "a=" and the text the input; the token after the attribute's name is current.
     void startValue(std::string_view text);
+
+    // What the parser of a record returns for each text.
+    template <class Record>
+    void expectResults(SDPResult (*parse)(Record *), std::span<const TextAndResult> rows) {
+        for (const TextAndResult &row : rows) {
+            start(row.text);
+            Record record = {};
+            EXPECT_EQ(named(parse(&record)), row.result) << '"' << row.text << '"';
+        }
+    }
+
+    // What a classifier stores for each word: its code, or nothing for one that it refuses.
+    static constexpr uint32_t kNoWord = 0xFFFFFFFF;
+    template <class Record, class Field>
+    static void expectWords(SDPResult (*classify)(Record *, const char *), Field field,
+                            std::initializer_list<WordAndCode> rows, const char *refusal) {
+        for (const WordAndCode &row : rows) {
+            constexpr uint32_t kBefore = 77;
+            Record record = {};
+            std::invoke(field, record) = kBefore;
+            const bool refused = row.code == kNoWord;
+            EXPECT_EQ(named(classify(&record, row.word)), refused ? refusal : "ok") << row.word;
+            EXPECT_EQ(std::invoke(field, record), refused ? kBefore : row.code) << row.word;
+        }
+    }
 
     // Fails the n-th allocation from now on. Memory comes filled with kDirt, not zeroed.
     static void failAllocation(uint32_t n);

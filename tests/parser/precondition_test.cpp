@@ -4,6 +4,7 @@
 namespace {
 
 using support::named;
+using support::TextAndResult;
 using support::textOf;
 
 class ParserPrecondition : public support::ParsingTest {
@@ -14,13 +15,8 @@ protected:
     }
 };
 
-struct Ending {
-    const char *text;
-    const char *result;
-};
-
 TEST_F(ParserPrecondition, LineWithoutEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"a=curr", "StatusColon 101"},
         {"a=curr:", "StatusPrecondition 101"},
         {"a=curr:qos", "StatusSpace 101"},
@@ -36,35 +32,11 @@ TEST_F(ParserPrecondition, LineWithoutEndIsRefused) {
         {"a=des:qos none e2e send", "StatusEnd 101"},
         {"a=des:qos none e2e send\n", "ok"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPAttr attr = {};
-        EXPECT_EQ(named(sdpAttributeField(&attr)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpAttributeField, rows);
     EXPECT_TRUE(log.entries().empty());
 }
 
 // ---- Word classifiers
-
-constexpr uint32_t kRefused = 0xFFFFFFFF;
-constexpr uint32_t kBefore = 77;
-
-struct WordRow {
-    const char *word;
-    uint32_t code; // kRefused: no word of the set
-};
-
-void expectWords(SDPResult (*classify)(SDPRsrcMgmtStatus *, const char *),
-                 uint32_t SDPRsrcMgmtStatus::*field, std::initializer_list<WordRow> rows,
-                 const char *refusal) {
-    for (const WordRow &row : rows) {
-        SDPRsrcMgmtStatus status = {};
-        status.*field = kBefore;
-        const bool refused = row.code == kRefused;
-        EXPECT_EQ(named(classify(&status, row.word)), refused ? refusal : "ok") << row.word;
-        EXPECT_EQ(status.*field, refused ? kBefore : row.code) << row.word;
-    }
-}
 
 TEST_F(ParserPrecondition, StrengthWords) {
     expectWords(sdpResourceStatusExtractStrengthTag, &SDPRsrcMgmtStatus::enStrengthTag,
@@ -73,8 +45,8 @@ TEST_F(ParserPrecondition, StrengthWords) {
                  {"none", 2},
                  {"failure", 3},
                  {"unknown", 4},
-                 {"Mandatory", kRefused},
-                 {"", kRefused}},
+                 {"Mandatory", kNoWord},
+                 {"", kNoWord}},
                 "StrengthWord 101");
     EXPECT_EQ(log.texts(),
               std::vector<std::string>(2, "3 sdpparser sdpResourceStatusExtractStrengthTag 3"));
@@ -82,7 +54,7 @@ TEST_F(ParserPrecondition, StrengthWords) {
 
 TEST_F(ParserPrecondition, StatusWords) {
     expectWords(sdpResourceExtractStatusType, &SDPRsrcMgmtStatus::enStatusType,
-                {{"e2e", 0}, {"local", 1}, {"remote", 2}, {"E2E", kRefused}, {"loca", kRefused}},
+                {{"e2e", 0}, {"local", 1}, {"remote", 2}, {"E2E", kNoWord}, {"loca", kNoWord}},
                 "StatusWord 101");
     EXPECT_EQ(log.texts(),
               std::vector<std::string>(2, "3 sdpparser sdpResourceExtractStatusType 3"));
@@ -94,8 +66,8 @@ TEST_F(ParserPrecondition, DirectionWords) {
                  {"send", 1},
                  {"recv", 2},
                  {"sendrecv", 3},
-                 {"sendonly", kRefused},
-                 {"SEND", kRefused}},
+                 {"sendonly", kNoWord},
+                 {"SEND", kNoWord}},
                 "DirectionWord 101");
     EXPECT_EQ(log.texts(),
               std::vector<std::string>(2, "3 sdpparser sdpResourceStatusExtractDirTag 3"));
@@ -104,7 +76,7 @@ TEST_F(ParserPrecondition, DirectionWords) {
 TEST_F(ParserPrecondition, QosIsKnownAndOtherWordsAreKept) {
     SipString before = {};
     SDPRsrcMgmtStatus status = {};
-    status.stPrecondition = {kBefore, &before};
+    status.stPrecondition = {77, &before};
     EXPECT_EQ(named(sdpResourceStatusExtractPrecondition(&status, "qos")), "ok");
     EXPECT_EQ(status.stPrecondition.enPreconditionType, uint32_t{SDP_PRECONDITION_QOS});
     const SipString *const other = status.stPrecondition.pstrOtherPrecondition;

@@ -6,6 +6,7 @@ namespace {
 
 using support::named;
 using support::SecureFaults;
+using support::TextAndResult;
 using support::textOf;
 
 class ParserRtpmap : public support::ParsingTest {
@@ -22,13 +23,8 @@ protected:
     }
 };
 
-struct Ending {
-    const char *text;
-    const char *result;
-};
-
 TEST_F(ParserRtpmap, LineWithoutEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"a=rtpmap", "RtpmapColon 101"},
         {"a=rtpmap:", "RtpmapPayload 101"},
         {"a=rtpmap:0", "RtpmapSpace 101"},
@@ -40,11 +36,7 @@ TEST_F(ParserRtpmap, LineWithoutEndIsRefused) {
         {"a=rtpmap:0 PCMU/8000/1", "RtpmapParamsEnd 101"},
         {"a=rtpmap:0 PCMU/8000/1\n", "ok"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPAttr attr = {};
-        EXPECT_EQ(named(sdpAttributeField(&attr)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpAttributeField, rows);
 }
 
 // A name that neither "/" nor a line end stops is too long, whatever its length.

@@ -8,6 +8,7 @@ namespace {
 
 using support::named;
 using support::SecureFaults;
+using support::TextAndResult;
 using support::textOf;
 using Texts = std::vector<std::string>;
 
@@ -79,10 +80,7 @@ TEST_F(OriginLine, RefusesAnotherLine) {
 }
 
 TEST_F(OriginLine, FailsWhereverTheInputEnds) {
-    const struct {
-        const char *text;
-        const char *check;
-    } kTexts[] = {
+    constexpr TextAndResult rows[] = {
         {"o=", "OriginUser 101"},
         {"o=-", "OriginUserSpace 101"},
         {"o=- ", "OriginId 101"},
@@ -98,9 +96,7 @@ TEST_F(OriginLine, FailsWhereverTheInputEnds) {
         {"o=- 1 1 IN IP4 ", "OriginAddress 101"},
         {"o=- 1 1 IN IP4 x", "OriginEnd 101"},
     };
-    for (const auto &row : kTexts) {
-        EXPECT_EQ(parse(row.text), row.check) << row.text;
-    }
+    expectResults(sdpOriginField, rows);
 }
 
 TEST_F(OriginLine, LogsAnAddressTypeAndNoOtherToken) {

@@ -6,6 +6,7 @@
 namespace {
 
 using support::named;
+using support::TextAndResult;
 
 class ParserTime : public support::ParsingTest {
 protected:
@@ -38,40 +39,27 @@ protected:
 
 // ---- Texts that no body can hold: every line of a body has an end
 
-struct Ending {
-    const char *text;
-    const char *result;
-};
-
 TEST_F(ParserTime, TimeLineWithoutEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"t=", "TimeStart 101"},     {"t=1", "TimeStartSpace 101"},
         {"t=1 ", "TimeStop 101"},    {"t=1 2", "TimeEnd 101"},
         {"t=1 2 ", "TimeEnd 101"},   {"r=1", "TimeLine 102"},
         {"t=1 2\n", "ok"},           {"", "TimeLine 102"},
         {"T=1 2\n", "TimeLine 102"}, {" t=1 2\n", "TimeLine 102"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPTimeField field = {};
-        EXPECT_EQ(named(sdpTimeField(&field)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpTimeField, rows);
     EXPECT_TRUE(log.entries().empty());
 }
 
 TEST_F(ParserTime, RepeatLineWithoutEndIsRefused) {
-    constexpr Ending endings[] = {
+    constexpr TextAndResult rows[] = {
         {"r=", "TypedTime 101"},         {"r=7", "TypedTimeUnit 101"},
         {"r=7d", "RepeatEnd 101"},       {"r=7d ", "TypedTime 101"},
         {"r=7d 1", "TypedTimeUnit 101"}, {"r=7d 1h", "RepeatEnd 101"},
         {"t=7d\n", "RepeatLine 102"},    {"r=7d 1h\n", "ok"},
         {"", "RepeatLine 102"},
     };
-    for (const Ending &ending : endings) {
-        start(ending.text);
-        SDPRepeatField field = {};
-        EXPECT_EQ(named(sdpRepeatField(&field)), ending.result) << '"' << ending.text << '"';
-    }
+    expectResults(sdpRepeatField, rows);
 }
 
 TEST_F(ParserTime, StatedCodes) {

@@ -1,14 +1,12 @@
 #include "support/allocations.hpp"
 
-#include <dlfcn.h>
-
 #include "sdpline/sipcore.h"
+#include "support/hidden.hpp"
 
 namespace support {
 
 namespace {
 
-using CreateBlock = uint32_t (*)(uint32_t, uint32_t, SDPMemCp **);
 using Allocate = void *(*)(SDPMemCp *, uint32_t);
 
 uint32_t tried = 0;
@@ -54,8 +52,7 @@ Held Held::now() {
 
 extern "C" uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize,
                                       SDPMemCp **ppstMemCp) {
-    static const auto real =
-        reinterpret_cast<support::CreateBlock>(dlsym(RTLD_NEXT, "SipMmCreateBufMem"));
+    static auto *const real = support::hidden<decltype(SipMmCreateBufMem)>("SipMmCreateBufMem");
     *ppstMemCp = nullptr;
     if (support::refuses()) {
         return SIP_NO_MEMORY;

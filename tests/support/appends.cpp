@@ -1,12 +1,9 @@
 #include "support/appends.hpp"
 
-#include <dlfcn.h>
-
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 #include "sdpline/sipcore.h"
+#include "support/hidden.hpp"
 
 namespace {
 
@@ -36,17 +33,6 @@ bool refuses(std::string_view text) {
 
 std::string_view viewOf(const char *text, uint32_t length) {
     return text != nullptr ? std::string_view(text, length) : std::string_view();
-}
-
-// The service that this program's own definition hides.
-template <class Function>
-Function *next(const char *name) {
-    void *const found = dlsym(RTLD_NEXT, name);
-    if (found == nullptr) {
-        std::fprintf(stderr, "no %s behind this program\n", name);
-        std::abort();
-    }
-    return reinterpret_cast<Function *>(found);
 }
 
 } // namespace
@@ -89,24 +75,25 @@ const std::string &Appends::written() {
 extern "C" {
 
 uint32_t SipSbCopyChar(SipStringBuffer *pstBuf, char cChar) {
-    static auto *const real = next<decltype(SipSbCopyChar)>("SipSbCopyChar");
+    static auto *const real = support::hidden<decltype(SipSbCopyChar)>("SipSbCopyChar");
     return refuses({&cChar, 1}) ? support::Appends::kRefused : real(pstBuf, cChar);
 }
 
 uint32_t SipSbCopyConstString(SipStringBuffer *pstBuf, const char *pcText, uint32_t ulLen) {
-    static auto *const real = next<decltype(SipSbCopyConstString)>("SipSbCopyConstString");
+    static auto *const real =
+        support::hidden<decltype(SipSbCopyConstString)>("SipSbCopyConstString");
     return refuses(viewOf(pcText, ulLen)) ? support::Appends::kRefused
                                           : real(pstBuf, pcText, ulLen);
 }
 
 uint32_t SipSbCopyString(SipStringBuffer *pstBuf, const SipString *pstText) {
-    static auto *const real = next<decltype(SipSbCopyString)>("SipSbCopyString");
+    static auto *const real = support::hidden<decltype(SipSbCopyString)>("SipSbCopyString");
     const auto text = pstText != nullptr ? viewOf(pstText->pcData, pstText->ulLen) : "";
     return refuses(text) ? support::Appends::kRefused : real(pstBuf, pstText);
 }
 
 uint32_t SipSbCopyLong(SipStringBuffer *pstBuf, uint32_t ulValue) {
-    static auto *const real = next<decltype(SipSbCopyLong)>("SipSbCopyLong");
+    static auto *const real = support::hidden<decltype(SipSbCopyLong)>("SipSbCopyLong");
     return refuses(std::to_string(ulValue)) ? support::Appends::kRefused : real(pstBuf, ulValue);
 }
 

@@ -1,33 +1,12 @@
 #include "support/cases.hpp"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "sdpline/sdpline.h"
 
 namespace support {
 
 namespace {
 
-[[noreturn]] void refuse(const std::string &file, int line, const std::string &why) {
-    std::fprintf(stderr, "%s:%d: %s\n", file.c_str(), line, why.c_str());
-    std::exit(2);
-}
-
-std::vector<std::string> words(const std::string &text) {
-    std::istringstream in(text);
-    std::vector<std::string> result;
-    for (std::string word; in >> word;) {
-        result.push_back(word);
-    }
-    return result;
-}
-
-// The bytes of an escape whose backslash stands at `at`, which moves behind it.
+// The bytes of an escape whose backslash is at `at`, which moves past it.
 char unescape(const std::string &line, size_t &at) {
     const char letter = at + 1 < line.size() ? line[at + 1] : '\\';
     at += 2;
@@ -82,103 +61,24 @@ void configure(Case &current) {
                                                         : SDP_LINE_END_CRLF;
 }
 
-class Reader {
-public:
-    explicit Reader(const std::filesystem::path &path)
-        : in_(path), path_(path.string()), name_(path.filename().string()) {}
-
-    std::vector<Case> read() {
-        for (std::string line; next(line);) {
-            if (line.starts_with("## ")) {
-                finish();
-                cases_.push_back({name_,
-                                  at_,
-                                  line.substr(3),
-                                  {},
-                                  {},
-                                  {},
-                                  {},
-                                  {},
-                                  false,
-                                  false,
-                                  SDP_MAX_BODY,
-                                  0,
-                                  SDP_LINE_END_CRLF});
-            } else if (line.starts_with("```")) {
-                take(line.substr(3));
-            }
-        }
-        finish();
-        return std::move(cases_);
+Case caseOf(const Section &section) {
+    Case current = {section.file, section.at, section.title,    {}, {}, {}, {}, {}, false, false,
+                    SDP_MAX_BODY, 0,          SDP_LINE_END_CRLF};
+    current.tree = section.find("tree");
+    current.text = section.find("text");
+    current.refused = section.find("refused");
+    const bool accepted = current.tree && current.text;
+    if (!section.has("sdp") || accepted == current.refused.has_value()) {
+        refuse(section.file, section.at,
+               "a case needs a body, and either tree and text or a refusal");
     }
-
-private:
-    bool next(std::string &line) {
-        ++at_;
-        return static_cast<bool>(std::getline(in_, line));
-    }
-
-    void take(const std::string &info) {
-        if (cases_.empty()) {
-            refuse(path_, at_, "a block before the first case");
-        }
-        Case &current = cases_.back();
-        Block block = {words(info), {}, at_};
-        const std::string kind = block.words.empty() ? "" : block.words.front();
-        for (std::string line; line != "```";) {
-            if (!next(line)) {
-                refuse(path_, block.at, "a block without an end");
-            }
-            if (line != "```") {
-                block.lines.push_back(line);
-            }
-        }
-        if (kind == "sdp") {
-            current.bodyBlock = block;
-            current.body = bodyOf(block);
-            configure(current);
-        } else if (kind == "tree") {
-            current.tree = block;
-        } else if (kind == "text") {
-            current.text = block;
-        } else if (kind == "refused") {
-            current.refused = block;
-        } else {
-            refuse(path_, block.at, "a block of the unknown kind \"" + kind + '"');
-        }
-    }
-
-    void finish() {
-        if (cases_.empty()) {
-            return;
-        }
-        const Case &last = cases_.back();
-        const bool accepted = last.tree && last.text;
-        if (last.bodyBlock.words.empty() || accepted == last.refused.has_value()) {
-            refuse(path_, last.at, "a case needs a body, and either tree and text or a refusal");
-        }
-    }
-
-    std::ifstream in_;
-    std::string path_;
-    std::string name_;
-    int at_ = 0;
-    std::vector<Case> cases_;
-};
+    current.bodyBlock = section.block("sdp");
+    current.body = bodyOf(current.bodyBlock);
+    configure(current);
+    return current;
+}
 
 } // namespace
-
-bool Block::has(const std::string &word) const {
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-std::string Block::joined() const {
-    std::string text;
-    for (const std::string &line : lines) {
-        text += line + '\n';
-    }
-    return text;
-}
 
 std::string bodyOf(const Block &block) {
     const std::string end = block.has("raw") ? "" : block.has("lf") ? "\n" : "\r\n";
@@ -193,17 +93,9 @@ std::string bodyOf(const Block &block) {
 }
 
 std::vector<Case> readCases(const std::string &folder) {
-    std::vector<std::filesystem::path> files;
-    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() == ".md") {
-            files.push_back(entry.path());
-        }
-    }
-    std::sort(files.begin(), files.end());
     std::vector<Case> cases;
-    for (const auto &file : files) {
-        std::vector<Case> more = Reader(file).read();
-        cases.insert(cases.end(), more.begin(), more.end());
+    for (const Section &section : readSections(folder, {"sdp", "tree", "text", "refused"})) {
+        cases.push_back(caseOf(section));
     }
     return cases;
 }

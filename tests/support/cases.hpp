@@ -1,4 +1,4 @@
-// Case documents: Markdown files in tests/cases, one case below each "##" heading.
+// The cases of tests/cases.
 //
 //     ## A value of the greatest length
 //     Why it is so.
@@ -10,13 +10,13 @@
 //     ```text                  ... and what is written back
 //     ```refused               or the refusal: code, check and place, then the log entries
 //
-// Words behind "sdp": lf (lines end in LF, else CR LF), raw (lines are joined as they stand),
+// Words after "sdp": lf (lines end in LF, else CR LF), raw (lines are joined as they are),
 // open (the last line has no end); avpf, family, max=N, t38=N, eol=lf|cr (configuration while the
 // case runs).
-// Escapes in a body: \r \n \t \0 \s (a blank) \\ \xHH, and {{text*N}} for N times the text.
+// Escapes in a body: \r \n \t \0 \s (a space) \\ \xHH, and {{text*N}} for N times the text.
 //
 // "tree part": the lines listed occur in this order, among others. "text same": what is written
-// back is the body. Behind "text", once: what is written back decodes to another tree.
+// back is the body. After "text", "once": what is written back decodes to another tree.
 #pragma once
 
 #include <cstdint>
@@ -24,16 +24,9 @@
 #include <string>
 #include <vector>
 
+#include "support/documents.hpp"
+
 namespace support {
-
-struct Block {
-    std::vector<std::string> words; // behind the kind
-    std::vector<std::string> lines;
-    int at; // the line of the file
-
-    bool has(const std::string &word) const;
-    std::string joined() const; // every line ended by LF
-};
 
 struct Case {
     std::string file; // without folder
@@ -51,7 +44,7 @@ struct Case {
     uint32_t lineEnd;
 };
 
-// The bytes that the lines of an "sdp" block stand for.
+// The body that an "sdp" block describes.
 std::string bodyOf(const Block &block);
 
 // Every case of every document in the folder. A document that cannot be read as cases ends the

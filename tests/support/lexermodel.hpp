@@ -34,6 +34,16 @@ struct LexerModel {
     std::optional<std::string> tokenText();
     void clear();
 
+    // Sets the library's state, all but its context and its text, to that of the model.
+    void impose() const {
+        sdpSetStartToken(start);
+        sdpSetEndToken(end);
+        sdpSetIndex(index);
+        sdpSetTToken(kind);
+        sdpSetLastChar(last);
+        sdpSetEnd(ended);
+    }
+
     // Token by token, what the parser does with a rest of line and with an encoding name. No value
     // when the bytes are more than the limit; what no longer fits is then current.
     std::optional<std::string> gatherRestOfLine(uint32_t limit);

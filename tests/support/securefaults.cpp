@@ -1,12 +1,9 @@
 #include "support/securefaults.hpp"
 
-#include <dlfcn.h>
-
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 
 #include "sdpline/sipcore.h"
+#include "support/hidden.hpp"
 
 namespace {
 
@@ -21,17 +18,6 @@ thread_local State state;
 // Counts one call; whether it shall fail.
 bool refuses() {
     return ++state.calls == state.failing;
-}
-
-// The service that this program's own definition hides.
-template <class Function>
-Function *next(const char *name) {
-    void *const found = dlsym(RTLD_NEXT, name);
-    if (found == nullptr) {
-        std::fprintf(stderr, "no %s behind this program\n", name);
-        std::abort();
-    }
-    return reinterpret_cast<Function *>(found);
 }
 
 } // namespace
@@ -59,23 +45,25 @@ const std::vector<SecureReport> &SecureFaults::reports() {
 extern "C" {
 
 int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount) {
-    static auto *const real = next<decltype(memcpy_s)>("memcpy_s");
+    static auto *const real = support::hidden<decltype(memcpy_s)>("memcpy_s");
     return refuses() ? ERANGE : real(pDest, ulDestMax, pSrc, ulCount);
 }
 
 int memset_s(void *pDest, size_t ulDestMax, int iValue, size_t ulCount) {
-    static auto *const real = next<decltype(memset_s)>("memset_s");
+    static auto *const real = support::hidden<decltype(memset_s)>("memset_s");
     return refuses() ? ERANGE : real(pDest, ulDestMax, iValue, ulCount);
 }
 
 void SIPAbnormalSecureFunc(const char *pcName, uint32_t ulNumber) {
-    static auto *const real = next<decltype(SIPAbnormalSecureFunc)>("SIPAbnormalSecureFunc");
+    static auto *const real =
+        support::hidden<decltype(SIPAbnormalSecureFunc)>("SIPAbnormalSecureFunc");
     state.reports.push_back({false, pcName, ulNumber});
     real(pcName, ulNumber);
 }
 
 void SIPAbnormalSecureFuncEx(const char *pcName, uint32_t ulNumber) {
-    static auto *const real = next<decltype(SIPAbnormalSecureFuncEx)>("SIPAbnormalSecureFuncEx");
+    static auto *const real =
+        support::hidden<decltype(SIPAbnormalSecureFuncEx)>("SIPAbnormalSecureFuncEx");
     state.reports.push_back({true, pcName, ulNumber});
     real(pcName, ulNumber);
 }

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "sdpline/sdpinternals.h"
@@ -16,23 +15,15 @@
 #include "support/bodylines.hpp"
 #include "support/cases.hpp"
 #include "support/generator.hpp"
+#include "support/inthreads.hpp"
 
 namespace {
+
+using support::inThreads;
 
 constexpr size_t kThreads = 4;
 constexpr size_t kRounds = 3;
 constexpr int kGenerated = 60;
-
-template <class Work>
-void inThreads(Work work) {
-    std::vector<std::thread> threads;
-    for (size_t i = 0; i < kThreads; ++i) {
-        threads.emplace_back(work, i);
-    }
-    for (std::thread &thread : threads) {
-        thread.join();
-    }
-}
 
 // Everything that a body gives: the refusal, or its text in three ways.
 struct Outcome {
@@ -171,7 +162,7 @@ TEST_F(Threads, GiveWhatOneGivesAlone) {
 
     std::atomic<size_t> wrong = 0;
     std::atomic<size_t> one = 0; // of the wrong ones
-    inThreads([&](size_t thread) {
+    inThreads(kThreads, [&](size_t thread) {
         for (size_t i = 0; i < kRounds * bodies.size(); ++i) {
             const size_t at = (i + thread * bodies.size() / kThreads) % bodies.size();
             if (outcomeOf(bodies[at]) != alone[at]) {
@@ -202,7 +193,7 @@ TEST_F(Threads, ReadOneBodyTogether) {
         copies.push_back(copiedLine(heap, line));
     }
     std::atomic<size_t> wrong = 0;
-    inThreads([&](size_t) {
+    inThreads(kThreads, [&](size_t) {
         for (size_t round = 0; round < 200; ++round) {
             const size_t at = round % lines.size();
             wrong += textOf(*body) != text || copiedLine(heap, lines[at]) != copies[at] ? 1 : 0;
@@ -220,7 +211,7 @@ TEST_F(Threads, CountHoldsOfOneTextTogether) {
         ASSERT_EQ(SipSbConvertToRefString(buffer, &text), 0u);
     }
     SipSbReleaseStringBuffer(buffer);
-    inThreads([&](size_t thread) { SipSmReleaseRefString(texts[thread]); });
+    inThreads(kThreads, [&](size_t thread) { SipSmReleaseRefString(texts[thread]); });
 }
 
 #ifdef SDPLINE_THREAD_LOCAL
@@ -243,7 +234,7 @@ TEST_F(Threads, HaveALexerAndHooksOfTheirOwn) {
     setLexerContext(SDP_LEXCTX_STRING);
     consume();
     SdpSetFnAlloc(noMemory);
-    inThreads([](size_t) {
+    inThreads(kThreads, [](size_t) {
         EXPECT_EQ(sdpGetInput(), nullptr);
         EXPECT_EQ(sdpGetLexerContext(), uint32_t{SDP_LEXCTX_NONE});
         EXPECT_STREQ(sdpGetRtpmapVar(), "rtpmap");

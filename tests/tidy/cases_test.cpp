@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/allocations.hpp"
+#include "support/casetests.hpp"
 #include "tidy/tidied.hpp"
 #include "tidy/tidycases.hpp"
 
@@ -92,31 +93,8 @@ private:
     const TidyCase &case_;
 };
 
-std::string testName(const std::string &title) {
-    std::string name;
-    bool startsWord = true;
-    for (const char byte : title) {
-        if (std::isalnum(static_cast<unsigned char>(byte)) == 0) {
-            startsWord = true;
-            continue;
-        }
-        name += startsWord ? static_cast<char>(std::toupper(byte)) : byte;
-        startsWord = false;
-    }
-    return name;
-}
-
-const bool registered = [] {
-    static const std::vector<TidyCase> cases = tidytest::readTidyCases();
-    for (const TidyCase &current : cases) {
-        const std::string suite =
-            "TidyCases_" + testName(current.file.substr(0, current.file.find('.')));
-        testing::RegisterTest(suite.c_str(), testName(current.title).c_str(), nullptr, nullptr,
-                              current.file.c_str(), current.at,
-                              [&current]() -> TidyCaseTest * { return new TidyCaseTest(current); });
-    }
-    return true;
-}();
+const std::vector<TidyCase> cases = tidytest::readTidyCases();
+[[maybe_unused]] const bool registered = support::registerCases<TidyCaseTest>("TidyCases_", cases);
 
 // Every rule has a case that shows it.
 TEST(TidyCases, ShowEveryRule) {

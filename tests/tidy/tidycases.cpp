@@ -1,106 +1,32 @@
 #include "tidy/tidycases.hpp"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace tidytest {
 
 namespace {
 
-using support::Block;
+using support::refuse;
+using support::Section;
 
-[[noreturn]] void refuse(const std::string &file, int line, const std::string &why) {
-    std::fprintf(stderr, "%s:%d: %s\n", file.c_str(), line, why.c_str());
-    std::exit(2);
+TidyCase caseOf(const Section &section) {
+    TidyCase current;
+    current.file = section.file;
+    current.at = section.at;
+    current.title = section.title;
+    current.report = section.find("report");
+    current.text = section.find("text");
+    current.refused = section.find("refused");
+    current.doubts = section.find("doubts");
+    const bool repaired = current.report && current.text.has_value() != current.refused.has_value();
+    const bool doubted = current.doubts && !current.text && !current.refused;
+    if (!section.has("sdp") || section.block("sdp").lines.empty() || repaired == doubted) {
+        refuse(section.file, section.at,
+               "a case needs a body, and a report with its end, or doubts");
+    }
+    current.bodyBlock = section.block("sdp");
+    return current;
 }
-
-class Reader {
-public:
-    explicit Reader(const std::filesystem::path &path)
-        : in_(path), name_(path.filename().string()) {}
-
-    std::vector<TidyCase> read() {
-        for (std::string line; next(line);) {
-            if (line.starts_with("## ")) {
-                finish();
-                cases_.emplace_back();
-                cases_.back().file = name_;
-                cases_.back().at = at_;
-                cases_.back().title = line.substr(3);
-            } else if (line.starts_with("```")) {
-                take(line.substr(3));
-            }
-        }
-        finish();
-        return std::move(cases_);
-    }
-
-private:
-    bool next(std::string &line) {
-        ++at_;
-        return static_cast<bool>(std::getline(in_, line));
-    }
-
-    void take(const std::string &info) {
-        if (cases_.empty()) {
-            refuse(name_, at_, "a block before the first case");
-        }
-        Block block = {{}, {}, at_};
-        std::istringstream words(info);
-        std::string kind;
-        words >> kind;
-        for (std::string word; words >> word;) {
-            block.words.push_back(word);
-        }
-        for (std::string line; line != "```";) {
-            if (!next(line)) {
-                refuse(name_, block.at, "a block without an end");
-            }
-            if (line != "```") {
-                block.lines.push_back(line);
-            }
-        }
-        store(kind, block);
-    }
-
-    void store(const std::string &kind, const Block &block) {
-        TidyCase &current = cases_.back();
-        if (kind == "sdp") {
-            current.bodyBlock = block;
-        } else if (kind == "report") {
-            current.report = block;
-        } else if (kind == "text") {
-            current.text = block;
-        } else if (kind == "refused") {
-            current.refused = block;
-        } else if (kind == "doubts") {
-            current.doubts = block;
-        } else {
-            refuse(name_, block.at, "a block of the unknown kind \"" + kind + '"');
-        }
-    }
-
-    void finish() {
-        if (cases_.empty()) {
-            return;
-        }
-        const TidyCase &last = cases_.back();
-        const bool repaired = last.report && last.text.has_value() != last.refused.has_value();
-        const bool doubted = last.doubts && !last.text && !last.refused;
-        if (last.bodyBlock.lines.empty() || repaired == doubted) {
-            refuse(name_, last.at, "a case needs a body, and a report with its end, or doubts");
-        }
-    }
-
-    std::ifstream in_;
-    std::string name_;
-    int at_ = 0;
-    std::vector<TidyCase> cases_;
-};
 
 } // namespace
 
@@ -134,15 +60,10 @@ SDPDecodeOptions TidyCase::options() const {
 }
 
 std::vector<TidyCase> readTidyCases() {
-    std::vector<std::filesystem::path> files;
-    for (const auto &entry : std::filesystem::directory_iterator(SDPLINE_CASES "/tidy")) {
-        files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
     std::vector<TidyCase> cases;
-    for (const auto &file : files) {
-        const std::vector<TidyCase> more = Reader(file).read();
-        cases.insert(cases.end(), more.begin(), more.end());
+    for (const Section &section : support::readSections(
+             SDPLINE_CASES "/tidy", {"sdp", "report", "text", "refused", "doubts"})) {
+        cases.push_back(caseOf(section));
     }
     return cases;
 }

@@ -1,0 +1,21 @@
+// For programs that take services over from libsipcore: the service that a definition hides.
+#pragma once
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace support {
+
+template <class Function>
+Function *hidden(const char *name) {
+    void *const found = dlsym(RTLD_NEXT, name);
+    if (found == nullptr) {
+        std::fprintf(stderr, "this program hides no %s\n", name);
+        std::abort();
+    }
+    return reinterpret_cast<Function *>(found);
+}
+
+} // namespace support
