@@ -23,7 +23,7 @@ void *noteRequest(uint32_t size) {
 
 } // namespace
 
-// Aligned, so that the floor does not lie deeper or higher with every change of what stands before
+// Aligned, so that the floor does not lie deeper or higher with every change of what comes before
 // it.
 [[gnu::noinline, gnu::aligned(64)]] uint32_t passTable(const std::string &text,
                                                        const uint8_t (&table)[256]) {

@@ -1,5 +1,5 @@
 // sdpline_instructions OPERATION BODY COUNT: does one operation on one body COUNT times, for a tool
-// that counts instructions. The difference of two counts is free of what comes before and behind.
+// that counts instructions. The difference of two counts is free of what comes before and after.
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>

@@ -1,4 +1,4 @@
-// How everything is measured: in a loop, and its calls of the heap behind it.
+// How everything is measured: in a loop, and then its calls of the heap.
 #pragma once
 
 #include <benchmark/benchmark.h>

@@ -37,7 +37,7 @@ def bars_of(results, operation, body):
 
 
 def panel(results, operation, title, left, width, parts):
-    """Draws one operation from the left edge on and answers the height that it takes."""
+    """Draws one operation from the left edge on and returns the height that it takes."""
     groups = [(body, bars_of(results, operation, body)) for body in BODIES]
     longest = max((value for _, bars in groups for _, _, value in bars), default=1.0)
     scale = (width - LABEL - 60) / longest

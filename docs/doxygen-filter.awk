@@ -1,5 +1,5 @@
 # Turns the headers' plain comments into Doxygen's: the first comment of a file becomes the file's
-# page, a comment above a declaration that declaration's, one behind a field or value that one's.
+# page, a comment above a declaration that declaration's, one after a field or value that one's.
 # Rules between groups of declarations and comments inside expressions stay what they are. In the C++
 # headers, comments above members count too; what they add to namespace std is left out.
 FNR == 1 { file = 1 }

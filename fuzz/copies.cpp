@@ -44,7 +44,7 @@ public:
             require(SdpCloneLine(memory, lineType_, source.record, &record_) == 0,
                     "a line is cloned");
         }
-        const uint64_t owned = pieces().size() + (copied ? 0 : 1);
+        const uint64_t owned = allocations().size() + (copied ? 0 : 1);
         require(memory != gSipSystemMemCp || heapBlocks() == before + owned,
                 "what a line takes, it points to");
     }
@@ -54,7 +54,7 @@ public:
         require(encodeLine(lineType_, record_) == text, "it is written like its source", text);
     }
 
-    std::vector<const void *> pieces() const { return lookAt(lineType_, record_).pieces; }
+    std::vector<const void *> allocations() const { return lookAt(lineType_, record_).allocations; }
 
     void giveBack() {
         if (!copied_) {
@@ -64,7 +64,8 @@ public:
         }
         require(SdpClearLine(memory_, lineType_, record_) == 0, "a line is cleared");
         // A version and a connection own nothing; an m= line and an attribute become all zero.
-        require(lineType_ == SDP_LINE_CONNECTION || pieces().empty(), "a cleared line has nothing");
+        require(lineType_ == SDP_LINE_CONNECTION || allocations().empty(),
+                "a cleared line has nothing");
         if (lineType_ == SDP_LINE_MEDIA || lineType_ == SDP_LINE_ATTRIBUTE) {
             const std::string_view bytes = room_.view().substr(4);
             require(bytes.find_first_not_of('\0') == bytes.npos, "a cleared line is all zero");
@@ -85,29 +86,30 @@ struct Line {
     std::deque<Twin> twins;
 };
 
-void requireNothingShared(std::vector<const void *> pieces) {
-    std::sort(pieces.begin(), pieces.end());
-    require(std::adjacent_find(pieces.begin(), pieces.end()) == pieces.end(),
+void requireNothingShared(std::vector<const void *> allocations) {
+    std::sort(allocations.begin(), allocations.end());
+    require(std::adjacent_find(allocations.begin(), allocations.end()) == allocations.end(),
             "no two lines share memory");
 }
 
 std::deque<Line> twinsOf(const SdpLine &body, SDPMemCp *memory) {
     std::deque<Line> lines;
-    std::vector<const void *> pieces;
+    std::vector<const void *> allocations;
     for (const BodyLine &source : support::linesOf(body)) {
         Line &line = lines.emplace_back();
         line.text = encodeLine(source.lineType, const_cast<void *>(source.record));
         line.look = lookAt(source.lineType, source.record);
         // What a t= line points to is met once more with its r= lines.
         if (source.lineType != SDP_LINE_REPEAT) {
-            pieces.insert(pieces.end(), line.look.pieces.begin(), line.look.pieces.end());
+            allocations.insert(allocations.end(), line.look.allocations.begin(),
+                               line.look.allocations.end());
         }
         for (const bool copied : {true, false}) {
-            const auto more = line.twins.emplace_back(memory, source, copied).pieces();
-            pieces.insert(pieces.end(), more.begin(), more.end());
+            const auto more = line.twins.emplace_back(memory, source, copied).allocations();
+            allocations.insert(allocations.end(), more.begin(), more.end());
         }
     }
-    requireNothingShared(std::move(pieces));
+    requireNothingShared(std::move(allocations));
     return lines;
 }
 

@@ -55,7 +55,7 @@ void encodeShort(SdpLine &body, uint32_t n, bool allFollowing) {
     Appends::off();
 }
 
-// Clones in one block, where an allocation may fail, and in memory that counts every piece.
+// Clones in one block, where an allocation may fail, and in memory that counts every allocation.
 void cloneShort(const SdpLine &body, uint32_t n) {
     SDPMemCp *block = nullptr;
     require(SipMmCreateBufMem(64, 64, &block) == 0, "there is memory");

@@ -105,7 +105,7 @@ NothingLeaks::~NothingLeaks() {
     SipMmStatistics now = {};
     SipMmGetStatistics(&now);
     require(now.ulBlocks == before_.ulBlocks, "every block is given back");
-    require(now.ulHeapBlocks == before_.ulHeapBlocks, "every piece of memory is given back");
+    require(now.ulHeapBlocks == before_.ulHeapBlocks, "every allocation is given back");
     require(now.ulHeapBytes == before_.ulHeapBytes, "every byte of memory is given back");
 }
 

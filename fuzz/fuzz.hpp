@@ -1,17 +1,16 @@
 // What the fuzz targets share.
 //
-// A target is one property in one file. It reads its input as a text with numbers behind it: the
+// A target is one property in one file. It reads its input as a text that numbers follow: the
 // numbers are taken from the end, so that a body stays a body whatever is done to the choices.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "sdpline/sdpline.h"
+#include "support/body.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
@@ -79,10 +78,7 @@ private:
     SipMmStatistics before_;
 };
 
-struct ReleaseBody {
-    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
-};
-using Body = std::unique_ptr<SdpLine, ReleaseBody>;
+using support::Body;
 
 // A body, or null with the reason of the refusal.
 Body decode(std::string_view text, SDPResult *refused = nullptr);

@@ -1,4 +1,4 @@
-// The parsers of a text line and of an rtpmap, entered wherever the lexer stands, take what the
+// The parsers of a text line and of an rtpmap, entered wherever the lexer is, take what the
 // model takes token by token, and leave the lexer where it leaves the model.
 #include <cstdlib>
 

@@ -83,7 +83,7 @@ public:
 
     support::LexerModel &model() { return model_; }
 
-    // The text buffer is the library's own behind a parser.
+    // After a parser the text buffer is what the library left in it.
     void shareTextBuffer() {
         std::memcpy(model_.text.data(), sdpGetThrowAwayBuffer(), model_.text.size());
     }
@@ -113,7 +113,7 @@ private:
     }
 
     void markBoth() {
-        if (model_.end < size_) { // or the next token would begin behind the NUL
+        if (model_.end < size_) { // or the next token would begin after the NUL
             mark();
             model_.mark();
         }

@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <memory>
 #include <string>
 
 #include "output/tree.hpp"
 #include "sdpline/sdpline.h"
 #include "support/allocations.hpp"
 #include "support/appends.hpp"
+#include "support/bodies.hpp"
 #include "support/cases.hpp"
 #include "support/casetests.hpp"
 #include "support/guarded.hpp"
@@ -19,13 +19,9 @@ namespace {
 
 using support::Allocations;
 using support::Appends;
+using support::Body;
 using support::Case;
 using support::Held;
-
-struct ReleaseBody {
-    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
-};
-using Body = std::unique_ptr<SdpLine, ReleaseBody>;
 
 struct Decoded {
     SDPResult result;
@@ -41,22 +37,6 @@ Decoded decode(const std::string &bytes) {
     auto *line = reinterpret_cast<SdpLine *>(1);
     const SDPResult result = SdpLibDecodeSdp(&text, &line);
     return {result, Body(line), log.texts(), log.textsWithLines()};
-}
-
-std::string textOf(SipStringBuffer *buffer) {
-    SipRefString *reference = nullptr;
-    EXPECT_EQ(SipSbConvertToRefString(buffer, &reference), 0u);
-    std::string text(SipSmGetDataFromRefString(reference), SipSmGetLenFromRefString(reference));
-    SipSmReleaseRefString(reference);
-    return text;
-}
-
-std::string encode(SdpLine &line) {
-    SipStringBuffer *buffer = nullptr;
-    EXPECT_EQ(SdpLibEncodeSdp(&line, &buffer), 0u);
-    std::string text = buffer != nullptr ? textOf(buffer) : "";
-    SipSbReleaseStringBuffer(buffer);
-    return text;
 }
 
 // The text with its configured line ends as LF, and bytes that do not print as escapes.
@@ -200,7 +180,7 @@ private:
         ASSERT_EQ(decoded.result, 0u) << code(decoded.result);
         EXPECT_TRUE(decoded.logs.empty());
         compareTree(cli::describeTree(*decoded.body));
-        const std::string written = encode(*decoded.body);
+        const std::string written = support::encoded(*decoded.body);
         {
             SCOPED_TRACE(place(*case_.text));
             EXPECT_EQ(visible(written),
@@ -257,7 +237,7 @@ private:
         const Decoded decoded = decode(case_.body);
         ASSERT_NE(decoded.body, nullptr);
         Appends::reset();
-        encode(*decoded.body);
+        support::encoded(*decoded.body);
         const uint32_t appends = Appends::count();
         for (uint32_t n = 1; n <= appends; ++n) {
             Appends::reset();

@@ -298,7 +298,7 @@ private:
 
 std::vector<Change> differences(const sdpline::Body &first, const sdpline::Body &second) {
     const uint32_t style = SdpGetT380ptCfg();
-    SdpSetT38OptCfg(SDP_T38_STYLE_VALUE); // the only one that tells the flags apart
+    SdpSetT38OptCfg(SDP_T38_STYLE_VALUE); // the only style that writes 0 and 1 differently
     std::vector<Change> changes = Comparer(first, second).run();
     SdpSetT38OptCfg(style);
     return changes;

@@ -5,6 +5,7 @@
 #include "input/message.hpp"
 #include "input/mime.hpp"
 #include "output/text.hpp"
+#include "parser/normalform.hpp"
 
 namespace cli {
 
@@ -21,7 +22,9 @@ bool beginsAsSdp(std::string_view text) {
 
 // Whether the decoder takes the line for an empty one, which ends a body.
 bool isEmptyLine(std::string_view line) {
-    return line.find_first_not_of(std::string_view(" \0", 2)) == std::string_view::npos;
+    return std::all_of(line.begin(), line.end(), [](char byte) {
+        return sdpline::isDroppedAtLineStart(static_cast<uint8_t>(byte));
+    });
 }
 
 // The first empty line after the first line that is none; at the text's end when there is none.

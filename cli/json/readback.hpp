@@ -16,7 +16,7 @@
 namespace cli {
 
 // With the line end and the T.38 style that are configured; a body with T.38 flags that style 0
-// does not tell apart is written in style 2. Without a text the reason is in `error`:
+// does not distinguish is written in style 2. Without a text the reason is in `error`:
 // "/media/0/port: ..." or "line 3, "s=": ...".
 std::optional<std::string> textOfJson(const nlohmann::json &document, std::string &error);
 

@@ -23,7 +23,7 @@ extern "C" {
 
 /* ---- Any line -------------------------------------------------------------------------------- */
 
-/* Deep copy of *pSrc into *pDst. Answers a bare 1 when the stack's generic service fails, which
+/* Deep copy of *pSrc into *pDst. Returns a bare 1 when the stack's generic service fails, which
  * copies every kind but SDP_LINE_MEDIA and SDP_LINE_ATTRIBUTE. */
 SDPLINE_API SDPResult SdpCopyLine(SDPMemCp *pstMemCp, uint32_t enLineType, const void *pSrc,
                                   void *pDst);

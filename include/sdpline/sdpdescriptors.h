@@ -2,7 +2,7 @@
  * sdpdescriptors.h: the records of sdprecords.h, described for the stack's generic services.
  *
  * SipDsmCopyGeneralField and SipDsmClearGeneralField of sipcore.h walk a value by these constants;
- * callers may hand them there themselves. Beside each descriptor stands its size in bytes.
+ * callers may hand them there themselves. The comment after each descriptor is its size in bytes.
  *
  *     g_gstSDPOriginDef { 72, SIP_DSM_SEQUENCE, . }
  *                                               |

@@ -1,5 +1,5 @@
 /*
- * sdpinternals.h: the lexer, parser and encoder operations behind sdpline.h.
+ * sdpinternals.h: the lexer, parser and encoder operations that sdpline.h is made of.
  *
  * They are exported, but meant for the library itself and for tools that drive one field at a
  * time. Many names are short and common (mark, consume, LA): include this header only where you
@@ -104,7 +104,7 @@ SDPLINE_API uint32_t sdpGetLexerContext(void);
 
 /* Kind of the byte at the token start plus the index; moves nothing. */
 SDPLINE_API uint32_t nextToken(void);
-/* Ends the token under construction, or starts the next one behind it. A token that ended at
+/* Ends the token under construction, or starts the next one after it. A token that ended at
  * offset 0 is taken for none: the next one starts at 0 again. */
 SDPLINE_API void mark(void);
 /* Advances to the next token; does nothing once the end token has been reached. */
@@ -117,7 +117,7 @@ SDPLINE_API uint32_t sdp_match(uint32_t enKind);
 SDPLINE_API uint32_t LA(void);
 /* Its text, NUL-terminated, until the next LT(); null above 1023 bytes. */
 SDPLINE_API const char *LT(void);
-/* Resets positions and the end flag; input, context and kind stay. Answers 1. */
+/* Resets positions and the end flag; input, context and kind stay. Returns 1. */
 SDPLINE_API uint32_t clearSdpLexer(void);
 
 SDPLINE_API uint32_t sdpGetEnd(void); /* 1 once the end token has been reached */
@@ -150,7 +150,7 @@ SDPLINE_API SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLin
 /* Parses from the lexer's input into a zeroed body. */
 SDPLINE_API SDPResult startSdpParsing(SdpLine *pstLine);
 /* Writes the text with CR LF made LF, blanks at line starts and NUL bytes dropped, and LF LF NUL
- * behind it: at most ulLen + 3 bytes, which the caller's buffer must hold. */
+ * after it: at most ulLen + 3 bytes, which the caller's buffer must hold. */
 SDPLINE_API void convertCRLFToCR(const uint8_t *pucText, uint32_t ulLen, uint8_t *pucOut,
                                  uint32_t ulOutSize);
 /* A new array of ulNewCount slots with the first ulCount pointers of the old one, the rest null;
@@ -181,7 +181,7 @@ SDPLINE_API SDPResult sdpTypedTime(SDPTimeUnit *pstUnit);
 
 SDPLINE_API SDPResult sdpAttributeFields(SDPAttrList *pstList);
 SDPLINE_API SDPResult sdpAttributeField(SDPAttr *pstAttr);
-/* Value parsers: entered behind the attribute's name. */
+/* Value parsers: entered after the attribute's name. */
 SDPLINE_API SDPResult sdpAttributeFieldType(SDPAttr *pstAttr, const char *pcName, uint32_t enType);
 SDPLINE_API SDPResult sdpAttributeFieldDataSink(SDPAttr *pstAttr, const char *pcName);
 SDPLINE_API SDPResult sdpOtherRecAttr(SDPAttr *pstAttr, uint32_t enType);

@@ -18,7 +18,7 @@
  *
  *     file: the stack's base g_gSipStackFileId plus the number of the source file that failed
  *     (low 8 bits of the sum); location: the check that failed, never reused; class: one of
- *     SDP_ERRCLASS_... A few operations answer a bare 1 or 8; their comments say so. Compare
+ *     SDP_ERRCLASS_... A few operations return a bare 1 or 8; their comments say so. Compare
  *     with 0 only, log the rest.
  *  2. Logging. A failure that is logged sets g_gSipCodePoint to file number << 16 | line and
  *     calls g_gpfnSipLmLogHndlr, when set, with module 17.
@@ -70,7 +70,7 @@ enum {
     SDP_ERRCLASS_RESOURCE = 1,          /* argument, memory, token too long, input ended */
     SDP_ERRCLASS_NOT_SDP = 100,         /* no input, or it does not start with "v=" */
     SDP_ERRCLASS_FIELD_SYNTAX = 101,    /* a token that the field's grammar does not admit */
-    SDP_ERRCLASS_UNEXPECTED_LINE = 102, /* a line kind that may not stand here */
+    SDP_ERRCLASS_UNEXPECTED_LINE = 102, /* a line kind that may not follow here */
     SDP_ERRCLASS_BAD_ADDRESS = 104      /* an IPv6 address; in the encoder: a field encoder */
 };
 
@@ -180,8 +180,8 @@ typedef struct SDPResultText {
     const char *pcSentence; /* what was wrong */
 } SDPResultText;
 
-/* Answers 0 for a code of this library under the present g_gSipStackFileId, else 1 and empty
- * texts. Several operations answer a bare 1: only the sentence tells it then. */
+/* Returns 0 for a code of this library under the present g_gSipStackFileId, else 1 and empty
+ * texts. Several operations return a bare 1: only the sentence says so then. */
 SDPLINE_API SDPResult SdpLibDescribeResult(uint32_t ulResult, SDPResultText *pstText);
 
 /* ---- Configuration --------------------------------------------------------------------------- */
@@ -204,11 +204,11 @@ SDPLINE_API SDPResult SdpLibExtConfig(uint32_t enConfigType, uint32_t *pulValue)
 SDPLINE_API SDPResult SdpLibExtConfigValidate(uint32_t enConfigType, uint32_t *pulValue);
 /* Selects the line end that the encoder writes, SDP_LINE_END_... */
 SDPLINE_API SDPResult SdpLibExtConfigCrlf(uint32_t *pulValue);
-/* The entry ucIndex behind the selected line end; 0 is the selected one. The caller stays inside
+/* The entry ucIndex after the selected line end; 0 is the selected one. The caller stays inside
  * the table of three. */
 SDPLINE_API SipString SdpGetCrlfString(uint8_t ucIndex);
 
-/* Answers a bare 1 for a style above 2 and keeps the old one. */
+/* Returns a bare 1 for a style above 2 and keeps the old one. */
 SDPLINE_API SDPResult SdpSetT38OptCfg(uint32_t ulValue);
 SDPLINE_API uint32_t SdpGetT380ptCfg(void);
 

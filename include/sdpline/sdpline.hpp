@@ -38,7 +38,7 @@
  *     than SDP_MAX_BODY bytes, t= lines after the first, flags of 0, and those of MediaLine.
  *  6. Preconditions. An index beyond a list, the value of a failed Result, and any use of a body
  *     that was moved from (but destroying it and assigning to it) end the program.
- *  7. Threads. One body belongs to one thread at a time; several may read one that nobody
+ *  7. Threads. One body belongs to one thread at a time; several may read one that no thread
  *     changes (encode() reads, but for rtpmap records without a name that a program made itself:
  *     see SdpLibEncodeSdp). Decodes, those of the operations that take the text of a line among
  *     them, take turns by decodeMutex(), unless the program is compiled with

@@ -2,7 +2,7 @@
  * sdprecords.h: the record tree of one SDP body, and the codes its fields hold.
  *
  * Conventions
- *  1. All records are packed to 4 bytes: a pointer behind a 4-byte field is not padded. The size
+ *  1. All records are packed to 4 bytes: a pointer after a 4-byte field is not padded. The size
  *     and the offset of every field are part of the binary interface and checked at compile time.
  *  2. A field named str... holds a SipString; pstr... points to one, null meaning absent.
  *  3. A list is a count and an array of exactly that many pointers; count 0 has a null array.

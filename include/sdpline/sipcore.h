@@ -8,13 +8,13 @@
  * where that is libsipcore's own function it may do in place what the function does.
  *
  * Conventions
- *  1. Functions that return uint32_t answer 0 for success, unless their comment says otherwise.
+ *  1. Functions that return uint32_t return 0 for success, unless their comment says otherwise.
  *     libsipcore's own failure results are the SIP_... numbers below; sdpline tests against 0 only.
  *  2. Text is a counted SipString. It is never NUL-terminated and may hold any bytes.
  *  3. A request for zero bytes returns a unique pointer that is not null. libsipcore refuses single
  *     requests above 1 GiB.
- *  4. Memory of a block belongs to the block: it may be given back piece by piece, and all of it
- *     goes when the block is released.
+ *  4. Memory of a block belongs to the block: its allocations may be given back one by one, and all
+ * of it goes when the block is released.
  *  5. Nothing here is locked. Different blocks and different string buffers may be used from
  *     different threads at once; one block or one buffer belongs to one thread at a time.
  *  6. Pointers that a comment does not allow to be null must not be null, unless the service
@@ -41,7 +41,7 @@ extern "C" {
 enum {
     SIP_OK = 0,
     SIP_INVALID_ARGUMENT = 1, /* a null pointer or an impossible number */
-    SIP_NO_MEMORY = 2,        /* the memory control answered null */
+    SIP_NO_MEMORY = 2,        /* the memory control returned null */
     SIP_NO_SPACE = 3,         /* a fixed buffer is full, or an earlier append failed */
     SIP_OUT_OF_RANGE = 4      /* a descriptor's range does not admit the value */
 };
@@ -288,11 +288,11 @@ SIPCORE_API void SIPAbnormalSecureFuncEx(const char *pcName, uint32_t ulNumber);
 /* ---- Additions of libsipcore: sdpline does not call these ------------------------------------ */
 
 /* What libsipcore holds and has done so far, over all threads. Of what it gives back, a thread
- * keeps pieces of at most 4096 bytes, 64 KiB in all, and takes them again before it calls the
+ * keeps allocations of at most 4096 bytes, 64 KiB in all, and takes them again before it calls the
  * process heap; they go back when the thread ends, and are lost where the library is unloaded
  * before. Asking for the statistics, or resetting the peak, gives the calling thread's back first,
- * so that only what other threads keep is counted with what is in use. Pieces that may be kept are
- * rounded up to multiples of 256 bytes. */
+ * so that only what other threads keep is counted with what is in use. Allocations that may be kept
+ * are rounded up to multiples of 256 bytes. */
 typedef struct SipMmStatistics {
     uint64_t ulBlocks;          /* blocks alive */
     uint64_t ulHeapAllocations; /* allocations made from the process heap since the start */

@@ -1,12 +1,12 @@
 // How the value of a=rtpmap is written.
 #include "encoder/encoder.hpp"
+#include "tables/profiles.hpp"
 
 namespace sdpline {
 
 // Profiles 1 to 6 have no name of their own here.
 constexpr uint32_t kFirstNamedProfile = 7;
 constexpr uint32_t kLastNamedProfile = 35;
-constexpr uint32_t kStereoProfile = 9; // L16 with two channels
 
 // The profile's name for a record without one. What the record leaves open is then filled in
 // from the profile, in the record itself.
@@ -20,7 +20,7 @@ static SDPResult writeProfile(Output &out, SDPRtpMapAttr &rtpMap) {
         rtpMap.ulClockRate = g_aulRtpmapClockRates[profile - 1];
     }
     if (rtpMap.ulEncodingParams == 0) {
-        rtpMap.ulEncodingParams = profile == kStereoProfile ? 2 : 1;
+        rtpMap.ulEncodingParams = profile == kL16Stereo ? 2 : 1;
     }
     return 0;
 }

@@ -121,7 +121,7 @@ bool parseTextValue(Parser &p, SDPAttr &attr, uint32_t type) {
 
 namespace {
 
-// What reads a value: its shape, told apart where the checks or the rules of the rows differ.
+// What reads a value: its shape, and the deviations of its row.
 enum class Reader : uint8_t {
     Other,
     Flag,

@@ -16,7 +16,11 @@ struct NormaliseStep {
     const uint8_t *next;
 };
 
-// A NUL between a line end and a space hides nothing.
+// What is dropped after a line end. A NUL there hides no space after it.
+constexpr bool isDroppedAtLineStart(uint8_t byte) {
+    return byte == ' ' || byte == '\0';
+}
+
 SDPLINE_INLINE NormaliseStep normaliseSpecial(const uint8_t *byte, const uint8_t *end) {
     if (*byte == '\r' && byte + 1 != end && byte[1] == '\n') {
         ++byte;
@@ -25,7 +29,7 @@ SDPLINE_INLINE NormaliseStep normaliseSpecial(const uint8_t *byte, const uint8_t
         return {byte, *byte != '\0', byte + 1};
     }
     const uint8_t *next = byte + 1;
-    while (next != end && (*next == ' ' || *next == '\0')) {
+    while (next != end && isDroppedAtLineStart(*next)) {
         ++next;
     }
     return {byte, 1, next};

@@ -13,8 +13,6 @@ constexpr uint32_t kDvi4At8k = 4;
 constexpr uint32_t kDvi4At16k = 5;
 constexpr uint32_t kDvi4At11k = 15;
 constexpr uint32_t kDvi4At22k = 16;
-constexpr uint32_t kL16Stereo = 9;
-constexpr uint32_t kL16Mono = 10;
 
 // The last profile of the name wins, so that the refinements never apply to the profiles that the
 // table has.

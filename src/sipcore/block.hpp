@@ -11,7 +11,7 @@
 // finds the block. Cutting writes the header alone. An allocation given back goes
 // to the list of its class; classes are multiples of 8 up to 256 bytes and powers of two above, so
 // that a list that grows slot by slot swings between two allocations of one class instead of
-// leaving one allocation behind at every step. Beyond 64 KiB an allocation has a chunk of its own
+// leaving one allocation unused at every step. Beyond 64 KiB an allocation has a chunk of its own
 // and goes back to the heap at once.
 #pragma once
 

@@ -2,7 +2,7 @@
 // symbols and function pointers lead to. Where they are these functions, it may do in place what
 // they do; where a program has put a service of its own in the place of one, that one is called.
 //
-// The number in the record's name stands for the records and rules that both libraries then share:
+// The number in the record's name is that of the records and rules that both libraries then share:
 // those of stringbuffer.hpp and block.hpp. Who changes one of them raises it, and libraries of
 // different builds make every call.
 #pragma once

@@ -5,8 +5,7 @@
 #include "tables/perfecthash.hpp"
 
 // Name and clock rate in Hz, 0 where the encoding has no fixed one. The first 17 follow the static
-// payload types 0 and 3 to 18; a profile number is a row plus 1. L16 is there for two channels,
-// then for one.
+// payload types 0 and 3 to 18; a profile number is a row plus 1.
 #define SDPLINE_PROFILES(PROFILE)                                                                  \
     PROFILE("PCMU", 8000)                                                                          \
     PROFILE("GSM", 8000)                                                                           \
@@ -75,6 +74,10 @@ namespace sdpline {
 namespace {
 
 constexpr uint32_t kProfiles = 35;
+static_assert(sizeof tables::kStaticPayloads == kProfiles);
+static_assert(g_aStrRtpmapProfiles[kL16Stereo - 1].ulLen == 3 &&
+              g_aulRtpmapClockRates[kL16Stereo - 1] == 44100 &&
+              g_aulRtpmapClockRates[kL16Mono - 1] == 44100);
 
 constexpr PerfectHash<kProfiles> kProfileNames([] {
     std::array<std::string_view, kProfiles> names;

@@ -78,7 +78,7 @@ TEST(LastFailure, CountsBothBytesOfCrLf) {
     EXPECT_EQ(placeOf("v=0\r\no=-  1\r\n"), "OriginId 2:5 @9 31");
 }
 
-// The column is that of LF alone: right behind the line's last byte.
+// The column is that of LF alone: right after the line's last byte.
 TEST(LastFailure, PlacesALineEndWhereItsCrLfBegins) {
     EXPECT_EQ(placeOf("v=\n"), "VersionDigits 1:3 @2 15");
     EXPECT_EQ(placeOf("v=\r\n"), "VersionDigits 1:3 @2 15");
@@ -113,7 +113,7 @@ TEST(LastFailure, HasNoPlaceForALength) {
 }
 
 TEST(LastFailure, HasNoPlaceWithoutMemoryForTheBody) {
-    Allocations::failAt(2); // behind the block
+    Allocations::failAt(2); // after the block
     EXPECT_EQ(placeOf("v=0\n"), "ParseAlloc 0:0 @0 0");
     Allocations::reset();
 }
@@ -307,7 +307,7 @@ TEST(DescribeResult, AnswersOneAndEmptyTextsForAnUnknownCode) {
     }
 }
 
-// Many operations answer a bare 1, one a bare 8; neither depends on the base.
+// Many operations return a bare 1, one a bare 8; neither depends on the base.
 TEST(DescribeResult, TellsWithoutATextWhetherItKnowsTheCode) {
     const SDPResult refused = decode("v=x\n");
     EXPECT_EQ(SdpLibDescribeResult(refused, nullptr), 0u);

@@ -22,7 +22,7 @@ using Texts = std::vector<std::string>;
 const std::string kBody = "v=0\r\no=- 1 1 IN IP4 10.0.0.1\r\ns=-\r\nt=0 0\r\n";
 const std::string kRefused = "v=0\r\no=- 1 1 IN IP4 10.0.0.1\r\ns=-\r\nx=\r\n";
 
-constexpr SDPResult kRefusedLine = 0x05001866; // behind s=, class 102
+constexpr SDPResult kRefusedLine = 0x05001866; // after s=, class 102
 constexpr SDPResult kRefusedText = 0x05000401; // no text or one too long
 
 // A pointer that no operation wrote over.
@@ -142,7 +142,7 @@ TEST_F(Intf, DecodeFailsWithoutABlock) {
     EXPECT_EQ(decode(kBody, &line), 0x04026001u);
     EXPECT_EQ(line, nullptr);
     EXPECT_EQ(log.textsWithLines(), Texts{"3 sdpintf SdpLibDecodeSdp:151 1"});
-    EXPECT_EQ(SdpGetFnAlloc(), nullptr) << "the hooks come behind the block";
+    EXPECT_EQ(SdpGetFnAlloc(), nullptr) << "the hooks come after the block";
     EXPECT_EQ(SdpGetFnFree(), nullptr);
 }
 
@@ -189,7 +189,7 @@ TEST_F(Intf, BodiesLiveBesideEachOther) {
 
 // ---- Hooks of a decode
 
-TEST_F(Intf, HooksStayBehindASuccessButHaveNoBlock) {
+TEST_F(Intf, HooksStayAfterASuccessButHaveNoBlock) {
     SdpLine *line = decoded(kBody);
     EXPECT_EQ(SdpGetFnAlloc(), SdpLibAllocSdpMem);
     EXPECT_EQ(SdpGetFnFree(), SdpLibFreeSdpMem);

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +10,7 @@
 #include "sdpline/sdpline.h"
 #include "support/allocations.hpp"
 #include "support/appends.hpp"
+#include "support/body.hpp"
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
 
@@ -19,6 +19,7 @@ namespace {
 using dsmtest::SystemMemory;
 using support::Allocations;
 using support::Appends;
+using support::Body;
 using support::Guarded;
 using support::Held;
 using Texts = std::vector<std::string>;
@@ -44,11 +45,6 @@ uint8_t *bytesOf(std::string_view text) {
     return reinterpret_cast<uint8_t *>(const_cast<char *>(text.data()));
 }
 
-struct Release {
-    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
-};
-using Body = std::unique_ptr<SdpLine, Release>;
-
 Body deserialized(std::string_view text) {
     SdpLine *line = nullptr;
     EXPECT_EQ(SdpLibDeSerializeSdp(bytesOf(text), static_cast<uint32_t>(text.size()), &line), 0u);
@@ -64,7 +60,7 @@ TEST(SerializeSdp, WritesTheTextThatWasDeserialized) {
                                  &length),
               0u);
     EXPECT_EQ(bytes.substr(0, length), kText);
-    EXPECT_EQ(bytes.substr(length), std::string(bytes.size() - length, '#')) << "wrote behind it";
+    EXPECT_EQ(bytes.substr(length), std::string(bytes.size() - length, '#')) << "wrote after it";
 }
 
 TEST(SerializeSdp, RoundTripsUnderEveryLineEnd) {
@@ -127,7 +123,7 @@ TEST(SerializeSdp, SeesThatAnAttributeDidNotFit) {
     EXPECT_EQ(length, 0u);
 }
 
-TEST(SerializeSdp, MakesOneEmptyAppendBehindTheText) {
+TEST(SerializeSdp, MakesOneEmptyAppendAfterTheText) {
     const Body body = deserialized(kText);
     std::string bytes(kText.size(), '#');
     uint32_t length = 0;
@@ -199,7 +195,7 @@ TEST(DeSerializeSdp, MakesABodyInABlockOfItsOwn) {
     EXPECT_TRUE(Held::now() == before);
 }
 
-TEST(DeSerializeSdp, ReadsNoByteBehindTheText) {
+TEST(DeSerializeSdp, ReadsNoByteAfterTheText) {
     Guarded bytes(kText);
     SdpLine *line = nullptr;
     EXPECT_EQ(SdpLibDeSerializeSdp(bytes.data(), static_cast<uint32_t>(kText.size()), &line), 0u);

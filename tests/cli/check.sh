@@ -53,7 +53,7 @@ expect "a refused body and a missing file" 2 '~1 refused, 1 problem$' missing --
 mkdir empty
 echo 'checked 0 bodies in 0 files: none refused' >summary
 expect "an empty folder" 0 summary nothing -- "$program" check empty
-# Nobody may read a folder in the middle: root may read all of them.
+# A folder that the user may not read, in the middle: root may read all of them.
 chmod 755 . folder folder/deeper
 mkdir folder/closed && cp bad.sdp folder/closed && chmod 0 folder/closed
 nobody=()

@@ -40,5 +40,5 @@ script -qec "$program check few >out.txt" /dev/null >bar
 expect "no bar for a few files" 0 nothing nothing -- cat bar
 cp bad.sdp many/20
 script -qec "$program check many" /dev/null >bar
-expect "a refusal stands on a line of its own" 0 - nothing -- grep -P '\r\x1b\[1mmany/20:4:16: ' bar
+expect "a refusal is on a separate line" 0 - nothing -- grep -P '\r\x1b\[1mmany/20:4:16: ' bar
 finish

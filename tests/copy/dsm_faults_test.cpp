@@ -66,7 +66,7 @@ TEST(CopyLineFaults, EachRefusedRequestGivesItsOwnCodeAndKeepsNothing) {
                       sample.refusals[n - 1]);
             EXPECT_EQ(memory.requests(), n) << "it went on after the refusal";
             EXPECT_EQ(memory.live(), 0u);
-            EXPECT_TRUE(lookAt(sample.lineType, target).pieces.empty());
+            EXPECT_TRUE(lookAt(sample.lineType, target).allocations.empty());
             EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
         }
     }
@@ -180,7 +180,7 @@ TEST(ClearLineFaults, AnswerTheServicesCodeAndDoNotKeepARecordFromBeingFreed) {
     EXPECT_EQ(memory.live(), 0u);
 }
 
-// The per-record operations alone answer the codes that a media field hides behind its own.
+// The operations of single records return the codes that a media field replaces by others.
 TEST(CopyMediaFormatFaults, HaveCodesOfTheirOwn) {
     LineMemory memory;
     SDPMediaFmt source = {};
@@ -221,7 +221,7 @@ TEST(CopyLineFaults, LeaveNoPointerWhateverTheStringServicesDo) {
             SdpCopyLine(memory.control(), sample.lineType, sample.record, target);
         EXPECT_TRUE(result == 99 || result == 98 || sample.lineType == SDP_LINE_MEDIA);
         EXPECT_NE(result, 0u);
-        EXPECT_TRUE(lookAt(sample.lineType, target).pieces.empty());
+        EXPECT_TRUE(lookAt(sample.lineType, target).allocations.empty());
         EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
     }
 }

@@ -24,11 +24,11 @@ using dsmtest::samples;
 using dsmtest::textOf;
 using Texts = std::vector<std::string>;
 
-// Room for any record, filled with rubbish, at an address that is a multiple of 4 and not of 8:
+// Space for any record, filled with rubbish, at an address that is a multiple of 4 and not of 8:
 // all that a packed record asks for.
-class Room {
+class RecordSpace {
 public:
-    Room() { bytes_.fill(static_cast<unsigned char>(dsmtest::kRubbish)); }
+    RecordSpace() { bytes_.fill(static_cast<unsigned char>(dsmtest::kRubbish)); }
 
     void *at() { return bytes_.data() + 4; }
 
@@ -56,8 +56,8 @@ T held(T value) {
 }
 
 void expectOwnedBy(const LineMemory &memory, const Look &copy) {
-    for (const void *piece : copy.pieces) {
-        EXPECT_NE(memory.sizeAt(piece), 0u) << "a piece that is not the copy's own";
+    for (const void *allocation : copy.allocations) {
+        EXPECT_NE(memory.sizeAt(allocation), 0u) << "an allocation that is not the copy's own";
     }
 }
 
@@ -65,11 +65,11 @@ TEST(CopyLine, CopiesEveryRecordDeeply) {
     for (const Sample &sample : samples()) {
         SCOPED_TRACE(sample.name);
         LineMemory memory;
-        Room target;
+        RecordSpace target;
         ASSERT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target.at()), 0u);
         const Look copy = lookAt(sample.lineType, target.at());
         EXPECT_EQ(copy.text, lookAt(sample.lineType, sample.record).text);
-        EXPECT_EQ(memory.live(), copy.pieces.size());
+        EXPECT_EQ(memory.live(), copy.allocations.size());
         expectOwnedBy(memory, copy);
         EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target.at()), 0u);
     }
@@ -79,9 +79,9 @@ TEST(CopyLine, AcceptsASourceAtAnyMultipleOfFour) {
     for (const Sample &sample : samples()) {
         SCOPED_TRACE(sample.name);
         LineMemory memory;
-        Room source;
+        RecordSpace source;
         std::memcpy(source.at(), sample.record, recordSize(sample.lineType));
-        Room target;
+        RecordSpace target;
         ASSERT_EQ(SdpCopyLine(memory.control(), sample.lineType, source.at(), target.at()), 0u);
         EXPECT_EQ(lookAt(sample.lineType, target.at()).text,
                   lookAt(sample.lineType, sample.record).text);
@@ -106,11 +106,11 @@ TEST(CopyLine, TypeZeroAndTypesAboveFortyCopyTheTypeAndNullTheName) {
         SipString name = textOf("name");
         source.pstAttrName = &name;
         LineMemory memory;
-        Room target;
+        RecordSpace target;
         EXPECT_EQ(SdpCopyLine(memory.control(), SDP_LINE_ATTRIBUTE, &source, target.at()), 0u);
         EXPECT_EQ(held(target.as<SDPAttr>().ulAttrType), type);
         EXPECT_EQ(held(target.as<SDPAttr>().pstAttrName), nullptr);
-        Room untouched;
+        RecordSpace untouched;
         EXPECT_EQ(std::memcmp(&target.as<SDPAttr>().unAttrValue,
                               &untouched.as<SDPAttr>().unAttrValue, sizeof source.unAttrValue),
                   0);
@@ -123,7 +123,7 @@ TEST(CopyLine, AttributesWithoutValueLeaveTheTargetsValueAlone) {
         SDPAttr source = {};
         source.ulAttrType = type;
         LineMemory memory;
-        Room target;
+        RecordSpace target;
         EXPECT_EQ(SdpCopyLine(memory.control(), SDP_LINE_ATTRIBUTE, &source, target.at()), 0u);
         EXPECT_EQ(held(target.as<SDPAttr>().ulAttrType), type);
         EXPECT_EQ(target.as<SDPAttr>().unAttrValue.ulValue, 0xA5A5A5A5u);
@@ -182,7 +182,7 @@ TEST(CopyMediaFormat, RefusedPayloadsLeaveTheTargetUntouched) {
     uint32_t number = 0;
     const SDPRtpPayLoads source = {101, &number};
     LineMemory memory;
-    Room target;
+    RecordSpace target;
     EXPECT_EQ(SdpCopyNonOthersMediaFormat(memory.control(), &source, &target.as<SDPRtpPayLoads>()),
               0x020e0001u);
     EXPECT_TRUE(target.isUntouched(sizeof source));
@@ -234,7 +234,7 @@ TEST(CloneLine, MakesARecordOfTheLinesSizeThatEqualsTheSource) {
         EXPECT_EQ(memory.sizeAt(clone), recordSize(sample.lineType));
         const Look copy = lookAt(sample.lineType, clone);
         EXPECT_EQ(copy.text, lookAt(sample.lineType, sample.record).text);
-        EXPECT_EQ(memory.live(), 1 + copy.pieces.size());
+        EXPECT_EQ(memory.live(), 1 + copy.allocations.size());
         expectOwnedBy(memory, copy);
         EXPECT_EQ(SdpFreeLine(memory.control(), sample.lineType, &clone), 0u);
         EXPECT_EQ(clone, nullptr);
@@ -260,12 +260,12 @@ TEST(ClearLine, GivesEverythingBackAndMayBeRepeated) {
     for (const Sample &sample : samples()) {
         SCOPED_TRACE(sample.name);
         LineMemory memory;
-        Room target;
+        RecordSpace target;
         ASSERT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target.at()), 0u);
         EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target.at()), 0u);
         EXPECT_EQ(memory.live(), 0u);
         EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target.at()), 0u);
-        EXPECT_TRUE(lookAt(sample.lineType, target.at()).pieces.empty());
+        EXPECT_TRUE(lookAt(sample.lineType, target.at()).allocations.empty());
     }
 }
 
@@ -276,7 +276,7 @@ TEST(ClearLine, LeavesMediaLinesAndAttributesAllZero) {
         }
         SCOPED_TRACE(sample.name);
         LineMemory memory;
-        Room target;
+        RecordSpace target;
         ASSERT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target.at()), 0u);
         EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target.at()), 0u);
         EXPECT_TRUE(target.isZero(recordSize(sample.lineType)));

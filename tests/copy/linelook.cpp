@@ -99,11 +99,11 @@ public:
 private:
     void number(uint32_t value) { look_.text.append(std::to_string(value)).push_back(' '); }
 
-    bool keep(const void *piece) {
-        if (piece != nullptr) {
-            look_.pieces.push_back(piece);
+    bool keep(const void *allocation) {
+        if (allocation != nullptr) {
+            look_.allocations.push_back(allocation);
         }
-        return piece != nullptr;
+        return allocation != nullptr;
     }
 
     bool points(const void *to) {

@@ -13,16 +13,16 @@ uint32_t LineMemory::freeAnswer_ = 0;
 LineMemory::LineMemory() : control_{this, alloc, free} {}
 
 LineMemory::~LineMemory() {
-    EXPECT_EQ(pieces_.size(), 0u) << "pieces were not given back";
-    for (const auto &[piece, size] : pieces_) {
-        owners_.erase(piece);
-        std::free(const_cast<void *>(piece));
+    EXPECT_EQ(allocations_.size(), 0u) << "allocations were not given back";
+    for (const auto &[allocation, size] : allocations_) {
+        owners_.erase(allocation);
+        std::free(const_cast<void *>(allocation));
     }
 }
 
-size_t LineMemory::sizeAt(const void *piece) const {
-    const auto found = pieces_.find(piece);
-    return found == pieces_.end() ? 0 : found->second;
+size_t LineMemory::sizeAt(const void *allocation) const {
+    const auto found = allocations_.find(allocation);
+    return found == allocations_.end() ? 0 : found->second;
 }
 
 void *LineMemory::alloc(SDPMemCp *control, uint32_t size) {
@@ -30,22 +30,22 @@ void *LineMemory::alloc(SDPMemCp *control, uint32_t size) {
     if (++self.requests_ == self.refused_) {
         return nullptr;
     }
-    void *piece = std::malloc(size == 0 ? 1 : size);
-    std::memset(piece, kRubbish, size == 0 ? 1 : size);
-    self.pieces_[piece] = size;
-    owners_[piece] = &self;
-    return piece;
+    void *allocation = std::malloc(size == 0 ? 1 : size);
+    std::memset(allocation, kRubbish, size == 0 ? 1 : size);
+    self.allocations_[allocation] = size;
+    owners_[allocation] = &self;
+    return allocation;
 }
 
-uint32_t LineMemory::free(void *piece) {
-    const auto owner = owners_.find(piece);
+uint32_t LineMemory::free(void *allocation) {
+    const auto owner = owners_.find(allocation);
     if (owner == owners_.end()) {
-        ADD_FAILURE() << "given back what nobody holds";
+        ADD_FAILURE() << "released, but not allocated";
         return freeAnswer_;
     }
-    owner->second->pieces_.erase(piece);
+    owner->second->allocations_.erase(allocation);
     owners_.erase(owner);
-    std::free(piece);
+    std::free(allocation);
     return freeAnswer_;
 }
 

@@ -25,23 +25,23 @@ public:
 
     SDPMemCp *control() { return &control_; }
 
-    // The request that many requests ahead (1 = the next one) is answered with null; 0: none.
+    // The request that many requests ahead (1 = the next one) returns null; 0: none.
     void refuse(size_t ahead) { refused_ = ahead == 0 ? 0 : requests_ + ahead; }
 
     size_t requests() const { return requests_; }
-    size_t live() const { return pieces_.size(); }
-    // Size of a live piece that begins there; 0 when there is none.
-    size_t sizeAt(const void *piece) const;
+    size_t live() const { return allocations_.size(); }
+    // Size of a live allocation that begins there; 0 when there is none.
+    size_t sizeAt(const void *allocation) const;
 
-    // What pfnFree answers, for all memories.
+    // What pfnFree returns, for all memories.
     static void answerFree(uint32_t result) { freeAnswer_ = result; }
 
 private:
     static void *alloc(SDPMemCp *control, uint32_t size);
-    static uint32_t free(void *piece);
+    static uint32_t free(void *allocation);
 
     SDPMemCp control_;
-    std::map<const void *, size_t> pieces_;
+    std::map<const void *, size_t> allocations_;
     size_t requests_ = 0;
     size_t refused_ = 0;
 
@@ -49,7 +49,7 @@ private:
     static uint32_t freeAnswer_;
 };
 
-// A memory that stands in for the process heap while it lives.
+// Memory that replaces the process heap while it lives.
 class SystemMemory {
 public:
     SystemMemory() : before_(gSipSystemMemCp) { gSipSystemMemCp = memory.control(); }

@@ -11,7 +11,7 @@ namespace dsmtest {
 
 namespace {
 
-constexpr SDPResult kGeneric = 1; // whatever the generic service answered
+constexpr SDPResult kGeneric = 1; // whatever the generic service returned
 constexpr SDPResult kService = SIP_NO_MEMORY;
 constexpr SDPResult kMedia = 0x020f6001;
 constexpr SDPResult kProto = 0x020f9001;
@@ -89,13 +89,12 @@ void addConnections(Shelf &shelf) {
 }
 
 void addOrigins(Shelf &shelf) {
-    SDPOrigin record = {};
-    record.strUserName = textOf("jdoe");
-    record.strSessionId = textOf("2890844526");
-    record.strSessionVersion = textOf("2890842807");
-    record.stNetType.enNetType = SDP_NETTYPE_IN;
-    record.stAddrType.enAddrType = SDP_ADDRTYPE_IP4;
-    record.strAddress = textOf("10.47.16.5");
+    SDPOrigin record = {textOf("jdoe"),
+                        textOf("2890844526"),
+                        textOf("2890842807"),
+                        {SDP_NETTYPE_IN, nullptr},
+                        {SDP_ADDRTYPE_IP4, nullptr},
+                        textOf("10.47.16.5")};
     shelf.add("o= IN IP4", SDP_LINE_ORIGIN, record, times(4, kGeneric));
     record.strUserName = {};
     record.stNetType = {SDP_NETTYPE_OTHER, shelf.text("ATM")};

@@ -14,7 +14,7 @@ struct Sample {
     std::string name;
     uint32_t lineType;
     const void *record;
-    // What SdpCopyLine answers when the first, the second, ... request for memory is refused: one
+    // What SdpCopyLine returns when the first, the second, ... request for memory is refused: one
     // for each request that a copy makes. File base 0.
     std::vector<SDPResult> refusals;
 };
@@ -26,8 +26,8 @@ const Sample &sampleNamed(std::string_view name);
 size_t recordSize(uint32_t lineType);
 
 struct Look {
-    std::string text;                 // the whole record and everything it points to
-    std::vector<const void *> pieces; // what it points to, the texts' bytes included
+    std::string text;                      // the whole record and everything it points to
+    std::vector<const void *> allocations; // what it points to, the texts' bytes included
 };
 
 Look lookAt(uint32_t lineType, const void *record);

@@ -62,7 +62,7 @@ public:
     void pointers(std::vector<const void *> &all) const {
         for (const void *record : {copy(), static_cast<const void *>(clone_)}) {
             const Look look = lookAt(lineType_, record);
-            all.insert(all.end(), look.pieces.begin(), look.pieces.end());
+            all.insert(all.end(), look.allocations.begin(), look.allocations.end());
         }
         all.push_back(clone_);
     }
@@ -102,13 +102,14 @@ static_assert(sizeof(SDPOrigin) >= sizeof(SDPConnection) &&
                   sizeof(SDPOrigin) >= sizeof(SDPAttr),
               "the greatest record of a line");
 
-// In memory whose pieces are counted each, a clone is one piece and those that it points to.
+// In memory whose allocations are counted each, a clone is one allocation and those that it points
+// to.
 void expectCloneOwnsExactlyItsPieces(const BodyLine &source) {
     const Held before = Held::now();
     void *clone = nullptr;
     ASSERT_EQ(SdpCloneLine(gSipSystemMemCp, source.lineType, source.record, &clone), 0u);
     EXPECT_EQ(Held::now().heapBlocks,
-              before.heapBlocks + 1 + lookAt(source.lineType, clone).pieces.size());
+              before.heapBlocks + 1 + lookAt(source.lineType, clone).allocations.size());
     EXPECT_EQ(SdpFreeLine(gSipSystemMemCp, source.lineType, &clone), 0u);
     EXPECT_TRUE(Held::now() == before);
 }
@@ -125,7 +126,7 @@ size_t checkLinesOf(Body body) {
         // What a t= line points to is looked at once more with its r= lines.
         if (line.lineType != SDP_LINE_REPEAT) {
             const Look source = lookAt(line.lineType, line.record);
-            pointers.insert(pointers.end(), source.pieces.begin(), source.pieces.end());
+            pointers.insert(pointers.end(), source.allocations.begin(), source.allocations.end());
         }
         twins.back().pointers(pointers);
         twins.back().expectEqualToSource();

@@ -11,7 +11,7 @@ namespace dsmtest {
 
 class NoTexts {
 public:
-    // What each of the two answers; 0 lets the calls through.
+    // What each of the two returns; 0 lets the calls through.
     NoTexts(uint32_t copyResult, uint32_t cloneResult);
     ~NoTexts();
     NoTexts(const NoTexts &) = delete;

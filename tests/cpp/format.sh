@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Errors and values by std::format. Where the standard library has none, by the least of a stand-in
-# that shows whether format.hpp is used as the standard uses a formatter.
+# Errors and values by std::format. Where the standard library has none, by the least of a replacement
+# that shows whether format.hpp works as a formatter of the standard.
 # usage: format.sh SOURCE_DIR BUILD_DIR CXX
 set -euo pipefail
 source=$1 build=$2 cxx=$3

@@ -1,5 +1,5 @@
 // Every operation that asks for memory, with the first, second, ... request failing until none
-// does: each failure says so, changes nothing that can be seen, and leaves nothing behind.
+// does: each failure says so, changes nothing that can be seen, and leaks nothing.
 #include <array>
 #include <functional>
 

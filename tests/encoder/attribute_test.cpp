@@ -55,7 +55,7 @@ protected:
     SipString name = str("x-foo");
 };
 
-TEST_F(EncodeAttribute, WritesPlainValuesBehindTheirNames) {
+TEST_F(EncodeAttribute, WritesPlainValuesAfterTheirNames) {
     const std::pair<SDPAttr, const char *> attrs[] = {
         {number(SDP_ATTR_SENDRECV, 0), "sendrecv"},
         {number(SDP_ATTR_SENDONLY, 0), "sendonly"},
@@ -269,7 +269,7 @@ protected:
     SDPAttrList list = {3, items};
 };
 
-TEST_F(EncodeAttributeList, GoesOnBehindAnAttributeThatFails) {
+TEST_F(EncodeAttributeList, GoesOnAfterAnAttributeThatFails) {
     EXPECT_EQ(encode(), 0u);
     EXPECT_EQ(text(), "a=ptime:20\r\na=\r\na=fax\r\n");
     EXPECT_EQ(log.texts().size(), 1u);
@@ -419,7 +419,7 @@ protected:
     }
 };
 
-TEST_F(EncodeMediaControl, SilenceSuppressionPutsNoBlankBehindItsColon) {
+TEST_F(EncodeMediaControl, SilenceSuppressionPutsNoBlankAfterItsColon) {
     EXPECT_EQ(encoded(silence(1, " - - - -")), "silenceSupp:on - - - -");
     EXPECT_EQ(encoded(silence(0, " - - - -")), "silenceSupp:off - - - -");
     EXPECT_EQ(encoded(silence(9, "")), "silenceSupp:on");
@@ -429,7 +429,7 @@ TEST_F(EncodeMediaControl, SilenceSuppressionPutsNoBlankBehindItsColon) {
 )");
 }
 
-TEST_F(EncodeMediaControl, EchoCancellationPutsABlankBehindItsDirection) {
+TEST_F(EncodeMediaControl, EchoCancellationPutsABlankAfterItsDirection) {
     EXPECT_EQ(encoded(ecan(SDP_ECAN_FB, 1, "")), "ecan:fb on");
     EXPECT_EQ(encoded(ecan(SDP_ECAN_F, 0, " -")), "ecan:f off -");
     EXPECT_EQ(encoded(ecan(SDP_ECAN_B, 2, " G165")), "ecan:b on G165");
@@ -453,7 +453,7 @@ TEST_F(EncodeMediaControl, IpBcpWritesItsVersionAndType) {
 )");
 }
 
-TEST_F(EncodeMediaControl, IpBcpRefusesAnUnknownTypeBehindTheVersion) {
+TEST_F(EncodeMediaControl, IpBcpRefusesAnUnknownTypeAfterTheVersion) {
     SDPAttr attr = ipBcp(1, 0);
     const auto write = [&] { return sdpLibEncodeAttribField(&attr, buffer); };
     expectCodesRefused(write, attr.unAttrValue.stIpBcp.ucType, 5, 0xDB041001u, "ipbcp:1",

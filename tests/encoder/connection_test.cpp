@@ -74,7 +74,7 @@ TEST_F(EncodeConnection, WritesIpv6AsEightFullGroups) {
     EXPECT_EQ(encoded(), "c=IN IP6 0123:4567:89AB:CDEF:FEDC:BA98:7654:3210\r\n");
 }
 
-TEST_F(EncodeConnection, WritesATtlBehindIpv6Too) {
+TEST_F(EncodeConnection, WritesATtlAfterIpv6Too) {
     useIpv6({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1});
     connection.ulTtl = 16;
     connection.ulNoOfAddrs = 2;
@@ -158,7 +158,7 @@ TEST_F(EncodeConnection, PartsSetTheTypeErrorForUnknownTypesOnly) {
     EXPECT_EQ(typeError, 1u);
 }
 
-TEST_F(EncodeConnection, StillTriesTheTtlBehindARefusedAppend) {
+TEST_F(EncodeConnection, StillTriesTheTtlAfterARefusedAppend) {
     connection.ulTtl = 127;
     connection.ulNoOfAddrs = 3;
     EXPECT_EQ(trace([this] { return encode(); }), R"("c" refused "/127/3"

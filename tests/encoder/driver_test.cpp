@@ -129,7 +129,7 @@ struct Group {
 
 const uint32_t kGoesOn = 0;
 
-// The appends of the full body in order, and what the body answers without one of them.
+// The appends of the full body in order, and what encoding the body returns without one of them.
 const std::vector<Group> kFullBodyAppends = {
     {0x03040068, {"v", "=", "0", "\r\n"}},
     {0x03042068,
@@ -190,7 +190,7 @@ TEST_F(EncodeBody, AnswersTheCodeOfTheLineThatLostAnAppend) {
             const SDPResult result = SdpLibEncodeSdpInt(&full.line, buffer);
             EXPECT_EQ(resultName(result), resultName(group.result)) << n << ' ' << append;
             if (result != 0) {
-                // Nothing behind the line that failed.
+                // Nothing after the line that failed.
                 EXPECT_EQ(log.texts().back(), "3 sdpencode SdpLibEncodeSdpInt 21");
                 EXPECT_LT(Appends::count(), n + 6) << append;
             } else if (&group != &kFullBodyAppends.back()) {
@@ -202,7 +202,7 @@ TEST_F(EncodeBody, AnswersTheCodeOfTheLineThatLostAnAppend) {
 
 TEST_F(EncodeBody, LeavesWhatFittedInAFullBuffer) {
     const auto results = resultsWhenFull([this] { return SdpLibEncodeSdpInt(&full.line, buffer); });
-    // The first line behind the point that tests its appends reports; behind the last b= and k=
+    // The first line after the point that tests its appends reports; after the last b= and k=
     // of a media description nothing does.
     EXPECT_EQ(resultName(results[0]), "EncodeVersion");
     EXPECT_EQ(resultName(results[5]), "EncodeOrigin");

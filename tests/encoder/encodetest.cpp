@@ -208,33 +208,26 @@ FullBody::FullBody() {
     for (SDPMediaDesc &media : medias) {
         media = {};
     }
-    SDPMediaField &audio = medias[0].stMediaField;
-    audio.stMedia.enMediaType = SDP_MEDIA_AUDIO;
-    audio.ulPort = 49170;
-    audio.ulNoOfPorts = 1;
-    audio.stProto.enProto = SDP_PROTO_RTP_AVP;
-    audio.stMediaFmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
-    audio.stMediaFmt.unMediaFmt.stRtpPayLoads = {3, payloads};
+    medias[0].stMediaField = {{SDP_MEDIA_AUDIO, nullptr},
+                              49170,
+                              1,
+                              {SDP_PROTO_RTP_AVP, nullptr},
+                              {SDP_FMT_RTP_PAYLOADS, {{3, payloads}}}};
     medias[0].pstrMediaInfo = &info;
     medias[0].pstConnection = &connection;
     medias[0].pstBandwidthList = &bandwidthList;
     medias[0].pstKey = &key;
     medias[0].pstAttrList = &attrList;
-    SDPMediaField &image = medias[1].stMediaField;
-    image.stMedia.enMediaType = SDP_MEDIA_IMAGE;
-    image.ulPort = 5000;
-    image.ulNoOfPorts = 2;
-    image.stProto.enProto = SDP_PROTO_UDPTL;
-    image.stMediaFmt.enFmtType = SDP_FMT_T38;
+    medias[1].stMediaField = {
+        {SDP_MEDIA_IMAGE, nullptr}, 5000, 2, {SDP_PROTO_UDPTL, nullptr}, {SDP_FMT_T38, {}}};
 
     line = {};
-    SDPOrigin &origin = line.stOrigin;
-    origin.strUserName = str("jdoe");
-    origin.strSessionId = str("2890844526");
-    origin.strSessionVersion = str("2890842807");
-    origin.stNetType.enNetType = SDP_NETTYPE_IN;
-    origin.stAddrType.enAddrType = SDP_ADDRTYPE_IP4;
-    origin.strAddress = str("10.47.16.5");
+    line.stOrigin = {str("jdoe"),
+                     str("2890844526"),
+                     str("2890842807"),
+                     {SDP_NETTYPE_IN, nullptr},
+                     {SDP_ADDRTYPE_IP4, nullptr},
+                     str("10.47.16.5")};
     line.strSessionName = str("SDP Seminar");
     line.pstrSessionInfo = &info;
     line.pstrUri = &uri;

@@ -13,12 +13,6 @@ using Lines = std::vector<std::string>;
 class EncodeMedia : public EncodeTest {
 protected:
     EncodeMedia() {
-        field.stMedia.enMediaType = SDP_MEDIA_AUDIO;
-        field.ulPort = 49170;
-        field.ulNoOfPorts = 1;
-        field.stProto.enProto = SDP_PROTO_RTP_AVP;
-        field.stMediaFmt.enFmtType = SDP_FMT_RTP_PAYLOADS;
-        field.stMediaFmt.unMediaFmt.stRtpPayLoads = {3, payloads};
         for (uint32_t i = 3; i < std::size(payloads); ++i) {
             payloads[i] = i;
         }
@@ -39,7 +33,11 @@ protected:
     }
 
     uint32_t payloads[101] = {0, 8, 97};
-    SDPMediaField field = {};
+    SDPMediaField field = {{SDP_MEDIA_AUDIO, nullptr},
+                           49170,
+                           1,
+                           {SDP_PROTO_RTP_AVP, nullptr},
+                           {SDP_FMT_RTP_PAYLOADS, {{3, payloads}}}};
     SipString message = str("message");
     SipString sctp = str("SCTP");
 };
@@ -267,7 +265,7 @@ TEST_F(EncodeMediaSet, PassesThePrefixFlagOnToEveryLine) {
                       "image 5000/2 udptl t38\r\n");
 }
 
-TEST_F(EncodeMediaSet, WritesTheOtherLinesBehindAHalfWrittenMediaLine) {
+TEST_F(EncodeMediaSet, WritesTheOtherLinesAfterAHalfWrittenMediaLine) {
     audio.stMediaField.stProto.enProto = 0;
     EXPECT_EQ(encode(), 0u);
     EXPECT_EQ(text(), "m=audio 49170 " + rest);

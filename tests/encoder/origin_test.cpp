@@ -9,18 +9,14 @@ using Lines = std::vector<std::string>;
 
 class EncodeOrigin : public EncodeTest {
 protected:
-    EncodeOrigin() {
-        origin.strUserName = str("-");
-        origin.strSessionId = str("1");
-        origin.strSessionVersion = str("2");
-        origin.stNetType.enNetType = SDP_NETTYPE_IN;
-        origin.stAddrType.enAddrType = SDP_ADDRTYPE_IP4;
-        origin.strAddress = str("host.example.com");
-    }
-
     SDPResult encode() { return sdpLibEncodeOriginField(&prefixed, &origin, buffer); }
 
-    SDPOrigin origin = {};
+    SDPOrigin origin = {str("-"),
+                        str("1"),
+                        str("2"),
+                        {SDP_NETTYPE_IN, nullptr},
+                        {SDP_ADDRTYPE_IP4, nullptr},
+                        str("host.example.com")};
     SipString atm = str("ATM");
     SipString nsap = str("NSAP");
 };

@@ -71,7 +71,7 @@ TEST_F(EncodeTime, PassesThePrefixFlagOnToTheRepeatLines) {
     EXPECT_EQ(text(), "1 2\r\n7d 0s\r\n");
 }
 
-TEST_F(EncodeTime, MovesOnToTheNextFieldBehindAFailure) {
+TEST_F(EncodeTime, MovesOnToTheNextFieldAfterAFailure) {
     first.pstRepeatFieldSet = &goodRepeats;
     EXPECT_EQ(trace([this] { return encode(); }), R"("t" ok "t=3 4294967295\r\n"
 "=" ok "tt=3 4294967295\r\n"
@@ -109,7 +109,7 @@ TEST_F(EncodeTime, WritesTheNextFieldWhenTheRepeatLinesOfTheFirstFail) {
 
 TEST_F(EncodeTime, AnswersTheLastFailureWhenNoFieldCanBeWritten) {
     first.pstRepeatFieldSet = &badRepeats;
-    Appends::failAt(11); // "=" of the second t=, behind t=1 2 CRLF and r=5
+    Appends::failAt(11); // "=" of the second t=, after t=1 2 CRLF and r=5
     EXPECT_EQ(encode(), Appends::kRefused);
     EXPECT_EQ(text(), "t=1 2\r\nr=5t");
 
@@ -196,7 +196,7 @@ TEST_F(EncodeRepeat, TypedTimeWritesTheUnitsLetter) {
     }
 }
 
-TEST_F(EncodeRepeat, TypedTimeRefusesAnUnknownUnitBehindTheNumber) {
+TEST_F(EncodeRepeat, TypedTimeRefusesAnUnknownUnitAfterTheNumber) {
     SDPTimeUnit unit = {0, 5};
     const auto write = [&] { return sdpLibEncodeTimeUnit(&unit, buffer); };
     expectCodesRefused(write, unit.enTimeType, 5, 0xDF011001u, "5",

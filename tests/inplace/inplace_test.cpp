@@ -247,7 +247,7 @@ std::string textWithEntries(uint32_t spoiled) {
     return text;
 }
 
-TEST(InPlace, writesBehindWhatALogHookAppends) {
+TEST(InPlace, writesAfterWhatALogHookAppends) {
     for (uint32_t spoiled = 0; textWithEntries(spoiled) != "all"; ++spoiled) {
         const std::string inPlace = textWithEntries(spoiled);
         EXPECT_NE(inPlace.find("<a text that takes room>"), std::string::npos) << spoiled;
@@ -264,7 +264,7 @@ TEST(InPlace, goesThroughTheHooksThatALogHookHasSet) {
         SDPMemCp *block = nullptr;
         ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
         sdpline::beginDecode(block);
-        void *const piece = sdpline::allocateBytes(24);
+        void *const bytes = sdpline::allocateBytes(24);
         EXPECT_TRUE(sdpline::allocatesInPlace());
         const LogHook hook([] {
             SdpSetFnAlloc([](uint32_t) -> void * { return other; });
@@ -277,8 +277,8 @@ TEST(InPlace, goesThroughTheHooksThatALogHookHasSet) {
         }
         EXPECT_EQ(sdpline::allocateBytes(24), other);
         EXPECT_EQ(static_cast<void *>(sdpline::allocate<SipString>()), other);
-        sdpline::freeBytes(piece);
-        EXPECT_EQ(freed, piece);
+        sdpline::freeBytes(bytes);
+        EXPECT_EQ(freed, bytes);
         sdpline::endDecode(false);
         SipMmReleaseBufMem(&block);
     }

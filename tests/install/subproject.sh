@@ -63,5 +63,5 @@ grep -q 'libsdpline\.so' "$work/targets" ||
   fail "BUILD_SHARED_LIBS=ON gives no shared library"
 grep -q '^sdpline_program' "$work/targets" && fail "the program is built"
 configure plain
-[ "$(installed plain)" -eq 0 ] || fail "files are installed that nobody asked for"
+[ "$(installed plain)" -eq 0 ] || fail "files are installed without being asked for"
 echo "subproject: what the parent decides is left to it"

@@ -1,5 +1,5 @@
 // The lexer beside its model, on random inputs under random operations: after every operation all
-// getters answer the same. The seed is fixed.
+// getters return the same. The seed is fixed.
 #include "lexer/lexertest.hpp"
 
 #include <array>
@@ -24,7 +24,7 @@ public:
     uint32_t below(uint32_t bound) { return static_cast<uint32_t>(engine_() % bound); }
     bool oneIn(uint32_t n) { return below(n) == 0; }
 
-    // Bytes that the contexts tell apart, among them now and then any byte and long runs.
+    // Bytes that the contexts treat differently, among them now and then any byte and long runs.
     std::string input() {
         static constexpr std::string_view kinds[] = {
             "IN IP4 IP6 X-", "osvuiepcbtkamrz=", "=========",
@@ -32,7 +32,7 @@ public:
             "--::..//",      "<>();:@,",         "!\"#$%&'*+?[]^_`{|}~\\",
         };
         std::string text;
-        for (uint32_t pieces = below(24); pieces > 0; --pieces) {
+        for (uint32_t parts = below(24); parts > 0; --parts) {
             const std::string_view kind = kinds[below(std::size(kinds))];
             if (oneIn(16)) {
                 text += std::string(1, static_cast<char>(1 + below(255)));
@@ -130,7 +130,7 @@ protected:
     }
 
     void markBoth(Random &) {
-        if (model_.end < size_) { // or the next token would begin behind the NUL
+        if (model_.end < size_) { // or the next token would begin after the NUL
             mark();
             model_.mark();
         }
@@ -207,7 +207,7 @@ protected:
     // ---- The fast operations beside token by token
 
     // Both on a token of the context that was cut at any place of the input, or on its end.
-    void stand(Random &random, uint32_t context) {
+    void moveAnywhere(Random &random, uint32_t context) {
         switchBoth(context);
         if (!random.oneIn(4) && size_ != 0) {
             jump(random);
@@ -297,7 +297,7 @@ TEST_F(LexerModelTest, RestsOfLinesAreGatheredAsTokenByToken) {
         SCOPED_TRACE(testing::PrintToString(text));
         padded_ = round % 2 != 0;
         start(text, SDP_LEXCTX_STRING);
-        stand(random, SDP_LEXCTX_STRING);
+        moveAnywhere(random, SDP_LEXCTX_STRING);
         compareRestOfLine(random.oneIn(3) ? 1023 : random.below(40));
     }
 }
@@ -318,7 +318,7 @@ TEST_F(LexerModelTest, ARestOfLineFitsUpToItsLimit) {
 }
 
 // The token at offset 0 comes again and again, so that the rest of its line never fits.
-TEST_F(LexerModelTest, ARestOfLineBehindOffset0NeverFits) {
+TEST_F(LexerModelTest, ARestOfLineAfterOffset0NeverFits) {
     for (const std::string text : {"x yz\n", " xyz\n", "\txyz", "x", "x\n", "xy z\n", "\nx", ""}) {
         for (const uint32_t limit : {0u, 1u, 2u, 3u, 4u, 5u, 1023u}) {
             SCOPED_TRACE(testing::PrintToString(text) + ' ' + std::to_string(limit));
@@ -337,7 +337,7 @@ TEST_F(LexerModelTest, BytesToASlashAreGatheredAsByteByByte) {
         SCOPED_TRACE(testing::PrintToString(text));
         padded_ = round % 2 != 0;
         start(text, SDP_LEXCTX_CHAR);
-        stand(random, SDP_LEXCTX_CHAR);
+        moveAnywhere(random, SDP_LEXCTX_CHAR);
         compareBytesToSlash(random.oneIn(3) ? 255 : random.below(20));
     }
 }
@@ -359,7 +359,7 @@ TEST_F(LexerModelTest, BytesToASlashFitUpToTheirLimit) {
 }
 
 // The byte at offset 0 comes again and again, so that no slash is ever reached.
-TEST_F(LexerModelTest, BytesBehindOffset0NeverReachASlash) {
+TEST_F(LexerModelTest, BytesAfterOffset0NeverReachASlash) {
     for (const std::string text : {"ab/8\n", "a/\n", "a\n", "ab", "/ab", "\nab", ""}) {
         for (const uint32_t limit : {0u, 1u, 2u, 3u, 255u}) {
             SCOPED_TRACE(testing::PrintToString(text) + ' ' + std::to_string(limit));

@@ -48,7 +48,7 @@ TEST_F(LexerTest, MarkEndsTheTokenUnderConstruction) {
     EXPECT_EQ(sdpGetStartToken(), 2u);
     EXPECT_EQ(sdpGetIndex(), 0u);
     mark();
-    EXPECT_EQ(sdpGetStartToken(), 5u) << "the next token begins behind it";
+    EXPECT_EQ(sdpGetStartToken(), 5u) << "the next token begins after it";
     EXPECT_EQ(sdpGetEndToken(), 4u);
 }
 
@@ -78,7 +78,7 @@ TEST_F(LexerTest, TheEndTokenStays) {
     for (uint32_t context = SDP_LEXCTX_SDP; context <= SDP_LEXCTX_IPV6; ++context) {
         useInside("a", context);
         consume();
-        EXPECT_EQ(sdpGetEnd(), 0u) << "a NUL behind a run does not end the input";
+        EXPECT_EQ(sdpGetEnd(), 0u) << "a NUL after a run does not end the input";
         EXPECT_EQ(next(), (Token{30, 3, 3}));
         EXPECT_EQ(sdpGetEnd(), 1u);
         for (int i = 0; i < 3; ++i) {
@@ -101,7 +101,7 @@ TEST_F(LexerTest, ConsumeDoesNothingWhileTheEndFlagIs1) {
     EXPECT_EQ(sdpGetEnd(), 2u);
 }
 
-TEST_F(LexerTest, NothingBehindTheNulIsRead) {
+TEST_F(LexerTest, NothingAfterTheNulIsRead) {
     for (uint32_t context = SDP_LEXCTX_SDP; context <= SDP_LEXCTX_IPV6; ++context) {
         use(std::string("ab\0cd", 5), context);
         while (LA() != 30) {
@@ -173,7 +173,7 @@ TEST_F(LexerTest, TextIsThatOfTheCurrentTokenWithATerminator) {
     consume();
     const char *const text = LT();
     EXPECT_EQ(text, sdpGetThrowAwayBuffer());
-    EXPECT_EQ(std::string(text, 6), std::string("word\0#", 6)) << "nothing behind is touched";
+    EXPECT_EQ(std::string(text, 6), std::string("word\0#", 6)) << "nothing after it is touched";
     consume();
     EXPECT_STREQ(LT(), " ");
     EXPECT_EQ(text, sdpGetThrowAwayBuffer()) << "one buffer for all";
@@ -191,7 +191,7 @@ TEST_F(LexerTest, TheLongestTextIs1023Bytes) {
     EXPECT_EQ(sdpGetThrowAwayBuffer()[0], 'x') << "a text that does not fit leaves the buffer";
     consume();
     consume();
-    EXPECT_STREQ(LT(), "z") << "the token behind it is readable again";
+    EXPECT_STREQ(LT(), "z") << "the token after it is readable again";
 }
 
 TEST_F(LexerTest, TextLimitsHoldInEveryContextWithRuns) {

@@ -1,4 +1,4 @@
-// How the six contexts cut tokens. The kinds of the 256 bytes stand here as plain numbers.
+// How the six contexts cut tokens. The kinds of the 256 bytes are plain numbers here.
 #include "lexer/lexertest.hpp"
 
 #include <array>
@@ -145,12 +145,12 @@ TEST_F(LexerTest, EveryByteButSeparatorsBeginsATokenInTheTokenContext) {
 
 // ---- Contexts: the second byte
 
-// Where the token ends that begins with `first`, with `second` behind it; first at offset 2.
+// Where the token ends that begins with `first`, with `second` after it; first at offset 2.
 #define EXPECT_RUN(context, first, second, continues, kind)                                        \
     do {                                                                                           \
         useInside(std::string(first) + str(second) + "\n", context);                               \
         EXPECT_EQ(next(), (Token{kind, 2, (continues) ? 3u : 2u})) << first << " then " << second; \
-        EXPECT_EQ(sdpGetLastChar(), (continues) ? '\n' : second) << "the byte behind the run";     \
+        EXPECT_EQ(sdpGetLastChar(), (continues) ? '\n' : second) << "the byte after the run";      \
     } while (false)
 
 TEST_F(LexerTest, AStringGoesOnToWhiteSpaceOrTheEnd) {
@@ -192,7 +192,7 @@ TEST_F(LexerTest, NoOtherByteBeginsARunInTheAlnumContext) {
         if (!isAlnum(byte) && byte != '-') {
             useInside(str(byte) + str(byte) + "\n", SDP_LEXCTX_ALNUM);
             EXPECT_EQ(next(), (Token{kindOf(byte), 2, 2})) << byte;
-            EXPECT_EQ(sdpGetLastChar(), byte) << "nothing behind it was looked at";
+            EXPECT_EQ(sdpGetLastChar(), byte) << "nothing after it was looked at";
         }
     }
 }
@@ -237,7 +237,7 @@ TEST_F(LexerTest, FifteenSmallLettersBeginALine) {
             EXPECT_EQ(next(), (Token{kindOf(byte), 2, 2})) << byte;
         }
         const bool letter = kindOf(byte) == 2;
-        EXPECT_EQ(sdpGetLastChar(), letter ? '=' : byte) << "behind a letter one byte is looked at";
+        EXPECT_EQ(sdpGetLastChar(), letter ? '=' : byte) << "after a letter one byte is looked at";
     }
 }
 
@@ -313,7 +313,7 @@ TEST_F(LexerTest, ALineKindThatIsNotKnownIsALetter) {
     EXPECT_EQ(rest(), (Tokens{{2, "f"}, {14, "="}, {2, "x"}, {14, "="}}));
 }
 
-TEST_F(LexerTest, WordsAtTheEndOfTheInputReadNothingBehindIt) {
+TEST_F(LexerTest, WordsAtTheEndOfTheInputReadNothingAfterIt) {
     for (const std::string text : {"I", "IP", "X", "v", "q"}) {
         useInside(text, SDP_LEXCTX_SDP);
         EXPECT_EQ(next(), (Token{2, 2, 2})) << text;

@@ -16,7 +16,7 @@ protected:
         return named(sdpConnectionField(&connection));
     }
 
-    // Makes the blank behind the address type current, as the steps find it.
+    // Makes the blank after the address type current, as the steps find it.
     void startAtBlank(const std::string &address) {
         start("c=IN IP4" + address);
         consume();
@@ -149,14 +149,14 @@ TEST_F(ConnectionLine, AddrTypeIsToldByTheKind) {
     EXPECT_EQ(log.texts(), Texts(6, "3 sdpparser sdpConnectionFieldAddrType 3"));
 }
 
-TEST_F(ConnectionLine, Ipv4StepStopsBehindTheFourthOctet) {
+TEST_F(ConnectionLine, Ipv4StepStopsAfterTheFourthOctet) {
     startAtBlank(" 1.2.3.4/5\n");
     EXPECT_EQ(named(sdpConnectionFieldAddrIpv4(&connection)), "ok");
     EXPECT_EQ(octets(), "1.2.3.4");
     EXPECT_EQ(LA(), static_cast<uint32_t>(SDP_TOK_SLASH));
 }
 
-TEST_F(ConnectionLine, Ipv6StepStopsBehindTheRun) {
+TEST_F(ConnectionLine, Ipv6StepStopsAfterTheRun) {
     startAtBlank(" ::a-\n");
     EXPECT_EQ(named(sdpConnectionFieldAddrIpv6(&connection)), "ok");
     EXPECT_EQ(connection.stTptAddr.unTptAddr.aucIpv6[15], 10);

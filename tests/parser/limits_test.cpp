@@ -1,23 +1,19 @@
 // Whole bodies of 4093 bytes in the smallest of lines: as many as fit, written back and read again.
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 
 #include "parser/parsing.hpp"
+#include "support/body.hpp"
 
 namespace {
 
+using support::Body;
 using support::named;
 using support::textOf;
 
 const std::string kHead = "v=0\no=- 1 1 IN IP4 192.0.2.1\ns=-\n";
 constexpr size_t kMaxBody = 4093;
-
-struct ReleaseBody {
-    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
-};
-using Body = std::unique_ptr<SdpLine, ReleaseBody>;
 
 class LimitsTest : public testing::Test {
 protected:
@@ -32,11 +28,11 @@ protected:
         const support::Guarded bytes(text);
         const SipString input = bytes.text();
         SdpLine *line = nullptr;
-        const SDPResult answer = SdpLibDecodeSdp(&input, &line);
+        const SDPResult decoded = SdpLibDecodeSdp(&input, &line);
         if (result != nullptr) {
-            *result = answer;
+            *result = decoded;
         } else {
-            EXPECT_EQ(named(answer), "ok");
+            EXPECT_EQ(named(decoded), "ok");
         }
         return Body(line);
     }

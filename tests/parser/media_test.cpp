@@ -1,4 +1,4 @@
-// The list of media descriptions and the order of the lines in one: every line behind every other,
+// The list of media descriptions and the order of the lines in one: every line after every other,
 // memory that fails, and the counter of 8 bits.
 #include "parser/parsing.hpp"
 
@@ -71,8 +71,8 @@ constexpr Line kLines[] = {
     {"", 30},
 };
 
-// The line and the empty line behind it, unless the text ends there.
-std::string behind(const Line &line) {
+// The line and the empty line after it, unless the text ends there.
+std::string after(const Line &line) {
     return line.kind == SDP_TOK_EOF ? "" : std::string(line.text) + '\n';
 }
 
@@ -101,7 +101,7 @@ TEST_F(MediaTest, LinesFollowEachOtherInOneOrderOnly) {
     for (const Order &order : orders) {
         for (const Line &line : kLines) {
             log.clear();
-            const std::string text = std::string(kMedia) + order.line + behind(line);
+            const std::string text = std::string(kMedia) + order.line + after(line);
             const bool follows = std::find(order.followers.begin(), order.followers.end(),
                                            line.kind) != order.followers.end();
             const std::string token = "Token = " + std::to_string(line.kind);
@@ -114,10 +114,10 @@ TEST_F(MediaTest, LinesFollowEachOtherInOneOrderOnly) {
     }
 }
 
-TEST_F(MediaTest, AnyLineBehindTheAttributesIsLeftToTheCaller) {
+TEST_F(MediaTest, AnyLineAfterTheAttributesIsLeftToTheCaller) {
     for (const Line &line : kLines) {
         if (line.kind != SDP_TOK_ATTRIBUTE) {
-            EXPECT_EQ(named(parseOne(std::string(kMedia) + "a=x\na=y\n" + behind(line))), "ok");
+            EXPECT_EQ(named(parseOne(std::string(kMedia) + "a=x\na=y\n" + after(line))), "ok");
             EXPECT_EQ(LA(), line.kind) << line.text;
             EXPECT_EQ(desc.pstAttrList->ulNoOfAttrs, 2u);
         }
@@ -138,7 +138,7 @@ TEST_F(MediaTest, TheNextDescriptionAndTheEmptyLineAreLeftToTheCaller) {
 TEST_F(MediaTest, ADescriptionBeginsWithItsMediaLine) {
     for (const Line &line : kLines) {
         if (line.kind != SDP_TOK_MEDIA) {
-            EXPECT_EQ(named(parseOne(behind(line))), "MediaLine 102") << line.text;
+            EXPECT_EQ(named(parseOne(after(line))), "MediaLine 102") << line.text;
         }
     }
 }
@@ -272,7 +272,7 @@ TEST_F(MediaTest, The257thDescriptionTakesTheFirstSlotOfTheSameArray) {
     EXPECT_EQ(sizesAskedFor().size(), 513u);
 }
 
-TEST_F(MediaTest, BehindTheWrapTheArrayGrowsFromOneSlotAgain) {
+TEST_F(MediaTest, AfterTheWrapTheArrayGrowsFromOneSlotAgain) {
     ASSERT_EQ(named(parseAll(manyLines(259))), "ok");
     ASSERT_EQ(set.ulNoOfMediaDescs, 3u);
     EXPECT_EQ(portOf(0), 257u);

@@ -265,7 +265,7 @@ class GatherTest : public MediaFieldTest {
 protected:
     static constexpr uint32_t kUnset = 0xDEADBEEF;
 
-    // Gathers from the text on, behind `count` numbers that are there already.
+    // Gathers from the text on, after `count` numbers that are there already.
     SDPResult gather(const std::string &text, uint32_t limit, uint32_t count = 0) {
         start("m=" + text);
         setLexerContext(SDP_LEXCTX_ALNUM);
@@ -297,7 +297,7 @@ TEST_F(GatherTest, AsManyAsTheLimitFit) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-TEST_F(GatherTest, ABlankBehindTheLastThatFitsIsTooMuch) {
+TEST_F(GatherTest, ABlankAfterTheLastThatFitsIsTooMuch) {
     const Texts logged = {"3 sdpparser sdpRtpAvpMediaFmtGetNoOfPayloads -"};
     for (const std::string text : {"3 1 2\n", "3 1 \n", "3 1 x\n"}) {
         log.clear();

@@ -130,7 +130,7 @@ TEST_F(ParserPrecondition, AKnownTypeHasNoOtherWord) {
 }
 
 // The first word must be there before the attribute has its type.
-TEST_F(ParserPrecondition, TypeIsStoredBehindTheFirstWord) {
+TEST_F(ParserPrecondition, TypeIsStoredAfterTheFirstWord) {
     SDPAttr attr = {};
     start("a=curr:\n");
     EXPECT_EQ(named(sdpAttributeField(&attr)), "StatusPrecondition 101");

@@ -1,4 +1,4 @@
-// a=rtpmap by the parser called alone, and the static profile that a name stands for.
+// a=rtpmap by the parser called alone, and the static profile of a name.
 #include "parser/parsing.hpp"
 #include "support/securefaults.hpp"
 

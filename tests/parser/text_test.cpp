@@ -153,7 +153,7 @@ TEST_F(TextLine, FailsWhenTheInputEndsBeforeTheValue) {
     EXPECT_TRUE(sizesAskedFor().empty());
 }
 
-TEST_F(TextLine, FailsWhenTheInputEndsBehindTheValue) {
+TEST_F(TextLine, FailsWhenTheInputEndsAfterTheValue) {
     EXPECT_EQ(parse("s=a b"), "TextEnd 101");
     EXPECT_EQ(textOf(value), "a b") << "the value is stored before the line end is looked for";
 }

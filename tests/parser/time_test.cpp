@@ -91,7 +91,7 @@ TEST_F(ParserTime, ATypedTimeSwitchesTheContextBeforeItLooks) {
     EXPECT_EQ(sdpGetLexerContext(), uint32_t{SDP_LEXCTX_ALNUM});
 }
 
-TEST_F(ParserTime, BlankAndLineEndBehindATypedTimeStayCurrent) {
+TEST_F(ParserTime, BlankAndLineEndAfterATypedTimeStayCurrent) {
     for (const char *const text : {"7 1", "7\n"}) {
         startTypedTime(text);
         SDPTimeUnit unit = {};
@@ -160,7 +160,7 @@ TEST_F(ParserTime, TimeLinesAreCountedModulo256) {
     }
 }
 
-TEST_F(ParserTime, LinesBehindThe256thTakeTheFirstSlots) {
+TEST_F(ParserTime, LinesAfterThe256thTakeTheFirstSlots) {
     start(timeLines(257) + "\n");
     SDPTimeSet set = {};
     ASSERT_EQ(sdpTimeFieldsSet(&set), 0u);
@@ -171,9 +171,9 @@ TEST_F(ParserTime, LinesBehindThe256thTakeTheFirstSlots) {
     EXPECT_EQ(timesOf(set), "257-0 258-0 259-0");
 }
 
-// The array is asked for slot by slot; behind the wrap it stays for one line and then shrinks to
+// The array is asked for slot by slot; after the wrap it stays for one line and then shrinks to
 // two slots.
-TEST_F(ParserTime, TimeArrayGrowsByOneSlotAndStartsAnewBehindTheWrap) {
+TEST_F(ParserTime, TimeArrayGrowsByOneSlotAndStartsAnewAfterTheWrap) {
     start(timeLines(258) + "\n");
     SDPTimeSet set = {};
     ASSERT_EQ(sdpTimeFieldsSet(&set), 0u);

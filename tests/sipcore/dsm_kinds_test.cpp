@@ -158,7 +158,7 @@ TEST(WalkerChoice, copiesTheChosenAlternative) {
     EXPECT_TRUE(leaks.nothingKept());
 }
 
-TEST(WalkerChoice, selectorZeroHasNothingBehindIt) {
+TEST(WalkerChoice, selectorZeroHasNothingAfterIt) {
     Choice source{};
     Choice copy;
     std::memset(&source.value, 0x7F, sizeof source.value);

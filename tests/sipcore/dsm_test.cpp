@@ -135,7 +135,7 @@ TEST(Walker, undoesTheCopyWhenALaterMemberIsRefused) {
 }
 
 TEST(Walker, worksWhereNothingIsAligned) {
-    // Packed records may stand at any multiple of 4, their pointers then at odd ones.
+    // Packed records may be at any multiple of 4, their pointers then at odd multiples.
     const LeakCheck leaks;
     const Sample sample;
     alignas(8) uint8_t from[sizeof(Everything) + 4];
@@ -208,7 +208,7 @@ TEST(WalkerDepth, endsADescriptionThatContainsItself) {
 
     const LeakCheck leaks;
     std::vector<Link> chain(33);
-    for (size_t length = 1; length <= 32; ++length) { // links behind the first
+    for (size_t length = 1; length <= 32; ++length) { // links after the first
         for (size_t i = 0; i < chain.size(); ++i) {
             chain[i].next = i < length ? &chain[i + 1] : nullptr;
         }

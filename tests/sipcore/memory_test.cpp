@@ -195,16 +195,16 @@ TEST(Block, servesALargeClassFromFreedMemoryOfAnySizeInIt) {
 TEST(Block, veryLargeMemoryGoesBackToTheHeapAtOnce) {
     TestBlock block(512, 1032);
     const LeakCheck leaks;
-    std::vector<void *> pieces;
+    std::vector<void *> allocations;
     for (uint32_t size : {65537u, 100000u, 1u << 20}) {
-        pieces.push_back(block.alloc(size));
-        ASSERT_NE(pieces.back(), nullptr);
-        EXPECT_TRUE(isZero(pieces.back(), size));
+        allocations.push_back(block.alloc(size));
+        ASSERT_NE(allocations.back(), nullptr);
+        EXPECT_TRUE(isZero(allocations.back(), size));
     }
     EXPECT_FALSE(leaks.nothingKept());
-    block.free(pieces[1]); // the middle one, the newest, the oldest
-    block.free(pieces[2]);
-    block.free(pieces[0]);
+    block.free(allocations[1]); // the middle one, the newest, the oldest
+    block.free(allocations[2]);
+    block.free(allocations[0]);
     EXPECT_TRUE(leaks.nothingKept());
 }
 
@@ -219,12 +219,12 @@ TEST(Block, survivesARandomLife) {
     const LeakCheck leaks;
     {
         TestBlock block(512, 1032);
-        struct Piece {
+        struct Allocation {
             uint8_t *memory;
             uint32_t size;
             uint8_t mark;
         };
-        std::vector<Piece> alive;
+        std::vector<Allocation> alive;
         std::mt19937 engine(20240607);
         const auto random = [&] { return static_cast<uint32_t>(engine()); };
         const uint32_t bounds[] = {16, 64, 300, 5000, 80000};
@@ -238,11 +238,11 @@ TEST(Block, survivesARandomLife) {
                 alive.push_back({memory, size, static_cast<uint8_t>(step % 255 + 1)});
             } else if (!alive.empty()) {
                 std::swap(alive[random() % alive.size()], alive.back());
-                const Piece piece = alive.back();
+                const Allocation allocation = alive.back();
                 alive.pop_back();
-                ASSERT_TRUE(std::all_of(piece.memory, piece.memory + piece.size,
-                                        [&](uint8_t one) { return one == piece.mark; }));
-                ASSERT_EQ(block.free(piece.memory), 0u);
+                ASSERT_TRUE(std::all_of(allocation.memory, allocation.memory + allocation.size,
+                                        [&](uint8_t one) { return one == allocation.mark; }));
+                ASSERT_EQ(block.free(allocation.memory), 0u);
             }
         }
     }
@@ -303,22 +303,22 @@ TEST(Block, blocksOfDifferentThreadsDoNotMeet) {
     const auto work = [](int mark) {
         for (int round = 0; round < 200; ++round) {
             TestBlock block(512, 1032);
-            std::vector<uint8_t *> pieces;
+            std::vector<uint8_t *> allocations;
             for (uint32_t i = 0; i < 100; ++i) {
                 const uint32_t size = i * 7 + 1;
                 auto *memory = static_cast<uint8_t *>(block.alloc(size));
                 ASSERT_NE(memory, nullptr);
                 ASSERT_TRUE(isZero(memory, size));
                 std::memset(memory, mark, size);
-                pieces.push_back(memory);
+                allocations.push_back(memory);
                 if (i % 3 == 0) {
-                    block.free(pieces[i / 2]);
-                    pieces[i / 2] = static_cast<uint8_t *>(block.alloc(i / 2 * 7 + 1));
-                    std::memset(pieces[i / 2], mark, i / 2 * 7 + 1);
+                    block.free(allocations[i / 2]);
+                    allocations[i / 2] = static_cast<uint8_t *>(block.alloc(i / 2 * 7 + 1));
+                    std::memset(allocations[i / 2], mark, i / 2 * 7 + 1);
                 }
             }
             for (uint32_t i = 0; i < 100; ++i) {
-                ASSERT_EQ(pieces[i][i * 7], mark);
+                ASSERT_EQ(allocations[i][i * 7], mark);
             }
         }
     };
@@ -376,7 +376,7 @@ TEST(BlockUnderAddressSanitizer, onlyTheBytesAskedForMayBeTouched) {
     }
 }
 
-TEST(BlockUnderAddressSanitizer, memoryTakenAgainForLessStaysClosedBehindIt) {
+TEST(BlockUnderAddressSanitizer, memoryTakenAgainForLessStaysClosedAfterIt) {
     TestBlock block(512, 1032);
     auto *memory = static_cast<char *>(block.alloc(64));
     block.free(memory);

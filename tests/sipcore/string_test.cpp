@@ -136,7 +136,7 @@ TEST(StringNCmp, isOneWhenBothHoldTheBytesAndTheyAreEqual) {
         const SipString *first;
         const SipString *second;
         uint32_t count;
-        uint32_t answer;
+        uint32_t result;
     } rows[] = {
         {&abc, &abc, 3, 1},       {&abc, &abd, 2, 1},    {&abc, &abd, 3, 0},
         {&abc, &ab, 2, 1},        {&abc, &ab, 3, 0},     {&ab, &abc, 3, 0},
@@ -147,7 +147,7 @@ TEST(StringNCmp, isOneWhenBothHoldTheBytesAndTheyAreEqual) {
         {nullptr, nullptr, 0, 0}, {&abc, nullptr, 0, 0}, {&abc, &abc, UINT32_MAX, 0},
     };
     for (const auto &row : rows) {
-        EXPECT_EQ(SipSmStringNCmp(row.first, row.second, row.count), row.answer)
+        EXPECT_EQ(SipSmStringNCmp(row.first, row.second, row.count), row.result)
             << "row " << &row - rows;
     }
 }

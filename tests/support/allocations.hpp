@@ -12,7 +12,7 @@ namespace support {
 struct Allocations {
     // Starts counting anew; nothing fails.
     static void reset();
-    // Fails the n-th allocation since the reset, and none behind it.
+    // Fails the n-th allocation since the reset, and none after it.
     static void failAt(uint32_t n);
     // How many were tried since the reset, the failed one included.
     static uint32_t count();

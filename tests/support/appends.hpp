@@ -2,7 +2,7 @@
 //
 // A program that links appends.cpp takes the four appenders over from libsipcore: each call is
 // counted and noted, and then made by the real service, unless it was told to fail. Counting is
-// per thread, and stands still until the first reset.
+// per thread, and begins with the first reset.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 namespace support {
 
 struct Appends {
-    // What a failed append answers: no code of the library and no answer of the real service.
+    // What a failed append returns: no code of the library and no result of the real service.
     static constexpr uint32_t kRefused = 0x0A99E4D5;
 
     // Starts anew: nothing counted, nothing noted, nothing to fail.
@@ -20,7 +20,7 @@ struct Appends {
     // Lets every append through again, uncounted.
     static void off();
 
-    // Fails the n-th append since the reset, and none behind it: the real buffer does not see it.
+    // Fails the n-th append since the reset, and none after it: the real buffer does not see it.
     static void failAt(uint32_t n);
     // Fails the n-th append since the reset and all that follow, as a full buffer does.
     static void failFrom(uint32_t n);

@@ -2,20 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
-#include "sdpline/sdpline.h"
+#include "support/body.hpp"
 #include "support/bodylines.hpp"
 #include "support/cases.hpp"
 
 namespace support {
-
-struct ReleaseBody {
-    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
-};
-using Body = std::unique_ptr<SdpLine, ReleaseBody>;
 
 // Null when the text is refused.
 Body decoded(std::string_view text);

@@ -185,7 +185,7 @@ private:
 
     // ---- Media descriptions
 
-    // An m= line stands behind s=, c=, t= and what follows the times; the rest needs a t= before.
+    // An m= line follows s=, c=, t= and what follows the times; the rest needs a t= before.
     void mediaDescription() {
         if (inSession_ && std::string_view("iuepb").find(last_) != std::string_view::npos) {
             times();
@@ -457,7 +457,7 @@ private:
         return chance_.oneIn(2) ? put(chance_.pick(edges)) : put(std::to_string(chance_.number()));
     }
 
-    // At least 1. Long values stand in lines that a body need not have.
+    // At least 1. Long values are in lines that a body need not have.
     uint32_t length() {
         const uint32_t size = chance_.below(500);
         if (size < 480 || body_.size() < 100) {

@@ -7,8 +7,8 @@
 namespace support {
 
 // A body of at most SDP_MAX_BODY bytes: lines of every kind, attributes of every type, addresses
-// of both families, several media, words and bytes that nobody writes; neat ones, and ones with
-// mixed line ends, blanks before lines, NULs, a last line that nothing ends, and rubbish behind
+// of both families, several media, words and bytes that no program writes; neat ones, and ones with
+// mixed line ends, blanks before lines, NULs, a last line that nothing ends, and rubbish after
 // the description. Accepted under every configuration.
 //
 // Every value of it survives being written (under SDP_T38_STYLE_VALUE) and read again, but for the

@@ -9,8 +9,8 @@
 
 namespace support {
 
-// A copy of the bytes whose last one stands right before a page that may not be touched: reading
-// or writing behind it ends the program.
+// A copy of the bytes whose last one is right before a page that may not be touched: reading
+// or writing after it ends the program.
 class Guarded {
 public:
     explicit Guarded(std::string_view bytes);

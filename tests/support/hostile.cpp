@@ -15,7 +15,7 @@ constexpr std::string_view kStart = "v=0\no=- 1 1 IN IP4 x\ns=-\n";
 constexpr std::string_view kTimes = "t=0 0\n";
 constexpr std::string_view kMedia = "m=x 1 x x\n";
 
-// A head behind kStart, then one unit as often as there is room for it.
+// A head after kStart, then one unit as often as there is room for it.
 struct Hostile {
     const char *name;
     std::string head;

@@ -192,7 +192,7 @@ void LexerModel::cutSdp(uint32_t first) {
     close(lineKindOf(letter));
 }
 
-// The byte behind the letter has been classified, and is no "=".
+// The byte after the letter has been classified, and is no "=".
 void LexerModel::cutWord(char letter) {
     if (letter == 'X' && last == '-') {
         take();

@@ -20,7 +20,7 @@ struct SecureReport {
 struct SecureFaults {
     // Starts anew: nothing counted, nothing reported, nothing to fail.
     static void reset();
-    // Fails the n-th call of memcpy_s or memset_s since the reset, and none behind it: its bytes
+    // Fails the n-th call of memcpy_s or memset_s since the reset, and none after it: its bytes
     // stay as they are.
     static void failAt(uint32_t n);
     // How many calls of the two were made since the reset, the failed one included.

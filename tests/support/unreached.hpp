@@ -13,7 +13,7 @@ struct Unreachable {
 
 inline constexpr Unreachable kUnreachable[] = {
     {sdpline::Check::PayloadsEnd, "payloads are gathered up to the line end or not at all"},
-    {sdpline::Check::EncodeAttributes, "the encoder of attribute lists always answers 0"},
+    {sdpline::Check::EncodeAttributes, "the encoder of attribute lists always returns 0"},
 };
 
 } // namespace support

@@ -1,5 +1,5 @@
 // IPv6 text to bytes: the pattern, the token table, and the walk over both. Every expectation is
-// worked out by hand; what looks odd is kept on purpose, so that bodies read as they always did.
+// worked out by hand; what looks wrong is kept on purpose, so that bodies read as they always did.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -30,7 +30,7 @@ struct Cut {
     std::string pattern;
     char slots[SDP_IPV6_TOKENS][4];
 
-    // The text of a token; slots lie behind each other, so one of four bytes ends in the next.
+    // The text of a token; slots follow each other, so one of four bytes ends in the next.
     std::string token(uint32_t at) const {
         return reinterpret_cast<const char *>(slots) + sizeof slots[0] * at;
     }
@@ -98,7 +98,7 @@ TEST(TokanizeIPv6Str, DropsTheFifthDigit) {
 }
 
 // The second group's bytes take the place of the first one's NUL.
-TEST(TokanizeIPv6Str, StartsAnotherGroupBehindTheFifthDigit) {
+TEST(TokanizeIPv6Str, StartsAnotherGroupAfterTheFifthDigit) {
     const Cut tokens = cut("123456:7");
     EXPECT_EQ(tokens.pattern, "TTHT");
     EXPECT_EQ(std::string(tokens.slots[0], 4), "1234");
@@ -119,7 +119,7 @@ TEST(TokanizeIPv6Str, EndsAtANul) {
 }
 
 // The texts end where readable memory ends.
-TEST(TokanizeIPv6Str, LooksAtNoByteBehindTheLength) {
+TEST(TokanizeIPv6Str, LooksAtNoByteAfterTheLength) {
     EXPECT_EQ(patternOf("1"), "T");
     EXPECT_EQ(patternOf("1234"), "T");
     EXPECT_EQ(patternOf("1:"), "TH");
@@ -159,7 +159,7 @@ TEST(TokanizeIPv6Str, CutsTheTwentyThirdLetter) {
     EXPECT_EQ(tokens.token(21), "b");
 }
 
-TEST(TokanizeIPv6Str, ReadsNothingBehindTheLimit) {
+TEST(TokanizeIPv6Str, ReadsNothingAfterTheLimit) {
     const std::string letters = "::::::::" + std::string(14, '.'); // 22 of them
     EXPECT_EQ(patternOf(letters + ":::"), "HHHHHHHH" + std::string(14, 'D'));
 }
@@ -225,7 +225,7 @@ std::string load(std::string_view text) {
 
 struct Loaded {
     const char *text;
-    const char *address; // "::" stands for zero groups, as many as are missing
+    const char *address; // "::" is zero groups, as many as are missing
 };
 
 // Spells the gap of an expectation out.
@@ -236,12 +236,12 @@ std::string spelled(std::string address) {
     }
     std::string zeros;
     const std::string before = address.substr(0, gap);
-    const std::string behind = address.substr(gap + 2);
-    const size_t groups = (before.size() + 1) / 5 + (behind.size() + 1) / 5;
+    const std::string after = address.substr(gap + 2);
+    const size_t groups = (before.size() + 1) / 5 + (after.size() + 1) / 5;
     for (size_t i = groups; i < 8; ++i) {
         zeros += i == groups ? "0000" : ":0000";
     }
-    return before + (before.empty() ? "" : ":") + zeros + (behind.empty() ? "" : ":") + behind;
+    return before + (before.empty() ? "" : ":") + zeros + (after.empty() ? "" : ":") + after;
 }
 
 void PrintTo(const Loaded &row, std::ostream *out) {
@@ -271,7 +271,7 @@ constexpr Loaded kPlain[] = {
     {"64:ff9b::192.0.2.33",       "0064:ff9b::c000:0221"},
 };
 
-// A head that does not fit the shapes ends where it stands; a head without a final group keeps
+// A head that does not fit the shapes ends where it is; a head without a final group keeps
 // what it has.
 constexpr Loaded kHeads[] = {
     {"1:2",                       "0001:0002::"},
@@ -315,7 +315,7 @@ constexpr Loaded kGroups[] = {
     {"-",                         "::"},
 };
 
-// What stands behind the gap, walked two letters at a time where no shape fits, while three are
+// What follows the gap, walked two letters at a time where no shape fits, while three are
 // left; without a final group or a dotted part it is lost.
 constexpr Loaded kTails[] = {
     {"a::b::c",                   "000a::"},
@@ -357,7 +357,7 @@ constexpr Loaded kOctets[] = {
     {"1.2.3.2555",                "0102:03ff::"},
     {"1.2.3.123a",                "0102:037b::"},
     {"12345.1.1.1",               "7b01:0101::"},
-    // Behind a fifth digit another part follows at once.
+    // After a fifth digit another part follows at once.
     {"1.2.3.123456:7",            "0102:037b:0006::"},
     {"1.2.3.123455.6.7.8",        "0102:037b:0506:0708::"},
     {"::1.2.3.123456:7:8",        "::0102:037b"},
@@ -433,7 +433,7 @@ TEST(LoadIpV6StringToArray, DoesNotLogAnOctet) {
 
 TEST(LoadIpV6StringToArray, ReportsAnAddressThatCannotBeCopied) {
     SecureFaults::reset();
-    SecureFaults::failAt(2); // behind the token table
+    SecureFaults::failAt(2); // after the token table
     EXPECT_EQ(load("::1"), "eeee:eeee:eeee:eeee:eeee:eeee:eeee:eeee");
     ASSERT_EQ(SecureFaults::reports().size(), 1u);
     EXPECT_FALSE(SecureFaults::reports()[0].ex);

@@ -67,7 +67,7 @@ TEST(CmpExactString, IgnoresTheCaseOfAsciiLetters) {
 }
 
 // "@" and "`", "[" and "{" differ in the bit that tells the case of a letter.
-TEST(CmpExactString, KeepsOtherBytesApart) {
+TEST(CmpExactString, DistinguishesAllOtherBytes) {
     EXPECT_EQ(SdpiCmpExactString("@", "`"), 0u);
     EXPECT_EQ(SdpiCmpExactString("[", "{"), 0u);
     EXPECT_EQ(SdpiCmpExactString("\xc4", "\xe4"), 0u);

@@ -1,4 +1,4 @@
-// Decoding, encoding and copying on several threads at once, every answer compared with the one
+// Decoding, encoding and copying on several threads at once, every result compared with the one
 // that the same body gives alone. Where the library has one decoder for the process, decodes take
 // the lock of the C++ API; everything else runs free in both builds.
 #include <gtest/gtest.h>

@@ -113,7 +113,7 @@ private:
         }
     }
 
-    // `at` is an offset of the line as it is read; npos stands for where the line begins, which is
+    // `at` is an offset of the line as it is read; npos is where the line begins, which is
     // its indentation.
     void add(const PlainLine &line, size_t at, const std::string &name) {
         const size_t first = line.given.find_first_not_of('\0');

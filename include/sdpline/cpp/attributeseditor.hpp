@@ -239,23 +239,56 @@ private:
     Home home_;
 };
 
-inline Status AttributesEditor::setT38(const T38 &all) {
-    std::array<SDPAttr, 9> lines{};
-    std::size_t count = 0;
-    const auto put = [&](AttributeType type, std::uint32_t value) {
-        lines[count].ulAttrType = static_cast<std::uint32_t>(type);
-        lines[count++].unAttrValue.ulValue = value;
-    };
-    const auto putGiven = [&](AttributeType type, const auto &value) {
+namespace internal {
+
+/* The lines of what a T38 holds, in their usual order. */
+class T38Lines {
+public:
+    explicit T38Lines(const T38 &all) {
+        putGiven(AttributeType::T38FaxVersion, all.version);
+        putGiven(AttributeType::T38MaxBitRate, all.maxBitRate);
+        putFlag(AttributeType::T38FillBitRemoval, all.fillBitRemoval);
+        putFlag(AttributeType::T38TranscodingMmr, all.transcodingMmr);
+        putFlag(AttributeType::T38TranscodingJbig, all.transcodingJbig);
+        putGiven(AttributeType::T38RateManagement, all.rateManagement);
+        putGiven(AttributeType::T38MaxBuffer, all.maxBuffer);
+        putGiven(AttributeType::T38MaxDatagram, all.maxDatagram);
+        putGiven(AttributeType::T38UdpEc, all.errorCorrection);
+    }
+
+    std::size_t size() const { return count_; }
+
+    std::size_t clone(Copier &copier, SDPAttr **slots) const {
+        for (std::size_t i = 0; i < count_; ++i) {
+            slots[i] = copier.clone(lines_[i]);
+        }
+        return count_;
+    }
+
+private:
+    void put(AttributeType type, std::uint32_t value) {
+        lines_[count_].ulAttrType = static_cast<std::uint32_t>(type);
+        lines_[count_++].unAttrValue.ulValue = value;
+    }
+    template <class Value>
+    void putGiven(AttributeType type, const std::optional<Value> &value) {
         if (value) {
             put(type, static_cast<std::uint32_t>(*value));
         }
-    };
-    const auto putFlag = [&](AttributeType type, bool set) {
+    }
+    void putFlag(AttributeType type, bool set) {
         if (set) {
             put(type, 1);
         }
-    };
+    }
+
+    std::array<SDPAttr, 9> lines_{};
+    std::size_t count_ = 0;
+};
+
+} // namespace internal
+
+inline Status AttributesEditor::setT38(const T38 &all) {
     for (const auto &error :
          {all.rateManagement ? internal::refusedCode(*all.rateManagement) : std::nullopt,
           all.errorCorrection ? internal::refusedCode(*all.errorCorrection) : std::nullopt}) {
@@ -263,26 +296,14 @@ inline Status AttributesEditor::setT38(const T38 &all) {
             return *error;
         }
     }
-    putGiven(AttributeType::T38FaxVersion, all.version);
-    putGiven(AttributeType::T38MaxBitRate, all.maxBitRate);
-    putFlag(AttributeType::T38FillBitRemoval, all.fillBitRemoval);
-    putFlag(AttributeType::T38TranscodingMmr, all.transcodingMmr);
-    putFlag(AttributeType::T38TranscodingJbig, all.transcodingJbig);
-    putGiven(AttributeType::T38RateManagement, all.rateManagement);
-    putGiven(AttributeType::T38MaxBuffer, all.maxBuffer);
-    putGiven(AttributeType::T38MaxDatagram, all.maxDatagram);
-    putGiven(AttributeType::T38UdpEc, all.errorCorrection);
-
+    const internal::T38Lines lines(all);
     lookAt(home_.get());
     std::size_t old = size();
-    const auto clone = [&](internal::Copier &copier, SDPAttr **slots) {
-        for (std::size_t i = 0; i < count; ++i) {
-            slots[i] = copier.clone(lines[i]);
-        }
-        return count;
-    };
-    if (count != 0) {
-        if (Status added = home_.insertItems(old, count, clone); !added) {
+    if (lines.size() != 0) {
+        const auto clone = [&](internal::Copier &copier, SDPAttr **slots) {
+            return lines.clone(copier, slots);
+        };
+        if (Status added = home_.insertItems(old, lines.size(), clone); !added) {
             return added;
         }
     }

@@ -1,0 +1,15 @@
+// A decoded body that releases itself.
+#pragma once
+
+#include <memory>
+
+#include "sdpline/sdpline.h"
+
+namespace support {
+
+struct ReleaseBody {
+    void operator()(SdpLine *line) const { SdpLibReleaseSdp(&line); }
+};
+using Body = std::unique_ptr<SdpLine, ReleaseBody>;
+
+} // namespace support
