@@ -3,11 +3,19 @@
 #include <new>
 
 #include "commands/commands.hpp"
+#include "input/source.hpp"
 
 namespace {
 
+// "sdpline 1.0.0", and what this build reads besides texts.
+std::string version() {
+    const std::string packed = cli::unpackable();
+    return "sdpline " SDPLINE_VERSION "\ncaptures: pcap, pcapng\ncompressed inputs: " +
+           (packed.empty() ? "none (built without zlib and libzstd)" : packed);
+}
+
 constexpr cli::Program kProgram = {
-    "sdpline", "Reads the SDP bodies of SIP messages.", "sdpline " SDPLINE_VERSION,
+    "sdpline", "Reads the SDP bodies of SIP messages.", "",
     "Each subcommand has --help and examples. Colour is used on terminals only, and not\n"
     "when NO_COLOR is set. Exit status: 0 when all is well, 1 when something is refused\n"
     "or differs, 2 when something cannot be used."};
@@ -19,7 +27,10 @@ int run(int argc, char **argv) {
             add(app, status);
         }
     };
-    cli::readCommandLine(kProgram, argc, argv, addCommands, status);
+    const std::string versions = version();
+    cli::Program program = kProgram;
+    program.version = versions.c_str();
+    cli::readCommandLine(program, argc, argv, addCommands, status);
     std::cout.flush();
     if (!std::cout) {
         std::cerr << "sdpline: cannot write the output\n";

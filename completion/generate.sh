@@ -26,7 +26,7 @@ words_of() {
   STYLE*) echo 0 1 2 ;;
   ORDER*) echo theirs ours ;;
   LOCAL* | BODY* | LIST* | FILE* | FOLDER* | OFFER* | A | BODIES*) echo files ;;
-  N | BYTES* | NAME* | CODE* | METHOD* | ID* | URI* | "") ;;
+  N | NUMBER* | TEXT* | BYTES* | NAME* | CODE* | METHOD* | ID* | URI* | "") ;;
   *)
     echo "$0: no words are known for values of type $1" >&2
     return 1

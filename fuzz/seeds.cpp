@@ -14,6 +14,7 @@
 #include "fuzz.hpp"
 #include "negotiate/documents.hpp"
 #include "support/cases.hpp"
+#include "support/packets.hpp"
 #include "tables/keywords.hpp"
 #include "tidy/tidycases.hpp"
 #include "json/json.hpp"
@@ -77,15 +78,36 @@ std::string gatherings(const Case &current) {
     return operated(current.body, 3, std::string_view("\x0F\x0F\x00\x00\x0F\x02\x0F\x01", 8));
 }
 
+// A capture with the message in a datagram, in fragments and in segments.
+std::string packets(const Case &current) {
+    const std::string a = "192.0.2.1";
+    const std::string sip = message(current).substr(0, message(current).size() - 2);
+    const std::string datagram = support::udp(5060, 5060, sip);
+    support::CaptureWriter capture(support::CaptureForm::Pcap, 101);
+    capture.add(support::ipv4(a, a, 17, datagram), 0);
+    for (const std::string &part : support::ipv4Fragments(a, a, 17, datagram, 1, 256)) {
+        capture.add(part, 0);
+    }
+    for (size_t at = 0; at < sip.size(); at += 200) {
+        const auto sequence = static_cast<uint32_t>(at);
+        capture.add(support::ipv4(a, a, 6,
+                                  support::tcp(5060, 5060, sequence, support::kAck,
+                                               std::string_view(sip).substr(at, 200))),
+                    0);
+    }
+    return capture.take() + '\x40';
+}
+
 struct Target {
     const char *name;
     std::string (*seed)(const Case &current);
 };
 
 constexpr Target kTargets[] = {
-    {"decode", body},  {"roundtrip", body},   {"copies", body},       {"serialize", sized},
-    {"faults", sized}, {"json", body},        {"json", document},     {"message", message},
-    {"tidy", body},    {"lexer", operations}, {"gather", gatherings}, {"records", sized},
+    {"decode", body},      {"roundtrip", body},    {"copies", body},     {"serialize", sized},
+    {"faults", sized},     {"json", body},         {"json", document},   {"message", message},
+    {"packets", packets},  {"segments", sized},    {"fragments", sized}, {"tidy", body},
+    {"lexer", operations}, {"gather", gatherings}, {"records", sized},
 };
 
 // Two bodies of a case and a third one, if there is one, with a number for each choice.

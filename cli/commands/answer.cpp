@@ -155,6 +155,7 @@ void addAnswer(CLI::App &app, int &status) {
               "Order of the formats: theirs (the default) or ours");
     addFlag(command, "--avp-for-avpf", options->avpForAvpf, "Answer RTP/AVPF by RTP/AVP");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addSelection(command, options->decode);
     addMaxBody(command, options->decode.maxBody);
 }
 

@@ -1,7 +1,9 @@
 // What several subcommands share.
 #include "commands/commands.hpp"
 
+#include <algorithm>
 #include <iostream>
+#include <thread>
 
 #include "output/diagnostic.hpp"
 #include "output/origin.hpp"
@@ -12,7 +14,23 @@ namespace cli {
 
 void addPaths(CLI::App &command, DecodeOptions &options) {
     addWords(command, "FILE", options.paths,
-             "SDP, SIP messages that carry it, or folders of both; - is standard input");
+             "SDP, SIP messages that carry it, packet captures, or folders; - is standard input");
+    addNumber(command, "-j,--jobs", options.jobs, "NUMBER", 1, 256,
+              "Read so many inputs at once (as many as there are cores by default)");
+    addSelection(command, options);
+}
+
+void addSelection(CLI::App &command, DecodeOptions &options) {
+    Selection &selection = options.selection;
+    addWord(command, "--call-id", selection.callId, "ID", "Take the messages of this call alone");
+    addWord(command, "--from", selection.from, "TEXT",
+            "Take messages whose From header's URI has this in it");
+    addWord(command, "--method", selection.method, "METHOD",
+            "Take requests of this method and their responses, or a status: 200");
+    addNumber(command, "--frame", selection.frame, "NUMBER", 1, UINT32_MAX,
+              "Take the message that this packet of a capture completes");
+    addWord(command, "--extract", selection.extract, "FOLDER",
+            "Write each body to a file in this folder");
 }
 
 void addDecoderOptions(CLI::App &command, DecodeOptions &options) {
@@ -63,7 +81,9 @@ void configure(const WriteOptions &options) {
 }
 
 BodyUser::BodyUser(const DecodeOptions &options, Redactor *shared)
-    : tidy_(options.tidy), redact_(options.redact), shared_(shared) {
+    : tidy_(options.tidy), redact_(options.redact), selection_(options.selection),
+      jobs_(options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency())),
+      shared_(shared) {
     configure(options);
 }
 
@@ -76,6 +96,15 @@ void BodyUser::noteProblem(Problem::Kind kind) {
     if (kind != Problem::Note) {
         atLeast(kind == Problem::Wrong ? kRefused : kUnusable);
     }
+}
+
+std::string BodyUser::packetOf(const Found &found) {
+    return packetName(found, redactorFor(found));
+}
+
+std::string BodyUser::textOf(const Found &found) {
+    Redactor *const redactor = redactorFor(found);
+    return redactor != nullptr ? redactor->redactedBody(found.text) : std::string(found.text);
 }
 
 Redactor *BodyUser::redactorFor(const Found &found) {

@@ -28,6 +28,7 @@ void addDecode(CLI::App &app, int &status);
 void addFormat(CLI::App &app, int &status);
 void addEncode(CLI::App &app, int &status);
 void addCheck(CLI::App &app, int &status);
+void addCalls(CLI::App &app, int &status);
 void addDiff(CLI::App &app, int &status);
 void addExplain(CLI::App &app, int &status);
 void addProfiles(CLI::App &app, int &status);
@@ -39,8 +40,8 @@ void addRules(CLI::App &app, int &status);
 // In the order of the help. A new command is a row here, a section of the man page and a line of
 // the completion.
 inline constexpr auto kCommands = std::to_array<void (*)(CLI::App &app, int &status)>(
-    {addDecode, addFormat, addEncode, addCheck, addDiff, addExplain, addProfiles, addAnswer,
-     addNegotiateCheck, addTidy, addRules});
+    {addDecode, addFormat, addEncode, addCheck, addCalls, addDiff, addExplain, addProfiles,
+     addAnswer, addNegotiateCheck, addTidy, addRules});
 
 // ---- Options that several subcommands have
 
@@ -52,6 +53,8 @@ struct DecodeOptions {
     uint32_t maxBody = SDP_MAX_BODY;
     bool tidy = false;
     bool redact = false;
+    Selection selection;
+    uint32_t jobs = 0; // inputs that are read at once; 0: as many as the machine has cores
 };
 
 struct WriteOptions {
@@ -59,7 +62,8 @@ struct WriteOptions {
     uint32_t t38Style = SDP_T38_STYLE_FLAG;
 };
 
-void addPaths(CLI::App &command, DecodeOptions &options);
+void addPaths(CLI::App &command, DecodeOptions &options); // with those of addSelection()
+void addSelection(CLI::App &command, DecodeOptions &options);
 void addDecoderOptions(CLI::App &command, DecodeOptions &options);
 void addTidyFlag(CLI::App &command, DecodeOptions &options);
 void addMaxBody(CLI::App &command, uint32_t &maxBody);
@@ -80,6 +84,10 @@ public:
     explicit BodyUser(const DecodeOptions &options, Redactor *shared = nullptr);
 
     void problem(const InputProblem &problem) override;
+    std::string packetOf(const Found &found) override;
+    std::string textOf(const Found &found) override;
+    const Selection &selection() const override { return selection_; }
+    unsigned jobs() const override { return jobs_; }
 
     int status() const { return status_; }
 
@@ -100,6 +108,8 @@ private:
 
     const bool tidy_;
     const bool redact_;
+    const Selection selection_;
+    const unsigned jobs_;
     Redactor *const shared_;
     Redactor redactor_;
     int status_ = kFine;

@@ -131,6 +131,7 @@ void addDiff(CLI::App &app, int &status) {
     addRequired(command, "B", options->second, "Another one");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addColor(command, options->color);
+    addSelection(command, options->decode);
     addDecoderOptions(command, options->decode);
     addTidyFlag(command, options->decode);
     addRedact(command, options->decode);

@@ -64,6 +64,7 @@ void addNegotiateCheck(CLI::App &app, int &status) {
     addWord(command, "--previous", options->previous, "BODY",
             "The last description of the same side");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
+    addSelection(command, options->decode);
     addMaxBody(command, options->decode.maxBody);
 }
 

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "output/escape.hpp"
+#include "output/origin.hpp"
 #include "output/terminal.hpp"
 
 namespace cli {
@@ -45,7 +46,7 @@ void Party::body(const Found &found) {
     if (++count_ != 1) {
         return;
     }
-    name_ = found.name;
+    name_ = placeName(found, nullptr);
     line_ = found.line;
     mediaLines_ = mediaLinesOf(found.text, found.line);
     body_ = decoded(found);

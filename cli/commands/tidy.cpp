@@ -5,11 +5,14 @@
 #include <iostream>
 #include <limits>
 
+#include "capture/container.hpp"
+#include "input/captureinput.hpp"
 #include "input/lengths.hpp"
 #include "input/paths.hpp"
 #include "input/window.hpp"
 #include "output/diagnostic.hpp"
 #include "output/escape.hpp"
+#include "output/origin.hpp"
 #include "output/repairs.hpp"
 
 namespace cli {
@@ -89,21 +92,6 @@ private:
     std::vector<Change> changes_;
 };
 
-std::string redactedBody(std::string_view body, Redactor &redactor) {
-    std::string result;
-    while (!body.empty()) {
-        const size_t size = std::min(body.find('\n'), body.size());
-        std::string_view line = body.substr(0, size);
-        const bool pair = line.ends_with('\r');
-        line.remove_suffix(pair ? 1 : 0);
-        result += line.empty() ? "" : redactor.redacted(line);
-        result += pair ? "\r" : "";
-        result += size < body.size() ? "\n" : "";
-        body.remove_prefix(std::min(size + 1, body.size()));
-    }
-    return result;
-}
-
 class Tidier {
 public:
     Tidier(const Options &options, const sdpline::TidyRules &rules)
@@ -123,6 +111,9 @@ public:
     void file(const std::string &path) {
         const std::string name = inputName(path);
         Window input(path);
+        if (input.fill(kMagic) && Container::begins(input.text())) {
+            return capture(input, path, name);
+        }
         if (!input.fill(std::numeric_limits<size_t>::max())) {
             return trouble(name + ": " + input.error());
         }
@@ -133,21 +124,28 @@ public:
         for (const BodyPlace &place : found.bodies) {
             const Found body = {name, path, input.text().substr(place.offset, place.size),
                                 place.offset, place.line};
-            const auto tidied = sdpline::tidy(body.text, rules_);
+            const auto tidied = tidyBody(body);
             if (!tidied) {
-                trouble(name + ": " + std::string(tidied.error().sentence));
                 continue;
             }
-            learn(body.text, tidied->text());
-            tell(body, *tidied);
             noteUnread(body, *tidied, found);
             if (options_.decode.redact) {
-                masked += redactedBody(tidied->text(), redactor_);
+                masked += redactor_.redactedBody(tidied->text());
             } else if (tidied->isRepaired()) {
                 rewriter.replace(place, tidied->text());
             }
         }
         write(path, input.text(), options_.decode.redact ? masked : rewriter.run());
+    }
+
+    // A body of a capture: it is written without its message.
+    void body(const Found &found) {
+        const auto tidied = tidyBody(found);
+        if (tidied && !options_.dryRun && !options_.decode.json) {
+            std::cout << (captured_++ == 0 ? "" : "\r\n")
+                      << (options_.decode.redact ? redactor_.redactedBody(tidied->text())
+                                                 : std::string(tidied->text()));
+        }
     }
 
     int finish() {
@@ -158,6 +156,40 @@ public:
     }
 
 private:
+    static constexpr size_t kMagic = 4; // what a capture is known by
+
+    class CapturedBodies : public BodyUser {
+    public:
+        CapturedBodies(const Options &options, Tidier &tidier)
+            : BodyUser(options.decode, &tidier.redactor_), tidier_(tidier) {}
+        void body(const Found &found) override { tidier_.body(found); }
+
+    private:
+        Tidier &tidier_;
+    };
+
+    void capture(Window &input, const std::string &path, const std::string &name) {
+        if (options_.inPlace) {
+            return trouble(name + ": a capture cannot be written back");
+        }
+        CapturedBodies bodies(options_, *this);
+        if (!readCapture(input, path, name, bodies) || bodies.status() != kFine) {
+            status_ = kStillRefused;
+        }
+    }
+
+    // None, with a message, where it cannot be tidied at all.
+    std::optional<sdpline::Tidied> tidyBody(const Found &body) {
+        auto tidied = sdpline::tidy(body.text, rules_);
+        if (!tidied) {
+            trouble(placeName(body, redactor()) + ": " + std::string(tidied.error().sentence));
+            return std::nullopt;
+        }
+        learn(body.text, tidied->text());
+        tell(body, *tidied);
+        return std::move(*tidied);
+    }
+
     void trouble(const std::string &message) {
         std::cerr << "sdpline: " << message << '\n';
         status_ = kStillRefused;
@@ -226,7 +258,7 @@ private:
         if (tidied.error()) {
             entry["error"] = jsonOf(body, diagnosticOf(*tidied.error(), body), redactor());
         } else {
-            entry["text"] = options_.decode.redact ? redactedBody(tidied.text(), redactor_)
+            entry["text"] = options_.decode.redact ? redactor_.redactedBody(tidied.text())
                                                    : std::string(tidied.text());
         }
         bodies_.push_back(std::move(entry));
@@ -256,6 +288,7 @@ private:
     sdpline::TidyRules rules_;
     Redactor redactor_;
     Json bodies_ = Json::array();
+    size_t captured_ = 0; // bodies of captures that were written
     int status_ = 0;
 };
 
@@ -300,8 +333,8 @@ int run(const Options &options) {
 constexpr CommandText kText = {
     "tidy", "Repair bodies that the decoder refuses, and tell every repair.",
     R"(Bodies that are accepted stay as they are, byte for byte. SIP messages stay
-messages; their Content-Length is corrected. With --redact the bodies alone are
-written, masked.
+messages; their Content-Length is corrected. With --redact, and of a capture, the
+bodies alone are written.
 
 Examples:
   sdpline tidy call.sip > tidied.sip
@@ -317,7 +350,7 @@ void addTidy(CLI::App &app, int &status) {
     const auto options = std::make_shared<Options>();
     CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
     addWords(command, "FILE", options->decode.paths,
-             "SDP, or SIP messages that carry it; - is standard input");
+             "SDP, SIP messages that carry it, or packet captures; - is standard input");
     addNames(command, "--rule", options->rules, "Make these repairs, and no others");
     addFlag(command, "--optional", options->optional,
             "Make the optional repairs beside those of the default set");

@@ -112,6 +112,7 @@ size_t BodyFinder::take(std::string_view text, bool last, Bodies &found) {
     line_ = LineCounter(text, line_).lineOf(done);
     passed_ += done;
     found.bodies.insert(found.bodies.end(), here.bodies.begin(), here.bodies.end());
+    found.messages.insert(found.messages.end(), here.messages.begin(), here.messages.end());
     std::move(here.problems.begin(), here.problems.end(), std::back_inserter(found.problems));
     return done;
 }
@@ -134,6 +135,10 @@ void BodyFinder::settle(std::string_view text, Bodies &here) {
         problem.line = lines.lineOf(problem.offset);
         problem.offset += passed_;
         found_ = found_ || problem.kind != Problem::Note;
+    }
+    for (BodyPlace &message : here.messages) {
+        message.line = lines.lineOf(message.offset);
+        message.offset += passed_;
     }
     for (BodyPlace &body : here.bodies) {
         body.line = lines.lineOf(body.offset);
@@ -172,6 +177,7 @@ size_t BodyFinder::takeMessageAhead(std::string_view text, bool last, Bodies &fo
         firstMessage_ = {passed_ + start, 0, LineCounter(text, line_).lineOf(start)};
     }
     const size_t next = takeMessage(text, start, found);
+    found.messages.push_back({start, next - start, 0, start, true});
     noteUnreadOf(text, found);
     return next;
 }
@@ -217,6 +223,13 @@ void BodyFinder::finish(Bodies &found) const {
                                                 : "the SIP message carries no application/sdp body",
                                   firstMessage_.line});
     }
+}
+
+Bodies bodiesOfMessage(std::string_view message) {
+    Bodies found;
+    takeMessage(message, 0, found);
+    noteUnreadOf(message, found);
+    return found;
 }
 
 Bodies findBodies(std::string_view text) {

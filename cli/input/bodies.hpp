@@ -31,14 +31,15 @@ struct Problem {
 
 struct Bodies {
     std::vector<BodyPlace> bodies;
+    std::vector<BodyPlace> messages; // whole ones, of which some carry bodies
     std::vector<Problem> problems;
 };
 
 /*
  * A text that begins with a line such as "v=0" is a body, with the lines of SDP that come after an
- * empty line in it; what begins with "v=" after one is another. Otherwise every SIP message in the text is looked at, whatever is written
- * between them; see message.hpp. A text without either is one body. A text of messages without any
- * body in it is a problem.
+ * empty line in it; what begins with "v=" after one is another. Otherwise every SIP message in the
+ * text is looked at, whatever is written between them; see message.hpp. A text without either is
+ * one body. A text of messages without any body in it is a problem.
  *
  * The text may come in parts: with every call of take() the caller hands over what it has from the
  * present place on, and drops as many bytes as the call returns before the next one. Messages and
@@ -73,6 +74,9 @@ private:
     bool found_ = false; // a body or a problem that is more than a note
     bool noted_ = false; // that what follows a body is not read
 };
+
+// The bodies of one SIP message that is the whole text.
+Bodies bodiesOfMessage(std::string_view message);
 
 // All of it for a text that is in memory.
 Bodies findBodies(std::string_view text);

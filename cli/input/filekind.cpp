@@ -13,18 +13,10 @@ struct Kind {
     std::string_view says;
 };
 
-constexpr std::string_view kPcap =
-    "it is a packet capture (pcap): save the SIP messages in it as text";
 constexpr std::string_view kUtf16 = "it is UTF-16 text: convert it to UTF-8 or ASCII";
 
 // Of two that begin alike the longer one comes first.
 constexpr auto kKinds = std::to_array<Kind>({
-    {{"\xd4\xc3\xb2\xa1", 4}, kPcap},
-    {{"\xa1\xb2\xc3\xd4", 4}, kPcap},
-    {{"\x4d\x3c\xb2\xa1", 4}, kPcap},
-    {{"\xa1\xb2\x3c\x4d", 4}, kPcap},
-    {{"\x0a\x0d\x0d\x0a", 4},
-     "it is a packet capture (pcapng): save the SIP messages in it as text"},
     {{"\x1f\x8b", 2}, "it is compressed by gzip: unpack it, as \"gzip -dc\" does"},
     {"BZh", "it is compressed by bzip2: unpack it, as \"bzip2 -dc\" does"},
     {{"\xfd"

@@ -2,8 +2,12 @@
 
 #include <new>
 
+#include "capture/container.hpp"
+#include "input/ahead.hpp"
+#include "input/captureinput.hpp"
 #include "input/filekind.hpp"
 #include "input/paths.hpp"
+#include "input/selecting.hpp"
 #include "input/window.hpp"
 #include "output/escape.hpp"
 
@@ -18,20 +22,30 @@ public:
 
     // Returns false where the input cannot be read.
     bool run() {
-        if (!fill()) {
+        if (!fill(kMagic)) {
             return false;
+        }
+        if (Container::begins(window_.text())) {
+            return readCapture(window_, path_, name_, user_);
         }
         if (const std::string kind = foreignKind(window_.text()); !kind.empty()) {
             user_.problem({Problem::Unusable, path_, escaped(kind)});
             return false;
         }
+        return fill(BodyFinder::kAhead) && readText();
+    }
+
+private:
+    static constexpr size_t kMagic = 32; // what tells the kind of an input
+
+    bool readText() {
         do {
             Bodies found;
             const size_t done = finder_.take(window_.text(), window_.last(), found);
             hand(found);
             window_.drop(done);
             passed_ += done;
-            if (!fill()) {
+            if (!fill(BodyFinder::kAhead)) {
                 return false;
             }
         } while (!window_.text().empty());
@@ -41,9 +55,8 @@ public:
         return true;
     }
 
-private:
-    bool fill() {
-        if (window_.fill(BodyFinder::kAhead)) {
+    bool fill(size_t size) {
+        if (window_.fill(size)) {
             return true;
         }
         user_.problem({Problem::Unusable, path_, window_.error()});
@@ -55,7 +68,9 @@ private:
             const size_t line = problem.line > 1 ? problem.line : 0;
             user_.problem({problem.kind, path_, escaped(problem.text), line});
         }
+        size_t told = 0; // messages that the user has heard of
         for (const BodyPlace &place : found.bodies) {
+            told = tellMessages(found, told, place.offset);
             const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
             const std::string_view head =
                 place.carried
@@ -63,6 +78,17 @@ private:
                     : std::string_view();
             user_.body({name_, path_, text, place.offset, place.line, head, {}});
         }
+        tellMessages(found, told, ~size_t(0));
+    }
+
+    // Those that begin before the offset.
+    size_t tellMessages(const Bodies &found, size_t from, size_t before) {
+        for (; from < found.messages.size() && found.messages[from].offset < before; ++from) {
+            const BodyPlace &place = found.messages[from];
+            const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
+            user_.message({name_, path_, text, place.offset, place.line, text, {}});
+        }
+        return from;
     }
 
     const std::string &path_;
@@ -73,6 +99,15 @@ private:
     size_t passed_ = 0;
 };
 
+bool readInput(const std::string &path, InputUser &user) {
+    try {
+        return InputReader(path, user).run();
+    } catch (const std::bad_alloc &) {
+        user.problem({Problem::Unusable, path, "it does not fit into memory"});
+        return false;
+    }
+}
+
 } // namespace
 
 void readInputs(const std::vector<std::string> &paths, InputUser &user) {
@@ -82,15 +117,30 @@ void readInputs(const std::vector<std::string> &paths, InputUser &user) {
     for (const PathError &error : errors) {
         user.problem({Problem::Unusable, error.path, error.reason});
     }
-    for (const std::string &file : files) {
-        bool read = false;
-        try {
-            read = InputReader(file, user).run();
-        } catch (const std::bad_alloc &) {
-            user.problem({Problem::Unusable, file, "it does not fit into memory"});
+    Selecting selecting(user);
+    if (files.size() > 1 && user.jobs() > 1) {
+        readAhead(files, user.jobs(), readInput, selecting);
+    } else {
+        for (const std::string &file : files) {
+            user.fileDone(readInput(file, selecting));
         }
-        user.fileDone(read);
     }
+    if (!files.empty()) {
+        selecting.finish(files.back());
+    }
+}
+
+void InputUser::problemAt(const Found &place, Problem::Kind kind, const std::string &text) {
+    problem({kind, place.path, packetOf(place) + ": " + text});
+}
+
+std::string InputUser::packetOf(const Found &found) {
+    return found.packet.frame == 0 ? "" : "frame " + std::to_string(found.packet.frame);
+}
+
+const Selection &InputUser::selection() const {
+    static const Selection all;
+    return all;
 }
 
 std::string InputProblem::message() const {

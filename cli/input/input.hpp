@@ -8,6 +8,7 @@
 
 #include "input/bodies.hpp"
 #include "input/origin.hpp"
+#include "input/selection.hpp"
 
 namespace cli {
 
@@ -39,13 +40,25 @@ public:
     virtual ~InputUser() = default;
 
     virtual void files(size_t /*count*/) {} // before the first one
+    // Each SIP message of the input, before what is found in it: `text` is the whole message.
+    virtual void message(const Found & /*whole*/) {}
     virtual void body(const Found &found) = 0;
     virtual void problem(const InputProblem &problem) = 0;
+    // A problem in a message of a capture.
+    virtual void problemAt(const Found &place, Problem::Kind kind, const std::string &text);
     virtual void fileDone(bool /*read*/) {}
+
+    // As it may be shown: the packet of a body or a message, and a body's text.
+    virtual std::string packetOf(const Found &found);
+    virtual std::string textOf(const Found &found) { return std::string(found.text); }
+    // What of the inputs is wanted.
+    virtual const Selection &selection() const;
+    // How many inputs may be read at once. The user is called by one thread.
+    virtual unsigned jobs() const { return 1; }
 };
 
-// Reads the paths, and the files of folders among them. An input is read in parts: what is needed
-// of memory does not depend on its size.
+// Reads the paths, and the files of folders among them: texts and captures, also those compressed.
+// An input is read in parts: what is needed of memory does not depend on its size.
 void readInputs(const std::vector<std::string> &paths, InputUser &user);
 
 // "standard input", or the path as it may be shown.

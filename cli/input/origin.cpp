@@ -12,16 +12,6 @@ namespace {
 
 constexpr int64_t kSecond = 1'000'000'000;
 
-// The URI of a From header: "<sip:a@b>;tag=1", "\"A\" <sip:a@b>" or "sip:a@b;tag=1".
-std::string uriOf(std::string_view value) {
-    const size_t open = value.rfind('<');
-    if (open != std::string_view::npos) {
-        const size_t close = value.find('>', open);
-        return std::string(trimmed(value.substr(open + 1, close - open - 1)));
-    }
-    return std::string(trimmed(value.substr(0, value.find(';'))));
-}
-
 // "INVITE sip:b@example.com SIP/2.0" or "SIP/2.0 200 OK"
 std::string_view messageOf(std::string_view line) {
     const size_t space = std::min(line.find(' '), line.size());
@@ -36,13 +26,24 @@ void keep(Origin &origin, std::string_view name, std::string_view value) {
         origin.cseq = value;
     } else if (equalsIgnoringCase(name, "From") || equalsIgnoringCase(name, "f")) {
         origin.from = uriOf(value);
+    } else if (equalsIgnoringCase(name, "To") || equalsIgnoringCase(name, "t")) {
+        origin.to = uriOf(value);
     }
 }
 
 } // namespace
 
+std::string uriOf(std::string_view value) {
+    const size_t open = value.rfind('<');
+    if (open != std::string_view::npos) {
+        const size_t close = value.find('>', open);
+        return std::string(trimmed(value.substr(open + 1, close - open - 1)));
+    }
+    return std::string(trimmed(value.substr(0, value.find(';'))));
+}
+
 Origin originOf(const Packet &packet, std::string_view head) {
-    Origin origin = {packet, "", "", "", ""};
+    Origin origin = {packet, "", "", "", "", ""};
     LinePlace place = lineAt(head, 0);
     origin.message = messageOf(head.substr(0, place.end));
     while (place.next < head.size()) {

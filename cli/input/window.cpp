@@ -1,50 +1,57 @@
 #include "input/window.hpp"
 
-#include <cerrno>
+#include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace cli {
 
 namespace {
 
-constexpr size_t kFirstRead = 64u << 10;
+constexpr size_t kFirstCapacity = 256u << 10;
+constexpr size_t kLeastRead = 64u << 10;
 
 } // namespace
 
-Window::Window(const std::string &path)
-    : file_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
-    if (!file_) {
-        error_ = std::strerror(errno);
-    }
-}
+Window::Window(const std::string &path) : source_(openSource(path)), error_(source_->error()) {}
 
 bool Window::fill(size_t size) {
-    while (error_.empty() && !ended_ && text().size() < size) {
-        // What was dropped makes room, once it is worth the move.
-        if (begin_ >= size) {
-            buffer_.erase(0, begin_);
-            begin_ = 0;
+    while (error_.empty() && !ended_ && end_ - begin_ < size) {
+        if (capacity_ - end_ < kLeastRead) {
+            makeSpace(size);
         }
         read();
     }
     return error_.empty();
 }
 
-// As much again as there is.
-bool Window::read() {
-    const size_t before = buffer_.size();
-    const size_t wanted = before > kFirstRead ? before : kFirstRead;
-    buffer_.resize(before + wanted);
-    errno = 0;
-    const size_t got = std::fread(buffer_.data() + before, 1, wanted, file_.get());
-    buffer_.resize(before + got);
-    if (got < wanted) {
-        if (std::ferror(file_.get()) != 0) {
-            error_ = std::strerror(errno);
-        }
+// What was dropped is moved over once it is worth the move: when it is as much as is kept. A buffer
+// that is full of text doubles.
+void Window::makeSpace(size_t size) {
+    const size_t kept = end_ - begin_;
+    if (begin_ >= kept && begin_ >= kLeastRead && capacity_ - kept >= kLeastRead) {
+        std::memmove(buffer_.get(), buffer_.get() + begin_, kept);
+    } else {
+        const size_t wanted =
+            std::min(std::max(size, kept), std::numeric_limits<size_t>::max() / 4);
+        const size_t most = wanted + kept + 2 * kLeastRead;
+        const size_t capacity = std::max(kFirstCapacity, std::min(2 * capacity_, most));
+        std::unique_ptr<char[]> buffer(new char[std::max(capacity, kept + kLeastRead)]);
+        std::memcpy(buffer.get(), buffer_.get() + begin_, kept);
+        capacity_ = std::max(capacity, kept + kLeastRead);
+        buffer_ = std::move(buffer);
+    }
+    begin_ = 0;
+    end_ = kept;
+}
+
+void Window::read() {
+    const size_t got = source_->read(buffer_.get() + end_, capacity_ - end_);
+    end_ += got;
+    if (got == 0) {
+        error_ = source_->error();
         ended_ = true;
     }
-    return error_.empty();
 }
 
 } // namespace cli

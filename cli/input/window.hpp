@@ -1,42 +1,39 @@
 // A file or standard input, read in parts: what is in memory is a window that moves on.
 #pragma once
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
+
+#include "input/source.hpp"
 
 namespace cli {
 
 class Window {
 public:
-    // "-" is standard input. Without success the reason is in error().
+    // "-" is standard input; what is compressed is unpacked. Without success the reason is in
+    // error().
     explicit Window(const std::string &path);
 
     // Reads until at least that many bytes are in memory, or all up to the end. Returns false where
     // reading fails.
     bool fill(size_t size);
 
-    std::string_view text() const { return std::string_view(buffer_).substr(begin_); }
+    std::string_view text() const { return {buffer_.get() + begin_, end_ - begin_}; }
     bool last() const { return ended_; } // the text reaches the end of the input
     void drop(size_t size) { begin_ += size; }
 
     const std::string &error() const { return error_; }
 
 private:
-    struct Close {
-        void operator()(std::FILE *file) const {
-            if (file != stdin) {
-                std::fclose(file);
-            }
-        }
-    };
+    void makeSpace(size_t size);
+    void read();
 
-    bool read();
-
-    std::unique_ptr<std::FILE, Close> file_;
-    std::string buffer_;
+    std::unique_ptr<Source> source_;
+    std::unique_ptr<char[]> buffer_;
+    size_t capacity_ = 0;
     size_t begin_ = 0; // of the text in the buffer
+    size_t end_ = 0;
     bool ended_ = false;
     std::string error_;
 };

@@ -49,16 +49,17 @@ Origin originOf(const Found &body, Redactor *redactor) {
         }
         origin.callId = maskedCallId(origin.callId, masks);
         origin.from = maskedUri(origin.from, masks);
+        origin.to = maskedUri(origin.to, masks);
     }
     return origin;
 }
 
-std::string placeName(const Found &body, Redactor *redactor) {
+std::string packetName(const Found &body, Redactor *redactor) {
     if (body.packet.frame == 0) {
-        return body.name;
+        return "";
     }
     const Origin origin = originOf(body, redactor);
-    std::string text = body.name + ":frame " + std::to_string(origin.packet.frame) + " (" +
+    std::string text = "frame " + std::to_string(origin.packet.frame) + " (" +
                        origin.packet.source + " > " + origin.packet.destination;
     if (!origin.message.empty()) {
         text += ", " + escaped(origin.message);
@@ -67,6 +68,11 @@ std::string placeName(const Found &body, Redactor *redactor) {
         text += ", Call-ID " + escaped(origin.callId);
     }
     return text + ')';
+}
+
+std::string placeName(const Found &body, Redactor *redactor) {
+    const std::string packet = packetName(body, redactor);
+    return packet.empty() ? body.name : body.name + ':' + packet;
 }
 
 nlohmann::ordered_json jsonOf(const Origin &origin) {
@@ -85,6 +91,7 @@ nlohmann::ordered_json jsonOf(const Origin &origin) {
     json["callId"] = origin.callId;
     json["cseq"] = origin.cseq;
     json["from"] = origin.from;
+    json["to"] = origin.to;
     return json;
 }
 

@@ -18,6 +18,9 @@ Origin originOf(const Found &body, Redactor *redactor);
 // "calls.pcap:frame 1041 (10.0.0.1 > 10.0.0.2, INVITE, Call-ID 3c26@host)"
 std::string placeName(const Found &body, Redactor *redactor);
 
+// "frame 1041 (10.0.0.1 > 10.0.0.2, INVITE, Call-ID 3c26@host)"; empty without a packet.
+std::string packetName(const Found &body, Redactor *redactor);
+
 // Members "frame", "time", "source" ... of what is known; the caller leaves it out where
 // isKnown() is false.
 nlohmann::ordered_json jsonOf(const Origin &origin);

@@ -29,6 +29,9 @@ public:
     // The end of a line, with masks: "10.1.2.3" of "c=IN IP4 10.1.2.3" with the text before it.
     std::string redactedAfter(std::string_view before, std::string_view text);
 
+    // Every line of a body masked; line ends stay as they are.
+    std::string redactedBody(std::string_view body);
+
     Masks &masks() { return masks_; }
 
 private:

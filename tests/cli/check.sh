@@ -99,11 +99,11 @@ foreign() { # NAME MESSAGE BYTES
   echo 'checked 0 bodies in 0 files: none refused, 1 problem' >summary
   expect "$1" 2 summary message -- "$program" check foreign
 }
-foreign "a capture" "it is a packet capture (pcap): save the SIP messages in it as text" \
-  '\xd4\xc3\xb2\xa1\x02\x00\x04\x00'
-foreign "a newer capture" "it is a packet capture (pcapng): save the SIP messages in it as text" \
-  '\x0a\x0d\x0d\x0a\x80\x00'
-foreign "gzip" 'it is compressed by gzip: unpack it, as "gzip -dc" does' '\x1f\x8b\x08'
+if "$program" --version | grep -q gzip; then
+  foreign "gzip" 'its gzip data end too early' '\x1f\x8b\x08'
+else
+  foreign "gzip" 'it is compressed by gzip: unpack it, as "gzip -dc" does' '\x1f\x8b\x08'
+fi
 foreign "UTF-16" "it is UTF-16 text: convert it to UTF-8 or ASCII" 'v\0=\0000\0'
 foreign "UTF-16 with its mark" "it is UTF-16 text: convert it to UTF-8 or ASCII" '\xff\xfev\0'
 foreign "a byte order mark" "it begins with a byte order mark (EF BB BF): save it without one" \

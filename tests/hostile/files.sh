@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# The program's work is linear in the size of its files: files.sh PROGRAM. Each kind of hostile file
+# The program's work is linear in the size of its files: files.sh PROGRAM [MAKECAPTURE]. Each kind of hostile file
 # is made in two sizes, one four times the other; more than six times the instructions fail.
 set -euo pipefail
 export LC_ALL=C
-program=$1
+program=$1 makecapture=${2:-}
 small=10000 # bytes
 most=6
 folder=$(mktemp -d)
@@ -59,23 +59,44 @@ instructions() {
   local size=$1 before=$2 repeated=$3 after=$4
   shift 4
   { printf -- "$before"; repeat "$size" "$repeated"; printf -- "$after"; } >file
+  count_instructions "$@"
+}
+
+# count_instructions OPTIONS...: of the program on the file.
+count_instructions() {
   { valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$@" file 2>&1 >/dev/null ||
     [ $? -le 2 ]; } | awk '/Collected : / { print $NF }'
 }
 
 failed=0 count=0
+judge() { # NAME ONE FOUR
+  count=$((count + 1))
+  awk -v name="$1" -v nothing="$nothing" -v one="$2" -v four="$3" -v most="$most" 'BEGIN {
+    ratio = (four - nothing) / (one - nothing > 100000 ? one - nothing : 100000)
+    printf "%12d %12d %5.1f  %s%s\n", one, four, ratio, name, (ratio > most ? ": TOO MUCH" : "")
+    exit ratio > most
+  }' || failed=$((failed + 1))
+}
 nothing=$(: >file && instructions 0 "" "x" "" check) # starting the program
 while IFS='|' read -r name options before repeated after; do
   read -ra words <<<"$options"
   one=$(instructions "$small" "$before" "$repeated" "$after" "${words[@]}")
   four=$(instructions $((4 * small)) "$before" "$repeated" "$after" "${words[@]}")
-  count=$((count + 1))
-  awk -v name="$name" -v nothing="$nothing" -v one="$one" -v four="$four" -v most="$most" 'BEGIN {
-    ratio = (four - nothing) / (one - nothing > 100000 ? one - nothing : 100000)
-    printf "%12d %12d %5.1f  %s%s\n", one, four, ratio, name, (ratio > most ? ": TOO MUCH" : "")
-    exit ratio > most
-  }' || failed=$((failed + 1))
+  judge "$name" "$one" "$four"
 done < <(kinds)
+# Captures, 100 kB and 400 kB.
+for scene in ${makecapture:+gaps dribble seeking fragments streams frames bulk}; do
+  for times in 1 4; do
+    if [ "$scene" = bulk ]; then # in megabytes: its beginning
+      "$makecapture" bulk 1 | head -c $((times * 100000)) >file
+    else
+      "$makecapture" "$scene" $((times * 100)) >file
+    fi
+    [ $times = 4 ] || one=$(count_instructions check)
+  done
+  four=$(count_instructions check)
+  judge "a capture of $scene" "$one" "$four"
+done
 [ "$count" -gt 20 ] || { echo "too little was measured"; exit 1; }
 echo "$count kinds of files, $failed of them cost more than $most times for four times the size"
 [ "$failed" -eq 0 ]

@@ -1,0 +1,183 @@
+#include "calls/dialog.hpp"
+
+#include <algorithm>
+
+namespace cli {
+
+namespace {
+
+// A request and its responses; an ACK belongs to its INVITE.
+std::string transactionOf(const SipHead &head) {
+    return head.fromTag + ' ' + head.cseq.substr(0, head.cseq.find(' ')) + ' ' +
+           (head.method == "ACK" ? "INVITE" : head.method);
+}
+
+// Responses after which the request is sent again, or that end a call that was given up.
+bool isExpected(unsigned code) {
+    return code == 401 || code == 407 || code == 487;
+}
+
+bool mayOffer(const std::string &method) {
+    return method == "INVITE" || method == "UPDATE" || method == "PRACK";
+}
+
+} // namespace
+
+void Dialog::add(Call &call, std::string sentence, std::string name, std::string reference) {
+    call.findings.push_back(
+        {call.messages.size() - 1, std::move(sentence), std::move(name), std::move(reference)});
+}
+
+// The sentences of the table: those of a decision quote the body.
+void Dialog::add(Call &call, const std::vector<sdpline::Decision> &faults) {
+    for (const sdpline::Decision &fault : faults) {
+        const std::string stream =
+            fault.stream ? "stream " + std::to_string(*fault.stream + 1) + ": " : "";
+        const std::string payload =
+            fault.payload ? " (payload " + std::to_string(*fault.payload) + ')' : "";
+        add(call, stream + SdpNegotiateGetReason(fault.reason)->pcSentence + payload,
+            std::string(fault.name), std::string(fault.rfc) + ' ' + std::string(fault.section));
+    }
+}
+
+// By everything that two transmissions share: on another hop the first line and Via may differ.
+bool Dialog::isRepeated(const CallMessage &message) {
+    const SipHead &head = message.head;
+    const std::string key = head.status.substr(0, 3) + ' ' + head.method + ' ' + head.cseq + ' ' +
+                            head.fromTag + ' ' + head.toTag + '\n' + message.body;
+    return !seen_.insert(std::to_string(std::hash<std::string>()(key))).second;
+}
+
+void Dialog::take(Call &call) {
+    CallMessage &message = call.messages.back();
+    message.repeated = isRepeated(message);
+    if (message.repeated) {
+        return;
+    }
+    if (message.head.isRequest()) {
+        takeRequest(call);
+    } else {
+        takeResponse(call);
+    }
+}
+
+void Dialog::takeRequest(Call &call) {
+    const CallMessage &message = call.messages.back();
+    if (message.body.empty()) {
+        return;
+    }
+    const std::string &method = message.head.method;
+    const bool offeredByPeer =
+        open_ && call.messages[*open_].head.senderTag() != message.head.senderTag();
+    if (offeredByPeer && (method == "ACK" || method == "PRACK")) {
+        answer(call);
+    } else if (mayOffer(method)) {
+        if (open_) {
+            add(call, "a new offer while the last one has no answer", "OfferTooEarly",
+                "RFC 3264 4");
+        }
+        offer(call);
+    }
+}
+
+void Dialog::takeResponse(Call &call) {
+    const CallMessage &message = call.messages.back();
+    const std::string transaction = transactionOf(message.head);
+    const bool answersOpen = open_ && openTransaction_ == transaction;
+    if (message.head.code() >= 300) {
+        if (answersOpen) {
+            if (!isExpected(message.head.code())) {
+                add(call, "the offer was refused: " + message.head.status, "OfferRefused",
+                    "RFC 3261 21.4.26");
+            }
+            open_.reset();
+        }
+        return;
+    }
+    if (message.body.empty() || !mayOffer(message.head.method)) {
+        return;
+    }
+    if (answersOpen && call.messages[*open_].head.isRequest()) {
+        answer(call);
+    } else if (!open_ && !closed_.contains(transaction)) {
+        offer(call);
+    }
+}
+
+std::optional<sdpline::Body> Dialog::decoded(Call &call) {
+    auto body = sdpline::Body::decode(call.messages.back().body);
+    if (body) {
+        return std::move(*body);
+    }
+    const sdpline::Error &error = body.error();
+    const std::string line = error.line != 0 ? "line " + std::to_string(error.line) + ": " : "";
+    add(call, "the body is refused: " + line + std::string(error.sentence),
+        std::string(error.check), "");
+    return std::nullopt;
+}
+
+void Dialog::judgeNext(Call &call, const sdpline::Body &next) {
+    const auto before = previous_.find(call.messages.back().head.senderTag());
+    if (before != previous_.end()) {
+        const auto previous = sdpline::Body::decode(call.messages[before->second].body);
+        if (previous) {
+            add(call, sdpline::checkNext(*previous, next));
+        }
+    }
+}
+
+void Dialog::offer(Call &call) {
+    CallMessage &message = call.messages.back();
+    message.role = "offer " + std::to_string(++call.offers);
+    open_ = call.messages.size() - 1;
+    openTransaction_ = transactionOf(message.head);
+    if (const auto body = decoded(call)) {
+        judgeNext(call, *body);
+    }
+}
+
+void Dialog::answer(Call &call) {
+    CallMessage &message = call.messages.back();
+    const size_t offered = *open_;
+    message.role = "answer " + std::to_string(call.offers);
+    ++call.answers;
+    open_.reset();
+    closed_.insert(openTransaction_);
+    const auto body = decoded(call);
+    const auto offer = sdpline::Body::decode(call.messages[offered].body);
+    if (!body || !offer) {
+        return;
+    }
+    add(call, sdpline::check(*offer, *body));
+    judgeNext(call, *body);
+    judgeAgreement(call, *offer, *body);
+    previous_[call.messages[offered].head.senderTag()] = offered;
+    previous_[message.head.senderTag()] = call.messages.size() - 1;
+}
+
+// What is no fault of either side, and still no call.
+void Dialog::judgeAgreement(Call &call, const sdpline::Body &offer, const sdpline::Body &answer) {
+    const auto agreed = sdpline::agree(offer, answer);
+    if (!agreed) {
+        return;
+    }
+    if (!agreed->accepted) {
+        add(call, "the answer accepts no stream", "NothingAccepted", "RFC 3264 6");
+        return;
+    }
+    const auto isSilent = [](const sdpline::NegotiatedStream &stream) {
+        return !stream.accepted || (!stream.sends() && !stream.receives());
+    };
+    if (!agreed->streams.empty() && std::ranges::all_of(agreed->streams, isSilent)) {
+        add(call, "no media in either direction: both sides hold", "BothHold", "RFC 3264 8.4");
+    }
+}
+
+void Dialog::finish(Call &call) {
+    if (open_) {
+        call.findings.push_back(
+            {*open_, "the offer has no answer", "OfferUnanswered", "RFC 3264 4"});
+    }
+}
+
+} // namespace cli

@@ -1,0 +1,25 @@
+// A call as text: one line, or its whole exchange as a ladder.
+#pragma once
+
+#include <string>
+
+#include "calls/call.hpp"
+
+namespace cli {
+
+// "Call-ID 3c26@host (sip:a@x > sip:b@y, 7 messages): 1 offer, 1 answer: nothing wrong"
+std::string callLine(const Call &call);
+
+// "frame 12", or "line 80" in a text.
+std::string placeOf(const CallMessage &message);
+
+// "200 OK (answer 1)"
+std::string labelOf(const CallMessage &message);
+
+// "the answer has ... [StreamMissing, RFC 3264 6]"
+std::string findingText(const CallFinding &finding);
+
+// The sides as columns, and the messages as arrows between them, each with what is wrong with it.
+std::string ladderOf(const Call &call);
+
+} // namespace cli

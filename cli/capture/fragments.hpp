@@ -1,0 +1,56 @@
+// Fragments of IP packets put together.
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "capture/ip.hpp"
+
+namespace cli {
+
+// Memory is bounded: kMostPending packets of at most 64 KiB each. The oldest is given up for a new
+// one. Of bytes that come twice the first ones are kept.
+class Fragments {
+public:
+    static constexpr size_t kMostPending = 256;
+    static constexpr size_t kLongest = 65536;
+
+    // Takes a fragment. True where it was the last one missing: `packet` is the whole then, and
+    // valid until the next call.
+    bool take(IpPacket &packet);
+
+    size_t pending() const { return pending_.size(); }
+    size_t lost() const { return lost_; } // packets given up
+
+private:
+    static constexpr size_t kUnit = 8; // what offsets count
+
+    struct Key {
+        IpAddress source;
+        IpAddress destination;
+        uint32_t id;
+        uint8_t protocol;
+
+        auto operator<=>(const Key &) const = default;
+    };
+    struct Pending {
+        std::string bytes;
+        std::bitset<kLongest / kUnit> have;
+        size_t units = 0; // that are there
+        size_t size = 0;  // of the whole; 0: the last fragment has not come
+        uint64_t order = 0;
+    };
+
+    void giveUpOldest();
+    static void put(Pending &pending, const IpPacket &packet);
+
+    std::map<Key, Pending> pending_;
+    std::string whole_;
+    uint64_t order_ = 0;
+    size_t lost_ = 0;
+};
+
+} // namespace cli

@@ -1,0 +1,49 @@
+// The headers of IP and UDP.
+#pragma once
+
+#include <array>
+#include <compare>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+constexpr uint8_t kTcp = 6;
+constexpr uint8_t kUdp = 17;
+
+struct IpAddress {
+    std::array<uint8_t, 16> bytes = {}; // an IPv4 address has the first four
+    bool v6 = false;
+
+    auto operator<=>(const IpAddress &) const = default;
+    std::string text() const;
+};
+
+struct IpPacket {
+    IpAddress source;
+    IpAddress destination;
+    uint8_t protocol = 0; // of the payload
+    std::string_view payload;
+    size_t missing = 0; // bytes of the payload that the capture cut off
+    // Of a fragment
+    bool isFragment = false;
+    bool moreFragments = false;
+    uint32_t id = 0;
+    size_t offset = 0; // in the payload of the whole
+};
+
+// The packet that the bytes begin with; false where they are none. Bytes after it (the padding of
+// a short frame) are left out. An upper header may be missing: the payload is what there is.
+bool readIp(std::string_view bytes, IpPacket &packet);
+
+struct UdpDatagram {
+    uint16_t sourcePort = 0;
+    uint16_t destinationPort = 0;
+    std::string_view payload;
+    bool cut = false; // the capture has not all of it
+};
+
+bool readUdp(const IpPacket &packet, UdpDatagram &datagram);
+
+} // namespace cli

@@ -1,0 +1,38 @@
+// A user of inputs that is shown only what is selected, and whose bodies are written to a folder.
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "input/input.hpp"
+
+namespace cli {
+
+class Selecting : public InputUser {
+public:
+    // The selection is that of the user.
+    explicit Selecting(InputUser &user) : user_(user), wanted_(user.selection()) {}
+
+    void files(size_t count) override { user_.files(count); }
+    void message(const Found &whole) override;
+    void body(const Found &found) override;
+    void problem(const InputProblem &problem) override { user_.problem(problem); }
+    void problemAt(const Found &place, Problem::Kind kind, const std::string &text) override;
+    std::string packetOf(const Found &found) override { return user_.packetOf(found); }
+    void fileDone(bool read) override { user_.fileDone(read); }
+
+    // After the last input.
+    void finish(const std::string &path);
+
+private:
+    bool takes(const Found &found) const;
+    void extract(const Found &found);
+
+    InputUser &user_;
+    const Selection &wanted_;
+    std::set<std::string> written_;
+    size_t seen_ = 0;
+    size_t taken_ = 0;
+};
+
+} // namespace cli

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Many and great captures: bulk.sh PROGRAM SOURCE_DIR MAKECAPTURE
+makecapture=$3
+. "$(dirname "$0")/expect.sh"
+
+# limited KB COMMAND...: runs it with so much address space.
+limited() { (ulimit -v "$1" && shift && "$@"); }
+
+# ---- Memory does not depend on the size
+expect "300 MB from a pipe" 0 '~^checked [0-9]{4} bodies in 1 file: none refused$' nothing -- \
+  limited 60000 sh -c '"$2" bulk 300 | "$1" check' _ "$program" "$makecapture"
+
+# ---- Several inputs at once: the output of one after the other
+mkdir many
+for i in $(seq 1 12); do
+  case $i in
+  3) "$makecapture" trace 1 ;;
+  *2) cat bad.sdp ;;
+  *[159]) "$makecapture" transports ;;
+  *7) "$makecapture" unread ;;
+  *) "$makecapture" calls ;;
+  esac >"many/$i"
+done
+: >many/empty
+for command in check "check --json" "check --redact" decode format calls "calls --verbose"; do
+  # shellcheck disable=SC2086 # a command and its options
+  "$program" $command -j 1 many >one.out 2>one.err
+  status=$?
+  for jobs in 2 16; do
+    # shellcheck disable=SC2086
+    expect "$command -j $jobs" $status one.out one.err -- "$program" $command -j $jobs many
+  done
+done
+expect "files that cannot be read among them" 2 - '~^sdpline: none: No such file or directory$' -- \
+  "$program" check -j 4 many/1 none many/2
+finish
