@@ -91,7 +91,7 @@ refuses TextTooLong "i=$(long 1024 x)"
 bytes 'o=a' 'b 1 1 IN IP4 h' '09 0a 20'
 bytes 'm=a' 'b 1 x y' '09 0a 20 28 29 2c 3a 3b 3c 3e 40'
 bytes 'i=a' 'b' '0a'
-refuses OriginUserBlank 'o=a\tb 1 1 IN IP4 h'
+refuses OriginUserSpace 'o=a\tb 1 1 IN IP4 h'
 same "o=$(long 1023 x) 1 1 IN IP4 h"
 refuses OriginUserText "o=$(long 1024 x) 1 1 IN IP4 h"
 
