@@ -17,11 +17,11 @@ struct Part {
     size_t size;
 };
 
-// The text in parts that overlap, in an order of chance.
+// The text in parts that overlap, in an order of chance; fewer of them than a stream waits for.
 std::vector<Part> partsOf(size_t size, fuzz::Input &input) {
     std::vector<Part> parts;
     for (size_t at = 0; at < size;) {
-        const size_t step = 1 + input.below(200);
+        const size_t step = 1 + 2 * size / cli::Segments::kMostParts + input.below(200);
         parts.push_back({at, step + input.below(50)});
         at += step;
     }

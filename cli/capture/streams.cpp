@@ -127,8 +127,10 @@ void Streams::read(Stream &stream, uint32_t sequence, const TcpSegment &segment,
 
 void Streams::skipGap(Stream &stream, const Use &use) {
     lose(stream);
-    stream.segments.skipGap(stream.reading->incoming);
-    hand(stream, use);
+    if (stream.reading != nullptr) { // else a WebSocket, which ends at a gap
+        stream.segments.skipGap(stream.reading->incoming);
+        hand(stream, use);
+    }
 }
 
 // What waits for bytes that never come is read without them.
