@@ -20,21 +20,23 @@ bool Fragments::take(IpPacket &packet) {
         }
         found = pending_.emplace(key, Pending()).first;
         found->second.order = ++order_;
+        ages_.emplace(order_, key);
     }
     Pending &pending = found->second;
     put(pending, packet);
-    if (pending.size != 0 &&
-        pending.bytes.size() > pending.size) { // its end was said to be earlier
-        pending_.erase(found);
+    if (pending.size != 0 && pending.end > pending.size) { // its end was said to be earlier
+        forget(found);
         ++lost_;
         return false;
     }
     if (pending.size == 0 || pending.units * kUnit < pending.size) {
         return false;
     }
-    whole_ = std::move(pending.bytes);
     whole_.resize(pending.size);
-    pending_.erase(found);
+    for (const Part &part : pending.parts) {
+        part.bytes.copy(whole_.data() + part.offset, part.bytes.size());
+    }
+    forget(found);
     packet.payload = whole_;
     packet.isFragment = false;
     packet.moreFragments = false;
@@ -42,30 +44,36 @@ bool Fragments::take(IpPacket &packet) {
     return true;
 }
 
-// Units that are there already stay as they are.
+// Units that are there already stay as they are: each run of new ones is a part.
 void Fragments::put(Pending &pending, const IpPacket &packet) {
     const std::string_view bytes = packet.payload;
-    const size_t end = packet.offset + bytes.size();
+    pending.end = std::max(pending.end, packet.offset + bytes.size());
     if (!packet.moreFragments && pending.size == 0) {
-        pending.size = end;
+        pending.size = packet.offset + bytes.size();
     }
-    if (pending.bytes.size() < end) {
-        pending.bytes.resize(end);
-    }
+    bool runs = false;
     for (size_t at = 0; at < bytes.size(); at += kUnit) {
         const size_t unit = (packet.offset + at) / kUnit;
-        if (!pending.have[unit]) {
+        const bool fresh = !pending.have[unit];
+        if (fresh) {
             pending.have[unit] = true;
             ++pending.units;
-            bytes.copy(pending.bytes.data() + packet.offset + at, kUnit, at);
+            if (!runs) {
+                pending.parts.push_back({packet.offset + at, {}});
+            }
+            pending.parts.back().bytes.append(bytes.substr(at, kUnit));
         }
+        runs = fresh;
     }
 }
 
+void Fragments::forget(Table::iterator entry) {
+    ages_.erase(entry->second.order);
+    pending_.erase(entry);
+}
+
 void Fragments::giveUpOldest() {
-    const auto oldest = std::ranges::min_element(
-        pending_, {}, [](const auto &entry) { return entry.second.order; });
-    pending_.erase(oldest);
+    forget(pending_.find(ages_.begin()->second));
     ++lost_;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "capture/ip.hpp"
 
@@ -36,18 +37,27 @@ private:
 
         auto operator<=>(const Key &) const = default;
     };
-    struct Pending {
+    struct Part {
+        size_t offset;
         std::string bytes;
+    };
+    struct Pending {
+        std::vector<Part> parts; // without overlaps, as they came
         std::bitset<kLongest / kUnit> have;
         size_t units = 0; // that are there
+        size_t end = 0;   // of what came
         size_t size = 0;  // of the whole; 0: the last fragment has not come
         uint64_t order = 0;
     };
 
+    using Table = std::map<Key, Pending>;
+
+    void forget(Table::iterator entry);
     void giveUpOldest();
     static void put(Pending &pending, const IpPacket &packet);
 
-    std::map<Key, Pending> pending_;
+    Table pending_;
+    std::map<uint64_t, Key> ages_; // by order
     std::string whole_;
     uint64_t order_ = 0;
     size_t lost_ = 0;
