@@ -45,7 +45,7 @@ struct Reply {
     std::string body = {};    /* the answer, for a status of 200 */
     std::string warning = {}; /* a Warning header field for the peer, or nothing */
     std::string log = {};     /* for our own log: why it was refused, with the library's code */
-    bool unmet = false; /* mandatory preconditions are not met: nobody is alerted yet (RFC 3312) */
+    bool unmet = false;       /* mandatory preconditions are not met: the 180 and the 200 wait */
     std::vector<sdpline::Decision> decisions = {}; /* for our own log: what became of each stream */
 
     Reply as(int otherStatus, const char *otherPhrase) const {

@@ -45,8 +45,8 @@ bool closeKey(Workspace &work, Line &line, std::string_view &value) {
     return true;
 }
 
-// White space after the "=" of a line of fields. In an o= line of too few it stands for the user
-// name.
+// White space after the "=" of a line of fields. An o= line with too few keeps it: its user name is
+// missing.
 void closeValue(Workspace &work, Line &line, std::string_view &value) {
     if (value.empty() || !isBlank(value.front()) || isText(line.key) ||
         !work.wants(Rule::KeySpace) || (line.key == 'o' && Fields(value).count() < 6)) {
