@@ -20,7 +20,7 @@ expect "every transport" 0 summary nothing -- "$program" check transports.pcap
 
 # ---- Compressed
 for tool in gzip zstd; do
-  "$program" --version | grep -q "^compressed inputs: .*$tool" || continue
+  grep -q "^compressed inputs: .*$tool" <<<"$("$program" --version)" || continue
   command -v $tool >/dev/null || continue
   $tool -c calls.pcap >packed
   sed 's/^calls.pcap:/packed:/' refused >named

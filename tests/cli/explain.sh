@@ -71,7 +71,7 @@ expect "every name of the list" 0 names nothing -- cat explained
 xargs "$program" explain <names | awk -F: '/^0x/ { print $1 }' >explained
 expect "its code" 0 explained nothing -- awk '{ print $1 }' list
 awk '$1 ~ /^0x0000000/ { print $1, $2 }' list | while read -r code name; do
-  "$program" explain "$code" | grep -qF "[$name]" || echo "$code $name"
+  grep -qF "[$name]" <<<"$("$program" explain "$code")" || echo "$code $name"
 done >missing
 expect "every bare number of the list" 0 nothing nothing -- cat missing
 "$program" explain --list --file-base 9 | awk '$1 !~ /^0x0000000/ { print $1 }' |

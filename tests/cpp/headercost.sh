@@ -12,7 +12,7 @@ echo '#include <sdpline/sdpline.hpp>' >"$scratch/header.cpp"
 compile=("$2" -std=c++20 -fsyntax-only -I "$1/include" "$scratch/header.cpp")
 
 TIMEFORMAT=%U
-best=$(for _ in 1 2 3; do { time "${compile[@]}"; } 2>&1; done | sort -n | head -1)
+best=$(for _ in 1 2 3; do { time "${compile[@]}"; } 2>&1; done | sort -n | sed -n 1p)
 memory=$("${compile[@]}" -ftime-report 2>&1 | sed -n 's/^ TOTAL .* \([0-9]*\)M$/\1/p')
 echo "sdpline.hpp: $best s of user time, $memory MB"
 if [ -z "$memory" ] || [ "$memory" -gt "$limit" ]; then

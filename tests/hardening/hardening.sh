@@ -24,7 +24,7 @@ for file in "$@"; do
   grep -qE '\((FLAGS|BIND_NOW)\).*BIND_NOW|\(FLAGS_1\).*NOW' <<<"$dynamic" ||
     complain "$file: functions are bound late"
   grep -q 'TEXTREL' <<<"$dynamic" && complain "$file: its code is changed at the start"
-  awk '$1 == "LOAD"' <<<"$headers" | grep -q 'RWE' &&
+  grep -qE '^ *LOAD .* RWE ' <<<"$headers" &&
     complain "$file: memory that is written and executed"
   grep -qx '__stack_chk_fail' <<<"$imports" || complain "$file: no guards on the stack"
 done

@@ -88,7 +88,8 @@ done < <(kinds)
 for scene in ${makecapture:+gaps dribble seeking fragments streams frames bulk}; do
   for times in 1 4; do
     if [ "$scene" = bulk ]; then # in megabytes: its beginning
-      "$makecapture" bulk 1 | head -c $((times * 100000)) >file
+      "$makecapture" bulk 1 >whole
+      head -c $((times * 100000)) whole >file
     else
       "$makecapture" "$scene" $((times * 100)) >file
     fi

@@ -10,12 +10,15 @@ cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPIL
 cmake --build "$work" -j2 >/dev/null
 library=$work/src/libsdpline.so
 
-if [ -e "$work/src/sipcore" ] || readelf -d "$library" | grep -q sipcore; then
+# Read whole, then searched: a search that ends early would end the reader by a signal.
+dynamic=$(readelf -d "$library")
+if [ -e "$work/src/sipcore" ] || grep -q sipcore <<<"$dynamic"; then
   echo "libsipcore was built or is needed" >&2
   exit 1
 fi
+imports=$(nm -D --undefined-only "$library")
 for service in SipMmCreateBufMem SipSbCopyChar SipSmStringNCmp memset_s g_gpfnSipLmLogHndlr; do
-  if ! nm -D --undefined-only "$library" | grep -qw "$service"; then
+  if ! grep -qw "$service" <<<"$imports"; then
     echo "$service is not imported" >&2
     exit 1
   fi
