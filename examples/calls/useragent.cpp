@@ -11,7 +11,7 @@
  * INVITE to the state "terminated", which BYE, CANCEL, a refusal and a timeout all lead to.
  */
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -43,7 +43,8 @@ struct Agent {
     su_root_t *root = nullptr;
     nua_t *nua = nullptr;
     std::unique_ptr<calls::Local> local;
-    const char *fixed = nullptr; /* an answer to everything, to measure what ours cost */
+    const char *fixed = "";   /* if not empty, an answer to everything: what do ours cost? */
+    unsigned timeout = 32000; /* ms after which a response without ACK or PRACK ends its call */
     bool calling = false;
     uint32_t invites = 0; /* dialogs */
     uint32_t live = 0;
@@ -68,7 +69,7 @@ static void respond(const Call &call, const Reply &reply, msg_t *request = nullp
 
 static Reply answerTo(Agent &agent, Call &call, const std::string &offer) {
     Reply reply =
-        agent.fixed != nullptr ? Reply{.body = agent.fixed} : call.dialog.receiveOffer(offer);
+        *agent.fixed != '\0' ? Reply{.body = agent.fixed} : call.dialog.receiveOffer(offer);
     reply.status == 200 ? ++agent.agreed : ++agent.refused;
     if (!reply.log.empty()) {
         std::fprintf(stderr, "refused with %d: %s\n", reply.status, reply.log.c_str());
@@ -231,7 +232,7 @@ static int onSignal(su_root_magic_t *, su_wait_t *, su_wakeup_arg_t *agent) {
 }
 
 static int usage() {
-    std::fputs("usage: useragent listen PORT [ADDRESS [ANSWER]]\n"
+    std::fputs("usage: useragent listen PORT [ADDRESS [ANSWER [TIMEOUT]]]\n"
                "       useragent call URI [ADDRESS]\n",
                stderr);
     return 2;
@@ -246,7 +247,8 @@ static int run(Agent &agent, const char *port, const char *to) {
         nua_create(agent.root, onEvent, &agent, NUTAG_URL(at.c_str()), NUTAG_MEDIA_ENABLE(0),
                    NUTAG_AUTOALERT(0), NUTAG_AUTOANSWER(0), NUTAG_EARLY_MEDIA(1),
                    NUTAG_ONLY183_100REL(1), NUTAG_APPL_METHOD("PRACK"), NUTAG_APPL_METHOD("UPDATE"),
-                   SIPTAG_SUPPORTED_STR("100rel, precondition"), NUTAG_SESSION_TIMER(0), TAG_END());
+                   SIPTAG_SUPPORTED_STR("100rel, precondition"), NUTAG_SESSION_TIMER(0),
+                   NTATAG_SIP_T1X64(agent.timeout), TAG_END());
     if (agent.nua == nullptr) {
         std::fprintf(stderr, "cannot listen on %s\n", at.c_str());
         return 2;
@@ -269,19 +271,16 @@ static int run(Agent &agent, const char *port, const char *to) {
     std::printf("invites %u closed %u live %u agreed %u refused %u blocks %lld\n", agent.invites,
                 agent.invites - agent.live, agent.live, agent.agreed, agent.refused,
                 static_cast<long long>(after.ulBlocks - before.ulBlocks));
-    const bool clean = agent.live == 0 && after.ulBlocks == before.ulBlocks;
-    return clean && (to == nullptr || agent.agreed == 1 + std::size(kSteps)) ? 0 : 1;
+    return agent.live == 0 && after.ulBlocks == before.ulBlocks ? 0 : 1;
 }
 
 int main(int argc, char **argv) {
-    if (argc < 3 || argc > 5) {
+    const std::string verb = argc < 3 || argc > 6 ? "" : argv[1];
+    if (verb != "call" && verb != "listen") {
         return usage();
     }
     Agent agent;
-    agent.calling = std::strcmp(argv[1], "call") == 0;
-    if (!agent.calling && std::strcmp(argv[1], "listen") != 0) {
-        return usage();
-    }
+    agent.calling = verb == "call";
     const std::string address = argc > 3 ? argv[3] : "127.0.0.1";
     auto local = calls::localAt(address);
     if (!local) {
@@ -289,7 +288,8 @@ int main(int argc, char **argv) {
         return 2;
     }
     agent.local = std::make_unique<calls::Local>(*std::move(local));
-    agent.fixed = argc > 4 ? argv[4] : nullptr;
+    agent.fixed = argc > 4 ? argv[4] : agent.fixed;
+    agent.timeout = argc > 5 ? static_cast<unsigned>(std::atoi(argv[5])) : agent.timeout;
     su_init();
     agent.root = su_root_create(nullptr);
     su_root_threading(agent.root, 0); /* the stack and its callbacks on this thread */

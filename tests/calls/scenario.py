@@ -76,6 +76,13 @@ class Scenario:
         self.send("BYE")
         self.receive(200)
 
+    def hung_up_on(self):
+        """The callee's BYE."""
+        self.elements.append('<recv request="BYE"/>')
+        copied = "\n".join(f"[last_{name}:]" for name in ("Via", "From", "To", "Call-ID", "CSeq"))
+        self.elements.append(f"<send><![CDATA[\nSIP/2.0 200 OK\n{copied}\n"
+                             "Content-Length: 0\n\n]]></send>")
+
     def waits(self, milliseconds=50):
         """Between an ACK and the next request: they may arrive in the other order."""
         self.elements.append(f'<pause milliseconds="{milliseconds}"/>')
@@ -91,6 +98,10 @@ class Scenario:
         attributes = f'response="{status}"' + (' optional="true"' if optional else "")
         inside = f"<action>{''.join(actions)}</action>" if actions else ""
         self.elements.append(f"<recv {attributes}>{inside}</recv>")
+
+    def again(self, status):
+        """The same response, as often as it comes before the next message."""
+        self.elements.append(f'<label id="1"/>\n<recv response="{status}" optional="true" next="1"/>')
 
     def rings(self):
         self.receive(180, optional=True)

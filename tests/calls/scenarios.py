@@ -17,7 +17,10 @@ FAX = ("m=image [media_port+4] udptl t38\na=T38FaxVersion:0\na=T38MaxBitRate:960
 # A malformed address: the fourth octet of c= is 256.
 MALFORMED = HEAD.format(version=1).replace("c=IN IP[media_ip_type] [media_ip]",
                                            "c=IN IP4 192.0.2.256") + AUDIO
-WHERE = '"4:18: expected an octet of at most 255'
+PLACE = ('Warning', '^ ?399 [^ ]+ "4:18: expected an octet of at most 255"$')
+G729 = "m=audio [media_port] RTP/AVP 18\n"
+NOTHING = ("Warning", '^ ?399 [^ ]+ "stream 1 rejected: no common format [(]offered G729/8000, ours '
+                      "[^)]*PCMA/8000[^)]*[)]\"$")
 
 
 def body(*media, version=1):
@@ -106,31 +109,31 @@ def refused():
     """A body that is malformed gets a 400 with its place."""
     s = Scenario("refused")
     s.invites(MALFORMED)
-    s.refused(400, ("Warning", "399 [^ ]+ " + WHERE))
+    s.refused(400, PLACE)
     return s
 
 
 def nothing():
     s = Scenario("nothing")
-    s.invites(body("m=audio [media_port] RTP/AVP 18\n"))
-    s.refused(488, ("Warning", '399 [^ ]+ ".*no common format'))
+    s.invites(body(G729))
+    s.refused(488, NOTHING)
     return s
 
 
 def reinvite():
-    """A re-INVITE that is refused leaves the call as it was."""
+    """A re-INVITE that is refused leaves the call as it was: our next description is the second."""
     s = Scenario("reinvite")
     s.invites(body(AUDIO))
-    s.answered()
+    s.answered(("body", "o=- [0-9]+ 1 IN "))
     s.waits()
     s.invites(MALFORMED)
-    s.refused(400, ("Warning", "399 [^ ]+ " + WHERE))
+    s.refused(400, PLACE)
     s.waits()
-    s.invites(body("m=audio [media_port] RTP/AVP 18\n", version=2))
-    s.refused(488, ("Warning", "399 "))
+    s.invites(body(G729, version=2))
+    s.refused(488, NOTHING)
     s.waits()
     s.invites(body(AUDIO, "a=sendonly\n", version=3))
-    s.answered(("body", "a=recvonly"))
+    s.answered(("body", "a=recvonly"), ("body", "o=- [0-9]+ 2 IN "))
     s.hangs_up()
     return s
 
@@ -158,6 +161,27 @@ def cancel():
     s.send("CANCEL", cseq=s.invite_cseq, branch=f"[branch-{back}]")
     s.receive(200)
     s.refused(487)
+    return s
+
+
+def noack():
+    """The 200 is never acknowledged: the callee hangs up (RFC 3261 section 13.3.1.4)."""
+    s = Scenario("noack")
+    s.invites(body(AUDIO))
+    s.rings()
+    s.receive(200, ("body", "m=audio [1-9][0-9]* RTP/AVP 8 0 96"))
+    s.again(200)
+    s.hung_up_on()
+    return s
+
+
+def noprack():
+    """Neither is the reliable 183: the INVITE is refused (RFC 3262 section 3)."""
+    s = Scenario("noprack")
+    s.invites(body(AUDIO), headers=["Require: 100rel"])
+    s.receive(183, reliable=True)
+    s.again(183)
+    s.refused(504)
     return s
 
 
@@ -220,12 +244,13 @@ def multipart():
 
 SCENARIOS = (rich, hold, fax, early, offerless, refused, nothing, reinvite, glare, cancel, browser,
              longest, compact, multipart)
+SILENT = (noack, noprack)  # with a server that waits for a short time
 
 
 def main():
     folder = pathlib.Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
-    for make in SCENARIOS:
+    for make in (*SCENARIOS, *SILENT):
         scenario = make()
         (folder / f"{scenario.name}.xml").write_text(scenario.xml(), encoding="utf-8")
         print(scenario.name)
