@@ -18,8 +18,8 @@ CHECKERS = {
 SANITIZERS = {"ASAN_OPTIONS": "quarantine_size_mb=8",
               "LSAN_OPTIONS": f"suppressions={HERE / 'sofia.lsan'}"}
 # How many blocks the suppressions hid, in the words of valgrind and of LeakSanitizer.
-HIDDEN = re.compile(r"suppressed: [0-9,]+ bytes in ([0-9,]+) blocks|^ +([0-9]+) +[0-9]+ su_msg_new$",
-                    re.MULTILINE)
+HIDDEN = re.compile(r"suppressed: [0-9,]+ bytes in ([0-9,]+) blocks"
+                    r"|^ +([0-9]+) +[0-9]+ su_msg_new$", re.MULTILINE)
 
 
 def load_once(command, work, rate, seconds, name):
@@ -86,7 +86,7 @@ def soak(build, work, minutes, under):
             made += all_scenarios(work, port, 20, 20, seconds=120)
             took = time.monotonic() - begun
             # Transactions that ended stay for 32 s: from then on as many come as go.
-            sizes = sizes[-1:] if took < 40 else sizes
+            sizes = sizes if took >= 40 else []
             sizes.append(server.resident_kib())
             print(f"{made} calls, {took:.0f} s: {sizes[-1]} KiB", flush=True)
         server.end(made)

@@ -2,7 +2,7 @@
 
 Each phone is told what to do over its own interface, and every request and final response is read
 in the log of our agent: `< INVITE audio sendonly` came in, `> 200 INVITE audio recvonly` went out.
-All of it is in a network of its own where the system allows that, and on loopback addresses else.
+All of it is in a network namespace where the system allows that, and on loopback addresses else.
 """
 
 import fcntl
@@ -61,7 +61,8 @@ def summary(message):
 
 def seen(log):
     """Requests and final responses of a log of the stack, without those that were repeated."""
-    pattern = re.compile(r"^(send|recv) [^\n]*\n +-{60,}\n(.*?)^ +-{60,}\n", re.MULTILINE | re.DOTALL)
+    pattern = re.compile(r"^(send|recv) [^\n]*\n +-{60,}\n(.*?)^ +-{60,}\n",
+                         re.MULTILINE | re.DOTALL)
     found = {}
     for match in pattern.finditer(log):
         text = re.sub(r"^ {3}", "", match[2], flags=re.MULTILINE)
@@ -242,8 +243,8 @@ def phone_is_called(phone, useragent):
     print(f"  {phone.NAME} is called: {', '.join(OUR_OFFERS)}")
 
 
-def network_of_our_own():
-    """Runs this program again where interfaces and ports are nobody else's, if the system lets it."""
+def enter_namespace():
+    """Runs this program again in a network namespace, if the system lets it make one."""
     mark = "CALLS_NETWORK"
     shared = ["unshare", "--map-root-user", "--net"]
     if mark in os.environ:

@@ -5,7 +5,7 @@
     run.py BUILD --load [RATE] [SECONDS]
                                       one scenario at a steady rate (1000 for 10 seconds), and what
                                       a call costs
-    run.py BUILD --share [CALLS]      the instructions of a call (200 calls), and those that are ours
+    run.py BUILD --share [CALLS]      the instructions of a call (of 200), and those that are ours
     run.py BUILD --soak MINUTES [--under COMMAND]
                                       every scenario again and again, one memory checker at a time
     run.py BUILD --phones             baresip and linphone call us, and are called
@@ -20,7 +20,7 @@ import time
 from agents import (FIXED, TIMEOUT, Failed, all_scenarios, client, finish, listening, sipp,
                     write_scenarios)
 from measure import load, share, soak
-from phones import network_of_our_own, phones
+from phones import enter_namespace, phones
 from scenarios import SILENT
 
 # What the agent in C can do: it has no UPDATE, PRACK or CANCEL, and no offers of its own.
@@ -100,7 +100,7 @@ def main():
     options = arguments()
     build = options.build.resolve()
     if options.phones:
-        network_of_our_own()
+        enter_namespace()
     with tempfile.TemporaryDirectory(prefix="calls.") as folder:
         work = pathlib.Path(folder)
         try:

@@ -1,10 +1,10 @@
-"""A SIP scenario as sipp reads it: requests, the responses they must get, and what these must say."""
+"""A SIP scenario as sipp reads it: requests, the responses that they get, and what these say."""
 
 from xml.sax.saxutils import quoteattr
 
 
 class Scenario:
-    """Messages of one call in order. Each `send` and `receive` is one element of sipp's scenario."""
+    """Messages of one call in order. `send` and `receive` are each one element of sipp's scenario."""
 
     def __init__(self, name, compact=False):
         self.name = name
@@ -101,7 +101,8 @@ class Scenario:
 
     def again(self, status):
         """The same response, as often as it comes before the next message."""
-        self.elements.append(f'<label id="1"/>\n<recv response="{status}" optional="true" next="1"/>')
+        self.elements.append('<label id="1"/>')
+        self.elements.append(f'<recv response="{status}" optional="true" next="1"/>')
 
     def rings(self):
         self.receive(180, optional=True)

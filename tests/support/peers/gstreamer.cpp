@@ -35,6 +35,10 @@ Stream streamOf(const GstSDPMessage *message, const GstSDPMedia *media) {
         stream.formats.push_back(textOf(gst_sdp_media_get_format(media, i)));
     }
     stream.direction = directionOf(message, media);
+    for (guint i = 0; i < gst_sdp_media_attributes_len(media); ++i) {
+        const std::string name = textOf(gst_sdp_media_get_attribute(media, i)->key);
+        stream.attributes += isDirection(name) ? 0 : 1;
+    }
     const GstSDPConnection *connection = gst_sdp_message_get_connection(message);
     if (gst_sdp_media_connections_len(media) != 0) {
         connection = gst_sdp_media_get_connection(media, 0);

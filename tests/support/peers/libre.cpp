@@ -33,6 +33,19 @@ sdp_dir turned(sdp_dir direction) {
                                        : direction;
 }
 
+// Those that it keeps as text; a=rtpmap and a=fmtp become a part of their format.
+size_t attributesOf(const sdp_media *media) {
+    size_t count = 0;
+    sdp_media_rattr_apply(
+        media, nullptr,
+        [](const char *, const char *, void *counted) -> bool {
+            ++*static_cast<size_t *>(counted);
+            return false;
+        },
+        &count);
+    return count;
+}
+
 Stream streamOf(const sdp_media *media) {
     Stream stream;
     stream.media = textOf(sdp_media_name(media));
@@ -40,8 +53,12 @@ Stream streamOf(const sdp_media *media) {
     stream.protocol = textOf(sdp_media_proto(media));
     const list *const formats = sdp_media_format_lst(media, false);
     for (const le *one = list_head(formats); one != nullptr; one = one->next) {
-        stream.formats.push_back(textOf(static_cast<const sdp_format *>(one->data)->id));
+        const auto *const format = static_cast<const sdp_format *>(one->data);
+        stream.formats.push_back(textOf(format->id));
+        stream.attributes +=
+            (format->name != nullptr ? 1u : 0u) + (format->params != nullptr ? 1u : 0u);
     }
+    stream.attributes += attributesOf(media);
     stream.direction = textOf(sdp_dir_name(turned(sdp_media_rdir(media))));
     stream.address = addressOf(media);
     return stream;

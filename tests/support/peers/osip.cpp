@@ -43,6 +43,10 @@ Stream streamOf(const sdp_message_t &message, const sdp_media_t &media) {
     if (message.c_connection != nullptr) {
         stream.address = textOf(message.c_connection->c_addr);
     }
+    each(media.a_attributes, [&](void *item) {
+        const auto *const attribute = static_cast<sdp_attribute_t *>(item);
+        stream.attributes += isDirection(textOf(attribute->a_att_field)) ? 0 : 1;
+    });
     each(media.c_connections, [&](void *item) {
         stream.address = textOf(static_cast<sdp_connection_t *>(item)->c_addr);
     });

@@ -1,6 +1,8 @@
 // The libraries that are linked.
 #include "support/peers/peers.hpp"
 
+#include <arpa/inet.h>
+
 namespace peers {
 
 #define PEER(name) std::optional<Streams> read_##name(const std::string &text);
@@ -37,6 +39,18 @@ std::string describe(const Stream &stream) {
         text += ' ' + format;
     }
     return text + ' ' + stream.direction + ' ' + stream.address;
+}
+
+std::string describeWhole(const Stream &stream) {
+    in6_addr address;
+    char text[INET6_ADDRSTRLEN] = "";
+    Stream other = stream;
+    for (const int family : {AF_INET, AF_INET6}) {
+        if (inet_pton(family, stream.address.c_str(), &address) == 1) {
+            other.address = inet_ntop(family, &address, text, sizeof text);
+        }
+    }
+    return describe(other) + ' ' + std::to_string(stream.attributes) + " attributes";
 }
 
 } // namespace peers

@@ -1,4 +1,5 @@
-// sofia-sip. It keeps the formats of RTP as rtpmaps, those of other protocols as words.
+// sofia-sip. It keeps the formats of RTP as rtpmaps, which a=rtpmap and a=fmtp become a part of,
+// those of other protocols as words.
 #include <sofia-sip/sdp.h>
 
 #include <memory>
@@ -24,6 +25,10 @@ Stream streamOf(const sdp_session_t &session, const sdp_media_t &media) {
     }
     for (const sdp_rtpmap_t *one = media.m_rtpmaps; one != nullptr; one = one->rm_next) {
         stream.formats.push_back(std::to_string(unsigned{one->rm_pt}));
+        stream.attributes += (one->rm_predef ? 0 : 1) + (one->rm_fmtp != nullptr ? 1 : 0);
+    }
+    for (const sdp_attribute_t *one = media.m_attributes; one != nullptr; one = one->a_next) {
+        ++stream.attributes;
     }
     stream.direction = kDirections[media.m_mode];
     const sdp_connection_t *const connection =
