@@ -65,6 +65,35 @@ TEST(Negotiate, AnAnswerWithoutAReport) {
     SdpLibReleaseSdp(&made);
 }
 
+// Flags of records are 1, which programs in C compare with.
+TEST(Negotiate, FlagsOfAStreamAreOne) {
+    const std::string wished = "a=curr:qos local none\na=curr:qos remote none\n"
+                               "a=des:qos mandatory local sendrecv\n"
+                               "a=des:qos mandatory remote sendrecv\n";
+    const Body offer = theirs("m=audio 49170 RTP/AVP 0\nc=IN IP4 0.0.0.0\n" + wished +
+                              "a=conf:qos remote sendrecv\n");
+    const Body local = ours("m=audio 40000 RTP/AVP 0\nc=IN IP4 0.0.0.0\n" + wished);
+    SdpLine *answer = nullptr;
+    SdpNegotiateReport *made = nullptr;
+    SdpNegotiateReport *agreed = nullptr;
+    ASSERT_EQ(SdpNegotiateAnswer(offer.record(), local.record(), nullptr, nullptr, &answer, &made),
+              0u);
+    ASSERT_EQ(SdpNegotiateAgree(offer.record(), answer, SDP_NEGOTIATE_ANSWERER, &agreed), 0u);
+    for (const SdpNegotiateReport *const report : {made, agreed}) {
+        ASSERT_EQ(report->ulNoOfStreams, 1u);
+        const SdpNegotiateStream &stream = *report->ppstStreams[0];
+        EXPECT_EQ(report->bAccepted, 1u);
+        EXPECT_EQ(stream.bAccepted, 1u);
+        EXPECT_EQ(stream.bConfirm, 1u);
+        EXPECT_EQ(stream.bHeld, 1u);
+        EXPECT_EQ(stream.bPeerHeld, 1u);
+        EXPECT_EQ(stream.enPreconditions, uint32_t{SDP_NEGOTIATE_PRECONDITIONS_UNMET});
+    }
+    SdpNegotiateReleaseReport(&made);
+    SdpNegotiateReleaseReport(&agreed);
+    SdpLibReleaseSdp(&answer);
+}
+
 std::string lines(const std::string &line, int count) {
     std::string text;
     for (; count > 0; --count) {

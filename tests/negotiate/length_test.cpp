@@ -46,26 +46,33 @@ std::string with(const char *body, size_t size) {
     return text.replace(text.find('@'), 1, size, 'x');
 }
 
-// Streams that nobody takes, 3600 bytes of them; they stay in an answer and in a next offer.
-std::string closed() {
-    std::string text;
-    for (int i = 0; i < 4; ++i) {
-        text += "m=y 0 udp " + std::string(888, 'y') + "\n";
-    }
-    return text;
+// Four lines of so many bytes.
+std::string lines(const std::string &begin, size_t width) {
+    const std::string line = begin + std::string(width - begin.size() - 2, 'y') + "\r\n";
+    return line + line + line + line;
 }
+// Streams that nobody takes; they stay in an answer and in a next offer.
+std::string closed(size_t width) {
+    return lines("m=y 0 udp ", width);
+}
+
+// How wide four other lines are, and which lengths of a text reach the limit beside them.
+struct Span {
+    size_t width;
+    size_t from;
+    size_t to;
+};
+constexpr Span kSpans[] = {{900, 300, 440}, {755, 880, 1020}};
 
 // What a call makes of a text, one byte longer each time: bodies up to the limit, then TooLong.
 template <class Make>
-void expectLimit(const Place &place, Make make) {
+void expectLimit(const Place &place, const Span &span, Make make) {
     SCOPED_TRACE(place.name);
     size_t longest = 0;
     bool refused = false;
-    for (size_t size = 300; size < 440 && !refused; ++size) {
+    for (size_t size = span.from; size < span.to && !refused; ++size) {
         const auto body = Body::decode(with(place.body, size));
-        if (!body) {
-            FAIL() << size << ": " << body.error().message();
-        }
+        ASSERT_TRUE(body) << size << ": " << body.error().message();
         const sdpline::Result<Body> made = make(*body);
         refused = !made;
         if (refused) {
@@ -80,38 +87,42 @@ void expectLimit(const Place &place, Make make) {
     EXPECT_TRUE(refused ? longest == SDP_MAX_BODY : longest < SDP_MAX_BODY) << longest;
 }
 
-TEST(NegotiateLength, AnswersWithALongTextOfOurs) {
+template <class Test>
+void eachPlace(Test test) {
     for (const Place &place : kPlaces) {
-        expectLimit(place, [&](const Body &local) {
-            const auto offer = Body::decode(with(place.body, 1) + closed());
-            return sdpline::answer(*offer, local).and_then([](auto answer) {
-                return sdpline::Result<Body>(std::move(answer.body));
-            });
-        });
+        for (const Span &span : kSpans) {
+            test(place, span);
+        }
     }
+}
+
+sdpline::Result<Body> answerTo(const Body &offer, const Body &local) {
+    return sdpline::answer(offer, local).and_then([](auto answer) {
+        return sdpline::Result<Body>(std::move(answer.body));
+    });
+}
+
+TEST(NegotiateLength, AnswersWithALongTextOfOurs) {
+    eachPlace([](const Place &place, const Span &span) {
+        const auto offer = Body::decode(with(place.body, 1) + closed(span.width));
+        expectLimit(place, span, [&](const Body &local) { return answerTo(*offer, local); });
+    });
 }
 
 TEST(NegotiateLength, AnswersToAnOfferWithALongText) {
-    const Body local =
-        Body::decode(HEAD "c=IN IP4 198.51.100.2\nt=0 0\na=x:" + std::string(900, 'x') +
-                     "\na=y:" + std::string(900, 'y') + "\na=z:" + std::string(900, 'z') +
-                     "\na=w:" + std::string(900, 'w') + "\nm=audio 40000 RTP/AVP 0\n")
-            .value();
-    for (const Place &place : kPlaces) {
-        expectLimit(place, [&](const Body &offer) {
-            return sdpline::answer(offer, local).and_then([](auto answer) {
-                return sdpline::Result<Body>(std::move(answer.body));
-            });
-        });
-    }
+    eachPlace([](const Place &place, const Span &span) {
+        const auto local =
+            Body::decode(HEAD TAIL + lines("a=y:", span.width) + "m=audio 40000 RTP/AVP 0\n");
+        expectLimit(place, span, [&](const Body &offer) { return answerTo(offer, *local); });
+    });
 }
 
 TEST(NegotiateLength, NextOffersWithALongText) {
-    for (const Place &place : kPlaces) {
-        const auto previous = Body::decode(with(place.body, 1) + closed());
-        expectLimit(place,
+    eachPlace([](const Place &place, const Span &span) {
+        const auto previous = Body::decode(with(place.body, 1) + closed(span.width));
+        expectLimit(place, span,
                     [&](const Body &wanted) { return sdpline::nextOffer(*previous, wanted); });
-    }
+    });
 }
 
 } // namespace

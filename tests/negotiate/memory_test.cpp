@@ -234,6 +234,31 @@ TEST(NegotiateMemory, ACheckWithoutMemorySaysSo) {
     EXPECT_EQ(answer.error().fault, sdpline::Fault::Memory);
 }
 
+// A session keeps what was sent last and what is in force; nothing of an offer that has its answer.
+TEST(NegotiateMemory, ASettledSessionKeepsNoOffer) {
+    const auto local = sdpline::Body::decode(kLocalHead + "m=audio 40000 RTP/AVP 0\n");
+    const auto remote = sdpline::Body::decode(kOfferHead + "m=audio 49170 RTP/AVP 0\n");
+    SdpNegotiator *session = nullptr;
+    ASSERT_EQ(SdpNegotiateCreate(&session), 0u);
+    const Held before = Held::now();
+    const auto settle = [&] {
+        SdpLine *body = nullptr;
+        EXPECT_EQ(SdpNegotiateReceiveOffer(session, remote->record()), 0u);
+        EXPECT_EQ(SdpNegotiateMakeAnswer(session, local->record(), nullptr, 0, &body, nullptr), 0u);
+        SdpLibReleaseSdp(&body);
+        return Held::now().blocks - before.blocks;
+    };
+    const uint64_t answered = settle();
+    EXPECT_EQ(settle(), answered);
+    SdpLine *body = nullptr;
+    EXPECT_EQ(SdpNegotiateOffer(session, local->record(), &body), 0u);
+    SdpLibReleaseSdp(&body);
+    EXPECT_EQ(SdpNegotiateReceiveAnswer(session, remote->record(), 0, nullptr), 0u);
+    EXPECT_EQ(Held::now().blocks - before.blocks, answered);
+    EXPECT_EQ(answered, 3u) << "ours in force, theirs, and what was sent last";
+    SdpNegotiateRelease(&session);
+}
+
 } // namespace
 
 } // namespace negotiate_test
