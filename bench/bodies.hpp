@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -31,6 +32,9 @@ const std::vector<Body> &attributeBodies();
 // The body with a fault that sdptidy.h repairs by default: in its second line, in its last one, or
 // in each line that can have one. Without faults it has the same lines, and one more at the end.
 enum class Fault { First, Last, Each };
+// By the names of the operations that repair them.
+inline constexpr std::pair<const char *, Fault> kFaults[] = {
+    {"repair-first", Fault::First}, {"repair-last", Fault::Last}, {"repair-each", Fault::Each}};
 Body untidy(const Body &body, Fault fault);
 Body withoutFaults(const Body &body);
 

@@ -39,11 +39,6 @@ bool onLines(const bench::Body &body, long count, Operation operation) {
     });
 }
 
-constexpr std::pair<std::string_view, bench::Fault> kFaults[] = {
-    {"repair-first", bench::Fault::First},
-    {"repair-last", bench::Fault::Last},
-    {"repair-each", bench::Fault::Each}};
-
 using Negotiation = bool (*)(const sdpline::Body &, const sdpline::Body &);
 
 // All that is offered is what we can do.
@@ -80,7 +75,7 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
     if (operation == "tidy") {
         return repeated(count, [&] { return onTexts(body, bench::tidyAndRelease); });
     }
-    for (const auto &[name, fault] : kFaults) {
+    for (const auto &[name, fault] : bench::kFaults) {
         if (operation == name) {
             const bench::Body untidy = bench::untidy(body, fault);
             return repeated(count, [&] { return onTexts(untidy, bench::tidyAndRelease); });

@@ -75,6 +75,23 @@ void addAnswer(const Body &body) {
     });
 }
 
+// A text that is taken as it is, and texts with faults beside the decode of what comes out of each.
+void addTidy(const Body &body) {
+    add("repaired", "sdpline", body, [&body](benchmark::State &state) {
+        const Body whole = bench::withoutFaults(body);
+        bench::measureEach(state, body, whole.texts, bench::decodeAndRelease);
+    });
+    add("tidy", "sdpline", body, [&body](benchmark::State &state) {
+        bench::measureEach(state, body, body.texts, bench::tidyAndRelease);
+    });
+    for (const auto &[name, fault] : bench::kFaults) {
+        add(name, "sdpline", body, [&body, fault = fault](benchmark::State &state) {
+            const Body untidy = bench::untidy(body, fault);
+            bench::measureEach(state, body, untidy.texts, bench::tidyAndRelease);
+        });
+    }
+}
+
 // Where decodes are serialised, as they are but for SDPLINE_THREAD_LOCAL, two threads wait for each
 // other.
 void addThreads(const Body &body) {
@@ -183,6 +200,7 @@ int main(int argc, char **argv) {
         addFloors(body);
         if (body.texts.size() == 1) {
             addAnswer(body);
+            addTidy(body);
             addThreads(body);
         }
     }

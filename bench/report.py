@@ -10,6 +10,7 @@ DECODE_TABLE_PASSES = 4.0
 DECODE_ALLOCS = 1
 ENCODE_ALLOCS = 2
 COST_OF_4KB = 1.5
+TIDY_DECODES, REPAIR_DECODES = 1.2, 3.0
 
 OFFERS = ["240B", "1KB", "2KB", "4KB"]
 OWN_OPERATIONS = [
@@ -21,6 +22,11 @@ OWN_OPERATIONS = [
     ("answer", "a call's answer, C++"),
     ("answer-c", "a call's answer, C"),
     ("negotiate", "an answer by RFC 3264, with its report, C++"),
+    ("tidy", "tidy, of a text that is taken as it is"),
+    ("repaired", "decode, release what a repair makes of a text"),
+    ("repair-first", "tidy, its second line repaired"),
+    ("repair-last", "tidy, its last line repaired"),
+    ("repair-each", "tidy, every line repaired that can have a fault"),
 ]
 FLOORS = [
     ("table", "floor: one table pass"),
@@ -219,6 +225,7 @@ def targets(results):
         False,
     )
     yield from against_peers(results, "encode", OFFERS, ENCODE_TIMES_PEER)
+    yield from tidy_decodes(results)
     yield from allocations(results, "decode", ["240B", "1KB"], DECODE_ALLOCS)
     yield from allocations(results, "encode", OFFERS, ENCODE_ALLOCS)
     yield Target(
@@ -227,6 +234,23 @@ def targets(results):
         COST_OF_4KB,
         False,
     )
+
+
+def tidy_decodes(results):
+    """What a text costs that is taken as it is, and one that is repaired, in decodes of it."""
+    for operation, decoded, most in (
+        ("tidy", "decode", TIDY_DECODES),
+        ("repair-first", "repaired", REPAIR_DECODES),
+        ("repair-last", "repaired", REPAIR_DECODES),
+    ):
+        for body in OFFERS:
+            ours, decode = (results.get(each, OURS, body) for each in (operation, decoded))
+            yield Target(
+                f"{operation} {body} / its decode",
+                ours.time / decode.time if ours and decode else None,
+                most,
+                False,
+            )
 
 
 def notes(results):

@@ -51,6 +51,9 @@ def sample():
         *runs("encode", "sdpline", "240B", [100.0], 240),
         *runs("encode", "slow", "240B", [390.0], 240, lines=12.0, lost=0.0),
         *runs("encode", "fast", "240B", [50.0], 240, lines=12.0, lost=9.0),
+        *runs("tidy", "sdpline", "240B", [121.0], 240),
+        *runs("repaired", "sdpline", "240B", [100.0], 240),
+        *runs("repair-last", "sdpline", "240B", [300.0], 240),
         *runs("attribute", "sdpline", "x:1", [9000.0], 4000),
     ]
     for threads, rate in ((1, 2e6), (2, 3e6)):
@@ -83,6 +86,13 @@ class ReportTest(unittest.TestCase):
         self.assertIn("MISS time per byte of decode, 4KB / 1KB: 1.60, at most 1.5", text)
         self.assertIn("not measured: decode 1KB, fastest peer / ours, at least 5", text)
 
+    def test_shows_what_a_repair_costs_in_decodes(self):
+        text = report.markdown(sample())
+        self.assertIn("| tidy, its last line repaired | 300 (1.25) | - | - |", text)
+        self.assertIn("MISS tidy 240B / its decode: 1.21, at most 1.2", text)
+        self.assertIn("PASS repair-last 240B / its decode: 3.00, at most 3", text)
+        self.assertIn("not measured: repair-first 240B / its decode, at most 3", text)
+
     def test_marks_what_a_peer_refuses_and_loses(self):
         text = report.markdown(sample())
         self.assertIn("fast refuses the body 1KB", text)
@@ -105,7 +115,7 @@ class ReportTest(unittest.TestCase):
             report.write_csv(sample(), path)
             with open(path, encoding="utf-8") as file:
                 lines = file.read().splitlines()
-        self.assertEqual(len(lines), 11)
+        self.assertEqual(len(lines), 14)
         self.assertIn("encode,fast,240B,240,50.0,0.2083,1,12,9,1", lines)
 
     def test_draws_a_bar_for_each_library(self):

@@ -117,7 +117,7 @@ typedef struct SDPTidyRule {
     const char *pcName;  /* "NameEmpty" */
     const char *pcWrong; /* what was wrong: "s= is empty" */
     const char *pcDone;  /* what was done: "wrote s=-"; of a doubt, what the decoder makes of it */
-    const char *pcReference; /* the rule that was broken: "RFC 4566 5.3" */
+    const char *pcReference; /* the rule that was broken, or of the field: "RFC 4566 5.3" */
     uint32_t bLoses;         /* 1: a record of the repaired text lacks what the given text said */
     uint32_t bChanges;       /* 1: readers of the repaired text may see another session */
 } SDPTidyRule;

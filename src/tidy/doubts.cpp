@@ -51,7 +51,7 @@ constexpr std::string_view kFlags[] = {
 class Doubter {
 public:
     Doubter(SDPMemCp *memCp, std::string_view text, bool rtpFamily)
-        : memory_(memCp), text_(text), rtpFamily_(rtpFamily) {}
+        : memory_(memCp, kBlockFirst), text_(text), rtpFamily_(rtpFamily) {}
 
     // False without memory.
     bool run() {
@@ -98,7 +98,6 @@ private:
                 return;
             }
             std::copy_n(rows_, count_, more);
-            memory_.give(rows_);
             rows_ = more;
             room_ = room;
         }

@@ -20,9 +20,7 @@ Fields::Fields(std::string_view value) {
             run_ = at != space ? space : nullptr;
         }
         const char *const field = at;
-        while (at != end && !isBlank(*at)) {
-            ++at;
-        }
+        at = findBlank(at, end);
         if (count_ == kMost) {
             fits_ = false;
             return;
@@ -63,6 +61,11 @@ void Fields::write(Workspace &work, Line &line, std::string_view key, std::strin
     if (trailing_ != nullptr) {
         work.report(Rule::TrailingSpace, line, trailing_);
     }
+    if (!changed_ && run_ == nullptr && leading_ == nullptr &&
+        line.text.data() == line.original.data() && line.text[1] == '=') { // it ends earlier
+        line.text = line.text.substr(0, static_cast<size_t>(trailing_ - line.text.data()));
+        return;
+    }
     size_t size = key.size() + after.size();
     for (uint32_t i = 0; i < count_; ++i) {
         size += items_[i].size() + 1;
@@ -70,9 +73,16 @@ void Fields::write(Workspace &work, Line &line, std::string_view key, std::strin
     Draft draft(work.memory, size);
     draft << key;
     for (uint32_t i = 0; i < count_; ++i) {
-        draft << (i == 0 ? "" : " ") << items_[i];
+        draft << (i == 0 ? std::string_view() : blankAfter(i - 1)) << items_[i];
     }
     line.text = (draft << after).text();
+}
+
+// The one that is there where it is one, for what is copied together.
+std::string_view Fields::blankAfter(uint32_t index) const {
+    const char *const end = items_[index].data() + items_[index].size();
+    const bool isThere = end + 1 == items_[index + 1].data() && *end == ' ';
+    return isThere ? std::string_view(end, 1) : " ";
 }
 
 } // namespace sdpline::tidy

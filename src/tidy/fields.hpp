@@ -48,6 +48,8 @@ public:
     void write(Workspace &work, Line &line, std::string_view key, std::string_view after = {});
 
 private:
+    std::string_view blankAfter(uint32_t index) const;
+
     std::string_view items_[kMost];
     const char *places_[kMost];
     uint32_t count_ = 0;

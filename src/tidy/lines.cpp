@@ -13,19 +13,21 @@ constexpr bool isLeftOut(char byte) {
 }
 
 constexpr bool isLetter(char byte) {
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+    return static_cast<uint8_t>((byte | 0x20) - 'a') < 26;
 }
 
-// The letter before "=", 0 where there is none.
-char keyOf(std::string_view line) {
-    if (line.size() > 1 && line[1] == '=' && isLetter(line[0])) {
-        return line[0]; // as nearly all lines begin
-    }
+[[gnu::noinline]] char keyAfterLeftOut(std::string_view line) {
     size_t at = 0;
     while (at < line.size() && isLeftOut(line[at])) {
         ++at;
     }
     return at + 1 < line.size() && line[at + 1] == '=' && isLetter(line[at]) ? line[at] : '\0';
+}
+
+// The letter before "=", 0 where there is none. Nearly all lines begin with it.
+inline char keyOf(std::string_view line) {
+    const bool isFirst = line.size() > 1 && line[1] == '=' && isLetter(line[0]);
+    return isFirst ? line[0] : keyAfterLeftOut(line);
 }
 
 // The same where white space around the "=" is repaired.
@@ -46,33 +48,34 @@ bool endsDescription(std::string_view line) {
     return true;
 }
 
-// One line after the other, with its end.
+// One line after the other, with its end. `kBreak` is the byte that ends a line: LF, or CR in a
+// text without LF.
+template <char kBreak>
 class Cutter {
 public:
-    // `breaks` is the byte that ends a line: LF, or CR in a text without LF.
-    Cutter(std::string_view text, char breaks) : rest_(text), breaks_(breaks) {}
+    explicit Cutter(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {}
 
-    bool done() const { return rest_.empty(); }
-    std::string_view rest() const { return rest_; }
+    bool done() const { return at_ == end_; }
+    const char *at() const { return at_; }
+    std::string_view rest() const { return {at_, static_cast<size_t>(end_ - at_)}; }
 
     std::string_view next(std::string_view &end) {
-        const void *const found = std::memchr(rest_.data(), breaks_, rest_.size());
-        size_t size = rest_.size();
-        size_t whole = size;
+        const char *const begin = at_;
+        const void *const found = std::memchr(begin, kBreak, static_cast<size_t>(end_ - begin));
+        const char *last = end_;
+        at_ = end_;
         if (found != nullptr) {
-            size = static_cast<size_t>(static_cast<const char *>(found) - rest_.data());
-            whole = size + 1;
-            size -= breaks_ == '\n' && size != 0 && rest_[size - 1] == '\r' ? 1 : 0;
+            last = static_cast<const char *>(found);
+            at_ = last + 1;
+            last -= kBreak == '\n' && last != begin && last[-1] == '\r' ? 1 : 0;
         }
-        const std::string_view line = rest_.substr(0, size);
-        end = rest_.substr(size, whole - size);
-        rest_.remove_prefix(whole);
-        return line;
+        end = {last, static_cast<size_t>(at_ - last)};
+        return {begin, static_cast<size_t>(last - begin)};
     }
 
 private:
-    std::string_view rest_;
-    char breaks_;
+    const char *at_;
+    const char *end_;
 };
 
 uint32_t countLines(std::string_view text, char breaks) {
@@ -87,45 +90,54 @@ uint32_t countLines(std::string_view text, char breaks) {
     }
 }
 
+template <char kBreak>
 class Reader {
 public:
-    Reader(Workspace &work, char breaks)
-        : work_(work), cutter_(work.text, breaks), breaks_(breaks) {}
+    // `room` is for how many lines there is memory.
+    Reader(Workspace &work, uint32_t room)
+        : work_(work), cutter_(work.text), next_(work.lines), room_(room) {}
 
-    void read() {
-        bool begun = false;
-        while (!cutter_.done()) {
-            const std::string_view before = cutter_.rest();
-            Line &line = next();
-            if (!begun) {
-                begun = begin(line);
-                continue;
-            }
-            work_.hasSecondVersion = work_.hasSecondVersion || line.key == 'v';
-            if (line.key == '\0' && endsDescription(line.original) && !leavesOut(line)) {
-                --work_.lineCount;
-                work_.tail = before;
-                work_.goesOn = nextKey() != '\0';
-                return;
-            }
+    // False where the text has more lines than that.
+    bool read() {
+        while (hasRoom() && !begin(next())) {
         }
+        while (hasRoom() && readLine()) {
+        }
+        work_.lineCount = count_;
+        return cutter_.done() || !work_.tail.empty();
     }
 
 private:
+    bool hasRoom() const { return !cutter_.done() && count_ != room_; }
+
+    // False for the line that ends the description.
+    bool readLine() {
+        const std::string_view before = cutter_.rest();
+        Line &line = next();
+        if (line.key == '\0') [[unlikely]] {
+            if (isEmpty(line) && !leavesOut(line)) {
+                --count_;
+                work_.tail = before;
+                work_.goesOn = nextKey() != '\0';
+                return false;
+            }
+        } else if (line.key == 'v') {
+            work_.hasSecondVersion = true;
+        }
+        return true;
+    }
+
     Line &next() {
-        Line &line = work_.lines[work_.lineCount++];
-        line.original = cutter_.next(line.end);
+        Line &line = *next_++;
+        line.original = cutter_.next(line.end); // the rest is zero, as memory comes
         line.text = line.original;
-        line.number = work_.lineCount;
+        line.number = ++count_;
         line.key = keyOf(line.original);
-        if (breaks_ == '\r' && !line.end.empty()) {
-            if (work_.lineCount == 1) {
+        if (kBreak == '\r' && !line.end.empty()) {
+            if (line.number == 1) {
                 work_.report(Rule::LineEndCr, line, line.end.data());
             }
             line.end = "\r\n";
-        }
-        if (work_.lineCount == 1 && !line.end.empty()) {
-            work_.lineEnd = line.end;
         }
         return line;
     }
@@ -133,6 +145,9 @@ private:
     // Takes away what comes before v=. False for a line that is all of that.
     bool begin(Line &line) {
         std::string_view &text = line.text;
+        if (line.number == 1 && !line.end.empty()) {
+            work_.lineEnd = line.end;
+        }
         if (line.number == 1 && text.starts_with(kByteOrderMark) &&
             work_.wants(Rule::ByteOrderMark)) {
             work_.report(Rule::ByteOrderMark, line);
@@ -152,13 +167,13 @@ private:
         return !text.empty();
     }
 
-    // The letter of the line after this and other empty ones, 0 where it is none of SDP. `begin` is
-    // where it begins.
+    // The letter of the next line that is not empty, 0 where it is none of SDP. `begin` is where it
+    // begins.
     char nextKey(const char **begin = nullptr) const {
-        Cutter ahead = cutter_;
+        Cutter<kBreak> ahead = cutter_;
         std::string_view end;
         while (!ahead.done()) {
-            const char *const at = ahead.rest().data();
+            const char *const at = ahead.at();
             const std::string_view line = ahead.next(end);
             if (!withoutBlanksBefore(line).empty()) {
                 if (begin != nullptr) {
@@ -170,32 +185,54 @@ private:
         return '\0';
     }
 
-    // Whether lines of SDP follow the empty one, which is left out then.
+    bool isEmpty(const Line &line) const {
+        return line.original.data() < goesOnAt_ || endsDescription(line.original);
+    }
+
+    // Leaves the empty line out where lines of SDP follow it. All up to those is left out then.
     bool leavesOut(Line &line) {
-        const char *begin = nullptr;
-        const char key = work_.wants(Rule::EmptyLines) ? nextKey(&begin) : '\0';
-        if (key == '\0' || key == 'v') {
-            return false;
+        if (line.original.data() >= goesOnAt_) {
+            const char *begin = nullptr;
+            const char key = work_.wants(Rule::EmptyLines) ? nextKey(&begin) : '\0';
+            if (key == '\0' || key == 'v') {
+                return false;
+            }
+            goesOnAt_ = begin;
         }
         work_.report(Rule::EmptyLines, line);
         leaveOut(line);
-        skipTo(begin);
         return true;
     }
 
-    // The empty lines up to there are left out too.
-    void skipTo(const char *begin) {
-        while (cutter_.rest().data() < begin) {
-            Line &line = next();
-            work_.report(Rule::EmptyLines, line);
-            leaveOut(line);
+    Workspace &work_;
+    Cutter<kBreak> cutter_;
+    const char *goesOnAt_ = nullptr; // after empty lines
+    Line *next_;
+    uint32_t count_ = 0;
+    uint32_t room_;
+};
+
+// Most texts have at most one line for so many bytes, and a few.
+constexpr uint32_t kUsualLine = 20;
+constexpr uint32_t kFewLines = 8;
+
+template <char kBreak>
+bool cut(Workspace &work) {
+    // The decoder has counted those that it took.
+    const uint32_t taken = work.takenLines();
+    const std::string_view rest = work.text.substr(taken == 0 ? 0 : work.takenSize);
+    const auto room = taken + static_cast<uint32_t>(rest.size()) / kUsualLine + kFewLines;
+    work.lines = work.memory.array<Line>(room);
+    if (work.lines != nullptr && !Reader<kBreak>(work, room).read()) {
+        const uint32_t count = taken + countLines(rest, kBreak);
+        work.forgetLines();
+        work.lines = work.memory.array<Line>(count);
+        if (work.lines != nullptr) {
+            Reader<kBreak>(work, count).read();
         }
     }
-
-    Workspace &work_;
-    Cutter cutter_;
-    char breaks_;
-};
+    return work.lines != nullptr;
+}
 
 } // namespace
 
@@ -204,15 +241,7 @@ bool cutLines(Workspace &work) {
     const bool hasLf = std::memchr(text.data(), '\n', text.size()) != nullptr;
     work.endsInCr = !hasLf && work.wants(Rule::LineEndCr) &&
                     std::memchr(text.data(), '\r', text.size()) != nullptr;
-    const char breaks = work.endsInCr ? '\r' : '\n';
-    // The decoder has counted those that it took.
-    const uint32_t taken = work.takenLines();
-    const uint32_t count = taken + countLines(text.substr(taken == 0 ? 0 : work.takenSize), breaks);
-    work.lines = work.memory.array<Line>(count);
-    if (work.lines != nullptr) {
-        Reader(work, breaks).read();
-    }
-    return work.lines != nullptr;
+    return work.endsInCr ? cut<'\r'>(work) : cut<'\n'>(work);
 }
 
 } // namespace sdpline::tidy

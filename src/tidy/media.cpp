@@ -19,11 +19,7 @@ std::string_view payloadOf(const Line &line) {
         return {};
     }
     value = withoutBlanksBefore(value.substr(begin.size()));
-    size_t digits = 0;
-    while (digits < value.size() && isDigit(value[digits])) {
-        ++digits;
-    }
-    return value.substr(0, digits);
+    return value.substr(0, countDigits(value));
 }
 
 bool isZero(std::string_view number) {
@@ -43,9 +39,23 @@ public:
             return;
         }
         rtp_ = takesPayloads(first_[2], work_.takesRtpFamily());
-        if (count_ == kBeforeFormats && addFormats()) {
+        if (count_ == kBeforeFormats && mayAddFormats()) {
+            line_.deferred = work_.hasDeferred = true;
             return;
         }
+        repairSpace();
+    }
+
+    // Once the lines below it are as they will be written.
+    void repairDeferred() {
+        rtp_ = takesPayloads(first_[2], work_.takesRtpFamily());
+        if (!addFormats()) {
+            repairSpace();
+        }
+    }
+
+private:
+    void repairSpace() {
         // A blank after the last payload is no fault, nor is one after the protocol without
         // payloads.
         const bool listed = count_ > kBeforeFormats;
@@ -65,7 +75,6 @@ public:
         write(blank ? " " : "");
     }
 
-private:
     // Counts the fields, and finds the space that is more than one blank.
     void scan() {
         const char *at = value_.data();
@@ -85,9 +94,7 @@ private:
                 run_ = space;
             }
             const char *const field = at;
-            while (at != end && !isBlank(*at)) {
-                ++at;
-            }
+            at = findBlank(at, end);
             if (count_ < kBeforeFormats) {
                 first_[count_] = {field, static_cast<size_t>(at - field)};
             }
@@ -95,13 +102,15 @@ private:
         }
     }
 
-    // An m= line without formats: those that a=rtpmap lines below it name, or "*".
-    bool addFormats() {
+    // Whether the line needs formats, and may be given them.
+    bool mayAddFormats() const {
         const bool needed = !rtp_ || (trailing_.empty() && !isZero(first_[1]));
-        if (!needed || !work_.wants(Rule::FormatMissing) ||
-            (run_ != nullptr && !work_.wants(Rule::SpaceRun))) {
-            return false;
-        }
+        return needed && work_.wants(Rule::FormatMissing) &&
+               (run_ == nullptr || work_.wants(Rule::SpaceRun));
+    }
+
+    // Those that a=rtpmap lines below it name, or "*".
+    bool addFormats() {
         size_t size = 0;
         eachPayload([&](std::string_view payload) { size += payload.size() + 1; });
         if (rtp_ && size == 0) {
@@ -136,20 +145,13 @@ private:
         Draft draft(work_.memory, value_.size() + after.size() + 2);
         draft << "m=";
         std::string_view rest = withoutBlanksAfter(value_);
-        if (run_ != nullptr) { // as far as that there is one blank
-            const auto even = static_cast<size_t>(run_ - value_.data());
-            draft << rest.substr(0, even) << " ";
-            rest = withoutBlanksBefore(rest.substr(even));
-            for (size_t at = 0; at < rest.size();) {
-                const std::string_view field = wordOf(rest.substr(at));
-                at += field.size();
-                draft << field << (at < rest.size() ? " " : "");
-                while (at < rest.size() && isBlank(rest[at])) {
-                    ++at;
-                }
-            }
-        } else {
-            draft << rest;
+        while (!rest.empty()) {
+            const std::string_view field = wordOf(rest);
+            const std::string_view more = withoutBlanksBefore(rest.substr(field.size()));
+            const size_t blanks = rest.size() - field.size() - more.size();
+            const bool even = blanks == 1 && rest[field.size()] == ' ';
+            draft << field << (more.empty() ? "" : even ? rest.substr(field.size(), 1) : " ");
+            rest = more;
         }
         line_.text = (draft << after).text();
     }
@@ -172,10 +174,22 @@ bool takesPayloads(std::string_view protocol, bool rtpFamily) {
            (rtpFamily && tables::endsInRtpProfile(protocol));
 }
 
+// Three fields before the formats, and one of those.
+bool isPlainMedia(std::string_view value) {
+    const uint32_t blanks = countBlanks(value);
+    return blanks >= kBeforeFormats && blanks != kNotEven;
+}
+
 void repairMedia(Workspace &work, Line &line, std::string_view value) {
     if (!isBlank(value.front())) {
         MediaLine(work, line, value).repair();
     }
+}
+
+// Nothing but the space around its "=" has been repaired: its value is where it was.
+void addFormats(Workspace &work, Line &line) {
+    const size_t size = line.text.size() - (line.text.find('=') + 1);
+    MediaLine(work, line, line.original.substr(line.original.size() - size)).repairDeferred();
 }
 
 } // namespace sdpline::tidy

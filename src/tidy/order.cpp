@@ -245,7 +245,7 @@ private:
 
     // A line below an m= line may be one of the session.
     void addBelow(Section &description, Line &line) {
-        const bool ofSession = isOneOf(kOfSession, line.key);
+        const bool ofSession = line.key != 'a' && isOneOf(kOfSession, line.key);
         if (!ofSession || !work_.wants(Rule::LineLevel)) {
             return add(description, line);
         }

@@ -78,11 +78,11 @@ public:
 
 private:
     bool inCapitals(uint32_t index, std::string_view lower, std::string_view word) {
-        return equalsIgnoringCase(fields_[index], lower) && put(index, Rule::NetCase, word);
+        return sameIgnoringCase(fields_[index], lower) && put(index, Rule::NetCase, word);
     }
 
     bool anotherWord(std::string_view lower, std::string_view word) {
-        return equalsIgnoringCase(fields_[net_ + 1], lower) &&
+        return sameIgnoringCase(fields_[net_ + 1], lower) &&
                put(net_ + 1, Rule::AddrTypeWord, word);
     }
 
@@ -121,14 +121,7 @@ std::string_view numberFor(Workspace &work, std::string_view text) {
     for (const char byte : text) {
         value = (value ^ static_cast<uint8_t>(byte)) * 16777619u;
     }
-    char digits[10];
-    uint32_t at = sizeof digits;
-    do {
-        digits[--at] = static_cast<char>('0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    return (Draft(work.memory, sizeof digits) << std::string_view(digits + at, sizeof digits - at))
-        .text();
+    return decimal(work.memory, value);
 }
 
 // user SP sess-id SP sess-version SP "IN" SP ( "IP4" / "IP6" ) SP address
@@ -155,7 +148,7 @@ public:
     }
 
 private:
-    bool isNet(uint32_t index) const { return equalsIgnoringCase(fields_[index], "in"); }
+    bool isNet(uint32_t index) const { return sameIgnoringCase(fields_[index], "in"); }
 
     void addUser() {
         if (isNet(2) && work_.wants(Rule::OriginUser)) {
@@ -207,6 +200,23 @@ private:
 };
 
 } // namespace
+
+// user SP sess-id SP sess-version SP "IN IP4" SP address, or IP6
+bool isPlainOrigin(std::string_view value) {
+    constexpr uint32_t blanks = 5;
+    if (countBlanks(value) != blanks) {
+        return false;
+    }
+    std::string_view rest = value.substr(value.find(' ') + 1);
+    for (uint32_t i = 0; i < 2; ++i) {
+        const size_t digits = countDigits(rest);
+        if (digits == 0 || rest[digits] != ' ') {
+            return false;
+        }
+        rest.remove_prefix(digits + 1);
+    }
+    return rest.starts_with("IN IP4 ") || rest.starts_with("IN IP6 ");
+}
 
 void repairOrigin(Workspace &work, Line &line, std::string_view value) {
     Fields fields(value);

@@ -1,9 +1,10 @@
 #include "tidy/rules.hpp"
 
-#include <algorithm>
 #include <array>
 #include <iterator>
 #include <string_view>
+
+#include "tidy/workspace.hpp"
 
 namespace sdpline::tidy {
 
@@ -61,7 +62,7 @@ constexpr SDPTidyRule kRules[] = {
     row(Rule::TimeMissing, kDefault, "TimeMissing", "there is no t= line where one must be",
         "wrote t=0 0", "RFC 4566 5.9"),
     row(Rule::NetCase, kDefault, "NetCase", "IN, IP4 or IP6 in small letters",
-        "wrote it in capitals", "RFC 4566 9"),
+        "wrote it in capitals", "RFC 4566 5"),
     row(Rule::AddrFamily, kDefault, "AddrFamily", "IP4 before an IPv6 address", "wrote IP6",
         "RFC 4566 5.7"),
     row(Rule::ValueMissing, kDefault, "ValueMissing", "an attribute's value is missing",
@@ -131,7 +132,7 @@ constexpr SDPTidyRule kRules[] = {
     row(Rule::AddressText, kDoubt, "AddressText", "not the text of an IPv6 address",
         "what can be read of it is kept", "RFC 4291 2.2", kLoses, kMayChange),
     row(Rule::DirectionTwice, kDoubt, "DirectionTwice", "directions contradict each other",
-        "all are kept; others take the first or the last", "RFC 4566 6"),
+        "all are kept; others take the first or the last", "RFC 8866 6.7"),
     row(Rule::TimeAgain, kDoubt, "TimeAgain", "a second t= line",
         "it is read, and not written back", "RFC 4566 5.9", kLoses),
     row(Rule::RepeatUnit, kDoubt, "RepeatUnit", "a time unit of several letters",
@@ -140,7 +141,7 @@ constexpr SDPTidyRule kRules[] = {
         "the fraction is dropped", "RFC 4566 6", kLoses),
     row(Rule::AttributeLost, kDoubt, "AttributeLost",
         "an attribute that is not written back as read", "see the grammar of its value",
-        "RFC 4566 6", kLoses),
+        "RFC 4566 5.13", kLoses),
     row(Rule::MediaCount, kDoubt, "MediaCount", "more than 255 m= lines",
         "their number is kept modulo 256", "RFC 4566 5.14", kLoses, kMayChange),
 };
@@ -166,14 +167,6 @@ constexpr auto kSets = [] {
     return sets;
 }();
 
-constexpr char lower(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-}
-
-bool sameName(std::string_view first, std::string_view second) {
-    return std::ranges::equal(first, second, [](char a, char b) { return lower(a) == lower(b); });
-}
-
 } // namespace
 
 uint64_t rulesOf(uint32_t set) {
@@ -195,7 +188,7 @@ const SDPTidyRule *SdpTidyRuleByName(const char *pcName, uint32_t ulLen) {
         return nullptr;
     }
     for (const SDPTidyRule &rule : kRules) {
-        if (sameName(rule.pcName, {pcName, ulLen})) {
+        if (sameIgnoringCase(rule.pcName, {pcName, ulLen})) {
             return &rule;
         }
     }

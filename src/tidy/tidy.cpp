@@ -10,30 +10,23 @@ namespace {
 
 // Of the block: its size, in which lines of the usual length, the rows and the repaired text are,
 // and what it grows by.
-constexpr uint32_t kBlockTimes = 5;
+constexpr uint32_t kBlockTimes = 6;
 constexpr uint32_t kBlockMore = 1536;
 constexpr uint32_t kBlockNext = 4096;
 
+uint32_t blockSize(const Request &request) {
+    return kBlockTimes * request.text.ulLen + kBlockMore;
+}
+
 // ---- The repaired text
 
-struct Layout {
-    uint32_t size = 0;
-    uint32_t lines = 0;
-};
-
-// Ends every line but one that ends the whole text, and numbers the lines.
-Layout layOut(Workspace &work, const LineList &lines) {
-    Layout layout;
-    for (Line *line = lines.first; line != nullptr; line = line->next) {
-        const bool last = line->next == nullptr && work.tail.empty();
-        if (line->end.empty() && !last) {
-            line->end = work.lineEnd;
-        }
-        line->newNumber = ++layout.lines;
-        layout.size += static_cast<uint32_t>(line->text.size() + line->end.size());
+// Ends the line that ends the given text, where another follows it now.
+void endLast(Workspace &work, LineList &lines) {
+    Line &last = work.lines[work.lineCount - 1];
+    if (last.end.empty() && last.rank != kNotWritten && &last != lines.last) {
+        last.end = work.lineEnd;
+        lines.size += last.end.size();
     }
-    layout.size += static_cast<uint32_t>(work.tail.size());
-    return layout;
 }
 
 // The CR of each CR LF, in the lines and after them.
@@ -61,31 +54,23 @@ void writeTail(Draft &draft, std::string_view tail, bool withoutCr) {
     draft << tail;
 }
 
-std::string_view textOf(Workspace &work, const LineList &lines, uint32_t limit) {
-    const Layout layout = layOut(work, lines);
+std::string_view textOf(Workspace &work, LineList &lines, uint32_t limit) {
+    endLast(work, lines);
+    const size_t size = lines.size + work.tail.size();
     bool withoutCr = false;
-    if (layout.size > limit && work.wants(Rule::LineEndSize)) {
+    if (size > limit && work.wants(Rule::LineEndSize)) {
         const uint32_t count = countCr(work, lines);
-        withoutCr = count != 0 && layout.size - count <= limit;
+        withoutCr = count != 0 && size - count <= limit;
     }
-    Draft draft(work.memory, layout.size);
-    std::string_view pending; // lines that follow each other as they did in the given text
-    const auto write = [&](std::string_view part) {
-        if (part.data() == pending.data() + pending.size()) {
-            pending = {pending.data(), pending.size() + part.size()};
-        } else if (!part.empty()) {
-            draft << pending;
-            pending = part;
-        }
-    };
+    Draft draft(work.memory, size);
+    uint32_t number = 0;
     for (Line *line = lines.first; line != nullptr; line = line->next) {
+        line->newNumber = ++number;
         if (withoutCr && line->end.size() == 2) {
             line->end.remove_prefix(1);
         }
-        write(line->text);
-        write(line->end);
+        draft << line->text << line->end;
     }
-    draft << pending;
     writeTail(draft, work.tail, withoutCr);
     if (withoutCr) {
         const Line &first = work.lines[0];
@@ -171,8 +156,9 @@ SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure 
 class Tidying {
 public:
     Tidying(const Request &request, SDPTidyReport &report, SDPMemCp *memCp)
-        : request_(request), report_(report),
-          work_(memCp, viewOf(request.text), request.rules, request.decode.bRtpFamily == 1) {}
+        : request_(request), report_(report), work_(memCp, blockSize(request), viewOf(request.text),
+                                                    request.rules, request.decode.bRtpFamily == 1) {
+    }
 
     // The decoder's result for the repaired text, or that nothing could be repaired.
     SDPResult run() {
@@ -186,13 +172,8 @@ public:
         if (work_.hasSecondVersion) {
             return report_.stFailure.ulResult;
         }
-        // From the last line back: an m= line looks at what follows it as that will be written.
-        for (uint32_t i = work_.lineCount; i-- > work_.takenLines();) {
-            if (work_.lines[i].rank != kNotWritten) {
-                repairLine(work_, work_.lines[i]);
-            }
-        }
-        const LineList lines = arrange(work_);
+        repairLines(work_);
+        LineList lines = arrange(work_);
         const std::string_view text = textOf(work_, lines, request_.decode.ulMaxBodySize);
         if (work_.memory.hasFailed()) {
             return SDP_TIDY_NO_MEMORY;
@@ -229,8 +210,7 @@ private:
 
 SDPResult repair(const Request &request, SDPTidyReport &report) {
     SDPMemCp *memCp = nullptr;
-    const uint32_t size = kBlockTimes * request.text.ulLen + kBlockMore;
-    if (SipMmCreateBufMem(size, kBlockNext, &memCp) != 0) {
+    if (SipMmCreateBufMem(blockSize(request), kBlockNext, &memCp) != 0) {
         return SDP_TIDY_NO_MEMORY;
     }
     const SDPResult result = Tidying(request, report, memCp).run();

@@ -1,6 +1,8 @@
 // Repairs within a line: the space around its "=", and lines of few fields; dispatch on its kind.
 #include "tidy/values.hpp"
 
+#include <algorithm>
+
 #include "tidy/fields.hpp"
 
 namespace sdpline::tidy {
@@ -8,6 +10,10 @@ namespace sdpline::tidy {
 namespace {
 
 constexpr uint32_t kOptionalKeys = lettersOf("iuepcbrzka");
+
+constexpr bool isControl(char byte) {
+    return static_cast<uint8_t>(byte) < ' ';
+}
 
 constexpr bool isKnown(char key) {
     return isOneOf(lettersOf("vosiuepcbtrzkam"), key);
@@ -114,9 +120,12 @@ bool isPlain(const Line &line) {
     if (line.text.size() < 3 || line.text[1] != '=') {
         return false;
     }
+    const std::string_view value = line.text.substr(2);
     switch (line.key) {
-    case 'v': return line.text == kVersionLine;
-    case 't': return line.text == kTimeLine;
+    case 'v': return value == kVersionLine.substr(2);
+    case 't': return value == kTimeLine.substr(2);
+    case 'm': return isPlainMedia(value);
+    case 'o': return isPlainOrigin(value);
     case 'c':
         return line.text.starts_with(ip4) && line.text.size() != ip4.size() &&
                isAddressPart(line.text.substr(ip4.size()));
@@ -124,7 +133,24 @@ bool isPlain(const Line &line) {
     }
 }
 
+// Whether one of the bytes is below a blank.
+bool hasControl(std::string_view text) {
+    const char *at = text.data();
+    const char *const end = at + text.size();
+    for (; end - at >= 8; at += 8) {
+        if (bytesBelow(' ', at) != 0) {
+            return true;
+        }
+    }
+    return text.size() >= 8 ? bytesBelow(' ', end - 8) != 0 : std::ranges::any_of(text, isControl);
+}
+
 } // namespace
+
+bool endsTwice(const Line &line) {
+    return hasControl(line.text) && (line.text.find('\r') != std::string_view::npos ||
+                                     line.text.find('\0') != std::string_view::npos);
+}
 
 void leaveOut(Line &line) {
     line.text = {};
@@ -148,11 +174,30 @@ void keepAsAttribute(Workspace &work, Line &line) {
     }
 }
 
-void repairLine(Workspace &work, Line &line) {
-    if (line.text.starts_with("a=") && line.text.size() > 2 && !isBlank(line.text[2])) {
-        return repairAttribute(work, line, line.text.substr(2));
+namespace {
+
+void repairValue(Workspace &work, Line &line, std::string_view value) {
+    switch (line.key) {
+    case 'v': return repairVersion(work, line, value);
+    case 'o': return repairOrigin(work, line, value);
+    case 't': return repairTime(work, line, value);
+    default: break;
     }
-    if (isPlain(line) || endsTwice(line)) {
+    if (value.empty()) {
+        return repairEmpty(work, line);
+    }
+    switch (line.key) {
+    case 'c': return repairConnection(work, line, value);
+    case 'r': return repairRepeat(work, line, value);
+    case 'm': return repairMedia(work, line, value);
+    case 'a': return repairAttribute(work, line, value);
+    default: return;
+    }
+}
+
+// A line that is not plain.
+void repairLine(Workspace &work, Line &line) {
+    if (endsTwice(line)) {
         return;
     }
     std::string_view value;
@@ -170,21 +215,24 @@ void repairLine(Workspace &work, Line &line) {
         value = line.text.substr(line.text[1] == '=' ? 2 : line.text.find('=') + 1);
         closeValue(work, line, value);
     }
-    switch (line.key) {
-    case 'v': return repairVersion(work, line, value);
-    case 'o': return repairOrigin(work, line, value);
-    case 't': return repairTime(work, line, value);
-    default: break;
+    repairValue(work, line, value);
+}
+
+} // namespace
+
+void repairLines(Workspace &work) {
+    Line *const end = work.lines + work.lineCount;
+    for (Line *line = work.lines + work.takenLines(); line < end; ++line) {
+        if (line->text.size() > 2 && line->text.starts_with("a=") && !isBlank(line->text[2])) {
+            repairAttribute(work, *line, line->text.substr(2));
+        } else if (line->rank != kNotWritten && !isPlain(*line)) {
+            repairLine(work, *line);
+        }
     }
-    if (value.empty()) {
-        return repairEmpty(work, line);
-    }
-    switch (line.key) {
-    case 'c': return repairConnection(work, line, value);
-    case 'r': return repairRepeat(work, line, value);
-    case 'm': return repairMedia(work, line, value);
-    case 'a': return repairAttribute(work, line, value);
-    default: return;
+    for (Line *line = work.lines; work.hasDeferred && line != end; ++line) {
+        if (line->deferred) {
+            addFormats(work, *line);
+        }
     }
 }
 

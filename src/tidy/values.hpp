@@ -16,13 +16,39 @@ void repairOrigin(Workspace &work, Line &line, std::string_view value);
 void repairConnection(Workspace &work, Line &line, std::string_view value);
 void repairMedia(Workspace &work, Line &line, std::string_view value);
 void repairAttribute(Workspace &work, Line &line, std::string_view value);
+void repairRtpmap(Workspace &work, Line &line, std::string_view value);
+
+// Adds to a deferred m= line the formats that it lacks.
+void addFormats(Workspace &work, Line &line);
+
+// Whether there is nothing to repair in such a line, as in most. False is no promise.
+bool isPlainOrigin(std::string_view value);
+bool isPlainMedia(std::string_view value);
+bool isPlainRtpmap(std::string_view value);
+
+// Words with one blank between them and none around them: how many blanks. kNotEven for other
+// space, and for control characters.
+inline constexpr uint32_t kNotEven = 0xFFFFFFFF;
+constexpr uint32_t countBlanks(std::string_view words) {
+    uint32_t count = 0;
+    size_t word = 0; // where it begins
+    for (size_t at = 0; at != words.size(); ++at) {
+        const auto byte = static_cast<uint8_t>(words[at]);
+        if (byte > ' ') [[likely]] {
+            continue;
+        }
+        if (byte != ' ' || at == word) {
+            return kNotEven;
+        }
+        word = at + 1;
+        ++count;
+    }
+    return word != words.size() ? count : kNotEven;
+}
 
 // Whether readers disagree about where the line ends, as they do at a CR and at a NUL: then it is
 // left alone.
-inline bool endsTwice(const Line &line) {
-    return line.text.find('\r') != std::string_view::npos ||
-           line.text.find('\0') != std::string_view::npos;
-}
+bool endsTwice(const Line &line);
 
 // Whether the decoder takes payload numbers after that protocol.
 bool takesPayloads(std::string_view protocol, bool rtpFamily);

@@ -1,12 +1,34 @@
 #include "tidy/workspace.hpp"
 
+#include <algorithm>
+
 namespace sdpline::tidy {
 
 namespace {
 
-constexpr uint32_t kFirstRows = 16;
+constexpr uint32_t kFirstRows = 8;
+constexpr uint32_t kNextAllocation = 4096;
 
 } // namespace
+
+void Memory::grow(size_t size) {
+    const auto request = static_cast<uint32_t>(std::max(size, size_t{next_}));
+    next_ = kNextAllocation;
+    free_ = failed_ ? nullptr : static_cast<char *>(memCp_->pfnAlloc(memCp_, request));
+    failed_ = free_ == nullptr;
+    left_ = failed_ ? 0 : request;
+}
+
+std::string_view decimal(Memory &memory, uint32_t number) {
+    char digits[10];
+    uint32_t at = sizeof digits;
+    do {
+        digits[--at] = static_cast<char>('0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    return (Draft(memory, sizeof digits) << std::string_view(digits + at, sizeof digits - at))
+        .text();
+}
 
 void Workspace::report(Rule rule, const Line &line, const char *at) {
     if (foundCount_ == foundRoom_) {
@@ -17,7 +39,6 @@ void Workspace::report(Rule rule, const Line &line, const char *at) {
         }
         if (found_ != nullptr) {
             std::memcpy(static_cast<void *>(more), found_, foundCount_ * sizeof(Found));
-            memory.give(found_);
         }
         found_ = more;
         foundRoom_ = room;
@@ -29,8 +50,8 @@ void Workspace::report(Rule rule, const Line &line, const char *at) {
 Line *Workspace::newLine(std::string_view content, const Line &before) {
     auto *const line = memory.array<Line>(1);
     if (line != nullptr) {
-        *line = {content,       {}, lineEnd,         nullptr, nullptr,
-                 before.number, 0,  content.front(), 0,       true};
+        *line = {content,         {}, lineEnd, nullptr, nullptr, before.number, 0,
+                 content.front(), 0,  true,    false};
     }
     return line;
 }

@@ -1,6 +1,7 @@
 // What the repairs of one text share: its lines, the rows of the report, and the memory of both.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -22,6 +23,7 @@ struct Line {
     char key;           // the letter before "=", 0 for a line without
     uint8_t rank;       // where its kind is in the order of lines
     bool aside;         // goes to the end of its kind, wherever it was
+    bool deferred;      // an m= line whose formats are those of the lines below, when repaired
 };
 
 // The rank of a line that is not written.
@@ -31,17 +33,20 @@ inline constexpr uint8_t kNotWritten = 0xFF;
 struct LineList {
     Line *first = nullptr;
     Line *last = nullptr;
+    size_t size = 0; // of their text, with the ends
 
     bool empty() const { return first == nullptr; }
     void append(Line &line) {
         (first == nullptr ? first : last->next) = &line;
         last = &line;
         line.next = nullptr;
+        size += line.text.size() + line.end.size();
     }
     void append(const LineList &more) {
         if (!more.empty()) {
             (first == nullptr ? first : last->next) = more.first;
             last = more.last;
+            size += more.size;
         }
     }
 };
@@ -53,74 +58,85 @@ struct Found {
     uint32_t offset; // in the line as it was given
 };
 
-// Memory of a block that comes from the services. A request that fails makes every later one fail;
-// who asked for memory tests hasFailed() before the text is used.
+// Memory of a block that comes from the services, cut from few allocations of it and never given
+// back. A request that fails makes every later one fail; who asked for memory tests hasFailed()
+// before the text is used.
 class Memory {
 public:
-    explicit Memory(SDPMemCp *memCp) : memCp_(memCp) {}
+    // `first` is the size of the first allocation, which most texts need no more than.
+    Memory(SDPMemCp *memCp, uint32_t first) : memCp_(memCp), next_(first) {}
 
-    void *take(uint32_t size) {
-        void *const memory = failed_ ? nullptr : memCp_->pfnAlloc(memCp_, size);
-        failed_ = memory == nullptr;
-        return memory;
-    }
-    // An array, or null.
-    template <class Item>
-    Item *array(uint32_t count) {
-        return static_cast<Item *>(take(count * static_cast<uint32_t>(sizeof(Item))));
-    }
-    // Bytes of a text, cut from a larger allocation where they are few. Not to be given back.
-    char *bytes(size_t size) {
+    void *take(size_t size) {
+        size = (size + 7) & ~size_t{7};
         if (size > left_) {
-            left_ = size > kTexts ? size : kTexts;
-            free_ = array<char>(static_cast<uint32_t>(left_));
-            left_ = free_ != nullptr ? left_ : 0;
+            grow(size);
         }
         char *const begin = free_;
-        free_ += free_ != nullptr ? size : 0;
+        free_ += left_ != 0 ? size : 0;
         left_ -= left_ != 0 ? size : 0;
         return begin;
     }
-    void give(void *memory) {
-        if (memory != nullptr) {
-            memCp_->pfnFree(memory);
-        }
+    // An array, or null.
+    template <class Item>
+    Item *array(size_t count) {
+        return static_cast<Item *>(take(count * sizeof(Item)));
     }
     bool hasFailed() const { return failed_; }
 
 private:
-    static constexpr size_t kTexts = 512;
+    void grow(size_t size);
 
     SDPMemCp *memCp_;
+    uint32_t next_;
     char *free_ = nullptr;
     size_t left_ = 0;
     bool failed_ = false;
 };
 
-// A line under construction: parts appended to memory of a known size.
+// A text under construction: parts appended to memory of a known size. Parts that follow each other
+// where they come from are copied together.
 class Draft {
 public:
-    Draft(Memory &memory, size_t size) : begin_(memory.bytes(size)), size_(size) {}
+    Draft(Memory &memory, size_t size)
+        : begin_(static_cast<char *>(memory.take(size))), size_(begin_ != nullptr ? size : 0) {}
 
     Draft &operator<<(std::string_view part) {
-        if (begin_ != nullptr && !part.empty() && part.size() <= size_ - used_) {
-            std::memcpy(begin_ + used_, part.data(), part.size());
-            used_ += part.size();
+        if (part.data() == pending_.data() + pending_.size()) {
+            pending_ = {pending_.data(), pending_.size() + part.size()};
+        } else if (!part.empty()) {
+            flush();
+            pending_ = part;
         }
         return *this;
     }
-    std::string_view text() const { return {begin_, begin_ != nullptr ? used_ : 0}; }
+    std::string_view text() {
+        flush();
+        return {begin_, used_};
+    }
 
 private:
+    void flush() {
+        if (pending_.size() <= size_ - used_ && !pending_.empty()) {
+            std::memcpy(begin_ + used_, pending_.data(), pending_.size());
+            used_ += pending_.size();
+        }
+    }
+
     char *begin_;
     size_t size_;
     size_t used_ = 0;
+    std::string_view pending_;
 };
+
+// The number in decimal digits.
+std::string_view decimal(Memory &memory, uint32_t number);
 
 class Workspace {
 public:
-    Workspace(SDPMemCp *memCp, std::string_view given, uint64_t rules, bool rtpFamily)
-        : memory(memCp), text(given), rules_(rules), rtpFamily_(rtpFamily) {}
+    // `size` is that of the first allocation.
+    Workspace(SDPMemCp *memCp, uint32_t size, std::string_view given, uint64_t rules,
+              bool rtpFamily)
+        : memory(memCp, size), text(given), rules_(rules), rtpFamily_(rtpFamily) {}
 
     Memory memory;
     const std::string_view text;
@@ -133,6 +149,7 @@ public:
     bool endsInCr = false;         // each line, there being no LF
     bool goesOn = false;           // after the empty line that ends the description
     bool hasSecondVersion = false; // or text before v=: that is never repaired
+    bool hasDeferred = false;      // lines
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }
     // How many lines need no repair within them, for the decoder took them. Where lines end in CR
@@ -147,6 +164,11 @@ public:
 
     const Found *found() const { return found_; }
     uint32_t foundCount() const { return foundCount_; }
+    // For the lines to be cut once more.
+    void forgetLines() {
+        foundCount_ = 0;
+        hasSecondVersion = false;
+    }
 
     // A line that the text lacks; null without memory.
     Line *newLine(std::string_view content, const Line &before);
@@ -164,8 +186,8 @@ private:
 // Cuts the text into lines. False where what it begins with is never repaired.
 bool cutLines(Workspace &work);
 
-// Repairs within one line: its fields, by its kind. The lines after it are there to be looked at.
-void repairLine(Workspace &work, Line &line);
+// Repairs within the lines that the decoder did not take: their fields, by their kinds.
+void repairLines(Workspace &work);
 
 // Puts the lines in their order, leaves out those that come twice, puts in those that are missing.
 LineList arrange(Workspace &work);
@@ -189,36 +211,65 @@ constexpr bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
 }
 
-// The text up to its first blank or tab.
-constexpr std::string_view wordOf(std::string_view text) {
-    size_t size = 0;
-    while (size != text.size() && !isBlank(text[size])) {
-        ++size;
+// Of eight bytes of a text the high bits of those below a limit, which is at most 0x80.
+inline uint64_t bytesBelow(uint8_t limit, const char *bytes) {
+    constexpr uint64_t each = 0x0101010101010101;
+    uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    const uint64_t above = ((value & 0x7F * each) + (0x80u - limit) * each) | value;
+    return ~above & 0x80 * each;
+}
+
+// The first blank or tab, else the end.
+inline const char *findBlank(const char *at, const char *end) {
+    for (; end - at >= 8; at += 8) {
+        if (const uint64_t below = bytesBelow(' ' + 1, at); below != 0) {
+            at += (std::endian::native == std::endian::little ? std::countr_zero(below)
+                                                              : std::countl_zero(below)) /
+                  8;
+            break;
+        }
     }
-    return text.substr(0, size);
+    while (at != end && (static_cast<uint8_t>(*at) > ' ' || !isBlank(*at))) {
+        ++at;
+    }
+    return at;
+}
+
+// The text up to its first blank or tab.
+inline std::string_view wordOf(std::string_view text) {
+    return {text.data(),
+            static_cast<size_t>(findBlank(text.data(), text.data() + text.size()) - text.data())};
 }
 
 constexpr bool isDigit(char byte) {
     return byte >= '0' && byte <= '9';
 }
 
-constexpr bool isNumber(std::string_view text) {
-    for (const char byte : text) {
-        if (!isDigit(byte)) {
-            return false;
-        }
+// How many digits the text begins with.
+constexpr size_t countDigits(std::string_view text) {
+    size_t count = 0;
+    while (count != text.size() && isDigit(text[count])) {
+        ++count;
     }
-    return !text.empty();
+    return count;
 }
 
-// Equal but for the case of letters; `lower` is in small letters.
-constexpr bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
-    if (text.size() != lower.size()) {
+constexpr bool isNumber(std::string_view text) {
+    return !text.empty() && countDigits(text) == text.size();
+}
+
+constexpr char lower(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
+}
+
+// Equal but for the case of letters.
+constexpr bool sameIgnoringCase(std::string_view first, std::string_view second) {
+    if (first.size() != second.size()) {
         return false;
     }
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char byte = text[i];
-        if ((byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte) != lower[i]) {
+    for (size_t i = 0; i < first.size(); ++i) {
+        if (lower(first[i]) != lower(second[i])) {
             return false;
         }
     }

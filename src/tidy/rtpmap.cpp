@@ -1,0 +1,157 @@
+// a=rtpmap (RFC 4566 section 6): the space around its parts, and a clock rate that is missing.
+#include <algorithm>
+#include <array>
+
+#include "tidy/rates.hpp"
+#include "tidy/values.hpp"
+
+namespace sdpline::tidy {
+
+namespace {
+
+// "/" and digits, once or twice
+constexpr bool isClock(std::string_view rest) {
+    for (uint32_t parts = 0; parts < 2 && rest.starts_with('/'); ++parts) {
+        rest.remove_prefix(1);
+        const size_t digits = countDigits(rest);
+        if (digits == 0) {
+            return false;
+        }
+        rest.remove_prefix(digits);
+    }
+    return rest.empty();
+}
+
+// The bytes that end an encoding name.
+constexpr auto kEndsEncoding = [] {
+    std::array<bool, 256> ends = {};
+    ends['/'] = ends[' '] = ends['\t'] = true;
+    return ends;
+}();
+
+// ":" payload SP name "/" clock-rate [ "/" channels ], cut at its blanks and slashes
+struct Rtpmap {
+    explicit Rtpmap(std::string_view value) {
+        const std::string_view bare = withoutBlanksBefore(value);
+        spaceBefore = bare.size() != value.size() ? value.data() : nullptr;
+        payload = bare.substr(0, countDigits(bare));
+        const std::string_view after = bare.substr(payload.size());
+        const std::string_view names = withoutBlanksBefore(after);
+        gap = after.substr(0, after.size() - names.size());
+        const size_t slash = std::min(names.find('/'), names.size());
+        name = names.substr(0, slash);
+        rest = names.substr(slash);
+    }
+
+    const char *spaceBefore;  // white space after the colon, null for none
+    std::string_view payload; // digits
+    std::string_view gap;     // the white space after them
+    std::string_view name;    // as far as the slash
+    std::string_view rest;    // from the slash on
+};
+
+// Clock rate and channels without the white space in them.
+std::string_view closed(Memory &memory, std::string_view rest) {
+    Draft draft(memory, rest.size());
+    for (size_t at = 0; at < rest.size(); ++at) {
+        if (!isBlank(rest[at])) {
+            draft << rest.substr(at, 1);
+        }
+    }
+    return draft.text();
+}
+
+class RtpmapLine {
+public:
+    RtpmapLine(Workspace &work, Line &line, std::string_view value)
+        : work_(work), line_(line), map_(value) {}
+
+    void repair() {
+        if (map_.payload.empty() || map_.gap.empty()) {
+            return;
+        }
+        const std::string_view clock = withoutBlanksAfter(map_.rest);
+        const bool missing = clock.size() <= 1; // none, or a slash alone
+        const std::string_view name = missing ? withoutBlanksAfter(map_.name) : map_.name;
+        const bool trailing = clock.size() != map_.rest.size() || name.size() != map_.name.size();
+        const bool inside = wordOf(clock).size() != clock.size();
+        const bool space = map_.spaceBefore != nullptr || inside;
+        // A name may begin with blanks, if not with a tab: then they alone are no fault.
+        const bool tab = map_.gap.front() == '\t';
+        const bool run = tab || (map_.gap.size() > 1 && work_.wants(Rule::SpaceRun));
+        if ((space && !work_.wants(Rule::RtpmapSpace)) || (tab && !work_.wants(Rule::SpaceRun)) ||
+            (trailing && !work_.wants(Rule::TrailingSpace))) {
+            return;
+        }
+        const std::string_view bare = inside ? closed(work_.memory, clock) : clock;
+        if (missing ? !addsClock(name) : !isClock(bare) || (!space && !tab && !trailing)) {
+            return;
+        }
+        if (space) {
+            work_.report(Rule::RtpmapSpace, line_,
+                         map_.spaceBefore != nullptr ? map_.spaceBefore : map_.rest.data());
+        }
+        if (run) {
+            work_.report(Rule::SpaceRun, line_, map_.gap.data());
+            map_.gap = " ";
+        }
+        if (trailing) {
+            const std::string_view last = clock.empty() ? name : clock;
+            work_.report(Rule::TrailingSpace, line_, last.data() + last.size());
+        }
+        missing ? writeClock(name) : write(name, bare);
+    }
+
+private:
+    // Which rule is for a clock rate that is missing, and whether it is wanted.
+    bool addsClock(std::string_view name) {
+        rate_ = registeredRate(work_.memory, name);
+        return work_.wants(rate_.empty() ? Rule::RtpmapNoClock : Rule::RtpmapClock);
+    }
+
+    void writeClock(std::string_view name) {
+        const char *const place = name.data() + name.size();
+        if (rate_.empty()) {
+            work_.report(Rule::RtpmapNoClock, line_, place);
+            return makeAttribute(work_, line_);
+        }
+        work_.report(Rule::RtpmapClock, line_, place);
+        Draft clock(work_.memory, rate_.size() + 1);
+        write(name, (clock << "/" << rate_).text());
+    }
+
+    void write(std::string_view name, std::string_view clock) {
+        constexpr std::string_view begin = "a=rtpmap:";
+        Draft draft(work_.memory, begin.size() + map_.payload.size() + map_.gap.size() +
+                                      name.size() + clock.size());
+        line_.text = (draft << begin << map_.payload << map_.gap << name << clock).text();
+    }
+
+    Workspace &work_;
+    Line &line_;
+    Rtpmap map_;
+    std::string_view rate_; // that it lacks
+};
+
+} // namespace
+
+// payload SP name clock, and nothing around them
+bool isPlainRtpmap(std::string_view value) {
+    const size_t digits = countDigits(value);
+    if (digits == 0 || digits == value.size() || value[digits] != ' ') {
+        return false;
+    }
+    value = withoutBlanksBefore(value.substr(digits + 1));
+    const char *at = value.data();
+    const char *const end = at + value.size();
+    while (at != end && !kEndsEncoding[static_cast<uint8_t>(*at)]) {
+        ++at;
+    }
+    return at != value.data() && at != end && isClock({at, static_cast<size_t>(end - at)});
+}
+
+void repairRtpmap(Workspace &work, Line &line, std::string_view value) {
+    RtpmapLine(work, line, value).repair();
+}
+
+} // namespace sdpline::tidy
