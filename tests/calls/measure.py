@@ -71,6 +71,7 @@ def load(build, work, rate, seconds):
     command = [str(build / "useragent"), "listen", "PORT"]
     load_once(command, work, rate, seconds, "negotiated")
     load_once([*command, "127.0.0.1", FIXED], work, rate, seconds, "fixed")
+    share(build, work, 100)
 
 
 def soak(build, work, minutes, under):

@@ -4,10 +4,11 @@
 usage: mutants.py --build DIR [COUNT] [--of LIBRARY] [-j N] [--seed N] [--file PART] [--list]
                   [--fresh]
 
-The tree is copied below DIR and built there once (static, -O1). The library is sdpline or negotiate.
-Then each mutant: one changed file
-is compiled, the tests are linked with it and run until the first one fails. A mutant that does not
-compile is none; one whose machine code is that of the original changes nothing and is none either.
+The tree is copied below DIR and built there once (static, -O1, an index beyond an array ends the
+program). The library is sdpline or negotiate. Then each mutant: one changed file is compiled, the
+tests are linked with it and run until the first one fails. A mutant that does not compile is none;
+one whose machine code is that of the original changes nothing and is none either. Those that change
+code and nothing that a caller can see are listed in equivalent.txt, each with the reason.
 What is known of each mutant is kept in DIR/results.jsonl under its text, so that a run that was
 stopped goes on where it was, and mutants of a line that changed since are tried again.
 
@@ -31,6 +32,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 GOAL = 95.0
+EQUIVALENT = Path(__file__).with_name("equivalent.txt")
 
 
 class Subject:
@@ -144,6 +146,24 @@ def all_mutants(subject, part):
     return [mutant for path in paths if part in path for mutant in mutants_of(path)]
 
 
+def equivalents(mutants, whole):
+    """The keys of equivalent.txt: a file, its line, the same changed, and after "=" the reason."""
+    known, keys, entry = {}, set(), []
+    for mutant in mutants:
+        said = (mutant.path, mutant.before_line, mutant.after_line)
+        known.setdefault(said, set()).add(mutant.key)
+    for line in EQUIVALENT.read_text().splitlines():
+        if line.startswith("="):
+            found = known.get(tuple(part.strip() for part in entry), set())
+            if not found and whole and entry[0].startswith(whole):
+                sys.exit(f"{EQUIVALENT.name}: no such mutant:\n" + "\n".join(entry))
+            keys |= found
+            entry = []
+        elif line and not line.startswith("#"):
+            entry.append(line)
+    return keys
+
+
 def run(command, folder, limit=None):
     """Exit status and output; None as status for a command that took too long."""
     process = subprocess.Popen(command, cwd=folder, stdout=subprocess.PIPE,
@@ -180,7 +200,8 @@ class Original:
         self.tree, self.build = folder / "tree", folder / "build"
         self.copy_tree()
         must(["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-Wno-dev",
-              "-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_CXX_FLAGS=-O1", "-DCMAKE_C_FLAGS=-O1",
+              "-DCMAKE_BUILD_TYPE=Mutants", "-DCMAKE_C_FLAGS=-O1",
+              "-DCMAKE_CXX_FLAGS=-O1 -fsanitize=bounds -fsanitize-undefined-trap-on-error",
               "-DSDPLINE_HARDEN=OFF", "-DSDPLINE_INSTALL=OFF", *subject.options], folder)
         programs = subject.programs
         must(["ninja", "-C", self.build, "-j2", *programs], folder)
@@ -347,8 +368,8 @@ KILLED = ("killed", "hung")
 
 
 class Hunt:
-    def __init__(self, known, workers, wanted):
-        self.known, self.wanted = known, wanted
+    def __init__(self, known, workers, wanted, same):
+        self.known, self.wanted, self.same = known, wanted, same
         self.counted, self.survivors, self.tally = 0, [], {}
         self.idle = queue.Queue()
         for worker in workers:
@@ -380,6 +401,7 @@ class Hunt:
                     if mutant is None:
                         break
                     verdict = self.known.verdicts.get(mutant.key)
+                    verdict = "equivalent" if mutant.key in self.same else verdict
                     if verdict is not None:
                         self.note(mutant, verdict, 0)
                     else:
@@ -408,6 +430,7 @@ def main():
 
     subject = SUBJECTS[options.of]
     mutants = all_mutants(subject, options.file)
+    same = equivalents(mutants, "" if options.file else subject.folders)
     random.Random(options.seed).shuffle(mutants)
     if options.list:
         print(*mutants, f"{len(mutants)} mutants", sep="\n")
@@ -420,7 +443,7 @@ def main():
     for name in subject.programs:
         if workers[0].tested(name, {}) != "survived":
             sys.exit(f"{name} fails without a change, linked as those with one")
-    hunt = Hunt(known, workers, options.count)
+    hunt = Hunt(known, workers, options.count, same)
     hunt.run(mutants, options.jobs)
 
     print(*hunt.survivors, sep="\n")
@@ -429,7 +452,8 @@ def main():
     print(f"{killed} of {hunt.counted} mutants killed ({score:.1f} %), among them "
           f"{hunt.tally.get('hung', 0)} by the time limit; left out: "
           f"{hunt.tally.get('stillborn', 0)} that do not compile, "
-          f"{hunt.tally.get('same', 0)} that are the same machine code")
+          f"{hunt.tally.get('same', 0)} that are the same machine code, "
+          f"{hunt.tally.get('equivalent', 0)} that {EQUIVALENT.name} lists")
     return 0 if score >= GOAL else 1
 
 
