@@ -225,7 +225,7 @@ static void onEvent(nua_event_t event, int status, const char *, nua_t *, Agent 
     }
 }
 
-/* Calls that live get their BYE. */
+/* Calls that live get their BYE, and NUTAG_SHUTDOWN_EVENTS(1) has them end as all others do. */
 static int onSignal(su_root_magic_t *, su_wait_t *, su_wakeup_arg_t *agent) {
     nua_shutdown(reinterpret_cast<Agent *>(agent)->nua);
     return 0;
@@ -248,7 +248,7 @@ static int run(Agent &agent, const char *port, const char *to) {
                    NUTAG_AUTOALERT(0), NUTAG_AUTOANSWER(0), NUTAG_EARLY_MEDIA(1),
                    NUTAG_ONLY183_100REL(1), NUTAG_APPL_METHOD("PRACK"), NUTAG_APPL_METHOD("UPDATE"),
                    SIPTAG_SUPPORTED_STR("100rel, precondition"), NUTAG_SESSION_TIMER(0),
-                   NTATAG_SIP_T1X64(agent.timeout), TAG_END());
+                   NTATAG_SIP_T1X64(agent.timeout), NUTAG_SHUTDOWN_EVENTS(1), TAG_END());
     if (agent.nua == nullptr) {
         std::fprintf(stderr, "cannot listen on %s\n", at.c_str());
         return 2;

@@ -7,13 +7,15 @@ import re
 import selectors
 import signal
 import subprocess
+import time
 
-from scenarios import AUDIO, SCENARIOS, SILENT, Scenario, body
+from scenarios import AUDIO, EVERY, SCENARIOS, Scenario, body
 
 FIXED = ("v=0\r\no=- 1 1 IN IP4 127.0.0.1\r\ns=-\r\nc=IN IP4 127.0.0.1\r\nt=0 0\r\n"
          "m=audio 20002 RTP/AVP 8 0 96\r\na=rtpmap:96 telephone-event/8000\r\n"
          "a=fmtp:96 0-15\r\na=ptime:20\r\n")
 READY_SECONDS = 60
+STEP_SECONDS = 20
 END_SECONDS = 60
 # Of a response that nobody acknowledges, so that its end is seen soon; the default is 32 s.
 TIMEOUT = "2000"
@@ -21,6 +23,15 @@ TIMEOUT = "2000"
 
 class Failed(Exception):
     """What did not hold, for people."""
+
+
+def until(condition, what):
+    """Waits for something that is to become true."""
+    end = time.monotonic() + STEP_SECONDS
+    while not condition():
+        if time.monotonic() > end:
+            raise Failed(f"not within {STEP_SECONDS} s: {what}")
+        time.sleep(0.02)
 
 
 class Agent:
@@ -110,7 +121,7 @@ def finish(work, started):
 
 
 def write_scenarios(work):
-    for make in (*SCENARIOS, *SILENT):
+    for make in EVERY:
         scenario = make()
         (work / f"{scenario.name}.xml").write_text(scenario.xml(), encoding="utf-8")
     plain = Scenario("plain")

@@ -16,11 +16,9 @@ import socket
 import struct
 import subprocess
 import sys
-import time
 
-from agents import Failed, client, listening
+from agents import STEP_SECONDS, Failed, client, listening, until
 
-STEP_SECONDS = 20
 HERE = "127.0.0.1"
 
 # What the phone does, and what our agent sees of it.
@@ -70,15 +68,6 @@ def seen(log):
             mark, line = summary((match[1] == "send", text))
             found.setdefault((match[1], *mark), line)
     return list(found.values())
-
-
-def until(condition, what):
-    """Waits for something that is to become true."""
-    end = time.monotonic() + STEP_SECONDS
-    while not condition():
-        if time.monotonic() > end:
-            raise Failed(f"not within {STEP_SECONDS} s: {what}")
-        time.sleep(0.02)
 
 
 # ---- The phones

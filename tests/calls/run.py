@@ -17,7 +17,7 @@ import sys
 import tempfile
 import time
 
-from agents import (FIXED, TIMEOUT, Failed, all_scenarios, client, finish, listening, sipp,
+from agents import (FIXED, TIMEOUT, Failed, all_scenarios, client, finish, listening, sipp, until,
                     write_scenarios)
 from measure import load, share, soak
 from phones import enter_namespace, phones
@@ -53,6 +53,20 @@ def silent_peers(useragent, work):
     return calls * len(started)
 
 
+def ends_calls(useragent, work):
+    """Calls that are up when the server is told to end. Returns their number."""
+    calls = 10
+    command = [useragent, "listen", "PORT"]
+    with listening(command, work, "ended", {"TPORT_LOG": "1"}) as (server, port):
+        started = sipp(work, "left", port, calls, 200, scenario="left")
+        log = work / "ended.log"
+        until(lambda: log.read_text(errors="replace").count("\n   ACK sip:") == calls,
+              f"{calls} calls are up")
+        server.end(calls)
+        finish(work, started)
+    return calls
+
+
 def run(build, work, calls):
     useragent = str(build / "useragent")
     write_scenarios(work)
@@ -69,6 +83,7 @@ def run(build, work, calls):
         server.end(made + 1)
         total += made + 1
     total += silent_peers(useragent, work)
+    total += ends_calls(useragent, work)
     with listening([str(build / "answer_calls"), "PORT"], work, "c") as (server, port):
         for name in IN_C:
             finish(work, sipp(work, f"c-{name}", port, 20, 200, scenario=name))

@@ -4,7 +4,7 @@ from xml.sax.saxutils import quoteattr
 
 
 class Scenario:
-    """Messages of one call in order. `send` and `receive` are each one element of sipp's scenario."""
+    """Messages of one call in order. `send` and `receive` are one element each of the scenario."""
 
     def __init__(self, name, compact=False):
         self.name = name

@@ -175,6 +175,15 @@ def noack():
     return s
 
 
+def left():
+    """A call that is up when the callee's program is told to end: it is hung up on."""
+    s = Scenario("left")
+    s.invites(body(AUDIO))
+    s.answered()
+    s.hung_up_on()
+    return s
+
+
 def noprack():
     """Neither is the reliable 183: the INVITE is refused (RFC 3262 section 3)."""
     s = Scenario("noprack")
@@ -245,12 +254,13 @@ def multipart():
 SCENARIOS = (rich, hold, fax, early, offerless, refused, nothing, reinvite, glare, cancel, browser,
              longest, compact, multipart)
 SILENT = (noack, noprack)  # with a server that waits for a short time
+EVERY = (*SCENARIOS, *SILENT, left)
 
 
 def main():
     folder = pathlib.Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
-    for make in (*SCENARIOS, *SILENT):
+    for make in EVERY:
         scenario = make()
         (folder / f"{scenario.name}.xml").write_text(scenario.xml(), encoding="utf-8")
         print(scenario.name)
