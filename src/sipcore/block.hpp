@@ -15,9 +15,9 @@
 // and goes back to the heap at once.
 #pragma once
 
-#include "asan.hpp"
-#include "heap.hpp"
 #include "sdpline/sipcore.h"
+#include "sipcore/asan.hpp"
+#include "sipcore/heap.hpp"
 
 #include <algorithm>
 #include <bit>

@@ -7,8 +7,8 @@
 // different builds make every call.
 #pragma once
 
-#include "asan.hpp"
 #include "sdpline/sipcore.h"
+#include "sipcore/asan.hpp"
 
 struct SipCoreBuiltin {
     decltype(&SipSbCopyChar) copyChar;

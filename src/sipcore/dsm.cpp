@@ -3,7 +3,7 @@
 // A copy starts from an all-zero target, links every new allocation into it before filling that
 // allocation, and so can be undone at any point by clearing the target. Values are packed to 4
 // bytes: pointers inside them may be misaligned and are moved as bytes.
-#include "heap.hpp"
+#include "sipcore/heap.hpp"
 
 #include "sdpline/sipcore.h"
 

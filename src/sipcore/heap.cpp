@@ -1,12 +1,12 @@
 // The process heap: counted allocation, the allocations kept by each thread, the statistics, and
 // the system memory control. Counters are relaxed atomics, since no counter is read to decide
 // anything about another thread's memory; they change only where the process heap is called.
-#include "heap.hpp"
+#include "sipcore/heap.hpp"
 
-#include "asan.hpp"
-#include "block.hpp"
-#include "fill.hpp"
 #include "sdpline/sipcore.h"
+#include "sipcore/asan.hpp"
+#include "sipcore/block.hpp"
+#include "sipcore/fill.hpp"
 
 #include <pthread.h>
 

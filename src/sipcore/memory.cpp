@@ -1,7 +1,7 @@
 // Memory blocks: a bump allocator over chunks, with free lists by size class (block.hpp).
-#include "block.hpp"
-#include "fill.hpp"
-#include "heap.hpp"
+#include "sipcore/block.hpp"
+#include "sipcore/fill.hpp"
+#include "sipcore/heap.hpp"
 
 #include <algorithm>
 #include <bit>

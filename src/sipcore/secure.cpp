@@ -1,7 +1,7 @@
 // Bounds-checked memory and the reports of its failures.
-#include "builtin.hpp"
-#include "fill.hpp"
-#include "heap.hpp"
+#include "sipcore/builtin.hpp"
+#include "sipcore/fill.hpp"
+#include "sipcore/heap.hpp"
 
 #include "sdpline/sipcore.h"
 

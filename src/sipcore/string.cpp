@@ -1,6 +1,6 @@
 // Counted strings and reference strings.
-#include "heap.hpp"
-#include "refstring.hpp"
+#include "sipcore/heap.hpp"
+#include "sipcore/refstring.hpp"
 
 #include "sdpline/sipcore.h"
 

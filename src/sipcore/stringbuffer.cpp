@@ -1,12 +1,12 @@
 // String buffers: one contiguous text that grows by at least doubling, or a fixed range of the
 // caller's. A growable buffer's first bytes share the record's allocation; growth moves the text
 // to an allocation of its own.
-#include "stringbuffer.hpp"
+#include "sipcore/stringbuffer.hpp"
 
-#include "block.hpp"
-#include "builtin.hpp"
-#include "heap.hpp"
-#include "refstring.hpp"
+#include "sipcore/block.hpp"
+#include "sipcore/builtin.hpp"
+#include "sipcore/heap.hpp"
+#include "sipcore/refstring.hpp"
 
 #include <algorithm>
 #include <cstring>
