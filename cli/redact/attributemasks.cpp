@@ -10,8 +10,6 @@ namespace cli {
 
 namespace {
 
-constexpr size_t kNone = std::string_view::npos;
-
 // Attributes whose values are words of a protocol, beside those that the library decodes.
 constexpr std::string_view kNames[] = {
     "accept-types",

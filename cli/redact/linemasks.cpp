@@ -9,7 +9,6 @@ namespace cli {
 
 namespace {
 
-constexpr size_t kNone = std::string_view::npos;
 constexpr std::string_view kBlanks = " \t";
 
 // Words of session names that say nothing about anybody.

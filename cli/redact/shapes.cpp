@@ -9,7 +9,6 @@ namespace cli {
 
 namespace {
 
-constexpr size_t kNone = std::string_view::npos;
 constexpr size_t kLongestIpv6 = 45; // "ffff:ffff:ffff:ffff:ffff:ffff:255.255.255.255"
 constexpr size_t kShortestRandom = 20;
 constexpr size_t kShortestHex = 32;

@@ -13,6 +13,8 @@
 
 namespace cli {
 
+inline constexpr size_t kNone = std::string_view::npos; // what was looked for is not there
+
 std::optional<std::array<uint8_t, 4>> ipv4Of(std::string_view text);
 std::optional<std::array<uint8_t, 16>> ipv6Of(std::string_view text);
 

@@ -23,8 +23,8 @@ change include/sdpline/sdpline.h 's/sstrSdpAttrNames\[40\]/sstrSdpAttrNames[41]/
 change include/sdpline/cpp/detail/attributes.def \
   '$a ATTRIBUTE(SDP_ATTR_NOTE, Note, "x-note:", Text, kNoWords, kRegular)'
 
-cmake -S . -B build -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DSDPLINE_TESTS=OFF \
-  -DSDPLINE_TOOLS=OFF -DSDPLINE_INSTALL=OFF >/dev/null
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_UNITY_BUILD=ON \
+  -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF -DSDPLINE_INSTALL=OFF >/dev/null
 cmake --build build --target sdpline >/dev/null
 cat >case.c <<'TEXT'
 #include <string.h>
