@@ -26,11 +26,6 @@ double costOf(const std::string &line) {
     return 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-// The lesser of two, so that an interruption does not matter.
-double leastCostOf(const std::string &line) {
-    return std::min(costOf(line), costOf(line));
-}
-
 const char *const kPatterns[] = {"%",    "1:",      "1.",    "a@",      "+1",   "a.b",   ":",
                                  "::",   "1 ",      "sip:",  "tel:",    "A1b",  "-",     "(",
                                  "a://", "inline:", "cname", "cname:",  "a,",   "4A:",   "IN IP4 ",
@@ -39,8 +34,15 @@ const char *const kPatterns[] = {"%",    "1:",      "1.",    "a@",      "+1",   
 void expectLinear(const std::string &before) {
     constexpr size_t kSize = 2000;
     for (const std::string pattern : kPatterns) {
-        const double small = leastCostOf(before + repeated(pattern, kSize));
-        const double large = leastCostOf(before + repeated(pattern, 4 * kSize));
+        const std::string line = before + repeated(pattern, kSize);
+        const std::string longLine = before + repeated(pattern, 4 * kSize);
+        double small = costOf(line);
+        double large = costOf(longLine);
+        // The least of a few: a processor that is slow for a moment only ever adds.
+        for (int again = 0; again < 5 && large >= 8 * small + 4; ++again) {
+            small = std::min(small, costOf(line));
+            large = std::min(large, costOf(longLine));
+        }
         EXPECT_LT(large, 8 * small + 4) << before << pattern << "..."; // 16 times if quadratic
     }
 }
