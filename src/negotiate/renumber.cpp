@@ -10,6 +10,10 @@ namespace sdpline::negotiate {
 
 namespace {
 
+// Numbers without a codec, for those that 96 to 127 do not take (RFC 3551 section 3).
+constexpr uint32_t kFirstUnassigned = 35;
+constexpr uint32_t kLastUnassigned = 63;
+
 class Renumbering {
 public:
     Renumbering(const SDPMediaDesc &previous, const SDPMediaDesc &wanted, Arena &arena)
@@ -64,13 +68,21 @@ private:
                 return one.number;
             }
         }
-        for (uint32_t number = kFirstDynamicPayload; number <= kHighestPayload; ++number) {
+        auto number = firstFree(kFirstDynamicPayload, kHighestPayload);
+        if (!number) {
+            number = firstFree(kFirstUnassigned, kLastUnassigned);
+        }
+        return number.value_or(format.number); // all of them are in use
+    }
+
+    std::optional<uint32_t> firstFree(uint32_t first, uint32_t last) {
+        for (uint32_t number = first; number <= last; ++number) {
             if (!taken_[number]) {
                 taken_[number] = true;
                 return number;
             }
         }
-        return format.number; // all 32 are in use
+        return std::nullopt;
     }
 
     uint32_t replaced(uint32_t number) const {

@@ -65,6 +65,24 @@ TEST(Negotiate, AnAnswerWithoutAReport) {
     SdpLibReleaseSdp(&made);
 }
 
+// A codec for which no number is left keeps the one that was wanted, and the check says so.
+TEST(Negotiate, NumbersThatAreAllInUse) {
+    std::string numbers;
+    std::string maps;
+    for (uint32_t number = 35; number < 128; number += number == 63 ? 33 : 1) {
+        numbers += ' ' + std::to_string(number);
+        maps += "a=rtpmap:" + std::to_string(number) + " V" + std::to_string(number) + "/90000\n";
+    }
+    const Body previous = ours("m=video 40000 RTP/AVP" + numbers + '\n' + maps);
+    const Body wanted = ours("m=video 40000 RTP/AVP 96\na=rtpmap:96 VP9/90000\n");
+    const auto next = sdpline::nextOffer(previous, wanted);
+    ASSERT_TRUE(next);
+    EXPECT_EQ(next->media()[0].payloads()[0], 96u);
+    const auto faults = sdpline::checkNext(previous, *next);
+    ASSERT_EQ(faults.size(), 1u);
+    EXPECT_EQ(faults[0].name, "PayloadRemapped");
+}
+
 // Flags of records are 1, which programs in C compare with.
 TEST(Negotiate, FlagsOfAStreamAreOne) {
     const std::string wished = "a=curr:qos local none\na=curr:qos remote none\n"
