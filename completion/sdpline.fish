@@ -131,6 +131,7 @@ complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l rule -x -d 'Make th
 complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l optional -d 'Make the optional repairs beside those of the default set'
 complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l without -x -d 'Make all but these'
 complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l dry-run -d 'Report, and write no text'
+complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l summary -d 'Print how many bodies each rule repaired, and write no text'
 complete -c sdpline -n '__fish_seen_subcommand_from tidy' -s i -l in-place -d 'Write the text back to its file'
 complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l json -d 'Print one JSON document'
 complete -c sdpline -n '__fish_seen_subcommand_from tidy' -l avpf -d 'Take RTP/AVPF for a protocol with payload numbers'

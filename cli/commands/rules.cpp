@@ -19,6 +19,16 @@ const char *setName(uint32_t set) {
     }
 }
 
+// The section of the documents that has an example of it before and after: "repairs.md#nameempty".
+std::string pageOf(const SDPTidyRule &rule) {
+    std::string page = rule.enSet == SDP_TIDY_DOUBT ? "doubts.md#" : "repairs.md#";
+    for (const char *letter = rule.pcName; *letter != '\0'; ++letter) {
+        page +=
+            *letter >= 'A' && *letter <= 'Z' ? static_cast<char>(*letter + ('a' - 'A')) : *letter;
+    }
+    return page;
+}
+
 void printText() {
     uint32_t set = 0;
     for (uint32_t number = 0; const SDPTidyRule *const rule = SdpTidyRuleAt(number); ++number) {
@@ -28,7 +38,8 @@ void printText() {
         }
         std::cout << "  " << rule->pcName << ": " << rule->pcWrong << ": " << rule->pcDone << " ["
                   << rule->pcReference << ']' << (rule->bLoses != 0 ? " (loses something)" : "")
-                  << (rule->bChanges != 0 ? " (may change the session)" : "") << '\n';
+                  << (rule->bChanges != 0 ? " (may change the session)" : "") << ", "
+                  << pageOf(*rule) << '\n';
     }
 }
 
@@ -40,6 +51,7 @@ void printJson() {
                         {"wrong", rule->pcWrong},
                         {"done", rule->pcDone},
                         {"reference", rule->pcReference},
+                        {"page", pageOf(*rule)},
                         {"loses", rule->bLoses != 0},
                         {"changes", rule->bChanges != 0}});
     }
@@ -49,7 +61,9 @@ void printJson() {
 constexpr CommandText kText = {"rules", "Print what tidy repairs and what check doubts.",
                                R"(Examples:
   sdpline rules
-  sdpline rules --json | jq -r '.[] | select(.set == "optional").name')"};
+  sdpline rules --json | jq -r '.[] | select(.set == "optional").name'
+
+Each has a section in the documents, with an example before and after.)"};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // sdpline tidy: bodies repaired before the decoder, with a report of every repair.
 #include "commands/commands.hpp"
+#include "commands/tidysummary.hpp"
 
 #include <cstdio>
 #include <iostream>
@@ -31,6 +32,10 @@ struct Options {
     bool optional = false;
     bool dryRun = false;
     bool inPlace = false;
+    bool summary = false;
+
+    // Whether bodies, and what was repaired of them, go to standard output.
+    bool writesBodies() const { return !dryRun && !decode.json && !summary; }
 };
 
 // How a Content-Length counts: the bytes as they are, or each LF as CR LF, which was right before
@@ -117,6 +122,7 @@ public:
         if (!input.fill(std::numeric_limits<size_t>::max())) {
             return trouble(name + ": " + input.error());
         }
+        summary_.file();
         const Bodies found = findBodies(input.text());
         tellProblems(name, found);
         Rewriter rewriter(input.text());
@@ -141,7 +147,7 @@ public:
     // A body of a capture: it is written without its message.
     void body(const Found &found) {
         const auto tidied = tidyBody(found);
-        if (tidied && !options_.dryRun && !options_.decode.json) {
+        if (tidied && options_.writesBodies()) {
             std::cout << (captured_++ == 0 ? "" : "\r\n")
                       << (options_.decode.redact ? redactor_.redactedBody(tidied->text())
                                                  : std::string(tidied->text()));
@@ -150,7 +156,9 @@ public:
 
     int finish() {
         if (options_.decode.json) {
-            std::cout << dumped({{"bodies", bodies_}});
+            std::cout << dumped(options_.summary ? summary_.json() : Json{{"bodies", bodies_}});
+        } else if (options_.summary) {
+            summary_.print(std::cout);
         }
         return status_;
     }
@@ -172,6 +180,7 @@ private:
         if (options_.inPlace) {
             return trouble(name + ": a capture cannot be written back");
         }
+        summary_.file();
         CapturedBodies bodies(options_, *this);
         if (!readCapture(input, path, name, bodies) || bodies.status() != kFine) {
             status_ = kStillRefused;
@@ -203,16 +212,19 @@ private:
         }
     }
 
-    // What is passed over of a body; of one whose empty lines are left out, nothing is.
+    // What is passed over of a body, up to the next one; of a body whose empty lines are left out,
+    // nothing is.
     static void noteUnread(const Found &body, const sdpline::Tidied &tidied, const Bodies &found) {
         for (const sdpline::Repair repair : tidied.repairs()) {
             if (repair.rule->enRule == SDP_TIDY_EMPTY_LINES && tidied.isRepaired()) {
                 return;
             }
         }
+        const auto next =
+            std::ranges::upper_bound(found.bodies, body.offset, {}, &BodyPlace::offset);
         for (const Problem &problem : found.problems) {
             if (problem.kind == Problem::Note && problem.offset >= body.offset &&
-                problem.offset < body.offset + body.text.size()) {
+                (next == found.bodies.end() || problem.offset < next->offset)) {
                 std::cerr << "sdpline: " << body.name << ':' << problem.line << ": "
                           << escaped(problem.text) << '\n';
             }
@@ -231,6 +243,9 @@ private:
     void tell(const Found &body, const sdpline::Tidied &tidied) {
         const int status = tidied.isRefused() ? kStillRefused : tidied.isRepaired() ? kRepaired : 0;
         status_ = std::max(status_, status);
+        if (options_.summary) {
+            return summary_.body(body, tidied, redactor());
+        }
         if (options_.decode.json) {
             return tellJson(body, tidied);
         }
@@ -266,14 +281,10 @@ private:
 
     // The text on standard output, or in the file that it came from where it changed.
     void write(const std::string &path, std::string_view given, const std::string &text) {
-        if (options_.dryRun || options_.decode.json) {
-            return;
-        }
-        if (!options_.inPlace) {
+        if (options_.writesBodies() && !options_.inPlace) {
             std::cout << text;
-            return;
         }
-        if (text == given) {
+        if (options_.dryRun || !options_.inPlace || text == given) {
             return;
         }
         std::FILE *const file = std::fopen(path.c_str(), "wb");
@@ -288,6 +299,7 @@ private:
     sdpline::TidyRules rules_;
     Redactor redactor_;
     Json bodies_ = Json::array();
+    TidySummary summary_;
     size_t captured_ = 0; // bodies of captures that were written
     int status_ = 0;
 };
@@ -340,6 +352,7 @@ Examples:
   sdpline tidy call.sip > tidied.sip
   sdpline tidy --optional --dry-run captured.sdp
   sdpline tidy --rule NameEmpty,ConnHost -i offer.sdp
+  sdpline tidy --summary captures/
 
 Exit status: 0 when nothing was repaired, 1 when something was, 2 when a body is
 refused all the same or something cannot be used.)"};
@@ -356,6 +369,8 @@ void addTidy(CLI::App &app, int &status) {
             "Make the optional repairs beside those of the default set");
     addNames(command, "--without", options->without, "Make all but these");
     addFlag(command, "--dry-run", options->dryRun, "Report, and write no text");
+    addFlag(command, "--summary", options->summary,
+            "Print how many bodies each rule repaired, and write no text");
     addFlag(command, "-i,--in-place", options->inPlace, "Write the text back to its file");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addDecoderOptions(command, options->decode);

@@ -92,6 +92,34 @@ expect "--json of a refused body" 2 '~"check": "ConnLastOctetRange"' nothing -- 
 expect "no address in what is masked" 1 nothing nothing -- grep -F -e 192.0.2.1 -e example.com masked
 expect "the rest of it" 0 '~^m=audio 5004 RTP/AVP 0' nothing -- cat masked
 
+# ---- How many of many
+mkdir many && cp untidy.sdp odd.sdp bad.sdp worse.sdp many
+cp good.sdp many/a.sdp && cp untidy.sdp many/b.sdp
+cat >summary <<'TEXT'
+      2 repaired: s= is empty: wrote s=- [NameEmpty, RFC 4566 5.3], first at many/b.sdp:3:3
+      2 repaired: white space other than one blank between fields: wrote one blank, or none where none belongs [SpaceRun, RFC 4566 5], first at many/b.sdp:5:13
+      1 tried: s= is empty: wrote s=- [NameEmpty, RFC 4566 5.3], first at many/worse.sdp:3:3
+      2 refused: expected an octet of at most 255 [ConnLastOctetRange], first at many/bad.sdp:4:16
+      1 refused: unexpected line after the m= line [AfterMediaLine], first at many/odd.sdp:6:1
+tidied 6 bodies in 6 files: 1 unchanged, 2 repaired, 3 refused
+TEXT
+expect "--summary" 2 summary nothing -- "$program" tidy --summary many
+expect "--summary --json" 2 '~"unchanged": 1' nothing -- "$program" tidy --summary --json many
+expect "what it repaired" 2 '~"rule": "SpaceRun"' nothing -- "$program" tidy --summary --json many
+expect "what is left" 2 '~"check": "AfterMediaLine"' nothing -- "$program" tidy --summary --json many
+expect "the files are as they were" 0 nothing nothing -- cmp untidy.sdp many/b.sdp
+cp untidy.sdp both.sdp
+expect "--json -i" 1 '~"outcome": "repaired"' nothing -- "$program" tidy --json -i both.sdp
+expect "the file of it" 0 tidied.sdp nothing -- cat both.sdp
+cp untidy.sdp both.sdp
+expect "--dry-run -i" 1 nothing - -- "$program" tidy --dry-run -i both.sdp
+expect "is left alone" 0 untidy.sdp nothing -- cat both.sdp
+expect "-i of what is masked" 2 nothing '~nothing that is masked' -- "$program" tidy -i --redact both.sdp
+expect "a rule of --without that is none" 2 nothing '~no repair is named "Nix"' -- \
+  "$program" tidy --without Nix untidy.sdp
+expect "--optional, and one by name" 1 '~^m=' '~\[KeySpace' -- \
+  sh -c 'sed "s/^t=/t= /" odd.sdp >key.sdp; "$1" tidy --optional --rule KeySpace key.sdp' _ "$program"
+
 # ---- The decoder's options
 file offer.sdp <<'SDP'
 v=0
@@ -138,7 +166,14 @@ expect "--warnings-as-errors" 1 warned nothing -- "$program" check --warnings-as
 expect "a warning in JSON" 0 '~"rule": "PortRange"' nothing -- "$program" check --json doubtful.sdp
 
 # ---- rules, and the pages of the documents
-expect "rules" 0 '~^  NameEmpty: s= is empty: wrote s=- \[RFC 4566 5.3\]$' nothing -- "$program" rules
+expect "rules" 0 '~^  NameEmpty: s= is empty: wrote s=- \[RFC 4566 5.3\], repairs.md#nameempty$' nothing -- \
+  "$program" rules
+expect "rules, a doubt" 0 '~^  PortRange: .*\], doubts.md#portrange$' nothing -- "$program" rules
+"$program" rules --json | sed -n 's/^    "page": "\(.*\)#\(.*\)",/\1 \2/p' | sort >pages
+for page in repairs doubts; do
+  sed -n "s/^##*# *\([A-Z][A-Za-z]*\)$/$page.md \1/p" "$source/docs/$page.md"
+done | tr '[:upper:]' '[:lower:]' | grep -vx "repairs.md optional" | sort >anchors
+expect "the page of each rule has its section" 0 pages nothing -- cat anchors
 "$program" rules --json | sed -n 's/^    "name": "\(.*\)",/\1/p' | sort >names
 expect "rules --json" 0 '~^CrInside$' nothing -- cat names
 sed -n 's/^##*# \([A-Z][A-Za-z]*\)$/\1/p' "$source/docs/repairs.md" "$source/docs/doubts.md" |
