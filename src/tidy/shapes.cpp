@@ -9,12 +9,12 @@ namespace sdpline::tidy {
 
 namespace {
 
-struct Attribute {
+struct NamedShape {
     std::string_view name;
     Shape shape;
 };
 
-constexpr Attribute kAttributes[] = {
+constexpr NamedShape kAttributes[] = {
     {"rtpmap", Shape::Rtpmap},
     {"fmtp", Shape::Text},
     {"sendrecv", Shape::Flag},

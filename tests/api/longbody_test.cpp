@@ -159,6 +159,73 @@ TEST_F(LongBody, WithoutMemoryForTheCopyIsRefused) {
     EXPECT_EQ(Held::now(), before);
 }
 
+TEST_F(LongBody, GivesItsCopyBackWhereverItIsRefused) {
+    ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);
+    const std::string body = kHead + "m=audio 9 RTP/AVP 0\n" + bodyOf(5000).substr(kHead.size());
+    ASSERT_EQ(outcomeOf(body), "ok");
+    uint32_t refused = 0;
+    for (size_t at = 0; at < body.size() && refused < 40; at = body.find('\n', at) + 1) {
+        std::string wrong = body;
+        wrong[at] = '?';
+        const Held before = Held::now();
+        const SystemMemory memory(false);
+        support::Body decoded;
+        EXPECT_NE(decode(wrong, decoded), 0u) << at;
+        EXPECT_EQ(memory.requests(), 1u) << at;
+        EXPECT_EQ(memory.releases(), 1u) << at;
+        EXPECT_EQ(Held::now(), before) << at;
+        ++refused;
+    }
+    EXPECT_GE(refused, 6u);
+}
+
+TEST_F(LongBody, GivesItsCopyBackWhereverMemoryRunsOut) {
+    ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);
+    std::string body = kHead;
+    while (body.size() < 4100) {
+        body += "a=fmtp:96 " + std::string(90, 'x') + '\n';
+    }
+    const Held before = Held::now();
+    for (uint32_t n = 1;; ++n) {
+        const SystemMemory memory(false);
+        support::Allocations::reset();
+        support::Allocations::failAt(n);
+        support::Body decoded;
+        const SDPResult result = decode(body, decoded);
+        const bool failed = support::Allocations::failed();
+        support::Allocations::reset();
+        EXPECT_EQ(memory.requests(), memory.releases()) << n;
+        if (!failed) {
+            EXPECT_EQ(result, 0u);
+            EXPECT_GT(n, 80u);
+            break;
+        }
+        EXPECT_NE(result, 0u) << n;
+        EXPECT_EQ(Held::now(), before) << n;
+    }
+}
+
+TEST_F(LongBody, WhatNeedsNoSettingIsDecodedWithTheSameRequests) {
+    const std::string bodies[] = {bodyOf(4093),
+                                  kHead + "m=audio 9 RTP/AVP 0 8\nm=image 9 udptl t38\n",
+                                  kHead + "m=application 9 UDP/DTLS/SCTP webrtc-datachannel\n"};
+    for (const std::string &body : bodies) {
+        const auto requests = [&body] {
+            const SystemMemory memory(false);
+            support::Allocations::reset();
+            EXPECT_EQ(outcomeOf(body), "ok");
+            EXPECT_EQ(memory.requests(), 0u);
+            return support::Allocations::count();
+        };
+        const uint32_t without = requests();
+        ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);
+        SdpSetSupMedProtoRtpFamily(1);
+        EXPECT_EQ(requests(), without);
+        ASSERT_EQ(SdpSetMaxBodySize(SDP_MAX_BODY), 0u);
+        SdpSetSupMedProtoRtpFamily(0);
+    }
+}
+
 // Attribute lists beyond 2047 items grow by doubling, with as many pointers as there are lines.
 TEST_F(LongBody, HoldsListsOfAnyLength) {
     ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);

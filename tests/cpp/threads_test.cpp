@@ -41,6 +41,26 @@ TEST(CppThreads, DecodesGoOneAtATime) {
     EXPECT_EQ(wrong, 0);
 }
 
+// No thread sees the options of another one, nor does the process have them.
+TEST(CppThreads, EachDecodeHasItsOptions) {
+    const std::string head = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n";
+    const std::string offer = head + "m=audio 9 UDP/TLS/RTP/SAVPF 111 63\r\n";
+    const std::string longBody =
+        head + "a=x:" + std::string(4000, 'x') + "\r\na=y:" + std::string(1000, 'y') + "\r\n";
+    std::atomic<int> wrong = 0;
+    inThreads(kThreads, [&](int i) {
+        const DecodeOptions options = {.rtpFamily = i % 2 == 0,
+                                       .maxBodySize =
+                                           i / 2 % 2 == 0 ? SDP_MAX_LONG_BODY : SDP_MAX_BODY};
+        for (int round = 0; round < kRounds; ++round) {
+            wrong += Body::decode(offer, options).ok() != options.rtpFamily;
+            wrong += Body::decode(longBody, options).ok() != (options.maxBodySize > SDP_MAX_BODY);
+            wrong += Body::decode(offer).ok() || Body::decode(longBody).ok();
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST(CppThreads, OneBodyIsReadByMany) {
     const Body body = decoded(kEveryLine);
     std::atomic<int> wrong = 0;
