@@ -15,8 +15,8 @@
  *     why there is no output; nothing was changed then, and every output is null.
  *  2. The local body describes what this side can do. Its o= and c= lines are this side's. Each of
  *     its m= lines with a port that is not 0 is one stream that can be taken, once, with its
- * codecs, a=fmtp, b=, direction and other attributes. Lines of the offer are never copied into an
- *     answer, except where an RFC says so.
+ *     codecs, a=fmtp, b=, direction and other attributes. Lines of the offer are never copied into
+ *     an answer, except where an RFC says so.
  *  3. Reasons are numbered, and a number is never used again for another one.
  *  4. Ownership. A body that is returned is released with SdpLibReleaseSdp, a report with
  *     SdpNegotiateReleaseReport. Both have a memory block and refer to no other body.
@@ -173,7 +173,8 @@ SDPLINE_API SDPResult SdpNegotiateAgree(const SdpLine *pstOffer, const SdpLine *
  * The next offer of a side whose last description is pstPrevious: the streams of pstWanted in the
  * m= lines that RFC 3264 section 8 gives them. None vanishes: a stream that is no longer wanted has
  * port 0; a new one takes a line of port 0, or a line at the end. Payload numbers that would change
- * their codec are replaced. Lines that are not wanted keep their media word, protocol and formats.
+ * their codec are replaced, by one from 96 to 127, or from 35 to 63 where those are in use. Lines
+ * that are not wanted keep their media word, protocol and formats.
  */
 SDPLINE_API SDPResult SdpNegotiateNextOffer(const SdpLine *pstPrevious, const SdpLine *pstWanted,
                                             SdpLine **ppstOffer);
