@@ -109,7 +109,8 @@ typedef struct SdpNegotiateReport {
     SdpNegotiateDecision **ppstDecisions;
     uint32_t ulNoOfStreams;
     SdpNegotiateStream **ppstStreams;
-    uint32_t bAccepted; /* a stream is accepted, or none was offered with a port */
+    /* A stream is accepted, or none was offered with a port; of a check: there is no fault. */
+    uint32_t bAccepted;
     SDPMemCp *pstMemCp;
 } SdpNegotiateReport;
 

@@ -83,6 +83,22 @@ TEST(Negotiate, NumbersThatAreAllInUse) {
     EXPECT_EQ(faults[0].name, "PayloadRemapped");
 }
 
+// One fault or several: a check's report is not accepted.
+TEST(Negotiate, AReportOfACheckIsAcceptedWithoutFaults) {
+    const std::string audio = "m=audio 40000 RTP/AVP 0\n";
+    const Body two = ours(audio + audio);
+    const Body three = ours(audio + audio + audio);
+    for (const auto &check : {SdpNegotiateCheck, SdpNegotiateCheckNext}) {
+        for (const auto &[first, faults] : {std::pair(&two, 0u), std::pair(&three, 1u)}) {
+            SdpNegotiateReport *report = nullptr;
+            ASSERT_EQ(check(first->record(), two.record(), &report), 0u);
+            EXPECT_EQ(report->bAccepted, faults == 0 ? 1u : 0u);
+            EXPECT_GE(report->ulNoOfDecisions, faults);
+            SdpNegotiateReleaseReport(&report);
+        }
+    }
+}
+
 // Flags of records are 1, which programs in C compare with.
 TEST(Negotiate, FlagsOfAStreamAreOne) {
     const std::string wished = "a=curr:qos local none\na=curr:qos remote none\n"
