@@ -355,6 +355,14 @@ TEST(Negotiate, AnAcceptedStreamWithoutFormats) {
     field.stMediaFmt.unMediaFmt.stRtpPayLoads = {0, nullptr};
     EXPECT_EQ(negotiate_test::textOf(sdpline::check(offer, reply)),
               "stream 1: an accepted stream without formats [NoFormats]\n");
+
+    const Body board = theirs("m=application 49170 udp wb\n");
+    Body wordless = ours("m=application 40000 udp wb\n");
+    wordless.record()
+        ->stMediaSet.ppstMediaDescs[0]
+        ->stMediaField.stMediaFmt.unMediaFmt.strOtherFmts.ulLen = 0;
+    EXPECT_EQ(negotiate_test::textOf(sdpline::check(board, wordless)),
+              "stream 1: an accepted stream without formats [NoFormats]\n");
 }
 
 // Every reason of a decision is one that a case document shows, but for NoFormats (127); those of
