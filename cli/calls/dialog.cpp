@@ -14,7 +14,7 @@ std::string transactionOf(const SipHead &head) {
 
 // Responses after which the request is sent again, or that end a call that was given up.
 bool isExpected(unsigned code) {
-    return code == 401 || code == 407 || code == 487;
+    return code == 401 || code == 407 || code == 487 || code == 491;
 }
 
 bool mayOffer(const std::string &method) {
@@ -67,12 +67,13 @@ void Dialog::takeRequest(Call &call) {
         return;
     }
     const std::string &method = message.head.method;
-    const bool offeredByPeer =
-        open_ && call.messages[*open_].head.senderTag() != message.head.senderTag();
-    if (offeredByPeer && (method == "ACK" || method == "PRACK")) {
-        answer(call);
+    const auto ofPeer = std::ranges::find_if(open_, [&](const Offer &open) {
+        return call.messages[open.message].head.senderTag() != message.head.senderTag();
+    });
+    if (ofPeer != open_.end() && (method == "ACK" || method == "PRACK")) {
+        answer(call, static_cast<size_t>(ofPeer - open_.begin()));
     } else if (mayOffer(method)) {
-        if (open_) {
+        if (!open_.empty()) {
             add(call, "a new offer while the last one has no answer", "OfferTooEarly",
                 "RFC 3264 4");
         }
@@ -83,25 +84,30 @@ void Dialog::takeRequest(Call &call) {
 void Dialog::takeResponse(Call &call) {
     const CallMessage &message = call.messages.back();
     const std::string transaction = transactionOf(message.head);
-    const bool answersOpen = open_ && openTransaction_ == transaction;
+    const auto offered = std::ranges::find(open_, transaction, &Offer::transaction);
+    const auto open = static_cast<size_t>(offered - open_.begin());
     if (message.head.code() >= 300) {
-        if (answersOpen) {
-            if (!isExpected(message.head.code())) {
-                add(call, "the offer was refused: " + message.head.status, "OfferRefused",
-                    "RFC 3261 21.4.26");
-            }
-            open_.reset();
+        if (open < open_.size()) {
+            refuse(call, open);
         }
+    } else if (message.body.empty() || !mayOffer(message.head.method)) {
         return;
-    }
-    if (message.body.empty() || !mayOffer(message.head.method)) {
-        return;
-    }
-    if (answersOpen && call.messages[*open_].head.isRequest()) {
-        answer(call);
-    } else if (!open_ && !closed_.contains(transaction)) {
+    } else if (open < open_.size() && call.messages[open_[open].message].head.isRequest()) {
+        answer(call, open);
+    } else if (open_.empty() && !closed_.contains(transaction)) {
         offer(call);
     }
+}
+
+// The one before it, where two crossed, is still open.
+void Dialog::refuse(Call &call, size_t open) {
+    const SipHead &head = call.messages.back().head;
+    if (!isExpected(head.code())) {
+        add(call, "the offer was refused: " + head.status, "OfferRefused", "RFC 3261 21.4.26");
+    }
+    const size_t message = open_[open].message;
+    refused_[call.messages[message].head.senderTag()] = message;
+    open_.erase(open_.begin() + static_cast<ptrdiff_t>(open));
 }
 
 std::optional<sdpline::Body> Dialog::decoded(Call &call) {
@@ -117,32 +123,43 @@ std::optional<sdpline::Body> Dialog::decoded(Call &call) {
 }
 
 void Dialog::judgeNext(Call &call, const sdpline::Body &next) {
-    const auto before = previous_.find(call.messages.back().head.senderTag());
-    if (before != previous_.end()) {
-        const auto previous = sdpline::Body::decode(call.messages[before->second].body);
-        if (previous) {
-            add(call, sdpline::checkNext(*previous, next));
+    const std::string &side = call.messages.back().head.senderTag();
+    const auto faultsAfter = [&](const std::map<std::string, size_t> &table) {
+        const auto before = table.find(side);
+        if (before == table.end()) {
+            return std::vector<sdpline::Decision>();
         }
+        const auto body = sdpline::Body::decode(call.messages[before->second].body);
+        return body ? sdpline::checkNext(*body, next) : std::vector<sdpline::Decision>();
+    };
+    const auto isJump = [](const sdpline::Decision &fault) {
+        return fault.name == "VersionJumped";
+    };
+    std::vector<sdpline::Decision> faults = faultsAfter(previous_);
+    // A side may count its offers that were refused.
+    if (refused_.contains(side) && std::ranges::none_of(faultsAfter(refused_), isJump)) {
+        std::erase_if(faults, isJump);
     }
+    add(call, faults);
 }
 
 void Dialog::offer(Call &call) {
     CallMessage &message = call.messages.back();
     message.role = "offer " + std::to_string(++call.offers);
-    open_ = call.messages.size() - 1;
-    openTransaction_ = transactionOf(message.head);
+    open_.push_back({call.messages.size() - 1, transactionOf(message.head)});
     if (const auto body = decoded(call)) {
         judgeNext(call, *body);
     }
 }
 
-void Dialog::answer(Call &call) {
+void Dialog::answer(Call &call, size_t open) {
     CallMessage &message = call.messages.back();
-    const size_t offered = *open_;
-    message.role = "answer " + std::to_string(call.offers);
+    const size_t offered = open_[open].message;
+    const std::string role = call.messages[offered].role; // "offer 1"
+    message.role = "answer" + role.substr(role.find(' '));
     ++call.answers;
-    open_.reset();
-    closed_.insert(openTransaction_);
+    closed_.insert(open_[open].transaction);
+    open_.erase(open_.begin() + static_cast<ptrdiff_t>(open));
     const auto body = decoded(call);
     const auto offer = sdpline::Body::decode(call.messages[offered].body);
     if (!body || !offer) {
@@ -174,9 +191,9 @@ void Dialog::judgeAgreement(Call &call, const sdpline::Body &offer, const sdplin
 }
 
 void Dialog::finish(Call &call) {
-    if (open_) {
+    for (const Offer &open : open_) {
         call.findings.push_back(
-            {*open_, "the offer has no answer", "OfferUnanswered", "RFC 3264 4"});
+            {open.message, "the offer has no answer", "OfferUnanswered", "RFC 3264 4"});
     }
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "calls/call.hpp"
 #include "sdpline/negotiate.hpp"
@@ -20,8 +21,14 @@ public:
     void finish(Call &call);
 
 private:
+    struct Offer {
+        size_t message;
+        std::string transaction;
+    };
+
     void offer(Call &call);
-    void answer(Call &call);
+    void answer(Call &call, size_t open);
+    void refuse(Call &call, size_t open);
     void takeRequest(Call &call);
     void takeResponse(Call &call);
     bool isRepeated(const CallMessage &message);
@@ -32,10 +39,10 @@ private:
     void add(Call &call, std::string sentence, std::string name, std::string reference);
 
     std::set<std::string> seen_;
-    std::optional<size_t> open_;             // the message whose offer has no answer yet
-    std::string openTransaction_;            // that the offer was made in
+    std::vector<Offer> open_;                // those that have no answer yet; one unless they cross
     std::set<std::string> closed_;           // transactions with an offer and its answer
     std::map<std::string, size_t> previous_; // by side: the message with its last description
+    std::map<std::string, size_t> refused_;  // by side: its last offer that was refused
 };
 
 } // namespace cli

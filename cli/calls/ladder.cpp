@@ -13,18 +13,6 @@ namespace {
 constexpr size_t kTime = 10;  // columns before the ladder
 constexpr size_t kWidth = 34; // from one side to the next
 
-std::vector<std::string> sidesOf(const Call &call) {
-    std::vector<std::string> sides;
-    for (const CallMessage &message : call.messages) {
-        for (const std::string &side : {message.sender, message.receiver}) {
-            if (std::ranges::find(sides, side) == sides.end()) {
-                sides.push_back(side);
-            }
-        }
-    }
-    return sides;
-}
-
 size_t columnOf(const std::vector<std::string> &sides, const std::string &side) {
     return static_cast<size_t>(std::ranges::find(sides, side) - sides.begin()) * kWidth;
 }
@@ -50,17 +38,29 @@ std::string arrow(const std::vector<std::string> &sides, const CallMessage &mess
     return line;
 }
 
-std::string timeSince(int64_t begin, const Packet &packet) {
-    if (packet.frame == 0) {
-        return std::string(kTime, ' ');
+} // namespace
+
+std::vector<std::string> sidesOf(const Call &call) {
+    std::vector<std::string> sides;
+    for (const CallMessage &message : call.messages) {
+        for (const std::string &side : {message.sender, message.receiver}) {
+            if (std::ranges::find(sides, side) == sides.end()) {
+                sides.push_back(side);
+            }
+        }
     }
-    char text[32];
-    std::snprintf(text, sizeof text, "%*.3f ", static_cast<int>(kTime) - 1,
-                  static_cast<double>(packet.time - begin) / 1e9);
-    return text;
+    return sides;
 }
 
-} // namespace
+std::string timeOf(const Call &call, const CallMessage &message) {
+    if (message.packet.frame == 0) {
+        return "";
+    }
+    char text[32];
+    const int64_t since = message.packet.time - call.messages.front().packet.time;
+    std::snprintf(text, sizeof text, "%.3f", static_cast<double>(since) / 1e9);
+    return text;
+}
 
 std::string placeOf(const CallMessage &message) {
     return message.packet.frame != 0 ? "frame " + std::to_string(message.packet.frame)
@@ -105,7 +105,8 @@ std::string ladderOf(const Call &call) {
     text += '\n';
     for (size_t i = 0; i < call.messages.size(); ++i) {
         const CallMessage &message = call.messages[i];
-        text += timeSince(call.messages.front().packet.time, message.packet) +
+        const std::string time = timeOf(call, message);
+        text += std::string(kTime - 1 - std::min(kTime - 1, time.size()), ' ') + time + ' ' +
                 arrow(sides, message) + "  " + placeOf(message) + '\n';
         for (const CallFinding &finding : call.findings) {
             if (finding.message == i) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "calls/call.hpp"
 
@@ -9,6 +10,12 @@ namespace cli {
 
 // "Call-ID 3c26@host (sip:a@x > sip:b@y, 7 messages): 1 offer, 1 answer: nothing wrong"
 std::string callLine(const Call &call);
+
+// Those who send and receive, in the order in which they are seen.
+std::vector<std::string> sidesOf(const Call &call);
+
+// "1.250": seconds since the first message of the call; empty in a text.
+std::string timeOf(const Call &call, const CallMessage &message);
 
 // "frame 12", or "line 80" in a text.
 std::string placeOf(const CallMessage &message);

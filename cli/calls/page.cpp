@@ -12,16 +12,34 @@ namespace cli {
 namespace {
 
 constexpr std::string_view kStyle = R"(
-:root { color-scheme: light dark; --wrong: #b00020; --mark: #ffe08a; --line: #8884; }
+:root { color-scheme: light dark; --wrong: #b00020; --mark: #ffe08a; --line: #8886; }
 @media (prefers-color-scheme: dark) { :root { --wrong: #ff8a80; --mark: #6b5200; } }
-body { font: 16px/1.45 system-ui, sans-serif; margin: 0 auto; max-width: 75rem; padding: 1rem; }
-h1 { font-size: 1.3rem; } h2 { font-size: 1.05rem; overflow-wrap: anywhere; }
-pre { font: 13px/1.4 ui-monospace, monospace; margin: 0; overflow-x: auto; }
+body { font: 16px/1.45 system-ui, sans-serif; margin: 0 auto; max-width: 60rem; padding: 1rem;
+  overflow-wrap: anywhere; }
+h1 { font-size: 1.3rem; } h2 { font-size: 1.05rem; margin: .3rem 0; } section p { margin: .2rem 0; }
 section { border-top: 1px solid var(--line); padding: .5rem 0 1rem; }
-.wrong { color: var(--wrong); } .pair { display: grid; gap: 1rem; grid-template-columns: 1fr 1fr; }
-.pair div { min-width: 0; } .pair pre { white-space: pre-wrap; overflow-wrap: anywhere; }
-mark { background: var(--mark); color: inherit; } summary { cursor: pointer; padding: .3rem 0; }
-@media (max-width: 40rem) { .pair { grid-template-columns: 1fr; } body { padding: .5rem; } }
+ul { margin: .4rem 0; padding-left: 1.2rem; } .wrong { color: var(--wrong); }
+summary { cursor: pointer; padding: .4rem 0; }
+.row { display: grid; grid-template-columns: 3.2rem 1fr 5.2rem; gap: .5rem; font-size: .9rem; }
+.time { text-align: right; align-self: end; } .place { align-self: end; }
+.sides span { display: flex; justify-content: space-between; gap: 1rem; }
+.lanes { display: grid; grid-template-columns: repeat(var(--lanes), 1fr);
+  background: linear-gradient(to right, var(--line) 1px, transparent 1px);
+  background-size: calc(100% / var(--lanes)) 100%; border-right: 1px solid var(--line); }
+.arrow { position: relative; border-bottom: 2px solid; margin: 0 1px .3rem; padding: .2rem .7rem 0;
+  text-align: center; min-width: 0; }
+.right::after, .left::after { content: ""; position: absolute; bottom: -6px;
+  border: 5px solid transparent; }
+.right::after { right: 0; border-right: 0; border-left: 9px solid; }
+.left::after { left: 0; border-left: 0; border-right: 9px solid; }
+.self { border-bottom-style: dashed; }
+.fault { margin: 0 0 .2rem 3.7rem !important; font-size: .9rem; }
+.pair { display: grid; gap: 1rem; grid-template-columns: 1fr 1fr; } .pair div { min-width: 0; }
+pre { font: 13px/1.4 ui-monospace, monospace; margin: 0; white-space: pre-wrap; }
+mark { background: var(--mark); color: inherit; }
+@media (max-width: 40rem) { .pair { grid-template-columns: 1fr; } body { padding: .5rem; }
+  .row { grid-template-columns: 2.6rem 1fr 4.2rem; gap: .3rem; font-size: .8rem; }
+  .fault { margin-left: 2.9rem !important; font-size: .8rem; } }
 )";
 
 std::string html(std::string_view text) {
@@ -74,6 +92,9 @@ const CallMessage *answerTo(const Call &call, const CallMessage &offer) {
 void writePair(std::ostream &out, const Call &call, const CallMessage &offer,
                const ShowBody &shown) {
     const CallMessage *const answer = answerTo(call, offer);
+    const bool wrong = !call.findings.empty();
+    out << "<details" << (wrong ? " open" : "") << "><summary>" << offer.role
+        << (answer != nullptr ? " and its answer" : ", without an answer") << "</summary>\n";
     const std::vector<std::string> left = linesOf(shown(offer.body));
     const std::vector<std::string> right =
         answer != nullptr ? linesOf(shown(answer->body)) : std::vector<std::string>();
@@ -81,6 +102,46 @@ void writePair(std::ostream &out, const Call &call, const CallMessage &offer,
         << columnOf(offer, bodyOf(left, answer != nullptr ? right : left));
     if (answer != nullptr) {
         out << columnOf(*answer, bodyOf(right, left));
+    }
+    out << "</div></details>\n";
+}
+
+// An arrow in the lanes between the lines of the sides, which count from 1.
+std::string arrowOf(const std::vector<std::string> &sides, const CallMessage &message) {
+    const auto lineOf = [&sides](const std::string &side) {
+        return std::ranges::find(sides, side) - sides.begin() + 1;
+    };
+    const auto from = lineOf(message.sender);
+    const auto to = lineOf(message.receiver);
+    const auto last = static_cast<ptrdiff_t>(std::max<size_t>(sides.size(), 2));
+    const auto begin = std::min({from, to, last - 1});
+    const auto end = std::max({from, to, begin + 1});
+    return std::string("<span class=\"arrow ") +
+           (from == to  ? "self"
+            : from < to ? "right"
+                        : "left") +
+           "\" style=\"grid-column:" + std::to_string(begin) + '/' + std::to_string(end) + "\">" +
+           html(escaped(labelOf(message))) + "</span>";
+}
+
+void writeLadder(std::ostream &out, const Call &call) {
+    const std::vector<std::string> sides = sidesOf(call);
+    out << "<div class=\"ladder\" style=\"--lanes:" << std::max<size_t>(sides.size(), 2) - 1
+        << "\">\n<div class=\"row sides\"><i></i><span>";
+    for (const std::string &side : sides) {
+        out << "<strong>" << html(escaped(side)) << "</strong>";
+    }
+    out << "</span></div>\n";
+    for (size_t i = 0; i < call.messages.size(); ++i) {
+        const CallMessage &message = call.messages[i];
+        out << "<div class=\"row\"><span class=\"time\">" << timeOf(call, message)
+            << "</span><span class=\"lanes\">" << arrowOf(sides, message)
+            << "</span><span class=\"place\">" << placeOf(message) << "</span></div>\n";
+        for (const CallFinding &finding : call.findings) {
+            if (finding.message == i) {
+                out << "<p class=\"fault wrong\">" << html(findingText(finding)) << "</p>\n";
+            }
+        }
     }
     out << "</div>\n";
 }
@@ -98,16 +159,13 @@ void writeCall(std::ostream &out, const Call &call, const ShowBody &shown) {
         }
         out << "</ul>\n";
     }
-    const std::string ladder = ladderOf(call);
     out << "<details" << (wrong ? " open" : "") << "><summary>"
-        << counted(call.messages.size(), "message", "messages") << "</summary>\n<pre>"
-        << html(ladder.substr(ladder.find('\n') + 1)) << "</pre></details>\n";
+        << counted(call.messages.size(), "message", "messages") << "</summary>\n";
+    writeLadder(out, call);
+    out << "</details>\n";
     for (const CallMessage &message : call.messages) {
         if (message.role.starts_with("offer")) {
-            out << "<details" << (wrong ? " open" : "") << "><summary>" << message.role
-                << " and its answer</summary>\n";
             writePair(out, call, message, shown);
-            out << "</details>\n";
         }
     }
     out << "</section>\n";

@@ -8,9 +8,11 @@ namespace cli {
 
 namespace {
 
-constexpr uint32_t kMicroseconds = 0xa1b2c3d4;
-constexpr uint32_t kNanoseconds = 0xa1b23c4d;
-constexpr uint32_t kByteOrder = 0x1a2b3c4d;
+enum Magic : uint32_t {
+    kMicroseconds = 0xa1b2c3d4,
+    kNanoseconds = 0xa1b23c4d,
+    kByteOrder = 0x1a2b3c4d
+};
 
 constexpr size_t kFileHeader = 24;
 constexpr size_t kRecordHeader = 16;
@@ -18,13 +20,13 @@ constexpr size_t kBlockHeader = 8;
 constexpr size_t kLeastBlock = 12; // type, length, length again
 constexpr size_t kMostInterfaces = 4096;
 
-constexpr uint32_t kSection = 0x0a0d0d0a;
-constexpr uint32_t kInterface = 1;
-constexpr uint32_t kSimplePacket = 3;
-constexpr uint32_t kEnhancedPacket = 6;
-
-constexpr uint16_t kTimeResolution = 9; // options of an interface
-constexpr uint16_t kTimeOffset = 14;
+enum Block : uint32_t {
+    kInterface = 1,
+    kSimplePacket = 3,
+    kEnhancedPacket = 6,
+    kSection = 0x0a0d0d0a
+};
+enum InterfaceOption : uint16_t { kTimeResolution = 9, kTimeOffset = 14 };
 
 constexpr int64_t kSecond = 1'000'000'000;
 

@@ -25,7 +25,7 @@ void Segments::add(uint32_t sequence, std::string_view bytes, std::string &taken
         begin(sequence);
     }
     const uint64_t place = placeOf(sequence);
-    if (place + bytes.size() <= next_) {
+    if (bytes.empty() || place + bytes.size() <= next_) { // an RST may be numbered after a FIN
         return;
     }
     if (place > next_) {

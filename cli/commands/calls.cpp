@@ -11,6 +11,7 @@
 #include "commands/negotiation.hpp"
 #include "output/diagnostic.hpp"
 #include "output/origin.hpp"
+#include "output/terminal.hpp"
 #include "output/text.hpp"
 
 namespace cli {
@@ -30,6 +31,16 @@ class Collector : public BodyUser {
 public:
     explicit Collector(const Options &options) : BodyUser(options.decode), options_(options) {}
 
+    void files(size_t count, uint64_t bytes) override { progress_.emplace(count, bytes); }
+    void bytesRead(uint64_t count) override { progress_->read(count); }
+    void fileDone(bool /*read*/) override { progress_->fileDone(); }
+    bool wantsMessages() const override { return true; }
+
+    void problem(const InputProblem &problem) override {
+        progress_->hide();
+        BodyUser::problem(problem);
+    }
+
     void message(const Found &whole) override {
         const SipHead head = sipHeadOf(whole.text);
         const auto [place, isNew] = byId_.try_emplace(head.callId, calls_.size());
@@ -45,6 +56,7 @@ public:
     void body(const Found & /*found*/) override {}
 
     int finish() {
+        progress_->hide();
         std::vector<const Call *> calls;
         for (const auto &entry : calls_) {
             entry->dialog.finish(entry->call);
@@ -175,6 +187,7 @@ private:
     }
 
     const Options &options_;
+    std::optional<Progress> progress_;
     std::vector<std::unique_ptr<Entry>> calls_;
     std::unordered_map<std::string, size_t> byId_;
     size_t wrong_ = 0;

@@ -1,7 +1,9 @@
 // sdpline check: what is wrong with the bodies of many files.
 #include "commands/commands.hpp"
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 
 #include "output/diagnostic.hpp"
 #include "output/everyline.hpp"
@@ -34,11 +36,15 @@ public:
         : BodyUser(options.decode), options_(options), ignored_(std::move(ignored)),
           report_(makeReport(std::cout, options.report)) {}
 
-    void files(size_t count) override { progress_.emplace(count, !options_.report.quiet); }
+    void files(size_t count, uint64_t bytes) override {
+        progress_.emplace(count, bytes, !options_.report.quiet);
+    }
+
+    void bytesRead(uint64_t count) override { progress_->read(count); }
 
     void fileDone(bool read) override {
         totals_.files += read ? 1 : 0;
-        progress_->advance();
+        progress_->fileDone();
     }
 
     void problem(const InputProblem &problem) override {
@@ -53,10 +59,23 @@ public:
         report_->problem(problem);
     }
 
+    std::shared_ptr<const Prepared> prepare(const Found &found) const override {
+        return std::make_shared<Judgement>(judge(found));
+    }
+
     void body(const Found &found) override {
         ++totals_.bodies;
-        Judged judged = {found, redactorFor(found), true, false, {}, {}, {}, 0, ""};
-        judge(judged);
+        const auto *const made = static_cast<const Judgement *>(found.prepared.get());
+        Judgement judgement = made != nullptr ? *made : judge(found);
+        Judged judged = {found,
+                         redactorFor(found),
+                         judgement.accepted,
+                         false,
+                         std::move(judgement.diagnostics),
+                         std::move(judgement.doubts),
+                         {},
+                         0,
+                         ""};
         leaveOutIgnored(judged);
         judged.failed =
             !judged.diagnostics.empty() || (options_.warningsAsErrors && !judged.doubts.empty());
@@ -70,7 +89,7 @@ public:
             count(judged);
         } else {
             leaveOutLast(judged);
-            judged.helpful = judged.diagnostics.empty() ? "" : rulesThatHelp(found.text);
+            judged.helpful = judged.diagnostics.empty() ? "" : judgement.helpful;
         }
         if (report_->shows(judged)) {
             progress_->hide();
@@ -88,20 +107,30 @@ public:
     }
 
 private:
-    void judge(Judged &judged) const {
-        const Found &found = judged.found;
+    // Of one body, by the decoder and by its own text alone.
+    struct Judgement : Prepared {
+        bool accepted = true;
+        std::vector<Diagnostic> diagnostics;
+        std::vector<sdpline::Repair> doubts;
+        std::string helpful;
+    };
+
+    Judgement judge(const Found &found) const {
+        Judgement judgement;
         const auto body = sdpline::Body::decode(found.text);
-        judged.accepted = static_cast<bool>(body);
+        judgement.accepted = static_cast<bool>(body);
         if (!body) {
-            judged.diagnostics = {diagnosticOf(body.error(), found)};
-            if (options_.everyLine && judged.diagnostics.front().offset) {
+            judgement.diagnostics = {diagnosticOf(body.error(), found)};
+            if (options_.everyLine && judgement.diagnostics.front().offset) {
                 std::vector<Diagnostic> others = judgeLines(found.text, body.error().offset);
-                std::move(others.begin(), others.end(), std::back_inserter(judged.diagnostics));
+                std::ranges::move(others, std::back_inserter(judgement.diagnostics));
             }
+            judgement.helpful = options_.report.summary ? "" : rulesThatHelp(found.text);
         } else if (const auto doubted = sdpline::findDoubts(found.text);
                    doubted && !options_.noWarnings) {
-            judged.doubts.assign(doubted->repairs().begin(), doubted->repairs().end());
+            judgement.doubts.assign(doubted->repairs().begin(), doubted->repairs().end());
         }
+        return judgement;
     }
 
     void leaveOutIgnored(Judged &judged) const {

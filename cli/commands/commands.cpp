@@ -134,11 +134,38 @@ sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found, Redactor *re
     return std::move(*tidied->body());
 }
 
+namespace {
+
+// A body, or why there is none: that is known in the thread that decoded it alone.
+struct DecodedAhead : Prepared {
+    explicit DecodedAhead(const Found &found)
+        : body(sdpline::Body::decode(found.text)), textSize(found.text.size()) {
+        if (!body) {
+            diagnostic = diagnosticOf(body.error(), found);
+        }
+    }
+    size_t size() const override { return 16 * textSize; } // records and their block
+
+    mutable sdpline::Result<sdpline::Body> body; // which its user takes
+    Diagnostic diagnostic = {};
+    size_t textSize;
+};
+
+} // namespace
+
+std::shared_ptr<const Prepared> BodyUser::decodedAhead(const Found &found) const {
+    return tidy_ ? nullptr : std::make_shared<DecodedAhead>(found);
+}
+
 std::optional<sdpline::Body> BodyUser::decoded(const Found &found) {
     Redactor *const redactor = redactorFor(found);
-    sdpline::Result<sdpline::Body> body = decode(found, redactor);
+    const auto *const ahead = static_cast<const DecodedAhead *>(found.prepared.get());
+    sdpline::Result<sdpline::Body> body =
+        ahead != nullptr ? std::move(ahead->body) : decode(found, redactor);
     if (!body) {
-        std::cerr << shortText(found, diagnosticOf(body.error(), found), redactor) << '\n';
+        const Diagnostic diagnostic =
+            ahead != nullptr ? ahead->diagnostic : diagnosticOf(body.error(), found);
+        std::cerr << shortText(found, diagnostic, redactor) << '\n';
         atLeast(kRefused);
         return std::nullopt;
     }
@@ -157,7 +184,11 @@ public:
 
     EachBody(const DecodeOptions &options, const Use &use) : BodyUser(options), use_(use) {}
 
-    void files(size_t count) override { several_ = count > 1; }
+    void files(size_t count, uint64_t /*bytes*/) override { several_ = count > 1; }
+
+    std::shared_ptr<const Prepared> prepare(const Found &found) const override {
+        return decodedAhead(found);
+    }
 
     void body(const Found &found) override {
         std::optional<sdpline::Body> body = decoded(found);

@@ -102,6 +102,8 @@ protected:
     // The body, repaired before and masked if so wished. One that is refused is reported, and
     // raises the status.
     std::optional<sdpline::Body> decoded(const Found &found);
+    // What prepare() returns for a user of decoded(): the body, where it needs no repair.
+    std::shared_ptr<const Prepared> decodedAhead(const Found &found) const;
 
 private:
     sdpline::Result<sdpline::Body> decode(const Found &found, Redactor *redactor) const;

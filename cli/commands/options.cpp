@@ -63,13 +63,39 @@ std::vector<std::string> commandsOf(const CLI::App &app) {
     return names;
 }
 
+// The library takes an operand "[a,b]" for a list of two. A mark before it keeps it one word, which
+// is what it is: a name of a file may be so. Words that begin with the mark get another one.
+constexpr char kMark = '\x01';
+
+std::vector<std::string> markedWords(int argc, char **argv) {
+    std::vector<std::string> words(argv, argv + argc);
+    for (std::string &word : words) {
+        if (word.starts_with('[') || word.starts_with(kMark)) {
+            word.insert(0, 1, kMark);
+        }
+    }
+    return words;
+}
+
+std::string unmarked(std::string word) {
+    word.erase(0, word.starts_with(kMark) ? 1 : 0);
+    return word;
+}
+
+// An option or operand, its words as they were given.
+template <typename Value>
+CLI::Option *option(CLI::App &command, const char *name, Value &value, const std::string &help) {
+    return command.add_option(name, value, help)->transform(unmarked);
+}
+
 // What is wrong with a command line, as all messages of the program begin.
 void tellUsage(const CLI::App &app, const CLI::ParseError &error) {
     const auto chosen = app.get_subcommands();
     const CLI::App &command = chosen.empty() ? app : *chosen.front();
     const std::string name =
         app.get_name() + (chosen.empty() ? "" : ' ' + chosen.front()->get_name());
-    const std::vector<std::string> extras = app.remaining(true);
+    std::vector<std::string> extras = app.remaining(true);
+    std::ranges::transform(extras, extras.begin(), unmarked);
     std::cerr << name << ": ";
     if (extras.empty() || extras.front() == "--") {
         std::cerr << escaped(error.what());
@@ -92,8 +118,13 @@ void readCommandLine(const Program &program, int argc, char **argv,
     app.set_version_flag("--version", program.version);
     app.footer(program.footer);
     add(app);
+    const std::vector<std::string> words = markedWords(argc, argv);
+    std::vector<const char *> arguments;
+    for (const std::string &word : words) {
+        arguments.push_back(word.c_str());
+    }
     try {
-        app.parse(argc, argv);
+        app.parse(argc, arguments.data());
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0) { // --help or --version
             status = app.exit(error);
@@ -117,26 +148,26 @@ void addFlag(CLI::App &command, const char *name, bool &set, const std::string &
 
 void addWord(CLI::App &command, const char *name, std::string &word, const char *type,
              const std::string &help) {
-    command.add_option(name, word, help)->type_name(type)->take_last();
+    option(command, name, word, help)->type_name(type)->take_last();
 }
 
 void addRequired(CLI::App &command, const char *name, std::string &word, const std::string &help) {
-    command.add_option(name, word, help)->required()->type_name("");
+    option(command, name, word, help)->required()->type_name("");
 }
 
 void addWords(CLI::App &command, const char *name, std::vector<std::string> &words,
               const std::string &help) {
-    command.add_option(name, words, help)->type_name("");
+    option(command, name, words, help)->type_name("");
 }
 
 void addNames(CLI::App &command, const char *name, std::vector<std::string> &names,
               const std::string &help) {
-    command.add_option(name, names, help)->type_name("NAME,...")->allow_extra_args(false);
+    option(command, name, names, help)->type_name("NAME,...")->allow_extra_args(false);
 }
 
 void addChoice(CLI::App &command, const char *name, std::string &word, const char *type,
                const std::vector<std::string> &words, const std::string &help) {
-    command.add_option(name, word, help)
+    option(command, name, word, help)
         ->check(CLI::IsMember(words).description(""))
         ->type_name(type)
         ->take_last();
@@ -144,7 +175,7 @@ void addChoice(CLI::App &command, const char *name, std::string &word, const cha
 
 void addNumber(CLI::App &command, const char *name, uint32_t &number, const char *type,
                uint32_t least, uint32_t greatest, const std::string &help) {
-    command.add_option(name, number, help)
+    option(command, name, number, help)
         ->check(CLI::Range(least, greatest).description(""))
         ->type_name(type)
         ->take_last();
@@ -152,7 +183,7 @@ void addNumber(CLI::App &command, const char *name, uint32_t &number, const char
 
 void addEach(CLI::App &command, const char *name, std::vector<std::string> &words, const char *type,
              const std::string &help) {
-    command.add_option(name, words, help)->type_name(type)->allow_extra_args(false);
+    option(command, name, words, help)->type_name(type)->allow_extra_args(false);
 }
 
 void refuseOption(const char *name, const std::string &reason) {

@@ -1,24 +1,45 @@
 #include "input/ahead.hpp"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace cli {
 
 namespace {
 
-// Something that was found, with its texts.
+#ifdef SDPLINE_THREAD_LOCAL
+constexpr bool kDecodesInReaders = true;
+#else
+constexpr bool kDecodesInReaders = false; // the library has one decoder for all threads
+#endif
+
+// Something that was found. The path and the name are those of the file.
 struct Event {
     enum Kind { Message, Body, At, General } kind;
-    std::string text;
-    std::string head;
-    Found found; // its views are set when it is handed on
+    size_t begin = 0; // in the texts of the batch: the head, and the text after it
+    size_t headSize = 0;
+    size_t textSize = 0;
+    size_t offset = 0; // in the input
+    size_t line = 0;
+    Packet packet = {};
+    std::shared_ptr<const Prepared> prepared = {};
     InputProblem problem = {Problem::Note, "", ""};
+};
 
-    size_t size() const { return sizeof(Event) + text.size() + head.size(); }
+// What was found one after the other, with all texts in one block.
+struct Batch {
+    std::string texts;
+    std::vector<Event> events;
+    size_t preparedSize = 0;
+
+    size_t size() const { return events.size() * sizeof(Event) + texts.size() + preparedSize; }
+    bool empty() const { return events.empty(); }
 };
 
 // What is shared by the readers and the user.
@@ -33,18 +54,15 @@ public:
     }
 
     // Waits while too much is kept, unless it is the turn of the file.
-    void put(size_t file, std::vector<Event> &&events) {
-        size_t size = 0;
-        for (const Event &event : events) {
-            size += event.size();
-        }
+    void put(size_t file, Batch &&batch) {
+        const size_t size = batch.size();
         std::unique_lock<std::mutex> lock(mutex_);
         changed_.wait(lock, [&] {
             return closed_ || kept_ + size <= kMostAhead ||
-                   (file == turn_ && files_[file].events.empty());
+                   (file == turn_ && files_[file].batches.empty());
         });
         kept_ += size;
-        std::move(events.begin(), events.end(), std::back_inserter(files_[file].events));
+        files_[file].batches.push_back(std::move(batch));
         changed_.notify_all();
     }
 
@@ -55,20 +73,28 @@ public:
         changed_.notify_all();
     }
 
-    // The next events of the file whose turn it is; none where it is finished.
-    std::deque<Event> take(size_t file) {
+    // The next batch of the file whose turn it is; an empty one where none comes soon. Returns
+    // false where the file is finished.
+    bool take(size_t file, Batch &batch) {
+        constexpr std::chrono::milliseconds kPatience(100);
+        batch = Batch();
         std::unique_lock<std::mutex> lock(mutex_);
+        File &mine = files_[file];
         turn_ = file;
         changed_.notify_all();
-        changed_.wait(lock, [&] { return !files_[file].events.empty() || files_[file].done; });
-        std::deque<Event> events;
-        std::swap(events, files_[file].events);
-        for (const Event &event : events) {
-            kept_ -= event.size();
+        changed_.wait_for(lock, kPatience, [&] { return !mine.batches.empty() || mine.done; });
+        if (mine.batches.empty()) {
+            return !mine.done;
         }
+        batch = std::move(mine.batches.front());
+        mine.batches.pop_front();
+        kept_ -= batch.size();
         changed_.notify_all();
-        return events;
+        return true;
     }
+
+    void countBytes(uint64_t count) { bytes_ += count; }
+    uint64_t takeBytes() { return bytes_.exchange(0); }
 
     bool wasRead(size_t file) const { return files_[file].read; }
 
@@ -81,7 +107,7 @@ public:
 
 private:
     struct File {
-        std::deque<Event> events;
+        std::deque<Batch> batches;
         bool done = false;
         bool read = false;
     };
@@ -93,62 +119,85 @@ private:
     size_t turn_ = 0;
     size_t kept_ = 0;
     bool closed_ = false;
+    std::atomic<uint64_t> bytes_ = 0; // read, and not yet told
 };
 
-// Keeps what a reader finds, and hands it on in batches.
+// Keeps what a reader finds, and hands it on in batches. Bodies are prepared for the user here.
 class Recorder : public InputUser {
 public:
-    Recorder(Line &line, size_t file) : line_(line), file_(file) {}
+    Recorder(Line &line, size_t file, const InputUser &user)
+        : line_(line), file_(file), user_(user) {}
 
-    void message(const Found &whole) override { add({Event::Message, "", "", whole}); }
-    void body(const Found &found) override { add({Event::Body, "", "", found}); }
+    void bytesRead(uint64_t count) override { line_.countBytes(count); }
+    void message(const Found &whole) override {
+        if (user_.wantsMessages()) {
+            add(Event::Message, whole);
+        }
+    }
+    void body(const Found &found) override {
+        add(Event::Body, found);
+        if (kDecodesInReaders) {
+            Event &event = batch_.events.back();
+            event.prepared = user_.prepare(found);
+            batch_.preparedSize += event.prepared != nullptr ? event.prepared->size() : 0;
+        }
+    }
     void problem(const InputProblem &problem) override {
-        add({Event::General, "", "", {}, problem});
+        add(Event::General, {});
+        batch_.events.back().problem = problem;
     }
     void problemAt(const Found &place, Problem::Kind kind, const std::string &text) override {
-        add({Event::At, "", "", place, {kind, place.path, text}});
+        add(Event::At, place);
+        batch_.events.back().problem = {kind, "", text};
     }
     void flush() {
-        line_.put(file_, std::move(batch_));
-        batch_.clear();
-        size_ = 0;
+        if (!batch_.empty()) {
+            line_.put(file_, std::exchange(batch_, Batch()));
+        }
     }
 
 private:
-    static constexpr size_t kBatch = 64u << 10;
+    static constexpr size_t kBatch = 128u << 10;
 
-    void add(Event &&event) {
-        event.text = event.found.text;
-        event.head = event.found.head;
-        size_ += event.size();
-        batch_.push_back(std::move(event));
-        if (size_ >= kBatch) {
+    void add(Event::Kind kind, const Found &found) {
+        if (batch_.size() >= kBatch) {
             flush();
         }
+        const std::string_view head = kind == Event::Message ? std::string_view() : found.head;
+        batch_.events.push_back({kind, batch_.texts.size(), head.size(), found.text.size(),
+                                 found.offset, found.line, found.packet});
+        batch_.texts.append(head).append(found.text);
     }
 
     Line &line_;
     size_t file_;
-    std::vector<Event> batch_;
-    size_t size_ = 0;
+    const InputUser &user_;
+    Batch batch_;
 };
 
-void readFiles(const std::vector<std::string> &paths, const ReadInput &read, Line &line) {
+void readFiles(const std::vector<std::string> &paths, const ReadInput &read, Line &line,
+               const InputUser &user) {
     for (size_t file = line.next(); file < paths.size(); file = line.next()) {
-        Recorder recorder(line, file);
+        Recorder recorder(line, file, user);
         const bool done = read(paths[file], recorder);
         recorder.flush();
         line.finish(file, done);
     }
 }
 
-void hand(Event &event, InputUser &user) {
-    event.found.text = event.text;
-    event.found.head = event.kind == Event::Message ? event.text : event.head;
+// `found` has the name and the path of the file.
+void hand(const Event &event, std::string_view texts, Found &found, InputUser &user) {
+    found.text = texts.substr(event.begin + event.headSize, event.textSize);
+    found.head =
+        event.kind == Event::Message ? found.text : texts.substr(event.begin, event.headSize);
+    found.offset = event.offset;
+    found.line = event.line;
+    found.packet = event.packet;
+    found.prepared = event.prepared;
     switch (event.kind) {
-    case Event::Message: user.message(event.found); break;
-    case Event::Body: user.body(event.found); break;
-    case Event::At: user.problemAt(event.found, event.problem.kind, event.problem.text); break;
+    case Event::Message: user.message(found); break;
+    case Event::Body: user.body(found); break;
+    case Event::At: user.problemAt(found, event.problem.kind, event.problem.text); break;
     case Event::General: user.problem(event.problem); break;
     }
 }
@@ -156,11 +205,12 @@ void hand(Event &event, InputUser &user) {
 // Threads that end before what they use does, whatever the user throws.
 class Readers {
 public:
-    Readers(const std::vector<std::string> &paths, unsigned jobs, const ReadInput &read, Line &line)
+    Readers(const std::vector<std::string> &paths, const ReadInput &read, Line &line,
+            const InputUser &user)
         : line_(line) {
-        const size_t count = std::min<size_t>(jobs, paths.size());
+        const size_t count = std::min<size_t>(user.jobs(), paths.size());
         for (size_t i = 0; i < count; ++i) {
-            threads_.emplace_back([&] { readFiles(paths, read, line); });
+            threads_.emplace_back([&] { readFiles(paths, read, line, user); });
         }
     }
     ~Readers() {
@@ -179,20 +229,19 @@ private:
 
 } // namespace
 
-void readAhead(const std::vector<std::string> &paths, unsigned jobs, const ReadInput &read,
-               InputUser &user) {
+void readAhead(const std::vector<std::string> &paths, const ReadInput &read, InputUser &user) {
     Line line(paths.size());
-    const Readers readers(paths, jobs, read, line);
+    const Readers readers(paths, read, line, user);
+    Batch batch;
     for (size_t file = 0; file < paths.size(); ++file) {
-        for (;;) {
-            std::deque<Event> events = line.take(file);
-            if (events.empty()) {
-                break;
-            }
-            for (Event &event : events) {
-                hand(event, user);
+        Found found = {inputName(paths[file]), paths[file], {}, 0, 1};
+        while (line.take(file, batch)) {
+            user.bytesRead(line.takeBytes());
+            for (const Event &event : batch.events) {
+                hand(event, batch.texts, found, user);
             }
         }
+        user.bytesRead(line.takeBytes());
         user.fileDone(line.wasRead(file));
     }
 }

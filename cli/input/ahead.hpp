@@ -12,10 +12,11 @@ namespace cli {
 // Reads one input for a user; returns whether it could be read.
 using ReadInput = std::function<bool(const std::string &path, InputUser &user)>;
 
-// `jobs` threads read, find messages and bodies, and keep them until the user's turn comes: at most
-// about kMostAhead bytes. The user is called by this thread alone, file after file.
-void readAhead(const std::vector<std::string> &paths, unsigned jobs, const ReadInput &read,
-               InputUser &user);
+// As many threads as the user's jobs() read, find messages and bodies, have each body prepared by
+// the user where the library has a decoder for each thread, and keep them until the user's turn
+// comes: at most about kMostAhead bytes. But for prepare() the user is called by this thread alone,
+// file after file.
+void readAhead(const std::vector<std::string> &paths, const ReadInput &read, InputUser &user);
 
 inline constexpr size_t kMostAhead = 48u << 20;
 

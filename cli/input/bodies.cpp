@@ -1,6 +1,10 @@
 #include "input/bodies.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <optional>
 
 #include "input/message.hpp"
 #include "input/mime.hpp"
@@ -38,6 +42,12 @@ LinePlace emptyLine(std::string_view text, size_t offset) {
         at = place.next;
     }
     return {text.size(), text.size(), text.size()};
+}
+
+// Whether a text is one of messages, however it goes on.
+bool looksLikeMessages(std::string_view text) {
+    return text.find_first_not_of("\r\n") != std::string_view::npos && !beginsAsSdp(text) &&
+           findMessage(text.substr(0, text.rfind('\n') + 1), 0) < text.rfind('\n') + 1;
 }
 
 // Whether a body goes on here after an empty line, and is not followed by another one.
@@ -82,17 +92,43 @@ void noteUnreadOf(std::string_view text, Bodies &here) {
     }
 }
 
+// Line ends in a text. Sixteen bytes at a time are compared, and counted for each of the sixteen
+// places before they are added up: the library's loop takes a byte at a time.
+size_t lineFeeds(std::string_view text) {
+    constexpr size_t kWidth = 16;
+    constexpr size_t kMostRounds = 255; // what a byte counts to
+    using Bytes [[gnu::vector_size(kWidth)]] = unsigned char;
+    Bytes feed;
+    std::memset(&feed, '\n', kWidth);
+    size_t count = 0;
+    while (text.size() >= kWidth) {
+        const size_t rounds = std::min(text.size() / kWidth, kMostRounds);
+        Bytes counts = {};
+        for (size_t i = 0; i < rounds; ++i) {
+            Bytes bytes;
+            std::memcpy(&bytes, text.data() + i * kWidth, kWidth);
+            counts -= reinterpret_cast<Bytes>(bytes == feed); // true is a byte of -1
+        }
+        std::array<uint64_t, 2> halves = {};
+        std::memcpy(halves.data(), &counts, kWidth);
+        for (const uint64_t half : halves) { // bytes, pairs of them, and all four pairs
+            constexpr uint64_t kPairs = 0x00ff00ff00ff00ff;
+            count += ((half & kPairs) + (half >> 8 & kPairs)) * 0x0001000100010001 >> 48;
+        }
+        text.remove_prefix(rounds * kWidth);
+    }
+    return count + static_cast<size_t>(std::ranges::count(text, '\n'));
+}
+
 // Line numbers of offsets that mostly grow.
 class LineCounter {
 public:
     LineCounter(std::string_view text, size_t line) : text_(text), line_(line) {}
 
     size_t lineOf(size_t offset) {
-        const auto begin = text_.begin();
-        const auto feeds = std::count(begin + static_cast<ptrdiff_t>(std::min(at_, offset)),
-                                      begin + static_cast<ptrdiff_t>(std::max(at_, offset)), '\n');
-        line_ =
-            offset >= at_ ? line_ + static_cast<size_t>(feeds) : line_ - static_cast<size_t>(feeds);
+        const size_t begin = std::min(at_, offset);
+        const size_t feeds = lineFeeds(text_.substr(begin, std::max(at_, offset) - begin));
+        line_ = offset >= at_ ? line_ + feeds : line_ - feeds;
         at_ = offset;
         return line_;
     }
@@ -105,15 +141,20 @@ private:
 
 } // namespace
 
+void Bodies::clear() {
+    bodies.clear();
+    messages.clear();
+    problems.clear();
+}
+
 size_t BodyFinder::take(std::string_view text, bool last, Bodies &found) {
-    Bodies here;
-    const size_t done = step(text, last, here);
-    settle(text, here);
-    line_ = LineCounter(text, line_).lineOf(done);
+    here_.clear();
+    const size_t done = step(text, last, here_);
+    settle(text, done);
     passed_ += done;
-    found.bodies.insert(found.bodies.end(), here.bodies.begin(), here.bodies.end());
-    found.messages.insert(found.messages.end(), here.messages.begin(), here.messages.end());
-    std::move(here.problems.begin(), here.problems.end(), std::back_inserter(found.problems));
+    found.bodies.insert(found.bodies.end(), here_.bodies.begin(), here_.bodies.end());
+    found.messages.insert(found.messages.end(), here_.messages.begin(), here_.messages.end());
+    std::ranges::move(here_.problems, std::back_inserter(found.problems));
     return done;
 }
 
@@ -128,27 +169,31 @@ size_t BodyFinder::step(std::string_view text, bool last, Bodies &found) {
     return skipToBody(text, last, found);
 }
 
-// Gives what was found in this text its place in the input.
-void BodyFinder::settle(std::string_view text, Bodies &here) {
+// Gives what was found in this text its place in the input, and counts the lines of what is done.
+void BodyFinder::settle(std::string_view text, size_t done) {
     LineCounter lines(text, line_);
-    for (Problem &problem : here.problems) {
-        problem.line = lines.lineOf(problem.offset);
-        problem.offset += passed_;
-        found_ = found_ || problem.kind != Problem::Note;
-    }
-    for (BodyPlace &message : here.messages) {
+    for (BodyPlace &message : here_.messages) {
         message.line = lines.lineOf(message.offset);
         message.offset += passed_;
     }
-    for (BodyPlace &body : here.bodies) {
+    for (BodyPlace &body : here_.bodies) {
         body.line = lines.lineOf(body.offset);
         body.offset += passed_;
         body.message += passed_;
         found_ = true;
     }
+    for (Problem &problem : here_.problems) {
+        problem.line = lines.lineOf(problem.offset);
+        problem.offset += passed_;
+        found_ = found_ || problem.kind != Problem::Note;
+    }
+    line_ = lines.lineOf(done);
 }
 
 size_t BodyFinder::takeStart(std::string_view text, bool last, Bodies &found) {
+    if (mode_ == Mode::Start && !last && text.size() < kAhead && !looksLikeMessages(text)) {
+        return 0;
+    }
     if (mode_ == Mode::Start && beginsAsSdp(text)) {
         mode_ = Mode::Plain;
         return takePlain(text, last, found);
@@ -170,19 +215,26 @@ size_t BodyFinder::takeMessageAhead(std::string_view text, bool last, Bodies &fo
     if (start == text.size()) {
         return last ? text.size() : lastLineBegin(text);
     }
-    if (!last && start > 0 && text.size() - start < kAhead) {
-        return start; // more of it is to be read
+    std::optional<size_t> end;
+    if (!last && text.size() - start < kAhead) {
+        end = takeSettledMessage(text, start, found);
+        if (!end) {
+            return start; // more of it is to be read
+        }
     }
     if (messages_++ == 0) {
         firstMessage_ = {passed_ + start, 0, LineCounter(text, line_).lineOf(start)};
     }
-    const size_t next = takeMessage(text, start, found);
+    const size_t next = end ? *end : takeMessage(text, start, found);
     found.messages.push_back({start, next - start, 0, start, true});
     noteUnreadOf(text, found);
     return next;
 }
 
 size_t BodyFinder::takePlain(std::string_view text, bool last, Bodies &found) {
+    if (!last && text.size() < kAhead) {
+        return 0;
+    }
     const LinePlace empty = lastEmptyLine(text);
     const bool more = text.find_first_not_of(kBlanks, empty.next) != std::string_view::npos;
     mode_ = Mode::AfterBody;

@@ -33,6 +33,8 @@ struct Bodies {
     std::vector<BodyPlace> bodies;
     std::vector<BodyPlace> messages; // whole ones, of which some carry bodies
     std::vector<Problem> problems;
+
+    void clear();
 };
 
 /*
@@ -43,14 +45,16 @@ struct Bodies {
  *
  * The text may come in parts: with every call of take() the caller hands over what it has from the
  * present place on, and drops as many bytes as the call returns before the next one. Messages and
- * bodies of up to kAhead bytes are found as in the whole text; longer ones are problems.
+ * bodies of up to kAhead bytes are found as in the whole text; longer ones are problems. Most calls
+ * do with far less text, which stays in the processor's cache: kStep bytes.
  */
 class BodyFinder {
 public:
     static constexpr size_t kAhead = 16u << 20;
+    static constexpr size_t kStep = 128u << 10;
 
-    // `text` has at least kAhead bytes, or reaches the end of the input: `last`. Returns a number
-    // above 0 unless the text is empty.
+    // `text` has any number of bytes, or reaches the end of the input: `last`. Returns 0 where more
+    // of it is needed to decide, which is never so with kAhead bytes, and at the end.
     size_t take(std::string_view text, bool last, Bodies &found);
 
     // After the last call: what the whole text lacks.
@@ -64,7 +68,7 @@ private:
     size_t takeMessageAhead(std::string_view text, bool last, Bodies &found);
     size_t takePlain(std::string_view text, bool last, Bodies &found);
     size_t skipToBody(std::string_view text, bool last, Bodies &found);
-    void settle(std::string_view text, Bodies &here);
+    void settle(std::string_view text, size_t done);
 
     Mode mode_ = Mode::Start;
     size_t passed_ = 0; // bytes of the input before the text of this call
@@ -73,6 +77,7 @@ private:
     BodyPlace firstMessage_ = {};
     bool found_ = false; // a body or a problem that is more than a note
     bool noted_ = false; // that what follows a body is not read
+    Bodies here_;        // what this call found, by offsets in its text
 };
 
 // The bodies of one SIP message that is the whole text.

@@ -43,6 +43,7 @@ private:
                     problem(Problem::Unusable, window_.error());
                     return false;
                 }
+                user_.bytesRead(window_.newlyTaken());
             }
             window_.drop(used);
         }

@@ -1,5 +1,6 @@
 #include "input/input.hpp"
 
+#include <filesystem>
 #include <new>
 
 #include "capture/container.hpp"
@@ -18,7 +19,7 @@ namespace {
 class InputReader {
 public:
     InputReader(const std::string &path, InputUser &user)
-        : path_(path), name_(inputName(path)), user_(user), window_(path) {}
+        : path_(path), user_(user), window_(path), found_{inputName(path), path, {}, 0, 1} {}
 
     // Returns false where the input cannot be read.
     bool run() {
@@ -26,13 +27,13 @@ public:
             return false;
         }
         if (Container::begins(window_.text())) {
-            return readCapture(window_, path_, name_, user_);
+            return readCapture(window_, path_, found_.name, user_);
         }
         if (const std::string kind = foreignKind(window_.text()); !kind.empty()) {
             user_.problem({Problem::Unusable, path_, escaped(kind)});
             return false;
         }
-        return fill(BodyFinder::kAhead) && readText();
+        return fill(BodyFinder::kStep) && readText();
     }
 
 private:
@@ -40,23 +41,25 @@ private:
 
     bool readText() {
         do {
-            Bodies found;
-            const size_t done = finder_.take(window_.text(), window_.last(), found);
-            hand(found);
+            bodies_.clear();
+            const size_t done = finder_.take(window_.text(), window_.last(), bodies_);
+            hand(bodies_);
             window_.drop(done);
             passed_ += done;
-            if (!fill(BodyFinder::kAhead)) {
+            if (!fill(done == 0 ? BodyFinder::kAhead : BodyFinder::kStep)) {
                 return false;
             }
         } while (!window_.text().empty());
-        Bodies rest;
-        finder_.finish(rest);
-        hand(rest);
+        bodies_.clear();
+        finder_.finish(bodies_);
+        hand(bodies_);
         return true;
     }
 
     bool fill(size_t size) {
-        if (window_.fill(size)) {
+        const bool read = window_.fill(size);
+        user_.bytesRead(window_.newlyTaken());
+        if (read) {
             return true;
         }
         user_.problem({Problem::Unusable, path_, window_.error()});
@@ -71,12 +74,11 @@ private:
         size_t told = 0; // messages that the user has heard of
         for (const BodyPlace &place : found.bodies) {
             told = tellMessages(found, told, place.offset);
-            const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
             const std::string_view head =
                 place.carried
                     ? window_.text().substr(place.message - passed_, place.offset - place.message)
                     : std::string_view();
-            user_.body({name_, path_, text, place.offset, place.line, head, {}});
+            user_.body(placed(place, head));
         }
         tellMessages(found, told, ~size_t(0));
     }
@@ -85,17 +87,25 @@ private:
     size_t tellMessages(const Bodies &found, size_t from, size_t before) {
         for (; from < found.messages.size() && found.messages[from].offset < before; ++from) {
             const BodyPlace &place = found.messages[from];
-            const std::string_view text = window_.text().substr(place.offset - passed_, place.size);
-            user_.message({name_, path_, text, place.offset, place.line, text, {}});
+            user_.message(placed(place, window_.text().substr(place.offset - passed_, place.size)));
         }
         return from;
     }
 
+    const Found &placed(const BodyPlace &place, std::string_view head) {
+        found_.text = window_.text().substr(place.offset - passed_, place.size);
+        found_.offset = place.offset;
+        found_.line = place.line;
+        found_.head = head;
+        return found_;
+    }
+
     const std::string &path_;
-    const std::string name_;
     InputUser &user_;
     Window window_;
     BodyFinder finder_;
+    Bodies bodies_; // of the present text
+    Found found_;   // the one of them that the user looks at
     size_t passed_ = 0;
 };
 
@@ -108,18 +118,32 @@ bool readInput(const std::string &path, InputUser &user) {
     }
 }
 
+// 0 where one of them is no regular file: a pipe does not say what will come.
+uint64_t bytesOf(const std::vector<std::string> &files) {
+    uint64_t bytes = 0;
+    for (const std::string &file : files) {
+        std::error_code problem;
+        const auto size = std::filesystem::file_size(file, problem);
+        if (file == "-" || problem) {
+            return 0;
+        }
+        bytes += size;
+    }
+    return bytes;
+}
+
 } // namespace
 
 void readInputs(const std::vector<std::string> &paths, InputUser &user) {
     std::vector<PathError> errors;
     const std::vector<std::string> files = expandFolders(paths, errors);
-    user.files(files.size());
+    user.files(files.size(), bytesOf(files));
     for (const PathError &error : errors) {
         user.problem({Problem::Unusable, error.path, error.reason});
     }
     Selecting selecting(user);
     if (files.size() > 1 && user.jobs() > 1) {
-        readAhead(files, user.jobs(), readInput, selecting);
+        readAhead(files, readInput, selecting);
     } else {
         for (const std::string &file : files) {
             user.fileDone(readInput(file, selecting));

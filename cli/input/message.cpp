@@ -13,23 +13,24 @@ namespace {
 
 constexpr int kDeepestPart = 8;
 
+constexpr std::string_view kVersion = "SIP/2.0";
+
 // "INVITE sip:bob@example.com SIP/2.0" or "SIP/2.0 200 OK" (RFC 3261 sections 7.1, 7.2)
-bool isSipStart(std::string_view line) {
-    constexpr std::string_view version = "SIP/2.0";
+bool isFirstLine(std::string_view line) {
     if (line.size() > kLongestStartLine) {
         return false;
     }
-    if (line.starts_with(version)) {
-        line.remove_prefix(version.size());
+    if (line.starts_with(kVersion)) {
+        line.remove_prefix(kVersion.size());
         return line.size() >= 4 && line[0] == ' ' && isDigit(line[1]) && isDigit(line[2]) &&
                isDigit(line[3]) && (line.size() == 4 || line[4] == ' ');
     }
-    if (!line.ends_with(version)) {
+    if (!line.ends_with(kVersion)) {
         return false;
     }
     const size_t method = line.find(' ');
     const size_t uri = line.find(' ', method + 1);
-    if (method == 0 || uri == std::string_view::npos || uri + 1 + version.size() != line.size()) {
+    if (method == 0 || uri == std::string_view::npos || uri + 1 + kVersion.size() != line.size()) {
         return false;
     }
     const std::string_view word = line.substr(0, method);
@@ -37,6 +38,12 @@ bool isSipStart(std::string_view line) {
         return isAlnum(byte) || std::string_view("-.!%*_+`'~").find(byte) != std::string_view::npos;
     });
     return isToken && line.substr(method + 1, uri - method - 1).find(':') != std::string_view::npos;
+}
+
+// Nearly every line begins and ends otherwise.
+bool isSipStart(std::string_view line) {
+    return line.size() > kVersion.size() && (line.back() == '0' || line.front() == 'S') &&
+           isFirstLine(line);
 }
 
 bool never(std::string_view /*line*/) {
@@ -83,6 +90,14 @@ public:
             }
         }
         return std::nullopt;
+    }
+
+    // The same, where the text has all that decides it.
+    std::optional<size_t> settledBy(size_t length, bool bareLineFeeds) const {
+        constexpr size_t kLookedAt = 2 * kLongestStartLine + 2;
+        const size_t size = text_.size() - begin_;
+        const bool isThere = length <= size && size - length >= kLookedAt;
+        return isThere ? byLength(length, bareLineFeeds) : std::nullopt;
     }
 
     // After the lines of SDP that begin with the line of the offset.
@@ -156,24 +171,42 @@ public:
         return end;
     }
 
+    std::optional<size_t> takeSettled() {
+        const Headers headers = readHeaders(text_, lineAt(text_, start_).next, isSipStart);
+        const std::optional<size_t> length = lengthOf(headers);
+        const std::optional<size_t> end =
+            length ? Extent(text_, headers.bodyAt).settledBy(*length, headers.bareLineFeeds)
+                   : std::nullopt;
+        if (end) {
+            takeEntity(headers, start_, headers.bodyAt, *end, 0);
+        }
+        return end;
+    }
+
 private:
+    // The number in Content-Length; none where there is no number.
+    static std::optional<size_t> lengthOf(const Headers &headers) {
+        const std::string value = headers.contentLength.value_or("");
+        size_t length = 0;
+        const char *const end = value.data() + value.size();
+        const auto [rest, error] = std::from_chars(value.data(), end, length);
+        return error == std::errc{} && rest == end ? std::optional(length) : std::nullopt;
+    }
+
     size_t endOf(const Headers &headers) {
         const Extent extent(text_, headers.bodyAt);
         if (!headers.contentLength) {
             return extent.natural();
         }
-        const std::string &value = *headers.contentLength;
-        size_t length = 0;
-        const auto [rest, error] =
-            std::from_chars(value.data(), value.data() + value.size(), length);
-        if (error != std::errc{} || rest != value.data() + value.size()) {
+        const std::optional<size_t> length = lengthOf(headers);
+        if (!length) {
             problem(Problem::Wrong, start_, "the SIP message's Content-Length is not a number");
             return extent.natural();
         }
-        if (const auto end = extent.byLength(length, headers.bareLineFeeds)) {
+        if (const auto end = extent.byLength(*length, headers.bareLineFeeds)) {
             return *end;
         }
-        return endDespite(length, headers, extent);
+        return endDespite(*length, headers, extent);
     }
 
     // The length is wrong: says so where there is a body to lose.
@@ -254,6 +287,10 @@ size_t findMessage(std::string_view text, size_t offset) {
 
 size_t takeMessage(std::string_view text, size_t start, Bodies &found) {
     return MessageTaker(text, start, found).take();
+}
+
+std::optional<size_t> takeSettledMessage(std::string_view text, size_t start, Bodies &found) {
+    return MessageTaker(text, start, found).takeSettled();
 }
 
 } // namespace cli

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 #include "input/bodies.hpp"
@@ -24,5 +25,9 @@ size_t findMessage(std::string_view text, size_t offset);
 //
 // The work is linear in the distance to the returned offset or to the next message.
 size_t takeMessage(std::string_view text, size_t start, Bodies &found);
+
+// The same where nothing that may follow the text can change it: the message's Content-Length is
+// right, and the text goes on far enough after its end. Otherwise nothing, and nothing is added.
+std::optional<size_t> takeSettledMessage(std::string_view text, size_t start, Bodies &found);
 
 } // namespace cli

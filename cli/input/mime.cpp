@@ -1,37 +1,47 @@
 #include "input/mime.hpp"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "output/text.hpp"
 
 namespace cli {
 
 namespace {
 
+bool isOneOf(std::string_view value, std::initializer_list<std::string_view> words) {
+    return std::ranges::any_of(
+        words, [value](std::string_view word) { return equalsIgnoringCase(value, word); });
+}
+
+// Whether the name of a header that is kept may begin with the byte: half of all headers end here.
+bool mayBeKept(std::string_view header) {
+    constexpr std::string_view kFirst = "CcEeLl\r";
+    return !header.empty() && kFirst.find(header.front()) != std::string_view::npos;
+}
+
 void keepHeader(Headers &headers, std::string_view header) {
+    if (!mayBeKept(header)) {
+        return;
+    }
     const size_t colon = header.find(':');
     if (colon == std::string_view::npos) {
         return;
     }
     const std::string_view name = trimmed(header.substr(0, colon));
-    const std::string value(trimmed(header.substr(colon + 1)));
     const auto is = [name](std::string_view full, std::string_view compact) {
-        return equalsIgnoringCase(name, full) ||
-               (!compact.empty() && equalsIgnoringCase(name, compact));
+        return name.size() == full.size() ? equalsIgnoringCase(name, full)
+                                          : name.size() == 1 && equalsIgnoringCase(name, compact);
     };
-    const auto isOneOf = [&value](std::initializer_list<std::string_view> words) {
-        for (const std::string_view word : words) {
-            if (equalsIgnoringCase(value, word)) {
-                return true;
-            }
-        }
-        return false;
-    };
+    const auto value = [&] { return trimmed(header.substr(colon + 1)); };
     if (is("Content-Type", "c")) {
-        headers.contentType = value;
+        headers.contentType = value();
     } else if (is("Content-Length", "l")) {
-        headers.contentLength = value;
-    } else if ((is("Content-Encoding", "e") && !isOneOf({"", "identity"})) ||
-               (is("Content-Transfer-Encoding", "") && !isOneOf({"", "7bit", "8bit", "binary"}))) {
-        headers.encoding = value;
+        headers.contentLength = value();
+    } else if ((is("Content-Encoding", "e") && !isOneOf(value(), {"", "identity"})) ||
+               (is("Content-Transfer-Encoding", "") &&
+                !isOneOf(value(), {"", "7bit", "8bit", "binary"}))) {
+        headers.encoding = value();
     }
 }
 
@@ -65,18 +75,10 @@ size_t parameterEnd(std::string_view text, size_t offset) {
 
 } // namespace
 
-LinePlace lineAt(std::string_view text, size_t offset) {
-    const size_t feed = text.find('\n', offset);
-    if (feed == std::string_view::npos) {
-        return {offset, text.size(), text.size()};
-    }
-    const bool crlf = feed > offset && text[feed - 1] == '\r';
-    return {offset, feed - (crlf ? 1 : 0), feed + 1};
-}
-
 Headers readHeaders(std::string_view text, size_t offset, bool (*stops)(std::string_view line)) {
     Headers headers;
-    std::string header; // the one before the line, continuation lines appended
+    std::string_view header; // the one before the line
+    std::string unfolded;    // with its continuation lines, where it has any
     headers.bodyAt = text.size();
     while (offset < text.size()) {
         const LinePlace place = lineAt(text, offset);
@@ -92,14 +94,18 @@ Headers readHeaders(std::string_view text, size_t offset, bool (*stops)(std::str
             break;
         }
         if (line.front() == ' ' || line.front() == '\t') {
-            header += ' ';
-            header += trimmed(line);
+            if (unfolded.empty()) {
+                unfolded = header;
+            }
+            unfolded += ' ';
+            unfolded += trimmed(line);
             continue;
         }
-        keepHeader(headers, header);
+        keepHeader(headers, unfolded.empty() ? header : unfolded);
+        unfolded.clear();
         header = line;
     }
-    keepHeader(headers, header);
+    keepHeader(headers, unfolded.empty() ? header : unfolded);
     return headers;
 }
 

@@ -15,7 +15,14 @@ struct LinePlace {
     size_t next;
 };
 
-LinePlace lineAt(std::string_view text, size_t offset);
+inline LinePlace lineAt(std::string_view text, size_t offset) {
+    const size_t feed = text.find('\n', offset);
+    if (feed == std::string_view::npos) {
+        return {offset, text.size(), text.size()};
+    }
+    const bool crlf = feed > offset && text[feed - 1] == '\r';
+    return {offset, feed - (crlf ? 1 : 0), feed + 1};
+}
 
 // The headers that say what a body is, folded ones unfolded.
 struct Headers {

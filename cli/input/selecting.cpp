@@ -54,6 +54,10 @@ void Selecting::problemAt(const Found &place, Problem::Kind kind, const std::str
     }
 }
 
+std::shared_ptr<const Prepared> Selecting::prepare(const Found &found) const {
+    return takes(found) ? user_.prepare(found) : nullptr;
+}
+
 void Selecting::body(const Found &found) {
     ++seen_;
     if (!takes(found)) {

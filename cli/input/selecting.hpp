@@ -13,9 +13,13 @@ public:
     // The selection is that of the user.
     explicit Selecting(InputUser &user) : user_(user), wanted_(user.selection()) {}
 
-    void files(size_t count) override { user_.files(count); }
+    void files(size_t count, uint64_t bytes) override { user_.files(count, bytes); }
+    void bytesRead(uint64_t count) override { user_.bytesRead(count); }
     void message(const Found &whole) override;
     void body(const Found &found) override;
+    std::shared_ptr<const Prepared> prepare(const Found &found) const override;
+    bool wantsMessages() const override { return user_.wantsMessages(); }
+    unsigned jobs() const override { return user_.jobs(); }
     void problem(const InputProblem &problem) override { user_.problem(problem); }
     void problemAt(const Found &place, Problem::Kind kind, const std::string &text) override;
     std::string packetOf(const Found &found) override { return user_.packetOf(found); }

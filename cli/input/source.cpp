@@ -36,6 +36,7 @@ public:
         while (error_.empty()) {
             const ssize_t got = ::read(file_, bytes, size);
             if (got >= 0) {
+                taken_ += static_cast<size_t>(got);
                 return static_cast<size_t>(got);
             }
             if (errno != EINTR) {
@@ -44,10 +45,12 @@ public:
         }
         return 0;
     }
+    uint64_t taken() const override { return taken_; }
     std::string error() const override { return error_; }
 
 private:
     int file_;
+    uint64_t taken_ = 0;
     std::string error_;
 };
 
@@ -65,6 +68,7 @@ public:
         at_ += got;
         return got;
     }
+    uint64_t taken() const override { return rest_->taken(); }
     std::string error() const override { return rest_->error(); }
 
 private:

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -14,6 +15,8 @@ public:
 
     // Up to that many bytes; 0 at the end, or where reading fails: see error().
     virtual size_t read(char *bytes, size_t size) = 0;
+    // Bytes read so far of the file itself, as they are there: compressed ones before unpacking.
+    virtual uint64_t taken() const = 0;
     virtual std::string error() const = 0;
 };
 

@@ -23,6 +23,7 @@ public:
     // The next part; 0 at the end.
     size_t fill() { return source_->read(bytes_.data(), bytes_.size()); }
     char *data() { return bytes_.data(); }
+    uint64_t taken() const { return source_->taken(); }
     std::string error() const { return source_->error(); }
 
 private:
@@ -57,6 +58,7 @@ public:
         }
         return size - state_.avail_out;
     }
+    uint64_t taken() const override { return chunks_.taken(); }
     std::string error() const override { return error_.empty() ? chunks_.error() : error_; }
 
 private:
@@ -107,6 +109,7 @@ public:
         }
         return out.pos;
     }
+    uint64_t taken() const override { return chunks_.taken(); }
     std::string error() const override { return error_.empty() ? chunks_.error() : error_; }
 
 private:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace cli {
 
@@ -43,6 +44,10 @@ void Window::makeSpace(size_t size) {
     }
     begin_ = 0;
     end_ = kept;
+}
+
+uint64_t Window::newlyTaken() {
+    return source_->taken() - std::exchange(told_, source_->taken());
 }
 
 void Window::read() {

@@ -23,6 +23,9 @@ public:
     bool last() const { return ended_; } // the text reaches the end of the input
     void drop(size_t size) { begin_ += size; }
 
+    // Bytes of the file that were read since the last call of this.
+    uint64_t newlyTaken();
+
     const std::string &error() const { return error_; }
 
 private:
@@ -35,6 +38,7 @@ private:
     size_t begin_ = 0; // of the text in the buffer
     size_t end_ = 0;
     bool ended_ = false;
+    uint64_t told_ = 0;
     std::string error_;
 };
 

@@ -1,7 +1,9 @@
 // What is done on a terminal only: colour, and a progress bar.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -24,22 +26,43 @@ inline const std::vector<std::string> kColorChoices = {"auto", "always", "never"
 // Of the choice "auto": colour when the stream is a terminal that knows it and NO_COLOR is not set.
 const Style &styleFor(std::FILE *stream, std::string_view choice = "auto");
 
-// A bar on standard error that counts up to a number of files. It is shown on a terminal only, and
-// for many files only.
+// How much of the inputs is read. A number of bytes that is not known is 0.
+struct Advance {
+    size_t files = 0;
+    size_t filesDone = 0;
+    uint64_t bytes = 0;
+    uint64_t bytesDone = 0;
+    double seconds = 0; // that it took
+
+    // "[######........................] 12/40 files, 340 MB/s, 0:05 left", and for one file
+    // "[###...........................] 0.2 of 2.1 GB, 340 MB/s, 0:05 left"
+    std::string text() const;
+    double share() const; // from 0 to 1
+};
+
+// That on standard error, in a line that is written over. It is shown on a terminal only, and for
+// much to read only: many files, or many bytes.
 class Progress {
 public:
-    explicit Progress(size_t total, bool wanted = true);
+    Progress(size_t files, uint64_t bytes, bool wanted = true);
     ~Progress() { hide(); }
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
-    void advance(); // one more is done
-    void hide();    // before something else is written to the terminal
+    void read(uint64_t bytes); // so many more
+    void fileDone();           // one more
+    void hide();               // before something else is written to the terminal
 
 private:
-    size_t total_;
-    size_t done_ = 0;
-    size_t shown_ = 0; // columns taken
+    using Clock = std::chrono::steady_clock;
+
+    void show();
+
+    Advance advance_;
+    Clock::time_point begin_ = Clock::now();
+    Clock::time_point drawn_; // when, last
+    unsigned percents_ = 0;   // then
+    size_t shown_ = 0;        // columns taken
     bool wanted_;
 };
 

@@ -86,12 +86,14 @@ public:
         enter(judged.found.path);
         ++tests_;
         const std::string context = contextText(judged.found, judged.redactor);
-        const std::string name = "body at line " + std::to_string(judged.found.line) +
-                                 (context.empty() ? "" : " (" + context + ')');
+        const bool inPacket = judged.found.packet.frame != 0; // which has no line of the file
+        const std::string place = "body at line " + std::to_string(judged.found.line);
+        const std::string name =
+            inPacket ? context : place + (context.empty() ? "" : " (" + context + ')');
         std::string text = "    <testcase" + attribute("name", name) +
                            attribute("classname", inputName(judged.found.path)) +
                            attribute("file", inputName(judged.found.path)) +
-                           attribute("line", judged.found.line);
+                           (inPacket ? "" : attribute("line", judged.found.line));
         const std::string inside = outcomeOf(judged);
         cases_.add(text + (inside.empty() ? "/>\n" : ">\n" + inside + "    </testcase>\n"));
     }

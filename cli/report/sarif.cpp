@@ -114,13 +114,23 @@ private:
         return line;
     }
 
+    // " (frame 8, ..., line 4, column 17)": most readers show the message and the file alone.
+    static std::string placeInPacket(const ReportEntry &entry, const Judged &judged) {
+        if (judged.found.packet.frame == 0) {
+            return "";
+        }
+        return " (" + contextText(judged.found, judged.redactor) + ", line " +
+               std::to_string(entry.line) +
+               (entry.column == 0 ? "" : ", column " + std::to_string(entry.column)) + ')';
+    }
+
     Json resultOf(const ReportEntry &entry, const Judged &judged) {
         const std::string hint = entry.hint.empty() ? "" : "\nhint: " + entry.hint;
         Json result = {
             {"ruleId", entry.name},
             {"ruleIndex", indexOf(entry)},
             {"level", wordOf(entry.severity)},
-            {"message", {{"text", entry.message + hint}}},
+            {"message", {{"text", entry.message + placeInPacket(entry, judged) + hint}}},
             {"locations", Json::array({locationOf(entry, judged.found, judged.redactor)})}};
         Json properties = Json::object();
         if (const Origin origin = originOf(judged.found, judged.redactor); origin.isKnown()) {

@@ -51,6 +51,8 @@ body() { # VERSION HOST MEDIA
 body 1 192.0.2.1 'audio 5004 RTP/AVP 0' >offer
 body 1 192.0.2.2 'audio 5006 RTP/AVP 0' >answer
 body 2 192.0.2.1 'audio 5004 RTP/AVP 0 8' >second
+body 3 192.0.2.1 'audio 5004 RTP/AVP 0 8' >third
+body 2 192.0.2.2 'audio 5006 RTP/AVP 0' >agreed
 body 9 192.0.2.2 'audio 5006 RTP/AVP 0 8' >jumped
 invite='INVITE sip:b@y SIP/2.0'
 one() { # NAME STATUS PATTERN <CALL
@@ -86,7 +88,25 @@ one "no answer" 1 "error: line 1: the offer has no answer .OfferUnanswered, RFC 
 $invite|1||1 INVITE|offer
 SIP/2.0 180 Ringing|1|2|1 INVITE|
 CALL
-one "two offers at once" 1 "error: line 15: a new offer while the last one has no answer .*, and 1 more" <<CALL
+# Offers that cross: one is refused for now, and the other one is answered.
+one "a request pending" 1 "error: line 22: a new offer while the last one has no answer .OfferTooEarly, RFC 3264 4." <<CALL
+$invite|1||1 INVITE|
+SIP/2.0 183 Session Progress|1|2|1 INVITE|offer
+UPDATE sip:b@y SIP/2.0|1|2|2 UPDATE|second
+SIP/2.0 491 Request Pending|1|2|2 UPDATE|
+PRACK sip:b@y SIP/2.0|1|2|3 PRACK|answer
+SIP/2.0 200 OK|1|2|3 PRACK|
+SIP/2.0 200 OK|1|2|1 INVITE|
+CALL
+one "versions that count what was refused" 1 "error: line 43: the offer was refused: 488 Not Acceptable Here .OfferRefused, RFC 3261 21.4.26." <<CALL
+$invite|1||1 INVITE|offer
+SIP/2.0 200 OK|1|2|1 INVITE|answer
+$invite|1|2|2 INVITE|second
+SIP/2.0 488 Not Acceptable Here|1|2|2 INVITE|
+$invite|1|2|3 INVITE|third
+SIP/2.0 200 OK|1|2|3 INVITE|agreed
+CALL
+one "two offers at once" 1 "error: line 15: a new offer while the last one has no answer .*, and 2 more" <<CALL
 $invite|1||1 INVITE|offer
 $invite|1||2 INVITE|second
 CALL

@@ -18,6 +18,10 @@ expect "from a pipe" 1 piped nothing -- sh -c 'cat calls.pcap | "$1" check' _ "$
 echo 'checked 10 bodies in 1 file: none refused' >summary
 expect "every transport" 0 summary nothing -- "$program" check transports.pcap
 
+expect "what can be read" 0 '~^captures: pcap, pcapng$' nothing -- "$program" --version
+expect "and unpacked" 0 '~^compressed inputs: ([a-z]+(, [a-z]+)*|none \(built without .*\))$' nothing -- \
+  "$program" --version
+
 # ---- Compressed
 for tool in gzip zstd; do
   grep -q "^compressed inputs: .*$tool" <<<"$("$program" --version)" || continue

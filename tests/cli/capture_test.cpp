@@ -234,6 +234,17 @@ TEST(Capture, GoesOnAfterAGap) {
     EXPECT_EQ(reader.unread(), Texts{"1 place of a TCP stream lacks bytes that were not captured"});
 }
 
+// A FIN counts as one byte, of which none is there: what is numbered after it lacks nothing.
+TEST(Capture, AnEndHasNoGap) {
+    Reader reader;
+    reader.tcp(99, "", support::kSyn);
+    reader.tcp(100, sip("one"), support::kFin);
+    reader.tcp(static_cast<uint32_t>(100 + sip("one").size() + 1), "", support::kRst);
+    reader.finish();
+    EXPECT_EQ(reader.found, Texts{sip("one")});
+    EXPECT_EQ(reader.unread(), Texts());
+}
+
 TEST(Capture, GoesOnAfterACutSegment) {
     Reader reader;
     const std::string text = sip("one") + "INVITE and so on";

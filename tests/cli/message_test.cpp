@@ -1,6 +1,7 @@
 // Bodies found in texts of SIP messages, whatever the messages look like.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -233,6 +234,49 @@ TEST(Bodies, AreFoundInParts) {
     ASSERT_EQ(whole.bodies.size(), 2u);
     EXPECT_EQ(whole.bodies[1].offset, found.bodies[1].offset);
     EXPECT_EQ(whole.bodies[1].line, found.bodies[1].line);
+}
+
+// Parts far shorter than those that are always enough: what may be decided early is decided alike.
+TEST(Bodies, AreFoundInShortParts) {
+    std::mt19937 random(18);
+    const auto below = [&random](size_t limit) { return random() % limit; };
+    std::string text = "a log\r\n";
+    while (text.size() < 1'500'000) {
+        std::string message = withLength(kSdp, below(4) != 0 ? "application/sdp" : "text/plain");
+        const size_t length = message.find("Content-Length");
+        switch (below(8)) {
+        case 0: message.erase(length, message.find('\n', length) + 1 - length); break;
+        case 1: message.insert(length + 16, 1, static_cast<char>('1' + below(9))); break;
+        case 2: message += message; break;
+        case 4: message = withLineFeeds(message); break;
+        case 3: message += std::string(below(20000), below(2) != 0 ? ' ' : 'y') + '\n'; break;
+        default: break;
+        }
+        text += message + (below(2) != 0 ? "\r\n12:00 sent\r\n" : "");
+    }
+    cli::Bodies found;
+    cli::BodyFinder finder;
+    for (size_t passed = 0, size = 40'000; passed < text.size();) {
+        const std::string_view part = std::string_view(text).substr(passed, size);
+        const size_t done = finder.take(part, passed + part.size() == text.size(), found);
+        passed += done;
+        size = done != 0 ? 20'000 + below(40'000) : size_t(cli::BodyFinder::kAhead);
+    }
+    finder.finish(found);
+    const cli::Bodies whole = cli::findBodies(text);
+    ASSERT_EQ(found.bodies.size(), whole.bodies.size());
+    ASSERT_EQ(found.messages.size(), whole.messages.size());
+    ASSERT_EQ(found.problems.size(), whole.problems.size());
+    EXPECT_GT(whole.problems.size(), 100u);
+    const auto isSame = [](const cli::BodyPlace &a, const cli::BodyPlace &b) {
+        return a.offset == b.offset && a.size == b.size && a.line == b.line;
+    };
+    EXPECT_TRUE(std::ranges::equal(found.bodies, whole.bodies, isSame));
+    EXPECT_TRUE(std::ranges::equal(found.messages, whole.messages, isSame));
+    for (size_t i = 0; i < whole.problems.size(); ++i) {
+        EXPECT_EQ(found.problems[i].text, whole.problems[i].text);
+        EXPECT_EQ(found.problems[i].line, whole.problems[i].line);
+    }
 }
 
 // ---- Multipart

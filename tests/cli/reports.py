@@ -97,6 +97,7 @@ SARIF = {
     "location": (set(), {"physicalLocation", "logicalLocations"}),
     "physicalLocation": ({"artifactLocation"}, {"region", "contextRegion"}),
     "artifactLocation": ({"uri"}, set()),
+    "logicalLocation": ({"name", "fullyQualifiedName"}, set()),
     "region": ({"startLine"}, {"startColumn", "snippet"}),
     "snippet": ({"text"}, set()),
     "invocation": ({"executionSuccessful"}, {"exitCode", "toolExecutionNotifications"}),
@@ -129,6 +130,7 @@ def place_of(location):
 def read_sarif(text):
     document = member("sarif", json.loads(text))
     assert document["version"] == "2.1.0"
+    assert document["$schema"].startswith("https://"), document["$schema"]
     (run,) = document["runs"]
     member("run", run)
     assert run["columnKind"] in ("utf16CodeUnits", "unicodeCodePoints")
@@ -144,6 +146,13 @@ def read_sarif(text):
         assert result["level"] in LEVELS
         (location,) = result["locations"]
         file, region = place_of(location)
+        if logical := location.get("logicalLocations"):  # a packet, which is no line of its file
+            (packet,) = logical
+            name = member("logicalLocation", packet)["name"]
+            assert name == f"frame {result['properties']['frame']}" and not region, packet
+            assert packet["fullyQualifiedName"] in result["message"]["text"], result
+            properties = result["properties"]
+            region = {"startLine": properties["line"], "startColumn": properties["byteColumn"]}
         yield file, region["startLine"], region["startColumn"], result["level"], result["ruleId"]
     (invocation,) = run["invocations"]
     member("invocation", invocation)

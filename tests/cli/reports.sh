@@ -59,6 +59,19 @@ for format in $formats; do
     _ "$program" $format "$reader"
 done
 
+# Of a capture the packet is the place: the line and the column are those of the body in it.
+cp "$source/examples/calls.pcap" .
+echo 'calls.pcap 4:17 error ConnLastOctetRange' >known
+for format in $formats; do
+  expect "$format: a capture" 0 known nothing -- reads $format 1 calls.pcap
+  for part in 'frame"?:? ?8\b' '2023-11-14T22:13:20.140000000Z' '"?10.0.0.1\b.*\b10.0.0.2\b' \
+    'INVITE' 'refused@10.0.0.1' '\b1 INVITE'; do
+    expect "$format: $part" 0 - nothing -- sh -c 'tr -d "\n" <report | grep -E "$1"' _ "$part"
+  done
+done
+"$program" check --format junit calls.pcap >report
+expect "junit: no line of a capture" 1 nothing nothing -- grep -E ' line="|body at line' report
+
 # Folders, names of files with bytes of all kinds, and files that are missing.
 for format in $formats; do
   reads $format 2 "fold er" none >got

@@ -33,11 +33,22 @@ script -qec "$program check many 2>err.txt" /dev/null >/dev/null
 expect "no bar where standard error is a file" 0 nothing nothing -- cat err.txt
 script -qec "$program check many >out.txt" /dev/null >bar
 expect "a bar on the terminal" 0 nothing nothing -- cmp out.txt summary
-expect "it begins" 0 - nothing -- grep -F '[#.............................] 1/30 files' bar
-expect "it ends" 0 - nothing -- grep -F '[##############################] 30/30 files' bar
+left=', [0-9]+ MB/s, [0-9]+:[0-9][0-9] left'
+expect "it begins" 0 - nothing -- grep -E "\[#*\.*\] 1/30 files$left" bar
+expect "it ends" 0 - nothing -- grep -E "\[#{30}\] 30/30 files$left" bar
 expect "it goes away" 0 - nothing -- grep -P '\r +\r$' bar
 script -qec "$program check few >out.txt" /dev/null >bar
 expect "no bar for a few files" 0 nothing nothing -- cat bar
+message large good.sdp # and a hole
+truncate -s 40000000 large
+script -qec "$program check large >out.txt" /dev/null >bar
+expect "a bar for a large file" 0 - nothing -- grep -E "\[#+\.*\] [0-9.]+ of [0-9.]+ MB$left" bar
+expect "nothing is left of it" 0 - nothing -- grep -P '\r +\r$' bar
+script -qec "cat large | $program calls >out.txt" /dev/null >bar
+expect "a pipe has no known end" 0 - nothing -- grep -E $'\r[0-9.]+ MB, [0-9]+ MB/s' bar
+expect "and no time that is left" 1 nothing nothing -- grep left bar
+script -qec "$program check --quiet large >out.txt" /dev/null >bar
+expect "no bar with --quiet" 0 nothing nothing -- cat bar
 cp bad.sdp many/20
 script -qec "$program check many" /dev/null >bar
 expect "a refusal is on a separate line" 0 - nothing -- grep -P '\r\x1b\[1mmany/20:4:16: ' bar

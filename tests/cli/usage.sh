@@ -59,6 +59,18 @@ expect "nothing is written in place of standard input" 2 nothing '~--in-place ta
 
 # ---- Output that cannot be written, and readers that go away
 for i in $(seq 400); do cat bad.sdp; printf '\r\n'; done >many.sdp
+# A name in brackets is one file, and no list of two.
+cp good.sdp '[x]' && cp good.sdp '[a,b]'
+echo 'checked 3 bodies in 3 files: none refused' >summary
+for command in check "check -j 2"; do
+  # shellcheck disable=SC2086 # options are words
+  expect "names in brackets, $command" 0 summary nothing -- \
+    "$program" $command '[x]' '[a,b]' good.sdp
+done
+expect "decode, a name in brackets" 0 good.tree nothing -- "$program" decode '[x]'
+expect "a name in brackets that is none" 2 - '~^sdpline: \[no,ne\]: No such file or directory$' -- \
+  "$program" check '[no,ne]'
+
 commands=("--help" "check --help" "--version" "explain --list" "profiles" "rules" "rules --json"
   "decode good.sdp" "decode --json good.sdp" "format good.sdp" "diff good.sdp folder/b.sdp"
   "tidy good.sdp" "tidy --json good.sdp" "answer --with answer.sdp answer.sdp"
