@@ -43,7 +43,7 @@ def collected(program, operation, body, count):
         program,
         operation,
         body,
-        str(count),
+        f"{count:02}",  # as many characters always: what a start costs depends on the arguments' size
     ]
     environment = dict(os.environ)
     if operation.startswith("repair"):

@@ -99,6 +99,20 @@ bool isOfDecode(Check check) {
            check == Check::DeSerializeRefused;
 }
 
+// The hook may fail checks of its own: the last failure is then what it was before.
+[[gnu::noinline]] void callLogHook(SipLmLogHndlr hook, Check check, uint32_t value, uint32_t line) {
+    const CheckRow &failed = row(check);
+    const Logged &logged = failed.logged;
+    const LastFailed lastCheck = lastFailed;
+    const SDPFailure lastPlace = lastFailure;
+    log(hook, {logged.level, sourceName(failed.source), failed.function, line, logged.category,
+               logged.format, value});
+    if (isOfDecode(check)) {
+        lastFailed = lastCheck;
+        lastFailure = lastPlace;
+    }
+}
+
 void report(Check check, uint32_t value, uint32_t siteLine) {
     const CheckRow &failed = row(check);
 #ifdef SDPLINE_COUNT_CHECKS
@@ -108,13 +122,10 @@ void report(Check check, uint32_t value, uint32_t siteLine) {
     if (logged.level == 0) {
         return;
     }
-    const LastFailed lastCheck = lastFailed;
-    const SDPFailure lastPlace = lastFailure;
-    log({logged.level, fileNumber(failed.source), sourceName(failed.source), failed.function,
-         logged.line != 0 ? logged.line : siteLine, logged.category, logged.format, value});
-    if (isOfDecode(check)) {
-        lastFailed = lastCheck;
-        lastFailure = lastPlace;
+    const uint32_t line = logged.line != 0 ? logged.line : siteLine;
+    setCodePoint(fileNumber(failed.source), line);
+    if (const SipLmLogHndlr hook = g_gpfnSipLmLogHndlr) {
+        callLogHook(hook, check, value, line);
     }
 }
 

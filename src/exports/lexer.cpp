@@ -43,9 +43,9 @@ void mark() {
 
 void consume() {
     if (isContext(state.context)) {
-        Lexer lexer = lexer::load();
+        StateLexer lexer = lexer::load();
         lexer.advance(state.context);
-        lexer::store(lexer);
+        lexer::store(lexer, lexer.special);
     } else if (state.ended != 1) {
         mark(); // without a context nothing is cut
         state.ended = nextToken() == SDP_TOK_EOF ? 1 : state.ended;

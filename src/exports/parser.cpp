@@ -9,7 +9,7 @@
 using namespace sdpline;
 
 // The production's call, on the lexer's state.
-#define PARSE(call) withGlobalLexer([&](Parser &p) { return call; })
+#define PARSE(call) withGlobalLexer([&](StateParser &p) { return call; })
 
 extern "C" {
 

@@ -28,42 +28,41 @@ namespace {
 // What is read of an input that is gone.
 constexpr uint8_t kNothing[] = {'\0'};
 
-uint32_t specialBits(const Lexer &lexer) {
-    return (state.ended == 1 ? Lexer::kEnded : 0) | (state.index != 0 ? Lexer::kHalfCut : 0) |
-           (lexer.end <= lexer.input + 1 || lexer.end <= lexer.at ? Lexer::kRepeats : 0) |
-           (seesFills() ? Lexer::kCallsForTexts : 0);
+uint32_t specialBits(const Position &position) {
+    const bool repeats = position.end <= position.input + 1 || position.end <= position.at;
+    return (state.ended == 1 ? StateLexer::kEnded : 0) |
+           (state.index != 0 ? StateLexer::kHalfCut : 0) | (repeats ? StateLexer::kRepeats : 0) |
+           (seesFills() ? StateLexer::kCallsForTexts : 0);
 }
 
 } // namespace
 
-Lexer load() {
+StateLexer load() {
     const uint8_t *const input = state.inputGone ? kNothing : state.input;
-    Lexer lexer = {.input = input,
-                   .at = state.inputGone ? input : input + state.start,
-                   .end = state.inputGone ? input : input + (state.end + 1),
-                   .kind = state.kind,
-                   .context = state.context,
-                   .special = 0,
-                   .last = state.last,
-                   .counted = 0};
-    lexer.special = specialBits(lexer) | Lexer::kUnpadded;
-    return lexer;
+    const Position position = {.input = input,
+                               .at = state.inputGone ? input : input + state.start,
+                               .end = state.inputGone ? input : input + (state.end + 1),
+                               .kind = state.kind,
+                               .context = state.context,
+                               .last = state.last,
+                               .counted = 0};
+    return {{position, {specialBits(position)}}};
 }
 
-void store(const Lexer &lexer) {
+void store(const Position &position, uint32_t special) {
     publishText();
-    const auto start = static_cast<uint32_t>(lexer.at - lexer.input);
+    const auto start = static_cast<uint32_t>(position.at - position.input);
     const bool moved = start != state.start;
-    if ((moved && lexer.is(SDP_TOK_EOF)) || (lexer.special & Lexer::kEnded) != 0) {
+    if ((moved && position.is(SDP_TOK_EOF)) || (special & StateLexer::kEnded) != 0) {
         state.ended = 1;
     }
-    const auto size = static_cast<uint32_t>(lexer.end - lexer.input);
+    const auto size = static_cast<uint32_t>(position.end - position.input);
     state.start = start;
     state.end = size != 0 ? size - 1 : 0;
-    state.kind = lexer.kind;
-    state.context = lexer.context;
-    state.last = lexer.last;
-    if ((lexer.special & Lexer::kHalfCut) == 0) {
+    state.kind = position.kind;
+    state.context = position.context;
+    state.last = position.last;
+    if ((special & StateLexer::kHalfCut) == 0) {
         state.index = 0;
     }
 }
@@ -76,26 +75,25 @@ bool isUntouched() {
 }
 
 // What load() and the search for a special start come to then: the first token begins the input.
-Lexer atStart(const uint8_t *input) {
+Position atStart(const uint8_t *input) {
     return {.input = input,
             .at = input,
             .end = input,
             .kind = state.kind,
             .context = state.context,
-            .special = 0,
             .last = state.last,
             .counted = 0};
 }
 
 } // namespace
 
-Lexer begin(const uint8_t *input) {
+StateLexer begin(const uint8_t *input) {
     state.input = input;
     state.inputGone = false;
     state.context = SDP_LEXCTX_SDP;
-    Lexer lexer = isUntouched() ? atStart(input) : load();
+    StateLexer lexer = isUntouched() ? StateLexer{{atStart(input), {0}}} : load();
     lexer.advance(SDP_LEXCTX_SDP);
-    store(lexer);
+    store(lexer, lexer.special);
     lexer.special = specialBits(lexer);
     return lexer;
 }
@@ -109,14 +107,14 @@ void clear() {
 
 SpecialStart findStart(const uint8_t *input, const uint8_t *at, const uint8_t *end,
                        uint32_t special) {
-    if ((special & Lexer::kEnded) != 0) {
+    if ((special & StateLexer::kEnded) != 0) {
         return {nullptr, special};
     }
     const uint8_t *const next = end <= input + 1 ? input : end;
-    const uint8_t *const from = (special & Lexer::kHalfCut) != 0 ? at : next;
-    const uint32_t ended = *from == '\0' ? Lexer::kEnded : 0;
-    const uint32_t repeats = from == input ? Lexer::kRepeats : 0;
-    return {from, ended | repeats | (special & (Lexer::kCallsForTexts | Lexer::kUnpadded))};
+    const uint8_t *const from = (special & StateLexer::kHalfCut) != 0 ? at : next;
+    const uint32_t ended = *from == '\0' ? StateLexer::kEnded : 0;
+    const uint32_t repeats = from == input ? StateLexer::kRepeats : 0;
+    return {from, ended | repeats | (special & StateLexer::kCallsForTexts)};
 }
 
 LetterToken cutLetter(const uint8_t *letter) {
@@ -183,17 +181,13 @@ void publishText() {
     takenText.from = nullptr;
 }
 
-const uint8_t *runEndByBytes(const uint8_t *byte, Run run) {
-    return runEnd(byte, run);
-}
-
-const uint8_t *lineEnd(const uint8_t *text) {
+const uint8_t *findLineEnd(const uint8_t *text) {
     const auto *const from = reinterpret_cast<const char *>(text);
     const char *const end = std::strchr(from, '\n');
     return text + (end != nullptr ? static_cast<size_t>(end - from) : std::strlen(from));
 }
 
-Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits) {
+StateLexer gatherTokens(StateLexer lexer, uint32_t limit, bool &fits) {
     uint32_t gathered = 0;
     for (; !lexer.is(SDP_TOK_LF) && !lexer.is(SDP_TOK_EOF); lexer.advance(SDP_LEXCTX_STRING)) {
         gathered += static_cast<uint32_t>(lexer.end - lexer.at);
@@ -207,7 +201,7 @@ Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits) {
     return lexer;
 }
 
-Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits) {
+StateLexer gatherToSlash(StateLexer lexer, uint32_t limit, bool &fits) {
     uint32_t gathered = 0;
     for (; !lexer.is(SDP_TOK_SLASH) && !lexer.is(SDP_TOK_LF); lexer.advance(SDP_LEXCTX_CHAR)) {
         if (gathered++ == limit) {
@@ -215,10 +209,42 @@ Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits) {
             return lexer;
         }
         lexer.text();
-        lexer.special |= lexer.is(SDP_TOK_EOF) ? Lexer::kEnded : 0;
+        lexer.special |= lexer.is(SDP_TOK_EOF) ? StateLexer::kEnded : 0;
     }
     fits = true;
     return lexer;
 }
 
 } // namespace sdpline::lexer
+
+namespace sdpline {
+
+[[gnu::noinline]] std::string_view StateLexer::text() {
+    return LexerOn::text();
+}
+
+[[gnu::noinline]] void StateLexer::advance(uint32_t under) {
+    LexerOn::advance(under);
+}
+
+[[gnu::noinline]] bool StateLexer::take(uint32_t wanted, uint32_t under) {
+    return LexerOn::take(wanted, under);
+}
+
+[[gnu::noinline]] bool StateLexer::takeToText(uint32_t wanted) {
+    return LexerOn::takeToText(wanted);
+}
+
+[[gnu::noinline]] void StateLexer::finishText() {
+    LexerOn::finishText();
+}
+
+[[gnu::noinline]] bool StateLexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
+    return LexerOn::takeRestOfLine(rest, limit);
+}
+
+[[gnu::noinline]] bool StateLexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
+    return LexerOn::takeBytesToSlash(bytes, limit);
+}
+
+} // namespace sdpline

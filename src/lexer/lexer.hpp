@@ -2,9 +2,11 @@
 // force. A token never spans a line end or the end of the input; there is no lookahead beyond the
 // current token and no way back.
 //
-// A parser works on a Lexer of its own, which the compiler keeps in registers. The process-wide
-// State is what the exported operations read and write; parsers that are called by their exported
-// names start from it and store where they stopped.
+// There are two lexers with the same operations. A BodyLexer reads a body's normal form, which
+// bytes that may be read follow: its operations are inlined, and the compiler keeps it in
+// registers. A StateLexer reads any input from any place, as setters may have set it: its
+// operations are functions. The process-wide State is what the exported operations read and write;
+// parsers that are called by their exported names start from it and store where they stopped.
 #pragma once
 
 #include <cstddef>
@@ -34,15 +36,40 @@ struct Context {
 
 //   o=- 2890844526 ...
 //       ^at       ^end      kind: SDP_TOK_DIGIT, last: the space after the run
-struct Lexer {
+struct Position {
     const uint8_t *input;
     const uint8_t *at;  // the current token's first byte
     const uint8_t *end; // the byte after it
     uint32_t kind;
     uint32_t context;
-    uint32_t special; // a set of the bits below; 0 where the next token begins at `end`
     uint8_t last;     // the byte that was classified last
     uint32_t counted; // the value of the digits that were cut last, modulo 2^32
+
+    bool is(uint32_t wanted) const { return kind == wanted; }
+
+    // Whether the input ends at the current token.
+    bool inputEnds() const { return *at == '\0'; }
+
+    // Moves to another position in the same input. Field by field, so that each field of a local
+    // lexer has a register of its own.
+    void copyPosition(const Position &other) {
+        at = other.at;
+        end = other.end;
+        kind = other.kind;
+        context = other.context;
+        last = other.last;
+    }
+};
+
+// What a lexer has to look for before it cuts the next token: nothing where that begins at `end`.
+struct NothingSpecial {
+    static constexpr bool kPadded = true; // sixteen bytes after the input's NUL may be read
+    static constexpr uint32_t special = 0;
+};
+
+struct AnythingSpecial {
+    static constexpr bool kPadded = false;
+    uint32_t special; // a set of the bits below
 
     // The end token was cut: it stays. Parsers never take it, so that a lexer without special bits
     // need not remember; store() sees that it is current.
@@ -53,10 +80,14 @@ struct Lexer {
     static constexpr uint32_t kRepeats = 4;
     // memset_s is not libsipcore's: each taking of a text makes its call.
     static constexpr uint32_t kCallsForTexts = 8;
-    // The input may end in memory that is not ours: no byte after its NUL is read.
-    static constexpr uint32_t kUnpadded = 16;
+};
 
-    SDPLINE_INLINE bool is(uint32_t wanted) const { return kind == wanted; }
+struct StateLexer;
+
+template <class Special>
+struct LexerOn : Position, Special {
+    using Special::kPadded;
+    using Special::special;
 
     // Takes the current token's text: its bytes, in the input. Null data when they are more than
     // 1023, and nothing was taken.
@@ -64,27 +95,24 @@ struct Lexer {
 
     // The value of the current token, which is a run of digits and has the text. A token that was
     // current before there was this lexer has not been counted.
-    SDPLINE_INLINE uint32_t valueOf(std::string_view digits) const {
-        return special == 0 ? counted : scanNumber(digits);
+    uint32_t valueOf(std::string_view digits) const {
+        return kPadded ? counted : scanNumber(digits);
     }
-
-    // Whether the input ends at the current token.
-    SDPLINE_INLINE bool inputEnds() const { return *at == '\0'; }
 
     // Cuts the next token under the context.
     SDPLINE_INLINE void advance(uint32_t under);
 
-    // The same after a number, under the alphanumeric context: a byte by itself is next, nearly
-    // always.
-    SDPLINE_INLINE void advanceAfterDigits();
+    // The same when the current token is a run of the context, which under the alphanumeric one is
+    // a run of digits: no such run is next.
+    SDPLINE_INLINE void advanceAfterRun(uint32_t under);
 
     // Takes what follows the current token when it is this text, in one comparison: the text's last
     // byte, which is a token in any context, is then current. Else nothing is taken.
     template <size_t Size>
-    SDPLINE_INLINE bool jump(const char (&text)[Size]);
+    bool jump(const char (&text)[Size]);
     // The same for a word and the space after it. The text of the word is taken.
     template <size_t Size>
-    SDPLINE_INLINE bool jumpWord(const char (&text)[Size]) {
+    bool jumpWord(const char (&text)[Size]) {
         if (!jump(text)) {
             return false;
         }
@@ -122,7 +150,7 @@ struct Lexer {
     SDPLINE_INLINE void finishText() {
         if (kind == SDP_TOK_STRING) {
             last = *at;
-            scanString();
+            scanRun<lexer::kStringRun>(SDP_TOK_STRING);
         }
     }
 
@@ -135,22 +163,12 @@ struct Lexer {
     // afterwards. False when they are more than `limit` bytes or the input ends first.
     SDPLINE_INLINE bool takeBytesToSlash(std::string_view &bytes, uint32_t limit);
 
-    // Moves to where another lexer of the same input is. Field by field, so that each field of a
-    // local lexer has a register of its own.
-    SDPLINE_INLINE void copyPosition(const Lexer &other) {
-        at = other.at;
-        end = other.end;
-        kind = other.kind;
-        context = other.context;
-        last = other.last;
-    }
+    // The same place, for operations that are not inlined.
+    StateLexer anywhere() const;
 
 private:
-    // The same, with the special bits: but a lexer that has none stays without.
-    SDPLINE_INLINE void copyStop(const Lexer &other) {
-        copyPosition(other);
-        special = special != 0 ? other.special : 0;
-    }
+    // Moves to where token by token has led.
+    void stopAt(const StateLexer &other);
     SDPLINE_INLINE bool begin();
     SDPLINE_INLINE void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
 
@@ -169,14 +187,28 @@ private:
     // One byte, whatever it is.
     SDPLINE_INLINE void closeByte() { close(1, lexer::kBytes.kind[last]); }
 
-    SDPLINE_INLINE void scanRun(lexer::Run run, uint32_t closed);
-    SDPLINE_INLINE void scanString();
-    SDPLINE_INLINE void scanToken();
+    template <lexer::Run run>
+    SDPLINE_INLINE void scanRun(uint32_t closed);
     SDPLINE_INLINE void scanDigits();
     SDPLINE_INLINE void scanSdp();
     SDPLINE_INLINE void scanAlnum();
+    SDPLINE_INLINE void scanLetters();
     SDPLINE_INLINE void scanIpv6();
     SDPLINE_INLINE void jumpTo(const uint8_t *byte);
+};
+
+using BodyLexer = LexerOn<NothingSpecial>;
+
+// The operations out of line. What is not named here is small, or for a BodyLexer alone.
+struct StateLexer : LexerOn<AnythingSpecial> {
+    std::string_view text();
+    void advance(uint32_t under);
+    void advanceAfterRun(uint32_t under) { advance(under); } // setters may set any place
+    bool take(uint32_t wanted, uint32_t under);
+    bool takeToText(uint32_t wanted);
+    void finishText();
+    bool takeRestOfLine(std::string_view &rest, uint32_t limit);
+    bool takeBytesToSlash(std::string_view &bytes, uint32_t limit);
 };
 
 namespace lexer {
@@ -187,7 +219,7 @@ struct LetterToken {
     uint8_t size;
     uint8_t last;
 };
-LetterToken cutLetter(const uint8_t *letter);
+[[gnu::noinline]] LetterToken cutLetter(const uint8_t *letter);
 
 // Where the next token begins when special bits are set.
 struct SpecialStart {
@@ -211,15 +243,9 @@ extern SDPLINE_PER_THREAD TakenText takenText;
 [[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
 void publishText();
 
-// runEnd() where what follows the input may not be read.
-[[gnu::cold, gnu::noinline]] const uint8_t *runEndByBytes(const uint8_t *byte, Run run);
-
-// The line end after a text, or the end of the input.
-const uint8_t *lineEnd(const uint8_t *text);
-
 // Token by token, where a text does not fit or special bits are set.
-[[gnu::cold, gnu::noinline]] Lexer gatherTokens(Lexer lexer, uint32_t limit, bool &fits);
-[[gnu::cold, gnu::noinline]] Lexer gatherToSlash(Lexer lexer, uint32_t limit, bool &fits);
+[[gnu::cold, gnu::noinline]] StateLexer gatherTokens(StateLexer lexer, uint32_t limit, bool &fits);
+[[gnu::cold, gnu::noinline]] StateLexer gatherToSlash(StateLexer lexer, uint32_t limit, bool &fits);
 
 // The state of the exported operations. Offsets count from the start of the input.
 struct State {
@@ -238,24 +264,26 @@ struct State {
 extern SDPLINE_PER_THREAD State state;
 
 // A lexer at the state's position, and the state put to where a lexer is.
-Lexer load();
-void store(const Lexer &lexer);
-// A lexer before the first token of an input, and the state with it.
-Lexer begin(const uint8_t *input);
+StateLexer load();
+void store(const Position &position, uint32_t special);
+// A lexer on the first token of an input, and the state with it.
+StateLexer begin(const uint8_t *input);
 // The positions back to the start.
 void clear();
 
 } // namespace lexer
 
-inline void Lexer::noteTaken(const uint8_t *from, uint32_t size, uint32_t flags) {
-    if ((special & kCallsForTexts) != 0) [[unlikely]] {
+template <class Special>
+inline void LexerOn<Special>::noteTaken(const uint8_t *from, uint32_t size, uint32_t flags) {
+    if ((special & AnythingSpecial::kCallsForTexts) != 0) [[unlikely]] {
         return lexer::takeText(from, size);
     }
     lexer::takenText.from = from;
     lexer::takenText.size = size | flags;
 }
 
-inline std::string_view Lexer::text() {
+template <class Special>
+inline std::string_view LexerOn<Special>::text() {
     const auto size = static_cast<uint32_t>(end - at);
     if (size >= kTextSize) [[unlikely]] {
         return {};
@@ -265,51 +293,55 @@ inline std::string_view Lexer::text() {
 }
 
 // Moves to the next token's first byte; false when there is none.
-inline bool Lexer::begin() {
+template <class Special>
+inline bool LexerOn<Special>::begin() {
     const uint8_t *from = end;
-    if (special != 0) [[unlikely]] {
-        const lexer::SpecialStart start = lexer::findStart(input, at, end, special);
-        special = start.special;
-        if (start.from == nullptr) {
-            return false;
+    if constexpr (!kPadded) {
+        if (special != 0) {
+            const lexer::SpecialStart start = lexer::findStart(input, at, end, special);
+            special = start.special;
+            if (start.from == nullptr) {
+                return false;
+            }
+            from = start.from;
         }
-        from = start.from;
     }
     at = from;
     last = *from;
     return true;
 }
 
-inline void Lexer::advance(uint32_t under) {
+template <class Special>
+inline void LexerOn<Special>::advance(uint32_t under) {
     if (!begin()) [[unlikely]] {
         return;
     }
     switch (under) {
     case Context::Sdp: return scanSdp();
     case Context::Char: return closeByte();
-    case Context::String: return scanString();
-    case Context::Token: return scanToken();
+    case Context::String: return scanRun<lexer::kStringRun>(SDP_TOK_STRING);
+    case Context::Token: return scanRun<lexer::kTokenRun>(SDP_TOK_TOKEN);
     case Context::Alnum: return scanAlnum();
     default: return scanIpv6();
     }
 }
 
-inline void Lexer::advanceAfterDigits() {
-    if (!begin()) [[unlikely]] {
-        return;
-    }
-    constexpr uint8_t runs = lexer::kDigitRun | lexer::kLetterRun | lexer::kMinusRun;
-    if ((lexer::kBytes.runs[last] & runs) == 0) [[likely]] {
+template <class Special>
+inline void LexerOn<Special>::advanceAfterRun(uint32_t under) {
+    begin();
+    constexpr uint8_t letters = lexer::kLetterRun | lexer::kMinusRun;
+    if (under != Context::Alnum || (lexer::kBytes.runs[last] & letters) == 0) [[likely]] {
         return closeByte();
     }
-    scanAlnum();
+    scanLetters();
 }
 
+template <class Special>
 template <size_t Size>
-inline bool Lexer::jump(const char (&text)[Size]) {
+inline bool LexerOn<Special>::jump(const char (&text)[Size]) {
     constexpr size_t size = Size - 1;
     static_assert(size <= lexer::kPadding);
-    if (special != 0 || std::memcmp(end, text, size) != 0) {
+    if (!kPadded || std::memcmp(end, text, size) != 0) {
         return false;
     }
     at = end + (size - 1);
@@ -318,7 +350,8 @@ inline bool Lexer::jump(const char (&text)[Size]) {
     return true;
 }
 
-inline bool Lexer::takeToText(uint32_t wanted) {
+template <class Special>
+inline bool LexerOn<Special>::takeToText(uint32_t wanted) {
     context = Context::String;
     if (kind != wanted) {
         return false;
@@ -332,16 +365,9 @@ inline bool Lexer::takeToText(uint32_t wanted) {
     return true;
 }
 
-// The run that the first byte begins, or that byte alone.
-inline void Lexer::scanRun(lexer::Run run, uint32_t closed) {
-    if ((lexer::kBytes.runs[last] & run) == 0) {
-        return closeByte();
-    }
-    closeAt(lexer::runEnd(at + 1, run), closed);
-}
-
 // A line's key, a keyword of letters, or one byte.
-inline void Lexer::scanSdp() {
+template <class Special>
+inline void LexerOn<Special>::scanSdp() {
     const uint32_t key = lexer::kLineKinds[last];
     if (key != 0 && at[1] == '=') {
         last = '=';
@@ -355,27 +381,18 @@ inline void Lexer::scanSdp() {
     }
 }
 
-// A text up to a space, tab or line end, or that byte alone.
-inline void Lexer::scanString() {
-    if ((lexer::kBytes.runs[last] & lexer::kStringRun) == 0) {
+// The run that the first byte begins, or that byte alone.
+template <class Special>
+template <lexer::Run run>
+inline void LexerOn<Special>::scanRun(uint32_t closed) {
+    if ((lexer::kBytes.runs[last] & run) == 0) {
         return closeByte();
     }
-    closeAt(special == 0 ? lexer::stringEndInPadded(at + 1)
-                         : lexer::runEndByBytes(at + 1, lexer::kStringRun),
-            SDP_TOK_STRING);
+    closeAt(lexer::endOf<run, kPadded>(at + 1), closed);
 }
 
-// A word, or a byte that is in none.
-inline void Lexer::scanToken() {
-    if ((lexer::kBytes.runs[last] & lexer::kTokenRun) == 0) {
-        return closeByte();
-    }
-    closeAt(special == 0 ? lexer::tokenEndInPadded(at + 1)
-                         : lexer::runEndByBytes(at + 1, lexer::kTokenRun),
-            SDP_TOK_TOKEN);
-}
-
-inline void Lexer::scanDigits() {
+template <class Special>
+inline void LexerOn<Special>::scanDigits() {
     const uint8_t *byte = at;
     counted = 0;
     do {
@@ -384,35 +401,54 @@ inline void Lexer::scanDigits() {
     closeAt(byte, SDP_TOK_DIGIT);
 }
 
-inline void Lexer::scanAlnum() {
-    if (isDigit(last)) {
-        return scanDigits();
-    }
+template <class Special>
+inline void LexerOn<Special>::scanAlnum() {
+    return isDigit(last) ? scanDigits() : scanLetters();
+}
+
+template <class Special>
+inline void LexerOn<Special>::scanLetters() {
     switch (lexer::kBytes.kind[last]) {
-    case SDP_TOK_ALPHA: return scanRun(lexer::kLetterRun, SDP_TOK_ALPHA);
-    case SDP_TOK_MINUS: return scanRun(lexer::kMinusRun, SDP_TOK_MINUS);
+    case SDP_TOK_ALPHA: return closeAt(lexer::runEnd(at + 1, lexer::kLetterRun), SDP_TOK_ALPHA);
+    case SDP_TOK_MINUS: return closeAt(lexer::runEnd(at + 1, lexer::kMinusRun), SDP_TOK_MINUS);
     default: return closeByte();
     }
 }
 
 // The kind of such a run is that of its last byte: it tells an address that ends in ".".
-inline void Lexer::scanIpv6() {
-    scanRun(lexer::kIpv6Run, SDP_TOK_ALPHA);
+template <class Special>
+inline void LexerOn<Special>::scanIpv6() {
+    scanRun<lexer::kIpv6Run>(SDP_TOK_ALPHA);
     kind = lexer::kBytes.kind[end[-1]];
 }
 
 // Makes one byte the current token.
-inline void Lexer::jumpTo(const uint8_t *byte) {
+template <class Special>
+inline void LexerOn<Special>::jumpTo(const uint8_t *byte) {
     at = byte;
     last = *byte;
     closeByte();
 }
 
-inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
-    const uint8_t *const byte = special == 0 ? lexer::lineEndInPadded(at) : lexer::lineEnd(at);
+template <class Special>
+inline StateLexer LexerOn<Special>::anywhere() const {
+    return {{static_cast<const Position &>(*this), {special}}};
+}
+
+template <class Special>
+inline void LexerOn<Special>::stopAt(const StateLexer &other) {
+    copyPosition(other);
+    if constexpr (!kPadded) {
+        special = other.special;
+    }
+}
+
+template <class Special>
+inline bool LexerOn<Special>::takeRestOfLine(std::string_view &rest, uint32_t limit) {
+    const uint8_t *const byte = lexer::lineEnd<kPadded>(at);
     const auto size = static_cast<uint32_t>(byte - at);
     rest = {reinterpret_cast<const char *>(at), size};
-    if (size <= limit && special == 0) [[likely]] {
+    if (kPadded && size <= limit) [[likely]] {
         if (size != 0) {
             noteTaken(at, size, lexer::TakenText::kRestOfLine);
             jumpTo(byte);
@@ -421,18 +457,18 @@ inline bool Lexer::takeRestOfLine(std::string_view &rest, uint32_t limit) {
     }
     finishText();
     bool fits = false;
-    copyStop(lexer::gatherTokens(*this, limit, fits));
+    stopAt(lexer::gatherTokens(anywhere(), limit, fits));
     return fits;
 }
 
-inline bool Lexer::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
-    const uint8_t *const byte =
-        special == 0 ? lexer::nameEndInPadded(at) : lexer::runEndByBytes(at, lexer::kNameRun);
+template <class Special>
+inline bool LexerOn<Special>::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
+    const uint8_t *const byte = lexer::endOf<lexer::kNameRun, kPadded>(at);
     const auto size = static_cast<uint32_t>(byte - at);
     bytes = {reinterpret_cast<const char *>(at), size};
-    if (special != 0 || size > limit || *byte == '\0') [[unlikely]] {
+    if (!kPadded || size > limit || *byte == '\0') [[unlikely]] {
         bool fits = false;
-        copyStop(lexer::gatherToSlash(*this, limit, fits));
+        stopAt(lexer::gatherToSlash(anywhere(), limit, fits));
         return fits;
     }
     if (size != 0) {

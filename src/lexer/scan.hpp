@@ -31,6 +31,16 @@ SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
     return *const_cast<const volatile uint8_t *>(byte);
 }
 
+// lineEnd() in an input that is not padded.
+const uint8_t *findLineEnd(const uint8_t *text);
+
+// Past bytes of a run in a padded input, sixteen at once where there is a way: the byte that it
+// stops at may continue the run all the same.
+template <Run run>
+SDPLINE_INLINE const uint8_t *skip(const uint8_t *byte) {
+    return byte;
+}
+
 #ifdef __SSE2__
 
 // The first byte for which `stops` sets the byte's bits; it does for the NUL at the latest.
@@ -52,28 +62,27 @@ SDPLINE_INLINE __m128i atMost(__m128i bytes, char limit) {
     return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(limit)), bytes);
 }
 
-// Words end at a space, rarely at a tab or another byte below it: those are looked up.
-SDPLINE_INLINE const uint8_t *stringEndInPadded(const uint8_t *byte) {
-    return runEnd(findInPadded(byte, [](__m128i bytes) { return atMost(bytes, ' '); }), kStringRun);
+// Words end at a space, rarely at a tab or another byte below it.
+template <>
+SDPLINE_INLINE const uint8_t *skip<kStringRun>(const uint8_t *byte) {
+    return findInPadded(byte, [](__m128i bytes) { return atMost(bytes, ' '); });
 }
 
 // Most words are of letters, digits, "-", "." and "/".
-SDPLINE_INLINE const uint8_t *tokenEndInPadded(const uint8_t *byte) {
-    const auto stops = [](__m128i bytes) {
+template <>
+SDPLINE_INLINE const uint8_t *skip<kTokenRun>(const uint8_t *byte) {
+    return findInPadded(byte, [](__m128i bytes) {
         const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8('a' - 'A'));
         const __m128i letters = atMost(_mm_sub_epi8(lower, _mm_set1_epi8('a')), 'z' - 'a');
         const __m128i digits = atMost(_mm_sub_epi8(bytes, _mm_set1_epi8('-')), '9' - '-');
         return _mm_cmpeq_epi8(_mm_or_si128(letters, digits), _mm_setzero_si128());
-    };
-    return runEnd(findInPadded(byte, stops), kTokenRun);
+    });
 }
 
-SDPLINE_INLINE const uint8_t *nameEndInPadded(const uint8_t *byte) {
-    return runEnd(findInPadded(byte,
-                               [](__m128i bytes) {
-                                   return _mm_or_si128(atMost(bytes, '\n'), equals(bytes, '/'));
-                               }),
-                  kNameRun);
+template <>
+SDPLINE_INLINE const uint8_t *skip<kNameRun>(const uint8_t *byte) {
+    return findInPadded(
+        byte, [](__m128i bytes) { return _mm_or_si128(atMost(bytes, '\n'), equals(bytes, '/')); });
 }
 
 SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
@@ -83,24 +92,22 @@ SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
 
 #else
 
-SDPLINE_INLINE const uint8_t *tokenEndInPadded(const uint8_t *byte) {
-    return runEnd(byte, kTokenRun);
-}
-
-SDPLINE_INLINE const uint8_t *stringEndInPadded(const uint8_t *byte) {
-    return runEnd(byte, kStringRun);
-}
-
-SDPLINE_INLINE const uint8_t *nameEndInPadded(const uint8_t *byte) {
-    return runEnd(byte, kNameRun);
-}
-
-const uint8_t *lineEnd(const uint8_t *byte);
-
 SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
-    return lineEnd(byte);
+    return findLineEnd(byte);
 }
 
 #endif
+
+// The first byte that does not continue the run, in an input that is padded or not.
+template <Run run, bool Padded>
+SDPLINE_INLINE const uint8_t *endOf(const uint8_t *byte) {
+    return runEnd(Padded ? skip<run>(byte) : byte, run);
+}
+
+// The line end after a text, or the end of the input.
+template <bool Padded>
+SDPLINE_INLINE const uint8_t *lineEnd(const uint8_t *byte) {
+    return Padded ? lineEndInPadded(byte) : findLineEnd(byte);
+}
 
 } // namespace sdpline::lexer

@@ -42,7 +42,7 @@ struct NameChecks {
     Check store;
 };
 
-bool storeName(Parser &p, SDPAttr &attr, std::string_view name, NameChecks checks,
+bool storeName(Parser auto &p, SDPAttr &attr, std::string_view name, NameChecks checks,
                uint32_t line = __builtin_LINE()) {
     auto *const text = allocate<SipString>(row(checks.alloc).function);
     attr.pstAttrName = text;
@@ -52,13 +52,13 @@ bool storeName(Parser &p, SDPAttr &attr, std::string_view name, NameChecks check
 
 } // namespace
 
-bool keepName(Parser &p, SDPAttr &attr, std::string_view name) {
+bool keepName(Parser auto &p, SDPAttr &attr, std::string_view name) {
     attr.ulAttrType = SDP_ATTR_UNREC_NOVALUE;
     return storeName(p, attr, name, {Check::UnrecFlagNameAlloc, Check::UnrecFlagNameStore});
 }
 
 // ":" value, entered on the colon; the value is at most `limit` bytes
-bool keepNamedText(Parser &p, SDPAttr &attr, std::string_view name, uint32_t limit,
+bool keepNamedText(Parser auto &p, SDPAttr &attr, std::string_view name, uint32_t limit,
                    std::string_view &value) {
     p.takeToText(SDP_TOK_COLON);
     if (p.is(SDP_TOK_LF)) {
@@ -78,7 +78,7 @@ bool keepNamedText(Parser &p, SDPAttr &attr, std::string_view name, uint32_t lim
 }
 
 // [ ":" value ] LF
-bool keepUnrecognised(Parser &p, SDPAttr &attr, std::string_view name) {
+bool keepUnrecognised(Parser auto &p, SDPAttr &attr, std::string_view name) {
     attr.ulAttrType = SDP_ATTR_UNREC_VALUE;
     p.under(Context::String);
     std::string_view value;
@@ -88,7 +88,7 @@ bool keepUnrecognised(Parser &p, SDPAttr &attr, std::string_view name) {
 }
 
 // A name that the table has in no letter case, or in any
-bool parseOther(Parser &p, SDPAttr &attr, std::string_view name) {
+bool parseOther(Parser auto &p, SDPAttr &attr, std::string_view name) {
     if (mayBeAnyCase(name)) {
         for (const KeywordRow &known : kAnyCaseNames) {
             if (equalIgnoringCase(known.text, name)) {
@@ -100,7 +100,7 @@ bool parseOther(Parser &p, SDPAttr &attr, std::string_view name) {
 }
 
 // ":" 1*1023<any byte but LF> LF
-bool parseTextValue(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseTextValue(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     if (!p.takeToText(SDP_TOK_COLON)) {
         return p.refuse(Check::ValueColon);
@@ -183,32 +183,46 @@ constexpr auto kReaders = [] {
 
 } // namespace
 
+namespace {
+
+// Values that few bodies have are read out of line.
+[[gnu::noinline]] bool rareValue(StateParser &p, SDPAttr &attr, uint32_t type) {
+    switch (kReaders[type]) {
+    case Reader::Quality: return parseQuality(p, attr, type);
+    case Reader::Switch: return parseSwitch(p, attr, type);
+    case Reader::SilenceSupp: return parseSilenceSupp(p, attr, type);
+    case Reader::Ecan: return parseEcan(p, attr, type);
+    default: return parseIpBcp(p, attr);
+    }
+}
+
+bool rareValue(BodyParser &parser, SDPAttr &attr, uint32_t type) {
+    return outOfLine(parser, [&](StateParser &p) { return rareValue(p, attr, type); });
+}
+
+} // namespace
+
 // [ ":" value ] LF
-bool parseValue(Parser &p, SDPAttr &attr, std::string_view name, uint32_t type) {
+bool parseValue(Parser auto &p, SDPAttr &attr, std::string_view name, uint32_t type) {
     switch (type <= kLastAttribute ? kReaders[type] : Reader::Other) {
     case Reader::Flag: return parseFlag(p, attr, type);
     case Reader::PacketNumber: return parsePacketNumber(p, attr, type);
-    case Reader::Quality: return parseQuality(p, attr, type);
     case Reader::FaxNumber: return parseFaxNumber(p, attr, type);
-    case Reader::Switch: return parseSwitch(p, attr, type);
     case Reader::FaxRate: return parseFaxRate(p, attr, type);
     case Reader::FaxErrorCorrection: return parseFaxErrorCorrection(p, attr, type);
     case Reader::Setup: return parseSetup(p, attr, type);
     case Reader::Text: return parseTextValue(p, attr, type);
     case Reader::RtpMap: return parseRtpmap(p, attr, type);
-    case Reader::SilenceSupp: return parseSilenceSupp(p, attr, type);
-    case Reader::Ecan: return parseEcan(p, attr, type);
-    case Reader::IpBcp: return parseIpBcp(p, attr);
     case Reader::Precondition: return parsePrecondition(p, attr, type);
-    case Reader::Other: break;
+    case Reader::Other: return parseOther(p, attr, name);
+    default: return rareValue(p, attr, type);
     }
-    return parseOther(p, attr, name);
 }
 
 namespace {
 
 // The type of a usual name after "a=", which is taken up to the ":" or line end after it; else 0.
-SDPLINE_INLINE uint32_t usualName(Parser &p, std::string_view &name) {
+SDPLINE_INLINE uint32_t usualName(Parser auto &p, std::string_view &name) {
     if (p.special != 0 || !p.is(SDP_TOK_ATTRIBUTE)) {
         return 0;
     }
@@ -217,7 +231,7 @@ SDPLINE_INLINE uint32_t usualName(Parser &p, std::string_view &name) {
 }
 
 // a= name [ ":" value ] LF
-SDPLINE_INLINE bool attribute(Parser &p, SDPAttr &attr) {
+SDPLINE_INLINE bool attribute(Parser auto &p, SDPAttr &attr) {
     std::string_view name;
     if (const uint32_t type = usualName(p, name)) {
         return parseValue(p, attr, name, type);
@@ -228,24 +242,36 @@ SDPLINE_INLINE bool attribute(Parser &p, SDPAttr &attr) {
 }
 
 // 1*attribute
-SDPLINE_INLINE bool attributes(Parser &parser, SDPAttrList &list) {
+SDPLINE_INLINE bool attributes(Parser auto &parser, SDPAttrList &list) {
     return parseList<SDPAttr, uint32_t, 8>(
         parser, {Check::AttrArrayAlloc, Check::AttrAlloc, Check::AttrGrow},
         [&](SDPAttr **attrs) { list.ppstAttrs = attrs; },
-        [](Parser &p, SDPAttr &attr) SDPLINE_INLINE_LAMBDA { return attribute(p, attr); },
-        [](const Parser &p) { return p.is(SDP_TOK_ATTRIBUTE); },
+        [](Parser auto &p, SDPAttr &attr) SDPLINE_INLINE_LAMBDA { return attribute(p, attr); },
+        [](const Parser auto &p) { return p.is(SDP_TOK_ATTRIBUTE); },
         [&](uint32_t count) { list.ulNoOfAttrs = count; });
 }
 
 } // namespace
 
-bool parseAttribute(Parser &parser, SDPAttr &attr) {
+bool parseAttribute(Parser auto &parser, SDPAttr &attr) {
     return attribute(parser, attr);
 }
 
 // Most of a body is attributes: their values are parsed in one function, in registers.
-[[gnu::flatten]] bool parseAttributes(Parser &parser, SDPAttrList &list) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA { return attributes(p, list); });
+bool parseAttributes(Parser auto &parser, SDPAttrList &list) {
+    return onLine(parser,
+                  [&](Parser auto &p) SDPLINE_INLINE_LAMBDA { return attributes(p, list); });
 }
+
+template bool parseAttributes(BodyParser &, SDPAttrList &);
+template bool parseAttributes(StateParser &, SDPAttrList &);
+template bool parseAttribute(StateParser &, SDPAttr &);
+template bool parseValue(StateParser &, SDPAttr &, std::string_view, uint32_t);
+template bool parseOther(StateParser &, SDPAttr &, std::string_view);
+template bool parseTextValue(StateParser &, SDPAttr &, uint32_t);
+template bool keepUnrecognised(StateParser &, SDPAttr &, std::string_view);
+template bool keepNamedText(StateParser &, SDPAttr &, std::string_view, uint32_t,
+                            std::string_view &);
+template bool keepName(StateParser &, SDPAttr &, std::string_view);
 
 } // namespace sdpline

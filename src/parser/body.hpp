@@ -11,7 +11,8 @@ SDPResult parseFromState(SdpLine &line);
 
 // Remembers that the text was refused, and where: at the word that was judged, or else where the
 // parser is. A refused call has no place.
-[[gnu::cold, gnu::noinline]] void rememberPlace(const SipString &text, const Parser &parser);
+[[gnu::cold, gnu::noinline]] void rememberPlace(const SipString &text, const Position &position,
+                                                SDPResult failure);
 void rememberCall(SDPResult result, Check check);
 
 } // namespace sdpline

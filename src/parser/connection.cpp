@@ -17,7 +17,7 @@ struct OctetChecks {
 };
 
 // 1*DIGIT
-SDPLINE_INLINE bool octet(Parser &p, uint8_t &byte, OctetChecks checks,
+SDPLINE_INLINE bool octet(Parser auto &p, uint8_t &byte, OctetChecks checks,
                           uint32_t line = __builtin_LINE()) {
     std::string_view digits;
     if (!p.read(digits, SDP_TOK_DIGIT, checks.digits, line)) {
@@ -28,7 +28,7 @@ SDPLINE_INLINE bool octet(Parser &p, uint8_t &byte, OctetChecks checks,
         return p.refuse(checks.range, 0, line);
     }
     byte = static_cast<uint8_t>(value);
-    return p.nextAfterDigits();
+    return p.nextAfterRun(Context::Alnum);
 }
 
 } // namespace
@@ -43,7 +43,7 @@ SDPResult addressType(SDPConnection &connection, uint32_t kind) {
 }
 
 // 3( 1*DIGIT "." ) 1*DIGIT, after the space that is still current
-bool parseIpv4(Parser &p, SDPConnection &connection) {
+bool parseIpv4(Parser auto &p, SDPConnection &connection) {
     p.take(SDP_TOK_SPACE, Context::Alnum);
     connection.stTptAddr.enTptAddrType = SDP_TPTADDR_IPV4;
     uint8_t *const octets = connection.stTptAddr.unTptAddr.aucIpv4;
@@ -59,7 +59,7 @@ bool parseIpv4(Parser &p, SDPConnection &connection) {
 }
 
 // One run of letters, digits, ":" and ".", after the space that is still current
-bool parseIpv6(Parser &p, SDPConnection &connection) {
+bool parseIpv6(Parser auto &p, SDPConnection &connection) {
     p.take(SDP_TOK_SPACE, Context::Ipv6);
     if (!p.is(SDP_TOK_DIGIT) && !p.is(SDP_TOK_ALPHA) && !p.is(SDP_TOK_COLON)) {
         return p.refuse(Check::ConnIpv6Kind);
@@ -78,7 +78,7 @@ bool parseIpv6(Parser &p, SDPConnection &connection) {
 }
 
 // [ "/" ttl [ "/" count ] ]
-bool parseTtlAndCount(Parser &p, SDPConnection &connection) {
+bool parseTtlAndCount(Parser auto &p, SDPConnection &connection) {
     if (!p.is(SDP_TOK_SLASH)) {
         connection.ulTtl = SDP_NOT_GIVEN;
         connection.ulNoOfAddrs = SDP_NOT_GIVEN;
@@ -98,7 +98,7 @@ bool parseTtlAndCount(Parser &p, SDPConnection &connection) {
 namespace {
 
 // c= "IN" SP
-SDPLINE_INLINE bool networkType(Parser &p, SDPConnection &connection) {
+SDPLINE_INLINE bool networkType(Parser auto &p, SDPConnection &connection) {
     if (!p.expect(SDP_TOK_CONNECTION, Context::Sdp, Check::ConnLine) ||
         !p.see(SDP_TOK_IN, Check::ConnNetType)) {
         return false;
@@ -110,7 +110,7 @@ SDPLINE_INLINE bool networkType(Parser &p, SDPConnection &connection) {
 }
 
 // ( "IP4" / "IP6" ) SP address
-SDPLINE_INLINE bool address(Parser &p, SDPConnection &connection) {
+SDPLINE_INLINE bool address(Parser auto &p, SDPConnection &connection) {
     const uint32_t family = p.kind;
     return p.accept(addressType(connection, family)) && p.next(Context::Alnum) &&
            p.see(SDP_TOK_SPACE, Check::ConnAddrTypeSpace) &&
@@ -118,7 +118,7 @@ SDPLINE_INLINE bool address(Parser &p, SDPConnection &connection) {
 }
 
 // The usual types of a numeric address, which are compared at once.
-SDPLINE_INLINE bool ipv4Types(Parser &p, SDPConnection &connection) {
+SDPLINE_INLINE bool ipv4Types(Parser auto &p, SDPConnection &connection) {
     if (!p.is(SDP_TOK_CONNECTION) || !p.jump("IN IP4 ")) {
         return false;
     }
@@ -130,12 +130,18 @@ SDPLINE_INLINE bool ipv4Types(Parser &p, SDPConnection &connection) {
 } // namespace
 
 // c= "IN" SP ( "IP4" / "IP6" ) SP address [ "/" ttl [ "/" count ] ] LF
-[[gnu::flatten]] bool parseConnection(Parser &parser, SDPConnection &connection) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+bool parseConnection(Parser auto &parser, SDPConnection &connection) {
+    return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
         return (ipv4Types(p, connection) ? parseIpv4(p, connection)
                                          : networkType(p, connection) && address(p, connection)) &&
                parseTtlAndCount(p, connection) && p.endLine(Check::ConnEnd);
     });
 }
+
+template bool parseConnection(BodyParser &, SDPConnection &);
+template bool parseConnection(StateParser &, SDPConnection &);
+template bool parseIpv4(StateParser &, SDPConnection &);
+template bool parseIpv6(StateParser &, SDPConnection &);
+template bool parseTtlAndCount(StateParser &, SDPConnection &);
 
 } // namespace sdpline

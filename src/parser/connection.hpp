@@ -6,8 +6,8 @@
 namespace sdpline {
 
 SDPResult addressType(SDPConnection &connection, uint32_t kind);
-bool parseIpv4(Parser &p, SDPConnection &connection);
-bool parseIpv6(Parser &p, SDPConnection &connection);
-bool parseTtlAndCount(Parser &p, SDPConnection &connection);
+bool parseIpv4(Parser auto &p, SDPConnection &connection);
+bool parseIpv6(Parser auto &p, SDPConnection &connection);
+bool parseTtlAndCount(Parser auto &p, SDPConnection &connection);
 
 } // namespace sdpline

@@ -30,7 +30,7 @@ constexpr bool contains(LineSet set, uint32_t kind) {
 // One line kind, or run of lines: what parses it, what may follow it, and what is wrong otherwise.
 struct Step {
     uint32_t kind;
-    bool (*parse)(Parser &parser, SdpLine &line);
+    Production<SdpLine> parse;
     LineSet next;
     bool mayEnd; // an empty line may follow: the description ends there
     Check unexpected;
@@ -38,71 +38,78 @@ struct Step {
     constexpr bool mayEndAt(uint32_t following) const { return mayEnd && following == SDP_TOK_LF; }
 };
 
-constexpr Step kSteps[] = {
-    {SDP_TOK_VERSION, [](Parser &p, SdpLine &line) { return parseVersion(p, line.ulProtoVersion); },
+// Every description begins with these, in this order.
+constexpr Step kHead[] = {
+    {SDP_TOK_VERSION,
+     [](Parser auto &p, SdpLine &line) { return parseVersion(p, line.ulProtoVersion); },
      lines({SDP_TOK_ORIGIN}), false, Check::StartOrigin},
-    {SDP_TOK_ORIGIN, [](Parser &p, SdpLine &line) { return parseOrigin(p, line.stOrigin); },
+    {SDP_TOK_ORIGIN, [](Parser auto &p, SdpLine &line) { return parseOrigin(p, line.stOrigin); },
      lines({SDP_TOK_SESSION_NAME}), false, Check::StartName},
     {SDP_TOK_SESSION_NAME,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return parseText(p, SDP_TOK_SESSION_NAME, line.strSessionName);
      },
      lines({SDP_TOK_PHONE, SDP_TOK_BANDWIDTH, SDP_TOK_CONNECTION, SDP_TOK_TIME, SDP_TOK_MEDIA,
             SDP_TOK_URI, SDP_TOK_INFO, SDP_TOK_EMAIL}),
      true, Check::AfterName},
+};
+
+constexpr Step kSteps[] = {
     {SDP_TOK_INFO,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return textInto<&SdpLine::pstrSessionInfo>(p, line, SDP_TOK_INFO, Check::InfoAlloc);
      },
      lines({SDP_TOK_PHONE, SDP_TOK_BANDWIDTH, SDP_TOK_CONNECTION, SDP_TOK_TIME, SDP_TOK_URI,
             SDP_TOK_EMAIL}),
      true, Check::AfterInfo},
     {SDP_TOK_URI,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return textInto<&SdpLine::pstrUri>(p, line, SDP_TOK_URI, Check::UriAlloc);
      },
      lines({SDP_TOK_PHONE, SDP_TOK_BANDWIDTH, SDP_TOK_CONNECTION, SDP_TOK_TIME, SDP_TOK_EMAIL}),
      true, Check::AfterUri},
     {SDP_TOK_EMAIL,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return listInto<&SdpLine::pstEmailList>(p, line, SDP_TOK_EMAIL, Check::EmailAlloc);
      },
      lines({SDP_TOK_PHONE, SDP_TOK_CONNECTION, SDP_TOK_BANDWIDTH, SDP_TOK_TIME}), true,
      Check::AfterEmail},
     {SDP_TOK_PHONE,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return listInto<&SdpLine::pstPhoneList>(p, line, SDP_TOK_PHONE, Check::PhoneAlloc);
      },
      lines({SDP_TOK_CONNECTION, SDP_TOK_BANDWIDTH, SDP_TOK_TIME}), true, Check::AfterPhone},
     {SDP_TOK_CONNECTION,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return connectionInto<&SdpLine::pstConnection>(p, line, Check::ConnectionAlloc);
      },
      lines({SDP_TOK_BANDWIDTH, SDP_TOK_TIME, SDP_TOK_MEDIA}), true, Check::AfterConnection},
     {SDP_TOK_BANDWIDTH,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return listInto<&SdpLine::pstBandwidthList>(p, line, SDP_TOK_BANDWIDTH,
                                                      Check::BandwidthAlloc);
      },
      lines({SDP_TOK_TIME}), true, Check::AfterBandwidth},
-    {SDP_TOK_TIME, [](Parser &p, SdpLine &line) { return parseTimes(p, line.stTimeSet); },
+    {SDP_TOK_TIME, [](Parser auto &p, SdpLine &line) { return parseTimes(p, line.stTimeSet); },
      lines({SDP_TOK_KEY, SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA, SDP_TOK_ZONE}), true, Check::AfterTime},
     {SDP_TOK_ZONE,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return textInto<&SdpLine::pstrTimeZone>(p, line, SDP_TOK_ZONE, Check::ZoneAlloc);
      },
      lines({SDP_TOK_KEY, SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA}), true, Check::AfterZone},
     {SDP_TOK_KEY,
-     [](Parser &p, SdpLine &line) { return keyInto<&SdpLine::pstKey>(p, line, Check::KeyAlloc); },
+     [](Parser auto &p, SdpLine &line) {
+         return keyInto<&SdpLine::pstKey>(p, line, Check::KeyAlloc);
+     },
      lines({SDP_TOK_ATTRIBUTE, SDP_TOK_MEDIA}), true, Check::AfterKey},
     {SDP_TOK_ATTRIBUTE,
-     [](Parser &p, SdpLine &line) {
+     [](Parser auto &p, SdpLine &line) {
          return attributesInto<&SdpLine::pstAttrList>(p, line, Check::AttributesAlloc);
      },
      lines({SDP_TOK_MEDIA}), true, Check::AfterAttributes},
     {SDP_TOK_MEDIA,
-     [](Parser &p, SdpLine &line) { return parseMediaDescriptions(p, line.stMediaSet); }, lines({}),
-     true, Check::AfterMedia},
+     [](Parser auto &p, SdpLine &line) { return parseMediaDescriptions(p, line.stMediaSet); },
+     lines({}), true, Check::AfterMedia},
 };
 
 // The row of each line kind that has one.
@@ -121,7 +128,7 @@ const Step *stepOf(uint32_t kind) {
 // Every line that may follow another has a step of its own.
 constexpr bool stepsAreComplete() {
     LineSet known = 0;
-    LineSet followers = 0;
+    LineSet followers = std::end(kHead)[-1].next;
     for (const Step &step : kSteps) {
         known |= lines({step.kind});
         followers |= step.next;
@@ -129,33 +136,26 @@ constexpr bool stepsAreComplete() {
     return (followers & ~known) == 0;
 }
 static_assert(stepsAreComplete());
-
-} // namespace
-
-namespace {
+static_assert(kHead[0].next == lines({kHead[1].kind}) && kHead[1].next == lines({kHead[2].kind}));
 
 // Runs a step's production, and returns whether the line after it may follow it.
-SDPLINE_INLINE bool runStep(Parser &p, SdpLine &line, const Step &step) {
+SDPLINE_INLINE bool runStep(Parser auto &p, SdpLine &line, const Step &step) {
     return step.parse(p, line) && (contains(step.next, p.kind) || step.mayEndAt(p.kind) ||
                                    p.refuse(step.unexpected, p.kind));
 }
 
-static_assert(kSteps[0].kind == SDP_TOK_VERSION && kSteps[1].kind == SDP_TOK_ORIGIN &&
-              kSteps[2].kind == SDP_TOK_SESSION_NAME);
-
-// version origin session-name: every description begins with them, and they are parsed in one
-// function, in registers.
-[[gnu::flatten]] bool parseHead(Parser &parser, SdpLine &line) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
-        return p.see(SDP_TOK_VERSION, Check::StartVersion) && runStep(p, line, kSteps[0]) &&
-               runStep(p, line, kSteps[1]) && runStep(p, line, kSteps[2]);
+// version origin session-name, in one function and in registers.
+bool parseHead(Parser auto &parser, SdpLine &line) {
+    return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
+        return p.see(kHead[0].kind, Check::StartVersion) && runStep(p, line, kHead[0]) &&
+               runStep(p, line, kHead[1]) && runStep(p, line, kHead[2]);
     });
 }
 
 } // namespace
 
 // From the version's key to the end of the description.
-bool parseLines(Parser &parser, SdpLine &line) {
+bool parseLines(Parser auto &parser, SdpLine &line) {
     if (!parseHead(parser, line)) {
         return false;
     }
@@ -167,9 +167,18 @@ bool parseLines(Parser &parser, SdpLine &line) {
     return true;
 }
 
+[[gnu::noinline]] StateParser loadParser() {
+    return {lexer::load(), 0};
+}
+
+[[gnu::noinline]] SDPResult storeParser(const StateParser &parser) {
+    lexer::store(parser, parser.special);
+    return parser.failure;
+}
+
 SDPResult parseFromState(SdpLine &line) {
     startTracking();
-    return withGlobalLexer([&](Parser &parser) { return parseLines(parser, line); });
+    return withGlobalLexer([&](StateParser &parser) { return parseLines(parser, line); });
 }
 
 namespace {
@@ -184,6 +193,16 @@ SDPResult refuseCall(Check check, uint32_t line = __builtin_LINE()) {
     return result;
 }
 
+// Parses the text from its first token on, and stores where the parser stopped.
+SDPLINE_INLINE SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line) {
+    const bool done = parseLines(parser, line);
+    lexer::store(parser, parser.special);
+    if (!done) {
+        rememberPlace(text, parser, parser.failure);
+    }
+    return parser.failure;
+}
+
 // Parses the text from its normal form, which is made in the buffer.
 SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString &text,
                                  SdpLine &line) {
@@ -192,13 +211,9 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
     uint8_t *const end = seesFills() ? normaliseCleared(bytes, text.ulLen, buffer, size)
                                      : normalise(bytes, text.ulLen, buffer);
     std::memset(end, 0, lexer::kPadding);
-    Parser parser = {lexer::begin(buffer), 0};
-    const bool done = parseLines(parser, line);
-    lexer::store(parser);
-    if (!done) {
-        rememberPlace(text, parser);
-    }
-    return parser.failure;
+    const StateLexer start = lexer::begin(buffer);
+    return start.special == 0 ? parseWith(BodyParser{{start, {}}, 0}, text, line)
+                              : parseWith(StateParser{start, 0}, text, line);
 }
 
 // The same for a body that SdpSetMaxBodySize admits: its normal form lives as long as the parse.

@@ -10,33 +10,33 @@ namespace {
 // next description or by the end.
 struct MediaStep {
     uint32_t kind;
-    bool (*parse)(Parser &parser, SDPMediaDesc &desc);
+    Production<SDPMediaDesc> parse;
     Check unexpected;
 };
 
 constexpr MediaStep kMediaSteps[] = {
     {SDP_TOK_MEDIA,
-     [](Parser &p, SDPMediaDesc &desc) { return parseMediaField(p, desc.stMediaField); },
+     [](Parser auto &p, SDPMediaDesc &desc) { return parseMediaField(p, desc.stMediaField); },
      Check::AfterMediaLine},
     {SDP_TOK_INFO,
-     [](Parser &p, SDPMediaDesc &desc) {
+     [](Parser auto &p, SDPMediaDesc &desc) {
          return textInto<&SDPMediaDesc::pstrMediaInfo>(p, desc, SDP_TOK_INFO,
                                                        Check::MediaInfoAlloc);
      },
      Check::AfterMediaInfo},
     {SDP_TOK_CONNECTION,
-     [](Parser &p, SDPMediaDesc &desc) {
+     [](Parser auto &p, SDPMediaDesc &desc) {
          return connectionInto<&SDPMediaDesc::pstConnection>(p, desc, Check::MediaConnectionAlloc);
      },
      Check::AfterMediaConnection},
     {SDP_TOK_BANDWIDTH,
-     [](Parser &p, SDPMediaDesc &desc) {
+     [](Parser auto &p, SDPMediaDesc &desc) {
          return listInto<&SDPMediaDesc::pstBandwidthList>(p, desc, SDP_TOK_BANDWIDTH,
                                                           Check::MediaBandwidthAlloc);
      },
      Check::AfterMediaBandwidth},
     {SDP_TOK_KEY,
-     [](Parser &p, SDPMediaDesc &desc) {
+     [](Parser auto &p, SDPMediaDesc &desc) {
          return keyInto<&SDPMediaDesc::pstKey>(p, desc, Check::MediaKeyAlloc);
      },
      Check::AfterMediaKey},
@@ -55,7 +55,7 @@ const MediaStep *stepOf(uint32_t kind, const MediaStep *step) {
 } // namespace
 
 // media-field [ information ] [ connection ] *bandwidth [ key ] *attribute
-bool parseMediaDescription(Parser &parser, SDPMediaDesc &desc) {
+bool parseMediaDescription(Parser auto &parser, SDPMediaDesc &desc) {
     const MediaStep *step = kMediaSteps;
     for (;;) {
         if (!step->parse(parser, desc)) {
@@ -78,12 +78,17 @@ bool parseMediaDescription(Parser &parser, SDPMediaDesc &desc) {
 }
 
 // 1*media-description. The count is one of 8 bits.
-bool parseMediaDescriptions(Parser &parser, SDPMediaSet &set) {
+bool parseMediaDescriptions(Parser auto &parser, SDPMediaSet &set) {
     return parseList<SDPMediaDesc, uint8_t>(
         parser, {Check::MediaArrayAlloc, Check::MediaAlloc, Check::MediaGrow},
-        [&](SDPMediaDesc **descs) { set.ppstMediaDescs = descs; }, parseMediaDescription,
-        [](const Parser &p) { return p.is(SDP_TOK_MEDIA); },
+        [&](SDPMediaDesc **descs) { set.ppstMediaDescs = descs; },
+        [](Parser auto &p, SDPMediaDesc &desc) { return parseMediaDescription(p, desc); },
+        [](const Parser auto &p) { return p.is(SDP_TOK_MEDIA); },
         [&](uint32_t count) { set.ulNoOfMediaDescs = count; });
 }
+
+template bool parseMediaDescription(StateParser &, SDPMediaDesc &);
+template bool parseMediaDescriptions(BodyParser &, SDPMediaSet &);
+template bool parseMediaDescriptions(StateParser &, SDPMediaSet &);
 
 } // namespace sdpline

@@ -5,12 +5,12 @@
 
 namespace sdpline {
 
-bool parseMediaDescription(Parser &parser, SDPMediaDesc &desc);
+bool parseMediaDescription(Parser auto &parser, SDPMediaDesc &desc);
 
 SDPResult classifyMedia(SDPMediaField &field, std::string_view word);
-bool parseFormats(Parser &p, SDPMediaField &field, std::string_view proto);
-bool parsePayloads(Parser &p, SDPMediaField &field, uint32_t proto);
-bool parsePayloadNumbers(Parser &p, uint32_t &count, uint32_t *numbers, uint32_t limit);
-bool parseOtherFormat(Parser &p, SDPMediaField &field, uint32_t proto);
+bool parseFormats(Parser auto &p, SDPMediaField &field, std::string_view proto);
+bool parsePayloads(Parser auto &p, SDPMediaField &field, uint32_t proto);
+bool parsePayloadNumbers(Parser auto &p, uint32_t &count, uint32_t *numbers, uint32_t limit);
+bool parseOtherFormat(Parser auto &p, SDPMediaField &field, uint32_t proto);
 
 } // namespace sdpline

@@ -12,7 +12,7 @@ struct NumericChecks {
 };
 
 // ":" 1*DIGIT
-SDPLINE_INLINE bool numericValue(Parser &p, SDPAttr &attr, uint32_t type, NumericChecks checks,
+SDPLINE_INLINE bool numericValue(Parser auto &p, SDPAttr &attr, uint32_t type, NumericChecks checks,
                                  uint32_t line = __builtin_LINE()) {
     attr.ulAttrType = type;
     return p.expect(SDP_TOK_COLON, Context::Alnum, checks.colon, line) &&
@@ -28,13 +28,13 @@ struct ChoiceChecks {
 
 // ":" token LF, where the token is one of the table's words
 template <const auto &Table>
-SDPLINE_INLINE bool choice(Parser &p, SDPAttr &attr, uint32_t type, ChoiceChecks checks,
+SDPLINE_INLINE bool choice(Parser auto &p, SDPAttr &attr, uint32_t type, ChoiceChecks checks,
                            uint32_t line = __builtin_LINE()) {
     attr.ulAttrType = type;
     std::string_view word;
     return p.expect(SDP_TOK_COLON, Context::Token, checks.colon, line) &&
-           p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.next(Context::Token) &&
-           p.keyword<Table>(attr.unAttrValue.ulValue, word, checks.unknown, line) &&
+           p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.nextAfterRun(Context::Token) &&
+           p.accept(classify<Table>(attr.unAttrValue.ulValue, word, checks.unknown, line)) &&
            p.endLine(checks.end, line);
 }
 
@@ -47,7 +47,7 @@ struct ParamsChecks {
 };
 
 // 1*1023<any byte but LF> LF, kept with the space it begins with
-SDPLINE_INLINE bool params(Parser &p, SipString &value, ParamsChecks checks,
+SDPLINE_INLINE bool params(Parser auto &p, SipString &value, ParamsChecks checks,
                            uint32_t line = __builtin_LINE()) {
     if (p.is(SDP_TOK_LF)) {
         return p.refuse(checks.missing, 0, line);
@@ -65,33 +65,33 @@ SDPLINE_INLINE bool params(Parser &p, SipString &value, ParamsChecks checks,
 } // namespace
 
 SDPResult classifySilence(SDPSilenceSuppression &silence, std::string_view word) {
-    return Parser::classify<kSwitchWords>(silence.bOn, word, Check::SilenceWord);
+    return classify<kSwitchWords>(silence.bOn, word, Check::SilenceWord);
 }
 
 SDPResult classifyEcanDirection(SDPEcan &ecan, std::string_view word) {
-    return Parser::classify<kEcanDirWords>(ecan.enEcanDir, word, Check::EcanDirectionWord);
+    return classify<kEcanDirWords>(ecan.enEcanDir, word, Check::EcanDirectionWord);
 }
 
 SDPResult classifyEcan(SDPEcan &ecan, std::string_view word) {
-    return Parser::classify<kSwitchWords>(ecan.bOn, word, Check::EcanWord);
+    return classify<kSwitchWords>(ecan.bOn, word, Check::EcanWord);
 }
 
 SDPResult classifyIpBcp(SDPIpBcp &ipBcp, std::string_view word) {
-    return Parser::classify<kIpBcpWords>(ipBcp.ucType, word, Check::IpBcpType);
+    return classify<kIpBcpWords>(ipBcp.ucType, word, Check::IpBcpType);
 }
 
 SDPResult classifySetup(SDPAttr &attr, std::string_view word) {
-    return Parser::classify<kSetupWords>(attr.unAttrValue.enT120Mode, word, Check::SetupWord);
+    return classify<kSetupWords>(attr.unAttrValue.enT120Mode, word, Check::SetupWord);
 }
 
 // LF
-bool parseFlag(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseFlag(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     return p.endLine(Check::ModeEnd);
 }
 
 // ":" 1*DIGIT LF, and for a frame rate ":" 1*DIGIT [ "." 1*DIGIT ] LF with the fraction dropped
-bool parsePacketNumber(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parsePacketNumber(Parser auto &p, SDPAttr &attr, uint32_t type) {
     if (!numericValue(p, attr, type,
                       {Check::PacketColon, {Check::PacketNumber, Check::PacketText}})) {
         return false;
@@ -104,20 +104,20 @@ bool parsePacketNumber(Parser &p, SDPAttr &attr, uint32_t type) {
 }
 
 // ":" 1*DIGIT LF
-bool parseQuality(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseQuality(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return numericValue(p, attr, type,
                         {Check::QualityColon, {Check::QualityNumber, Check::QualityText}}) &&
            p.endLine(Check::QualityEnd);
 }
 
 // ":" 1*DIGIT LF
-bool parseFaxNumber(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseFaxNumber(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return numericValue(p, attr, type, {Check::FaxColon, {Check::FaxNumber, Check::FaxText}}) &&
            p.endLine(Check::FaxEnd);
 }
 
 // [ ":" 1*DIGIT ] LF: no number says yes
-bool parseSwitch(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseSwitch(Parser auto &p, SDPAttr &attr, uint32_t type) {
     if (p.is(SDP_TOK_COLON)) {
         return parseFaxNumber(p, attr, type);
     }
@@ -127,14 +127,14 @@ bool parseSwitch(Parser &p, SDPAttr &attr, uint32_t type) {
 }
 
 // ":" ( "localTCF" / "transferredTCF" ) LF
-bool parseFaxRate(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseFaxRate(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return choice<kT38RateWords>(
         p, attr, type,
         {Check::RateColon, {Check::RateToken, Check::RateText}, Check::RateWord, Check::RateEnd});
 }
 
 // ":" ( "t38UDPFEC" / "t38UDPRedundancy" ) LF
-bool parseFaxErrorCorrection(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseFaxErrorCorrection(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return choice<kT38UdpEcWords>(p, attr, type,
                                   {Check::UdpEcColon,
                                    {Check::UdpEcToken, Check::UdpEcText},
@@ -143,7 +143,7 @@ bool parseFaxErrorCorrection(Parser &p, SDPAttr &attr, uint32_t type) {
 }
 
 // ":" ( "on" / "off" ) params LF
-bool parseSilenceSupp(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseSilenceSupp(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     SDPSilenceSuppression &silence = attr.unAttrValue.stSilenceSupp;
     std::string_view word;
@@ -156,7 +156,7 @@ bool parseSilenceSupp(Parser &p, SDPAttr &attr, uint32_t type) {
 }
 
 // ":" ( "fb" / "f" / "b" ) SP ( "on" / "off" ) params LF
-bool parseEcan(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseEcan(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     SDPEcan &ecan = attr.unAttrValue.stEcan;
     std::string_view word;
@@ -172,7 +172,7 @@ bool parseEcan(Parser &p, SDPAttr &attr, uint32_t type) {
 }
 
 // ":" 1*DIGIT SP ( "Request" / "Accepted" / "Confused" / "Rejected" ) LF
-bool parseIpBcp(Parser &p, SDPAttr &attr) {
+bool parseIpBcp(Parser auto &p, SDPAttr &attr) {
     attr.ulAttrType = SDP_ATTR_IPBCP;
     SDPIpBcp &ipBcp = attr.unAttrValue.stIpBcp;
     uint32_t version = 1;
@@ -193,7 +193,7 @@ bool parseIpBcp(Parser &p, SDPAttr &attr) {
 }
 
 // ":" ( "passive" / "active" / "actpass" ) LF
-bool parseSetup(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseSetup(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     if (!p.takeToText(SDP_TOK_COLON)) {
         return p.refuse(Check::SetupColon);
@@ -210,5 +210,23 @@ bool parseSetup(Parser &p, SDPAttr &attr, uint32_t type) {
     }
     return p.accept(classifySetup(attr, role)) && p.endLine(Check::SetupEnd);
 }
+
+template bool parseFlag(BodyParser &, SDPAttr &, uint32_t);
+template bool parseFlag(StateParser &, SDPAttr &, uint32_t);
+template bool parsePacketNumber(BodyParser &, SDPAttr &, uint32_t);
+template bool parsePacketNumber(StateParser &, SDPAttr &, uint32_t);
+template bool parseQuality(StateParser &, SDPAttr &, uint32_t);
+template bool parseFaxNumber(BodyParser &, SDPAttr &, uint32_t);
+template bool parseFaxNumber(StateParser &, SDPAttr &, uint32_t);
+template bool parseSwitch(StateParser &, SDPAttr &, uint32_t);
+template bool parseFaxRate(BodyParser &, SDPAttr &, uint32_t);
+template bool parseFaxRate(StateParser &, SDPAttr &, uint32_t);
+template bool parseFaxErrorCorrection(BodyParser &, SDPAttr &, uint32_t);
+template bool parseFaxErrorCorrection(StateParser &, SDPAttr &, uint32_t);
+template bool parseSilenceSupp(StateParser &, SDPAttr &, uint32_t);
+template bool parseEcan(StateParser &, SDPAttr &, uint32_t);
+template bool parseIpBcp(StateParser &, SDPAttr &);
+template bool parseSetup(BodyParser &, SDPAttr &, uint32_t);
+template bool parseSetup(StateParser &, SDPAttr &, uint32_t);
 
 } // namespace sdpline

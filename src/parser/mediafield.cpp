@@ -19,7 +19,7 @@ SDPResult classifyMedia(SDPMediaField &field, std::string_view word) {
 }
 
 // *( payload [ SP ] ), up to the line end
-bool parsePayloadNumbers(Parser &p, uint32_t &count, uint32_t *numbers, uint32_t limit) {
+bool parsePayloadNumbers(Parser auto &p, uint32_t &count, uint32_t *numbers, uint32_t limit) {
     while (count < limit) {
         if (p.is(SDP_TOK_LF)) {
             return true;
@@ -42,7 +42,7 @@ namespace {
 
 // The numbers and the line end, after the first space. An empty list asks for zero bytes too, and
 // keeps no array.
-SDPLINE_INLINE bool payloadList(Parser &p, SDPMediaFmt &fmt) {
+SDPLINE_INLINE bool payloadList(Parser auto &p, SDPMediaFmt &fmt) {
     uint32_t numbers[SDP_MAX_PAYLOADS];
     uint32_t count = 0;
     if (!parsePayloadNumbers(p, count, numbers, SDP_MAX_PAYLOADS)) {
@@ -81,7 +81,7 @@ SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
 } // namespace
 
 // [ SP payloads ] LF: only a media with port 0 may have no payloads
-bool parsePayloads(Parser &p, SDPMediaField &field, uint32_t proto) {
+bool parsePayloads(Parser auto &p, SDPMediaField &field, uint32_t proto) {
     field.stProto.enProto = proto;
     SDPMediaFmt &fmt = field.stMediaFmt;
     if (p.take(SDP_TOK_SPACE, Context::Alnum)) {
@@ -96,12 +96,12 @@ bool parsePayloads(Parser &p, SDPMediaField &field, uint32_t proto) {
 }
 
 // SP format LF: one format, and t120 over TCP only
-bool parseOtherFormat(Parser &p, SDPMediaField &field, uint32_t proto) {
+bool parseOtherFormat(Parser auto &p, SDPMediaField &field, uint32_t proto) {
     field.stProto.enProto = proto;
     std::string_view word;
     return p.expect(SDP_TOK_SPACE, Context::Token, Check::FormatSpace) &&
            p.read(word, SDP_TOK_TOKEN, {Check::FormatToken, Check::FormatText}) &&
-           p.next(Context::Token) && p.accept(classifyFormat(field, word)) &&
+           p.nextAfterRun(Context::Token) && p.accept(classifyFormat(field, word)) &&
            p.endLine(Check::FormatEnd);
 }
 
@@ -121,7 +121,7 @@ uint32_t protoOf(std::string_view word) {
 }
 
 // A word that cannot be stored for lack of memory leaves a string without bytes, and goes on.
-bool keepProto(Parser &p, SDPMediaField &field, std::string_view word) {
+bool keepProto(Parser auto &p, SDPMediaField &field, std::string_view word) {
     auto *const text = allocate<SipString>("sdpMediaFmt");
     field.stProto.pstrOtherProto = text;
     if (text == nullptr) {
@@ -132,7 +132,7 @@ bool keepProto(Parser &p, SDPMediaField &field, std::string_view word) {
 }
 
 // SP port [ "/" number-of-ports ], after the media type
-SDPLINE_INLINE bool ports(Parser &p, SDPMediaField &field) {
+SDPLINE_INLINE bool ports(Parser auto &p, SDPMediaField &field) {
     if (!p.expect(SDP_TOK_SPACE, Context::Alnum, Check::MediaWordSpace) ||
         !p.number(field.ulPort, {Check::MediaPort, Check::MediaPortText})) {
         return false;
@@ -145,23 +145,21 @@ SDPLINE_INLINE bool ports(Parser &p, SDPMediaField &field) {
 } // namespace
 
 // The protocol's code, then its formats
-bool parseFormats(Parser &p, SDPMediaField &field, std::string_view proto) {
+bool parseFormats(Parser auto &p, SDPMediaField &field, std::string_view proto) {
     const uint32_t code = protoOf(proto);
-    if (takesPayloads(code)) {
-        return parsePayloads(p, field, code);
+    const bool isOther = code == SDP_PROTO_OTHER;
+    if (isOther && !keepProto(p, field, proto)) {
+        return false;
     }
-    if (code != SDP_PROTO_OTHER) {
-        return parseOtherFormat(p, field, code);
-    }
-    return keepProto(p, field, proto) && (settings().bRtpFamily == 1 && endsInRtpProfile(proto)
-                                              ? parsePayloads(p, field, code)
-                                              : parseOtherFormat(p, field, code));
+    return takesPayloads(code) || (isOther && settings().bRtpFamily == 1 && endsInRtpProfile(proto))
+               ? parsePayloads(p, field, code)
+               : parseOtherFormat(p, field, code);
 }
 
 namespace {
 
 // m= media, up to the space after it: the usual words are compared at once.
-SDPLINE_INLINE bool mediaType(Parser &p, SDPMediaField &field) {
+SDPLINE_INLINE bool mediaType(Parser auto &p, SDPMediaField &field) {
     if (p.is(SDP_TOK_MEDIA)) {
         const uint32_t usual = p.jumpWord("audio ")   ? SDP_MEDIA_AUDIO
                                : p.jumpWord("video ") ? SDP_MEDIA_VIDEO
@@ -178,7 +176,7 @@ SDPLINE_INLINE bool mediaType(Parser &p, SDPMediaField &field) {
 }
 
 // SP proto formats LF: so is the usual protocol.
-SDPLINE_INLINE bool protoAndFormats(Parser &p, SDPMediaField &field) {
+SDPLINE_INLINE bool protoAndFormats(Parser auto &p, SDPMediaField &field) {
     if (p.is(SDP_TOK_SPACE) && p.jumpWord("RTP/AVP ")) {
         p.under(Context::Token);
         return parsePayloads(p, field, SDP_PROTO_RTP_AVP);
@@ -186,16 +184,23 @@ SDPLINE_INLINE bool protoAndFormats(Parser &p, SDPMediaField &field) {
     std::string_view word;
     return p.see(SDP_TOK_SPACE, Check::MediaPortSpace) && p.next(Context::Token) &&
            p.read(word, SDP_TOK_TOKEN, {Check::MediaProto, Check::MediaProtoText}) &&
-           p.next(Context::Token) && parseFormats(p, field, word);
+           p.nextAfterRun(Context::Token) && parseFormats(p, field, word);
 }
 
 } // namespace
 
 // m= media SP port [ "/" number-of-ports ] SP proto formats LF
-[[gnu::flatten]] bool parseMediaField(Parser &parser, SDPMediaField &field) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+bool parseMediaField(Parser auto &parser, SDPMediaField &field) {
+    return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
         return mediaType(p, field) && ports(p, field) && protoAndFormats(p, field);
     });
 }
+
+template bool parseMediaField(BodyParser &, SDPMediaField &);
+template bool parseMediaField(StateParser &, SDPMediaField &);
+template bool parseFormats(StateParser &, SDPMediaField &, std::string_view);
+template bool parsePayloads(StateParser &, SDPMediaField &, uint32_t);
+template bool parsePayloadNumbers(StateParser &, uint32_t &, uint32_t *, uint32_t);
+template bool parseOtherFormat(StateParser &, SDPMediaField &, uint32_t);
 
 } // namespace sdpline

@@ -6,16 +6,16 @@ namespace sdpline {
 namespace {
 
 // A token of the kind, stored, and the next one under `context`
-SDPLINE_INLINE bool storeToken(Parser &p, SipString &value, uint32_t kind, uint32_t context,
+SDPLINE_INLINE bool storeToken(Parser auto &p, SipString &value, uint32_t kind, uint32_t context,
                                WordChecks checks, Check noMemory,
                                uint32_t line = __builtin_LINE()) {
     std::string_view text;
     return p.read(text, kind, checks, line) && store(p, value, text, noMemory, line) &&
-           p.next(context);
+           p.nextAfterRun(context);
 }
 
 // user SP session-id SP session-version
-SDPLINE_INLINE bool originNames(Parser &p, SDPOrigin &origin) {
+SDPLINE_INLINE bool originNames(Parser auto &p, SDPOrigin &origin) {
     return storeToken(p, origin.strUserName, SDP_TOK_STRING, Context::String,
                       {Check::OriginUser, Check::OriginUserText}, Check::OriginUserStore) &&
            p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginUserSpace) &&
@@ -27,7 +27,7 @@ SDPLINE_INLINE bool originNames(Parser &p, SDPOrigin &origin) {
 }
 
 // SP "IN" SP ( "IP4" / "IP6" ) SP: the usual types are compared at once.
-SDPLINE_INLINE bool originTypes(Parser &p, SDPOrigin &origin) {
+SDPLINE_INLINE bool originTypes(Parser auto &p, SDPOrigin &origin) {
     if (p.is(SDP_TOK_SPACE) && p.jump("IN IP4 ")) {
         origin.stNetType = {SDP_NETTYPE_IN, nullptr};
         origin.stAddrType = {SDP_ADDRTYPE_IP4, nullptr};
@@ -55,8 +55,8 @@ SDPLINE_INLINE bool originTypes(Parser &p, SDPOrigin &origin) {
 } // namespace
 
 // o= user SP session-id SP session-version SP "IN" SP ( "IP4" / "IP6" ) SP address LF
-bool parseOrigin(Parser &parser, SDPOrigin &origin) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+bool parseOrigin(Parser auto &parser, SDPOrigin &origin) {
+    return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
         return p.expect(SDP_TOK_ORIGIN, Context::String, Check::OriginLine) &&
                originNames(p, origin) && originTypes(p, origin) &&
                storeToken(p, origin.strAddress, SDP_TOK_STRING, Context::String,
@@ -65,5 +65,8 @@ bool parseOrigin(Parser &parser, SDPOrigin &origin) {
                p.endLine(Check::OriginEnd);
     });
 }
+
+template bool parseOrigin(BodyParser &, SDPOrigin &);
+template bool parseOrigin(StateParser &, SDPOrigin &);
 
 } // namespace sdpline

@@ -5,10 +5,14 @@
 // primitives of Parser, which come in two orders: expect() switches the lexer's context and then
 // tests the current token; see() and next() test it first and then switch.
 //
+// Productions are templates over the two parsers; the source that has one instantiates it for each
+// that is used elsewhere.
+//
 // A line's production is entered with the line's key current and leaves the next line's key
 // current, in the SDP context. That of an attribute's value is entered after the attribute's name.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -30,7 +34,28 @@ struct WordChecks {
     Check text;
 };
 
-struct Parser : Lexer {
+// The code of a word; one that the table does not know fails the check.
+template <const auto &Table>
+SDPResult classify(uint32_t &code, std::string_view word, Check unknown,
+                   uint32_t line = __builtin_LINE()) {
+    const KeywordRow *const row = findWord<Table>(word);
+    if (row == nullptr) {
+        return failWord(unknown, word.data(), line);
+    }
+    code = row->code;
+    return 0;
+}
+
+template <class Lexer>
+struct ParserOn : Lexer {
+    using Lexer::advance;
+    using Lexer::advanceAfterRun;
+    using Lexer::context;
+    using Lexer::is;
+    using Lexer::take;
+    using Lexer::text;
+    using Lexer::valueOf;
+
     SDPResult failure; // 0 while no check has failed
 
     // False: the check failed. `line` is that of the caller everywhere: it goes into the log.
@@ -62,10 +87,10 @@ struct Parser : Lexer {
         advance(under);
         return true;
     }
-    // The same after a number, which is read under the alphanumeric context.
-    SDPLINE_INLINE bool nextAfterDigits() {
-        context = Context::Alnum;
-        advanceAfterDigits();
+    // The same after a run of the context: digits, where it is the alphanumeric one.
+    SDPLINE_INLINE bool nextAfterRun(uint32_t under) {
+        context = under;
+        advanceAfterRun(under);
         return true;
     }
     // Switches the context alone.
@@ -91,49 +116,29 @@ struct Parser : Lexer {
             return false;
         }
         value = valueOf(digits);
-        return nextAfterDigits();
-    }
-    // One of the table's words, already read.
-    template <const auto &Table>
-    SDPLINE_INLINE bool keyword(uint32_t &code, std::string_view word, Check unknown,
-                                uint32_t line = __builtin_LINE()) {
-        return accept(classify<Table>(code, word, unknown, line));
+        return nextAfterRun(Context::Alnum);
     }
     // LF, then the next line's key.
     SDPLINE_INLINE bool endLine(Check check, uint32_t line = __builtin_LINE()) {
         return expect(SDP_TOK_LF, Context::Sdp, check, line);
     }
-
-    // The code of a word; one that the table does not know fails the check.
-    template <const auto &Table>
-    static SDPResult classify(uint32_t &code, std::string_view word, Check unknown,
-                              uint32_t line = __builtin_LINE()) {
-        const KeywordRow *const row = findWord<Table>(word);
-        if (row == nullptr) {
-            return failWord(unknown, word.data(), line);
-        }
-        code = row->code;
-        return 0;
-    }
 };
+
+// The parser of a body's normal form, and that of the process-wide state.
+using BodyParser = ParserOn<BodyLexer>;
+using StateParser = ParserOn<StateLexer>;
+
+template <class Any>
+concept Parser = std::same_as<Any, BodyParser> || std::same_as<Any, StateParser>;
 
 // ---- Where a production runs
 
-template <class Production>
-[[gnu::cold, gnu::noinline]] bool inMemory(Parser &parser, const Production &production) {
-    return production(parser);
-}
-
 // Runs a line's production on a copy of the parser: nothing else knows the copy's address, so it
-// lives in registers, and nothing special is looked for.
+// lives in registers. A StateParser is in memory as it is.
 template <class Production>
-SDPLINE_INLINE bool onLine(Parser &parser, const Production &production) {
-    if (parser.special != 0) [[unlikely]] {
-        return inMemory(parser, production);
-    }
-    Parser copy;
+[[gnu::flatten]] inline bool onLine(BodyParser &parser, const Production &production) {
+    BodyParser copy;
     copy.input = parser.input;
-    copy.special = 0;
     copy.failure = 0;
     copy.counted = 0;
     copy.copyPosition(parser);
@@ -145,13 +150,51 @@ SDPLINE_INLINE bool onLine(Parser &parser, const Production &production) {
     return done;
 }
 
+template <class Production>
+SDPLINE_INLINE bool onLine(StateParser &parser, const Production &production) {
+    return production(parser);
+}
+
+// Runs a production that is not inlined for a body's parser.
+template <class Production>
+SDPLINE_INLINE bool outOfLine(BodyParser &parser, const Production &production) {
+    StateParser other = {parser.anywhere(), 0};
+    const bool done = production(other);
+    parser.copyPosition(other);
+    if (!done) {
+        parser.failure = other.failure;
+    }
+    return done;
+}
+
+template <class Production>
+SDPLINE_INLINE bool outOfLine(StateParser &parser, const Production &production) {
+    return production(parser);
+}
+
+// A production that a table names, for either parser.
+template <class Record>
+struct Production {
+    template <class Function>
+    constexpr Production(Function function) : onBody_(function), onState_(function) {}
+
+    bool operator()(BodyParser &parser, Record &record) const { return onBody_(parser, record); }
+    bool operator()(StateParser &parser, Record &record) const { return onState_(parser, record); }
+
+private:
+    bool (*onBody_)(BodyParser &parser, Record &record);
+    bool (*onState_)(StateParser &parser, Record &record);
+};
+
 // Runs a production on the process-wide lexer, for the parsers that are called by their names.
+StateParser loadParser();
+SDPResult storeParser(const StateParser &parser);
+
 template <class Production>
 SDPResult withGlobalLexer(const Production &production) {
-    Parser parser = {lexer::load(), 0};
+    StateParser parser = loadParser();
     production(parser);
-    lexer::store(parser);
-    return parser.failure;
+    return storeParser(parser);
 }
 
 // ---- Records and lists
@@ -169,15 +212,15 @@ SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
 }
 
 // Stores a text; false when there is no memory for it, which is then the check that failed.
-SDPLINE_INLINE bool store(Parser &parser, SipString &value, std::string_view text, Check noMemory,
-                          uint32_t line = __builtin_LINE()) {
+SDPLINE_INLINE bool store(Parser auto &parser, SipString &value, std::string_view text,
+                          Check noMemory, uint32_t line = __builtin_LINE()) {
     return storeText(value, text) == 0 || parser.refuse(noMemory, 0, line);
 }
 
 // Allocates the record that a member points to, and hands it to `parse`. Members lie unaligned in
 // their packed records.
 template <auto Member, class Owner, class Parse>
-SDPLINE_INLINE bool parseInto(Parser &parser, Owner &owner, Check noMemory, uint32_t line,
+SDPLINE_INLINE bool parseInto(Parser auto &parser, Owner &owner, Check noMemory, uint32_t line,
                               Parse parse) {
     using Record = std::remove_pointer_t<std::remove_reference_t<decltype(owner.*Member)>>;
     auto *const record = allocate<Record>(row(noMemory).function);
@@ -245,7 +288,7 @@ struct Slots {
 // counter says at the next growth.
 template <class Item, class Counter, uint32_t First = 2, class Attach, class Parse, class More,
           class Finish>
-SDPLINE_INLINE bool parseList(Parser &parser, ListChecks checks, Attach attach, Parse parse,
+SDPLINE_INLINE bool parseList(Parser auto &parser, ListChecks checks, Attach attach, Parse parse,
                               More more, Finish finish, uint32_t line = __builtin_LINE()) {
     Slots<Item, First> slots(checks.array);
     if (slots.array == nullptr) {
@@ -278,27 +321,27 @@ SDPLINE_INLINE bool parseList(Parser &parser, ListChecks checks, Attach attach, 
 }
 
 // ---- The lines, or runs of lines of one kind
-bool parseLines(Parser &parser, SdpLine &line);
-bool parseVersion(Parser &parser, uint32_t &version);
-bool parseOrigin(Parser &parser, SDPOrigin &origin);
-bool parseText(Parser &parser, uint32_t kind, SipString &text);
-bool parseTextList(Parser &parser, uint32_t kind, SDPStringList &list);
-bool parseConnection(Parser &parser, SDPConnection &connection);
-bool parseTimes(Parser &parser, SDPTimeSet &set);
-bool parseAttributes(Parser &parser, SDPAttrList &list);
-bool parseMediaDescriptions(Parser &parser, SDPMediaSet &set);
-bool parseMediaField(Parser &parser, SDPMediaField &field);
+bool parseLines(Parser auto &parser, SdpLine &line);
+bool parseVersion(Parser auto &parser, uint32_t &version);
+bool parseOrigin(Parser auto &parser, SDPOrigin &origin);
+bool parseText(Parser auto &parser, uint32_t kind, SipString &text);
+bool parseTextList(Parser auto &parser, uint32_t kind, SDPStringList &list);
+bool parseConnection(Parser auto &parser, SDPConnection &connection);
+bool parseTimes(Parser auto &parser, SDPTimeSet &set);
+bool parseAttributes(Parser auto &parser, SDPAttrList &list);
+bool parseMediaDescriptions(Parser auto &parser, SDPMediaSet &set);
+bool parseMediaField(Parser auto &parser, SDPMediaField &field);
 
 // A member that points to a text, and one that points to a list of texts.
 template <auto Member, class Owner>
-bool textInto(Parser &parser, Owner &owner, uint32_t kind, Check noMemory,
+bool textInto(Parser auto &parser, Owner &owner, uint32_t kind, Check noMemory,
               uint32_t line = __builtin_LINE()) {
     return parseInto<Member>(parser, owner, noMemory, line,
                              [&](SipString &text) { return parseText(parser, kind, text); });
 }
 
 template <auto Member, class Owner>
-bool listInto(Parser &parser, Owner &owner, uint32_t kind, Check noMemory,
+bool listInto(Parser auto &parser, Owner &owner, uint32_t kind, Check noMemory,
               uint32_t line = __builtin_LINE()) {
     return parseInto<Member>(parser, owner, noMemory, line, [&](SDPStringList &list) {
         return parseTextList(parser, kind, list);
@@ -307,7 +350,7 @@ bool listInto(Parser &parser, Owner &owner, uint32_t kind, Check noMemory,
 
 // The other members that point to what one line kind fills.
 template <auto Member, class Owner>
-bool connectionInto(Parser &parser, Owner &owner, Check noMemory,
+bool connectionInto(Parser auto &parser, Owner &owner, Check noMemory,
                     uint32_t line = __builtin_LINE()) {
     return parseInto<Member>(parser, owner, noMemory, line, [&](SDPConnection &connection) {
         return parseConnection(parser, connection);
@@ -315,14 +358,14 @@ bool connectionInto(Parser &parser, Owner &owner, Check noMemory,
 }
 
 template <auto Member, class Owner>
-bool keyInto(Parser &parser, Owner &owner, Check noMemory, uint32_t line = __builtin_LINE()) {
+bool keyInto(Parser auto &parser, Owner &owner, Check noMemory, uint32_t line = __builtin_LINE()) {
     return parseInto<Member>(parser, owner, noMemory, line, [&](SDPKey &key) {
         return parseText(parser, SDP_TOK_KEY, key.strKey);
     });
 }
 
 template <auto Member, class Owner>
-bool attributesInto(Parser &parser, Owner &owner, Check noMemory,
+bool attributesInto(Parser auto &parser, Owner &owner, Check noMemory,
                     uint32_t line = __builtin_LINE()) {
     return parseInto<Member>(parser, owner, noMemory, line,
                              [&](SDPAttrList &list) { return parseAttributes(parser, list); });

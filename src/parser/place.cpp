@@ -15,16 +15,16 @@ uint32_t beforeCr(const SipString &text, uint32_t offset) {
 
 } // namespace
 
-void rememberPlace(const SipString &text, const Parser &parser) {
+void rememberPlace(const SipString &text, const Position &position, SDPResult failure) {
     const auto *const word = reinterpret_cast<const uint8_t *>(lastFailed.word);
-    const uint8_t *const refused = word != nullptr ? word : parser.at;
+    const uint8_t *const refused = word != nullptr ? word : position.at;
     const OriginalPlace place =
         originalPlace(reinterpret_cast<const uint8_t *>(text.pcData), text.ulLen,
-                      static_cast<uint32_t>(refused - parser.input));
+                      static_cast<uint32_t>(refused - position.input));
     const uint32_t offset = beforeCr(text, place.offset);
-    lastFailure = {parser.failure, parser.kind,
-                   place.line,     offset - place.lineStart + 1,
-                   offset,         row(lastFailed.check).name};
+    lastFailure = {failure,    position.kind,
+                   place.line, offset - place.lineStart + 1,
+                   offset,     row(lastFailed.check).name};
 }
 
 void rememberCall(SDPResult result, Check check) {

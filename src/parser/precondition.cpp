@@ -21,15 +21,15 @@ SDPResult classifyPrecondition(SDPRsrcMgmtStatus &status, std::string_view word)
 }
 
 SDPResult classifyStrength(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return Parser::classify<kStrengthWords>(status.enStrengthTag, word, Check::StrengthWord);
+    return classify<kStrengthWords>(status.enStrengthTag, word, Check::StrengthWord);
 }
 
 SDPResult classifyStatus(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return Parser::classify<kStatusWords>(status.enStatusType, word, Check::StatusWord);
+    return classify<kStatusWords>(status.enStatusType, word, Check::StatusWord);
 }
 
 SDPResult classifyDirection(SDPRsrcMgmtStatus &status, std::string_view word) {
-    return Parser::classify<kDirWords>(status.enDirTag, word, Check::DirectionWord);
+    return classify<kDirWords>(status.enDirTag, word, Check::DirectionWord);
 }
 
 namespace {
@@ -40,14 +40,14 @@ struct StepChecks {
 };
 
 // SP token
-SDPLINE_INLINE bool step(Parser &p, std::string_view &word, StepChecks checks,
+SDPLINE_INLINE bool step(Parser auto &p, std::string_view &word, StepChecks checks,
                          uint32_t line = __builtin_LINE()) {
     return p.expect(SDP_TOK_SPACE, Context::Token, checks.blank, line) &&
-           p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.next(Context::Token);
+           p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.nextAfterRun(Context::Token);
 }
 
 // [ SP strength-tag ], which is there in a=des and nowhere else
-SDPLINE_INLINE bool strength(Parser &p, SDPRsrcMgmtStatus &status, uint32_t type) {
+SDPLINE_INLINE bool strength(Parser auto &p, SDPRsrcMgmtStatus &status, uint32_t type) {
     std::string_view word;
     return !attributeRow(type).has(kStrengthTag) ||
            (step(p, word, {Check::StrengthSpace, {Check::StrengthToken, Check::StrengthText}}) &&
@@ -57,14 +57,14 @@ SDPLINE_INLINE bool strength(Parser &p, SDPRsrcMgmtStatus &status, uint32_t type
 } // namespace
 
 // ":" precondition-type [ SP strength-tag ] SP status-type SP direction-tag LF
-bool parsePrecondition(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parsePrecondition(Parser auto &p, SDPAttr &attr, uint32_t type) {
     SDPRsrcMgmtStatus &status = attr.unAttrValue.stRsrcMgmtStatus;
     std::string_view word;
     if (!p.expect(SDP_TOK_COLON, Context::Token, Check::StatusColon) ||
         !p.read(word, SDP_TOK_TOKEN, {Check::StatusPrecondition, Check::StatusPreconditionText})) {
         return false;
     }
-    p.next(Context::Token);
+    p.nextAfterRun(Context::Token);
     attr.ulAttrType = type;
     return p.accept(classifyPrecondition(status, word)) && strength(p, status, type) &&
            step(p, word, {Check::StatusSpace, {Check::StatusToken, Check::StatusText}}) &&
@@ -72,5 +72,8 @@ bool parsePrecondition(Parser &p, SDPAttr &attr, uint32_t type) {
            step(p, word, {Check::DirectionSpace, {Check::DirectionToken, Check::DirectionText}}) &&
            p.accept(classifyDirection(status, word)) && p.endLine(Check::StatusEnd);
 }
+
+template bool parsePrecondition(BodyParser &, SDPAttr &, uint32_t);
+template bool parsePrecondition(StateParser &, SDPAttr &, uint32_t);
 
 } // namespace sdpline

@@ -26,7 +26,7 @@ SDPLINE_INLINE void locate(SDPRtpMapAttr &rtpMap, std::string_view name) {
 }
 
 // payload SP name. One space is skipped; others belong to the name.
-SDPLINE_INLINE bool payloadAndName(Parser &p, SDPRtpMapAttr &rtpMap, std::string_view &name) {
+SDPLINE_INLINE bool payloadAndName(Parser auto &p, SDPRtpMapAttr &rtpMap, std::string_view &name) {
     if (!p.number(rtpMap.ulPayloadType, {Check::RtpmapPayload, Check::RtpmapPayloadText}) ||
         !p.see(SDP_TOK_SPACE, Check::RtpmapSpace)) {
         return false;
@@ -39,7 +39,7 @@ SDPLINE_INLINE bool payloadAndName(Parser &p, SDPRtpMapAttr &rtpMap, std::string
 }
 
 // [ "/" channels ] LF
-SDPLINE_INLINE bool channels(Parser &p, SDPRtpMapAttr &rtpMap) {
+SDPLINE_INLINE bool channels(Parser auto &p, SDPRtpMapAttr &rtpMap) {
     if (p.take(SDP_TOK_SLASH, Context::Alnum)) {
         return p.number(rtpMap.ulEncodingParams, {Check::RtpmapParams, Check::RtpmapParamsText}) &&
                p.endLine(Check::RtpmapParamsEnd);
@@ -54,7 +54,7 @@ SDPLINE_INLINE bool channels(Parser &p, SDPRtpMapAttr &rtpMap) {
 } // namespace
 
 // ":" payload SP name "/" clock-rate [ "/" channels ] LF
-bool parseRtpmap(Parser &p, SDPAttr &attr, uint32_t type) {
+bool parseRtpmap(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     SDPRtpMapAttr &rtpMap = attr.unAttrValue.stRtpMap;
     std::string_view name;
@@ -106,5 +106,8 @@ void refineL16(SDPRtpMapAttr &rtpMap) {
         rtpMap.ulEncodingId = kL16Stereo;
     }
 }
+
+template bool parseRtpmap(BodyParser &, SDPAttr &, uint32_t);
+template bool parseRtpmap(StateParser &, SDPAttr &, uint32_t);
 
 } // namespace sdpline

@@ -4,8 +4,8 @@
 namespace sdpline {
 
 // <key>= 1*1023<any byte but LF> LF
-bool parseText(Parser &parser, uint32_t kind, SipString &text) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+bool parseText(Parser auto &parser, uint32_t kind, SipString &text) {
+    return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
         if (!p.takeToText(kind)) {
             return p.refuse(Check::TextLine);
         }
@@ -24,13 +24,18 @@ bool parseText(Parser &parser, uint32_t kind, SipString &text) {
 }
 
 // 1*( <key>= value LF )
-bool parseTextList(Parser &parser, uint32_t kind, SDPStringList &list) {
+bool parseTextList(Parser auto &parser, uint32_t kind, SDPStringList &list) {
     return parseList<SipString, uint32_t>(
         parser, {Check::TextListAlloc, Check::TextListItemAlloc, Check::TextListGrow},
         [&](SipString **strings) { list.ppstStrings = strings; },
-        [=](Parser &p, SipString &text) { return parseText(p, kind, text); },
-        [=](const Parser &p) { return p.is(kind); },
+        [=](Parser auto &p, SipString &text) { return parseText(p, kind, text); },
+        [=](const Parser auto &p) { return p.is(kind); },
         [&](uint32_t count) { list.ulNoOfStrings = count; });
 }
+
+template bool parseText(BodyParser &, uint32_t, SipString &);
+template bool parseText(StateParser &, uint32_t, SipString &);
+template bool parseTextList(BodyParser &, uint32_t, SDPStringList &);
+template bool parseTextList(StateParser &, uint32_t, SDPStringList &);
 
 } // namespace sdpline

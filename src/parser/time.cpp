@@ -17,7 +17,7 @@ bool timeFits(std::string_view digits) {
 }
 
 // 1*10DIGIT
-SDPLINE_INLINE bool ntpTime(Parser &p, uint32_t &value, TimeChecks checks,
+SDPLINE_INLINE bool ntpTime(Parser auto &p, uint32_t &value, TimeChecks checks,
                             uint32_t line = __builtin_LINE()) {
     if (!p.see(SDP_TOK_DIGIT, checks.digits, line)) {
         return false;
@@ -27,14 +27,14 @@ SDPLINE_INLINE bool ntpTime(Parser &p, uint32_t &value, TimeChecks checks,
         return p.refuse(checks.range, 0, line);
     }
     value = p.valueOf(digits);
-    return p.nextAfterDigits();
+    return p.nextAfterRun(Context::Alnum);
 }
 
 } // namespace
 
 // t= start SP stop LF
-bool parseTime(Parser &parser, SDPTimeField &time) {
-    return onLine(parser, [&](Parser &p) SDPLINE_INLINE_LAMBDA {
+bool parseTime(Parser auto &parser, SDPTimeField &time) {
+    return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
         return p.expect(SDP_TOK_TIME, Context::Alnum, Check::TimeLine) &&
                ntpTime(p, time.ulStartTime, {Check::TimeStart, Check::TimeStartRange}) &&
                p.expect(SDP_TOK_SPACE, Context::Alnum, Check::TimeStartSpace) &&
@@ -44,7 +44,7 @@ bool parseTime(Parser &parser, SDPTimeField &time) {
 }
 
 // 1*DIGIT [ "d" / "h" / "m" / "s" ], where the unit is the first letter of a run of letters
-bool parseTypedTime(Parser &p, SDPTimeUnit &unit) {
+bool parseTypedTime(Parser auto &p, SDPTimeUnit &unit) {
     p.under(Context::Alnum);
     if (!p.number(unit.ulTimeValue, {Check::TypedTime, Check::TypedTimeText})) {
         return false;
@@ -67,27 +67,29 @@ bool parseTypedTime(Parser &p, SDPTimeUnit &unit) {
 }
 
 // r= typed-time *( SP typed-time ) LF
-bool parseRepeat(Parser &parser, SDPRepeatField &field) {
+bool parseRepeat(Parser auto &parser, SDPRepeatField &field) {
     return parser.expect(SDP_TOK_REPEAT, Context::Alnum, Check::RepeatLine) &&
            parseList<SDPTimeUnit, uint32_t>(
                parser, {Check::RepeatArrayAlloc, Check::RepeatUnitAlloc, Check::RepeatGrow},
-               [&](SDPTimeUnit **units) { field.ppstTimeUnits = units; }, parseTypedTime,
-               [](Parser &p) { return p.take(SDP_TOK_SPACE, Context::Alnum); },
+               [&](SDPTimeUnit **units) { field.ppstTimeUnits = units; },
+               [](Parser auto &p, SDPTimeUnit &unit) { return parseTypedTime(p, unit); },
+               [](Parser auto &p) { return p.take(SDP_TOK_SPACE, Context::Alnum); },
                [&](uint32_t count) { field.ulNoOfTimeUnits = count; }) &&
            parser.endLine(Check::RepeatEnd);
 }
 
-// 1*repeat-field
-bool parseRepeats(Parser &parser, SDPRepeatFieldSet &set) {
+// 1*repeat-field, which few bodies have
+[[gnu::noinline]] bool parseRepeats(Parser auto &parser, SDPRepeatFieldSet &set) {
     return parseList<SDPRepeatField, uint32_t>(
         parser, {Check::RepeatsArrayAlloc, Check::RepeatsAlloc, Check::RepeatsGrow},
-        [&](SDPRepeatField **fields) { set.ppstRepeatFields = fields; }, parseRepeat,
-        [](const Parser &p) { return p.is(SDP_TOK_REPEAT); },
+        [&](SDPRepeatField **fields) { set.ppstRepeatFields = fields; },
+        [](Parser auto &p, SDPRepeatField &field) { return parseRepeat(p, field); },
+        [](const Parser auto &p) { return p.is(SDP_TOK_REPEAT); },
         [&](uint32_t count) { set.ulNoOfRepeatFields = count; });
 }
 
 // time-field *repeat-field
-bool parseTimeAndRepeats(Parser &parser, SDPTimeField &field) {
+bool parseTimeAndRepeats(Parser auto &parser, SDPTimeField &field) {
     if (!parseTime(parser, field)) {
         return false;
     }
@@ -97,16 +99,28 @@ bool parseTimeAndRepeats(Parser &parser, SDPTimeField &field) {
     // Used as it is allocated: the array is set at once, the count when the list ends.
     auto *const set = static_cast<SDPRepeatFieldSet *>(allocateBytes(sizeof(SDPRepeatFieldSet)));
     field.pstRepeatFieldSet = set;
-    return set != nullptr ? parseRepeats(parser, *set) : parser.refuse(Check::RepeatSetAlloc);
+    if (set == nullptr) {
+        return parser.refuse(Check::RepeatSetAlloc);
+    }
+    return outOfLine(parser, [&](StateParser &p) { return parseRepeats(p, *set); });
 }
 
 // 1*( time-field *repeat-field ). The count is one of 8 bits.
-bool parseTimes(Parser &parser, SDPTimeSet &set) {
+bool parseTimes(Parser auto &parser, SDPTimeSet &set) {
     return parseList<SDPTimeField, uint8_t>(
         parser, {Check::TimesArrayAlloc, Check::TimesAlloc, Check::TimesGrow},
-        [&](SDPTimeField **fields) { set.ppstTimeFields = fields; }, parseTimeAndRepeats,
-        [](const Parser &p) { return p.is(SDP_TOK_TIME); },
+        [&](SDPTimeField **fields) { set.ppstTimeFields = fields; },
+        [](Parser auto &p, SDPTimeField &field) { return parseTimeAndRepeats(p, field); },
+        [](const Parser auto &p) { return p.is(SDP_TOK_TIME); },
         [&](uint32_t count) { set.ulNoOfTimeFields = count; });
 }
+
+template bool parseTimes(BodyParser &, SDPTimeSet &);
+template bool parseTimes(StateParser &, SDPTimeSet &);
+template bool parseTimeAndRepeats(StateParser &, SDPTimeField &);
+template bool parseTime(StateParser &, SDPTimeField &);
+template bool parseRepeats(StateParser &, SDPRepeatFieldSet &);
+template bool parseRepeat(StateParser &, SDPRepeatField &);
+template bool parseTypedTime(StateParser &, SDPTimeUnit &);
 
 } // namespace sdpline

@@ -5,10 +5,10 @@
 
 namespace sdpline {
 
-bool parseTimeAndRepeats(Parser &parser, SDPTimeField &field);
-bool parseTime(Parser &parser, SDPTimeField &time);
-bool parseRepeats(Parser &parser, SDPRepeatFieldSet &set);
-bool parseRepeat(Parser &parser, SDPRepeatField &field);
-bool parseTypedTime(Parser &p, SDPTimeUnit &unit);
+bool parseTimeAndRepeats(Parser auto &parser, SDPTimeField &field);
+bool parseTime(Parser auto &parser, SDPTimeField &time);
+bool parseRepeats(Parser auto &parser, SDPRepeatFieldSet &set);
+bool parseRepeat(Parser auto &parser, SDPRepeatField &field);
+bool parseTypedTime(Parser auto &p, SDPTimeUnit &unit);
 
 } // namespace sdpline

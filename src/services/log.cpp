@@ -14,14 +14,12 @@ constexpr uint32_t kInstance = 0xFFFFFFFF;
 
 } // namespace
 
-void log(const LogEntry &entry) {
+void setCodePoint(uint32_t fileNumber, uint32_t line) {
     // The one datum of the stack's that operations running beside each other write.
-    std::atomic_ref(g_gSipCodePoint)
-        .store(entry.fileNumber << 16 | entry.line, std::memory_order_relaxed);
-    const SipLmLogHndlr hook = g_gpfnSipLmLogHndlr;
-    if (hook == nullptr) {
-        return;
-    }
+    std::atomic_ref(g_gSipCodePoint).store(fileNumber << 16 | line, std::memory_order_relaxed);
+}
+
+void log(SipLmLogHndlr hook, const LogEntry &entry) {
     if (entry.format != nullptr) {
         hook(kModule, kInstance, entry.level, entry.file, entry.function, entry.line,
              entry.category, entry.format, entry.value);

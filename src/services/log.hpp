@@ -3,11 +3,12 @@
 
 #include <cstdint>
 
+#include "sdpline/sipcore.h"
+
 namespace sdpline {
 
 struct LogEntry {
     uint32_t level;
-    uint32_t fileNumber;
     const char *file;
     const char *function;
     uint32_t line;
@@ -16,8 +17,11 @@ struct LogEntry {
     uint32_t value;
 };
 
-// Sets the code point and calls the hook where there is one. The hook may do what a program does:
-// append to the buffer that is written, change the decoder's hooks, decode a body.
-void log(const LogEntry &entry);
+// The place of the entry that was made last, be there a hook or not.
+void setCodePoint(uint32_t fileNumber, uint32_t line);
+
+// Calls the hook that the stack has set, after the code point was set. The hook may do what a
+// program does: append to the buffer that is written, change the decoder's hooks, decode a body.
+void log(SipLmLogHndlr hook, const LogEntry &entry);
 
 } // namespace sdpline
