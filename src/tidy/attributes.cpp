@@ -99,13 +99,18 @@ private:
         }
     }
 
-    // "a=fmtp 97 ...", "a=rtpmap 97 ..."
+    // "a=fmtp 97 ...", "a=rtpmap 97 ...", and "a=ptime : 20"
     void addColon() {
+        std::string_view value = withoutBlanksBefore(rest_);
+        value.remove_prefix(value.front() == ':' ? 1 : 0);
+        if (withoutBlanksBefore(value).empty()) {
+            return valueMissing();
+        }
         if (shape_ == Shape::Flag || !work_.wants(Rule::AttrColon)) {
             return;
         }
         work_.report(Rule::AttrColon, line_, rest_.data());
-        rest_ = withoutBlanksBefore(rest_);
+        rest_ = value;
         write(name_, rest_);
         repairValue();
     }

@@ -40,6 +40,20 @@ TEST(Doubts, OfEveryCaseAreThosePlainlyFound) {
     }
 }
 
+// The cases have each doubt that there is, so that the questions have, too.
+TEST(Doubts, AreEachAmongThosePlainlyFound) {
+    std::string found;
+    for (const tidytest::TidyCase &current : tidytest::readTidyCases()) {
+        if (current.doubts) {
+            found += tidytest::plainDoubts(current.body(), current.options().bRtpFamily == 1);
+        }
+    }
+    for (uint32_t rule = SDP_TIDY_CR_INSIDE; rule < SDP_TIDY_RULE_COUNT; ++rule) {
+        const std::string name = SdpTidyRuleAt(rule)->pcName;
+        EXPECT_NE(found.find(' ' + name + '\n'), std::string::npos) << name;
+    }
+}
+
 // Numbers grown, bytes put in, lines doubled: what may be doubted.
 std::string doubtful(std::mt19937 &engine) {
     Chance chance(engine);
