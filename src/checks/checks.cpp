@@ -99,7 +99,7 @@ bool isOfDecode(Check check) {
            check == Check::DeSerializeRefused;
 }
 
-// The hook may fail checks of its own: the last failure is then what it was before.
+// The hook may decode, and fail checks: afterwards the last failure is what it was before.
 [[gnu::noinline]] void callLogHook(SipLmLogHndlr hook, Check check, uint32_t value, uint32_t line) {
     const CheckRow &failed = row(check);
     const Logged &logged = failed.logged;

@@ -84,7 +84,7 @@ SDPResult codeOf(Check check);
                                                     const char *word);
 
 // The same. `value` is the argument of the row's format; rows without a format ignore it. No check
-// returns 0, which the compiler is told: it makes no way on where one failed.
+// returns 0, and the compiler knows: it generates no code for that case.
 SDPLINE_INLINE SDPResult fail(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE()) {
     const SDPResult result = reportFailed(check, value, line, nullptr);
     if (result == 0) {

@@ -74,7 +74,7 @@ bool isUntouched() {
     return (state.start | state.end | state.index | state.ended) == 0 && !seesFills();
 }
 
-// What load() and the search for a special start come to then: the first token begins the input.
+// What load() and findStart() result in then: the first token begins the input.
 Position atStart(const uint8_t *input) {
     return {.input = input,
             .at = input,

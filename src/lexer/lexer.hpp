@@ -238,9 +238,9 @@ struct TakenText {
 };
 extern SDPLINE_PER_THREAD TakenText takenText;
 
-// Puts a text into the text buffer with the call that each taking makes; puts the one that is noted
-// there without.
+// Puts a text into the text buffer, with the call of memset_s that each taking makes.
 [[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
+// Puts the text that is noted there, without that call.
 void publishText();
 
 // Token by token, where a text does not fit or special bits are set.
@@ -415,7 +415,7 @@ inline void LexerOn<Special>::scanLetters() {
     }
 }
 
-// The kind of such a run is that of its last byte: it tells an address that ends in ".".
+// The kind of such a run is that of its last byte, which shows whether an address ends in ".".
 template <class Special>
 inline void LexerOn<Special>::scanIpv6() {
     scanRun<lexer::kIpv6Run>(SDP_TOK_ALPHA);

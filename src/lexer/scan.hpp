@@ -14,7 +14,7 @@
 
 namespace sdpline::lexer {
 
-// Bytes after the NUL of a padded input that may be read: what they are is of no account.
+// Bytes after the NUL of a padded input that may be read; their values do not matter.
 constexpr uint32_t kPadding = 16;
 
 // The first byte that does not continue the run; the NUL after the input continues none.

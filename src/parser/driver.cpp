@@ -221,7 +221,7 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
     const uint32_t size = text.ulLen + kEndSize;
     auto *const buffer =
         static_cast<uint8_t *>(gSipSystemMemCp->pfnAlloc(gSipSystemMemCp, size + lexer::kPadding));
-    foreignCodeRan(); // the stack may have put a memory control of its own there
+    foreignCodeRan(); // the stack may have replaced the memory control
     if (buffer == nullptr) {
         return refuseCall(Check::ParseCopyAlloc);
     }

@@ -120,7 +120,7 @@ uint32_t protoOf(std::string_view word) {
     return isOther ? uint32_t{SDP_PROTO_OTHER} : known->code;
 }
 
-// A word that cannot be stored for lack of memory leaves a string without bytes, and goes on.
+// A word that cannot be stored for lack of memory leaves a string without bytes: no failure.
 bool keepProto(Parser auto &p, SDPMediaField &field, std::string_view word) {
     auto *const text = allocate<SipString>("sdpMediaFmt");
     field.stProto.pstrOtherProto = text;
@@ -175,7 +175,7 @@ SDPLINE_INLINE bool mediaType(Parser auto &p, SDPMediaField &field) {
            p.accept(classifyMedia(field, word)) && p.next(Context::Alnum);
 }
 
-// SP proto formats LF: so is the usual protocol.
+// SP proto formats LF: the usual protocol is compared at once too.
 SDPLINE_INLINE bool protoAndFormats(Parser auto &p, SDPMediaField &field) {
     if (p.is(SDP_TOK_SPACE) && p.jumpWord("RTP/AVP ")) {
         p.under(Context::Token);

@@ -96,7 +96,7 @@ bool parseTimeAndRepeats(Parser auto &parser, SDPTimeField &field) {
     if (!parser.is(SDP_TOK_REPEAT)) {
         return true;
     }
-    // Used as it is allocated: the array is set at once, the count when the list ends.
+    // Not zeroed: the array is set at once, the count when the list ends.
     auto *const set = static_cast<SDPRepeatFieldSet *>(allocateBytes(sizeof(SDPRepeatFieldSet)));
     field.pstRepeatFieldSet = set;
     if (set == nullptr) {

@@ -9,7 +9,7 @@ namespace {
 // The memory control that the decode under way was begun with.
 SDPLINE_PER_THREAD SDPMemCp *decodeControl = nullptr;
 
-// Whether no program could tell the calls through the hooks from the same work done in place.
+// Whether no program would see that the work is done in place, without calls through the hooks.
 bool isUnseen(const SDPMemCp *memCp) {
     return memCp != nullptr && memCp == g_mSdpDecodeMemCp && g_gSdpFnAlloc == SdpLibAllocSdpMem &&
            g_gSdpFnFree == SdpLibFreeSdpMem && builtin.ownsBlock(*memCp) && !seesFills() &&

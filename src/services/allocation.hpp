@@ -59,8 +59,8 @@ void endDecode(bool succeeded);
 // hook, and after a memory control that is not the block's.
 void foreignCodeRan();
 
-// The block of the decode under way, where its memory is handled in place, as no program can tell
-// it from the calls. Else null: each request goes through the hooks.
+// The block of the decode under way, where its memory is handled in place and no program sees a
+// difference from the calls. Else null: each request goes through the hooks.
 extern SDPLINE_PER_THREAD sipcore::Block *decodeBlock;
 
 inline bool allocatesInPlace() {

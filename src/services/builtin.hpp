@@ -22,8 +22,8 @@ struct Builtin {
     decltype(SDPMemCp::pfnFree) systemFree;
     bool fillsFreed; // giving memory back takes the call
 
-    // Whether a memory control is that of a block of libsipcore's, or the system's: every
-    // function of it is. A program that has put one function of its own in sees each call.
+    // Whether every function of a memory control is libsipcore's: that of a block, or of the
+    // system's control too. Where a program has replaced one of them, each call is made.
     bool ownsBlock(const SDPMemCp &memCp) const {
         return blockAlloc != nullptr && memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
     }

@@ -2,8 +2,8 @@
 // kinds and checks that their callers pass are constants and the position stays in registers.
 #pragma once
 
-// A build that counts branches defines it as plain inline: each place a function goes to would
-// count as branches of its own.
+// A build that counts branches defines it as plain inline: else a function's branches would be
+// counted again at each place where it is inlined.
 #ifndef SDPLINE_INLINE
 #define SDPLINE_INLINE        [[gnu::always_inline]] inline
 #define SDPLINE_INLINE_LAMBDA __attribute__((always_inline))

@@ -19,7 +19,7 @@ namespace sdpline {
 
 namespace output {
 
-// A text of any length, or a number, put where there is room for it; returns where it ends.
+// A text of any length, or a number, put where it is known to fit; returns where it ends.
 [[gnu::noinline]] char *putText(char *to, const char *text, uint32_t size);
 [[gnu::noinline]] char *putNumber(char *to, uint32_t value);
 
@@ -38,7 +38,7 @@ public:
 
     bool hasBuffer() const { return buffer_ != nullptr; }
 
-    // Whether appends are done here, as no program can tell them from calls.
+    // Whether appends are done here: no program sees a difference from calls.
     bool isInPlace() const { return end_ != nowhere; }
 
     uint32_t character(char letter) {
@@ -102,7 +102,7 @@ private:
         uint32_t result;
     };
 
-    // Without a buffer that may be written to, there is less than no room: nothing fits.
+    // Without a buffer that may be written to, the space left is -1: not even an empty text fits.
     void load() {
         const bool open = !seesAppends() && hasBuffer() && builtin.owns(*buffer_->memCp);
         at_ = open ? buffer_->at : nowhere + 1;

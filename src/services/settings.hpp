@@ -1,4 +1,4 @@
-// What a decode may be told: the settings of the process, or the options of the decode under way.
+// The settings of decodes: those of the process, or the options of the decode under way.
 #pragma once
 
 #include "sdpline/sdpline.h"

@@ -40,7 +40,7 @@ struct Cursor {
     bool atGroup() const { return more() && SdpIsalnum(text[at]) == 1; }
 };
 
-// group = 1*4 alphanumeric; a fifth one is dropped, and told by false.
+// group = 1*4 alphanumeric; a fifth one is dropped, and false returned.
 bool takeGroup(Cursor &cursor, Tokens &tokens) {
     char *const slot = tokens.slots + kSlot * tokens.count;
     uint32_t size = 0;
