@@ -55,8 +55,14 @@ SDPResult decodeGiven(const Request &request, SDPTidyReport &report) {
 
 // The decoder names its checks of memory so, and no other check.
 bool isOfMemory(std::string_view check) {
-    return check.ends_with("Alloc") || check.ends_with("Grow") || check.ends_with("Store") ||
-           check.ends_with("Block") || check == "SetString";
+    switch (check.empty() ? '\0' : check.back()) {
+    case 'c': return check.ends_with("Alloc");
+    case 'w': return check.ends_with("Grow");
+    case 'e': return check.ends_with("Store");
+    case 'k': return check.ends_with("Block");
+    case 'g': return check == "SetString";
+    default: return false;
+    }
 }
 
 } // namespace sdpline::tidy

@@ -25,8 +25,7 @@ Fields::Fields(std::string_view value) {
             fits_ = false;
             return;
         }
-        items_[count_] = {field, static_cast<size_t>(at - field)};
-        places_[count_++] = field;
+        items_[count_++] = {field, static_cast<size_t>(at - field), field};
     }
 }
 
@@ -36,12 +35,13 @@ void Fields::insert(uint32_t index, std::string_view text) {
     }
     for (uint32_t i = count_++; i > index; --i) {
         items_[i] = items_[i - 1];
-        places_[i] = places_[i - 1];
     }
-    items_[index] = text;
-    if (index + 1 == count_) {
-        places_[index] = index == 0 ? nullptr : places_[index - 1] + items_[index - 1].size();
-    }
+    Item &item = items_[index];
+    const bool isLast = index + 1 == count_;
+    const char *const place = !isLast      ? item.place
+                              : index == 0 ? nullptr
+                                           : items_[index - 1].place + items_[index - 1].size;
+    item = {text.data(), text.size(), place};
     changed_ = true;
 }
 
@@ -49,7 +49,6 @@ void Fields::drop(uint32_t howMany) {
     count_ -= howMany;
     for (uint32_t i = 0; i < count_; ++i) {
         items_[i] = items_[i + howMany];
-        places_[i] = places_[i + howMany];
     }
     changed_ = true;
 }
@@ -68,20 +67,20 @@ void Fields::write(Workspace &work, Line &line, std::string_view key, std::strin
     }
     size_t size = key.size() + after.size();
     for (uint32_t i = 0; i < count_; ++i) {
-        size += items_[i].size() + 1;
+        size += items_[i].size + 1;
     }
     Draft draft(work.memory, size);
     draft << key;
     for (uint32_t i = 0; i < count_; ++i) {
-        draft << (i == 0 ? std::string_view() : blankAfter(i - 1)) << items_[i];
+        draft << (i == 0 ? std::string_view() : blankAfter(i - 1)) << textOf(items_[i]);
     }
     line.text = (draft << after).text();
 }
 
 // The one that is there where it is one, for what is copied together.
 std::string_view Fields::blankAfter(uint32_t index) const {
-    const char *const end = items_[index].data() + items_[index].size();
-    const bool isThere = end + 1 == items_[index + 1].data() && *end == ' ';
+    const char *const end = items_[index].begin + items_[index].size;
+    const bool isThere = end + 1 == items_[index + 1].begin && *end == ' ';
     return isThere ? std::string_view(end, 1) : " ";
 }
 

@@ -15,14 +15,15 @@ public:
     bool fits() const { return fits_; }
     uint32_t count() const { return count_; }
     std::string_view operator[](uint32_t index) const {
-        return index < count_ ? items_[index] : std::string_view();
+        return index < count_ ? textOf(items_[index]) : std::string_view();
     }
     // Where the field was in the line as it was given; a field put in has the place of the next
     // one.
-    const char *place(uint32_t index) const { return places_[index]; }
+    const char *place(uint32_t index) const { return items_[index].place; }
 
     void set(uint32_t index, std::string_view text) {
-        items_[index] = text;
+        items_[index].begin = text.data();
+        items_[index].size = text.size();
         changed_ = true;
     }
     void insert(uint32_t index, std::string_view text);
@@ -50,8 +51,16 @@ public:
 private:
     std::string_view blankAfter(uint32_t index) const;
 
-    std::string_view items_[kMost];
-    const char *places_[kMost];
+    // Without a value until it is counted.
+    struct Item {
+        const char *begin;
+        size_t size;
+        const char *place;
+    };
+
+    static std::string_view textOf(const Item &item) { return {item.begin, item.size}; }
+
+    Item items_[kMost];
     uint32_t count_ = 0;
     bool fits_ = true;
     bool changed_ = false;
