@@ -91,7 +91,7 @@ struct LexerOn : Position, Special {
 
     // Takes the current token's text: its bytes, in the input. Null data when they are more than
     // 1023, and nothing was taken.
-    SDPLINE_INLINE std::string_view text();
+    std::string_view text();
 
     // The value of the current token, which is a run of digits and has the text. A token that was
     // current before there was this lexer has not been counted.
@@ -147,7 +147,7 @@ struct LexerOn : Position, Special {
     // The same for the token before a rest of line: its first token of the string context is known
     // by its first byte and kind only, until takeRestOfLine() or finishText() has gone over it.
     SDPLINE_INLINE bool takeToText(uint32_t wanted);
-    SDPLINE_INLINE void finishText() {
+    void finishText() {
         if (kind == SDP_TOK_STRING) {
             last = *at;
             scanRun<lexer::kStringRun>(SDP_TOK_STRING);
@@ -170,7 +170,7 @@ private:
     // Moves to where token by token has led.
     void stopAt(const StateLexer &other);
     SDPLINE_INLINE bool begin();
-    SDPLINE_INLINE void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
+    void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
 
     SDPLINE_INLINE void close(uint32_t size, uint32_t closed) {
         end = at + size;
@@ -178,7 +178,7 @@ private:
     }
 
     // A run; the byte after it is the one classified last.
-    SDPLINE_INLINE void closeAt(const uint8_t *byte, uint32_t closed) {
+    void closeAt(const uint8_t *byte, uint32_t closed) {
         end = byte;
         last = lexer::readAnew(byte);
         kind = closed;
@@ -188,7 +188,7 @@ private:
     SDPLINE_INLINE void closeByte() { close(1, lexer::kBytes.kind[last]); }
 
     template <lexer::Run run>
-    SDPLINE_INLINE void scanRun(uint32_t closed);
+    void scanRun(uint32_t closed);
     SDPLINE_INLINE void scanDigits();
     SDPLINE_INLINE void scanSdp();
     SDPLINE_INLINE void scanAlnum();
