@@ -15,8 +15,8 @@ constexpr char kHexDigits[] = "0123456789abcdef";
 } // namespace
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
+    const auto isSame = [](char x, char y) { return lower(x) == lower(y); };
+    return a.size() == b.size() && (a == b || std::equal(a.begin(), a.end(), b.begin(), isSame));
 }
 
 std::string_view trimmed(std::string_view text) {
