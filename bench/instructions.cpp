@@ -98,6 +98,9 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
     if (operation == "clone") {
         return onLines(body, count, bench::clone);
     }
+    if (operation == "clone-c") {
+        return onLines(body, count, bench::cloneByC);
+    }
     if (operation == "serialise") {
         auto buffer = bench::roomForText();
         return onLines(body, count, [&buffer](sdpline::Body &line) {
@@ -114,9 +117,10 @@ int main(int argc, char **argv) {
     if (body != nullptr && run(argv[1], *body, std::strtol(argv[3], nullptr, 10))) {
         return 0;
     }
-    std::fputs("usage: sdpline_instructions OPERATION BODY COUNT\n"
-               "operations: decode encode clone serialise answer answer-c negotiate negotiate-c\n"
-               "            tidy repair-first repair-last repair-each repaired\n",
-               stderr);
+    std::fputs(
+        "usage: sdpline_instructions OPERATION BODY COUNT\n"
+        "operations: decode encode clone clone-c serialise answer answer-c negotiate negotiate-c\n"
+        "            tidy repair-first repair-last repair-each repaired\n",
+        stderr);
     return 2;
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "answer.h"
+#include "clone.h"
 #include "sdpline/negotiate.hpp"
 #include "sdpline/sdptidy.h"
 
@@ -42,6 +43,10 @@ bool encodeAndRelease(SdpLine *line) {
 
 bool clone(const sdpline::Body &body) {
     return static_cast<bool>(body.clone());
+}
+
+bool cloneByC(const sdpline::Body &body) {
+    return ::cloneByC(body.record()) != 0;
 }
 
 bool serialise(SdpLine *line, std::vector<uint8_t> &buffer) {

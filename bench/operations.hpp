@@ -15,7 +15,9 @@ bool decodeAndRelease(const std::string &text);
 bool decodeEncodeAndRelease(const std::string &text);
 
 bool encodeAndRelease(SdpLine *line);
-bool clone(const sdpline::Body &body); // line by line, and releases the clone
+// A copy, and its release: of the whole body, and line by line by the C interface.
+bool clone(const sdpline::Body &body);
+bool cloneByC(const sdpline::Body &body);
 bool serialise(SdpLine *line, std::vector<uint8_t> &buffer);
 
 // A call's answer: decodes an offer, makes an answer with the payload numbers that are spoken, the

@@ -111,6 +111,10 @@ SDPLINE_API SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine
  * (libsipcore does) the caller clears every field but pstMemCp before use. */
 SDPLINE_API SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine);
 
+/* Makes a copy of the body, in a block of its own, of what is not written too. A body with more than
+ * SDP_MAX_PAYLOADS payload numbers in an m= line is refused. *ppstClone is null after a failure. */
+SDPLINE_API SDPResult SdpLibCloneSdp(const SdpLine *pstSdpLine, SdpLine **ppstClone);
+
 /*
  * Writes the body into a new string buffer, to be released with SipSbReleaseStringBuffer. Lines
  * come out in the order v o s i u e p c b t z k a, then m i c b k a for each media description.

@@ -113,11 +113,11 @@ public:
 
     /* A body of its first three lines, and no time: "t=0 0" is written. */
     static Result<Body> create(const Origin &origin = {}, std::string_view sessionName = "-") {
-        for (const auto &error :
-             {internal::refusedOrigin(origin), internal::refusedText(sessionName)}) {
-            if (error) {
-                return *error;
-            }
+        if (const auto error = internal::refusedOrigin(origin)) {
+            return *error;
+        }
+        if (const auto error = internal::refusedText(sessionName)) {
+            return *error;
         }
         auto made = internal::newBody();
         if (!made) {

@@ -16,6 +16,13 @@ bool Arena::refill(size_t size) {
 }
 
 Text &Text::operator<<(uint32_t number) {
+    if (number < 100 && size_ + 2 <= sizeof bytes_) { // most are payload numbers and streams
+        if (number >= 10) {
+            bytes_[size_++] = static_cast<char>('0' + number / 10);
+        }
+        bytes_[size_++] = static_cast<char>('0' + number % 10);
+        return *this;
+    }
     char digits[10];
     char *const end = digits + sizeof digits;
     char *begin = end;

@@ -128,9 +128,15 @@ public:
         size_ += fits;
         return *this;
     }
-    // Inlined: the length of a literal is known there.
+    // Inlined: a literal is a few moves, and its length is known.
     [[gnu::always_inline]] Text &operator<<(const char *text) {
-        return *this << std::string_view(text);
+        const size_t size = __builtin_strlen(text);
+        if (!__builtin_constant_p(size) || size > sizeof bytes_ - size_) {
+            return *this << std::string_view(text, size);
+        }
+        std::memcpy(bytes_ + size_, text, size);
+        size_ += size;
+        return *this;
     }
     Text &operator<<(uint32_t number);
 

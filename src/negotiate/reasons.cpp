@@ -31,6 +31,12 @@ constexpr Index indexed() {
     return index;
 }
 
+constexpr std::string_view kSentences[] = {
+#define REASON(number, name, kind, rfc, section, sentence) sentence,
+#include "negotiate/reasons.def"
+#undef REASON
+};
+
 constexpr bool numbersRise() {
     for (size_t i = 1; i < std::size(kReasons); ++i) {
         if (kReasons[i].ulNumber <= kReasons[i - 1].ulNumber) {
@@ -45,6 +51,10 @@ static_assert(numbersRise());
 constexpr Index kIndex = indexed();
 
 } // namespace
+
+std::string_view sentenceOf(Reason reason) {
+    return kSentences[kIndex.row[resultOf(reason)]];
+}
 
 } // namespace sdpline::negotiate
 

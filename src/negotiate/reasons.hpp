@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "sdpline/sdpnegotiate.h"
 
@@ -17,5 +18,8 @@ enum class Reason : uint32_t {
 constexpr SDPResult resultOf(Reason reason) {
     return static_cast<SDPResult>(reason);
 }
+
+// That of its row, whose length is known; for reasons that have one.
+std::string_view sentenceOf(Reason reason);
 
 } // namespace sdpline::negotiate

@@ -5,19 +5,23 @@ namespace sdpline::negotiate {
 
 namespace {
 
-void writeSentence(Text &text, const SdpNegotiateReason &reason, uint32_t stream,
-                   std::string_view detail) {
+void writeSentence(Text &text, Reason reason, uint32_t stream, std::string_view detail) {
+    const bool accepted = reason == Reason::Accepted;
     if (stream != kSession) {
         text << "stream " << stream + 1;
-        text << (reason.enKind == SDP_NEGOTIATE_REJECTION        ? " rejected: "
-                 : reason.ulNumber == resultOf(Reason::Accepted) ? " "
-                                                                 : ": ");
+        if (accepted) {
+            text << " ";
+        } else if (SdpNegotiateGetReason(resultOf(reason))->enKind == SDP_NEGOTIATE_REJECTION) {
+            text << " rejected: ";
+        } else {
+            text << ": ";
+        }
     }
-    text << reason.pcSentence;
+    text << sentenceOf(reason);
     if (detail.empty()) {
         return;
     }
-    if (reason.ulNumber == resultOf(Reason::Accepted)) {
+    if (accepted) {
         text << ": " << detail;
     } else {
         text << " (" << detail << ")";
@@ -35,7 +39,7 @@ void Report::add(Reason reason, uint32_t stream, std::string_view detail, uint32
         return;
     }
     Text text;
-    writeSentence(text, *SdpNegotiateGetReason(resultOf(reason)), stream, detail);
+    writeSentence(text, reason, stream, detail);
     *decision = {resultOf(reason), stream, payload, lent(arena.copy(text.view()))};
     decisions_.add(decision);
 }

@@ -10,6 +10,20 @@ namespace sdpline {
 
 namespace {
 
+bool describesOctets(const SipDsmTypeDef &def, uint32_t count) {
+    const auto *const octets = static_cast<const SipDsmSetDef *>(def.pDetail);
+    return def.enKind == SIP_DSM_SET && def.ulSize == count && octets->ulNoOfElements == count &&
+           octets->pstElement->enKind == SIP_DSM_UNSIGNED && octets->pstElement->ulSize == 1;
+}
+
+// The services of a line's copy, and the descriptors of the stack's that they go by.
+bool copiesLines(const SipCoreBuiltin &core) {
+    return core.copyField == SipDsmCopyGeneralField && core.copyText == SipSmCopyString &&
+           core.cloneText == SipSmCloneString && core.copy == memcpy_s &&
+           g_gstStringDef.enKind == SIP_DSM_STRING && g_gstStringDef.ulSize == sizeof(SipString) &&
+           describesOctets(g_gstHostIPV4Def, 4) && describesOctets(g_gstHostIPV6Def, 16);
+}
+
 Builtin findBuiltin() {
     if (&SIPCORE_BUILTIN == nullptr) {
         return {};
@@ -25,7 +39,8 @@ Builtin findBuiltin() {
             .blockFree = core.blockFree,
             .systemAlloc = core.systemAlloc,
             .systemFree = core.systemFree,
-            .fillsFreed = core.fillsFreed};
+            .fillsFreed = core.fillsFreed,
+            .copiesLines = copiesLines(core)};
 }
 
 } // namespace

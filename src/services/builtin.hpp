@@ -20,7 +20,8 @@ struct Builtin {
     decltype(SDPMemCp::pfnFree) blockFree;
     decltype(SDPMemCp::pfnAlloc) systemAlloc; // of the system's memory control
     decltype(SDPMemCp::pfnFree) systemFree;
-    bool fillsFreed; // giving memory back takes the call
+    bool fillsFreed;  // giving memory back takes the call
+    bool copiesLines; // all that copies a record by its descriptor, and memcpy_s
 
     // Whether every function of a memory control is libsipcore's: that of a block, or of the
     // system's control too. Where a program has replaced one of them, each call is made.

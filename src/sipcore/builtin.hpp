@@ -24,12 +24,15 @@ struct SipCoreBuiltin {
     decltype(SDPMemCp::pfnAlloc) systemAlloc;
     decltype(SDPMemCp::pfnFree) systemFree;
     bool fillsFreed; // blockFree fills the memory, which takes the call
+    decltype(&SipDsmCopyGeneralField) copyField;
+    decltype(&SipSmCopyString) copyText;
+    decltype(&SipSmCloneString) cloneText;
 };
 
 #if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use
-#define SIPCORE_BUILTIN g_stSipCoreBuiltin3Asan
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin4Asan
 #else
-#define SIPCORE_BUILTIN g_stSipCoreBuiltin3
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin4
 #endif
 
 // A service under a name that no program can take over.
@@ -39,4 +42,7 @@ struct SipCoreBuiltin {
 extern "C" {
 decltype(memcpy_s) sipcoreCopy;
 decltype(memset_s) sipcoreFill;
+decltype(SipDsmCopyGeneralField) sipcoreCopyField;
+decltype(SipSmCopyString) sipcoreCopyText;
+decltype(SipSmCloneString) sipcoreCloneText;
 }

@@ -3,6 +3,7 @@
 // A copy starts from an all-zero target, links every new allocation into it before filling that
 // allocation, and so can be undone at any point by clearing the target. Values are packed to 4
 // bytes: pointers inside them may be misaligned and are moved as bytes.
+#include "sipcore/builtin.hpp"
 #include "sipcore/heap.hpp"
 
 #include "sdpline/sipcore.h"
@@ -382,4 +383,8 @@ uint32_t SipDsmClearGeneralField(SDPMemCp *pstMemCp, void *pValue, const SipDsmT
     Clearer clearer(pstMemCp);
     clearer.clear(static_cast<Bytes>(pValue), pstDef, 0);
     return clearer.firstFailure();
+}
+
+extern "C" {
+SIPCORE_ALIAS(SipDsmCopyGeneralField, sipcoreCopyField)
 }

@@ -57,4 +57,28 @@ inline void zeroSmall(char *to, std::size_t count) {
     }
 }
 
+// The same for a payload of a block: a multiple of 8 bytes, at least 8.
+inline void zeroPayload(char *to, std::size_t count) {
+    if (count <= 16) {
+        std::memset(to, 0, 8);
+        std::memset(to + count - 8, 0, 8);
+        return;
+    }
+    if (count <= 32) {
+        std::memset(to, 0, 16);
+        std::memset(to + count - 16, 0, 16);
+        return;
+    }
+    if (count <= 64) {
+        std::memset(to, 0, 32);
+        std::memset(to + count - 32, 0, 32);
+        return;
+    }
+    char *const last = to + count - 64;
+    for (; to < last; to += 64) {
+        clearRecord<64>(to);
+    }
+    clearRecord<64>(last);
+}
+
 } // namespace sipcore

@@ -157,6 +157,14 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
     return cut(block.span, request, size, kLive);
 }
 
+[[gnu::noinline]] void *allocateRareZeroed(Block &block, uint32_t request) {
+    void *const memory = allocateRare(block, request);
+    if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveInOwnChunk) {
+        return memory; // the heap zeroes what may never be touched
+    }
+    return zeroed(memory, request);
+}
+
 } // namespace
 
 // The rarer ways are kept out of line so that cutting from the span stays a handful of
@@ -169,16 +177,16 @@ void *blockTake(SDPMemCp *memCp, uint32_t size) {
 
 void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
     auto &block = *static_cast<Block *>(memCp->pService);
-    void *memory = cutSmall(block, size);
-    if (memory != nullptr) [[likely]] {
-        zeroSmall(static_cast<char *>(memory), size);
-        return memory;
+    void *const memory = cutSmall(block, size);
+    if (memory == nullptr) [[unlikely]] {
+        return allocateRareZeroed(block, size);
     }
-    memory = allocateRare(block, size);
-    if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveInOwnChunk) {
-        return memory; // the heap zeroes what may never be touched
-    }
-    return zeroed(memory, size);
+#if defined(SIPCORE_ASAN) // which forbids what is beyond the request
+    zeroSmall(static_cast<char *>(memory), size);
+#else
+    zeroPayload(static_cast<char *>(memory), roundUp8(size));
+#endif
+    return memory;
 }
 
 uint32_t blockFree(void *memory) {

@@ -1,4 +1,5 @@
 // Counted strings and reference strings.
+#include "sipcore/builtin.hpp"
 #include "sipcore/heap.hpp"
 #include "sipcore/refstring.hpp"
 
@@ -130,4 +131,9 @@ uint32_t SipSmStringNCmp(const SipString *pstFirst, const SipString *pstSecond, 
         return 0;
     }
     return std::memcmp(pstFirst->pcData, pstSecond->pcData, ulCount) == 0 ? 1 : 0;
+}
+
+extern "C" {
+SIPCORE_ALIAS(SipSmCopyString, sipcoreCopyText)
+SIPCORE_ALIAS(SipSmCloneString, sipcoreCloneText)
 }

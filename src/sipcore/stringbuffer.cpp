@@ -245,5 +245,8 @@ const SipCoreBuiltin SIPCORE_BUILTIN = {.copyChar = sipcoreCopyChar,
                                         .blockFree = sipcore::blockFree,
                                         .systemAlloc = sipcore::systemAlloc,
                                         .systemFree = sipcore::systemFree,
-                                        .fillsFreed = sipcore::kFillsFreed};
+                                        .fillsFreed = sipcore::kFillsFreed,
+                                        .copyField = sipcoreCopyField,
+                                        .copyText = sipcoreCopyText,
+                                        .cloneText = sipcoreCloneText};
 }

@@ -19,9 +19,16 @@ inline Result<BodyHandle> newBody() {
     if (const SDPResult code = SdpLibCreateSdp(&line)) {
         return libraryError(code);
     }
-    SDPMemCp *const block = line->pstMemCp;
-    *line = {};
-    line->pstMemCp = block;
+    line->ulProtoVersion = 0;
+    line->stOrigin = {};
+    line->strSessionName = {};
+    line->pstrSessionInfo = line->pstrUri = line->pstrTimeZone = nullptr;
+    line->pstEmailList = line->pstPhoneList = line->pstBandwidthList = nullptr;
+    line->pstConnection = nullptr;
+    line->stTimeSet = {};
+    line->pstKey = nullptr;
+    line->pstAttrList = nullptr;
+    line->stMediaSet = {};
     return BodyHandle(line);
 }
 
@@ -33,28 +40,19 @@ inline Result<BodyHandle> unlessFailed(const Copier &copier, BodyHandle body) {
     return body;
 }
 
+[[gnu::cold]] inline Error cloneError(SDPResult code) {
+    const Error error = libraryError(code);
+    return error.check == "CloneBodyPayLoads" ? Copier::tooManyPayloads()
+           : error.check == "CloneBodyAlloc"  ? noMemory()
+                                              : error;
+}
+
 inline Result<BodyHandle> cloneBody(const SdpLine &from) {
-    auto made = newBody();
-    if (!made) {
-        return made;
+    SdpLine *line = nullptr;
+    if (const SDPResult code = SdpLibCloneSdp(&from, &line)) {
+        return cloneError(code);
     }
-    SdpLine &to = **made;
-    Copier copier(Memory(to.pstMemCp));
-    to.ulProtoVersion = from.ulProtoVersion;
-    copier.fill(from.stOrigin, to.stOrigin);
-    copier.fill(from.strSessionName, to.strSessionName);
-    to.pstrSessionInfo = copier.cloneGiven(from.pstrSessionInfo);
-    to.pstrUri = copier.cloneGiven(from.pstrUri);
-    to.pstEmailList = copier.cloneGiven(from.pstEmailList);
-    to.pstPhoneList = copier.cloneGiven(from.pstPhoneList);
-    to.pstConnection = copier.cloneGiven(from.pstConnection);
-    to.pstBandwidthList = copier.cloneGiven(from.pstBandwidthList);
-    copier.fill(from.stTimeSet, to.stTimeSet);
-    to.pstrTimeZone = copier.cloneGiven(from.pstrTimeZone);
-    to.pstKey = copier.cloneGiven(from.pstKey);
-    to.pstAttrList = copier.cloneGiven(from.pstAttrList);
-    copier.fill(from.stMediaSet, to.stMediaSet);
-    return unlessFailed(copier, *std::move(made));
+    return BodyHandle(line);
 }
 
 } // namespace internal
