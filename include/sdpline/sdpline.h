@@ -111,8 +111,9 @@ SDPLINE_API SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine
  * (libsipcore does) the caller clears every field but pstMemCp before use. */
 SDPLINE_API SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine);
 
-/* Makes a copy of the body, in a block of its own, of what is not written too. A body with more than
- * SDP_MAX_PAYLOADS payload numbers in an m= line is refused. *ppstClone is null after a failure. */
+/* Makes a copy of the body, in a block of its own, of what is not written too. A body with more
+ * than SDP_MAX_PAYLOADS payload numbers in an m= line is refused. *ppstClone is null after a
+ * failure. */
 SDPLINE_API SDPResult SdpLibCloneSdp(const SdpLine *pstSdpLine, SdpLine **ppstClone);
 
 /*
