@@ -53,7 +53,7 @@ void Fields::drop(uint32_t howMany) {
     changed_ = true;
 }
 
-void Fields::write(Workspace &work, Line &line, std::string_view key, std::string_view after) {
+void Fields::write(Workspace &work, Line &line, std::string_view key) {
     if (run_ != nullptr) {
         work.report(Rule::SpaceRun, line, run_);
     }
@@ -65,7 +65,7 @@ void Fields::write(Workspace &work, Line &line, std::string_view key, std::strin
         line.text = line.text.substr(0, static_cast<size_t>(trailing_ - line.text.data()));
         return;
     }
-    size_t size = key.size() + after.size();
+    size_t size = key.size();
     for (uint32_t i = 0; i < count_; ++i) {
         size += items_[i].size + 1;
     }
@@ -74,7 +74,7 @@ void Fields::write(Workspace &work, Line &line, std::string_view key, std::strin
     for (uint32_t i = 0; i < count_; ++i) {
         draft << (i == 0 ? std::string_view() : blankAfter(i - 1)) << textOf(items_[i]);
     }
-    line.text = (draft << after).text();
+    line.text = draft.text();
 }
 
 // The one that is there where it is one, for what is copied together.

@@ -46,7 +46,7 @@ public:
 
     // Reports white space that goes, and writes the line anew: the key, the fields with one blank
     // between them, and what comes after them.
-    void write(Workspace &work, Line &line, std::string_view key, std::string_view after = {});
+    void write(Workspace &work, Line &line, std::string_view key);
 
 private:
     std::string_view blankAfter(uint32_t index) const;
