@@ -229,7 +229,8 @@ TEST(TidyCost, IsLinear) {
             tidied(body, kAll, options);
             requests[i] = Allocations::count();
         }
-        EXPECT_LE(requests[1], 2 * requests[0] + 2) << line << requests[0] << " and " << requests[1];
+        EXPECT_LE(requests[1], 2 * requests[0] + 2)
+            << line << requests[0] << " and " << requests[1];
     }
 }
 
