@@ -222,8 +222,15 @@ constexpr std::string_view wordOf(StatusLine line) {
  * (RFC 4855 section 3) and of hosts are compared. Letters are those of ASCII. */
 constexpr bool equalIgnoringCase(std::string_view one, std::string_view two) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 32) : c; };
-    if (one.size() != two.size() || one == two) {
+    if (one.size() != two.size() || one.empty()) {
         return one.size() == two.size();
+    }
+    // Names of one length that differ, as PCMA and PCMU, mostly do in their last letter.
+    if (one.back() != two.back() && lower(one.back()) != lower(two.back())) {
+        return false;
+    }
+    if (one == two) {
+        return true;
     }
     for (std::size_t i = 0; i < one.size(); ++i) {
         if (lower(one[i]) != lower(two[i])) {
