@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The page of calls as a browser lays it out: page.sh PROGRAM SOURCE_DIR MAKECAPTURE
-# Without Chromium and python3 the test is skipped.
+# Without Chromium and python3 the test is skipped; ./dev page installs them.
 if ! command -v chromium >/dev/null || ! command -v python3 >/dev/null; then
   echo "no chromium or no python3 here"
   exit 77
