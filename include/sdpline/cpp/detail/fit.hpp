@@ -53,12 +53,19 @@ bool holdsOneOf(std::string_view text) {
         return limit;
     }();
     static_assert(kLimit <= 128);
+    constexpr std::size_t kWord = sizeof(std::uint64_t);
+    const auto isHigh = [text](std::size_t from) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + from, kWord);
+        return !hasByteBelow(word, kLimit);
+    };
     std::size_t at = 0;
-    for (std::uint64_t word = 0; at + sizeof word <= text.size(); at += sizeof word) {
-        std::memcpy(&word, text.data() + at, sizeof word);
-        if (hasByteBelow(word, kLimit)) {
-            break;
-        }
+    while (at + kWord < text.size() && isHigh(at)) {
+        at += kWord;
+    }
+    // The last eight bytes cover what is left, and may overlap those before.
+    if (text.size() >= kWord && at + kWord >= text.size() && isHigh(text.size() - kWord)) {
+        return false;
     }
     for (; at < text.size(); ++at) {
         if (kUnfit[static_cast<unsigned char>(text[at])]) {
