@@ -104,7 +104,7 @@ struct LexerOn : Position, Special {
 
     // The same when the current token is a run of the context, which under the alphanumeric one is
     // a run of digits: no such run is next.
-    SDPLINE_INLINE void advanceAfterRun(uint32_t under);
+    void advanceAfterRun(uint32_t under);
 
     // Takes what follows the current token when it is this text, in one comparison: the text's last
     // byte, which is a token in any context, is then current. Else nothing is taken.
@@ -192,7 +192,7 @@ private:
     SDPLINE_INLINE void scanDigits();
     SDPLINE_INLINE void scanSdp();
     SDPLINE_INLINE void scanAlnum();
-    SDPLINE_INLINE void scanLetters();
+    void scanLetters();
     SDPLINE_INLINE void scanIpv6();
     SDPLINE_INLINE void jumpTo(const uint8_t *byte);
 };

@@ -85,14 +85,14 @@ SDPLINE_INLINE const uint8_t *skip<kNameRun>(const uint8_t *byte) {
         byte, [](__m128i bytes) { return _mm_or_si128(atMost(bytes, '\n'), equals(bytes, '/')); });
 }
 
-SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
+inline const uint8_t *lineEndInPadded(const uint8_t *byte) {
     return findInPadded(
         byte, [](__m128i bytes) { return _mm_or_si128(equals(bytes, '\n'), equals(bytes, '\0')); });
 }
 
 #else
 
-SDPLINE_INLINE const uint8_t *lineEndInPadded(const uint8_t *byte) {
+inline const uint8_t *lineEndInPadded(const uint8_t *byte) {
     return findLineEnd(byte);
 }
 

@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "services/builtin.hpp"
-#include "services/inline.hpp"
 #include "sipcore/block.hpp"
 
 namespace sdpline {
@@ -24,7 +23,7 @@ public:
     bool isInPlace() const { return block_ != nullptr; }
 
     // Holds anything; null without memory.
-    SDPLINE_INLINE void *take(uint32_t size) const {
+    void *take(uint32_t size) const {
         void *const memory = block_ != nullptr ? sipcore::cutSmall(*block_, size) : nullptr;
         return memory != nullptr ? memory : takeByCall(*this, size);
     }
