@@ -32,7 +32,7 @@ uint64_t heapAllocations() {
 
 constexpr uint32_t kOneChunk = 1 << 22; // holds all copies of a test
 
-// What copies leave behind, to be compared: results and records in words, and where each allocation
+// The outcome of copies as text, to be compared: results, records, and where each allocation
 // lies in its block, as long as that has one chunk.
 class Trace {
 public:

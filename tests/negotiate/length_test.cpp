@@ -51,7 +51,7 @@ std::string lines(const std::string &begin, size_t width) {
     const std::string line = begin + std::string(width - begin.size() - 2, 'y') + "\r\n";
     return line + line + line + line;
 }
-// Streams that nobody takes; they stay in an answer and in a next offer.
+// Streams that are rejected; they stay in an answer and in a next offer.
 std::string closed(size_t width) {
     return lines("m=y 0 udp ", width);
 }

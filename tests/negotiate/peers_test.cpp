@@ -1,5 +1,5 @@
-// Answers as other libraries read them: media, ports, protocols, formats, directions, addresses and
-// the number of attributes are those that we meant.
+// SDP answers as other libraries decode them: media, ports, protocols, formats, directions,
+// addresses and the number of attributes are those that we meant.
 #include <gtest/gtest.h>
 
 #include <algorithm>
