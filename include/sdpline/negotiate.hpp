@@ -3,14 +3,14 @@
  * Header-only over libsdpline_negotiate; the conventions of sdpline.hpp hold, and those of
  * sdpnegotiate.h, which says more of each operation.
  *
- *     sdpline::Result<std::string> answerTo(const sdpline::Body &offer, const sdpline::Body &local)
- * { auto answer = sdpline::answer(offer, local); if (!answer) { return answer.error();
- *         }
- *         for (const sdpline::Decision &decision : answer->decisions) {
- *             log(decision.sentence); // stream 2 rejected: no common format (...)
- *         }
- *         return answer->body.encode();
+ *     const auto answer = sdpline::answer(offer, local);
+ *     if (!answer) {
+ *         return answer.error().message();
  *     }
+ *     for (const sdpline::Decision &decision : answer->decisions) {
+ *         log(decision.sentence); // stream 2 rejected: no common format (...)
+ *     }
+ *     send(answer->body.encode());
  */
 #ifndef SDPLINE_NEGOTIATE_HPP
 #define SDPLINE_NEGOTIATE_HPP

@@ -5,6 +5,7 @@
 
 #include "negotiate/describe.hpp"
 #include "negotiate/direction.hpp"
+#include "negotiate/grouping.hpp"
 #include "negotiate/origin.hpp"
 #include "negotiate/precondition.hpp"
 
@@ -77,7 +78,7 @@ private:
     Reason agree(const SDPMediaDesc &offered, const SDPMediaDesc &answered,
                  SdpNegotiateStream &stream) {
         const uint32_t port = answered.stMediaField.ulPort;
-        if (port == 0 || port > kHighestPort) {
+        if ((port == 0 && !isBundleOnly(answer_, answered, offer_)) || port > kHighestPort) {
             return offered.stMediaField.ulPort == 0 ? Reason::PortZero : Reason::PeerRejected;
         }
         pairAnswer(offered, answered, pairing_);

@@ -179,10 +179,10 @@ private:
             writeMismatch(pairing_.offered, pairing_.ours, why);
             return common;
         }
-        return fitRest(match);
+        return fitRest(match, why);
     }
 
-    Reason fitRest(Match &match) {
+    Reason fitRest(Match &match, Text &why) {
         const Sides sides = {input_.offer, *match.offered, input_.local, *match.ours};
         match.crypto = chooseCrypto(sides);
         match.setup = chooseSetup(sides);
@@ -192,8 +192,10 @@ private:
                 return reason;
             }
         }
-        return answerPreconditions(*match.offered, *match.ours, match.stream, report_, nullptr)
-            .rejected;
+        const PreconditionAnswer preconditions =
+            answerPreconditions(*match.offered, *match.ours, match.stream, report_, nullptr);
+        why << preconditions.type;
+        return preconditions.rejected;
     }
 
     // The local port at first, then those of the list; or what the caller says.

@@ -15,6 +15,32 @@ namespace sdpline::negotiate {
 
 namespace {
 
+bool listsFormats(const SDPMediaDesc &media) {
+    const SDPMediaFmt &format = media.stMediaField.stMediaFmt;
+    return format.enFmtType != SDP_FMT_RTP_PAYLOADS ||
+           format.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads != 0;
+}
+
+// Whether both have the same b= lines.
+bool sameBandwidths(const SDPStringList *one, const SDPStringList *two) {
+    const auto textsOf = [](const SDPStringList *list) {
+        return list != nullptr && list->ppstStrings != nullptr
+                   ? std::span(list->ppstStrings, list->ulNoOfStrings)
+                   : std::span<SipString *>();
+    };
+    const auto first = textsOf(one);
+    const auto second = textsOf(two);
+    return std::equal(
+        first.begin(), first.end(), second.begin(), second.end(),
+        [](const SipString *a, const SipString *b) { return viewOf(a) == viewOf(b); });
+}
+
+// The a=ptime of a stream, 0 for none.
+uint32_t packetTimeOf(const SDPMediaDesc &media) {
+    const SDPAttr *const line = find(attributesOf(media.pstAttrList), uint32_t{SDP_ATTR_PTIME});
+    return line != nullptr ? line->unAttrValue.ulValue : 0;
+}
+
 class AnswerCheck {
 public:
     AnswerCheck(const SdpLine &offer, const SdpLine &answer, Report &report)
@@ -63,7 +89,10 @@ private:
             change(Reason::ProtocolChanged, index, protocolWord(offered), protocolWord(answered));
         }
         const uint32_t port = answered.stMediaField.ulPort;
-        if (port == 0) {
+        if (port == 0 && !isBundleOnly(answer_, answered, offer_)) {
+            if (listsFormats(offered) && !listsFormats(answered)) {
+                report_.add(Reason::RejectedWithoutFormats, index);
+            }
             return;
         }
         if (offered.stMediaField.ulPort == 0 &&
@@ -155,6 +184,12 @@ private:
             addressOf(*theirs) == addressOf(*ours);
         if (!sameAddress || flowsOf(offer_, offered) != flowsOf(answer_, answered)) {
             report_.add(Reason::MulticastChanged, index);
+        }
+        const uint32_t packetTime = packetTimeOf(offered);
+        if ((packetTime != 0 && packetTime != packetTimeOf(answered)) ||
+            (offered.pstBandwidthList != nullptr &&
+             !sameBandwidths(offered.pstBandwidthList, answered.pstBandwidthList))) {
+            report_.add(Reason::MulticastRates, index);
         }
         for (uint32_t i = 0; i < pairing_.ours.count; ++i) {
             const Format &format = pairing_.ours.items[i];

@@ -1,6 +1,7 @@
 // What is wrong with a description that follows another one of the same side (RFC 3264 section 8).
 #include <algorithm>
 
+#include "negotiate/describe.hpp"
 #include "negotiate/draft.hpp"
 #include "negotiate/formats.hpp"
 #include "negotiate/origin.hpp"
@@ -72,8 +73,10 @@ private:
                 continue;
             }
             Text detail;
-            detail << format.number << " from " << before_.items[*place].name << " to "
-                   << format.name;
+            detail << format.number << " from ";
+            writeName(before_.items[*place], detail);
+            detail << " to ";
+            writeName(format, detail);
             report_.add(Reason::PayloadRemapped, index, detail, format.number);
         }
     }

@@ -65,10 +65,6 @@ void writeFormats(const SdpNegotiateStream &stream, Text &text) {
     }
 }
 
-namespace {
-
-constexpr uint32_t kMostNamed = 6; // formats of a list in a sentence
-
 void writeName(const Format &format, Text &text) {
     if (!format.defined) {
         text << "number " << format.number;
@@ -83,6 +79,10 @@ void writeName(const Format &format, Text &text) {
         text << "/" << format.channels;
     }
 }
+
+namespace {
+
+constexpr uint32_t kMostNamed = 6; // formats of a list in a sentence
 
 void writeNames(const FormatList &list, Text &text) {
     for (uint32_t i = 0; i < list.count && i < kMostNamed; ++i) {

@@ -21,6 +21,9 @@ SdpNegotiateFormat **makeFormats(Arena &arena, uint32_t count);
 // A format of the report, with its texts copied.
 void describeFormat(Arena &arena, const Format &codec, SdpNegotiateFormat &format);
 
+// "L16/44100/2"
+void writeName(const Format &format, Text &text);
+
 // "PCMU 0, telephone-event 101"
 void writeFormats(const SdpNegotiateStream &stream, Text &text);
 

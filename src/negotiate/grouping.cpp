@@ -181,6 +181,15 @@ bool wasOffered(const SdpLine &offer, std::string_view answered) {
     return false;
 }
 
+bool hasRejected(const SdpLine &answer, std::string_view group) {
+    const MediaSpan answered = mediaOf(answer);
+    return std::any_of(answered.begin(), answered.end(), [&](const SDPMediaDesc *one) {
+        const std::string_view mid = midOf(*one);
+        return one->stMediaField.ulPort == 0 && !mid.empty() && lists(group, mid) &&
+               find(attributesOf(one->pstAttrList), "bundle-only") == nullptr;
+    });
+}
+
 } // namespace
 
 void checkGroups(const SdpLine &offer, const SdpLine &answer, Report &report) {
@@ -193,8 +202,15 @@ void checkGroups(const SdpLine &offer, const SdpLine &answer, Report &report) {
         }
     }
     for (const SDPAttr *const attribute : attributesOf(answer.pstAttrList)) {
-        if (isGroup(*attribute) && !wasOffered(offer, otherValue(*attribute))) {
-            report.add(Reason::GroupNotOffered, kSession, otherValue(*attribute));
+        if (!isGroup(*attribute)) {
+            continue;
+        }
+        const std::string_view group = otherValue(*attribute);
+        if (!wasOffered(offer, group)) {
+            report.add(Reason::GroupNotOffered, kSession, group);
+        }
+        if (hasRejected(answer, group)) {
+            report.add(Reason::GroupRejected, kSession, group);
         }
     }
 }

@@ -52,6 +52,9 @@ private:
         placeBy([this](uint32_t slot, uint32_t stream) {
             return isOpen(slot) && sameType(slot, stream);
         });
+        placeBy([this](uint32_t slot, uint32_t stream) {
+            return !isOpen(slot) && sameType(slot, stream);
+        });
         // Speech and fax of one call take turns in one line (RFC 3264 section 8.3.3).
         placeBy([this](uint32_t slot, uint32_t stream) {
             return isOpen(slot) && isFaxChange(*previous_[slot], *wanted_[stream]);

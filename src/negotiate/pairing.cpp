@@ -82,25 +82,35 @@ uint8_t partnerOf(const Pairing &pairing, const Format &offered, Fits fits) {
     return found;
 }
 
+void pairAssociated(Pairing &pairing, Role role, const SdpNegotiateOptions &options) {
+    for (uint32_t i = 0; i < pairing.offered.count; ++i) {
+        const Format &offered = pairing.offered.items[i];
+        if (offered.role == role) {
+            pairing.partner[i] = partnerOf(pairing, offered, [&](const Format &ours) {
+                return same(offered, ours, options) && sameReferences(pairing, offered, ours);
+            });
+        }
+    }
+}
+
 } // namespace
 
 void pair(Pairing &pairing, const SdpNegotiateOptions &options) {
     const uint32_t count = pairing.offered.count;
+    bool associated = false;
     std::memset(pairing.partner, kNoPartner, sizeof pairing.partner);
     for (uint32_t i = 0; i < count; ++i) {
         const Format &offered = pairing.offered.items[i];
+        associated = associated || isAssociated(offered);
         if (offered.defined && !isAssociated(offered)) {
             pairing.partner[i] = partnerOf(
                 pairing, offered, [&](const Format &ours) { return same(offered, ours, options); });
         }
     }
-    for (uint32_t i = 0; i < count; ++i) {
-        const Format &offered = pairing.offered.items[i];
-        if (isAssociated(offered)) {
-            pairing.partner[i] = partnerOf(pairing, offered, [&](const Format &ours) {
-                return same(offered, ours, options) && sameReferences(pairing, offered, ours);
-            });
-        }
+    if (associated) {
+        // RTX may go with RED, wherever that is listed.
+        pairAssociated(pairing, Role::Red, options);
+        pairAssociated(pairing, Role::Rtx, options);
     }
 }
 
@@ -149,13 +159,22 @@ private:
         for (uint32_t i = 0; i < count_; ++i) {
             const Format &format = pairing_.offered.items[i];
             const bool common = pairing_.partner[i] != kNoPartner;
-            pairing_.leftOut[i] = common           ? Reason::None
-                                  : format.defined ? Reason::FormatNotOurs
-                                                   : Reason::FormatUndefined;
+            pairing_.leftOut[i] = common ? Reason::None : missing(format);
             if (common) {
                 pairing_.chosen[pairing_.chosenCount++] = static_cast<uint8_t>(i);
             }
         }
+    }
+
+    // Why a format has no partner. RED and RTX that we have too lack what they go with.
+    Reason missing(const Format &format) const {
+        if (!format.defined) {
+            return Reason::FormatUndefined;
+        }
+        const bool lacks = isAssociated(format) && !refersToPaired(pairing_, format) &&
+                           std::any_of(pairing_.ours.begin(), pairing_.ours.end(),
+                                       [&](const Format &ours) { return sameCodec(format, ours); });
+        return lacks ? Reason::FormatAssociated : Reason::FormatNotOurs;
     }
 
     // By insertion: the lists are short, and in order mostly.

@@ -192,19 +192,19 @@ void addDesired(Row &row, const Row &ours) {
 }
 
 // The table of both sides, as we see it; or why the stream is rejected.
-Reason merge(const Table &theirs, Table &ours, Table &merged, Text &detail) {
+Reason merge(const Table &theirs, Table &ours, Table &merged, std::string_view &type) {
     for (uint32_t i = 0; i < theirs.count; ++i) {
         const Row row = turnedRow(theirs.rows[i]);
         const Row *const own = ours.find(row.type, row.status);
         if (!ours.knows(row.type)) {
             if (row.mandatory() != 0) {
-                detail << typeWord(row.type);
+                type = typeWord(row.type);
                 return Reason::PreconditionUnknown;
             }
             continue;
         }
         if (ours.has(own) && own->failed && row.mandatory() != 0) {
-            detail << typeWord(row.type);
+            type = typeWord(row.type);
             return Reason::PreconditionFailed;
         }
         Row &target = *merged.make(row.type, row.status);
@@ -315,8 +315,7 @@ PreconditionAnswer answerPreconditions(const SDPMediaDesc &offered, const SDPMed
         return answer;
     }
     Table merged;
-    Text detail;
-    answer.rejected = merge(theirs, own, merged, detail);
+    answer.rejected = merge(theirs, own, merged, answer.type);
     if (answer.rejected != Reason::None || lines == nullptr || merged.count == 0) {
         return answer;
     }
@@ -336,9 +335,9 @@ PreconditionAnswer agreePreconditions(const SDPMediaDesc &peer, const SDPMediaDe
     const Table theirs = tableOf(peer);
     Table own = tableOf(ours);
     Table merged;
-    Text detail;
     PreconditionAnswer answer;
-    if (theirs.wanted() && own.wanted() && merge(theirs, own, merged, detail) == Reason::None) {
+    if (theirs.wanted() && own.wanted() &&
+        merge(theirs, own, merged, answer.type) == Reason::None) {
         answer.state = stateOf(merged);
         answer.confirm = asksToConfirm(theirs);
     }

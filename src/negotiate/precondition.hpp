@@ -9,6 +9,7 @@ namespace sdpline::negotiate {
 // What an answer says of them, and whether the mandatory ones are met.
 struct PreconditionAnswer {
     Reason rejected = Reason::None;
+    std::string_view type; // that it is rejected for
     uint32_t state = SDP_NEGOTIATE_PRECONDITIONS_ABSENT;
     bool confirm = false; // the offerer asks for a=conf
 };

@@ -186,6 +186,8 @@ void StreamWriter::multiplexing() {
             add(otherFlag(report_.arena, name));
         } else if (name == "rtcp-mux") {
             report_.add(Reason::RtcpMuxDropped, match_.stream);
+        } else {
+            report_.add(Reason::AttributeDropped, match_.stream, name);
         }
     }
 }

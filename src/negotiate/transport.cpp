@@ -34,9 +34,11 @@ bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool av
 
 namespace {
 
+// Over TCP or DTLS, and where both sides have DTLS for the keys of another protocol.
 bool usesSetup(const Sides &sides) {
     return isTcp(sides.offered) || isDtls(sides.offered) ||
-           findFor(sides.offer, sides.offered, "fingerprint") != nullptr;
+           (findFor(sides.offer, sides.offered, "fingerprint") != nullptr &&
+            findFor(sides.local, sides.ours, "fingerprint") != nullptr);
 }
 
 // 0 where the body says nothing.

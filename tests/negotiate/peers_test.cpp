@@ -82,9 +82,14 @@ constexpr Exception kExceptions[] = {
     {"libre", "Packet time and bandwidth of the offer"},
     {"libre", "Our packet time where the offer has none"},
     {"libre", "A multicast address of IPv6"},
+    {"libre", "A multicast stream with a TTL, ours is unicast"},
+    {"libre", "A multicast stream keeps its direction, ours is recvonly"},
+    {"libre", "Multicast with several addresses"},
     // a=rtcp becomes an address, which is no attribute
     {"libre", "What a stream says of itself stays in a bundle"},
     {"libre", "A local stream again, by a list of ports"},
+    {"libre", "The attributes of a local stream that is taken again"},
+    {"libre", "One port for RTP and RTCP, which the offer lacks in one stream"},
     // an address that is missing is 0.0.0.0
     {"libre", "A local stream without a c= line"},
 };
