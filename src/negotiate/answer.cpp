@@ -176,7 +176,7 @@ private:
         pair(pairing_, options_);
         const Reason common = select(pairing_, options_);
         if (common != Reason::None) {
-            writeMismatch(pairing_.offered, pairing_.ours, why);
+            writeMismatch(pairing_.offered, pairing_.ours, "ours", why);
             return common;
         }
         return fitRest(match, why);
@@ -185,12 +185,17 @@ private:
     Reason fitRest(Match &match, Text &why) {
         const Sides sides = {input_.offer, *match.offered, input_.local, *match.ours};
         match.crypto = chooseCrypto(sides);
+        if (match.crypto.rejected != Reason::None) {
+            writeSuites(sides, why);
+            return match.crypto.rejected;
+        }
         match.setup = chooseSetup(sides);
-        for (const Reason reason :
-             {match.crypto.rejected, match.setup.rejected, fitFax(*match.offered, *match.ours)}) {
-            if (reason != Reason::None) {
-                return reason;
-            }
+        if (match.setup.rejected != Reason::None) {
+            writeSetups(sides, why);
+            return match.setup.rejected;
+        }
+        if (const Reason fax = fitFax(*match.offered, *match.ours, why); fax != Reason::None) {
+            return fax;
         }
         const PreconditionAnswer preconditions =
             answerPreconditions(*match.offered, *match.ours, match.stream, report_, nullptr);

@@ -3,6 +3,7 @@
 
 #include "negotiate/agree.hpp"
 #include "negotiate/attributes.hpp"
+#include "negotiate/describe.hpp"
 #include "negotiate/direction.hpp"
 #include "negotiate/feedback.hpp"
 #include "negotiate/grouping.hpp"
@@ -75,8 +76,12 @@ private:
                        ? std::pair(uint32_t{time->ulStartTime}, uint32_t{time->ulStopTime})
                        : std::pair(0u, 0u);
         };
-        if (first(offer_) != first(answer_)) {
-            report_.add(Reason::TimeChanged, kSession);
+        const auto offered = first(offer_);
+        const auto answered = first(answer_);
+        if (offered != answered) {
+            report_.add(Reason::TimeChanged, kSession,
+                        Text() << "offered " << offered.first << " " << offered.second
+                               << ", answered " << answered.first << " " << answered.second);
         }
     }
 
@@ -147,7 +152,9 @@ private:
         if (!any && pairing_.ours.count == 0) {
             report_.add(Reason::NoFormats, index);
         } else if (pairing_.chosenCount == 0) {
-            report_.add(Reason::AnswerNoCommonFormat, index);
+            Text detail;
+            writeMismatch(pairing_.offered, pairing_.ours, "answered", detail);
+            report_.add(Reason::AnswerNoCommonFormat, index, detail);
         }
         modeSets(index);
     }

@@ -93,7 +93,7 @@ void writeNames(const FormatList &list, Text &text) {
 }
 
 // The parameter that makes H264 two codecs.
-void writeH264(const Format &offered, const Format &ours, Text &text) {
+void writeH264(const Format &offered, const Format &ours, std::string_view side, Text &text) {
     const auto profile = [](const Format &format) {
         return parameter(format.parameters, "profile-level-id").value_or("42000A");
     };
@@ -101,12 +101,13 @@ void writeH264(const Format &offered, const Format &ours, Text &text) {
         return parameter(format.parameters, "packetization-mode").value_or("0");
     };
     if (mode(offered) != mode(ours)) {
-        text << "offered H264 packetization-mode " << mode(offered) << ", ours " << mode(ours);
+        text << "offered H264 packetization-mode " << mode(offered) << ", " << side << " "
+             << mode(ours);
         return;
     }
     const bool sameByte = sameWord(profile(offered).substr(0, 2), profile(ours).substr(0, 2));
     const size_t digits = sameByte ? 4 : 2;
-    text << "offered H264 profile " << profile(offered).substr(0, digits) << ", ours "
+    text << "offered H264 profile " << profile(offered).substr(0, digits) << ", " << side << " "
          << profile(ours).substr(0, digits);
 }
 
@@ -116,26 +117,27 @@ void writeParametersOf(const Format &format, Text &text) {
 
 } // namespace
 
-void writeMismatch(const FormatList &offered, const FormatList &ours, Text &text) {
+void writeMismatch(const FormatList &offered, const FormatList &ours, std::string_view side,
+                   Text &text) {
     for (const Format &one : offered) {
         for (const Format &other : ours) {
             if (!sameCodec(one, other) || sameParameters(one, other)) {
                 continue;
             }
             if (sameWord(one.name, "H264")) {
-                writeH264(one, other, text);
+                writeH264(one, other, side, text);
                 return;
             }
             text << "offered " << one.name << " ";
             writeParametersOf(one, text);
-            text << ", ours ";
+            text << ", " << side << " ";
             writeParametersOf(other, text);
             return;
         }
     }
     text << "offered ";
     writeNames(offered, text);
-    text << ", ours ";
+    text << ", " << side << " ";
     writeNames(ours, text);
 }
 

@@ -27,7 +27,9 @@ void writeName(const Format &format, Text &text);
 // "PCMU 0, telephone-event 101"
 void writeFormats(const SdpNegotiateStream &stream, Text &text);
 
-// Why two lists have no common format: "offered H264 profile 64, ours 42".
-void writeMismatch(const FormatList &offered, const FormatList &ours, Text &text);
+// Why two lists have no common format: "offered H264 profile 64, ours 42". `side` is what the
+// second one is called.
+void writeMismatch(const FormatList &offered, const FormatList &ours, std::string_view side,
+                   Text &text);
 
 } // namespace sdpline::negotiate

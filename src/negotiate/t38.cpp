@@ -85,11 +85,15 @@ void addOurs(const SDPMediaDesc &ours, uint32_t type, Growing<SDPAttr> &lines) {
 
 } // namespace
 
-Reason fitFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours) {
+Reason fitFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, Text &why) {
     const auto theirs = valueOf(offered, SDP_ATTR_T38_RATE_MANAGEMENT);
-    const bool fits = !theirs || !valueOf(ours, SDP_ATTR_T38_RATE_MANAGEMENT) ||
-                      lists(ours, SDP_ATTR_T38_RATE_MANAGEMENT, *theirs);
-    return fits ? Reason::None : Reason::RateManagement;
+    const auto own = valueOf(ours, SDP_ATTR_T38_RATE_MANAGEMENT);
+    if (!theirs || !own || lists(ours, SDP_ATTR_T38_RATE_MANAGEMENT, *theirs)) {
+        return Reason::None;
+    }
+    why << "offered " << wordOf(T38RateManagement{*theirs}) << ", ours "
+        << wordOf(T38RateManagement{*own});
+    return Reason::RateManagement;
 }
 
 void answerFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t stream,
@@ -110,13 +114,17 @@ void answerFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t s
 void checkFax(const SDPMediaDesc &offered, const SDPMediaDesc &answered, uint32_t stream,
               Report &report) {
     const uint32_t highest = valueOf(offered, SDP_ATTR_T38_FAX_VERSION).value_or(0);
-    if (valueOf(answered, SDP_ATTR_T38_FAX_VERSION).value_or(0) > highest) {
-        report.add(Reason::FaxVersionRaised, stream);
+    const uint32_t version = valueOf(answered, SDP_ATTR_T38_FAX_VERSION).value_or(0);
+    if (version > highest) {
+        report.add(Reason::FaxVersionRaised, stream,
+                   Text() << "offered " << highest << ", answered " << version);
     }
     const auto offeredRate = valueOf(offered, SDP_ATTR_T38_RATE_MANAGEMENT);
     const auto answeredRate = valueOf(answered, SDP_ATTR_T38_RATE_MANAGEMENT);
     if (offeredRate && answeredRate && *offeredRate != *answeredRate) {
-        report.add(Reason::RateManagementChanged, stream);
+        report.add(Reason::RateManagementChanged, stream,
+                   Text() << "offered " << wordOf(T38RateManagement{*offeredRate}) << ", answered "
+                          << wordOf(T38RateManagement{*answeredRate}));
     }
     for (const uint32_t flag : kFlags) {
         if (isSet(answered, flag) && !isSet(offered, flag)) {
@@ -125,7 +133,8 @@ void checkFax(const SDPMediaDesc &offered, const SDPMediaDesc &answered, uint32_
     }
     const auto correction = valueOf(answered, SDP_ATTR_T38_UDP_EC);
     if (correction && !lists(offered, SDP_ATTR_T38_UDP_EC, *correction)) {
-        report.add(Reason::FaxCorrectionNotOffered, stream);
+        report.add(Reason::FaxCorrectionNotOffered, stream,
+                   wordOf(T38ErrorCorrection{*correction}));
     }
 }
 

@@ -6,8 +6,8 @@
 
 namespace sdpline::negotiate {
 
-// Whether the offered rate management is one of ours: Reason::None, or RateManagement.
-Reason fitFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours);
+// Whether the offered rate management is one of ours: Reason::None, or RateManagement and why.
+Reason fitFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, Text &why);
 
 // The a=T38... lines of the answer.
 void answerFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t stream,

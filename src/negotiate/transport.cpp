@@ -66,6 +66,14 @@ Setup chooseSetup(const Sides &sides) {
     return {fits ? Reason::None : Reason::SetupConflict, mode};
 }
 
+void writeSetups(const Sides &sides, Text &text) {
+    const auto write = [&](const char *side, uint32_t mode) {
+        text << side << (mode != 0 ? wordOf(SetupRole{mode}) : std::string_view("no a=setup"));
+    };
+    write("offered ", setupOf(sides.offer, sides.offered));
+    write(", ours ", setupOf(sides.local, sides.ours));
+}
+
 // RFC 4145 section 5.1: "existing" only where the offer has it, and there is one. Ours says so, or
 // else our previous description, by an open line over the same protocol.
 std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previous) {
@@ -156,6 +164,24 @@ void writeCrypto(const Crypto &crypto, Text &text) {
     if (!ours.parameters.empty()) {
         text << " " << ours.parameters;
     }
+}
+
+void writeSuites(const Sides &sides, Text &text) {
+    const auto write = [&](const char *side, const SDPMediaDesc &media) {
+        bool any = false;
+        text << side;
+        for (const SDPAttr *const line : attributesOf(media.pstAttrList)) {
+            if (isCrypto(*line)) {
+                const CryptoLine crypto = cryptoOf(*line);
+                text << " " << crypto.suite << (crypto.parameters.empty() ? "" : " ")
+                     << crypto.parameters;
+                any = true;
+            }
+        }
+        text << (any ? "" : " none");
+    };
+    write("offered", sides.offered);
+    write(", ours", sides.ours);
 }
 
 // ---- Checks. `ours` is the answer here.

@@ -29,6 +29,7 @@ struct Setup {
     uint32_t mode = 0; // SDP_T120_..., 0 for no a=setup
 };
 Setup chooseSetup(const Sides &sides);
+void writeSetups(const Sides &sides, Text &text); // "offered active, ours active"
 
 // The a=connection of the answer: empty for none. `previous` is the stream in our last description,
 // null where it had none.
@@ -41,6 +42,7 @@ struct Crypto {
 };
 Crypto chooseCrypto(const Sides &sides);
 void writeCrypto(const Crypto &crypto, Text &text);
+void writeSuites(const Sides &sides, Text &text); // "offered F8_128_HMAC_SHA1_80, ours none"
 
 void checkTransport(const Sides &sides, uint32_t stream, Report &report);
 
