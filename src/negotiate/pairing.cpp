@@ -174,7 +174,9 @@ private:
         const bool lacks = isAssociated(format) && !refersToPaired(pairing_, format) &&
                            std::any_of(pairing_.ours.begin(), pairing_.ours.end(),
                                        [&](const Format &ours) { return sameCodec(format, ours); });
-        return lacks ? Reason::FormatAssociated : Reason::FormatNotOurs;
+        return !lacks                     ? Reason::FormatNotOurs
+               : format.role == Role::Red ? Reason::RedundancyDropped
+                                          : Reason::FormatAssociated;
     }
 
     // By insertion: the lists are short, and in order mostly.
@@ -239,25 +241,27 @@ private:
     }
 
     // What RED and RTX refer to, in the offer and in our parameters, must have been chosen too.
+    // RED first: RTX may go with it.
     void keepReferences() {
-        bool dropped[SDP_MAX_PAYLOADS] = {};
-        for (uint32_t i = 0; i < pairing_.chosenCount; ++i) {
-            const uint8_t place = pairing_.chosen[i];
-            bool &gone = dropped[place];
-            const Format &offered = pairing_.offered.items[place];
-            if (!isAssociated(offered)) {
-                continue;
+        dropIncomplete(Role::Red, Reason::RedundancyDropped);
+        dropIncomplete(Role::Rtx, Reason::FormatAssociated);
+    }
+
+    void dropIncomplete(Role role, Reason reason) {
+        drop(reason, [this, role](const Format &format) {
+            if (format.role != role) {
+                return false;
             }
-            eachReference(offered, [&](uint32_t number) {
+            const auto place = static_cast<uint32_t>(&format - pairing_.offered.items);
+            bool gone = false;
+            eachReference(format, [&](uint32_t number) {
                 const auto target = pairing_.offered.indexOf(number);
                 gone = gone || !target || !pairing_.isChosen(*target);
             });
             eachReference(pairing_.ourOf(place),
                           [&](uint32_t number) { gone = gone || !pairing_.offeredNumber(number); });
-        }
-        const Format *const first = pairing_.offered.items;
-        drop(Reason::FormatAssociated,
-             [&](const Format &format) { return dropped[&format - first]; });
+            return gone;
+        });
     }
 
     Pairing &pairing_;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <fstream>
 #include <set>
 
 #include "negotiate/documents.hpp"
@@ -345,6 +346,26 @@ TEST(NegotiateReasons, NumbersAndTexts) {
     EXPECT_EQ(SdpNegotiateGetReason(0), nullptr);
     EXPECT_EQ(rows, names.size());
     EXPECT_EQ(std::string(SdpNegotiateGetReason(26)->pcName), "NoCommonFormat");
+}
+
+// docs/decisions.md has a row for each of them, and no other.
+TEST(NegotiateReasons, AreListed) {
+    constexpr const char *kKinds[] = {"", "refusal", "rejection", "note", "fault"};
+    std::string expected;
+    for (uint32_t number = 1; number < SDP_NEGOTIATE_REASONS; ++number) {
+        if (const SdpNegotiateReason *const reason = SdpNegotiateGetReason(number)) {
+            expected += "| " + std::to_string(number) + " | " + reason->pcName + " | " +
+                        kKinds[reason->enKind] + " | " + reason->pcRfc + " " + reason->pcSection +
+                        " | " + reason->pcSentence + " |\n";
+        }
+    }
+    std::string listed;
+    std::ifstream in(SDPLINE_DECISIONS);
+    for (std::string line; std::getline(in, line);) {
+        const bool row = line.size() > 2 && line[0] == '|' && line[2] >= '0' && line[2] <= '9';
+        listed += row ? line + '\n' : "";
+    }
+    EXPECT_EQ(listed, expected);
 }
 
 // No text has an open m= line without formats: a program makes one.
