@@ -20,12 +20,30 @@ constexpr auto kEndsName = [] {
     return ends;
 }();
 
-constexpr std::string_view nameOf(std::string_view value) {
-    size_t size = 0;
-    while (size != value.size() && !kEndsName[static_cast<uint8_t>(value[size])]) {
-        ++size;
+// Of eight bytes marks the colons, as bytesBelow does, and perhaps bytes after the first.
+uint64_t colonsIn(const char *bytes) {
+    constexpr uint64_t each = 0x0101010101010101;
+    uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    value ^= ':' * each;
+    return (value - each) & ~value & 0x80 * each;
+}
+
+std::string_view nameOf(std::string_view value) {
+    const char *at = value.data();
+    const char *const end = at + value.size();
+    while (end - at >= 8) {
+        const uint64_t marks = bytesBelow(' ' + 1, at) | colonsIn(at);
+        if (marks != 0) {
+            at += bytesBefore(marks);
+            break;
+        }
+        at += 8;
     }
-    return {value.data(), size};
+    while (at != end && !kEndsName[static_cast<uint8_t>(*at)]) {
+        ++at;
+    }
+    return {value.data(), static_cast<size_t>(at - value.data())};
 }
 
 constexpr bool needsValue(Shape shape) {
@@ -126,6 +144,10 @@ private:
     }
 
     void repairWords() {
+        const std::string_view bare = withoutBlanksBefore(rest_);
+        if (bare.size() != rest_.size() && isInPlace() && wordOf(bare).size() == bare.size()) {
+            return repairWord(bare);
+        }
         Fields fields(rest_);
         const bool leads = fields.leading() != nullptr;
         if (!fields.repairable(work_) || (leads && !work_.wants(Rule::SpaceRun)) ||
@@ -136,6 +158,14 @@ private:
             work_.report(Rule::SpaceRun, line_, fields.leading());
         }
         fields.write(work_, line_, begin());
+    }
+
+    // One word, and blanks before it.
+    void repairWord(std::string_view word) {
+        if (work_.wants(Rule::SpaceRun)) {
+            work_.report(Rule::SpaceRun, line_, rest_.data());
+            cutOut(work_, line_, rest_.data(), word.data());
+        }
     }
 
     // "on" or "off" and nothing more, and blanks before that
@@ -204,7 +234,6 @@ bool isPlain(const Attribute &attribute) {
     case Shape::Any: return true;
     case Shape::Words:
     case Shape::MaybeWords: return countBlanks(rest.substr(1)) != kNotEven;
-    case Shape::Rtpmap: return isPlainRtpmap(rest.substr(1));
     default: return false;
     }
 }
@@ -212,8 +241,12 @@ bool isPlain(const Attribute &attribute) {
 } // namespace
 
 void repairAttribute(Workspace &work, Line &line, std::string_view value) {
+    constexpr char rtpmap[] = "rtpmap:";
+    if (beginsWith(value, rtpmap) && isSettledRtpmap(work, line, value.substr(sizeof rtpmap - 1))) {
+        return;
+    }
     const Attribute attribute(value);
-    if (!isPlain(attribute) && !endsTwice(line)) {
+    if (!isPlain(attribute) && !endsTwice(work, line)) {
         AttributeLine(work, line, attribute).repair();
     }
 }

@@ -1,23 +1,24 @@
 #include "tidy/fields.hpp"
 
+#include "tidy/values.hpp"
+
 namespace sdpline::tidy {
 
-Fields::Fields(std::string_view value) {
+Fields::Fields(std::string_view value) : begin_(value.data()) {
     const char *at = value.data();
     const char *const end = at + value.size();
     while (at != end) {
         const char *const space = at;
-        while (at != end && isBlank(*at)) {
-            ++at;
-        }
+        at = afterBlanks(at, end);
         if (at == end) {
             trailing_ = space;
             return;
         }
-        if (at != space && count_ == 0) {
-            leading_ = space;
-        } else if (run_ == nullptr && (at - space > 1 || *space == '\t')) {
-            run_ = at != space ? space : nullptr;
+        if (count_ == 0) {
+            leading_ = at != space ? space : nullptr;
+        } else if (at - space > 1 || *space == '\t') {
+            isOneCut_ = isOneCut_ && run_ == nullptr && leading_ == nullptr && *space == ' ';
+            run_ = run_ == nullptr ? space : run_;
         }
         const char *const field = at;
         at = findBlank(at, end);
@@ -60,10 +61,8 @@ void Fields::write(Workspace &work, Line &line, std::string_view key) {
     if (trailing_ != nullptr) {
         work.report(Rule::TrailingSpace, line, trailing_);
     }
-    if (!changed_ && run_ == nullptr && leading_ == nullptr &&
-        line.text.data() == line.original.data() && line.text[1] == '=') { // it ends earlier
-        line.text = line.text.substr(0, static_cast<size_t>(trailing_ - line.text.data()));
-        return;
+    if (!changed_ && isOneCut_ && begin_ == line.text.data() + key.size()) {
+        return cut(work, line);
     }
     size_t size = key.size();
     for (uint32_t i = 0; i < count_; ++i) {
@@ -75,6 +74,17 @@ void Fields::write(Workspace &work, Line &line, std::string_view key) {
         draft << (i == 0 ? std::string_view() : blankAfter(i - 1)) << textOf(items_[i]);
     }
     line.text = draft.text();
+}
+
+// As the line is where it was given: it ends earlier, or lacks white space at one place.
+void Fields::cut(Workspace &work, Line &line) const {
+    if (trailing_ != nullptr) {
+        line.text = line.text.substr(0, static_cast<size_t>(trailing_ - line.text.data()));
+    }
+    if (const char *const from = leading_ != nullptr ? leading_ : run_; from != nullptr) {
+        const char *const to = afterBlanks(from, line.text.data() + line.text.size());
+        cutOut(work, line, leading_ != nullptr ? from : from + 1, to);
+    }
 }
 
 // The one that is there where it is one, for what is copied together.

@@ -33,9 +33,6 @@ public:
     // White space at the start, null where there is none.
     const char *leading() const { return leading_; }
     bool hasTrailing() const { return trailing_ != nullptr; }
-    // White space that is no fault of this line's kind is left as it is: one blank is written for
-    // it.
-    void keepTrailing() { trailing_ = nullptr; }
 
     // Whether the rules want all white space repaired that has to be.
     bool repairable(const Workspace &work) const {
@@ -49,6 +46,7 @@ public:
     void write(Workspace &work, Line &line, std::string_view key);
 
 private:
+    void cut(Workspace &work, Line &line) const;
     std::string_view blankAfter(uint32_t index) const;
 
     // Without a value until it is counted.
@@ -64,6 +62,8 @@ private:
     uint32_t count_ = 0;
     bool fits_ = true;
     bool changed_ = false;
+    bool isOneCut_ = true; // white space at one place at most, of which the first blank may stay
+    const char *begin_;    // of the value
     const char *run_ = nullptr;
     const char *leading_ = nullptr;
     const char *trailing_ = nullptr;

@@ -101,14 +101,39 @@ public:
     bool read() {
         while (hasRoom() && !begin(next())) {
         }
-        while (hasRoom() && readLine()) {
-        }
+        do {
+            readUsual();
+        } while (hasRoom() && readLine());
         work_.lineCount = count_;
         return cutter_.done() || !work_.tail.empty();
     }
 
 private:
     bool hasRoom() const { return !cutter_.done() && count_ != room_; }
+
+    // Lines with a key, up to one of another sort: nearly all. What changes is in registers.
+    void readUsual() {
+        Cutter<kBreak> cutter = cutter_;
+        Line *line = next_;
+        const Line *const end = work_.lines + (kBreak == '\n' ? room_ : 0);
+        for (uint32_t number = count_ + 1; line < end && !cutter.done(); ++number, ++line) {
+            Cutter<kBreak> ahead = cutter;
+            std::string_view lineEnd;
+            const std::string_view text = ahead.next(lineEnd);
+            const char key = keyOf(text);
+            if (key == '\0' || key == 'v') {
+                break;
+            }
+            cutter = ahead;
+            line->text = line->original = text;
+            line->end = lineEnd;
+            line->number = number;
+            line->key = key;
+        }
+        count_ += static_cast<uint32_t>(line - next_);
+        cutter_ = cutter;
+        next_ = line;
+    }
 
     // False for the line that ends the description.
     bool readLine() {
@@ -238,6 +263,7 @@ bool cut(Workspace &work) {
 
 bool cutLines(Workspace &work) {
     const std::string_view text = work.text;
+    work.hasNul = std::memchr(text.data(), '\0', text.size()) != nullptr;
     const bool hasLf = std::memchr(text.data(), '\n', text.size()) != nullptr;
     work.endsInCr = !hasLf && work.wants(Rule::LineEndCr) &&
                     std::memchr(text.data(), '\r', text.size()) != nullptr;

@@ -72,7 +72,23 @@ private:
             work_.report(rule, line_, trailing_.data());
         }
         const bool blank = rtp_ && !trailing_.empty() && (!faulty || !listed);
+        if (isOneCut_ && value_.data() == line_.text.data() + 2 &&
+            (!blank || trailing_.front() == ' ')) {
+            return cut(blank);
+        }
         write(blank ? " " : "");
+    }
+
+    // As the line is where it was given: it ends earlier, or lacks blanks at one place.
+    void cut(bool keepsBlank) {
+        if (!trailing_.empty()) {
+            const char *const end = trailing_.data() + (keepsBlank ? 1 : 0);
+            line_.text = line_.text.substr(0, static_cast<size_t>(end - line_.text.data()));
+        }
+        if (run_ != nullptr) {
+            cutOut(work_, line_, run_ + 1,
+                   afterBlanks(run_, line_.text.data() + line_.text.size()));
+        }
     }
 
     // Counts the fields, and finds the space that is more than one blank.
@@ -81,17 +97,14 @@ private:
         const char *const end = at + value_.size();
         while (at != end) {
             const char *const space = at;
-            while (at != end && isBlank(*at)) {
-                ++at;
-            }
+            at = afterBlanks(at, end);
             if (at == end) {
                 trailing_ = {space, static_cast<size_t>(at - space)};
                 return;
             }
-            if (run_ == nullptr && at - space > (count_ == 0 ? 0 : 1)) {
-                run_ = space;
-            } else if (run_ == nullptr && at != space && *space == '\t') {
-                run_ = space;
+            if (count_ != 0 && (at - space > 1 || *space == '\t')) {
+                isOneCut_ = isOneCut_ && run_ == nullptr && *space == ' ';
+                run_ = run_ == nullptr ? space : run_;
             }
             const char *const field = at;
             at = findBlank(at, end);
@@ -164,6 +177,7 @@ private:
     const char *run_ = nullptr;
     uint32_t count_ = 0;
     bool rtp_ = false;
+    bool isOneCut_ = true; // white space at one place at most, of which the first blank may stay
 };
 
 } // namespace

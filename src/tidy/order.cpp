@@ -6,7 +6,7 @@ namespace sdpline::tidy {
 
 namespace {
 
-constexpr uint8_t kRanks = 13; // the rank of a line that does not belong where it is
+constexpr uint8_t kRanks = 14; // the rank of a line that does not belong where it is
 
 // Lines in their order, and the rank of each letter.
 struct Order {
@@ -29,8 +29,8 @@ struct Order {
     uint8_t ranks[26] = {};
 };
 
-// r= has the rank of t=: it stays with the t= before it.
-constexpr Order kSessionOrder("vosiuepcbtzka");
+// An r= line after a t= line has the rank of that, with which it stays.
+constexpr Order kSessionOrder("vosiuepcbtrzka");
 constexpr Order kMediaOrder("micbka");
 static_assert(kSessionOrder.keys.back() == 'a' && kMediaOrder.keys.back() == 'a');
 static_assert(kSessionOrder.keys.size() == kRanks && kMediaOrder.keys.size() <= kRanks);
@@ -58,8 +58,9 @@ public:
         if (line.key == 'a' && !line.aside) {
             return addAttribute(line);
         }
-        line.rank = order_.rankOf(line.key == 'r' ? 't' : line.key);
-        known_ = known_ && line.rank < kRanks;
+        line.rank = order_.rankOf(line.key == 'r' && has('t') ? 't' : line.key);
+        // Of several t= lines it is not known which an r= line before them belongs to.
+        known_ = known_ && line.rank < kRanks && !(line.key == 't' && has('t') && has('r'));
         if (line.rank < kRanks && isOneOf(kSingle, line.key)) {
             Line *&first = seen_[line.rank];
             if (first != nullptr && isLeftOut(*first, line)) {
@@ -200,7 +201,7 @@ private:
     const Order &order_;
     LineList lines_;
     LineList aside_;
-    Line *seen_[kRanks] = {};
+    Line *seen_[kRanks + 1] = {}; // the last is null
     uint8_t highest_ = 0;
     bool late_ = false;
     bool leftOut_ = false; // a line that had been added
@@ -272,9 +273,10 @@ private:
             session_.addMissing('o', Rule::OriginMissing, kOriginLine, second);
         }
         if (!session_.has('s') && work_.wants(Rule::NameMissing)) {
-            session_.addMissing('s', Rule::NameMissing, kNameLine, second);
+            const bool more = second.key == 'o' && &second + 1 != end;
+            session_.addMissing('s', Rule::NameMissing, kNameLine, more ? (&second)[1] : second);
         }
-        if (session_.has('t') || !work_.wants(Rule::TimeMissing)) {
+        if (session_.has('t') || session_.has('r') || !work_.wants(Rule::TimeMissing)) {
             return;
         }
         const char last = session_.lastKey();

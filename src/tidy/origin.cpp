@@ -1,4 +1,5 @@
 // The o= line (RFC 4566 section 5.2) and the c= line (5.7): what their fields may be repaired to.
+#include "tidy/address.hpp"
 #include "tidy/fields.hpp"
 #include "tidy/values.hpp"
 
@@ -13,20 +14,9 @@ constexpr bool isAddressType(std::string_view word) {
     return word == kIp4 || word == kIp6;
 }
 
-constexpr bool isHexDigit(char byte) {
-    return isDigit(byte) || (byte >= 'a' && byte <= 'f') || (byte >= 'A' && byte <= 'F');
-}
-
-// IPv6 text, from its bytes: digits and dots with a colon among them.
-constexpr bool looksLikeIp6(std::string_view word) {
-    bool colon = false;
-    for (const char byte : word.substr(0, word.find('/'))) {
-        if (!isHexDigit(byte) && byte != ':' && byte != '.') {
-            return false;
-        }
-        colon = colon || byte == ':';
-    }
-    return colon;
+// An IPv6 address, and what a slash puts after it.
+bool looksLikeIp6(std::string_view word) {
+    return isIp6Text(word.substr(0, word.find('/')));
 }
 
 constexpr bool looksLikeIp4(std::string_view word) {
@@ -199,26 +189,51 @@ private:
     Fields &fields_;
 };
 
+// Whether the fields are those of an origin, with one blank between them, and two or more at one
+// place at most: `run` is the second of those, or null.
+bool isOrigin(std::string_view value, const char *&run) {
+    constexpr uint32_t fields = 6;
+    const char *at = value.data();
+    const char *const end = at + value.size();
+    run = nullptr;
+    for (uint32_t field = 0;; ++field) {
+        const char *const begin = at;
+        at = findBlank(at, end);
+        const std::string_view word(begin, static_cast<size_t>(at - begin));
+        if (word.empty() || ((field == 1 || field == 2) && !isNumber(word)) ||
+            (field == 3 && word != "IN") || (field == 4 && !isAddressType(word))) {
+            return false;
+        }
+        if (field + 1 == fields || at == end || *at != ' ') {
+            return field + 1 == fields && at == end;
+        }
+        if (++at != end && isBlank(*at)) {
+            if (run != nullptr) {
+                return false;
+            }
+            run = at;
+            at = afterBlanks(at, end);
+        }
+    }
+}
+
 } // namespace
 
 // user SP sess-id SP sess-version SP "IN IP4" SP address, or IP6
 bool isPlainOrigin(std::string_view value) {
-    constexpr uint32_t blanks = 5;
-    if (countBlanks(value) != blanks) {
-        return false;
-    }
-    std::string_view rest = value.substr(value.find(' ') + 1);
-    for (uint32_t i = 0; i < 2; ++i) {
-        const size_t digits = countDigits(rest);
-        if (digits == 0 || rest[digits] != ' ') {
-            return false;
-        }
-        rest.remove_prefix(digits + 1);
-    }
-    return rest.starts_with("IN IP4 ") || rest.starts_with("IN IP6 ");
+    const char *run;
+    return isOrigin(value, run) && run == nullptr;
 }
 
 void repairOrigin(Workspace &work, Line &line, std::string_view value) {
+    const char *run;
+    if (value.data() == line.text.data() + 2 && isOrigin(value, run)) {
+        if (run != nullptr && work.wants(Rule::SpaceRun)) {
+            work.report(Rule::SpaceRun, line, run - 1);
+            cutOut(work, line, run, afterBlanks(run, value.data() + value.size()));
+        }
+        return;
+    }
     Fields fields(value);
     if (fields.count() == 0 && work.wants(Rule::OriginMissing)) {
         work.report(Rule::OriginMissing, line);

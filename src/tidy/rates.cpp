@@ -87,9 +87,13 @@ uint32_t profileRate(std::string_view name) {
 
 } // namespace
 
-std::string_view registeredRate(Memory &memory, std::string_view name) {
+std::string_view registeredRate(Memory &memory, std::string_view name, std::string_view payload) {
     if (name.empty()) {
         return {};
+    }
+    if (sameIgnoringCase(name,
+                         "l16")) { // any rate, but for these two (RFC 3551 sections 4.5.11, 6)
+        return payload == "10" ? "44100/2" : payload == "11" ? "44100" : "";
     }
     for (const Registered &format : kRegistered) {
         if (sameIgnoringCase(name, format.name)) {

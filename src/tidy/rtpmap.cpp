@@ -1,6 +1,5 @@
 // a=rtpmap (RFC 4566 section 6): the space around its parts, and a clock rate that is missing.
 #include <algorithm>
-#include <array>
 
 #include "tidy/rates.hpp"
 #include "tidy/values.hpp"
@@ -21,13 +20,6 @@ constexpr bool isClock(std::string_view rest) {
     }
     return rest.empty();
 }
-
-// The bytes that end an encoding name.
-constexpr auto kEndsEncoding = [] {
-    std::array<bool, 256> ends = {};
-    ends['/'] = ends[' '] = ends['\t'] = true;
-    return ends;
-}();
 
 // ":" payload SP name "/" clock-rate [ "/" channels ], cut at its blanks and slashes
 struct Rtpmap {
@@ -50,13 +42,16 @@ struct Rtpmap {
     std::string_view rest;    // from the slash on
 };
 
-// Clock rate and channels without the white space in them.
+// Clock rate and channels without the white space around their slashes. Between two numbers it
+// stays: they are not one.
 std::string_view closed(Memory &memory, std::string_view rest) {
     Draft draft(memory, rest.size());
-    for (size_t at = 0; at < rest.size(); ++at) {
-        if (!isBlank(rest[at])) {
-            draft << rest.substr(at, 1);
-        }
+    while (!rest.empty()) {
+        const std::string_view part = wordOf(rest);
+        const std::string_view more = withoutBlanksBefore(rest.substr(part.size()));
+        const bool apart = !more.empty() && !part.ends_with('/') && !more.starts_with('/');
+        draft << part << (apart ? " " : "");
+        rest = more;
     }
     return draft.text();
 }
@@ -72,10 +67,12 @@ public:
         }
         const std::string_view clock = withoutBlanksAfter(map_.rest);
         const bool missing = clock.size() <= 1; // none, or a slash alone
-        const std::string_view name = missing ? withoutBlanksAfter(map_.name) : map_.name;
-        const bool trailing = clock.size() != map_.rest.size() || name.size() != map_.name.size();
         const bool inside = wordOf(clock).size() != clock.size();
         const bool space = map_.spaceBefore != nullptr || inside;
+        // A name may end in blanks: they go where others around the slash do.
+        const std::string_view name = missing || space ? withoutBlanksAfter(map_.name) : map_.name;
+        const bool trailing =
+            clock.size() != map_.rest.size() || (missing && name.size() != map_.name.size());
         // A name may begin with blanks, if not with a tab: then they alone are no fault.
         const bool tab = map_.gap.front() == '\t';
         const bool run = tab || (map_.gap.size() > 1 && work_.wants(Rule::SpaceRun));
@@ -89,7 +86,8 @@ public:
         }
         if (space) {
             work_.report(Rule::RtpmapSpace, line_,
-                         map_.spaceBefore != nullptr ? map_.spaceBefore : map_.rest.data());
+                         map_.spaceBefore != nullptr ? map_.spaceBefore
+                                                     : name.data() + name.size());
         }
         if (run) {
             work_.report(Rule::SpaceRun, line_, map_.gap.data());
@@ -105,7 +103,7 @@ public:
 private:
     // Which rule is for a clock rate that is missing, and whether it is wanted.
     bool addsClock(std::string_view name) {
-        rate_ = registeredRate(work_.memory, name);
+        rate_ = registeredRate(work_.memory, name, map_.payload);
         return work_.wants(rate_.empty() ? Rule::RtpmapNoClock : Rule::RtpmapClock);
     }
 
@@ -135,19 +133,28 @@ private:
 
 } // namespace
 
-// payload SP name clock, and nothing around them
-bool isPlainRtpmap(std::string_view value) {
-    const size_t digits = countDigits(value);
-    if (digits == 0 || digits == value.size() || value[digits] != ' ') {
+// payload SP name clock, and nothing around them but blanks before
+bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value) {
+    const std::string_view bare = withoutBlanksBefore(value);
+    const size_t digits = countDigits(bare);
+    const size_t slash = bare.find('/');
+    if (digits == 0 || slash == std::string_view::npos || slash < digits + 2 ||
+        bare[digits] != ' ' || isBlank(bare[digits + 1]) || isBlank(bare[slash - 1]) ||
+        !isClock(bare.substr(slash))) {
         return false;
     }
-    value = withoutBlanksBefore(value.substr(digits + 1));
-    const char *at = value.data();
-    const char *const end = at + value.size();
-    while (at != end && !kEndsEncoding[static_cast<uint8_t>(*at)]) {
-        ++at;
+    if (bare.size() == value.size()) {
+        return true;
     }
-    return at != value.data() && at != end && isClock({at, static_cast<size_t>(end - at)});
+    constexpr size_t begin = std::string_view("a=rtpmap:").size();
+    if (value.data() != line.text.data() + begin) {
+        return false;
+    }
+    if (work.wants(Rule::RtpmapSpace) && !endsTwice(work, line)) {
+        work.report(Rule::RtpmapSpace, line, value.data());
+        cutOut(work, line, value.data(), bare.data());
+    }
+    return true;
 }
 
 void repairRtpmap(Workspace &work, Line &line, std::string_view value) {

@@ -10,7 +10,7 @@ namespace {
 
 // Of the block: its size, in which lines of the usual length, the rows and the repaired text are,
 // and what it grows by.
-constexpr uint32_t kBlockTimes = 6;
+constexpr uint32_t kBlockTimes = 7;
 constexpr uint32_t kBlockMore = 1536;
 constexpr uint32_t kBlockNext = 4096;
 
@@ -69,7 +69,11 @@ std::string_view textOf(Workspace &work, LineList &lines, uint32_t limit) {
         if (withoutCr && line->end.size() == 2) {
             line->end.remove_prefix(1);
         }
-        draft << line->text << line->end;
+        if (line->end.data() == line->text.data() + line->text.size()) {
+            draft << std::string_view(line->text.data(), line->text.size() + line->end.size());
+        } else {
+            draft << line->text << line->end;
+        }
     }
     writeTail(draft, work.tail, withoutCr);
     if (withoutCr) {

@@ -1,8 +1,6 @@
 // Repairs within a line: the space around its "=", and lines of few fields; dispatch on its kind.
 #include "tidy/values.hpp"
 
-#include <algorithm>
-
 #include "tidy/fields.hpp"
 
 namespace sdpline::tidy {
@@ -10,10 +8,6 @@ namespace sdpline::tidy {
 namespace {
 
 constexpr uint32_t kOptionalKeys = lettersOf("iuepcbrzka");
-
-constexpr bool isControl(char byte) {
-    return static_cast<uint8_t>(byte) < ' ';
-}
 
 constexpr bool isKnown(char key) {
     return isOneOf(lettersOf("vosiuepcbtrzkam"), key);
@@ -133,23 +127,29 @@ bool isPlain(const Line &line) {
     }
 }
 
-// Whether one of the bytes is below a blank.
-bool hasControl(std::string_view text) {
-    const char *at = text.data();
-    const char *const end = at + text.size();
-    for (; end - at >= 8; at += 8) {
-        if (bytesBelow(' ', at) != 0) {
-            return true;
-        }
-    }
-    return text.size() >= 8 ? bytesBelow(' ', end - 8) != 0 : std::ranges::any_of(text, isControl);
-}
-
 } // namespace
 
-bool endsTwice(const Line &line) {
-    return hasControl(line.text) && (line.text.find('\r') != std::string_view::npos ||
-                                     line.text.find('\0') != std::string_view::npos);
+bool endsTwice(const Workspace &work, const Line &line) {
+    return line.text.find('\r') != std::string_view::npos ||
+           (work.hasNul && line.text.find('\0') != std::string_view::npos);
+}
+
+// The line's end is copied with it where it follows, so that both are written at once.
+void cutOut(Workspace &work, Line &line, const char *from, const char *to) {
+    const char *const end = line.text.data() + line.text.size();
+    const size_t endSize = line.end.data() == end ? line.end.size() : 0;
+    const auto before = static_cast<size_t>(from - line.text.data());
+    const auto after = static_cast<size_t>(end - to);
+    auto *const copy = work.memory.array<char>(before + after + endSize);
+    if (copy == nullptr) {
+        return;
+    }
+    std::memcpy(copy, line.text.data(), before);
+    std::memcpy(copy + before, to, after + endSize);
+    line.text = {copy, before + after};
+    if (endSize != 0) {
+        line.end = {copy + before + after, endSize};
+    }
 }
 
 void leaveOut(Line &line) {
@@ -197,7 +197,7 @@ void repairValue(Workspace &work, Line &line, std::string_view value) {
 
 // A line that is not plain.
 void repairLine(Workspace &work, Line &line) {
-    if (endsTwice(line)) {
+    if (endsTwice(work, line)) {
         return;
     }
     std::string_view value;
@@ -222,10 +222,11 @@ void repairLine(Workspace &work, Line &line) {
 
 void repairLines(Workspace &work) {
     Line *const end = work.lines + work.lineCount;
-    for (Line *line = work.lines + work.takenLines(); line < end; ++line) {
-        if (line->text.size() > 2 && line->text.starts_with("a=") && !isBlank(line->text[2])) {
+    Line *const refused = work.lines + work.takenLines();
+    for (Line *line = refused; line < end; ++line) {
+        if (line->text.size() > 2 && beginsWith(line->text, "a=") && !isBlank(line->text[2])) {
             repairAttribute(work, *line, line->text.substr(2));
-        } else if (line->rank != kNotWritten && !isPlain(*line)) {
+        } else if (line->rank != kNotWritten && (line == refused || !isPlain(*line))) {
             repairLine(work, *line);
         }
     }

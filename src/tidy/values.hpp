@@ -24,7 +24,10 @@ void addFormats(Workspace &work, Line &line);
 // Whether there is nothing to repair in such a line, as in most. False is no promise.
 bool isPlainOrigin(std::string_view value);
 bool isPlainMedia(std::string_view value);
-bool isPlainRtpmap(std::string_view value);
+
+// The same of a line in place that has the fault of most, if any, which is repaired then: blanks
+// after the colon.
+bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value);
 
 // Words with one blank between them and none around them: how many blanks. kNotEven for other
 // space, and for control characters.
@@ -48,10 +51,13 @@ constexpr uint32_t countBlanks(std::string_view words) {
 
 // Whether readers disagree about where the line ends, as they do at a CR and at a NUL: then it is
 // left alone.
-bool endsTwice(const Line &line);
+bool endsTwice(const Workspace &work, const Line &line);
 
 // Whether the decoder takes payload numbers after that protocol.
 bool takesPayloads(std::string_view protocol, bool rtpFamily);
+
+// Leaves out what is between two places of the line, which is where it was given but for its end.
+void cutOut(Workspace &work, Line &line, const char *from, const char *to);
 
 // Takes the line out of the text; it keeps its row.
 void leaveOut(Line &line);

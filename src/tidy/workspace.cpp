@@ -30,21 +30,19 @@ std::string_view decimal(Memory &memory, uint32_t number) {
         .text();
 }
 
-void Workspace::report(Rule rule, const Line &line, const char *at) {
-    if (foundCount_ == foundRoom_) {
-        const uint32_t room = foundRoom_ == 0 ? kFirstRows : 2 * foundRoom_;
-        auto *const more = memory.array<Found>(room);
-        if (more == nullptr) {
-            return;
-        }
-        if (found_ != nullptr) {
-            std::memcpy(static_cast<void *>(more), found_, foundCount_ * sizeof(Found));
-        }
-        found_ = more;
-        foundRoom_ = room;
+// False without memory.
+bool Workspace::growFound() {
+    const uint32_t room = foundRoom_ == 0 ? kFirstRows : 2 * foundRoom_;
+    auto *const more = memory.array<Found>(room);
+    if (more == nullptr) {
+        return false;
     }
-    const auto offset = static_cast<uint32_t>(at - line.original.data());
-    found_[foundCount_++] = {rule, &line, line.original.empty() ? 0 : offset};
+    if (found_ != nullptr) {
+        std::memcpy(static_cast<void *>(more), found_, foundCount_ * sizeof(Found));
+    }
+    found_ = more;
+    foundRoom_ = room;
+    return true;
 }
 
 Line *Workspace::newLine(std::string_view content, const Line &before) {

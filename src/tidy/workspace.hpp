@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -150,6 +151,7 @@ public:
     bool goesOn = false;           // after the empty line that ends the description
     bool hasSecondVersion = false; // or text before v=: that is never repaired
     bool hasDeferred = false;      // lines
+    bool hasNul = false;           // anywhere in the text
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }
     // How many lines need no repair within them, for the decoder took them. Where lines end in CR
@@ -159,7 +161,12 @@ public:
     bool takesRtpFamily() const { return rtpFamily_; }
 
     // A row of the report; `at` points into the line as it was given.
-    void report(Rule rule, const Line &line, const char *at);
+    void report(Rule rule, const Line &line, const char *at) {
+        if (foundCount_ != foundRoom_ || growFound()) [[likely]] {
+            const auto offset = static_cast<uint32_t>(at - line.original.data());
+            found_[foundCount_++] = {rule, &line, line.original.empty() ? 0 : offset};
+        }
+    }
     void report(Rule rule, const Line &line) { report(rule, line, line.original.data()); }
 
     const Found *found() const { return found_; }
@@ -174,6 +181,8 @@ public:
     Line *newLine(std::string_view content, const Line &before);
 
 private:
+    bool growFound();
+
     uint64_t rules_;
     bool rtpFamily_;
     Found *found_ = nullptr;
@@ -220,13 +229,19 @@ inline uint64_t bytesBelow(uint8_t limit, const char *bytes) {
     return ~above & 0x80 * each;
 }
 
+// How many bytes come before the first of those that bytesBelow, or another question to eight
+// bytes, has marked.
+inline ptrdiff_t bytesBefore(uint64_t marks) {
+    return (std::endian::native == std::endian::little ? std::countr_zero(marks)
+                                                       : std::countl_zero(marks)) /
+           8;
+}
+
 // The first blank or tab, else the end.
 inline const char *findBlank(const char *at, const char *end) {
     for (; end - at >= 8; at += 8) {
         if (const uint64_t below = bytesBelow(' ' + 1, at); below != 0) {
-            at += (std::endian::native == std::endian::little ? std::countr_zero(below)
-                                                              : std::countl_zero(below)) /
-                  8;
+            at += bytesBefore(below);
             break;
         }
     }
@@ -234,6 +249,20 @@ inline const char *findBlank(const char *at, const char *end) {
         ++at;
     }
     return at;
+}
+
+// What follows blanks and tabs, else the end.
+constexpr const char *afterBlanks(const char *at, const char *end) {
+    while (at != end && isBlank(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+// As starts_with, compared in place.
+template <size_t kSize>
+bool beginsWith(std::string_view text, const char (&literal)[kSize]) {
+    return text.size() >= kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
 }
 
 // The text up to its first blank or tab.

@@ -6,8 +6,11 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
+#include <sstream>
 
 #include "tidy/tidied.hpp"
+#include "tidy/tidycases.hpp"
 #include "tidy/untidybody.hpp"
 
 namespace {
@@ -139,6 +142,45 @@ TEST(TidyPairs, AreRepairedAndToldTogether) {
     });
     EXPECT_GT(pairs, 3000u);
     EXPECT_GT(inOneLine, 150u);
+}
+
+using Names = std::set<std::string>;
+
+// The rules of a report, of which each line is a place, a rule, and where the line went.
+Names namesOf(const std::string &report) {
+    Names names;
+    std::istringstream rows(report);
+    std::string place;
+    std::string rule;
+    std::string rest;
+    while (rows >> place >> rule && std::getline(rows, rest)) {
+        names.insert(rule);
+    }
+    return names;
+}
+
+// Those that can be in one line, and those of the whole text, are shown together by a document.
+TEST(TidyPairs, ThatMeetHaveACase) {
+    std::vector<Names> shown;
+    for (const tidytest::TidyCase &current : tidytest::readTidyCases()) {
+        shown.push_back(current.report ? namesOf(current.report->joined()) : Names());
+    }
+    std::set<std::pair<uint32_t, uint32_t>> meeting;
+    eachPair([&](const Pair &pair) {
+        if (pair.firstPlace == pair.secondPlace &&
+            !neverInOneLine(pair.first->rule, pair.second->rule)) {
+            meeting.insert(std::minmax(pair.first->rule, pair.second->rule));
+        }
+    });
+    EXPECT_GT(meeting.size(), 100u);
+    for (const auto &[first, second] : meeting) {
+        const std::string one = SdpTidyRuleAt(first)->pcName;
+        const std::string other = SdpTidyRuleAt(second)->pcName;
+        EXPECT_TRUE(std::ranges::any_of(
+            shown,
+            [&](const Names &names) { return names.contains(one) && names.contains(other); }))
+            << one << " and " << other;
+    }
 }
 
 // Two that are said never to meet in a line do not.
