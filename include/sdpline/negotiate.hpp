@@ -167,26 +167,42 @@ inline Error errorOf(SDPResult result) {
     return error;
 }
 
+/* Sets an empty text; most parameters are empty too, which costs no call. */
+inline void setText(std::string &target, const SipString &text) {
+    if (text.pcData != nullptr && text.ulLen != 0) {
+        target = std::string(text.pcData, text.ulLen);
+    }
+}
+
+/* Decisions of one reason follow each other mostly: the texts of a row are measured once. */
 inline std::vector<Decision> decisionsOf(const SdpNegotiateReport &report) {
-    std::vector<Decision> decisions(report.ulNoOfDecisions);
+    std::vector<Decision> decisions;
+    decisions.reserve(report.ulNoOfDecisions);
     for (std::uint32_t i = 0; i < report.ulNoOfDecisions; ++i) {
         const SdpNegotiateDecision &one = *report.ppstDecisions[i];
-        const SdpNegotiateReason &reason = *SdpNegotiateGetReason(one.ulReason);
-        Decision &decision = decisions[i];
+        Decision &decision = decisions.emplace_back();
         decision.reason = one.ulReason;
-        decision.kind = DecisionKind{reason.enKind};
-        decision.name = reason.pcName;
-        decision.rfc = reason.pcRfc;
-        decision.section = reason.pcSection;
+        if (i != 0 && decisions[i - 1].reason == one.ulReason) {
+            const Decision &before = decisions[i - 1];
+            decision.kind = before.kind;
+            decision.name = before.name;
+            decision.rfc = before.rfc;
+            decision.section = before.section;
+        } else {
+            const SdpNegotiateReason &reason = *SdpNegotiateGetReason(one.ulReason);
+            decision.kind = DecisionKind{reason.enKind};
+            decision.name = reason.pcName;
+            decision.rfc = reason.pcRfc;
+            decision.section = reason.pcSection;
+        }
         decision.stream = given(one.ulStream);
         decision.payload = given(one.ulPayload);
-        decision.sentence = viewOf(one.strSentence);
+        setText(decision.sentence, one.strSentence);
     }
     return decisions;
 }
 
-inline NegotiatedStream streamOf(const SdpNegotiateStream &record) {
-    NegotiatedStream stream;
+inline void setStream(const SdpNegotiateStream &record, NegotiatedStream &stream) {
     stream.accepted = record.bAccepted != 0;
     stream.reason = record.ulReason;
     stream.local = given(record.ulLocal);
@@ -199,26 +215,25 @@ inline NegotiatedStream streamOf(const SdpNegotiateStream &record) {
     stream.receiveMaxPTime = given(record.ulReceiveMaxPTime);
     stream.preconditions = Preconditions{record.enPreconditions};
     stream.confirm = record.bConfirm != 0;
-    stream.formats.resize(record.ulNoOfFormats);
+    stream.formats.reserve(record.ulNoOfFormats);
     for (std::uint32_t i = 0; i < record.ulNoOfFormats; ++i) {
         const SdpNegotiateFormat &one = *record.ppstFormats[i];
-        NegotiatedFormat &format = stream.formats[i];
+        NegotiatedFormat &format = stream.formats.emplace_back();
         format.send = given(one.ulSend);
         format.receive = given(one.ulReceive);
-        format.name = viewOf(one.strName);
+        setText(format.name, one.strName);
         format.clockRate = one.ulClockRate;
         format.channels = one.ulChannels;
-        format.sendParameters = viewOf(one.strSendParameters);
-        format.receiveParameters = viewOf(one.strReceiveParameters);
+        setText(format.sendParameters, one.strSendParameters);
+        setText(format.receiveParameters, one.strReceiveParameters);
     }
-    return stream;
 }
 
 inline std::vector<NegotiatedStream> streamsOf(const SdpNegotiateReport &report) {
     std::vector<NegotiatedStream> streams;
     streams.reserve(report.ulNoOfStreams);
     for (std::uint32_t i = 0; i < report.ulNoOfStreams; ++i) {
-        streams.push_back(streamOf(*report.ppstStreams[i]));
+        setStream(*report.ppstStreams[i], streams.emplace_back());
     }
     return streams;
 }

@@ -85,8 +85,8 @@ private:
         if (pairing_.chosenCount == 0) {
             return Reason::NoCommonFormat;
         }
-        const View theirs = {offer_, offered};
-        const View ours = {answer_, answered};
+        const View theirs = {offer_, offered, pairing_.offered.kinds};
+        const View ours = {answer_, answered, pairing_.ours.kinds};
         describeSides(offerer_ ? ours : theirs, offerer_ ? theirs : ours, stream);
         const PreconditionAnswer state = offerer_ ? agreePreconditions(answered, offered)
                                                   : agreePreconditions(offered, answered);

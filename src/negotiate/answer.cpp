@@ -71,11 +71,13 @@ private:
         draft_.times = &input_.offer.stTimeSet;
         draft_.zone = input_.offer.pstrTimeZone;
         for (const SDPAttr *const attribute : attributesOf(local.pstAttrList)) {
+            sessionKinds_ |= kindOf(*attribute);
             if (passesThrough(*attribute, [this](auto name) { return offers(name); })) {
                 draft_.attributes.add(*attribute);
             }
         }
         for (const SDPAttr *const attribute : attributesOf(input_.offer.pstAttrList)) {
+            sessionKinds_ |= kindOf(*attribute);
             const Handling handling = handlingOf(*attribute);
             if (handling == Handling::Unknown || handling == Handling::Offered) {
                 report_.add(Reason::AttributeDropped, kSession, otherName(*attribute));
@@ -184,18 +186,27 @@ private:
 
     Reason fitRest(Match &match, Text &why) {
         const Sides sides = {input_.offer, *match.offered, input_.local, *match.ours};
+        const Kinds kinds = pairing_.offered.kinds | pairing_.ours.kinds;
         match.crypto = chooseCrypto(sides);
         if (match.crypto.rejected != Reason::None) {
             writeSuites(sides, why);
             return match.crypto.rejected;
         }
-        match.setup = chooseSetup(sides);
+        if (((kinds | sessionKinds_) & kSetupKinds) != 0) {
+            match.setup = chooseSetup(sides);
+        }
         if (match.setup.rejected != Reason::None) {
             writeSetups(sides, why);
             return match.setup.rejected;
         }
-        if (const Reason fax = fitFax(*match.offered, *match.ours, why); fax != Reason::None) {
-            return fax;
+        if ((kinds & kFaxKinds) != 0) {
+            const Reason fax = fitFax(*match.offered, *match.ours, why);
+            if (fax != Reason::None) {
+                return fax;
+            }
+        }
+        if ((kinds & kPreconditionKinds) == 0) {
+            return Reason::None;
         }
         const PreconditionAnswer preconditions =
             answerPreconditions(*match.offered, *match.ours, match.stream, report_, nullptr);
@@ -247,6 +258,7 @@ private:
     BodyDraft &draft_;
     MediaSpan offered_;
     MediaSpan local_;
+    Kinds sessionKinds_ = 0; // of both sides
     uint8_t *used_ = nullptr;
     uint32_t nextPort_ = 0;
     Pairing pairing_;

@@ -5,6 +5,7 @@
 
 #include "negotiate/attributes.hpp"
 #include "negotiate/describe.hpp"
+#include "negotiate/direction.hpp"
 #include "negotiate/draft.hpp"
 #include "negotiate/pairing.hpp"
 #include "negotiate/transport.hpp"
@@ -37,7 +38,8 @@ public:
     StreamWriter(const AnswerInput &input, const Match &match, const Pairing &pairing,
                  Report &report, MediaDraft &draft, SdpNegotiateStream &stream)
         : input_(input), match_(match), pairing_(pairing), report_(report), draft_(draft),
-          stream_(stream), offered_(*match.offered), ours_(*match.ours) {}
+          stream_(stream), offered_(*match.offered), ours_(*match.ours),
+          theirDirection_(directionLine(input.offer, *match.offered)) {}
 
     void run();
 
@@ -74,6 +76,7 @@ private:
     SdpNegotiateStream &stream_;
     const SDPMediaDesc &offered_;
     const SDPMediaDesc &ours_;
+    const SDPAttr *theirDirection_;
     std::optional<bool> hasIce_; // the offer has, once it was looked for
     std::optional<bool> hasDtls_;
 };

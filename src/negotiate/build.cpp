@@ -78,16 +78,22 @@ private:
         return connection;
     }
     SDPKey copyOf(SDPKey key) { return {copyOf(key.strKey)}; }
-    SDPAttr copyOf(SDPAttr attribute) {
-        if (SipString *const text = textIn(attribute)) {
+    // In place: most bodies are attributes for the greatest part.
+    SDPAttr *cloneOf(const SDPAttr &source) {
+        auto *const target = allocate<SDPAttr>();
+        if (target == nullptr) {
+            return nullptr;
+        }
+        *target = source;
+        if (SipString *const text = textIn(*target)) {
             *text = copyOf(*text);
         }
-        if (isPrecondition(attribute)) {
-            SDPPreconditionS &type = attribute.unAttrValue.stRsrcMgmtStatus.stPrecondition;
+        if (isPrecondition(source)) {
+            SDPPreconditionS &type = target->unAttrValue.stRsrcMgmtStatus.stPrecondition;
             type.pstrOtherPrecondition = clone(type.pstrOtherPrecondition);
         }
-        attribute.pstAttrName = clone(attribute.pstAttrName);
-        return attribute;
+        target->pstAttrName = clone(source.pstAttrName);
+        return target;
     }
     SDPMediaField copyOf(SDPMediaField line) {
         line.stMedia.pstrOtherMedia = clone(line.stMedia.pstrOtherMedia);
@@ -168,7 +174,7 @@ private:
         auto *const list = allocate<SDPAttrList>();
         SDPAttr **const items = allocateList<SDPAttr>(source.size());
         for (uint32_t i = 0; good_ && i < source.size(); ++i) {
-            items[i] = clone(&source[i]);
+            items[i] = cloneOf(source[i]);
         }
         if (good_) {
             *list = {source.size(), items};

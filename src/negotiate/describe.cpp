@@ -10,12 +10,15 @@ struct Times {
     uint32_t usual = SDP_NEGOTIATE_NONE;
     uint32_t most = SDP_NEGOTIATE_NONE;
 
-    explicit Times(const SDPMediaDesc &media) {
-        for (const SDPAttr *const line : attributesOf(media.pstAttrList)) {
-            if (line->ulAttrType == SDP_ATTR_PTIME && usual == SDP_NEGOTIATE_NONE) {
-                usual = line->unAttrValue.ulValue;
-            } else if (line->ulAttrType == SDP_ATTR_MAXPTIME && most == SDP_NEGOTIATE_NONE) {
-                most = line->unAttrValue.ulValue;
+    explicit Times(const View &side) {
+        if ((side.kinds & kTimeKinds) == 0) {
+            return;
+        }
+        for (const SDPAttr *const line : attributesOf(side.media.pstAttrList)) {
+            const uint32_t type = line->ulAttrType;
+            if (type == SDP_ATTR_PTIME || type == SDP_ATTR_MAXPTIME) {
+                uint32_t &time = type == SDP_ATTR_PTIME ? usual : most;
+                time = time == SDP_NEGOTIATE_NONE ? line->unAttrValue.ulValue : time;
             }
         }
     }
@@ -30,8 +33,8 @@ bool isHeld(const View &side) {
 void describeSides(const View &peer, const View &ours, SdpNegotiateStream &stream) {
     stream.bPeerHeld = isHeld(peer) ? 1 : 0;
     stream.bHeld = isHeld(ours) ? 1 : 0;
-    const Times sent(peer.media);
-    const Times received(ours.media);
+    const Times sent(peer);
+    const Times received(ours);
     stream.ulSendPTime = sent.usual;
     stream.ulReceivePTime = received.usual;
     stream.ulSendMaxPTime = sent.most;
@@ -58,7 +61,10 @@ void describeFormat(Arena &arena, const Format &codec, SdpNegotiateFormat &forma
 void writeFormats(const SdpNegotiateStream &stream, Text &text) {
     for (uint32_t i = 0; i < stream.ulNoOfFormats; ++i) {
         const SdpNegotiateFormat &format = *stream.ppstFormats[i];
-        text << (i == 0 ? "" : ", ") << viewOf(format.strName);
+        if (i != 0) {
+            text << ", ";
+        }
+        text << viewOf(format.strName);
         if (format.ulReceive != SDP_NEGOTIATE_NONE) {
             text << " " << format.ulReceive;
         }

@@ -6,10 +6,11 @@
 
 namespace sdpline::negotiate {
 
-// One side of a stream: the body and its media description.
+// One side of a stream: the body, its media description, the types of the latter's a= lines.
 struct View {
     const SdpLine &body;
     const SDPMediaDesc &media;
+    Kinds kinds;
 };
 
 // Times and addresses: what each side says of itself.

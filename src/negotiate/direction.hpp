@@ -38,9 +38,11 @@ inline const SDPAttr *directionLine(const SdpLine &body, const SDPMediaDesc &med
     }
     return nullptr;
 }
-inline uint32_t flowsOf(const SdpLine &body, const SDPMediaDesc &media) {
-    const SDPAttr *const line = directionLine(body, media);
+inline uint32_t flowsOf(const SDPAttr *line) {
     return line != nullptr ? flowsOf(line->ulAttrType) : kSends | kReceives;
+}
+inline uint32_t flowsOf(const SdpLine &body, const SDPMediaDesc &media) {
+    return flowsOf(directionLine(body, media));
 }
 
 inline std::string_view directionWord(uint32_t flows) {

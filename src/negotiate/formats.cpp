@@ -29,6 +29,17 @@ Role roleOf(std::string_view name) {
         {"flexfec-03", Role::Auxiliary},
         {"parityfec", Role::Auxiliary},
     };
+    // Most codecs have a name as long as none of these.
+    static constexpr uint32_t kLengths = [] {
+        uint32_t lengths = 0;
+        for (const Row &row : kRoles) {
+            lengths |= 1u << row.name.size();
+        }
+        return lengths;
+    }();
+    if (name.size() >= 32 || (kLengths >> name.size() & 1) == 0) {
+        return Role::Codec;
+    }
     for (const Row &row : kRoles) {
         if (sameWord(row.name, name)) {
             return row.role;
@@ -45,12 +56,10 @@ public:
 
     void run() {
         list_.count = 0;
+        list_.kinds = 0;
         eachNumber(media_, [this](uint32_t number) { addNumber(number); });
-        if (list_.count == 0) {
-            addWord();
-            return;
-        }
         for (const SDPAttr *const attribute : attributesOf(media_.pstAttrList)) {
+            list_.kinds |= kindOf(*attribute);
             if (attribute->ulAttrType == SDP_ATTR_RTPMAP) {
                 define(*attribute);
             } else if (attribute->ulAttrType == SDP_ATTR_FMTP) {
@@ -59,6 +68,9 @@ public:
         }
         for (uint32_t i = 0; i < list_.count; ++i) {
             defineStatic(list_.items[i]);
+        }
+        if (list_.count == 0) {
+            addWord();
         }
     }
 

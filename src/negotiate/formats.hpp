@@ -31,12 +31,13 @@ struct Format {
 // Of one m= line, in its order, each number once; numbers above 127 are left out. Items are made
 // when they are added: clearing a hundred of them would cost more than most answers.
 struct FormatList {
-    FormatList() : count(0) {}
+    FormatList() : count(0), kinds(0) {}
 
     union {
         Format items[SDP_MAX_PAYLOADS];
     };
     uint32_t count;
+    Kinds kinds; // of the a= lines of the stream
 
     const Format *begin() const { return items; }
     const Format *end() const { return items + count; }

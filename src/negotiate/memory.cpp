@@ -16,13 +16,17 @@ bool Arena::refill(size_t size) {
 }
 
 Text &Text::operator<<(uint32_t number) {
-    if (number < 100 && size_ + 2 <= sizeof bytes_) { // most are payload numbers and streams
-        if (number >= 10) {
-            bytes_[size_++] = static_cast<char>('0' + number / 10);
-        }
-        bytes_[size_++] = static_cast<char>('0' + number % 10);
-        return *this;
+    if (number >= 100 || size_ + 2 > sizeof bytes_) {
+        return addLong(number);
     }
+    if (number >= 10) { // most are payload numbers and streams
+        bytes_[size_++] = static_cast<char>('0' + number / 10);
+    }
+    bytes_[size_++] = static_cast<char>('0' + number % 10);
+    return *this;
+}
+
+Text &Text::addLong(uint32_t number) {
     char digits[10];
     char *const end = digits + sizeof digits;
     char *begin = end;

@@ -145,6 +145,8 @@ public:
     bool empty() const { return size_ == 0; }
 
 private:
+    Text &addLong(uint32_t number);
+
     char bytes_[SDP_MAX_VALUE];
     size_t size_ = 0;
     bool cut_ = false;

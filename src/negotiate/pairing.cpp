@@ -68,18 +68,16 @@ bool sameReferences(const Pairing &pairing, const Format &offered, const Format 
 // only differ in declarative parameters keeps them where they are.
 template <class Fits>
 uint8_t partnerOf(const Pairing &pairing, const Format &offered, Fits fits) {
-    uint8_t found = kNoPartner;
+    const auto sameNumber = pairing.ours.indexOf(offered.number);
+    if (sameNumber && fits(pairing.ours.items[*sameNumber])) {
+        return static_cast<uint8_t>(*sameNumber);
+    }
     for (uint32_t i = 0; i < pairing.ours.count; ++i) {
-        const Format &ours = pairing.ours.items[i];
-        const bool better = found == kNoPartner || ours.number == offered.number;
-        if (better && fits(ours)) {
-            found = static_cast<uint8_t>(i);
-            if (ours.number == offered.number) {
-                break;
-            }
+        if (sameNumber != i && fits(pairing.ours.items[i])) {
+            return static_cast<uint8_t>(i);
         }
     }
-    return found;
+    return kNoPartner;
 }
 
 void pairAssociated(Pairing &pairing, Role role, const SdpNegotiateOptions &options) {

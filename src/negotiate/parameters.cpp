@@ -185,7 +185,7 @@ Events eventsOf(std::string_view list) {
 
 bool commonEvents(std::string_view one, std::string_view two) {
     const Events first = eventsOf(one);
-    const Events second = eventsOf(two);
+    const Events second = one == two ? first : eventsOf(two);
     for (size_t i = 0; i < 4; ++i) {
         if ((first.bits[i] & second.bits[i]) != 0) {
             return true;

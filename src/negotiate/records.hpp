@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -55,9 +56,29 @@ constexpr bool sameLetters(std::string_view one, std::string_view two) {
     }
     return true;
 }
-// Equal but for the case of ASCII letters.
-constexpr bool sameWord(std::string_view one, std::string_view two) {
-    return one.size() == two.size() && sameLetters(one, two);
+// The bits in which the first four bytes of two texts differ.
+inline uint32_t differenceOf(const char *one, const char *two) {
+    uint32_t first = 0;
+    uint32_t second = 0;
+    std::memcpy(&first, one, sizeof first);
+    std::memcpy(&second, two, sizeof second);
+    return first ^ second;
+}
+// Equal but for the case of ASCII letters. Most words are equal, or differ in another bit than that
+// of the case in their first four or their last four bytes.
+inline bool sameWord(std::string_view one, std::string_view two) {
+    const size_t size = one.size();
+    if (size != two.size()) {
+        return false;
+    }
+    if (size >= 4) {
+        const uint32_t difference = differenceOf(one.data(), two.data()) |
+                                    differenceOf(one.data() + size - 4, two.data() + size - 4);
+        if ((difference & ~0x20202020u) != 0 || (difference == 0 && size <= 8)) {
+            return difference == 0;
+        }
+    }
+    return sameLetters(one, two);
 }
 
 bool hasWord(std::string_view text, std::string_view word); // inside, without case
@@ -126,6 +147,20 @@ inline bool isT38(const SDPAttr &attribute) {
 inline bool isPrecondition(const SDPAttr &attribute) {
     return attribute.ulAttrType >= SDP_ATTR_DES && attribute.ulAttrType <= SDP_ATTR_CONF;
 }
+
+// The types of a list's attributes, a bit for each: without the bit no walk finds one.
+using Kinds = uint64_t;
+inline Kinds kindOf(const SDPAttr &attribute) {
+    return Kinds{1} << attribute.ulAttrType % 64;
+}
+constexpr Kinds kindsOf(uint32_t first, uint32_t last) {
+    return (Kinds{2} << last) - (Kinds{1} << first);
+}
+constexpr Kinds kTimeKinds = kindsOf(SDP_ATTR_PTIME, SDP_ATTR_MAXPTIME);
+constexpr Kinds kFaxKinds = kindsOf(SDP_ATTR_T38_FAX_VERSION, SDP_ATTR_T38_UDP_EC);
+constexpr Kinds kOtherKinds = kindsOf(SDP_ATTR_UNREC_VALUE, SDP_ATTR_UNREC_NOVALUE);
+constexpr Kinds kPreconditionKinds = kindsOf(SDP_ATTR_DES, SDP_ATTR_CONF);
+constexpr Kinds kSetupKinds = kindsOf(SDP_ATTR_SETUP, SDP_ATTR_SETUP);
 
 // The first attribute of a type, or of a name; null for none.
 const SDPAttr *find(AttributeSpan attributes, uint32_t type);

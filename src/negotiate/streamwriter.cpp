@@ -13,19 +13,27 @@ namespace sdpline::negotiate {
 
 void StreamWriter::run() {
     mediaLine();
-    describeSides({input_.offer, offered_}, {input_.local, ours_}, stream_);
+    describeSides({input_.offer, offered_, pairing_.offered.kinds},
+                  {input_.local, ours_, pairing_.ours.kinds}, stream_);
     stream_.enDirection = directionOf(flows());
     formats();
     acceptance();
     if (pairing_.chosenCount != 0 && sameWord(pairing_.offered.items[0].name, "t38")) {
         answerFax(offered_, ours_, match_.stream, report_, draft_.attributes);
     }
-    answerFeedback(offered_, ours_, pairing_, match_.stream, report_, draft_.attributes);
+    const bool others = (pairing_.offered.kinds & kOtherKinds) != 0;
+    if (others) {
+        answerFeedback(offered_, ours_, pairing_, match_.stream, report_, draft_.attributes);
+    }
     declared();
     multicastLines();
     transport();
-    multiplexing();
-    preconditions();
+    if (others) {
+        multiplexing();
+    }
+    if (((pairing_.offered.kinds | pairing_.ours.kinds) & kPreconditionKinds) != 0) {
+        preconditions();
+    }
     direction();
     notes();
 }
@@ -202,14 +210,13 @@ void StreamWriter::preconditions() {
 // Turned round and cut down to ours (RFC 3264 section 6.1); those of a multicast stream are the
 // offer's.
 uint32_t StreamWriter::flows() const {
-    const uint32_t theirs = flowsOf(input_.offer, offered_);
+    const uint32_t theirs = flowsOf(theirDirection_);
     return match_.multicast ? theirs : turned(theirs) & flowsOf(input_.local, ours_);
 }
 
 // Not written where both sides are silent: that is sendrecv.
 void StreamWriter::direction() {
-    if (stream_.enDirection != SDP_ATTR_SENDRECV ||
-        directionLine(input_.offer, offered_) != nullptr) {
+    if (stream_.enDirection != SDP_ATTR_SENDRECV || theirDirection_ != nullptr) {
         add(flagLine(stream_.enDirection));
     }
 }
@@ -246,6 +253,9 @@ void StreamWriter::notes() {
             }
             report_.add(pairing_.leftOut[i], match_.stream, detail, format.number);
         }
+    }
+    if ((pairing_.offered.kinds & kOtherKinds) == 0) {
+        return;
     }
     for (const SDPAttr *const attribute : attributesOf(offered_.pstAttrList)) {
         const Handling handling = handlingOf(*attribute);
