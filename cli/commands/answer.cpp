@@ -63,6 +63,8 @@ Json jsonOf(const sdpline::NegotiatedStream &stream) {
             {"formats", std::move(formats)},
             {"sendPTime", numberOrNull(stream.sendPTime)},
             {"receivePTime", numberOrNull(stream.receivePTime)},
+            {"sendMaxPTime", numberOrNull(stream.sendMaxPTime)},
+            {"receiveMaxPTime", numberOrNull(stream.receiveMaxPTime)},
             {"preconditions", wordOf(stream.preconditions)},
             {"confirm", stream.confirm}};
 }

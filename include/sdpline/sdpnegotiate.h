@@ -173,9 +173,10 @@ SDPLINE_API SDPResult SdpNegotiateAgree(const SdpLine *pstOffer, const SdpLine *
 /*
  * The next offer of a side whose last description is pstPrevious: the streams of pstWanted in the
  * m= lines that RFC 3264 section 8 gives them. None vanishes: a stream that is no longer wanted has
- * port 0; a new one takes a line of port 0, or a line at the end. Payload numbers that would change
- * their codec are replaced, by one from 96 to 127, or from 35 to 63 where those are in use. Lines
- * that are not wanted keep their media word, protocol and formats.
+ * port 0; a new one takes a line of port 0, or a line at the end. A stream of pstWanted with port 0
+ * or one above 65535 is not wanted. Payload numbers that would change their codec are replaced, by
+ * one from 96 to 127, or from 35 to 63 where those are in use. Lines that are not wanted keep their
+ * media word, protocol and formats.
  */
 SDPLINE_API SDPResult SdpNegotiateNextOffer(const SdpLine *pstPrevious, const SdpLine *pstWanted,
                                             SdpLine **ppstOffer);

@@ -28,7 +28,8 @@ public:
             slots_.add(kNoStream);
         }
         for (uint32_t i = 0; i < wanted_.size(); ++i) {
-            placed_.add(wanted_[i]->stMediaField.ulPort == 0);
+            const uint32_t port = wanted_[i]->stMediaField.ulPort;
+            placed_.add(port == 0 || port > kHighestPort);
         }
         if (arena_.failed()) {
             return;
@@ -119,7 +120,7 @@ private:
     bool hasConnection_;
     BodyDraft &draft_;
     Growing<uint32_t> slots_; // the wanted stream of each line
-    Growing<bool> placed_;    // of each wanted stream; those of port 0 need no line
+    Growing<bool> placed_;    // of each wanted stream; those without a port need no line
 };
 
 } // namespace

@@ -106,6 +106,8 @@ cat >answer.json <<'JSON'
       ],
       "sendPTime": null,
       "receivePTime": null,
+      "sendMaxPTime": null,
+      "receiveMaxPTime": null,
       "preconditions": "absent",
       "confirm": false
     }

@@ -30,6 +30,11 @@ std::string textOf(const SdpLine *line) {
 const std::string kAudio = "m=audio 40000 RTP/AVP 0\n";
 const std::string kHold = kAudio + "a=sendonly\n";
 
+std::string media(const Body &body) {
+    const std::string text = negotiate_test::textOf(body);
+    return text.substr(text.find("m="));
+}
+
 std::string versionOf(const Body &body) {
     return std::string(body.origin().sessionVersion);
 }
@@ -218,6 +223,89 @@ TEST(Negotiator, CallsInTheWrongState) {
     EXPECT_EQ(offered.receiveAnswer(remote).error().check, "WrongState");
     EXPECT_EQ(offered.refused().error().check, "WrongState");
     EXPECT_EQ(offered.state(), State::HaveRemoteOffer);
+}
+
+TEST(Negotiator, ProvisionalAnswersOfTwoPeers) {
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio)));
+    const auto one = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\na=sendonly\n"), true);
+    EXPECT_EQ(one->streams.at(0).direction, sdpline::Direction::RecvOnly);
+    const auto two = session.receiveAnswer(theirs("m=audio 49180 RTP/AVP 0\n"), true);
+    EXPECT_EQ(two->streams.at(0).direction, sdpline::Direction::SendRecv);
+    EXPECT_EQ(session.remote(), nullptr);
+    const Body last = theirs("m=audio 49190 RTP/AVP 0\n");
+    ASSERT_TRUE(session.receiveAnswer(last));
+    EXPECT_EQ(textOf(session.remote()), negotiate_test::textOf(last));
+}
+
+TEST(Negotiator, NoStreamAtFirst) {
+    Negotiator session;
+    ASSERT_TRUE(session.receiveOffer(theirs("")));
+    const auto answer = session.answer(ours(kAudio));
+    ASSERT_TRUE(answer);
+    EXPECT_TRUE(answer->accepted);
+    EXPECT_EQ(negotiate_test::textOf(answer->body), kLocalHead);
+    const auto offer = session.offer(ours(kAudio));
+    ASSERT_TRUE(offer);
+    EXPECT_EQ(versionOf(*offer), "2");
+    const auto agreement = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n"));
+    EXPECT_TRUE(agreement->accepted);
+}
+
+TEST(Negotiator, AFaxThatIsRefusedOrRejectedAndSpeechAgain) {
+    const std::string fax = "m=image 40010 udptl t38\n";
+    Negotiator session;
+    ASSERT_TRUE(session.offer(ours(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    const auto first = session.offer(ours(fax));
+    EXPECT_EQ(media(*first), fax);
+    ASSERT_TRUE(session.refused());
+    const auto speech = session.offer(ours(kAudio));
+    EXPECT_EQ(media(*speech), kAudio);
+    EXPECT_EQ(versionOf(*speech), "3");
+    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+
+    ASSERT_TRUE(session.offer(ours(fax)));
+    const auto rejected = session.receiveAnswer(theirs("m=image 0 udptl t38\n"));
+    EXPECT_FALSE(rejected->accepted);
+    EXPECT_TRUE(rejected->decisions.empty()) << "that is no fault";
+    const auto again = session.offer(ours(kAudio));
+    EXPECT_EQ(media(*again), kAudio) << "in the line that was fax";
+    EXPECT_EQ(versionOf(*again), "5");
+}
+
+TEST(Negotiator, PreconditionsOfBothSides) {
+    const std::string none = "a=curr:qos local none\na=curr:qos remote none\n";
+    const std::string reserved = "a=curr:qos local sendrecv\n";
+    const std::string desired =
+        "a=des:qos mandatory local sendrecv\na=des:qos mandatory remote sendrecv\n";
+    const std::string peerAudio = "m=audio 49170 RTP/AVP 0\n";
+    using sdpline::Preconditions;
+    Negotiator caller;
+    Negotiator called;
+    ASSERT_TRUE(called.receiveOffer(*caller.offer(ours(kAudio + none + desired))));
+    const auto first = called.answer(theirs(peerAudio + none + desired));
+    EXPECT_EQ(first->streams.at(0).preconditions, Preconditions::Unmet);
+    const auto seen = caller.receiveAnswer(first->body);
+    EXPECT_EQ(negotiate_test::textOf(seen->decisions), "");
+    EXPECT_EQ(seen->streams.at(0).preconditions, Preconditions::Unmet);
+    EXPECT_TRUE(seen->streams.at(0).confirm) << "the caller is asked to tell of its reservation";
+
+    ASSERT_TRUE(called.receiveOffer(*caller.offer(ours(kAudio + reserved + desired))));
+    const auto second = called.answer(theirs(peerAudio + reserved + desired));
+    EXPECT_EQ(second->streams.at(0).preconditions, Preconditions::Met);
+    const auto met = caller.receiveAnswer(second->body);
+    EXPECT_EQ(met->streams.at(0).preconditions, Preconditions::Met);
+    EXPECT_FALSE(met->streams.at(0).confirm);
+}
+
+TEST(Negotiator, TheLinesOfAnAnswerAreThoseOfTheNextOffer) {
+    const std::string video = "m=video 40002 RTP/AVP 31\n";
+    Negotiator session;
+    ASSERT_TRUE(
+        session.receiveOffer(theirs("m=video 49172 RTP/AVP 31\nm=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.answer(ours(kAudio)));
+    EXPECT_EQ(media(*session.offer(ours(kAudio + video))), video + kAudio);
 }
 
 TEST(Negotiator, NullArguments) {
