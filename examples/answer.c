@@ -41,9 +41,12 @@ int main(void) {
     if (result != 0) {
         return refuse(result);
     }
-    int failed = SdpLibDeSerializeSdp((uint8_t *)local, sizeof local - 1, &ours) != 0 ||
-                 SdpNegotiateAnswer(offer, ours, NULL, NULL, &answer, &report) != 0 ||
-                 write(answer, report);
+    SdpLibDeSerializeSdp((uint8_t *)local, sizeof local - 1, &ours);
+    result = SdpNegotiateAnswer(offer, ours, NULL, NULL, &answer, &report);
+    if (result != 0) { /* ours is null where it was refused */
+        fprintf(stderr, "answer: %s\n", SdpNegotiateGetReason(result)->pcSentence);
+    }
+    int failed = result != 0 || write(answer, report);
     SdpNegotiateReleaseReport(&report);
     SdpLibReleaseSdp(&answer);
     SdpLibReleaseSdp(&ours);

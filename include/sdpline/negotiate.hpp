@@ -78,6 +78,8 @@ struct NegotiatedStream {
     Direction direction = Direction::Inactive;
     bool peerHeld = false; /* the peer's address is 0.0.0.0 or "::" */
     bool held = false;     /* ours is */
+    /* In the order of the answer: the offerer sends the first, the answerer the one that comes
+     * first in the offer. */
     std::vector<NegotiatedFormat> formats;
     std::optional<std::uint32_t> sendPTime;
     std::optional<std::uint32_t> receivePTime;

@@ -99,6 +99,8 @@ typedef struct SdpNegotiateStream {
     uint32_t ulReceiveMaxPTime;
     uint32_t enPreconditions;
     uint32_t bConfirm; /* the peer asks to be told when preconditions are met (a=conf) */
+    /* In the order of the answer. The offerer sends the first of them; the answerer the one that
+     * comes first in the offer (RFC 3264 sections 7 and 6.1). */
     uint32_t ulNoOfFormats;
     SdpNegotiateFormat **ppstFormats;
 } SdpNegotiateStream;
