@@ -4,8 +4,8 @@
 namespace sdpline::negotiate {
 
 bool isDtls(const SDPMediaDesc &media) {
-    return protocolIs(media, SDP_PROTO_OTHER,
-                      [](std::string_view word) { return hasWord(word, "TLS"); });
+    return media.stMediaField.stProto.enProto == SDP_PROTO_OTHER &&
+           hasWord(protocolWord(media), "TLS");
 }
 bool isTcp(const SDPMediaDesc &media) {
     return protocolIs(media, SDP_PROTO_TCP,

@@ -1,0 +1,314 @@
+// Decisions that only a few inputs tell apart.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "negotiate/documents.hpp"
+
+namespace negotiate_test {
+
+namespace {
+
+using sdpline::Body;
+
+Body localOf(const std::string &media) {
+    return Body::decode(kLocalHead + media).value();
+}
+Body offerOf(const std::string &media) {
+    return Body::decode(kOfferHead + media).value();
+}
+
+bool contains(const std::string &text, const std::string &part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string decisionsOf(const Body &offer, const Body &local) {
+    return textOf(sdpline::answer(offer, local).value().decisions);
+}
+
+// ---- Of several local streams the one that came furthest says why none fits
+
+struct Failure {
+    const char *local;
+    const char *reason;
+};
+
+// In the order in which a stream is compared.
+const Failure kFailures[] = {
+    {"m=video 40000 RTP/SAVP 0\n", "NoMediaType"},
+    {"m=audio 40000 RTP/AVP 0\nc=IN IP4 192.0.2.9\na=crypto:1 A inline:x\n", "NoProtocol"},
+    {"m=audio 40000 RTP/SAVP 0\na=crypto:1 A inline:x\n", "NoLocalConnection"},
+    {"m=audio 40000 RTP/SAVP 3\nc=IN IP4 192.0.2.9\na=crypto:1 A inline:x\n", "NoCommonFormat"},
+    {"m=audio 40000 RTP/SAVP 101\nc=IN IP4 192.0.2.9\na=rtpmap:101 telephone-event/8000\n",
+     "OnlyAuxiliary"},
+    {"m=audio 40000 RTP/SAVP 0\nc=IN IP4 192.0.2.9\na=crypto:1 B inline:x\n", "NoCommonCrypto"}};
+
+TEST(NegotiateDetail, TheFurthestStreamSaysWhy) {
+    const Body offer = offerOf("m=audio 49170 RTP/SAVP 0 101\na=rtpmap:101 telephone-event/8000\n"
+                               "a=crypto:1 A inline:x\n");
+    const std::string head = "v=0\no=- 1 1 IN IP4 192.0.2.1\ns=-\nt=0 0\n";
+    for (const Failure &lesser : kFailures) {
+        for (const Failure *greater = &lesser; greater != std::end(kFailures); ++greater) {
+            for (const bool turned : {false, true}) {
+                const std::string local = turned ? std::string(greater->local) + lesser.local
+                                                 : std::string(lesser.local) + greater->local;
+                const auto answer = sdpline::answer(offer, Body::decode(head + local).value());
+                EXPECT_EQ(answer->decisions[0].name, greater->reason)
+                    << local << textOf(answer->decisions);
+            }
+        }
+    }
+}
+
+// A stream that is in use already is further than another kind, and less than another protocol.
+TEST(NegotiateDetail, AStreamInUseSaysWhy) {
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 0\nm=audio 49172 RTP/AVP 0\n");
+    const std::string used = "m=audio 40000 RTP/AVP 0\n";
+    const std::string video = "m=video 40002 RTP/AVP 31\n";
+    const std::string other = "m=audio 40004 RTP/AVPF 0\n";
+    for (const auto &[local, reason] :
+         {std::pair(used + video, "StreamsUsedUp"), std::pair(video + used, "StreamsUsedUp"),
+          std::pair(used + other, "NoProtocol"), std::pair(other + used, "NoProtocol")}) {
+        EXPECT_TRUE(contains(decisionsOf(offer, localOf(local)), reason)) << local;
+    }
+}
+
+// ---- Whether anything was accepted
+
+TEST(NegotiateDetail, AnAgreementIsAcceptedOrNot) {
+    const struct {
+        const char *offer;
+        const char *answer;
+        bool accepted;
+    } agreements[] = {
+        {"m=audio 49170 RTP/AVP 0\n", "m=audio 40000 RTP/AVP 0\n", true},
+        {"m=audio 49170 RTP/AVP 0\n", "m=audio 0 RTP/AVP 0\n", false},
+        {"m=audio 1 RTP/AVP 0\n", "m=audio 0 RTP/AVP 0\n", false},
+        {"m=audio 0 RTP/AVP 0\n", "m=audio 0 RTP/AVP 0\n", true},
+        {"m=audio 0 RTP/AVP 0\nm=video 5000 RTP/AVP 31\n",
+         "m=audio 0 RTP/AVP 0\nm=video 0 RTP/AVP 31\n", false},
+        {"m=video 5000 RTP/AVP 31\nm=audio 0 RTP/AVP 0\n",
+         "m=video 0 RTP/AVP 31\nm=audio 0 RTP/AVP 0\n", false},
+        {"m=audio 49170 RTP/AVP 0\nm=video 5000 RTP/AVP 31\n",
+         "m=audio 40000 RTP/AVP 0\nm=video 0 RTP/AVP 31\n", true},
+        {"m=audio 49170 RTP/AVP 0\nm=video 5000 RTP/AVP 31\n", "m=audio 0 RTP/AVP 0\n", false},
+    };
+    for (const auto &one : agreements) {
+        const auto made = sdpline::agree(offerOf(one.offer), localOf(one.answer));
+        EXPECT_EQ(made->accepted, one.accepted) << one.offer << one.answer;
+        const Body offer = offerOf(one.offer);
+        EXPECT_EQ(made->streams.size(), offer.media().size());
+    }
+}
+
+// ---- Codecs
+
+TEST(NegotiateDetail, OneChannelIsWhatAnRtpmapMeansThatSaysNone) {
+    const auto with = [](const char *codec, bool local) {
+        const std::string text =
+            std::string("m=audio 40000 RTP/AVP 97\na=rtpmap:97 ") + codec + '\n';
+        return local ? localOf(text) : offerOf(text);
+    };
+    EXPECT_TRUE(
+        sdpline::answer(with("L16/8000", false), with("L16/8000/1", true)).value().accepted);
+    EXPECT_TRUE(
+        sdpline::answer(with("L16/8000/1", false), with("L16/8000", true)).value().accepted);
+    EXPECT_FALSE(
+        sdpline::answer(with("L16/8000/2", false), with("L16/8000", true)).value().accepted);
+    EXPECT_TRUE(contains(decisionsOf(with("L16/8000/2", false), with("L16/8000", true)),
+                         "offered L16/8000/2, ours L16/8000)"));
+    EXPECT_TRUE(contains(decisionsOf(with("X/4294967295/3", false), with("X/4294967294/1", true)),
+                         "offered X/4294967295/3, ours X/4294967294)"));
+}
+
+TEST(NegotiateDetail, NumbersAreWrittenWhole) {
+    for (const char *const number : {"0", "8", "9", "10", "11", "98", "99", "100", "101", "127"}) {
+        const std::string n = number;
+        const std::string text = "m=audio 40000 RTP/AVP " + n + "\na=rtpmap:" + n + " X/8000\n";
+        EXPECT_TRUE(contains(decisionsOf(offerOf(text), localOf(text)), "accepted: X " + n + ";"))
+            << n;
+    }
+    const Body offer = offerOf("m=audio 40000 RTP/AVP 0 127 128\na=rtpmap:127 X/8000\n");
+    EXPECT_EQ(decisionsOf(offer, localOf("m=audio 40000 RTP/AVP 0 127\na=rtpmap:127 X/8000\n")),
+              "stream 1 accepted: PCMU 0, X 127; sendrecv [Accepted]\n"
+              "stream 1: a payload number above 127 is no format (128) [FormatNumberTooHigh]\n");
+}
+
+// The rule of a caller is told 1 or 0, and returns what is not 0.
+uint32_t sameByName(void *context, const SdpNegotiateCodec *, const SdpNegotiateCodec *,
+                    uint32_t same) {
+    *static_cast<uint32_t *>(context) = same;
+    return 2;
+}
+
+TEST(NegotiateDetail, ARuleOfTheCallerInC) {
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 18\na=fmtp:18 annexb=no\n");
+    for (const bool equal : {false, true}) {
+        const Body local = localOf(std::string("m=audio 40000 RTP/AVP 18\n") +
+                                   (equal ? "a=fmtp:18 annexb=no\n" : ""));
+        uint32_t told = 7;
+        SdpNegotiateOptions options = {};
+        options.pfnSame = sameByName;
+        options.pContext = &told;
+        SdpLine *made = nullptr;
+        SdpNegotiateReport *report = nullptr;
+        ASSERT_EQ(
+            SdpNegotiateAnswer(offer.record(), local.record(), nullptr, &options, &made, &report),
+            0u);
+        EXPECT_EQ(told, equal ? 1u : 0u);
+        EXPECT_EQ(report->bAccepted, 1u);
+        EXPECT_EQ(report->ppstStreams[0]->bAccepted, 1u);
+        SdpNegotiateReleaseReport(&report);
+        SdpLibReleaseSdp(&made);
+    }
+}
+
+// A word that other protocols have for a format, though it is a number.
+TEST(NegotiateDetail, NumbersOfOtherProtocolsAreWords) {
+    const char *const stream = "m=application 49170 DTLS/SCTP 5000\n";
+    EXPECT_EQ(decisionsOf(offerOf(stream), localOf(stream)),
+              "stream 1 accepted: 5000; sendrecv [Accepted]\n");
+    EXPECT_FALSE(sdpline::answer(offerOf(stream), localOf("m=application 1 DTLS/SCTP 5001\n"))
+                     .value()
+                     .accepted);
+}
+
+// ---- T.38 lines of a stream that is none
+
+TEST(NegotiateDetail, FaxLinesOfSpeech) {
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 0\na=T38FaxVersion:0\n");
+    const Body reply = localOf("m=audio 40000 RTP/AVP 0\na=T38FaxVersion:3\n");
+    EXPECT_EQ(textOf(sdpline::check(offer, reply)), "");
+    const Body fax = offerOf("m=image 49170 udptl t38\na=T38FaxVersion:0\n");
+    const Body higher = localOf("m=image 40000 udptl t38\na=T38FaxVersion:3\n");
+    EXPECT_TRUE(contains(textOf(sdpline::check(fax, higher)), "FaxVersionRaised"));
+}
+
+TEST(NegotiateDetail, FaxVersionsThatOneSideDoesNotSay) {
+    const auto decided = [](const char *offered, const char *own) {
+        const std::string stream = "m=image 40000 udptl t38\n";
+        return decisionsOf(offerOf(stream + offered), localOf(stream + own));
+    };
+    EXPECT_TRUE(contains(decided("a=T38FaxVersion:2\n", ""), "(offered 2, ours 0)"));
+    EXPECT_TRUE(contains(decided("", "a=T38FaxVersion:2\n"), "(offered 0, ours 2)"));
+    for (const auto &[one, two] :
+         {std::pair("a=T38FaxVersion:0\n", ""), {"", "a=T38FaxVersion:0\n"}}) {
+        EXPECT_FALSE(contains(decided(one, two), "FaxVersionLowered")) << one << two;
+    }
+}
+
+// ---- Times of an answer
+
+TEST(NegotiateDetail, TimesOfAnAnswer) {
+    const auto with = [](const char *time) {
+        return Body::decode(
+                   std::string("v=0\no=- 1 1 IN IP4 192.0.2.1\ns=-\nc=IN IP4 192.0.2.1\nt=") +
+                   time + "\nm=audio 5000 RTP/AVP 0\n")
+            .value();
+    };
+    for (const char *const one : {"0 0", "1 0", "0 1", "1 2"}) {
+        for (const char *const two : {"0 0", "1 0", "0 1", "1 2"}) {
+            EXPECT_EQ(textOf(sdpline::check(with(one), with(two))).empty(), std::string(one) == two)
+                << one << " and " << two;
+        }
+    }
+}
+
+// ---- Transport
+
+TEST(NegotiateDetail, ProtocolsOverTcpHaveASetup) {
+    const auto answered = [](const std::string &protocol) {
+        const std::string stream = "m=message 40000 " + protocol + " x\n";
+        return textOf(sdpline::answer(offerOf(stream + "a=setup:actpass\n"),
+                                      localOf(stream + "a=setup:passive\n"))
+                          .value()
+                          .body);
+    };
+    for (const char *const protocol : {"TCP", "tcp", "TCP/MSRP", "tcp/TLS/MSRP", "TCP/x"}) {
+        EXPECT_TRUE(contains(answered(protocol), "a=setup:passive\n")) << protocol;
+    }
+    for (const char *const protocol : {"TC", "xTCP", "UDP", "x/TCP"}) {
+        EXPECT_FALSE(contains(answered(protocol), "a=setup")) << protocol;
+    }
+}
+
+TEST(NegotiateDetail, SessionParametersOfKeys) {
+    const std::string names[] = {"UNENCRYPTED_SRTP", "UNENCRYPTED_SRTCP", "UNAUTHENTICATED_SRTP",
+                                 "KDR=1"};
+    const auto stream = [&](unsigned set) {
+        std::string text = "m=audio 40000 RTP/SAVP 0\na=crypto:1 A inline:x";
+        for (unsigned i = 0; i < 4; ++i) {
+            text += (set >> i & 1) != 0 ? ' ' + names[i] : "";
+        }
+        return text + '\n';
+    };
+    for (unsigned one = 0; one < 16; ++one) {
+        for (unsigned two = 0; two < 16; ++two) {
+            EXPECT_EQ(sdpline::answer(offerOf(stream(one)), localOf(stream(two))).value().accepted,
+                      (one & 7) == (two & 7))
+                << stream(one) << stream(two);
+        }
+    }
+}
+
+TEST(NegotiateDetail, FeedbackForAllFormatsIsTakenOver) {
+    const std::string stream = "m=audio 40000 RTP/AVPF 0\na=rtcp-fb:* nack\n";
+    SdpSetSupMedProtoRtpAvpf(1);
+    const auto answer = sdpline::answer(offerOf(stream), localOf(stream));
+    SdpSetSupMedProtoRtpAvpf(0);
+    EXPECT_EQ(textOf(answer->decisions), "stream 1 accepted: PCMU 0; sendrecv [Accepted]\n");
+    EXPECT_TRUE(contains(textOf(answer->body), "a=rtcp-fb:* nack\n"));
+}
+
+TEST(NegotiateDetail, OnlyMultiplexingThatIsDroppedIsSaid) {
+    const std::string stream = "m=audio 40000 RTP/AVP 0\n";
+    const std::string said =
+        decisionsOf(offerOf(stream + "a=rtcp-mux\na=rtcp-rsize\n"), localOf(stream));
+    EXPECT_TRUE(contains(said, "RtcpMuxDropped"));
+    EXPECT_FALSE(contains(decisionsOf(offerOf(stream + "a=rtcp-rsize\n"), localOf(stream)),
+                          "RtcpMuxDropped"));
+}
+
+// ---- Groups
+
+TEST(NegotiateDetail, AStreamThatIsOnlyInAnotherGroup) {
+    const Body offer = offerOf("a=group:LS a b\nm=audio 49170 RTP/AVP 0\na=mid:a\n"
+                               "m=video 0 RTP/AVP 31\na=mid:b\na=bundle-only\n");
+    const Body local =
+        localOf("a=group:BUNDLE a b\na=group:LS a b\nm=audio 40000 RTP/AVP 0\na=mid:a\n"
+                "m=video 40002 RTP/AVP 31\na=mid:b\n");
+    const auto answer = sdpline::answer(offer, local);
+    EXPECT_TRUE(answer->streams[0].accepted);
+    EXPECT_FALSE(answer->streams[1].accepted);
+    EXPECT_TRUE(contains(textOf(answer->decisions), "PortZero"));
+}
+
+TEST(NegotiateDetail, StreamsOfABundleHaveTheAddressOfTheFirst) {
+    const Body offer = offerOf("a=group:BUNDLE a b\nm=audio 49170 RTP/AVP 0\na=mid:a\n"
+                               "m=video 49172 RTP/AVP 31\na=mid:b\n");
+    const Body local =
+        localOf("a=group:BUNDLE a b\nm=audio 40000 RTP/AVP 0\nc=IN IP4 198.51.100.8\n"
+                "a=mid:a\nm=video 40002 RTP/AVP 31\nc=IN IP4 198.51.100.9\na=mid:b\n");
+    const std::string text = textOf(sdpline::answer(offer, local).value().body);
+    EXPECT_TRUE(contains(text, "m=audio 40000 RTP/AVP 0\nc=IN IP4 198.51.100.8\n")) << text;
+    EXPECT_TRUE(contains(text, "m=video 40000 RTP/AVP 31\nc=IN IP4 198.51.100.8\n")) << text;
+}
+
+// ---- Sentences that do not fit
+
+TEST(NegotiateDetail, ASentenceIsCut) {
+    for (size_t size = SDP_MAX_VALUE - 70; size < SDP_MAX_VALUE - 20; ++size) {
+        const std::string feedback = "* " + std::string(size, 'x');
+        const Body offer = offerOf("m=audio 49170 RTP/AVP 0\na=rtcp-fb:" + feedback + "\n");
+        const auto answer = sdpline::answer(offer, localOf("m=audio 40000 RTP/AVP 0\n"));
+        const sdpline::Decision &last = answer->decisions.back();
+        ASSERT_EQ(last.name, "FeedbackDropped");
+        const size_t at = last.sentence.find(" (");
+        const std::string whole = last.sentence.substr(0, at) + " (" + feedback + ')';
+        ASSERT_EQ(last.sentence, whole.substr(0, SDP_MAX_VALUE)) << size;
+    }
+}
+
+} // namespace
+
+} // namespace negotiate_test
