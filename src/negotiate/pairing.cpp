@@ -41,19 +41,20 @@ bool refersToPaired(const Pairing &pairing, const Format &offered) {
     return all;
 }
 
-// RTX goes with one format: both must go with the same. RED may name its formats or not.
+// RTX goes with one format: both must go with the same, or both with one of another stream (RFC
+// 4588 section 8.3). RED may name its formats or not.
 bool sameReferences(const Pairing &pairing, const Format &offered, const Format &ours) {
     bool all = true;
     if (offered.role == Role::Rtx) {
         uint32_t ourTarget = SDP_NEGOTIATE_NONE;
-        eachReference(ours, [&](uint32_t number) { ourTarget = number; });
-        return eachReference(offered,
-                             [&](uint32_t number) {
-                                 const auto place = pairing.offered.indexOf(number);
-                                 all = all && place && pairing.partner[*place] != kNoPartner &&
-                                       pairing.ourOf(*place).number == ourTarget;
-                             }) &&
-               all;
+        const bool some = eachReference(ours, [&](uint32_t number) { ourTarget = number; }) &&
+                          eachReference(offered, [&](uint32_t number) {
+                              const auto place = pairing.offered.indexOf(number);
+                              all = place ? pairing.partner[*place] != kNoPartner &&
+                                                pairing.ourOf(*place).number == ourTarget
+                                          : !pairing.ours.indexOf(ourTarget);
+                          });
+        return some && all;
     }
     eachReference(ours, [&](uint32_t number) {
         const auto place = pairing.ours.indexOf(number);
@@ -254,10 +255,11 @@ private:
             bool gone = false;
             eachReference(format, [&](uint32_t number) {
                 const auto target = pairing_.offered.indexOf(number);
-                gone = gone || !target || !pairing_.isChosen(*target);
+                gone = gone || (target && !pairing_.isChosen(*target));
             });
-            eachReference(pairing_.ourOf(place),
-                          [&](uint32_t number) { gone = gone || !pairing_.offeredNumber(number); });
+            eachReference(pairing_.ourOf(place), [&](uint32_t number) {
+                gone = gone || (pairing_.ours.indexOf(number) && !pairing_.offeredNumber(number));
+            });
             return gone;
         });
     }
@@ -275,22 +277,31 @@ Reason select(Pairing &pairing, const SdpNegotiateOptions &options) {
 
 namespace {
 
-// "98/98/99" with each number replaced.
-void writeNumbers(const Pairing &pairing, const Format &ours, Text &text) {
+// "98/98/99" with each number replaced: by the one that the offer has at its place, where that is
+// the same codec, or else by the first number of the codec.
+void writeNumbers(const Pairing &pairing, const Format &offered, const Format &ours, Text &text) {
+    std::string_view rest = offered.parameters;
     bool first = true;
-    eachReference(ours, [&](uint32_t number) {
-        text << (first ? "" : "/") << pairing.offeredNumber(number).value_or(number);
+    eachReference(ours, [&](uint32_t ourNumber) {
+        uint32_t number = 0;
+        const auto place =
+            takeNumber(rest, number) ? pairing.offered.indexOf(number) : std::nullopt;
+        const bool same =
+            place && pairing.isChosen(*place) && pairing.ourOf(*place).number == ourNumber;
+        text << (first ? "" : "/")
+             << (same ? number : pairing.offeredNumber(ourNumber).value_or(ourNumber));
+        rest = after(rest, 1);
         first = false;
     });
 }
 
-// "apt=98;rtx-time=3000" with the number replaced, all else as it is.
-void writeApt(const Pairing &pairing, const Format &ours, Text &text) {
+// "apt=98;rtx-time=3000" with the number that the offer has, all else as it is.
+void writeApt(const Format &offered, const Format &ours, Text &text) {
     const std::string_view parameters = ours.parameters;
     const auto apt = parameter(parameters, "apt");
     const size_t begin = static_cast<size_t>(apt->data() - parameters.data());
     text << parameters.substr(0, begin);
-    writeNumbers(pairing, ours, text);
+    eachReference(offered, [&](uint32_t number) { text << number; });
     text << after(parameters, begin + apt->size());
 }
 
@@ -300,11 +311,11 @@ void writeParameters(const Pairing &pairing, uint32_t place, Text &text) {
     const Format &offered = pairing.offered.items[place];
     const Format &ours = pairing.ourOf(place);
     if (offered.role == Role::Red && eachReference(ours, [](uint32_t) {})) {
-        writeNumbers(pairing, ours, text);
+        writeNumbers(pairing, offered, ours, text);
         return;
     }
     if (offered.role == Role::Rtx) {
-        writeApt(pairing, ours, text);
+        writeApt(offered, ours, text);
         return;
     }
     text << ours.parameters;
