@@ -1,6 +1,7 @@
 // Decisions that only a few inputs tell apart.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "negotiate/documents.hpp"
@@ -307,6 +308,148 @@ TEST(NegotiateDetail, ASentenceIsCut) {
         const std::string whole = last.sentence.substr(0, at) + " (" + feedback + ')';
         ASSERT_EQ(last.sentence, whole.substr(0, SDP_MAX_VALUE)) << size;
     }
+}
+
+// ---- Formats of an agreement
+
+// A number without an rtpmap in the answer is what the offer says that it is, RTX too.
+TEST(NegotiateDetail, AnswersMayLeaveOutWhatTheOfferDefines) {
+    const Body offer = offerOf("m=video 5000 RTP/AVP 96 97\na=rtpmap:96 VP8/90000\n"
+                               "a=rtpmap:97 rtx/90000\na=fmtp:97 apt=96\n");
+    const Body answer = localOf("m=video 6000 RTP/AVP 96 97\na=rtpmap:96 VP8/90000\n"
+                                "a=fmtp:97 apt=96\n");
+    const auto agreement = sdpline::agree(offer, answer);
+    ASSERT_EQ(agreement->streams[0].formats.size(), 2u);
+    EXPECT_EQ(agreement->streams[0].formats[1].name, "rtx");
+}
+
+TEST(NegotiateDetail, OfEqualFormatsThatOfTheSameNumber) {
+    for (const char *const numbers : {"96 97", "97 96"}) {
+        const Body offer = offerOf(std::string("m=video 5000 RTP/AVP ") + numbers +
+                                   "\na=rtpmap:96 VP8/90000\na=rtpmap:97 VP8/90000\n");
+        for (const char *const answered : {"96", "97"}) {
+            const std::string n = answered;
+            const Body answer =
+                localOf("m=video 6000 RTP/AVP " + n + "\na=rtpmap:" + n + " VP8/90000\n");
+            const auto agreement = sdpline::agree(offer, answer);
+            ASSERT_EQ(agreement->streams[0].formats.size(), 1u);
+            EXPECT_EQ(std::to_string(*agreement->streams[0].formats[0].send), n) << numbers;
+            EXPECT_EQ(std::to_string(*agreement->streams[0].formats[0].receive), n) << numbers;
+        }
+    }
+}
+
+// Two of the offer that are one of ours keep their order.
+TEST(NegotiateDetail, OurOrderOfFormatsThatAreOne) {
+    const Body offer = offerOf("m=video 5000 RTP/AVP 96 97\na=rtpmap:96 VP8/90000\n"
+                               "a=rtpmap:97 VP8/90000\n");
+    const Body local = localOf("m=video 6000 RTP/AVP 98\na=rtpmap:98 VP8/90000\n");
+    const auto answer = sdpline::answer(offer, local, nullptr, {.ourOrder = true});
+    EXPECT_TRUE(contains(textOf(answer->body), "RTP/AVP 96 97\n"));
+}
+
+TEST(NegotiateDetail, AParameterEndsItsNameAtTheFirstEqualsSign) {
+    const Body offer = offerOf("m=audio 5000 RTP/AVP 18\na=fmtp:18 annexb=no=x\n");
+    EXPECT_FALSE(sdpline::answer(offer, localOf("m=audio 6000 RTP/AVP 18\n")).value().accepted);
+}
+
+// ---- Words: without the case of letters, and of nothing else
+
+bool equalWords(const std::string &one, const std::string &two) {
+    return std::equal(one.begin(), one.end(), two.begin(), two.end(), [](char a, char b) {
+        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
+        return lower(a) == lower(b);
+    });
+}
+
+TEST(NegotiateDetail, WordsWithoutCase) {
+    const std::string letters = "aBcXyZkMnOpQrS";
+    const std::pair<char, char> changes[] = {{'q', 'Q'}, {'Q', 'q'}, {'q', 'w'}, {'A', 'a'},
+                                             {'Z', 'z'}, {'a', 'A'}, {'z', 'Z'}, {'^', '~'},
+                                             {'_', '-'}, {'1', '2'}, {'!', '1'}, {'q', '1'}};
+    for (size_t size = 1; size <= letters.size(); ++size) {
+        for (size_t at = 0; at < size; ++at) {
+            for (const auto &[from, to] : changes) {
+                std::string one = letters.substr(0, size);
+                std::string two = one;
+                one[at] = from;
+                two[at] = to;
+                const auto with = [](const std::string &name) {
+                    return "m=audio 5000 RTP/AVP 97\na=rtpmap:97 " + name + "/8000\n";
+                };
+                ASSERT_EQ(sdpline::answer(offerOf(with(one)), localOf(with(two))).value().accepted,
+                          equalWords(one, two))
+                    << one << ' ' << two;
+            }
+        }
+    }
+}
+
+// ---- Slots that were closed
+
+TEST(NegotiateDetail, NumbersOfClosedStreamsMayMeanSomethingElse) {
+    const auto with = [](const char *version, const char *port, const char *codec) {
+        return Body::decode(std::string("v=0\no=- 1 ") + version +
+                            " IN IP4 192.0.2.1\ns=-\nc=IN IP4 192.0.2.1\nt=0 0\nm=audio " + port +
+                            " RTP/AVP 96\na=rtpmap:96 " + codec + "\n")
+            .value();
+    };
+    const auto faults = [&](const char *before, const char *after) {
+        return textOf(sdpline::checkNext(with("1", before, "A/8000"), with("2", after, "B/8000")));
+    };
+    EXPECT_NE(faults("5000", "5000"), "");
+    EXPECT_EQ(faults("0", "5000"), "");
+    EXPECT_EQ(faults("5000", "0"), "");
+    EXPECT_NE(faults("1", "1"), "");
+}
+
+// ---- Reports
+
+TEST(NegotiateDetail, TheTimeOfAMulticastStreamIsTheOffers) {
+    const Body offer = offerOf("m=audio 5000 RTP/AVP 0\nc=IN IP4 224.2.1.1/127\na=ptime:40\n");
+    const Body local = localOf("m=audio 6000 RTP/AVP 0\na=ptime:20\n");
+    const auto answer = sdpline::answer(offer, local);
+    EXPECT_EQ(answer->streams[0].receivePTime, 40u);
+    EXPECT_EQ(answer->streams[0].sendPTime, 40u);
+    const auto unicast = sdpline::answer(offerOf("m=audio 5000 RTP/AVP 0\na=ptime:40\na=ptime:50\n"
+                                                 "a=maxptime:60\na=maxptime:70\n"),
+                                         local);
+    EXPECT_EQ(unicast->streams[0].receivePTime, 20u);
+    EXPECT_EQ(unicast->streams[0].sendPTime, 40u);
+    EXPECT_EQ(unicast->streams[0].sendMaxPTime, 60u);
+    EXPECT_FALSE(unicast->streams[0].receiveMaxPTime);
+}
+
+TEST(NegotiateDetail, ConfirmationIsOneOrNone) {
+    const std::string stream = "m=audio 5000 RTP/AVP 0\na=curr:qos local none\n"
+                               "a=curr:qos remote none\na=des:qos mandatory local sendrecv\n"
+                               "a=des:qos mandatory remote sendrecv\n";
+    for (const bool asked : {false, true}) {
+        const Body offer = offerOf(stream + (asked ? "a=conf:qos remote sendrecv\n" : ""));
+        const Body local = localOf(stream);
+        SdpLine *made = nullptr;
+        SdpNegotiateReport *report = nullptr;
+        ASSERT_EQ(
+            SdpNegotiateAnswer(offer.record(), local.record(), nullptr, nullptr, &made, &report),
+            0u);
+        EXPECT_EQ(report->ppstStreams[0]->bConfirm, asked ? 1u : 0u);
+        SdpNegotiateReleaseReport(&report);
+        ASSERT_EQ(SdpNegotiateAgree(offer.record(), made, SDP_NEGOTIATE_ANSWERER, &report), 0u);
+        EXPECT_EQ(report->ppstStreams[0]->bConfirm, asked ? 1u : 0u);
+        SdpNegotiateReleaseReport(&report);
+        SdpLibReleaseSdp(&made);
+    }
+}
+
+TEST(NegotiateDetail, AllFaultsOfAReceivedAnswerAreKept) {
+    sdpline::Negotiator session;
+    const Body offer = localOf("m=audio 40000 RTP/AVP 0\nm=video 40002 RTP/AVP 31\n"
+                               "m=audio 40004 RTP/AVP 8\n");
+    const Body answer = offerOf("m=audio 5000 RTP/AVP 0\n");
+    ASSERT_TRUE(session.offer(offer));
+    const auto agreement = session.receiveAnswer(answer);
+    EXPECT_EQ(textOf(agreement->decisions), textOf(sdpline::check(offer, answer)));
+    EXPECT_EQ(agreement->decisions.size(), 2u);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <array>
 #include <bitset>
 #include <map>
+#include <random>
 #include <set>
 
 #include "negotiate/documents.hpp"
@@ -330,6 +331,148 @@ TEST(NegotiateModel, Versions) {
                   "");
         EXPECT_NE(textOf(sdpline::checkNext(bodyOf(before, "5000"), bodyOf(before, "6000"))), "");
     }
+}
+
+// ---- Preconditions: RFC 3312 sections 5 and 6, for one type
+
+const char *const kStatuses[] = {"e2e", "local", "remote"};
+const char *const kDirections[] = {"none", "send", "recv", "sendrecv"};
+const char *const kStrengths[] = {"", "none", "optional", "mandatory"};
+
+struct Segment {
+    bool has = false;
+    bool current = false;
+    unsigned flows = 0;           // 1 sends, 2 receives
+    unsigned desired[2] = {0, 0}; // of sending, of receiving
+
+    bool wanted() const { return desired[0] != 0 || desired[1] != 0; }
+    unsigned missing() const {
+        return ((desired[0] == 3 ? 1u : 0u) | (desired[1] == 3 ? 2u : 0u)) & ~flows;
+    }
+};
+using Segments = std::array<Segment, 3>;
+
+std::multiset<std::string> linesOf(const Segments &segments, bool confirm) {
+    std::multiset<std::string> lines;
+    for (size_t i = 0; i < 3; ++i) {
+        const Segment &one = segments[i];
+        const std::string status = kStatuses[i];
+        const auto desire = [&](unsigned strength, const char *way) {
+            if (strength != 0) {
+                lines.insert(std::string("a=des:qos ") + kStrengths[strength] + ' ' + status + ' ' +
+                             way);
+            }
+        };
+        if (one.current || (one.has && confirm)) {
+            lines.insert("a=curr:qos " + status + ' ' + kDirections[one.flows]);
+        }
+        if (one.desired[0] == one.desired[1]) {
+            desire(one.desired[0], "sendrecv");
+        } else {
+            desire(one.desired[0], "send");
+            desire(one.desired[1], "recv");
+        }
+        // Only the peer knows its segment, and whether what is sent to us end to end is there.
+        const unsigned asked = i == 0 ? one.missing() & 2 : i == 2 ? one.missing() : 0;
+        if (confirm && asked != 0) {
+            lines.insert("a=conf:qos " + status + ' ' + kDirections[asked]);
+        }
+    }
+    return lines;
+}
+
+Segments randomSegments(std::mt19937 &engine, bool endToEnd) {
+    const auto below = [&](unsigned count) { return static_cast<unsigned>(engine() % count); };
+    Segments segments;
+    for (size_t i = endToEnd ? 0 : 1; i < (endToEnd ? 1u : 3u); ++i) {
+        Segment &one = segments[i];
+        one.current = below(4) != 0;
+        one.flows = one.current ? below(4) : 0;
+        for (unsigned &strength : one.desired) {
+            strength = below(4);
+        }
+        one.has = one.current || one.wanted();
+    }
+    return segments;
+}
+
+Segments turned(const Segments &segments) {
+    Segments result = {segments[0], segments[2], segments[1]};
+    for (Segment &one : result) {
+        std::swap(one.desired[0], one.desired[1]);
+        one.flows = (one.flows & 1) << 1 | (one.flows & 2) >> 1;
+    }
+    return result;
+}
+
+// What the answer says: strengths may rise; we know our segment, the peer knows its own.
+Segments merged(const Segments &peer, const Segments &own) {
+    Segments result;
+    for (size_t i = 0; i < 3; ++i) {
+        const Segment &theirs = peer[i];
+        const Segment &ours = own[i];
+        Segment &one = result[i];
+        one.has = theirs.has || ours.has;
+        const bool oursCounts = !theirs.has || (i == 1 ? ours.current : !theirs.current);
+        one.flows = i == 0 ? theirs.flows | ours.flows : oursCounts ? ours.flows : theirs.flows;
+        for (size_t way = 0; way < 2; ++way) {
+            one.desired[way] = std::max(theirs.desired[way], ours.desired[way]);
+        }
+    }
+    return result;
+}
+
+std::string joined(const std::multiset<std::string> &lines) {
+    std::string text;
+    for (const std::string &line : lines) {
+        text += line + '\n';
+    }
+    return text;
+}
+
+std::multiset<std::string> preconditionsIn(const std::string &text) {
+    std::multiset<std::string> lines;
+    for (size_t at = 0; at < text.size(); at = text.find('\n', at) + 1) {
+        const std::string line = text.substr(at, text.find('\n', at) - at);
+        if (line.find(":qos ") != std::string::npos) {
+            lines.insert(line);
+        }
+    }
+    return lines;
+}
+
+TEST(NegotiateModel, Preconditions) {
+    std::mt19937 engine(3312);
+    unsigned met = 0;
+    unsigned compared = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const bool endToEnd = i % 3 == 0;
+        const Segments theirs = randomSegments(engine, endToEnd);
+        const Segments ours = randomSegments(engine, endToEnd);
+        const auto wants = [](const Segment &one) { return one.wanted(); };
+        const bool used = std::any_of(theirs.begin(), theirs.end(), wants) &&
+                          std::any_of(ours.begin(), ours.end(), wants);
+        const std::string stream = "m=audio 5000 RTP/AVP 0\n";
+        const Body offer =
+            Body::decode(kOfferHead + stream + joined(linesOf(theirs, false))).value();
+        const Body local = Body::decode(kLocalHead + stream + joined(linesOf(ours, false))).value();
+        const auto answer = sdpline::answer(offer, local);
+        SCOPED_TRACE(joined(linesOf(theirs, false)) + "and\n" + joined(linesOf(ours, false)));
+        const Segments both = merged(turned(theirs), ours);
+        ASSERT_EQ(preconditionsIn(textOf(answer->body)),
+                  used ? linesOf(both, true) : std::multiset<std::string>());
+        const bool all = std::all_of(both.begin(), both.end(),
+                                     [](const Segment &one) { return one.missing() == 0; });
+        const auto state = !used ? sdpline::Preconditions::Absent
+                           : all ? sdpline::Preconditions::Met
+                                 : sdpline::Preconditions::Unmet;
+        ASSERT_EQ(answer->streams[0].preconditions, state);
+        ASSERT_EQ(sdpline::agree(offer, local).value().streams[0].preconditions, state);
+        met += all ? 1 : 0;
+        compared += used ? 1 : 0;
+    }
+    EXPECT_GT(met, 300u);
+    EXPECT_GT(compared, 1500u);
 }
 
 } // namespace
