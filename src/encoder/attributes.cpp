@@ -17,12 +17,12 @@ static constexpr bool isNamedByTable(Shape shape) {
     return shape > Shape::None && shape < Shape::Precondition;
 }
 
-static SDPResult writeTableName(Output &out, const SDPAttr &attr) {
-    return out.text(&sstrSdpAttrNames[attr.ulAttrType - 1]);
+static SDPResult writeTableName(auto &out, const SDPAttr &attr) {
+    return appendName(out, attr.ulAttrType);
 }
 
 // name ":" value, where refused appends are no failure
-static SDPResult writeNamedText(Output &out, const SDPAttr &attr) {
+static SDPResult writeNamedText(auto &out, const SDPAttr &attr) {
     out.text(attr.pstAttrName);
     out.character(':');
     out.text(&attr.unAttrValue.strValue);
@@ -30,19 +30,18 @@ static SDPResult writeNamedText(Output &out, const SDPAttr &attr) {
 }
 
 // An attribute that is kept by name, or a precondition: they are written whole.
-static SDPResult writeWhole(Output &out, const SDPAttr &attr, Shape shape) {
+static SDPResult writeWhole(auto &out, const SDPAttr &attr, Shape shape) {
     switch (shape) {
     case Shape::NamedText: return writeNamedText(out, attr);
     case Shape::NameOnly: out.text(attr.pstAttrName); return 0;
     case Shape::Precondition:
-        return outOfLine<writeStatus>(out, &attr.unAttrValue.stRsrcMgmtStatus,
-                                      uint32_t{attr.ulAttrType});
+        return writeStatus(out, &attr.unAttrValue.stRsrcMgmtStatus, uint32_t{attr.ulAttrType});
     default: return fail(out, Check::AttrTypeValue);
     }
 }
 
 // One of the row's words.
-SDPResult writeKeyword(Output &out, const AttributeRow &row, const SDPAttr &attr) {
+SDPResult writeKeyword(auto &out, const AttributeRow &row, const SDPAttr &attr) {
     const uint32_t code = attr.unAttrValue.ulValue;
     if (const KeywordRow *const word = findByCode(row.words, code)) {
         return out.word(word->text);
@@ -50,23 +49,23 @@ SDPResult writeKeyword(Output &out, const AttributeRow &row, const SDPAttr &attr
     return row.has(kUnknownRefused) ? fail(out, Check::SetupValue, code) : 0;
 }
 
-static SDPResult writeKeywordValue(Output &out, const SDPAttr &attr) {
+static SDPResult writeKeywordValue(auto &out, const SDPAttr &attr) {
     const AttributeRow &row = attributeRow(attr.ulAttrType);
     const SDPResult result = writeKeyword(out, row, attr);
     return row.has(kResultDropped) ? 0 : result;
 }
 
-static SDPResult writeValue(Output &out, SDPAttr &attr, Shape shape) {
+static SDPResult writeValue(auto &out, SDPAttr &attr, Shape shape) {
     switch (shape) {
     case Shape::Number:
     case Shape::Decimal: return out.number(attr.unAttrValue.ulValue);
-    case Shape::Switch: return outOfLine<writeSwitch>(out, attr);
+    case Shape::Switch: return writeSwitch(out, attr);
     case Shape::Keyword: return writeKeywordValue(out, attr);
     case Shape::Text: return out.text(&attr.unAttrValue.strValue);
     case Shape::RtpMap: writeRtpMap(out, attr); return 0;
-    case Shape::SilenceSupp: outOfLine<writeSilenceSupp>(out, attr); return 0;
-    case Shape::Ecan: outOfLine<writeEcan>(out, attr); return 0;
-    case Shape::IpBcp: return outOfLine<writeIpBcp>(out, attr);
+    case Shape::SilenceSupp: writeSilenceSupp(out, attr); return 0;
+    case Shape::Ecan: writeEcan(out, attr); return 0;
+    case Shape::IpBcp: return writeIpBcp(out, attr);
     case Shape::None:
     case Shape::Flag:
     case Shape::Direction:
@@ -78,7 +77,7 @@ static SDPResult writeValue(Output &out, SDPAttr &attr, Shape shape) {
 }
 
 // attribute = name [ ":" value ]
-static SDPResult writeNameAndValue(Output &out, SDPAttr &attr, Shape shape) {
+static SDPResult writeNameAndValue(auto &out, SDPAttr &attr, Shape shape) {
     if (!isNamedByTable(shape)) {
         return writeWhole(out, attr, shape);
     }
@@ -88,7 +87,7 @@ static SDPResult writeNameAndValue(Output &out, SDPAttr &attr, Shape shape) {
     return writeValue(out, attr, shape);
 }
 
-SDPResult writeAttributeName(Output &out, const SDPAttr &attr, uint32_t &nameWritten) {
+SDPResult writeAttributeName(auto &out, const SDPAttr &attr, uint32_t &nameWritten) {
     const Shape shape = shapeOf(attr.ulAttrType);
     if (shape != Shape::Precondition) {
         nameWritten = 1;
@@ -96,27 +95,41 @@ SDPResult writeAttributeName(Output &out, const SDPAttr &attr, uint32_t &nameWri
     return isNamedByTable(shape) ? writeTableName(out, attr) : writeWhole(out, attr, shape);
 }
 
-SDPResult writeAttributeValue(Output &out, SDPAttr &attr) {
+SDPResult writeAttributeValue(auto &out, SDPAttr &attr) {
     return writeValue(out, attr, shapeOf(attr.ulAttrType));
 }
 
-SDPResult writeAttribute(Output &out, SDPAttr &attr) {
+SDPResult writeAttribute(auto &out, SDPAttr &attr) {
     return writeNameAndValue(out, attr, shapeOf(attr.ulAttrType));
 }
 
 // *( a= attribute CRLF )
-SDPResult writeAttributes(Output &out, const uint32_t *flag, const SDPAttrList *list) {
+//
+// One function for all lists, on a copy of the output: nothing else knows where the copy is, so
+// that it stays in registers from line to line.
+[[gnu::noinline, gnu::flatten]] SDPResult writeAttributes(auto &out, const uint32_t *flag,
+                                                          const SDPAttrList *list) {
+    auto lines = out;
     for (uint32_t i = 0; i < list->ulNoOfAttrs; ++i) {
         SDPAttr &attr = *list->ppstAttrs[i];
         const Shape shape = shapeOf(attr.ulAttrType);
         if (isLeftOut(attr, shape)) {
             continue;
         }
-        appendPrefix(out, flag, 'a');
-        writeNameAndValue(out, attr, shape);
-        out.lineEnd();
+        lines.line([=, &attr](auto &line) {
+            appendPrefix(line, flag, 'a');
+            writeNameAndValue(line, attr, shape);
+            return line.lineEnd();
+        });
     }
+    out = lines;
     return 0;
 }
+
+SDPLINE_LINE_WRITER(writeAttribute, SDPAttr &);
+SDPLINE_LINE_WRITER(writeAttributeName, const SDPAttr &, uint32_t &);
+SDPLINE_LINE_WRITER(writeAttributeValue, SDPAttr &);
+SDPLINE_LINE_WRITER(writeKeyword, const AttributeRow &, const SDPAttr &);
+SDPLINE_LINES_WRITER(writeAttributes, const uint32_t *, const SDPAttrList *);
 
 } // namespace sdpline

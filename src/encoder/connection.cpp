@@ -7,34 +7,30 @@
 namespace sdpline {
 
 // nettype = "IN" / token
-SDPResult writeConnectionNetType(Output &out, const SDPConnection &connection,
-                                 uint32_t &typeError) {
+SDPResult writeConnectionNetType(auto &out, const SDPConnection &connection, uint32_t &typeError) {
     const SDPNetType &type = connection.stNetType;
     if (type.enNetType == SDP_NETTYPE_OTHER) {
         return out.text(type.pstrOtherNetType);
     }
-    if (const KeywordRow *const word = findByCode(kNetTypeWords, type.enNetType)) {
-        return out.word(word->text);
-    }
-    typeError = 1;
-    return fail(out, Check::ConnNetTypeValue);
+    return appendWordOr<kNetTypeWords>(out, type.enNetType, [&] {
+        typeError = 1;
+        return fail(out, Check::ConnNetTypeValue);
+    });
 }
 
 // addrtype = "IP4" / "IP6" / token
-SDPResult writeConnectionAddrType(Output &out, const SDPConnection &connection,
-                                  uint32_t &typeError) {
+SDPResult writeConnectionAddrType(auto &out, const SDPConnection &connection, uint32_t &typeError) {
     const SDPAddrType &type = connection.stAddrType;
     if (type.enAddrType == SDP_ADDRTYPE_OTHER) {
         return out.text(type.pstrOtherAddrType);
     }
-    if (const KeywordRow *const word = findByCode(kAddrTypeWords, type.enAddrType)) {
-        return out.word(word->text);
-    }
-    typeError = 1;
-    return fail(out, Check::ConnAddrTypeValue);
+    return appendWordOr<kAddrTypeWords>(out, type.enAddrType, [&] {
+        typeError = 1;
+        return fail(out, Check::ConnAddrTypeValue);
+    });
 }
 
-static void writeIpv4(Output &out, const uint8_t (&address)[4]) {
+static void writeIpv4(auto &out, const uint8_t (&address)[4]) {
     out.number(address[0]);
     for (uint32_t i = 1; i < 4; ++i) {
         out.character('.');
@@ -43,7 +39,7 @@ static void writeIpv4(Output &out, const uint8_t (&address)[4]) {
 }
 
 // 7( 4HEXDIG ":" ) 4HEXDIG: nothing is shortened, so that one address has one text
-SDPResult writeIpv6(Output &out, const SDPConnection &connection) {
+SDPResult writeIpv6(auto &out, const SDPConnection &connection) {
     const auto hexDigit = [](uint32_t value) { return "0123456789ABCDEF"[value & 0xF]; };
     for (uint32_t i = 0; i < 16; ++i) {
         if (i != 0 && i % 2 == 0) {
@@ -57,17 +53,16 @@ SDPResult writeIpv6(Output &out, const SDPConnection &connection) {
 }
 
 // address = IP4-address / IP6-address, from the binary form; refused appends are no failure
-SDPResult writeConnectionAddress(Output &out, const SDPConnection &connection,
-                                 uint32_t &typeError) {
+SDPResult writeConnectionAddress(auto &out, const SDPConnection &connection, uint32_t &typeError) {
     switch (connection.stTptAddr.enTptAddrType) {
     case SDP_TPTADDR_IPV4: writeIpv4(out, connection.stTptAddr.unTptAddr.aucIpv4); return 0;
-    case SDP_TPTADDR_IPV6: return outOfLine<writeIpv6>(out, connection);
+    case SDP_TPTADDR_IPV6: return writeIpv6(out, connection);
     default: typeError = 1; return fail(out, Check::ConnTptAddrValue);
     }
 }
 
 // [ "/" ttl [ "/" count ] ]
-SDPResult writeTtl(Output &out, const SDPConnection &connection) {
+SDPResult writeTtl(auto &out, const SDPConnection &connection) {
     Appender ttl(out);
     if (connection.ulTtl != SDP_NOT_GIVEN) {
         ttl.character('/').number(connection.ulTtl);
@@ -79,7 +74,7 @@ SDPResult writeTtl(Output &out, const SDPConnection &connection) {
 }
 
 // c= nettype SP addrtype SP address [ "/" ttl [ "/" count ] ] CRLF
-SDPResult writeConnection(Output &out, const uint32_t *flag, const SDPConnection &connection) {
+SDPResult writeConnection(auto &out, const uint32_t *flag, const SDPConnection &connection) {
     uint32_t typeError = 0;
     Appender line(out);
     line.prefix(flag, 'c')
@@ -93,5 +88,12 @@ SDPResult writeConnection(Output &out, const uint32_t *flag, const SDPConnection
     }
     return line.lineEnd().result();
 }
+
+SDPLINE_LINE_WRITER(writeConnection, const uint32_t *, const SDPConnection &);
+SDPLINE_LINE_WRITER(writeConnectionNetType, const SDPConnection &, uint32_t &);
+SDPLINE_LINE_WRITER(writeConnectionAddrType, const SDPConnection &, uint32_t &);
+SDPLINE_LINE_WRITER(writeConnectionAddress, const SDPConnection &, uint32_t &);
+SDPLINE_LINE_WRITER(writeIpv6, const SDPConnection &);
+SDPLINE_LINE_WRITER(writeTtl, const SDPConnection &);
 
 } // namespace sdpline

@@ -16,112 +16,129 @@ class BodyWriter {
 public:
     explicit BodyWriter(Output &out) : out_(out) {}
 
+    // Where `write` fails on either kind of line, that is the check which fails.
     template <class Write>
     BodyWriter &line(Check failed, Write write) {
-        if (result_ == 0 && write() != 0) [[unlikely]] {
-            result_ = fail(out_, failed);
+        if (result_ == 0) [[likely]] {
+            result_ =
+                out_.line([=](auto &line) { return write(line) == 0 ? 0 : fail(line, failed); });
         }
         return *this;
     }
     BodyWriter &text(Check failed, char key, const SipString *value) {
-        return line(failed, [=, this] {
-            return value != nullptr ? writeTextLine(out_, &kPrefixed, key, value) : 0;
+        return value == nullptr ? *this : line(failed, [=](auto &line) {
+            return writeTextLine(line, &kPrefixed, key, value);
         });
     }
     BodyWriter &texts(Check failed, char key, const SDPStringList *list) {
-        return line(failed, [=, this] {
-            return list != nullptr ? writeTextLines(out_, &kPrefixed, key, list->ulNoOfStrings,
-                                                    list->ppstStrings)
-                                   : 0;
+        return list == nullptr ? *this : line(failed, [=](auto &line) {
+            return writeTextLines(line, &kPrefixed, key, list->ulNoOfStrings, list->ppstStrings);
         });
+    }
+    BodyWriter &connection(Check failed, const SDPConnection *connection) {
+        return connection == nullptr ? *this : line(failed, [=](auto &line) {
+            return writeConnection(line, &kPrefixed, *connection);
+        });
+    }
+    BodyWriter &attributes(Check failed, const SDPAttrList *list) {
+        return list == nullptr
+                   ? *this
+                   : lines(failed, [=, this] { return writeAttributes(out_, &kPrefixed, list); });
+    }
+    BodyWriter &mediaSet(Check failed, const SDPMediaSet &set) {
+        return lines(failed, [&, this] { return writeMediaSet(out_, &kPrefixed, set); });
     }
 
     SDPResult result() const { return result_; }
 
 private:
+    // Lines that are tried one by one.
+    template <class Write>
+    BodyWriter &lines(Check failed, Write write) {
+        if (result_ == 0 && write() != 0) [[unlikely]] {
+            result_ = out_.byServices([=](ServiceLine &line) { return fail(line, failed); });
+        }
+        return *this;
+    }
+
     Output &out_;
     SDPResult result_ = 0;
 };
 
 // The lines of a body in the order they are written (RFC 4566 section 5).
 SDPResult writeLines(Output &out, SdpLine &body) {
-    constexpr const uint32_t *flag = &kPrefixed;
-    const SDPConnection *const connection = body.pstConnection;
-    const SDPAttrList *const attributes = body.pstAttrList;
     const SDPKey *const key = body.pstKey;
     return BodyWriter(out)
-        .line(Check::EncodeVersion, [&] { return writeVersion(out, flag, body.ulProtoVersion); })
-        .line(Check::EncodeOrigin, [&] { return writeOrigin(out, flag, body.stOrigin); })
+        .line(Check::EncodeVersion,
+              [&body](auto &line) { return writeVersion(line, &kPrefixed, body.ulProtoVersion); })
+        .line(Check::EncodeOrigin,
+              [&body](auto &line) { return writeOrigin(line, &kPrefixed, body.stOrigin); })
         .text(Check::EncodeName, 's', &body.strSessionName)
         .text(Check::EncodeInfo, 'i', body.pstrSessionInfo)
         .text(Check::EncodeUri, 'u', body.pstrUri)
         .texts(Check::EncodeEmail, 'e', body.pstEmailList)
         .texts(Check::EncodePhone, 'p', body.pstPhoneList)
-        .line(Check::EncodeConnection,
-              [&] { return connection != nullptr ? writeConnection(out, flag, *connection) : 0; })
+        .connection(Check::EncodeConnection, body.pstConnection)
         .texts(Check::EncodeBandwidth, 'b', body.pstBandwidthList)
-        .line(Check::EncodeTimes, [&] { return writeTimes(out, flag, body.stTimeSet); })
+        .line(Check::EncodeTimes,
+              [&body](auto &line) { return writeTimes(line, &kPrefixed, body.stTimeSet); })
         .text(Check::EncodeZone, 'z', body.pstrTimeZone)
         .text(Check::EncodeKey, 'k', key != nullptr ? &key->strKey : nullptr)
-        .line(Check::EncodeAttributes,
-              [&] {
-                  return attributes != nullptr ? outOfLine<writeAttributes>(out, flag, attributes)
-                                               : 0;
-              })
-        .line(Check::EncodeMedia, [&] { return writeMediaSet(out, flag, body.stMediaSet); })
+        .attributes(Check::EncodeAttributes, body.pstAttrList)
+        .mediaSet(Check::EncodeMedia, body.stMediaSet)
         .result();
 }
 
 // Flattened: all that is called here is inlined, when the library is linked, from the other
-// sources. Nothing else then knows where the copy of the Output is, and it stays in registers.
+// sources, and the place to write to stays in registers for a whole line.
 [[gnu::flatten]] SDPResult writeBody(Output &out, SdpLine &body) {
-    return onCopy(out, [&](Output &lines) { return writeLines(lines, body); });
+    return writeLines(out, body);
 }
 
 // ---- One line
 
-SDPResult versionLine(Output &out, const uint32_t *flag, char, void *field) {
+SDPResult versionLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     return writeVersion(out, flag, *static_cast<const uint32_t *>(field));
 }
 
-SDPResult connectionLine(Output &out, const uint32_t *flag, char, void *field) {
+SDPResult connectionLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     return writeConnection(out, flag, *static_cast<const SDPConnection *>(field));
 }
 
-SDPResult originLine(Output &out, const uint32_t *flag, char, void *field) {
+SDPResult originLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     return writeOrigin(out, flag, *static_cast<const SDPOrigin *>(field));
 }
 
-SDPResult mediaLine(Output &out, const uint32_t *flag, char, void *field) {
+SDPResult mediaLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     return writeMediaField(out, flag, *static_cast<const SDPMediaField *>(field));
 }
 
 // As in a list, an attribute that cannot be written leaves its line short and is no failure.
-SDPResult attributeLine(Output &out, const uint32_t *flag, char key, void *field) {
+SDPResult attributeLine(ServiceLine &out, const uint32_t *flag, char key, void *field) {
     appendPrefix(out, flag, key);
     writeAttribute(out, *static_cast<SDPAttr *>(field));
     return out.lineEnd();
 }
 
 // The t= line alone: a set of one, without r= lines.
-SDPResult timeLine(Output &out, const uint32_t *flag, char, void *field) {
+SDPResult timeLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     const auto *const given = static_cast<const SDPTimeField *>(field);
     SDPTimeField alone = {given->ulStartTime, given->ulStopTime, nullptr};
     SDPTimeField *fields[] = {&alone};
-    return writeTimes(out, flag, {1, fields});
+    return writeTimes(out, flag, SDPTimeSet{1, fields});
 }
 
-SDPResult repeatLine(Output &out, const uint32_t *flag, char, void *field) {
+SDPResult repeatLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     SDPRepeatField *fields[] = {static_cast<SDPRepeatField *>(field)};
     const SDPRepeatFieldSet set = {1, fields};
     return writeRepeats(out, flag, &set);
 }
 
-SDPResult textLine(Output &out, const uint32_t *flag, char key, void *field) {
+SDPResult textLine(ServiceLine &out, const uint32_t *flag, char key, void *field) {
     return writeTextLine(out, flag, key, static_cast<const SipString *>(field));
 }
 
-SDPResult keyLine(Output &out, const uint32_t *flag, char key, void *field) {
+SDPResult keyLine(ServiceLine &out, const uint32_t *flag, char key, void *field) {
     const SDPKey &value = *static_cast<const SDPKey *>(field);
     return writeTextLine(out, flag, key, &value.strKey);
 }
@@ -129,7 +146,7 @@ SDPResult keyLine(Output &out, const uint32_t *flag, char key, void *field) {
 struct SingleLine {
     uint32_t type;
     char key;
-    SDPResult (*write)(Output &out, const uint32_t *flag, char key, void *field);
+    SDPResult (*write)(ServiceLine &out, const uint32_t *flag, char key, void *field);
 };
 
 constexpr SingleLine kSingleLines[] = {
@@ -166,7 +183,10 @@ SDPResult encodeBody(SdpLine *line, SipStringBuffer *buffer) {
     if (line == nullptr || buffer == nullptr) {
         return fail(Check::EncodeBodyArgument);
     }
-    return writeTo(buffer, writeBody, *line);
+    Output out(buffer);
+    const SDPResult result = writeBody(out, *line);
+    out.store();
+    return result;
 }
 
 SDPResult encodeLine(int32_t type, const uint32_t *flag, void *field, SipStringBuffer *buffer) {

@@ -1,11 +1,13 @@
 // What the writers of lines share: words, prefixes, and lines that end at the first refused append.
 //
+// A writer makes the appends of one line, or of a part of it, to either kind of line (output.hpp).
+// One of several lines hands the writer of each to line() of an Output or of a ServiceLine.
+//
 // Where a line's rule is that a refused append ends it, its writer uses Appender; where the rule is
 // that the work goes on, it makes the plain appends and drops their results.
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
@@ -15,24 +17,28 @@
 
 namespace sdpline {
 
-// Reports a failing check of a writer. The log hook may append to the buffer that is written.
-inline SDPResult fail(Output &out, Check check, uint32_t value = 0,
+// ---- Failing checks of a writer
+
+inline SDPResult fail(ServiceLine &, Check check, uint32_t value = 0,
                       uint32_t line = __builtin_LINE()) {
-    const SDPResult result = out.call<reportFailed>(check, value, line, nullptr);
-    if (result == 0) {
-        __builtin_unreachable();
-    }
+    return fail(check, value, line);
+}
+inline SDPResult fail(InPlaceLine &out, Check, uint32_t = 0, uint32_t = 0) {
+    return out.giveUp();
+}
+
+inline SDPResult logAndForward(ServiceLine &, Check check, SDPResult result,
+                               uint32_t line = __builtin_LINE()) {
+    return logAndForward(check, result, line);
+}
+inline SDPResult logAndForward(InPlaceLine &, Check, SDPResult result) {
     return result;
 }
 
-inline SDPResult logAndForward(Output &out, Check check, SDPResult result,
-                               uint32_t line = __builtin_LINE()) {
-    return out.call<static_cast<SDPResult (*)(Check, SDPResult, uint32_t)>(logAndForward)>(
-        check, result, line);
-}
+// ---- Appends
 
 // The line's letter and "=", when the flag asks for them. The first refused one is the result.
-inline uint32_t appendPrefix(Output &out, const uint32_t *flag, char key) {
+inline uint32_t appendPrefix(auto &out, const uint32_t *flag, char key) {
     if (*flag != 1) {
         return 0;
     }
@@ -40,24 +46,42 @@ inline uint32_t appendPrefix(Output &out, const uint32_t *flag, char key) {
     return result != 0 ? result : out.character('=');
 }
 
-// The word of a code; a code that the table does not know fails the check.
-inline SDPResult appendWord(Output &out, std::span<const KeywordRow> table, uint32_t code,
-                            Check unknown, uint32_t line = __builtin_LINE()) {
-    const KeywordRow *const word = findByCode(table, code);
-    return word != nullptr ? out.word(word->text) : fail(out, unknown, code, line);
+// The name of a type of the table, with its colon.
+inline SDPResult appendName(ServiceLine &out, uint32_t type) {
+    return out.text(&sstrSdpAttrNames[type - 1]);
+}
+inline SDPResult appendName(InPlaceLine &out, uint32_t type) {
+    return out.word(kAttributes[type].name);
 }
 
-// The same where a code without a word is written as nothing.
-inline SDPResult appendKnownWord(Output &out, std::span<const KeywordRow> table, uint32_t code) {
-    const KeywordRow *const word = findByCode(table, code);
-    return word != nullptr ? out.word(word->text) : 0;
+// The word of a code, or what `otherwise` returns for one that the table does not know.
+template <const auto &Table, class Otherwise>
+SDPResult appendWordOr(ServiceLine &out, uint32_t code, Otherwise otherwise) {
+    const KeywordRow *const word = findByCode(Table, code);
+    return word != nullptr ? out.word(word->text) : otherwise();
+}
+template <const auto &Table, class Otherwise>
+SDPResult appendWordOr(InPlaceLine &out, uint32_t code, Otherwise otherwise) {
+    const bool known = withWord<Table>(code, [&](std::string_view word) { out.word(word); });
+    return known ? 0 : otherwise();
+}
+
+// The same where a code without a word fails a check, and where it is written as nothing.
+template <const auto &Table>
+SDPResult appendWord(auto &out, uint32_t code, Check unknown, uint32_t line = __builtin_LINE()) {
+    return appendWordOr<Table>(out, code, [&] { return fail(out, unknown, code, line); });
+}
+template <const auto &Table>
+SDPResult appendKnownWord(auto &out, uint32_t code) {
+    return appendWordOr<Table>(out, code, [] { return 0u; });
 }
 
 // Makes one append after another until one is refused: the later ones are not tried, and the
 // first failure is the result.
+template <class Out>
 class Appender {
 public:
-    explicit Appender(Output &out) : out_(out) {}
+    explicit Appender(Out &out) : out_(out) {}
 
     Appender &prefix(const uint32_t *flag, char key) {
         return then([=, this] { return appendPrefix(out_, flag, key); });
@@ -67,9 +91,6 @@ public:
     }
     Appender &text(const SipString *text) {
         return then([=, this] { return out_.text(text); });
-    }
-    Appender &word(const KeywordRow &word) {
-        return then([&, this] { return out_.word(word.text); });
     }
     Appender &number(uint32_t value) {
         return then([=, this] { return out_.number(value); });
@@ -90,23 +111,33 @@ public:
     SDPResult result() const { return result_; }
 
 private:
-    Output &out_;
+    Out &out_;
     SDPResult result_ = 0;
 };
 
 // ---- The lines
 
-SDPResult writeVersion(Output &out, const uint32_t *flag, uint32_t version);
-SDPResult writeTextLine(Output &out, const uint32_t *flag, char key, const SipString *value);
-SDPResult writeTextLines(Output &out, const uint32_t *flag, char key, uint32_t count,
+// What is declared from here on is made for each kind of output by the source that defines it.
+#define SDPLINE_LINE_WRITER(name, ...)                                                             \
+    template SDPResult name(InPlaceLine &, __VA_ARGS__);                                           \
+    template SDPResult name(ServiceLine &, __VA_ARGS__)
+#define SDPLINE_LINES_WRITER(name, ...)                                                            \
+    template SDPResult name(Output &, __VA_ARGS__);                                                \
+    template SDPResult name(ServiceLine &, __VA_ARGS__)
+
+SDPResult writeVersion(auto &out, const uint32_t *flag, uint32_t version);
+SDPResult writeTextLine(auto &out, const uint32_t *flag, char key, const SipString *value);
+SDPResult writeTextLines(auto &out, const uint32_t *flag, char key, uint32_t count,
                          SipString *const *items);
-SDPResult writeOrigin(Output &out, const uint32_t *flag, const SDPOrigin &origin);
-SDPResult writeConnection(Output &out, const uint32_t *flag, const SDPConnection &connection);
-SDPResult writeTimes(Output &out, const uint32_t *flag, const SDPTimeSet &set);
-SDPResult writeRepeats(Output &out, const uint32_t *flag, const SDPRepeatFieldSet *set);
-SDPResult writeAttributes(Output &out, const uint32_t *flag, const SDPAttrList *list);
-SDPResult writeMediaSet(Output &out, const uint32_t *flag, const SDPMediaSet &set);
-SDPResult writeMediaField(Output &out, const uint32_t *flag, const SDPMediaField &field);
+SDPResult writeOrigin(auto &out, const uint32_t *flag, const SDPOrigin &origin);
+SDPResult writeConnection(auto &out, const uint32_t *flag, const SDPConnection &connection);
+SDPResult writeTimes(auto &out, const uint32_t *flag, const SDPTimeSet &set);
+SDPResult writeRepeats(auto &out, const uint32_t *flag, const SDPRepeatFieldSet *set);
+SDPResult writeMediaField(auto &out, const uint32_t *flag, const SDPMediaField &field);
+
+// Lines that are tried and written one by one.
+SDPResult writeAttributes(auto &out, const uint32_t *flag, const SDPAttrList *list);
+SDPResult writeMediaSet(auto &out, const uint32_t *flag, const SDPMediaSet &set);
 
 // ---- Whole bodies, and one line of any type from its record
 
@@ -115,36 +146,35 @@ SDPResult encodeLine(int32_t type, const uint32_t *flag, void *field, SipStringB
 
 // ---- Parts of lines
 
-SDPResult writeOriginNetType(Output &out, const SDPOrigin &origin);
-SDPResult writeOriginAddrType(Output &out, const SDPOrigin &origin);
+SDPResult writeOriginNetType(auto &out, const SDPOrigin &origin);
+SDPResult writeOriginAddrType(auto &out, const SDPOrigin &origin);
 // These three set `typeError` for a code without a text.
-SDPResult writeConnectionNetType(Output &out, const SDPConnection &connection, uint32_t &typeError);
-SDPResult writeConnectionAddrType(Output &out, const SDPConnection &connection,
-                                  uint32_t &typeError);
-SDPResult writeConnectionAddress(Output &out, const SDPConnection &connection, uint32_t &typeError);
-SDPResult writeIpv6(Output &out, const SDPConnection &connection);
-SDPResult writeTtl(Output &out, const SDPConnection &connection);
-SDPResult writeTimeUnit(Output &out, const SDPTimeUnit &unit);
-SDPResult writeMediaType(Output &out, const SDPMedia &media);
-SDPResult writeProto(Output &out, const SDPMediaProto &proto);
-SDPResult writeFormats(Output &out, const SDPMediaFmt &format);
+SDPResult writeConnectionNetType(auto &out, const SDPConnection &connection, uint32_t &typeError);
+SDPResult writeConnectionAddrType(auto &out, const SDPConnection &connection, uint32_t &typeError);
+SDPResult writeConnectionAddress(auto &out, const SDPConnection &connection, uint32_t &typeError);
+SDPResult writeIpv6(auto &out, const SDPConnection &connection);
+SDPResult writeTtl(auto &out, const SDPConnection &connection);
+SDPResult writeTimeUnit(auto &out, const SDPTimeUnit &unit);
+SDPResult writeMediaType(auto &out, const SDPMedia &media);
+SDPResult writeProto(auto &out, const SDPMediaProto &proto);
+SDPResult writeFormats(auto &out, const SDPMediaFmt &format);
 
 // ---- Attributes, without the line's prefix and end
 
-SDPResult writeAttribute(Output &out, SDPAttr &attr);
+SDPResult writeAttribute(auto &out, SDPAttr &attr);
 // The name; `nameWritten` tells whether the value is still to come.
-SDPResult writeAttributeName(Output &out, const SDPAttr &attr, uint32_t &nameWritten);
-SDPResult writeAttributeValue(Output &out, SDPAttr &attr);
-SDPResult writeRtpMap(Output &out, SDPAttr &attr);
-SDPResult writeKeyword(Output &out, const AttributeRow &row, const SDPAttr &attr);
-SDPResult writeSwitch(Output &out, const SDPAttr &attr);
-SDPResult writeSilenceSupp(Output &out, const SDPAttr &attr);
-SDPResult writeEcan(Output &out, const SDPAttr &attr);
-SDPResult writeIpBcp(Output &out, const SDPAttr &attr);
-SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t type);
-SDPResult writeStatusName(Output &out, uint32_t type);
-SDPResult writeStrengthTag(Output &out, const SDPRsrcMgmtStatus &status);
-SDPResult writeStatusType(Output &out, const SDPRsrcMgmtStatus &status);
-SDPResult writeDirTag(Output &out, const SDPRsrcMgmtStatus &status);
+SDPResult writeAttributeName(auto &out, const SDPAttr &attr, uint32_t &nameWritten);
+SDPResult writeAttributeValue(auto &out, SDPAttr &attr);
+SDPResult writeRtpMap(auto &out, SDPAttr &attr);
+SDPResult writeKeyword(auto &out, const AttributeRow &row, const SDPAttr &attr);
+SDPResult writeSwitch(auto &out, const SDPAttr &attr);
+SDPResult writeSilenceSupp(auto &out, const SDPAttr &attr);
+SDPResult writeEcan(auto &out, const SDPAttr &attr);
+SDPResult writeIpBcp(auto &out, const SDPAttr &attr);
+SDPResult writeStatus(auto &out, const SDPRsrcMgmtStatus *status, uint32_t type);
+SDPResult writeStatusName(auto &out, uint32_t type);
+SDPResult writeStrengthTag(auto &out, const SDPRsrcMgmtStatus &status);
+SDPResult writeStatusType(auto &out, const SDPRsrcMgmtStatus &status);
+SDPResult writeDirTag(auto &out, const SDPRsrcMgmtStatus &status);
 
 } // namespace sdpline

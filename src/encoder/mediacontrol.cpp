@@ -4,7 +4,7 @@
 namespace sdpline {
 
 // [ ":" value ], where the refused ":" is no failure
-SDPResult writeSwitch(Output &out, const SDPAttr &attr) {
+SDPResult writeSwitch(auto &out, const SDPAttr &attr) {
     if (g_gstSdpT38OptCfg != SDP_T38_STYLE_VALUE) {
         return 0;
     }
@@ -13,27 +13,32 @@ SDPResult writeSwitch(Output &out, const SDPAttr &attr) {
 }
 
 // ( "on" / "off" ) params, which bring their own blank
-SDPResult writeSilenceSupp(Output &out, const SDPAttr &attr) {
+SDPResult writeSilenceSupp(auto &out, const SDPAttr &attr) {
     const SDPSilenceSuppression &silence = attr.unAttrValue.stSilenceSupp;
-    appendKnownWord(out, kSwitchWords, silence.bOn != 0 ? 1 : 0);
+    appendKnownWord<kSwitchWords>(out, silence.bOn != 0 ? 1 : 0);
     return out.text(&silence.strParams);
 }
 
 // [ "fb" / "f" / "b" ] ( " on" / " off" ) params
-SDPResult writeEcan(Output &out, const SDPAttr &attr) {
+SDPResult writeEcan(auto &out, const SDPAttr &attr) {
     const SDPEcan &ecan = attr.unAttrValue.stEcan;
-    appendKnownWord(out, kEcanDirWords, ecan.enEcanDir);
-    appendKnownWord(out, kEcanSwitchWritten, ecan.bOn != 0 ? 1 : 0);
+    appendKnownWord<kEcanDirWords>(out, ecan.enEcanDir);
+    appendKnownWord<kEcanSwitchWritten>(out, ecan.bOn != 0 ? 1 : 0);
     return out.text(&ecan.strParams);
 }
 
 // version ( " Request" / " Accepted" / " Confused" / " Rejected" )
-SDPResult writeIpBcp(Output &out, const SDPAttr &attr) {
+SDPResult writeIpBcp(auto &out, const SDPAttr &attr) {
     const SDPIpBcp &ipBcp = attr.unAttrValue.stIpBcp;
     if (const uint32_t result = out.number(ipBcp.ucVersion)) {
         return result;
     }
-    return appendWord(out, kIpBcpWritten, ipBcp.ucType, Check::IpBcpTypeValue);
+    return appendWord<kIpBcpWritten>(out, ipBcp.ucType, Check::IpBcpTypeValue);
 }
+
+SDPLINE_LINE_WRITER(writeSwitch, const SDPAttr &);
+SDPLINE_LINE_WRITER(writeSilenceSupp, const SDPAttr &);
+SDPLINE_LINE_WRITER(writeEcan, const SDPAttr &);
+SDPLINE_LINE_WRITER(writeIpBcp, const SDPAttr &);
 
 } // namespace sdpline

@@ -5,28 +5,28 @@
 namespace sdpline {
 
 // strength-tag = "mandatory" / "optional" / "none" / "failure" / "unknown"
-SDPResult writeStrengthTag(Output &out, const SDPRsrcMgmtStatus &status) {
-    return appendWord(out, kStrengthWords, status.enStrengthTag, Check::WordStrength);
+SDPResult writeStrengthTag(auto &out, const SDPRsrcMgmtStatus &status) {
+    return appendWord<kStrengthWords>(out, status.enStrengthTag, Check::WordStrength);
 }
 
 // status-type = "e2e" / "local" / "remote"
-SDPResult writeStatusType(Output &out, const SDPRsrcMgmtStatus &status) {
-    return appendWord(out, kStatusWords, status.enStatusType, Check::WordStatusType);
+SDPResult writeStatusType(auto &out, const SDPRsrcMgmtStatus &status) {
+    return appendWord<kStatusWords>(out, status.enStatusType, Check::WordStatusType);
 }
 
 // direction-tag = "none" / "send" / "recv" / "sendrecv"
-SDPResult writeDirTag(Output &out, const SDPRsrcMgmtStatus &status) {
-    return appendWord(out, kDirWords, status.enDirTag, Check::WordDirection);
+SDPResult writeDirTag(auto &out, const SDPRsrcMgmtStatus &status) {
+    return appendWord<kDirWords>(out, status.enDirTag, Check::WordDirection);
 }
 
-SDPResult writeStatusName(Output &out, uint32_t type) {
-    return shapeOf(type) == Shape::Precondition ? out.text(&sstrSdpAttrNames[type - 1])
+SDPResult writeStatusName(auto &out, uint32_t type) {
+    return shapeOf(type) == Shape::Precondition ? appendName(out, type)
                                                 : fail(out, Check::WordAttrType, type);
 }
 
 // ( "curr:" / "des:" / "conf:" ) precondition-type [ SP strength-tag ] SP status-type
 // SP direction-tag, where the strength is that of "des:" alone
-SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t type) {
+SDPResult writeStatus(auto &out, const SDPRsrcMgmtStatus *status, uint32_t type) {
     if (status == nullptr || !out.hasBuffer()) {
         return fail(out, Check::StatusArgument);
     }
@@ -35,7 +35,7 @@ SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t typ
     }
     const SDPPreconditionS &precondition = status->stPrecondition;
     if (precondition.enPreconditionType != SDP_PRECONDITION_OTHER) {
-        appendKnownWord(out, kPreconditionWords, precondition.enPreconditionType);
+        appendKnownWord<kPreconditionWords>(out, precondition.enPreconditionType);
     } else if (precondition.pstrOtherPrecondition != nullptr) {
         out.text(precondition.pstrOtherPrecondition);
     }
@@ -55,5 +55,11 @@ SDPResult writeStatus(Output &out, const SDPRsrcMgmtStatus *status, uint32_t typ
     }
     return 0;
 }
+
+SDPLINE_LINE_WRITER(writeStatus, const SDPRsrcMgmtStatus *, uint32_t);
+SDPLINE_LINE_WRITER(writeStatusName, uint32_t);
+SDPLINE_LINE_WRITER(writeStrengthTag, const SDPRsrcMgmtStatus &);
+SDPLINE_LINE_WRITER(writeStatusType, const SDPRsrcMgmtStatus &);
+SDPLINE_LINE_WRITER(writeDirTag, const SDPRsrcMgmtStatus &);
 
 } // namespace sdpline

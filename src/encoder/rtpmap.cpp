@@ -10,7 +10,7 @@ constexpr uint32_t kLastNamedProfile = 35;
 
 // The profile's name for a record without one. What the record leaves open is then filled in
 // from the profile, in the record itself.
-static SDPResult writeProfile(Output &out, SDPRtpMapAttr &rtpMap) {
+static SDPResult writeProfile(auto &out, SDPRtpMapAttr &rtpMap) {
     const uint32_t profile = rtpMap.ulEncodingId;
     if (profile < kFirstNamedProfile || profile > kLastNamedProfile) {
         return 0;
@@ -26,14 +26,14 @@ static SDPResult writeProfile(Output &out, SDPRtpMapAttr &rtpMap) {
 }
 
 // payload-type SP encoding-name "/" clock-rate [ "/" channels ]
-SDPResult writeRtpMap(Output &out, SDPAttr &attr) {
+SDPResult writeRtpMap(auto &out, SDPAttr &attr) {
     SDPRtpMapAttr &rtpMap = attr.unAttrValue.stRtpMap;
     out.number(rtpMap.ulPayloadType);
     out.character(' ');
     if (rtpMap.strEncodingName.ulLen != 0 && rtpMap.strEncodingName.pcData != nullptr) {
         out.text(&rtpMap.strEncodingName);
     } else {
-        outOfLine<writeProfile>(out, rtpMap);
+        writeProfile(out, rtpMap);
     }
     out.character('/');
     out.number(rtpMap.ulClockRate);
@@ -43,5 +43,7 @@ SDPResult writeRtpMap(Output &out, SDPAttr &attr) {
     }
     return 0;
 }
+
+SDPLINE_LINE_WRITER(writeRtpMap, SDPAttr &);
 
 } // namespace sdpline

@@ -4,7 +4,7 @@
 namespace sdpline {
 
 // typed-time = 1*DIGIT fixed-len-time-unit: the unit is always written, seconds too
-SDPResult writeTimeUnit(Output &out, const SDPTimeUnit &unit) {
+SDPResult writeTimeUnit(auto &out, const SDPTimeUnit &unit) {
     out.number(unit.ulTimeValue);
     const KeywordRow *const word = findByCode(kTimeUnitWords, unit.enTimeType);
     if (word == nullptr) {
@@ -14,14 +14,23 @@ SDPResult writeTimeUnit(Output &out, const SDPTimeUnit &unit) {
     return 0;
 }
 
+// What an r= line takes at most.
+static uint64_t repeatSize(const SDPRepeatField &field) {
+    constexpr uint64_t kUnitSize = 1 + sipcore::kMostDigits + 1;
+    return (uint64_t{field.ulNoOfTimeUnits} + 1) * kUnitSize;
+}
+
 // r= repeat-interval SP typed-time 1*( SP typed-time ) CRLF
-SDPResult writeRepeats(Output &out, const uint32_t *flag, const SDPRepeatFieldSet *set) {
+SDPResult writeRepeats(auto &out, const uint32_t *flag, const SDPRepeatFieldSet *set) {
     for (uint32_t i = 0; i < set->ulNoOfRepeatFields; ++i) {
         const SDPRepeatField &field = *set->ppstRepeatFields[i];
         SDPTimeUnit *const *const units = field.ppstTimeUnits;
         if (*flag == 1) {
             out.character('r');
             out.character('=');
+        }
+        if (const SDPResult result = out.reserve(repeatSize(field))) {
+            return result;
         }
         Appender line(out);
         // The first slot belongs to every field, whatever its count says.
@@ -39,7 +48,7 @@ SDPResult writeRepeats(Output &out, const uint32_t *flag, const SDPRepeatFieldSe
 }
 
 // t= start-time SP stop-time CRLF
-static SDPResult writeTime(Output &out, const uint32_t *flag, const SDPTimeField &field) {
+static SDPResult writeTime(auto &out, const uint32_t *flag, const SDPTimeField &field) {
     return Appender(out)
         .prefix(flag, 't')
         .number(field.ulStartTime)
@@ -51,12 +60,15 @@ static SDPResult writeTime(Output &out, const uint32_t *flag, const SDPTimeField
 
 // The first t= line that can be written, with its r= lines. What was written of the fields before
 // it stays.
-SDPResult writeTimes(Output &out, const uint32_t *flag, const SDPTimeSet &set) {
+SDPResult writeTimes(auto &out, const uint32_t *flag, const SDPTimeSet &set) {
     if (set.ulNoOfTimeFields == 0) {
         return out.word("t=0 0\r\n");
     }
     SDPResult result = 0;
     for (uint32_t i = 0; i < set.ulNoOfTimeFields; ++i) {
+        if (const SDPResult full = out.nextLine()) {
+            return full;
+        }
         const SDPTimeField &field = *set.ppstTimeFields[i];
         // Without a prefix a second try could not be told from the rest of the first.
         if (*flag != 1 && result != 0) {
@@ -66,7 +78,7 @@ SDPResult writeTimes(Output &out, const uint32_t *flag, const SDPTimeSet &set) {
         // A member of a packed record, to which no reference is bound.
         SDPRepeatFieldSet *const repeats = field.pstRepeatFieldSet;
         if (result == 0 && repeats != nullptr) {
-            result = outOfLine<writeRepeats>(out, flag, repeats);
+            result = writeRepeats(out, flag, repeats);
         }
         if (result == 0) {
             return 0;
@@ -74,5 +86,9 @@ SDPResult writeTimes(Output &out, const uint32_t *flag, const SDPTimeSet &set) {
     }
     return result;
 }
+
+SDPLINE_LINE_WRITER(writeTimes, const uint32_t *, const SDPTimeSet &);
+SDPLINE_LINE_WRITER(writeRepeats, const uint32_t *, const SDPRepeatFieldSet *);
+SDPLINE_LINE_WRITER(writeTimeUnit, const SDPTimeUnit &);
 
 } // namespace sdpline

@@ -11,8 +11,10 @@ namespace sdpline {
 
 struct Builtin {
     bool appends; // all four appends of string buffers
-    bool copy;    // memcpy_s
-    bool fill;    // memset_s
+    // Grows a string buffer before an append would.
+    uint32_t (*makeRoom)(SipStringBuffer *buffer, uint32_t size);
+    bool copy; // memcpy_s
+    bool fill; // memset_s
     // pfnAlloc and pfnFree of blocks; null where blocks are not handled in place. blockTake is
     // pfnAlloc without its zeroing.
     decltype(SDPMemCp::pfnAlloc) blockAlloc;

@@ -1,29 +1,173 @@
 // Where the encoders write to: the appends of one string buffer.
 //
 // Every append is one service of the string buffer, as small as a letter, a number or a word, in
-// text order. Where these services and the buffer's memory are libsipcore's, what simply fits is
-// written here, as they would write it, and the place to write to stays in registers; all else is a
-// call. Where a program has replaced one of them, every append is a call.
+// text order. A line is written by appends to a ServiceLine, each of which is that call; or, where
+// these services and the buffer's memory are libsipcore's, to an InPlaceLine, which puts the same
+// bytes where they would, without looking at each append whether it fits. What does not fit there,
+// or has a failure to report, is written anew by the services: the line that was given up has not
+// made the buffer longer, and its bytes are those that the services write.
 #pragma once
 
+#include <algorithm>
+#include <cassert>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
 #include "sdpline/sdpinternals.h"
+#include "services/allocation.hpp"
 #include "services/builtin.hpp"
 #include "sipcore/stringbuffer.hpp"
 
 namespace sdpline {
 
-namespace output {
+// ---- One line
 
-// A text of any length, or a number, put where it is known to fit; returns where it ends.
-[[gnu::noinline]] char *putText(char *to, const char *text, uint32_t size);
-[[gnu::noinline]] char *putNumber(char *to, uint32_t value);
+class ServiceLine {
+public:
+    explicit ServiceLine(SipStringBuffer *buffer) : buffer_(buffer) {}
 
-} // namespace output
+    bool hasBuffer() const { return buffer_ != nullptr; }
+
+    uint32_t character(char letter) { return SipSbCopyChar(buffer_, letter); }
+    uint32_t number(uint32_t value) { return SipSbCopyLong(buffer_, value); }
+    uint32_t text(const SipString *text) { return SipSbCopyString(buffer_, text); }
+    uint32_t word(std::string_view word) {
+        return SipSbCopyConstString(buffer_, word.data(), static_cast<uint32_t>(word.size()));
+    }
+
+    // The line end that is configured at this moment.
+    uint32_t lineEnd() {
+        const SipString *const lineEnd = g_gpstSdpCrlfCfg;
+        return word({lineEnd->pcData, lineEnd->ulLen});
+    }
+
+    uint32_t nextLine() { return 0; }
+    uint32_t reserve(uint64_t) { return 0; }
+
+    // As of an Output: lines that are written by the services one after another.
+    template <class Write>
+    uint32_t line(Write write) {
+        return write(*this);
+    }
+
+private:
+    SipStringBuffer *buffer_;
+};
+
+// What a line takes beside its texts, and beside what its writer reserves. The longest is that of
+// c= with an IPv6 address and two numbers.
+constexpr uint32_t kLineRoom = 96;
+
+// The configured line end, one byte or two.
+struct LineEnd {
+    char first;
+    char last;
+    uint8_t size; // 0: another one, which is not written in place
+};
+
+inline LineEnd configuredLineEnd() {
+    const SipString &text = *g_gpstSdpCrlfCfg;
+    const bool isShort = text.pcData != nullptr && (text.ulLen == 1 || text.ulLen == 2);
+    return isShort ? LineEnd{text.pcData[0], text.pcData[text.ulLen - 1],
+                             static_cast<uint8_t>(text.ulLen)}
+                   : LineEnd{};
+}
+
+// No append fails: where a result is not 0, the line is given up. What its writer appends then, not
+// caring for results, goes elsewhere.
+class InPlaceLine {
+public:
+    using Elsewhere = char[kLineRoom];
+
+    // After `limit` are kLineRoom bytes more.
+    InPlaceLine(char *at, char *limit, LineEnd lineEnd, Elsewhere &elsewhere)
+        : at_(at), limit_(limit), elsewhere_(elsewhere), lineEnd_(lineEnd) {}
+
+    static constexpr bool hasBuffer() { return true; }
+
+    uint32_t character(char letter) {
+        *at_++ = letter;
+        return checked();
+    }
+
+    uint32_t number(uint32_t value) {
+        at_ = sipcore::putNumber(at_, value);
+        return checked();
+    }
+
+    // Null is an empty text, as it is for the service. After any text there is room for the rest of
+    // a line.
+    uint32_t text(const SipString *text) {
+        if (text == nullptr || text->pcData == nullptr) {
+            return reserve(0);
+        }
+        const uint32_t size = text->ulLen;
+        if (const uint32_t result = reserve(size)) [[unlikely]] {
+            return result;
+        }
+        copyBytes(at_, text->pcData, size);
+        at_ += size;
+        return 0;
+    }
+
+    // Of a table, and short.
+    uint32_t word(std::string_view word) {
+        assert(word.size() <= sipcore::kShortText);
+        at_ = sipcore::putShortText(at_, word.data(), static_cast<uint32_t>(word.size()));
+        return checked();
+    }
+
+    uint32_t lineEnd() {
+        at_[0] = lineEnd_.first;
+        at_[lineEnd_.size - 1] = lineEnd_.last;
+        at_ += lineEnd_.size;
+        return checked();
+    }
+
+    // To be called before each line of several that hold no text.
+    uint32_t nextLine() { return reserve(0); }
+
+    // To be called before a list of words and numbers that takes so many bytes.
+    uint32_t reserve(uint64_t size) {
+        if (static_cast<int64_t>(size) > limit_ - at_) [[unlikely]] {
+            if (!givenUp_) {
+                missing_ = size - static_cast<uint64_t>(limit_ - at_);
+            }
+            return giveUp();
+        }
+        return 0;
+    }
+
+    uint32_t giveUp() {
+        givenUp_ = true;
+        limit_ = elsewhere_;
+        at_ = elsewhere_ + 1;
+        return 1;
+    }
+
+    bool isGivenUp() const { return givenUp_; }
+    char *at() const { return at_; }
+
+    // How much room the text needs that did not fit; 0 where the line is given up for another
+    // reason.
+    uint64_t missing() const { return missing_; }
+
+private:
+    uint32_t checked() const {
+        assert(at_ - limit_ <= kLineRoom);
+        return 0;
+    }
+
+    char *at_;
+    char *limit_;
+    char *elsewhere_;
+    LineEnd lineEnd_;
+    bool givenUp_ = false;
+    uint64_t missing_ = 0;
+};
+
+// ---- A string buffer
 
 class Output {
 public:
@@ -36,141 +180,95 @@ public:
         }
     }
 
-    bool hasBuffer() const { return buffer_ != nullptr; }
+    // Whether lines are written here: no program sees a difference from calls.
+    bool isInPlace() const { return limit_ != nowhere; }
 
-    // Whether appends are done here: no program sees a difference from calls.
-    bool isInPlace() const { return end_ != nowhere; }
-
-    uint32_t character(char letter) {
-        if (!fits(1)) [[unlikely]] {
-            return append<SipSbCopyChar>(letter);
-        }
-        *at_++ = letter;
-        return 0;
+    // Writes a line, or a few: by `write`, which makes its appends to either kind of line. It is
+    // called again where there was too little room, and where the services are to do it.
+    template <class Write>
+    SDPResult line(Write write) {
+        uint64_t missing = 0;
+        do {
+            if (at_ <= limit_) [[likely]] {
+                InPlaceLine::Elsewhere elsewhere;
+                InPlaceLine line(at_, limit_, lineEnd_, elsewhere);
+                write(line);
+                if (!line.isGivenUp()) [[likely]] {
+                    at_ = line.at();
+                    return 0;
+                }
+                missing = line.missing();
+            }
+        } while (makeRoom(missing));
+        return byServices(write);
     }
 
-    uint32_t number(uint32_t value) {
-        if (!fits(sipcore::kMostDigits)) [[unlikely]] {
-            return append<SipSbCopyLong>(value);
-        }
-        at_ = output::putNumber(at_, value);
-        return 0;
-    }
-
-    uint32_t text(const SipString *text) {
-        if (text == nullptr || text->pcData == nullptr || !fits(text->ulLen)) [[unlikely]] {
-            return append<SipSbCopyString>(text);
-        }
-        at_ = output::putText(at_, text->pcData, text->ulLen);
-        return 0;
-    }
-
-    uint32_t word(std::string_view word) {
-        const auto size = static_cast<uint32_t>(word.size());
-        if (word.data() == nullptr || !fits(size)) [[unlikely]] {
-            return append<SipSbCopyConstString>(word.data(), size);
-        }
-        if (__builtin_constant_p(size) || size == 2) {
-            std::memcpy(at_, word.data(), size);
-            at_ += size;
-        } else {
-            at_ = output::putText(at_, word.data(), size);
-        }
-        return 0;
-    }
-
-    // The line end that is configured at this moment.
-    uint32_t lineEnd() {
-        const SipString *const lineEnd = g_gpstSdpCrlfCfg;
-        return word({lineEnd->pcData, lineEnd->ulLen});
-    }
-
-    // Calls a function that may itself append to the buffer, or let the program do so: meanwhile
-    // the buffer is as if every append had been a call.
-    template <auto Function, class... Arguments>
-    uint32_t call(Arguments... arguments) {
-        const Called called = callOn<Function>(*this, arguments...);
-        at_ = called.at;
-        end_ = called.end;
-        return called.result;
+    // The same by the services alone, which the log hook may then use too.
+    template <class Write>
+    SDPResult byServices(Write write) {
+        SDPResult result = 0;
+        *this = writeByServices(*this, write, result);
+        return result;
     }
 
 private:
-    struct Called {
-        char *at;
-        char *end;
-        uint32_t result;
-    };
-
-    // Without a buffer that may be written to, the space left is -1: not even an empty text fits.
     void load() {
-        const bool open = !seesAppends() && hasBuffer() && builtin.owns(*buffer_->memCp);
+        lineEnd_ = configuredLineEnd();
+        const bool open = !seesAppends() && buffer_ != nullptr && builtin.owns(*buffer_->memCp) &&
+                          !buffer_->failed() && lineEnd_.size != 0 && isLarge(*buffer_);
         at_ = open ? buffer_->at : nowhere + 1;
-        end_ = open ? buffer_->end : nowhere;
+        limit_ = open ? buffer_->end - kLineRoom : nowhere;
     }
 
-    bool fits(uint32_t size) const { return int64_t{size} <= end_ - at_; }
+    // Whether a line fits at all. A buffer that may grow does so.
+    static bool isLarge(SipStringBuffer &buffer) {
+        return buffer.capacity() >= kLineRoom || builtin.makeRoom(&buffer, kLineRoom) == 0;
+    }
+
+    // For a line that found so much too little room; false where the buffer cannot grow, or need
+    // not.
+    bool makeRoom(uint64_t missing) {
+        const ptrdiff_t before = limit_ - at_;
+        *this = withRoom(*this, missing);
+        return limit_ - at_ > before;
+    }
 
     // By value, so that an Output that nothing else points to stays in registers.
-    template <auto Function, class... Arguments>
-    [[gnu::noinline, gnu::cold]] static Called callOn(Output out, Arguments... arguments) {
-        out.store();
-        const uint32_t result = Function(arguments...);
-        out.load();
-        return {out.at_, out.end_, result};
+    [[gnu::noinline, gnu::cold]] static Output withRoom(Output out, uint64_t missing) {
+        const auto room = static_cast<int64_t>(missing) + (out.limit_ - out.at_) + kLineRoom;
+        if (out.isInPlace() && room <= UINT32_MAX) {
+            out.store();
+            builtin.makeRoom(out.buffer_,
+                             static_cast<uint32_t>(std::max<int64_t>(room, kLineRoom)));
+            out.load();
+        }
+        return out;
     }
 
-    template <auto Service, class... Arguments>
-    uint32_t append(Arguments... arguments) {
-        return call<Service>(buffer_, arguments...);
+    template <class Write>
+    [[gnu::noinline, gnu::cold]] static Output writeByServices(Output out, Write write,
+                                                               SDPResult &result) {
+        out.store();
+        ServiceLine line(out.buffer_);
+        result = write(line);
+        out.load();
+        return out;
     }
 
     static inline char nowhere[2];
 
     SipStringBuffer *buffer_;
-    char *at_;
-    char *end_;
+    char *at_;    // beyond the limit where lines are written by the services
+    char *limit_; // kLineRoom bytes before the end
+    LineEnd lineEnd_;
 };
 
-// Runs a writer on a string buffer.
+// Writes on a string buffer by the services.
 template <class... Parameters, class... Arguments>
-SDPResult writeTo(SipStringBuffer *buffer, SDPResult (*write)(Output &, Parameters...),
+SDPResult writeTo(SipStringBuffer *buffer, SDPResult (*write)(ServiceLine &, Parameters...),
                   Arguments &&...arguments) {
-    Output out(buffer);
-    const SDPResult result = write(out, std::forward<Arguments>(arguments)...);
-    out.store();
-    return result;
-}
-
-// Runs a writer that is inlined as a whole on a copy: nothing else knows where the copy is, so it
-// stays in registers.
-template <class Write>
-SDPResult onCopy(Output &out, Write write) {
-    Output copy = out;
-    const SDPResult result = write(copy);
-    out = copy;
-    return result;
-}
-
-// Where a writer stopped, and its result.
-struct Written {
-    Output out;
-    SDPResult result;
-};
-
-template <auto Write, class... Arguments>
-[[gnu::noinline, gnu::flatten]] Written writeOn(Output out, Arguments &...arguments) {
-    const SDPResult result = Write(out, arguments...);
-    return {out, result};
-}
-
-// Runs a writer that is not inlined from one that works on a copy, without handing out where the
-// copy is.
-template <auto Write, class... Arguments>
-SDPResult outOfLine(Output &out, Arguments &&...arguments) {
-    const Written written = writeOn<Write>(out, arguments...);
-    out = written.out;
-    return written.result;
+    ServiceLine line(buffer);
+    return write(line, std::forward<Arguments>(arguments)...);
 }
 
 } // namespace sdpline

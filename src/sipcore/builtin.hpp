@@ -15,6 +15,8 @@ struct SipCoreBuiltin {
     decltype(&SipSbCopyConstString) copyConstString;
     decltype(&SipSbCopyString) copyString;
     decltype(&SipSbCopyLong) copyLong;
+    // Grows a string buffer before an append would.
+    uint32_t (*makeRoom)(SipStringBuffer *buffer, uint32_t size);
     decltype(&memcpy_s) copy;
     decltype(&memset_s) fill;
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
@@ -30,9 +32,9 @@ struct SipCoreBuiltin {
 };
 
 #if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use
-#define SIPCORE_BUILTIN g_stSipCoreBuiltin4Asan
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin5Asan
 #else
-#define SIPCORE_BUILTIN g_stSipCoreBuiltin4
+#define SIPCORE_BUILTIN g_stSipCoreBuiltin5
 #endif
 
 // A service under a name that no program can take over.

@@ -240,12 +240,22 @@ uint32_t systemFree(void *memory) {
     return SIP_OK;
 }
 
+static bool isSystem(const SDPMemCp *memCp) {
+    return memCp->pfnAlloc == systemAlloc && memCp->pfnFree == systemFree;
+}
+
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
     if (memCp->pfnAlloc == blockAlloc && memCp->pfnFree == blockFree) {
         return blockTake(memCp, size);
     }
-    const bool isSystem = memCp->pfnAlloc == systemAlloc && memCp->pfnFree == systemFree;
-    return isSystem ? systemTake(size, Content::Any) : memCp->pfnAlloc(memCp, size);
+    return isSystem(memCp) ? systemTake(size, Content::Any) : memCp->pfnAlloc(memCp, size);
+}
+
+uint32_t wholeSize(const SDPMemCp *memCp, uint32_t size) {
+    if (size > kLargestCached || !isSystem(memCp)) {
+        return size;
+    }
+    return static_cast<uint32_t>(heapSize(sizeof(SystemHeader) + size) - sizeof(SystemHeader));
 }
 
 } // namespace sipcore

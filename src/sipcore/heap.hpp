@@ -28,6 +28,10 @@ void heapGive(void *memory, std::size_t bytes, Use use);
 // before.
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
 
+// The size of what takeUnfilled() takes for a request: that of the heap's allocation, where it is
+// larger and no function of the program's sees the request.
+uint32_t wholeSize(const SDPMemCp *memCp, uint32_t size);
+
 // pfnAlloc and pfnFree of the system's memory control.
 void *systemAlloc(SDPMemCp *memCp, uint32_t size);
 uint32_t systemFree(void *memory);

@@ -1,6 +1,6 @@
 // String buffers: one contiguous text that grows by at least doubling, or a fixed range of the
 // caller's. A growable buffer's first bytes share the record's allocation; growth moves the text
-// to an allocation of its own.
+// to an allocation of its own. What the heap gives beyond a request is used too.
 #include "sipcore/stringbuffer.hpp"
 
 #include "sipcore/block.hpp"
@@ -27,26 +27,36 @@ void dropText(SipStringBuffer &buffer) {
     }
 }
 
-uint32_t growAndAppend(SipStringBuffer &buffer, const char *text, uint32_t size) {
-    const uint64_t wanted = uint64_t{buffer.length()} + size;
+// Where it fails, the buffer is as it was.
+uint32_t grow(SipStringBuffer &buffer, uint32_t size) {
+    const uint32_t length = buffer.length();
+    const uint64_t wanted = uint64_t{length} + size;
     if (wanted > UINT32_MAX) {
-        return refuse(buffer, SIP_NO_SPACE);
+        return SIP_NO_SPACE;
     }
     const uint64_t grown =
         uint64_t{buffer.capacity()} + std::max(buffer.capacity(), buffer.growSize);
     const auto capacity =
-        static_cast<uint32_t>(std::min<uint64_t>(std::max(wanted, grown), UINT32_MAX));
+        wholeSize(buffer.memCp,
+                  static_cast<uint32_t>(std::min<uint64_t>(std::max(wanted, grown), UINT32_MAX)));
     auto *data = static_cast<char *>(takeUnfilled(buffer.memCp, capacity));
     if (data == nullptr) {
-        return refuse(buffer, SIP_NO_MEMORY);
+        return SIP_NO_MEMORY;
     }
-    const uint32_t length = buffer.length();
     std::memcpy(data, buffer.data, length);
-    std::memcpy(data + length, text, size);
     dropText(buffer);
     buffer.data = data;
-    buffer.at = data + wanted;
+    buffer.at = data + length;
     buffer.end = data + capacity;
+    return SIP_OK;
+}
+
+uint32_t growAndAppend(SipStringBuffer &buffer, const char *text, uint32_t size) {
+    if (const uint32_t result = grow(buffer, size)) {
+        return refuse(buffer, result);
+    }
+    std::memcpy(buffer.at, text, size);
+    buffer.at += size;
     return SIP_OK;
 }
 
@@ -110,16 +120,24 @@ SipStringBuffer *newBuffer(SDPMemCp *memCp, uint32_t firstSize) {
     if (firstSize > UINT32_MAX - kRecordSize) {
         return nullptr;
     }
-    void *memory = takeUnfilled(memCp, kRecordSize + firstSize);
-    auto *buffer = static_cast<SipStringBuffer *>(memory);
+    const uint32_t size = wholeSize(memCp, kRecordSize + firstSize);
+    auto *buffer = static_cast<SipStringBuffer *>(takeUnfilled(memCp, size));
     if (buffer != nullptr) {
         char *const first = buffer->firstBytes();
-        *buffer = {first, first, first + firstSize, 0, false, memCp};
+        *buffer = {first, first, first + size - kRecordSize, 0, false, memCp};
     }
     return buffer;
 }
 
 } // namespace
+
+uint32_t makeRoom(SipStringBuffer *buffer, uint32_t size) {
+    if (buffer->failed() || buffer->fixed) {
+        return SIP_NO_SPACE;
+    }
+    return fits(buffer, size) ? uint32_t{SIP_OK} : grow(*buffer, size);
+}
+
 } // namespace sipcore
 
 uint32_t SipSbCreateStringBufferNew(SDPMemCp *pstMemCp, uint32_t ulFirstSize, uint32_t ulGrowSize,
@@ -238,6 +256,7 @@ const SipCoreBuiltin SIPCORE_BUILTIN = {.copyChar = sipcoreCopyChar,
                                         .copyConstString = sipcoreCopyConstString,
                                         .copyString = sipcoreCopyString,
                                         .copyLong = sipcoreCopyLong,
+                                        .makeRoom = sipcore::makeRoom,
                                         .copy = sipcoreCopy,
                                         .fill = sipcoreFill,
                                         .blockAlloc = sipcore::blockAlloc,

@@ -26,6 +26,10 @@ struct SipStringBuffer {
 
 namespace sipcore {
 
+// Grows the buffer, unless so many bytes fit. One that cannot grow stays as it is, and is no failed
+// one for that.
+uint32_t makeRoom(SipStringBuffer *buffer, uint32_t size);
+
 // ---- Texts
 
 struct Bytes16 {
@@ -84,8 +88,21 @@ inline char *putPair(char *to, uint32_t value) {
     return to + sizeof(Digits2);
 }
 
+// value / 100 below 10000, without the division of code that the compiler takes for rare.
+constexpr uint32_t hundreds(uint32_t value) {
+    return value * 5243 >> 19;
+}
+static_assert([] {
+    for (uint32_t value = 0; value < 10000; ++value) {
+        if (hundreds(value) != value / 100) {
+            return false;
+        }
+    }
+    return true;
+}());
+
 inline char *putFour(char *to, uint32_t value) {
-    return putPair(putPair(to, value / 100), value % 100);
+    return putPair(putPair(to, hundreds(value)), value - hundreds(value) * 100);
 }
 
 // A number below 10000, without leading zeros.
@@ -98,8 +115,8 @@ inline char *putShortNumber(char *to, uint32_t value) {
         return putPair(to, value);
     }
     if (value < 1000) {
-        *to = static_cast<char>('0' + value / 100);
-        return putPair(to + 1, value % 100);
+        *to = static_cast<char>('0' + hundreds(value));
+        return putPair(to + 1, value - hundreds(value) * 100);
     }
     return putFour(to, value);
 }

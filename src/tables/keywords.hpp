@@ -31,4 +31,21 @@ SDPLINE_INLINE const KeywordRow *findWord(std::string_view word) {
     return found;
 }
 
+// findByCode() on the way from records to text: calls `use` with the row's text, whose size and
+// bytes are constants there. False where the table does not know the code.
+template <const auto &Table, class Use>
+SDPLINE_INLINE bool withWord(uint32_t code, Use use) {
+    const auto is = [&]<size_t Row>(std::integral_constant<size_t, Row>) SDPLINE_INLINE_LAMBDA {
+        if (code != Table[Row].code) {
+            return false;
+        }
+        use(Table[Row].text);
+        return true;
+    };
+    return [&]<size_t... Row>(std::index_sequence<Row...>) SDPLINE_INLINE_LAMBDA {
+        return (is(std::integral_constant<size_t, Row>()) || ...);
+    }
+    (std::make_index_sequence<Table.size()>());
+}
+
 } // namespace sdpline

@@ -2,6 +2,7 @@
 // made by chance and damaged ones, decoded and written both ways.
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -202,6 +203,137 @@ TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
         const sdpline::EveryServiceCalled everyService;
         EXPECT_EQ(outcome(spoiled), inPlace) << spoiled;
     }
+}
+
+// What is written of a body into room for 0, 1, 2 ... bytes, and into buffers that grow.
+std::vector<std::string> textsOf(SdpLine &body) {
+    std::vector<std::string> texts;
+    constexpr uint32_t kMost = 2000;
+    for (uint32_t room = 1; room <= kMost; ++room) {
+        texts.push_back(serialized(body, room));
+    }
+    for (const uint32_t first : {0u, 1u, 95u, 96u, 97u, 300u, kMost}) {
+        SDPMemCp *block = nullptr;
+        EXPECT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
+        for (SDPMemCp *memCp : {gSipSystemMemCp, block}) {
+            SipStringBuffer *buffer = nullptr;
+            EXPECT_EQ(SipSbCreateStringBufferNew(memCp, first, 1, &buffer), 0u);
+            texts.push_back(std::to_string(SdpLibEncodeSdpInt(&body, buffer)));
+            SipRefString *reference = nullptr;
+            if (SipSbConvertToRefString(buffer, &reference) == 0) {
+                texts.back().append(SipSmGetDataFromRefString(reference),
+                                    SipSmGetLenFromRefString(reference));
+                SipSmReleaseRefString(reference);
+            }
+            SipSbReleaseStringBuffer(buffer);
+        }
+        SipMmReleaseBufMem(&block);
+    }
+    return texts;
+}
+
+void expectTheSameTexts(SdpLine &body) {
+    const auto inPlace = textsOf(body);
+    const sdpline::EveryServiceCalled everyService;
+    EXPECT_TRUE(textsOf(body) == inPlace);
+}
+
+constexpr uint32_t kMostNumber = 4294967294; // one more is "not given" in c=
+
+// The longest numbers and words everywhere.
+const std::string kLongestLines =
+    "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP6 FF02:3:4:5:6:7:8:9\r\nt=1 2\r\n"
+    "r=7d 1h 0 25h 1 2 3 4 5 6\r\nm=application 1/2 RTP/SAVP 0 8 9\r\na=rtpmap:0 PCMU/8000/2\r\n"
+    "a=T38FaxTranscodingJBIG\r\na=T38FaxRateManagement:transferredTCF\r\n"
+    "a=T38FaxMaxDatagram:1\r\na=des:qos mandatory remote sendrecv\r\na=ipbcp:1 Confused\r\n"
+    "a=ecan:fb off x\r\nm=image 1/2 udptl t38\r\n";
+
+TEST(InPlace, writesTheLongestLinesAsTheCallsDo) {
+    const Body body = support::decoded(kLongestLines);
+    body->ulProtoVersion = kMostNumber;
+    body->pstConnection->ulTtl = body->pstConnection->ulNoOfAddrs = kMostNumber;
+    SDPTimeField &time = *body->stTimeSet.ppstTimeFields[0];
+    time.ulStartTime = time.ulStopTime = kMostNumber;
+    const SDPRepeatField &repeat = *time.pstRepeatFieldSet->ppstRepeatFields[0];
+    for (uint32_t i = 0; i < repeat.ulNoOfTimeUnits; ++i) {
+        repeat.ppstTimeUnits[i]->ulTimeValue = kMostNumber;
+    }
+    SDPMediaDesc &media = *body->stMediaSet.ppstMediaDescs[0];
+    SDPMediaField &field = media.stMediaField;
+    field.ulPort = field.ulNoOfPorts = kMostNumber;
+    std::vector<uint32_t> payloads(SDP_MAX_PAYLOADS, kMostNumber);
+    field.stMediaFmt.unMediaFmt.stRtpPayLoads = {SDP_MAX_PAYLOADS, payloads.data()};
+    SDPAttr *const *const attrs = media.pstAttrList->ppstAttrs;
+    SDPRtpMapAttr &rtpMap = attrs[0]->unAttrValue.stRtpMap;
+    rtpMap.ulPayloadType = rtpMap.ulClockRate = rtpMap.ulEncodingParams = kMostNumber;
+    attrs[1]->unAttrValue.ulValue = attrs[3]->unAttrValue.ulValue = kMostNumber;
+    for (const uint32_t style : {SDP_T38_STYLE_FLAG, SDP_T38_STYLE_VALUE}) {
+        const support::Configured configured(style, 0, SDP_LINE_END_CRLF);
+        expectTheSameTexts(*body);
+    }
+}
+
+// A name, a text or a word that is not there, and one that no buffer has room for: what follows it
+// in its line, or does not, is the same.
+TEST(InPlace, writesTextsThatAreNotThereAsTheCallsDo) {
+    const std::string text = kManyLines + "a=name:value\r\na=other\r\na=fmtp:0 1\r\n";
+    const SipString absent = {7, nullptr};
+    const SipString huge = {0xFFFFFF00, const_cast<char *>("x")};
+    for (const SipString &spoiled : {absent, huge}) {
+        for (uint32_t which = 0; which < 8; ++which) {
+            const Body body = support::decoded(text);
+            SDPAttr *const *const attrs =
+                body->stMediaSet.ppstMediaDescs[0]->pstAttrList->ppstAttrs;
+            SipString *const texts[] = {&body->stOrigin.strUserName,
+                                        &body->strSessionName,
+                                        &attrs[0]->unAttrValue.stRtpMap.strEncodingName,
+                                        attrs[4]->pstAttrName,
+                                        &attrs[4]->unAttrValue.strValue,
+                                        attrs[5]->pstAttrName,
+                                        &attrs[6]->unAttrValue.strValue};
+            if (which < std::size(texts)) {
+                *texts[which] = spoiled;
+            } else {
+                attrs[4]->pstAttrName = nullptr;
+            }
+            SCOPED_TRACE(which);
+            expectTheSameTexts(*body);
+        }
+    }
+}
+
+TEST(InPlace, writesManyLinesWithoutATextAsTheCallsDo) {
+    SipString absent = {7, nullptr};
+    std::vector<SipString *> items(300, &absent);
+    items[200] = nullptr;
+    SDPStringList list = {300, items.data()};
+    const Body body = support::decoded(kManyLines);
+    body->pstEmailList = &list;
+    expectTheSameTexts(*body);
+    body->pstEmailList = nullptr;
+}
+
+// Of one byte or two it is written in place, of any other length by the services.
+TEST(InPlace, endsLinesAsTheCallsDo) {
+    const SipString *const before = g_gpstSdpCrlfCfg;
+    const Body body = support::decoded(kManyLines);
+    for (const SipString &lineEnd :
+         {SipString{1, const_cast<char *>("\n")}, SipString{3, const_cast<char *>("\r\r\n")},
+          SipString{0, const_cast<char *>("")}, SipString{2, nullptr}}) {
+        g_gpstSdpCrlfCfg = &lineEnd;
+        expectTheSameTexts(*body);
+    }
+    g_gpstSdpCrlfCfg = before;
+}
+
+// Each t= line that cannot be written is followed by the next one, however many there are.
+TEST(InPlace, triesEachTimeFieldAsTheCallsDo) {
+    const Body body = support::decoded(kManyLines);
+    SDPTimeField &time = *body->stTimeSet.ppstTimeFields[0];
+    time.pstRepeatFieldSet->ppstRepeatFields[0]->ppstTimeUnits[1]->enTimeType = 99;
+    std::vector<SDPTimeField *> fields(50, &time);
+    body->stTimeSet = {50, fields.data()};
+    expectTheSameTexts(*body);
 }
 
 // The hook that a test has set, and the buffer that it appends to.

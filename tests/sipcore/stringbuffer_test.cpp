@@ -117,6 +117,32 @@ TEST_F(Growable, growsByAtLeastTheGrowSizeAndByAsMuchAsIsAppended) {
     SipSbReleaseStringBuffer(buffer);
 }
 
+// What the heap gives beyond the request is not left unused; a control of the program's is asked
+// for what it was told.
+TEST(StringBuffer, usesAllThatTheSystemsControlTakesFromTheHeap) {
+    const auto heapBytes = [](uint32_t first) {
+        const SipMmStatistics before = statistics();
+        SipStringBuffer *buffer = nullptr;
+        EXPECT_EQ(SipSbCreateStringBufferNew(gSipSystemMemCp, first, 1, &buffer), 0u);
+        const uint64_t taken = statistics().ulHeapBytes - before.ulHeapBytes;
+        SipSbReleaseStringBuffer(buffer);
+        return taken;
+    };
+    const uint64_t taken = heapBytes(64);
+    SipStringBuffer *buffer = nullptr;
+    ASSERT_EQ(SipSbCreateStringBufferNew(gSipSystemMemCp, 64, 1, &buffer), 0u);
+    const uint64_t before = statistics().ulHeapAllocations;
+    uint64_t length = 0;
+    while (statistics().ulHeapAllocations == before) {
+        ASSERT_EQ(SipSbCopyChar(buffer, 'x'), 0u);
+        ++length;
+    }
+    SipSbReleaseStringBuffer(buffer);
+    EXPECT_GT(length - 1, 64u);
+    EXPECT_LT(length - 1, taken);
+    EXPECT_GT(length - 1 + 80, taken) << "less than the records before the text is left";
+}
+
 TEST_F(Growable, staysUsableAfterAConversion) {
     SipStringBuffer *buffer = make(4, 4);
     add(buffer, "one");
