@@ -240,7 +240,7 @@ uint32_t systemFree(void *memory) {
     return SIP_OK;
 }
 
-static bool isSystem(const SDPMemCp *memCp) {
+bool isSystem(const SDPMemCp *memCp) {
     return memCp->pfnAlloc == systemAlloc && memCp->pfnFree == systemFree;
 }
 
@@ -251,8 +251,10 @@ void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
     return isSystem(memCp) ? systemTake(size, Content::Any) : memCp->pfnAlloc(memCp, size);
 }
 
-uint32_t wholeSize(const SDPMemCp *memCp, uint32_t size) {
-    if (size > kLargestCached || !isSystem(memCp)) {
+const uint32_t kLargestKept = kLargestCached - sizeof(SystemHeader);
+
+uint32_t wholeSystemSize(uint32_t size) {
+    if (size > kLargestKept) {
         return size;
     }
     return static_cast<uint32_t>(heapSize(sizeof(SystemHeader) + size) - sizeof(SystemHeader));

@@ -28,9 +28,12 @@ void heapGive(void *memory, std::size_t bytes, Use use);
 // before.
 void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
 
-// The size of what takeUnfilled() takes for a request: that of the heap's allocation, where it is
-// larger and no function of the program's sees the request.
-uint32_t wholeSize(const SDPMemCp *memCp, uint32_t size);
+bool isSystem(const SDPMemCp *memCp);
+
+// What the system's control may be asked for without taking more from the heap than for `size`; and
+// the most that a request may be for the heap to keep its memory for the next one.
+uint32_t wholeSystemSize(uint32_t size);
+extern const uint32_t kLargestKept;
 
 // pfnAlloc and pfnFree of the system's memory control.
 void *systemAlloc(SDPMemCp *memCp, uint32_t size);

@@ -27,6 +27,12 @@ void dropText(SipStringBuffer &buffer) {
     }
 }
 
+// A text that outgrows its first size is given at once the most that the heap keeps: growing again
+// costs more than writing, and the memory serves the next text.
+uint32_t grownSize(const SDPMemCp *memCp, uint32_t least) {
+    return isSystem(memCp) ? std::max(least, kLargestKept) : least;
+}
+
 // Where it fails, the buffer is as it was.
 uint32_t grow(SipStringBuffer &buffer, uint32_t size) {
     const uint32_t length = buffer.length();
@@ -37,7 +43,7 @@ uint32_t grow(SipStringBuffer &buffer, uint32_t size) {
     const uint64_t grown =
         uint64_t{buffer.capacity()} + std::max(buffer.capacity(), buffer.growSize);
     const auto capacity =
-        wholeSize(buffer.memCp,
+        grownSize(buffer.memCp,
                   static_cast<uint32_t>(std::min<uint64_t>(std::max(wanted, grown), UINT32_MAX)));
     auto *data = static_cast<char *>(takeUnfilled(buffer.memCp, capacity));
     if (data == nullptr) {
@@ -120,7 +126,8 @@ SipStringBuffer *newBuffer(SDPMemCp *memCp, uint32_t firstSize) {
     if (firstSize > UINT32_MAX - kRecordSize) {
         return nullptr;
     }
-    const uint32_t size = wholeSize(memCp, kRecordSize + firstSize);
+    const uint32_t size =
+        isSystem(memCp) ? wholeSystemSize(kRecordSize + firstSize) : kRecordSize + firstSize;
     auto *buffer = static_cast<SipStringBuffer *>(takeUnfilled(memCp, size));
     if (buffer != nullptr) {
         char *const first = buffer->firstBytes();

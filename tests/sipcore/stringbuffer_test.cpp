@@ -143,6 +143,17 @@ TEST(StringBuffer, usesAllThatTheSystemsControlTakesFromTheHeap) {
     EXPECT_GT(length - 1 + 80, taken) << "less than the records before the text is left";
 }
 
+TEST(StringBuffer, growsOnceForABodyOfTheLargestSizeInTheSystemsMemory) {
+    const uint64_t before = statistics().ulHeapAllocations;
+    SipStringBuffer *buffer = nullptr;
+    ASSERT_EQ(SipSbCreateStringBufferNew(gSipSystemMemCp, 512, 512, &buffer), 0u);
+    for (int i = 0; i < 4000; ++i) {
+        ASSERT_EQ(SipSbCopyChar(buffer, 'x'), 0u);
+    }
+    EXPECT_EQ(statistics().ulHeapAllocations, before + 2);
+    SipSbReleaseStringBuffer(buffer);
+}
+
 TEST_F(Growable, staysUsableAfterAConversion) {
     SipStringBuffer *buffer = make(4, 4);
     add(buffer, "one");
