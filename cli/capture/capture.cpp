@@ -9,8 +9,6 @@ namespace cli {
 
 namespace {
 
-constexpr uint16_t kSipsPort = 5061;
-
 // A DTLS record: its type, and version 1.x (RFC 6347 section 4.1).
 bool isDtls(std::string_view bytes) {
     return byteAt(bytes, 0) >= 20 && byteAt(bytes, 0) <= 23 && byteAt(bytes, 1) == 0xfe;

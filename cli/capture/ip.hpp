@@ -11,6 +11,7 @@ namespace cli {
 
 constexpr uint8_t kTcp = 6;
 constexpr uint8_t kUdp = 17;
+constexpr uint16_t kSipsPort = 5061;
 
 struct IpAddress {
     std::array<uint8_t, 16> bytes = {}; // an IPv4 address has the first four

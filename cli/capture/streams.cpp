@@ -12,7 +12,6 @@ namespace cli {
 
 namespace {
 
-constexpr uint16_t kSipsPort = 5061;
 constexpr size_t kMostSought = 64u << 10; // bytes without a message in a stream of unknown kind
 constexpr size_t kLongestHandshake = 16u << 10;
 

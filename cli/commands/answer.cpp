@@ -12,7 +12,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Options {
+struct AnswerOptions {
     std::string offer = "-";
     std::string local;
     std::string previous;
@@ -26,7 +26,7 @@ Json numberOrNull(std::optional<uint32_t> number) {
     return number ? Json(*number) : Json(nullptr);
 }
 
-Json jsonOf(const sdpline::NegotiatedFormat &format) {
+Json jsonOfFormat(const sdpline::NegotiatedFormat &format) {
     return {{"name", format.name},
             {"clockRate", format.clockRate},
             {"channels", format.channels},
@@ -45,13 +45,13 @@ const char *wordOf(sdpline::Preconditions state) {
     return "absent";
 }
 
-Json jsonOf(const sdpline::NegotiatedStream &stream) {
+Json jsonOfStream(const sdpline::NegotiatedStream &stream) {
     if (!stream.accepted) {
         return {{"accepted", false}, {"reason", SdpNegotiateGetReason(stream.reason)->pcName}};
     }
     Json formats = Json::array();
     for (const auto &format : stream.formats) {
-        formats.push_back(jsonOf(format));
+        formats.push_back(jsonOfFormat(format));
     }
     return {{"accepted", true},
             {"local", numberOrNull(stream.local)},
@@ -72,7 +72,7 @@ Json jsonOf(const sdpline::NegotiatedStream &stream) {
 void printJson(const Party &offer, const sdpline::Answer &answer, const std::string &text) {
     Json streams = Json::array();
     for (const auto &stream : answer.streams) {
-        streams.push_back(jsonOf(stream));
+        streams.push_back(jsonOfStream(stream));
     }
     std::cout << dumped({{"accepted", answer.accepted},
                          {"answer", text},
@@ -80,7 +80,7 @@ void printJson(const Party &offer, const sdpline::Answer &answer, const std::str
                          {"decisions", jsonOf(offer, answer.decisions)}});
 }
 
-sdpline::AnswerOptions choicesOf(const Options &options) {
+sdpline::AnswerOptions choicesOf(const AnswerOptions &options) {
     sdpline::AnswerOptions choices;
     choices.ourOrder = options.order == "ours";
     choices.firstOnly = options.first;
@@ -88,7 +88,7 @@ sdpline::AnswerOptions choicesOf(const Options &options) {
     return choices;
 }
 
-int run(const Options &options) {
+int runAnswer(const AnswerOptions &options) {
     configure(options.decode);
     const Party offer(options.decode, options.offer);
     const Party local(options.decode, options.local);
@@ -123,7 +123,7 @@ int run(const Options &options) {
     return answer->accepted ? kFine : kRefused;
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kAnswerText = {
     "answer", "Write the answer to an offer, and why it is so.",
     R"(LOCAL describes what this side can do: its o= and c= lines, and an m= line for each
 stream that it can take. Decisions are written to standard error.
@@ -139,12 +139,12 @@ no answer.)"};
 } // namespace
 
 void addAnswer(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] {
+    const auto options = std::make_shared<AnswerOptions>();
+    CLI::App &command = addCommand(app, kAnswerText, [options, &status] {
         if (options->local.empty()) {
             requireOperand("--with");
         }
-        status = run(*options);
+        status = runAnswer(*options);
     });
     addWord(command, "OFFER", options->offer, "",
             "SDP or a SIP message with one body; - is standard input");

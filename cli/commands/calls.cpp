@@ -20,7 +20,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Options {
+struct CallsOptions {
     DecodeOptions decode = negotiationOptions();
     bool verbose = false;
     std::string html;
@@ -29,7 +29,7 @@ struct Options {
 // Collects the messages of all inputs by their Call-ID, in the order in which the calls begin.
 class Collector : public BodyUser {
 public:
-    explicit Collector(const Options &options) : BodyUser(options.decode), options_(options) {}
+    explicit Collector(const CallsOptions &options) : BodyUser(options.decode), options_(options) {}
 
     void files(size_t count, uint64_t bytes) override { progress_.emplace(count, bytes); }
     void bytesRead(uint64_t count) override { progress_->read(count); }
@@ -186,7 +186,7 @@ private:
         return json;
     }
 
-    const Options &options_;
+    const CallsOptions &options_;
     std::optional<Progress> progress_;
     std::vector<std::unique_ptr<Entry>> calls_;
     std::unordered_map<std::string, size_t> byId_;
@@ -196,7 +196,7 @@ private:
 } // namespace
 
 void addCalls(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<CallsOptions>();
     CLI::App &command = addCommand(
         app,
         {"calls", "Follow the offers and answers of every call, and say what is wrong.",

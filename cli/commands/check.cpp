@@ -16,7 +16,7 @@ namespace cli {
 
 namespace {
 
-struct Options {
+struct CheckOptions {
     DecodeOptions decode;
     bool everyLine = false;
     bool noWarnings = false;
@@ -32,7 +32,7 @@ struct Options {
 // decided once for all formats.
 class Checker : public BodyUser {
 public:
-    Checker(const Options &options, IgnoredNames ignored)
+    Checker(const CheckOptions &options, IgnoredNames ignored)
         : BodyUser(options.decode), options_(options), ignored_(std::move(ignored)),
           report_(makeReport(std::cout, options.report)) {}
 
@@ -171,7 +171,7 @@ private:
         }
     }
 
-    const Options &options_;
+    const CheckOptions &options_;
     const IgnoredNames ignored_;
     const std::unique_ptr<Report> report_;
     std::optional<Progress> progress_;
@@ -181,7 +181,7 @@ private:
 };
 
 // Options that contradict each other are refused.
-void settle(Options &options) {
+void settle(CheckOptions &options) {
     ReportOptions &report = options.report;
     if (options.decode.json) {
         if (report.format != "text" && report.format != "json") {
@@ -195,7 +195,7 @@ void settle(Options &options) {
     report.style = &styleFor(stdout, options.color);
 }
 
-int run(Options &options) {
+int runCheck(CheckOptions &options) {
     settle(options);
     IgnoredNames ignored;
     std::string error;
@@ -213,7 +213,7 @@ int run(Options &options) {
     return checker.finish();
 }
 
-void addReportOptions(CLI::App &command, Options &options) {
+void addReportOptions(CLI::App &command, CheckOptions &options) {
     addChoice(command, "--format", options.report.format, "FORMAT", kReportFormats,
               "What is printed: text (the default), json, jsonl, gcc, junit or sarif");
     addFlag(command, "--json", options.decode.json, "Print one JSON document: --format json");
@@ -229,7 +229,8 @@ void addReportOptions(CLI::App &command, Options &options) {
             "Leave out those that a file lists, one name a line; # begins a comment");
 }
 
-constexpr CommandText kText = {"check", "Say which bodies are refused, where and why.", R"(Examples:
+constexpr CommandText kCheckText = {"check", "Say which bodies are refused, where and why.",
+                                    R"(Examples:
   sdpline check offer.sip
   sdpline check --every-line --redact trace.txt
   sdpline check --format sarif --ignore-file known.txt bodies/ > sdp.sarif
@@ -241,8 +242,9 @@ message contradicts itself, 2 when something cannot be read.)"};
 } // namespace
 
 void addCheck(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    const auto options = std::make_shared<CheckOptions>();
+    CLI::App &command =
+        addCommand(app, kCheckText, [options, &status] { status = runCheck(*options); });
     addPaths(command, options->decode);
     addFlag(command, "--every-line", options->everyLine,
             "Judge the lines after the refused one, each on its own");

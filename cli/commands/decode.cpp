@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-int run(const DecodeOptions &options) {
+int runDecode(const DecodeOptions &options) {
     bool first = true;
     return forEachBody(options, [&](const std::string &title, sdpline::Body &body) {
         if (options.json) {
@@ -27,7 +27,7 @@ int run(const DecodeOptions &options) {
     });
 }
 
-constexpr CommandText kText = {"decode", "Print decoded bodies as trees.", R"(Examples:
+constexpr CommandText kDecodeText = {"decode", "Print decoded bodies as trees.", R"(Examples:
   sdpline decode offer.sip
   sdpline decode --json offer.sdp | jq '.media[].port'
   sdpline decode --redact trace.txt
@@ -38,7 +38,8 @@ Exit status: 0, 1 when a body is refused, 2 when something cannot be read.)"};
 
 void addDecode(CLI::App &app, int &status) {
     const auto options = std::make_shared<DecodeOptions>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    CLI::App &command =
+        addCommand(app, kDecodeText, [options, &status] { status = runDecode(*options); });
     addPaths(command, *options);
     addFlag(command, "--json", options->json,
             "Print JSON that holds every field, one document for each body");

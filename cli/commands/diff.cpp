@@ -14,7 +14,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Options {
+struct DiffOptions {
     std::string first;
     std::string second;
     std::string color = "auto";
@@ -24,7 +24,7 @@ struct Options {
 // The one body of an input, whose values get their masks.
 class OneBody : public BodyUser {
 public:
-    OneBody(const Options &options, const std::string &path, Redactor &redactor)
+    OneBody(const DiffOptions &options, const std::string &path, Redactor &redactor)
         : BodyUser(options.decode, &redactor) {
         readInputs({path}, *this);
         if (count_ != 1 && status() != kUnusable) {
@@ -93,7 +93,7 @@ void printJson(const std::vector<Change> &changes) {
     std::cout << dumped({{"same", changes.empty()}, {"changes", std::move(list)}});
 }
 
-int run(const Options &options) {
+int runDiff(const DiffOptions &options) {
     Redactor redactor;
     const OneBody first(options, options.first, redactor);
     const OneBody second(options, options.second, redactor);
@@ -108,7 +108,7 @@ int run(const Options &options) {
     return changes.empty() ? kFine : kRefused;
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kDiffText = {
     "diff", "Say what differs between two bodies.",
     R"(Media descriptions are paired by their place. Direction and connection are
 compared as they are in force; the order of attributes, line ends and the
@@ -125,8 +125,9 @@ compared: a body is refused, or an input does not hold exactly one.)"};
 } // namespace
 
 void addDiff(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    const auto options = std::make_shared<DiffOptions>();
+    CLI::App &command =
+        addCommand(app, kDiffText, [options, &status] { status = runDiff(*options); });
     addRequired(command, "A", options->first, "A file with one body; - is standard input");
     addRequired(command, "B", options->second, "Another one");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");

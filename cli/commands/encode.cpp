@@ -16,7 +16,7 @@ namespace cli {
 
 namespace {
 
-struct Options {
+struct EncodeOptions {
     std::vector<std::string> paths = {"-"};
     WriteOptions write;
     uint32_t maxBody = SDP_MAX_BODY;
@@ -111,7 +111,7 @@ private:
     int status_ = kFine;
 };
 
-int run(const Options &options) {
+int runEncode(const EncodeOptions &options) {
     configure(options.write);
     SdpSetMaxBodySize(options.maxBody);
     Encoder encoder;
@@ -126,7 +126,7 @@ int run(const Options &options) {
     return encoder.status();
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kEncodeText = {
     "encode", "Write bodies from the JSON that decode prints.",
     R"(Several bodies are written with an empty line between them. What is written
 decodes to the same JSON, or is refused.
@@ -141,8 +141,9 @@ Exit status: 0, 1 when a document is no body, 2 when something cannot be read.)"
 } // namespace
 
 void addEncode(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    const auto options = std::make_shared<EncodeOptions>();
+    CLI::App &command =
+        addCommand(app, kEncodeText, [options, &status] { status = runEncode(*options); });
     addWords(command, "FILE", options->paths,
              "JSON documents, or folders of them; - is standard input");
     addWriteOptions(command, options->write);

@@ -16,7 +16,7 @@ namespace {
 
 using sdpline::ResultKind;
 
-struct Options {
+struct ExplainOptions {
     std::vector<std::string> questions;
     std::string fileBase = "0";
     bool list = false;
@@ -235,7 +235,7 @@ ExitStatus explain(const std::string &question, uint32_t base) {
     return explainNumbers(numbers, base) ? kFine : kRefused;
 }
 
-int run(const Options &options) {
+int runExplain(const ExplainOptions &options) {
     const std::string_view text = options.fileBase;
     const bool prefixed = isPrefixed(text);
     const std::optional<uint32_t> base =
@@ -255,8 +255,8 @@ int run(const Options &options) {
     return status;
 }
 
-constexpr CommandText kText = {"explain", "Say what result codes and names of checks mean.",
-                               R"(Examples:
+constexpr CommandText kExplainText = {"explain", "Say what result codes and names of checks mean.",
+                                      R"(Examples:
   sdpline explain 0x05035065
   sdpline explain ConnLastOctetRange
   sdpline explain 84103269 --file-base 0
@@ -268,12 +268,12 @@ neither a code nor a check.)"};
 } // namespace
 
 void addExplain(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] {
+    const auto options = std::make_shared<ExplainOptions>();
+    CLI::App &command = addCommand(app, kExplainText, [options, &status] {
         if (options->questions.empty() && !options->list) {
             requireOperand("CODE");
         }
-        status = run(*options);
+        status = runExplain(*options);
     });
     addWords(command, "CODE", options->questions,
              "Result codes, hexadecimal or decimal, or names of checks, doubts and repairs");

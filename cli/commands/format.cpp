@@ -9,12 +9,12 @@ namespace cli {
 
 namespace {
 
-struct Options {
+struct FormatOptions {
     DecodeOptions decode;
     WriteOptions write;
 };
 
-int run(const Options &options) {
+int runFormat(const FormatOptions &options) {
     configure(options.write);
     bool first = true;
     return forEachBody(options.decode, [&](const std::string & /*title*/, sdpline::Body &body) {
@@ -30,7 +30,7 @@ int run(const Options &options) {
     });
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kFormatText = {
     "format", "Decode bodies and write them back.",
     R"(Several bodies are written with an empty line between them. A body without a
 t= line gets "t=0 0".
@@ -45,8 +45,9 @@ Exit status: 0, 1 when a body is refused, 2 when something cannot be read.)"};
 } // namespace
 
 void addFormat(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    const auto options = std::make_shared<FormatOptions>();
+    CLI::App &command =
+        addCommand(app, kFormatText, [options, &status] { status = runFormat(*options); });
     addPaths(command, options->decode);
     addWriteOptions(command, options->write);
     addDecoderOptions(command, options->decode);

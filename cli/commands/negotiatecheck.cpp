@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-struct Options {
+struct NegotiateCheckOptions {
     std::vector<std::string> paths;
     std::string previous;
     DecodeOptions decode = negotiationOptions();
@@ -19,7 +19,7 @@ struct Options {
 
 // The place of a fault is that of the judged body's m= line, or of its first line where it has
 // none.
-int report(const Options &options, const Party &judged,
+int report(const NegotiateCheckOptions &options, const Party &judged,
            const std::vector<sdpline::Decision> &faults) {
     if (options.decode.json) {
         std::cout << dumped({{"good", faults.empty()}, {"faults", jsonOf(judged, faults)}});
@@ -31,7 +31,7 @@ int report(const Options &options, const Party &judged,
     return faults.empty() ? kFine : kRefused;
 }
 
-int run(const Options &options) {
+int runNegotiateCheck(const NegotiateCheckOptions &options) {
     const bool next = !options.previous.empty();
     if (options.paths.size() != (next ? 1u : 2u)) {
         requireOperand(next ? "NEXT" : "OFFER ANSWER");
@@ -47,7 +47,7 @@ int run(const Options &options) {
                        : sdpline::check(*first.get(), *second.get()));
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kNegotiateCheckText = {
     "negotiate-check", "Say what is wrong with an answer, or with a next offer.", R"(Examples:
   sdpline negotiate-check offer.sip answer.sip
   sdpline negotiate-check --previous offer.sdp next.sdp
@@ -57,8 +57,9 @@ Exit status: 0 when nothing is wrong, 1 when something is, 2 on trouble.)"};
 } // namespace
 
 void addNegotiateCheck(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    const auto options = std::make_shared<NegotiateCheckOptions>();
+    CLI::App &command = addCommand(app, kNegotiateCheckText,
+                                   [options, &status] { status = runNegotiateCheck(*options); });
     addWords(command, "BODIES", options->paths,
              "An offer and its answer; with --previous the description to judge");
     addWord(command, "--previous", options->previous, "BODY",

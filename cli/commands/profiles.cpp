@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-void printText() {
+void printProfiles() {
     std::cout << "profile  payload  name       clock rate  channels\n";
     for (const Profile &profile : profiles()) {
         const auto orDash = [](const std::optional<uint32_t> &value) {
@@ -25,7 +25,7 @@ void printText() {
     }
 }
 
-void printJson() {
+void printProfilesAsJson() {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const Profile &profile : profiles()) {
         nlohmann::ordered_json row = {{"profile", profile.number},
@@ -40,7 +40,7 @@ void printJson() {
     std::cout << dumped(list);
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kProfilesText = {
     "profiles", "Print the static RTP payload profiles.",
     R"(A profile is what an a=rtpmap line's name is recognised as; a payload type is
 given where RFC 3551 has one. L8, RED and VDVI have no fixed clock rate.
@@ -53,7 +53,8 @@ Examples:
 
 void addProfiles(CLI::App &app, int & /*status*/) {
     const auto json = std::make_shared<bool>(false);
-    CLI::App &command = addCommand(app, kText, [json] { *json ? printJson() : printText(); });
+    CLI::App &command =
+        addCommand(app, kProfilesText, [json] { *json ? printProfilesAsJson() : printProfiles(); });
     addFlag(command, "--json", *json, "Print one JSON document");
 }
 

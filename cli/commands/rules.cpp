@@ -29,7 +29,7 @@ std::string pageOf(const SDPTidyRule &rule) {
     return page;
 }
 
-void printText() {
+void printRules() {
     uint32_t set = 0;
     for (uint32_t number = 0; const SDPTidyRule *const rule = SdpTidyRuleAt(number); ++number) {
         if (rule->enSet != set) {
@@ -43,7 +43,7 @@ void printText() {
     }
 }
 
-void printJson() {
+void printRulesAsJson() {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (uint32_t number = 0; const SDPTidyRule *const rule = SdpTidyRuleAt(number); ++number) {
         list.push_back({{"name", rule->pcName},
@@ -58,8 +58,8 @@ void printJson() {
     std::cout << dumped(list);
 }
 
-constexpr CommandText kText = {"rules", "Print what tidy repairs and what check doubts.",
-                               R"(Examples:
+constexpr CommandText kRulesText = {"rules", "Print what tidy repairs and what check doubts.",
+                                    R"(Examples:
   sdpline rules
   sdpline rules --json | jq -r '.[] | select(.set == "optional").name'
 
@@ -69,9 +69,9 @@ Each has a section in the documents, with an example before and after.)"};
 
 void addRules(CLI::App &app, int &status) {
     const auto json = std::make_shared<bool>(false);
-    CLI::App &command = addCommand(app, kText, [json, &status] {
+    CLI::App &command = addCommand(app, kRulesText, [json, &status] {
         status = kFine;
-        *json ? printJson() : printText();
+        *json ? printRulesAsJson() : printRules();
     });
     addFlag(command, "--json", *json, "Print one JSON document");
 }

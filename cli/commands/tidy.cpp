@@ -25,7 +25,7 @@ using Json = nlohmann::ordered_json;
 constexpr int kRepaired = 1;
 constexpr int kStillRefused = 2;
 
-struct Options {
+struct TidyOptions {
     DecodeOptions decode;
     std::vector<std::string> rules;
     std::vector<std::string> without;
@@ -99,7 +99,7 @@ private:
 
 class Tidier {
 public:
-    Tidier(const Options &options, const sdpline::TidyRules &rules)
+    Tidier(const TidyOptions &options, const sdpline::TidyRules &rules)
         : options_(options), rules_(rules) {}
 
     void files(const std::vector<std::string> &paths) {
@@ -168,7 +168,7 @@ private:
 
     class CapturedBodies : public BodyUser {
     public:
-        CapturedBodies(const Options &options, Tidier &tidier)
+        CapturedBodies(const TidyOptions &options, Tidier &tidier)
             : BodyUser(options.decode, &tidier.redactor_), tidier_(tidier) {}
         void body(const Found &found) override { tidier_.body(found); }
 
@@ -295,7 +295,7 @@ private:
         }
     }
 
-    const Options &options_;
+    const TidyOptions &options_;
     sdpline::TidyRules rules_;
     Redactor redactor_;
     Json bodies_ = Json::array();
@@ -305,7 +305,7 @@ private:
 };
 
 // None, with a message, where a name is no repair.
-std::optional<sdpline::TidyRules> rulesOf(const Options &options) {
+std::optional<sdpline::TidyRules> rulesOf(const TidyOptions &options) {
     std::string unknown;
     const auto wanted = rulesNamed(options.rules, unknown);
     const auto unwanted = wanted ? rulesNamed(options.without, unknown) : std::nullopt;
@@ -326,7 +326,7 @@ std::optional<sdpline::TidyRules> rulesOf(const Options &options) {
     return rules;
 }
 
-int run(const Options &options) {
+int runTidy(const TidyOptions &options) {
     const std::optional<sdpline::TidyRules> rules = rulesOf(options);
     if (!rules) {
         return kUnusable;
@@ -342,7 +342,7 @@ int run(const Options &options) {
     return tidier.finish();
 }
 
-constexpr CommandText kText = {
+constexpr CommandText kTidyText = {
     "tidy", "Repair bodies that the decoder refuses, and tell every repair.",
     R"(Bodies that are accepted stay as they are, byte for byte. SIP messages stay
 messages; their Content-Length is corrected. With --redact, and of a capture, the
@@ -360,8 +360,9 @@ refused all the same or something cannot be used.)"};
 } // namespace
 
 void addTidy(CLI::App &app, int &status) {
-    const auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(app, kText, [options, &status] { status = run(*options); });
+    const auto options = std::make_shared<TidyOptions>();
+    CLI::App &command =
+        addCommand(app, kTidyText, [options, &status] { status = runTidy(*options); });
     addWords(command, "FILE", options->decode.paths,
              "SDP, SIP messages that carry it, or packet captures; - is standard input");
     addNames(command, "--rule", options->rules, "Make these repairs, and no others");

@@ -13,12 +13,13 @@ namespace cli {
 
 namespace {
 
-[[maybe_unused]] constexpr size_t kChunk = 128u << 10;
+[[maybe_unused]] constexpr size_t kUnpackedChunk = 128u << 10;
 
 // What the packed source holds, in parts.
 class [[maybe_unused]] Chunks {
 public:
-    explicit Chunks(std::unique_ptr<Source> source) : source_(std::move(source)), bytes_(kChunk) {}
+    explicit Chunks(std::unique_ptr<Source> source)
+        : source_(std::move(source)), bytes_(kUnpackedChunk) {}
 
     // The next part; 0 at the end.
     size_t fill() { return source_->read(bytes_.data(), bytes_.size()); }

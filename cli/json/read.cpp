@@ -16,7 +16,7 @@ namespace cli {
 
 namespace {
 
-using Json = nlohmann::json;
+using Value = nlohmann::json; // a document, or a part of one
 
 constexpr uint32_t kMost = std::numeric_limits<uint32_t>::max();
 
@@ -27,20 +27,20 @@ struct BadField : std::runtime_error {
 };
 
 // A value for a message: short, and of lists and objects the kind alone.
-std::string shown(const Json &value) {
+std::string excerptOf(const Value &value) {
     constexpr size_t kMostBytes = 40;
     if (value.is_structured()) {
         return value.is_array() ? "an array" : "an object";
     }
-    std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
+    std::string text = value.dump(-1, ' ', true, Value::error_handler_t::replace);
     if (text.size() > kMostBytes) {
         text.replace(kMostBytes - 4, std::string::npos, "...\"");
     }
     return text;
 }
 
-BadField unexpected(const std::string &path, const std::string &wanted, const Json &found) {
-    return {path, "expected " + wanted + ", found " + shown(found)};
+BadField unexpected(const std::string &path, const std::string &wanted, const Value &found) {
+    return {path, "expected " + wanted + ", found " + excerptOf(found)};
 }
 
 // "IP4" or "IP6"; of many words none.
@@ -61,7 +61,7 @@ std::string rangeText(uint32_t first, uint32_t last) {
     return "from " + std::to_string(first) + " to " + std::to_string(last);
 }
 
-uint32_t numberOf(const Json &value, const std::string &path, uint32_t first, uint32_t last) {
+uint32_t numberOf(const Value &value, const std::string &path, uint32_t first, uint32_t last) {
     const bool isNumber = value.is_number_integer() && (value.is_number_unsigned() || value >= 0);
     if (!isNumber || value.get<uint64_t>() < first || value.get<uint64_t>() > last) {
         throw unexpected(path, "a number " + rangeText(first, last), value);
@@ -86,7 +86,7 @@ std::string bytesOfHex(const std::string &hex, const std::string &path) {
     return bytes;
 }
 
-std::string bytesOf(const Json &value, const std::string &path) {
+std::string bytesOf(const Value &value, const std::string &path) {
     std::string bytes;
     if (value.is_string()) {
         bytes = value.get<std::string>();
@@ -141,7 +141,7 @@ private:
 // The object that a record is read from.
 class Input {
 public:
-    Input(const Json &json, std::string path, Memory &memory)
+    Input(const Value &json, std::string path, Memory &memory)
         : json_(json), path_(std::move(path)), memory_(memory) {
         if (!json.is_object()) {
             throw unexpected(path_, "an object", json);
@@ -149,7 +149,7 @@ public:
     }
 
     template <class Record>
-    static void read(const Json &json, const std::string &path, Memory &memory, Record &record) {
+    static void read(const Value &json, const std::string &path, Memory &memory, Record &record) {
         Input input(json, path, memory);
         fields(input, record);
         input.finish();
@@ -164,13 +164,13 @@ public:
 
     template <class Number>
     void reserved(const char *key, Number &value) {
-        const Json *const json = find(key);
+        const Value *const json = find(key);
         constexpr uint32_t most = std::numeric_limits<Number>::max();
         value = static_cast<Number>(json != nullptr ? numberOf(*json, pathOf(key), 0, most) : 0);
     }
 
     void given(const char *key, uint32_t &value) {
-        const Json *const json = find(key);
+        const Value *const json = find(key);
         value = json != nullptr ? numberOf(*json, pathOf(key), 0, kMost) : SDP_NOT_GIVEN;
     }
 
@@ -191,7 +191,7 @@ public:
             return nullptr;
         }
         auto *const list = memory_.make<SDPStringList>();
-        const Json &array = arrayAt(key, 0);
+        const Value &array = arrayAt(key, 0);
         list->ppstStrings = memory_.make<SipString *>(array.size());
         for (size_t i = 0; i < array.size(); ++i) {
             list->ppstStrings[i] = memory_.newText(bytesOf(array[i], pathOf(key, i)));
@@ -211,7 +211,7 @@ public:
 
     // {"code": 1, "word": "IN"}, 1 or "IN"
     void code(const char *key, uint32_t &value, const Codes &codes) {
-        const Json &json = needed(key);
+        const Value &json = needed(key);
         const std::string path = pathOf(key);
         if (json.is_string()) {
             value = codeOfWord(json, path, codes);
@@ -227,7 +227,7 @@ public:
     // The same, or {"code": 7, "other": "text"}, or "text" for that.
     SipString *codeOrText(const char *key, uint32_t &value, const Codes &codes, SipString * /*old*/,
                           uint32_t otherCode) {
-        const Json &json = needed(key);
+        const Value &json = needed(key);
         const std::string path = pathOf(key);
         SipString *other = nullptr;
         if (json.is_string() &&
@@ -268,7 +268,7 @@ public:
         if (isAbsentList(key)) {
             return;
         }
-        const Json &array = arrayAt(key, 0);
+        const Value &array = arrayAt(key, 0);
         if (array.size() > SDP_MAX_PAYLOADS) {
             throw BadField(pathOf(key), "expected at most " + std::to_string(SDP_MAX_PAYLOADS) +
                                             " payload numbers, found " +
@@ -298,7 +298,7 @@ public:
 
     template <class Record>
     Record **list(const char *key, uint32_t &count, Record ** /*old*/, size_t least) {
-        const Json &array = arrayAt(key, least);
+        const Value &array = arrayAt(key, least);
         auto **const records = memory_.make<Record *>(array.size());
         for (size_t i = 0; i < array.size(); ++i) {
             records[i] = memory_.make<Record>();
@@ -337,7 +337,7 @@ private:
     }
 
     // Null when it is absent.
-    const Json *find(const char *key) {
+    const Value *find(const char *key) {
         seen_.push_back(key);
         const auto found = json_.find(key);
         return found != json_.end() && !found->is_null() ? &*found : nullptr;
@@ -345,20 +345,20 @@ private:
 
     // An empty list is none.
     bool isAbsentList(const char *key) {
-        const Json *const json = find(key);
+        const Value *const json = find(key);
         return json == nullptr || (json->is_array() && json->empty());
     }
 
-    const Json &needed(const char *key) {
-        const Json *const json = find(key);
+    const Value &needed(const char *key) {
+        const Value *const json = find(key);
         if (json == nullptr) {
             throw BadField(pathOf(key), "missing");
         }
         return *json;
     }
 
-    const Json &arrayAt(const char *key, size_t least) {
-        const Json &array = needed(key);
+    const Value &arrayAt(const char *key, size_t least) {
+        const Value &array = needed(key);
         if (!array.is_array()) {
             throw unexpected(pathOf(key), "an array", array);
         }
@@ -368,7 +368,7 @@ private:
         return array;
     }
 
-    static uint32_t codeOfWord(const Json &word, const std::string &path, const Codes &codes) {
+    static uint32_t codeOfWord(const Value &word, const std::string &path, const Codes &codes) {
         const tables::KeywordRow *const known =
             word.is_string() ? tables::findByText(codes.words, word.get<std::string>()) : nullptr;
         if (known == nullptr) {
@@ -380,14 +380,14 @@ private:
     // Of the object {"code": 1, "word": "IN"}; the word may be missing, but not another one.
     uint32_t checkedCode(const Codes &codes) {
         const uint32_t value = numberOf(needed("code"), pathOf("code"), codes.first, codes.last);
-        const Json *const word = find("word");
+        const Value *const word = find("word");
         if (word != nullptr && codeOfWord(*word, pathOf("word"), codes) != value) {
             throw unexpected(pathOf("word"), "the word for code " + std::to_string(value), *word);
         }
         return value;
     }
 
-    const Json &json_;
+    const Value &json_;
     std::string path_;
     Memory &memory_;
     std::vector<const char *> seen_;
@@ -395,7 +395,7 @@ private:
 
 } // namespace
 
-std::optional<sdpline::Body> bodyOf(const Json &document, std::string &error) {
+std::optional<sdpline::Body> bodyOf(const Value &document, std::string &error) {
     SdpLine *line = nullptr;
     if (SdpLibCreateSdp(&line) != 0) {
         error = "no memory";

@@ -111,10 +111,10 @@ void writeH264(const Format &offered, const Format &ours, std::string_view side,
              << mode(ours);
         return;
     }
-    const bool sameByte = sameWord(profile(offered).substr(0, 2), profile(ours).substr(0, 2));
+    const bool sameByte = sameWord(firstBytes(profile(offered), 2), firstBytes(profile(ours), 2));
     const size_t digits = sameByte ? 4 : 2;
-    text << "offered H264 profile " << profile(offered).substr(0, digits) << ", " << side << " "
-         << profile(ours).substr(0, digits);
+    text << "offered H264 profile " << firstBytes(profile(offered), digits) << ", " << side << " "
+         << firstBytes(profile(ours), digits);
 }
 
 void writeParametersOf(const Format &format, Text &text) {

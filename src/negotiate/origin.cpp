@@ -20,7 +20,7 @@ void writeNext(std::string_view version, Text &text) {
     const size_t nines = rising < version.size() ? version.size() - rising - 1 : version.size();
     if (rising < version.size()) {
         const char digit = static_cast<char>(version[rising] + 1);
-        text << version.substr(0, rising) << std::string_view(&digit, 1);
+        text << firstBytes(version, rising) << std::string_view(&digit, 1);
     } else {
         text << "1";
     }

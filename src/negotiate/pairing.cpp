@@ -300,7 +300,7 @@ void writeApt(const Format &offered, const Format &ours, Text &text) {
     const std::string_view parameters = ours.parameters;
     const auto apt = parameter(parameters, "apt");
     const size_t begin = static_cast<size_t>(apt->data() - parameters.data());
-    text << parameters.substr(0, begin);
+    text << firstBytes(parameters, begin);
     eachReference(offered, [&](uint32_t number) { text << number; });
     text << after(parameters, begin + apt->size());
 }

@@ -29,7 +29,7 @@ bool takeNumber(std::string_view &text, uint32_t &number) {
 }
 
 std::string_view takeWord(std::string_view &text) {
-    const std::string_view word = text.substr(0, text.find(' '));
+    const std::string_view word = firstBytes(text, text.find(' '));
     text.remove_prefix(word.size());
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     return word;

@@ -37,11 +37,15 @@ inline AttributeSpan attributesOf(const SDPAttrList *list) {
     return {list->ppstAttrs, list->ulNoOfAttrs};
 }
 
-// The text without its first bytes, empty where it has no more. Unlike substr() it cannot throw,
-// and asks for nothing of the C++ run-time library.
+// The text without its first bytes, empty where it has no more. Unlike substr() these two cannot
+// throw, and ask for nothing of the C++ run-time library.
 constexpr std::string_view after(std::string_view text, size_t bytes) {
     const size_t begin = bytes < text.size() ? bytes : text.size();
     return {text.data() + begin, text.size() - begin};
+}
+// Its first bytes, or all of it where it has no more.
+constexpr std::string_view firstBytes(std::string_view text, size_t bytes) {
+    return {text.data(), bytes < text.size() ? bytes : text.size()};
 }
 
 constexpr char lower(char byte) {

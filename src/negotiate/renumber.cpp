@@ -125,9 +125,9 @@ private:
     void references(const Format &format, Text &text) {
         const std::string_view all = format.parameters;
         const std::string_view list =
-            format.role == Role::Rtx ? parameter(all, "apt").value_or(all.substr(0, 0)) : all;
+            format.role == Role::Rtx ? parameter(all, "apt").value_or(firstBytes(all, 0)) : all;
         const auto begin = static_cast<size_t>(list.data() - all.data());
-        text << " " << all.substr(0, begin);
+        text << " " << firstBytes(all, begin);
         std::string_view rest = list;
         uint32_t number = 0;
         while (takeNumber(rest, number)) {

@@ -9,7 +9,7 @@ bool isDtls(const SDPMediaDesc &media) {
 }
 bool isTcp(const SDPMediaDesc &media) {
     return protocolIs(media, SDP_PROTO_TCP,
-                      [](std::string_view word) { return sameWord(word.substr(0, 3), "TCP"); });
+                      [](std::string_view word) { return sameWord(firstBytes(word, 3), "TCP"); });
 }
 bool isSavp(const SDPMediaDesc &media) {
     return protocolIs(media, SDP_PROTO_RTP_SAVP, [](std::string_view word) {
@@ -27,7 +27,8 @@ bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool av
     if (sameWord(theirs, own)) {
         return true;
     }
-    return avpForAvpf && hasFeedback(offered) && sameWord(theirs.substr(0, theirs.size() - 1), own);
+    return avpForAvpf && hasFeedback(offered) &&
+           sameWord(firstBytes(theirs, theirs.size() - 1), own);
 }
 
 // ---- a=setup

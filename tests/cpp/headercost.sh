@@ -11,10 +11,11 @@ trap 'rm -rf "$scratch"' EXIT
 echo '#include <sdpline/sdpline.hpp>' >"$scratch/header.cpp"
 compile=("$2" -std=c++20 -fsyntax-only -I "$1/include" "$scratch/header.cpp")
 
-TIMEFORMAT=%U
-best=$(for _ in 1 2 3; do { time "${compile[@]}"; } 2>&1; done | sort -n | sed -n 1p)
-memory=$("${compile[@]}" -ftime-report 2>&1 | sed -n 's/^ TOTAL .* \([0-9]*\)M$/\1/p')
-echo "sdpline.hpp: $best s of user time, $memory MB"
+# TOTAL: user, system and wall time, memory.
+total=$("${compile[@]}" -ftime-report 2>&1 | grep '^ TOTAL ')
+time=$(sed 's/^ TOTAL *: *\([0-9.]*\) .*/\1/' <<<"$total")
+memory=$(sed 's/.* \([0-9]*\)M$/\1/' <<<"$total")
+echo "sdpline.hpp: $time s of user time, $memory MB"
 if [ -z "$memory" ] || [ "$memory" -gt "$limit" ]; then
   echo "headercost: more than $limit MB" >&2
   exit 1

@@ -33,8 +33,13 @@ try() { # PROGRAM
   esac
 }
 
+# What was built in this folder against the same prefix is kept as far as nothing changed there: an
+# archive that was installed again is linked again, and nothing is compiled again.
+built=$(cat "$work/prefix" 2>/dev/null || true)
+[ "$built" = "$prefix" ] || rm -rf "$work/cmake" "$work"/*.o
+echo "$prefix" >"$work/prefix"
+
 # By CMake
-rm -rf "$work/cmake"
 cmake -S "$examples" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" \
   -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF >/dev/null
 grep -q "^sdpline_DIR:PATH=$libraries/cmake/sdpline\$" "$work/cmake/CMakeCache.txt" ||
@@ -46,13 +51,19 @@ try "$work/cmake/answer_cpp"
 
 # By pkg-config
 export PKG_CONFIG_PATH=$modules LD_LIBRARY_PATH=$libraries
-# shellcheck disable=SC2046,SC2086 # flags are words
-{
-  "$cc" -std=c11 $flags "$examples/answer.c" $(pkg-config $static --cflags --libs sdpline-negotiate) \
-    -o "$work/answer_c"
-  "$cxx" -std=c++20 $flags "$examples/answer.cpp" $(pkg-config $static --cflags --libs sdpline-negotiate) \
-    -o "$work/answer_cpp"
+build() { # LANGUAGE COMPILER STANDARD
+  local object=$work/answer.$1.o changed=here
+  [ ! -e "$object" ] || changed=$(find "$prefix/include" -newer "$object")
+  # shellcheck disable=SC2046,SC2086 # flags are words
+  {
+    [ -z "$changed" ] ||
+      "$2" "-std=$3" $flags $(pkg-config --cflags sdpline-negotiate) -c "$examples/answer.$1" \
+        -o "$object"
+    "$2" "$object" $(pkg-config $static --libs sdpline-negotiate) -o "$work/answer_$1"
+  }
 }
+build c "$cc" c11
+build cpp "$cxx" c++20
 try "$work/answer_c"
 try "$work/answer_cpp"
 echo "consumers: built and run against $prefix"

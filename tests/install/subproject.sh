@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# A project that takes these sources as a part of its own: what it decides is left to it.
+# A project that takes these sources as a part of its own: what it decides is left to it. Then the
+# static libraries that it installs, with those who use them.
 # usage: subproject.sh SOURCE_DIR CC CXX
 set -euo pipefail
 source=$1 cc=$2 cxx=$3
@@ -57,11 +58,52 @@ cmake --build "$work/static" >"$work/log" || fail "$(grep -m 5 -E 'error|FAILED'
 [ "$(installed static)" -gt 20 ] || fail "SDPLINE_INSTALL=ON installs too little"
 [ -e "$(find "$work/static.prefix" -name libsdpline.a)" ] || fail "libsdpline.a is not installed"
 
+# ---- The installed static libraries
+prefix=$work/static.prefix
+archive=$(find "$prefix" -name libsdpline.a)
+consumers() {
+  "$source/tests/install/consumers.sh" "$source/examples" "$prefix" "$work/consumers" "$cc" "$cxx" \
+    --static
+}
+consumers
+
+# The archive keeps the lexer's short names to itself when it is told so, and a program with functions
+# of the same names links with it.
+mark() { nm "$archive" 2>&1 | awk '$3 == "mark" { print $2 }' | sort -u; }
+[[ $(mark) = *T* ]] || fail "sdpinternals.h declares names that the archive does not have"
+cmake -DSDPLINE_LOCAL_NAMES=ON "$work/static" >/dev/null
+cmake --build "$work/static" >/dev/null
+cmake --install "$work/static" --prefix "$prefix" >/dev/null
+[ "$(mark)" = t ] || fail "SDPLINE_LOCAL_NAMES leaves mark for everybody"
+"$cc" -std=c11 -I"$prefix/include" "$source/tests/link/same_names.c" "$archive" \
+  "$(find "$prefix" -name libsipcore.a)" -o "$work/same_names" 2>"$work/log" ||
+  fail "same_names does not link: $(cat "$work/log")"
+"$work/same_names"
+consumers
+
+# A project that knows no C++ links them as well.
+mkdir "$work/c"
+cat >"$work/c/CMakeLists.txt" <<TEXT
+cmake_minimum_required(VERSION 3.25)
+project(c LANGUAGES C)
+find_package(sdpline 1.0 CONFIG REQUIRED)
+add_executable(answer $source/examples/answer.c)
+target_link_libraries(answer PRIVATE sdpline::negotiate)
+TEXT
+cmake -S "$work/c" -B "$work/c/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+  -DCMAKE_C_COMPILER="$cc" >/dev/null
+cmake --build "$work/c/build" >/dev/null
+"$work/c/build/answer" <"$source/examples/offer.sdp" | tr -d '\r' | diff "$source/examples/answer.sdp" -
+
+# ---- Other decisions
 configure shared -DBUILD_SHARED_LIBS=ON
 ninja -C "$work/shared" -t targets all >"$work/targets"
 grep -q 'libsdpline\.so' "$work/targets" ||
   fail "BUILD_SHARED_LIBS=ON gives no shared library"
 grep -q '^sdpline_program' "$work/targets" && fail "the program is built"
+configure forced -DBUILD_SHARED_LIBS=ON -DSDPLINE_STATIC=ON
+ninja -C "$work/forced" -t targets all >"$work/targets"
+grep -q 'libsdpline\.so' "$work/targets" && fail "SDPLINE_STATIC=ON gives a shared library"
 configure plain
 [ "$(installed plain)" -eq 0 ] || fail "files are installed without being asked for"
 echo "subproject: what the parent decides is left to it"

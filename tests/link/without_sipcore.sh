@@ -5,9 +5,10 @@
 set -euo pipefail
 source=$1 work=$2 cc=$3 cxx=$4
 
-cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_UNITY_BUILD=ON \
+cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+  -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
   -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" -DSDPLINE_SIPCORE=OFF \
-  -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF >/dev/null
+  -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF >/dev/null
 cmake --build "$work" -j2 >/dev/null
 library=$work/src/libsdpline.so
 
