@@ -129,10 +129,22 @@ private:
             line->end = lineEnd;
             line->number = number;
             line->key = key;
+            clearRest(*line);
         }
         count_ += static_cast<uint32_t>(line - next_);
         cutter_ = cutter;
         next_ = line;
+    }
+
+    // What a line has from other passes, each for itself: a line that was built elsewhere and
+    // copied would be waited for.
+    static void clearRest(Line &line) {
+        line.next = nullptr;
+        line.extra = nullptr;
+        line.newNumber = 0;
+        line.rank = 0;
+        line.aside = false;
+        line.deferred = false;
     }
 
     // False for the line that ends the description.
@@ -154,8 +166,8 @@ private:
 
     Line &next() {
         Line &line = *next_++;
-        line.original = cutter_.next(line.end); // the rest is zero, as memory comes
-        line.text = line.original;
+        line.text = line.original = cutter_.next(line.end);
+        clearRest(line);
         line.number = ++count_;
         line.key = keyOf(line.original);
         if (kBreak == '\r' && !line.end.empty()) {

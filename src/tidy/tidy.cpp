@@ -1,5 +1,6 @@
 // SdpTidyText: the decoder, the passes over the lines where it refuses, and the decoder again.
 #include <algorithm>
+#include <cstddef>
 
 #include "tidy/decode.hpp"
 #include "tidy/values.hpp"
@@ -8,15 +9,10 @@ namespace sdpline::tidy {
 
 namespace {
 
-// Of the block: its size, in which lines of the usual length, the rows and the repaired text are,
-// and what it grows by.
+// For lines of the usual length and the rows of a text of about 1 KB. A longer one has a block.
+constexpr size_t kBuffer = 8192;
 constexpr uint32_t kBlockTimes = 7;
 constexpr uint32_t kBlockMore = 1536;
-constexpr uint32_t kBlockNext = 4096;
-
-uint32_t blockSize(const Request &request) {
-    return kBlockTimes * request.text.ulLen + kBlockMore;
-}
 
 // ---- The repaired text
 
@@ -62,6 +58,7 @@ std::string_view textOf(Workspace &work, LineList &lines, uint32_t limit) {
         const uint32_t count = countCr(work, lines);
         withoutCr = count != 0 && size - count <= limit;
     }
+    work.memory.leaveBuffer(size + (work.foundCount() + 2) * sizeof(SDPTidyRow));
     Draft draft(work.memory, size);
     uint32_t number = 0;
     for (Line *line = lines.first; line != nullptr; line = line->next) {
@@ -159,10 +156,13 @@ SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure 
 
 class Tidying {
 public:
-    Tidying(const Request &request, SDPTidyReport &report, SDPMemCp *memCp)
-        : request_(request), report_(report), work_(memCp, blockSize(request), viewOf(request.text),
-                                                    request.rules, request.decode.bRtpFamily == 1) {
-    }
+    Tidying(const Request &request, SDPTidyReport &report)
+        : request_(request), report_(report),
+          work_(buffer_, kBlockTimes * request.text.ulLen + kBlockMore, viewOf(request.text),
+                request.rules, request.decode.bRtpFamily == 1) {}
+
+    // Of the rows and the repaired text; null where neither was made.
+    SDPMemCp *block() const { return work_.memory.block(); }
 
     // The decoder's result for the repaired text, or that nothing could be repaired.
     SDPResult run() {
@@ -209,15 +209,14 @@ private:
 
     const Request &request_;
     SDPTidyReport &report_;
+    alignas(std::max_align_t) char buffer_[kBuffer]; // without a value
     Workspace work_;
 };
 
 SDPResult repair(const Request &request, SDPTidyReport &report) {
-    SDPMemCp *memCp = nullptr;
-    if (SipMmCreateBufMem(blockSize(request), kBlockNext, &memCp) != 0) {
-        return SDP_TIDY_NO_MEMORY;
-    }
-    const SDPResult result = Tidying(request, report, memCp).run();
+    Tidying tidying(request, report);
+    const SDPResult result = tidying.run();
+    SDPMemCp *memCp = tidying.block();
     if (report.pstRows != nullptr) {
         report.pstMemCp = memCp;
     } else {

@@ -14,6 +14,9 @@ constexpr uint32_t kNextAllocation = 4096;
 void Memory::grow(size_t size) {
     const auto request = static_cast<uint32_t>(std::max(size, size_t{next_}));
     next_ = kNextAllocation;
+    if (memCp_ == nullptr && !failed_) {
+        failed_ = SipMmCreateBufMem(request, kNextAllocation, &memCp_) != 0;
+    }
     free_ = failed_ ? nullptr : static_cast<char *>(memCp_->pfnAlloc(memCp_, request));
     failed_ = free_ == nullptr;
     left_ = failed_ ? 0 : request;

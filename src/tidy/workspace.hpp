@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string_view>
 
 #include "tidy/rules.hpp"
@@ -66,6 +67,9 @@ class Memory {
 public:
     // `first` is the size of the first allocation, which most texts need no more than.
     Memory(SDPMemCp *memCp, uint32_t first) : memCp_(memCp), next_(first) {}
+    // A buffer comes first, and a block of its own when that is used up.
+    Memory(std::span<char> buffer, uint32_t first)
+        : next_(first), free_(buffer.data()), left_(buffer.size()) {}
 
     void *take(size_t size) {
         size = (size + 7) & ~size_t{7};
@@ -84,10 +88,20 @@ public:
     }
     bool hasFailed() const { return failed_; }
 
+    // What is taken from here on is in the block, of which `size` bytes are enough for it.
+    void leaveBuffer(size_t size) {
+        if (memCp_ == nullptr) {
+            next_ = static_cast<uint32_t>(size);
+            left_ = 0;
+        }
+    }
+    // Null as long as the buffer did.
+    SDPMemCp *block() const { return memCp_; }
+
 private:
     void grow(size_t size);
 
-    SDPMemCp *memCp_;
+    SDPMemCp *memCp_ = nullptr;
     uint32_t next_;
     char *free_ = nullptr;
     size_t left_ = 0;
@@ -135,9 +149,9 @@ std::string_view decimal(Memory &memory, uint32_t number);
 class Workspace {
 public:
     // `size` is that of the first allocation.
-    Workspace(SDPMemCp *memCp, uint32_t size, std::string_view given, uint64_t rules,
+    Workspace(std::span<char> buffer, uint32_t size, std::string_view given, uint64_t rules,
               bool rtpFamily)
-        : memory(memCp, size), text(given), rules_(rules), rtpFamily_(rtpFamily) {}
+        : memory(buffer, size), text(given), rules_(rules), rtpFamily_(rtpFamily) {}
 
     Memory memory;
     const std::string_view text;
