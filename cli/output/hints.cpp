@@ -5,6 +5,7 @@
 
 #include "output/escape.hpp"
 #include "output/text.hpp"
+#include "sdpline/cpp/detail/keywords.hpp"
 
 namespace cli {
 
@@ -36,8 +37,9 @@ bool isAvpf(std::string_view line) {
     return thirdWord(line) == "RTP/AVPF";
 }
 
+// One of those that --rtp-family makes lists of payload numbers of.
 bool isRtp(std::string_view line) {
-    return thirdWord(line).find("RTP/") != std::string_view::npos;
+    return sdpline::tables::endsInRtpProfile(thirdWord(line));
 }
 
 // "c=IN IP4 pc.example.com": letters in the address.

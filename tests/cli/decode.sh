@@ -59,6 +59,10 @@ browser.sdp:5:32: unexpected text after the format: this protocol takes one form
   hint: --rtp-family takes several payload numbers with every protocol of RTP
 TEXT
 expect "payload numbers of an unknown protocol" 1 nothing family -- "$program" decode browser.sdp
+sed 's/RTP\/SAVPF/RTP\/XAVP/' browser.sdp >unknown.sdp
+sed '/hint/d; s/browser.sdp:5:32/unknown.sdp:5:31/' family >unknown
+expect "no hint for a protocol that is none of RTP" 1 nothing unknown -- \
+  "$program" decode --rtp-family unknown.sdp
 expect "--rtp-family" 0 '~proto "UDP/TLS/RTP/SAVPF" payloads 111 0 .PCMU.$' nothing -- \
   "$program" decode --rtp-family browser.sdp
 "$program" format --rtp-family browser.sdp >formatted
