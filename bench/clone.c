@@ -5,118 +5,114 @@
 
 #include "sdpline/sdpline.h"
 
-static int good; /* so far */
+/* Each function returns 0 without memory; what was made until then goes with the block. */
 
 static void *take(SDPMemCp *block, size_t size) {
-    void *memory = good ? block->pfnAlloc(block, (uint32_t)size) : NULL;
-    good = memory != NULL;
-    return memory;
+    return block->pfnAlloc(block, (uint32_t)size);
 }
 
-static void copyLine(SDPMemCp *block, uint32_t type, const void *from, void *to) {
-    good = good && SdpCopyLine(block, type, from, to) == 0;
+static int copyLine(SDPMemCp *block, uint32_t type, const void *from, void *to) {
+    return SdpCopyLine(block, type, from, to) == 0;
 }
 
-static void *clone(SDPMemCp *block, uint32_t type, const void *from) {
+/* The pointer's place is given as a void *: records are packed, and it may lie unaligned. */
+static int cloneLine(SDPMemCp *block, uint32_t type, const void *from, void *to) {
     void *made = NULL;
-    if (from != NULL) {
-        good = good && SdpCloneLine(block, type, from, &made) == 0;
-    }
-    return made;
-}
-
-/* A list of lines of one type: a count and an array of pointers. */
-typedef struct Lines {
-    uint32_t count;
-    void **items;
-} Lines;
-
-static Lines cloneLines(SDPMemCp *block, uint32_t type, uint32_t count, void *from) {
-    void *const *sources = from;
-    Lines lines = {count, NULL};
-    if (sources == NULL) {
-        return lines;
-    }
-    lines.items = take(block, count * sizeof *lines.items);
-    for (uint32_t i = 0; good && i < count; ++i) {
-        lines.items[i] = clone(block, type, sources[i]);
-    }
-    return lines;
-}
-
-static SDPStringList *cloneTexts(SDPMemCp *block, uint32_t type, const SDPStringList *from) {
-    SDPStringList *to = from != NULL ? take(block, sizeof *to) : NULL;
-    if (to != NULL) {
-        const Lines lines = cloneLines(block, type, from->ulNoOfStrings, from->ppstStrings);
-        to->ulNoOfStrings = lines.count;
-        to->ppstStrings = (SipString **)lines.items;
-    }
-    return to;
-}
-
-static SDPAttrList *cloneAttributes(SDPMemCp *block, const SDPAttrList *from) {
-    SDPAttrList *to = from != NULL ? take(block, sizeof *to) : NULL;
-    if (to != NULL) {
-        const Lines lines =
-            cloneLines(block, SDP_LINE_ATTRIBUTE, from->ulNoOfAttrs, from->ppstAttrs);
-        to->ulNoOfAttrs = lines.count;
-        to->ppstAttrs = (SDPAttr **)lines.items;
-    }
-    return to;
-}
-
-static SDPMediaDesc *cloneMedia(SDPMemCp *block, const SDPMediaDesc *from) {
-    SDPMediaDesc *to = take(block, sizeof *to);
-    if (to != NULL) {
-        copyLine(block, SDP_LINE_MEDIA, &from->stMediaField, &to->stMediaField);
-        to->pstrMediaInfo = clone(block, SDP_LINE_INFO, from->pstrMediaInfo);
-        to->pstConnection = clone(block, SDP_LINE_CONNECTION, from->pstConnection);
-        to->pstBandwidthList = cloneTexts(block, SDP_LINE_BANDWIDTH, from->pstBandwidthList);
-        to->pstKey = clone(block, SDP_LINE_KEY, from->pstKey);
-        to->pstAttrList = cloneAttributes(block, from->pstAttrList);
-    }
-    return to;
-}
-
-static void cloneLists(const SdpLine *from, SdpLine *to) {
-    SDPMemCp *block = to->pstMemCp;
-    const SDPTimeSet *times = &from->stTimeSet;
-    const SDPMediaSet *media = &from->stMediaSet;
-    const Lines timeLines =
-        cloneLines(block, SDP_LINE_TIME, times->ulNoOfTimeFields, times->ppstTimeFields);
-    to->stTimeSet.ulNoOfTimeFields = timeLines.count;
-    to->stTimeSet.ppstTimeFields = (SDPTimeField **)timeLines.items;
-    to->pstAttrList = cloneAttributes(block, from->pstAttrList);
-    to->stMediaSet.ulNoOfMediaDescs = media->ulNoOfMediaDescs;
-    SDPMediaDesc **items =
-        media->ppstMediaDescs != NULL ? take(block, media->ulNoOfMediaDescs * sizeof *items) : NULL;
-    to->stMediaSet.ppstMediaDescs = items;
-    for (uint32_t i = 0; good && items != NULL && i < media->ulNoOfMediaDescs; ++i) {
-        items[i] = cloneMedia(block, media->ppstMediaDescs[i]);
-    }
-}
-
-int cloneByC(const SdpLine *from) {
-    SdpLine *to = NULL;
-    good = SdpLibCreateSdp(&to) == 0;
-    if (!good) {
+    if (from != NULL && SdpCloneLine(block, type, from, &made) != 0) {
         return 0;
     }
+    memcpy(to, &made, sizeof made);
+    return 1;
+}
+
+/* An array of lines of one type, which a decode never leaves a slot of empty. */
+static int cloneLines(SDPMemCp *block, uint32_t type, uint32_t count, void *from, void *to) {
+    void *const *sources = from;
+    void **lines = sources != NULL ? take(block, count * sizeof *lines) : NULL;
+    if (sources != NULL && lines == NULL) {
+        return 0;
+    }
+    for (uint32_t i = 0; sources != NULL && i < count; ++i) {
+        if (SdpCloneLine(block, type, sources[i], &lines[i]) != 0) {
+            return 0;
+        }
+    }
+    memcpy(to, &lines, sizeof lines);
+    return 1;
+}
+
+static int cloneTexts(SDPMemCp *block, uint32_t type, const SDPStringList *from, void *to) {
+    SDPStringList *list = from != NULL ? take(block, sizeof *list) : NULL;
+    memcpy(to, &list, sizeof list);
+    if (list == NULL) {
+        return from == NULL;
+    }
+    list->ulNoOfStrings = from->ulNoOfStrings;
+    return cloneLines(block, type, from->ulNoOfStrings, from->ppstStrings, &list->ppstStrings);
+}
+
+static int cloneAttributes(SDPMemCp *block, const SDPAttrList *from, void *to) {
+    SDPAttrList *list = from != NULL ? take(block, sizeof *list) : NULL;
+    memcpy(to, &list, sizeof list);
+    if (list == NULL) {
+        return from == NULL;
+    }
+    list->ulNoOfAttrs = from->ulNoOfAttrs;
+    return cloneLines(block, SDP_LINE_ATTRIBUTE, from->ulNoOfAttrs, from->ppstAttrs,
+                      &list->ppstAttrs);
+}
+
+static int cloneMedia(SDPMemCp *block, const SDPMediaDesc *from, SDPMediaDesc *to) {
+    return copyLine(block, SDP_LINE_MEDIA, &from->stMediaField, &to->stMediaField) &&
+           cloneLine(block, SDP_LINE_INFO, from->pstrMediaInfo, &to->pstrMediaInfo) &&
+           cloneLine(block, SDP_LINE_CONNECTION, from->pstConnection, &to->pstConnection) &&
+           cloneTexts(block, SDP_LINE_BANDWIDTH, from->pstBandwidthList, &to->pstBandwidthList) &&
+           cloneLine(block, SDP_LINE_KEY, from->pstKey, &to->pstKey) &&
+           cloneAttributes(block, from->pstAttrList, &to->pstAttrList);
+}
+
+static int cloneMediaSet(SDPMemCp *block, const SDPMediaSet *from, SDPMediaSet *to) {
+    const uint32_t count = from->ppstMediaDescs != NULL ? from->ulNoOfMediaDescs : 0;
+    SDPMediaDesc **media = count != 0 ? take(block, count * sizeof *media) : NULL;
+    if (count != 0 && media == NULL) {
+        return 0;
+    }
+    for (uint32_t i = 0; i < count; ++i) {
+        media[i] = take(block, sizeof *media[i]);
+        if (media[i] == NULL || !cloneMedia(block, from->ppstMediaDescs[i], media[i])) {
+            return 0;
+        }
+    }
+    to->ulNoOfMediaDescs = count;
+    to->ppstMediaDescs = media;
+    return 1;
+}
+
+static int cloneSession(const SdpLine *from, SdpLine *to) {
     SDPMemCp *block = to->pstMemCp;
     memset(to, 0, sizeof *to); /* a memory service need not clear what it gives */
     to->pstMemCp = block;
     to->ulProtoVersion = from->ulProtoVersion;
-    copyLine(block, SDP_LINE_ORIGIN, &from->stOrigin, &to->stOrigin);
-    copyLine(block, SDP_LINE_NAME, &from->strSessionName, &to->strSessionName);
-    to->pstrSessionInfo = clone(block, SDP_LINE_INFO, from->pstrSessionInfo);
-    to->pstrUri = clone(block, SDP_LINE_URI, from->pstrUri);
-    to->pstEmailList = cloneTexts(block, SDP_LINE_EMAIL, from->pstEmailList);
-    to->pstPhoneList = cloneTexts(block, SDP_LINE_PHONE, from->pstPhoneList);
-    to->pstConnection = clone(block, SDP_LINE_CONNECTION, from->pstConnection);
-    to->pstBandwidthList = cloneTexts(block, SDP_LINE_BANDWIDTH, from->pstBandwidthList);
-    to->pstrTimeZone = clone(block, SDP_LINE_ZONE, from->pstrTimeZone);
-    to->pstKey = clone(block, SDP_LINE_KEY, from->pstKey);
-    cloneLists(from, to);
+    to->stTimeSet.ulNoOfTimeFields = from->stTimeSet.ulNoOfTimeFields;
+    return copyLine(block, SDP_LINE_ORIGIN, &from->stOrigin, &to->stOrigin) &&
+           copyLine(block, SDP_LINE_NAME, &from->strSessionName, &to->strSessionName) &&
+           cloneLine(block, SDP_LINE_INFO, from->pstrSessionInfo, &to->pstrSessionInfo) &&
+           cloneLine(block, SDP_LINE_URI, from->pstrUri, &to->pstrUri) &&
+           cloneTexts(block, SDP_LINE_EMAIL, from->pstEmailList, &to->pstEmailList) &&
+           cloneTexts(block, SDP_LINE_PHONE, from->pstPhoneList, &to->pstPhoneList) &&
+           cloneLine(block, SDP_LINE_CONNECTION, from->pstConnection, &to->pstConnection) &&
+           cloneTexts(block, SDP_LINE_BANDWIDTH, from->pstBandwidthList, &to->pstBandwidthList) &&
+           cloneLines(block, SDP_LINE_TIME, from->stTimeSet.ulNoOfTimeFields,
+                      from->stTimeSet.ppstTimeFields, &to->stTimeSet.ppstTimeFields) &&
+           cloneLine(block, SDP_LINE_ZONE, from->pstrTimeZone, &to->pstrTimeZone) &&
+           cloneLine(block, SDP_LINE_KEY, from->pstKey, &to->pstKey) &&
+           cloneAttributes(block, from->pstAttrList, &to->pstAttrList) &&
+           cloneMediaSet(block, &from->stMediaSet, &to->stMediaSet);
+}
+
+int cloneByC(const SdpLine *from) {
+    SdpLine *to = NULL;
+    const int done = SdpLibCreateSdp(&to) == 0 && cloneSession(from, to);
     SdpLibReleaseSdp(&to);
-    return good;
+    return done;
 }

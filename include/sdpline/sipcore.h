@@ -72,10 +72,12 @@ typedef struct SipRefString SipRefString;       /* immutable counted text, relea
 /* ---- Memory blocks -------------------------------------------------------------------------- */
 
 /*
- * Makes a block whose first chunk holds ulFirstSize bytes and whose further chunks hold
- * ulNextSize bytes, or one larger request each; both are at most 1 GiB. Memory comes back zeroed
- * and aligned to 8 bytes. What pfnFree gets back is handed out again by the same block, so a list
- * that grows slot by slot costs a small multiple of its size. *ppstMemCp is null after a failure.
+ * Makes a block whose first chunk holds at least ulFirstSize bytes and whose further chunks hold at
+ * least ulNextSize bytes, or one larger request each; both are at most 1 GiB. The first chunk has
+ * room for a body of one stream, and chunks below a kilobyte grow with the block. Memory comes back
+ * zeroed and aligned to 8 bytes. What pfnFree gets back is handed out again by the same block, so a
+ * list that grows slot by slot costs a small multiple of its size. *ppstMemCp is null after a
+ * failure.
  * Debug builds abort when pfnFree gets a pointer that is not in use.
  */
 SIPCORE_API uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize,

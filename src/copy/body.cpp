@@ -15,7 +15,7 @@ SDPResult SdpLibCloneSdp(const SdpLine *pstSdpLine, SdpLine **ppstClone) {
         return result;
     }
     SDPMemCp *const control = line->pstMemCp;
-    RecordCopier copier{CopyMemory(*control)};
+    RecordCopier<CopyMemory> copier{CopyMemory(*control)};
     copier.copy(*pstSdpLine, *line);
     line->pstMemCp = control;
     if (copier.failed()) {

@@ -1,7 +1,10 @@
 // Copy, clone, clear and free of one line, chosen by its kind. The stack's generic services do the
 // work by the table of lines; m= lines and attributes, which the descriptors do not cover, are
-// done in media.cpp and attribute.cpp. Where those services are libsipcore's, lines are
-// copied in place of them.
+// done in media.cpp and attribute.cpp.
+//
+// Where those services and the memory are libsipcore's, most lines are copied in place of them, as
+// long as all of a line fits into what the block has left. What does not is cloned with the
+// requests that the services would make.
 #include "checks/checks.hpp"
 #include "copy/records.hpp"
 #include "sdpline/sdpcopy.h"
@@ -11,40 +14,53 @@ using namespace sdpline;
 
 namespace {
 
-enum class Target : uint8_t { New, Callers };
+// ---- What a service refuses, or copies in its way, and what is too rare to be done in place
 
-template <class Record>
-void copyRecord(RecordCopier &copier, const void *source, void *target) {
-    copier.copy(*static_cast<const Record *>(source), *static_cast<Record *>(target));
+const SDPPreconditionS &preconditionOf(const SDPAttr &attribute) {
+    return attribute.unAttrValue.stRsrcMgmtStatus.stPrecondition;
+}
+
+bool isUnusual(const SipString &) {
+    return false;
 }
 
 // A precondition keeps a text beside a code that does not use it: the caller's, as it is.
 bool isUnusual(const SDPAttr &attribute) {
-    const SDPPreconditionS &type = attribute.unAttrValue.stRsrcMgmtStatus.stPrecondition;
-    return attribute.ulAttrType - SDP_ATTR_DES <= SDP_ATTR_CONF - SDP_ATTR_DES &&
+    const SDPPreconditionS &type = preconditionOf(attribute);
+    return layoutOf(attribute).pointer == Pointer::Precondition &&
            type.enPreconditionType != SDP_PRECONDITION_OTHER &&
            type.pstrOtherPrecondition != nullptr;
 }
 
-// Whether a service refuses to copy the line, or copies it in its way.
-bool isUnusual(uint32_t type, const void *source) {
-    if (type == SDP_LINE_ATTRIBUTE) {
-        return isUnusual(*static_cast<const SDPAttr *>(source));
-    }
-    if (type == SDP_LINE_CONNECTION) {
-        const SDPTptAddr &address = static_cast<const SDPConnection *>(source)->stTptAddr;
-        return address.enTptAddrType > SDP_TPTADDR_IPV6;
-    }
-    if (type == SDP_LINE_MEDIA) {
-        const SDPMediaFmt &format = static_cast<const SDPMediaField *>(source)->stMediaFmt;
-        return format.enFmtType != SDP_FMT_OTHER &&
-               format.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads > SDP_MAX_PAYLOADS;
-    }
-    return false;
+bool isUnusual(const SDPConnection &connection) {
+    return connection.stNetType.enNetType == SDP_NETTYPE_OTHER ||
+           connection.stAddrType.enAddrType == SDP_ADDRTYPE_OTHER ||
+           connection.stTptAddr.enTptAddrType > SDP_TPTADDR_IPV6;
+}
+
+bool isUnusual(const SDPOrigin &origin) {
+    return origin.stNetType.enNetType == SDP_NETTYPE_OTHER ||
+           origin.stAddrType.enAddrType == SDP_ADDRTYPE_OTHER;
+}
+
+bool isUnusual(const SDPMediaField &) {
+    return false; // more payload numbers than there may be are a failure of the copier
+}
+
+bool isUnusual(const SDPTimeField &time) {
+    return time.pstRepeatFieldSet != nullptr;
+}
+
+// ---- Copies in place
+
+template <class Copier, class Record>
+SDPLINE_INLINE void copyRecord(Copier &copier, const Record &source, Record &target) {
+    copier.copy(source, target);
 }
 
 // The bytes beyond an IPv4 address, and all where there is none, are zero.
-void copyConnection(RecordCopier &copier, const SDPConnection &source, SDPConnection &target) {
+template <class Copier>
+SDPLINE_INLINE void copyRecord(Copier &copier, const SDPConnection &source, SDPConnection &target) {
     copier.copy(source, target);
     auto &address = target.stTptAddr.unTptAddr;
     if (source.stTptAddr.enTptAddrType == SDP_TPTADDR_IPV4) {
@@ -54,125 +70,34 @@ void copyConnection(RecordCopier &copier, const SDPConnection &source, SDPConnec
     }
 }
 
-// An attribute without a value leaves that of a target that is the caller's.
-void copyAttribute(RecordCopier &copier, const SDPAttr &source, SDPAttr &target, Target kind) {
-    if (kind == Target::New) {
-        copier.copy(source, target);
-        return;
-    }
-    target.ulAttrType = source.ulAttrType;
-    target.pstAttrName = nullptr;
-    copier.copyValue(source, target);
-}
-
-void copyByType(RecordCopier &copier, uint32_t type, const void *source, void *target,
-                Target kind) {
-    switch (type) {
-    case SDP_LINE_VERSION: std::memcpy(target, source, sizeof(uint32_t)); break;
-    case SDP_LINE_CONNECTION:
-        copyConnection(copier, *static_cast<const SDPConnection *>(source),
-                       *static_cast<SDPConnection *>(target));
-        break;
-    case SDP_LINE_ORIGIN: copyRecord<SDPOrigin>(copier, source, target); break;
-    case SDP_LINE_MEDIA: copyRecord<SDPMediaField>(copier, source, target); break;
-    case SDP_LINE_ATTRIBUTE:
-        copyAttribute(copier, *static_cast<const SDPAttr *>(source),
-                      *static_cast<SDPAttr *>(target), kind);
-        break;
-    case SDP_LINE_TIME: copyRecord<SDPTimeField>(copier, source, target); break;
-    case SDP_LINE_REPEAT: copyRecord<SDPRepeatField>(copier, source, target); break;
-    case SDP_LINE_KEY: copyRecord<SDPKey>(copier, source, target); break;
-    default: copyRecord<SipString>(copier, source, target); break;
-    }
-}
-
-// What was taken goes back: the services find out what there is memory for, and tell what is not.
-[[gnu::cold, gnu::noinline]] void undo(SDPMemCp &memCp, uint32_t type, void *copy, Target kind) {
-    if (copy != nullptr) {
-        SdpClearLine(&memCp, type, copy);
-    }
-    if (kind == Target::New) {
-        memCp.pfnFree(copy);
-    }
-}
-
-// Whether a copy into that memory may be made in place. Where one is not made, the services have
-// to: they are not libsipcore's, they refuse the line, or there is no memory. Nothing is taken
-// then.
-bool isUnseen(CopyMemory memory) {
-    return builtin.copiesLines && memory.isInPlace();
-}
-
-bool copyInPlace(SDPMemCp &memCp, uint32_t type, const void *source, void *target) {
-    const CopyMemory memory(memCp);
-    if (!isUnseen(memory) || source == target || isUnusual(type, source)) {
-        return false;
-    }
-    RecordCopier copier(memory);
-    copyByType(copier, type, source, target, Target::Callers);
+// Null where the record is not copied, or does not fit: then nothing has happened.
+template <class Record>
+SDPLINE_INLINE bool copyWithin(SDPMemCp &memCp, const Record &source, Record &target) {
+    RecordCopier copier{CutMemory(memCp)};
+    copyRecord(copier, source, target);
     if (copier.failed()) [[unlikely]] {
-        undo(memCp, type, target, Target::Callers);
+        copier.memory().drop();
         return false;
     }
     return true;
 }
 
-SDPResult cloneByServices(SDPMemCp &memCp, uint32_t type, const void *source, void **target) {
-    void *clone = memCp.pfnAlloc(&memCp, g_gpstSdpLineDef[type]->ulSize);
-    if (clone == nullptr) {
-        return fail(Check::CloneAlloc);
+template <class Record>
+SDPLINE_INLINE Record *cloneWithin(SDPMemCp &memCp, const Record &source) {
+    RecordCopier copier{CutMemory(memCp)};
+    auto *const made = static_cast<Record *>(copier.memory().take(sizeof(Record)));
+    if (made != nullptr) [[likely]] {
+        copyRecord(copier, source, *made);
+        if (!copier.failed()) [[likely]] {
+            return made;
+        }
+        copier.memory().dropFrom(made);
     }
-    if (SdpCopyLine(&memCp, type, source, clone) != 0) {
-        memCp.pfnFree(clone);
-        return fail(Check::CloneCopy);
-    }
-    *target = clone;
-    return 0;
+    return nullptr;
 }
 
-[[gnu::noinline]] SDPResult cloneInPlace(CopyMemory memory, uint32_t type, const void *source,
-                                         void **target) {
-    RecordCopier copier(memory);
-    void *const made = copier.take(g_gpstSdpLineDef[type]->ulSize);
-    if (made != nullptr) {
-        copyByType(copier, type, source, made, Target::New);
-    }
-    if (copier.failed()) [[unlikely]] {
-        undo(memory.control(), type, made, Target::New);
-        return cloneByServices(memory.control(), type, source, target);
-    }
-    *target = made;
-    return 0;
-}
-
-// Most lines are attributes: the copier stays in registers.
-[[gnu::noinline]] SDPResult cloneInPlace(CopyMemory memory, const SDPAttr &source, void **target) {
-    RecordCopier copier(memory);
-    SDPAttr *const made = copier.clone(&source);
-    if (copier.failed()) [[unlikely]] {
-        undo(memory.control(), SDP_LINE_ATTRIBUTE, made, Target::New);
-        return cloneByServices(memory.control(), SDP_LINE_ATTRIBUTE, &source, target);
-    }
-    *target = made;
-    return 0;
-}
-
-} // namespace
-
-SDPResult SdpCopyLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
-    if (memCp == nullptr || type >= SDP_LINE_COUNT || source == nullptr || target == nullptr) {
-        return fail(Check::CopyValidate);
-    }
-    return 0;
-}
-
-SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
-    if (SdpCopyLineValidate(memCp, type, source, target) != 0) {
-        return fail(Check::CopyArgument);
-    }
-    if (copyInPlace(*memCp, type, source, target)) {
-        return 0;
-    }
+[[gnu::noinline]] SDPResult copyByServices(SDPMemCp *memCp, uint32_t type, const void *source,
+                                           void *target) {
     if (type == SDP_LINE_MEDIA) {
         return SdpCopyMediaField(memCp, static_cast<const SDPMediaField *>(source),
                                  static_cast<SDPMediaField *>(target));
@@ -185,24 +110,199 @@ SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *
     return copied == 0 ? 0 : fail(Check::CopyGeneric, copied);
 }
 
-SDPResult SdpCloneLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
-    if (memCp == nullptr || type >= SDP_LINE_COUNT || source == nullptr || target == nullptr) {
-        return fail(Check::CloneValidate);
+template <class Record>
+[[gnu::noinline]] SDPResult copyInPlace(SDPMemCp *memCp, uint32_t type, const void *source,
+                                        void *target) {
+    const auto &from = *static_cast<const Record *>(source);
+    const bool isDone = source != target && !isUnusual(from) &&
+                        copyWithin(*memCp, from, *static_cast<Record *>(target));
+    return isDone ? 0 : copyByServices(memCp, type, source, target);
+}
+
+[[gnu::noinline]] SDPResult cloneByServices(SDPMemCp *memCp, uint32_t type, const void *source,
+                                            void **target) {
+    void *clone = memCp->pfnAlloc(memCp, g_gpstSdpLineDef[type]->ulSize);
+    if (clone == nullptr) {
+        return fail(Check::CloneAlloc);
     }
+    if (SdpCopyLine(memCp, type, source, clone) != 0) {
+        memCp->pfnFree(clone);
+        return fail(Check::CloneCopy);
+    }
+    *target = clone;
     return 0;
 }
 
+// What the services say of a copy that there is no memory for. What it took goes back.
+[[gnu::cold, gnu::noinline]] SDPResult undoClone(SDPMemCp *memCp, uint32_t type, void *made) {
+    if (made == nullptr) {
+        return fail(Check::CloneAlloc);
+    }
+    SdpClearLine(memCp, type, made);
+    memCp->pfnFree(made);
+    if (type == SDP_LINE_ATTRIBUTE) {
+        logAndForward(Check::CopyAttributeText, SIP_NO_MEMORY);
+    } else {
+        fail(Check::CopyGeneric, SIP_NO_MEMORY);
+    }
+    return fail(Check::CloneCopy);
+}
+
+// Takes what was freed before, and new chunks, in the order of the services' requests.
+template <class Record>
+[[gnu::noinline]] SDPResult cloneByRequests(SDPMemCp *memCp, uint32_t type, const void *from,
+                                            void **target) {
+    const auto &source = *static_cast<const Record *>(from);
+    if (isUnusual(source)) {
+        return cloneByServices(memCp, type, from, target);
+    }
+    RecordCopier copier{CopyMemory(*memCp)};
+    auto *const made = static_cast<Record *>(copier.memory().take(sizeof(Record)));
+    if (made != nullptr) {
+        copyRecord(copier, source, *made);
+    }
+    if (copier.failed()) {
+        return undoClone(memCp, type, made);
+    }
+    *target = made;
+    return 0;
+}
+
+template <class Record>
+[[gnu::noinline]] SDPResult cloneInPlace(SDPMemCp *memCp, uint32_t type, const void *from,
+                                         void **target) {
+    const auto &source = *static_cast<const Record *>(from);
+    Record *const made = isUnusual(source) ? nullptr : cloneWithin(*memCp, source);
+    if (made == nullptr) [[unlikely]] {
+        return cloneByRequests<Record>(memCp, type, from, target);
+    }
+    *target = made;
+    return 0;
+}
+
+// ---- Attributes: most lines are, so that their clones are written for the fewest registers
+
+SDPLINE_INLINE bool cutText(CutMemory &memory, const SipString &from, SipString &to) {
+    const uint32_t size = from.ulLen;
+    to.ulLen = size;
+    to.pcData = nullptr;
+    if (size == 0 || from.pcData == nullptr) {
+        return true;
+    }
+    to.pcData = static_cast<char *>(memory.copied(from.pcData, size));
+    return to.pcData != nullptr;
+}
+
+SDPLINE_INLINE bool cutName(CutMemory &memory, const SDPAttr &from, SDPAttr &to) {
+    const SipString *const name = from.pstAttrName;
+    if (name == nullptr) {
+        return true;
+    }
+    to.pstAttrName = static_cast<SipString *>(memory.take(sizeof(SipString)));
+    return to.pstAttrName != nullptr && cutText(memory, *name, *to.pstAttrName);
+}
+
+SDPLINE_INLINE SDPAttr *cutAttribute(CutMemory &memory, const SDPAttr &source,
+                                     const AttributeLayout &layout, bool isNamed) {
+    auto *const made = static_cast<SDPAttr *>(memory.take(sizeof(SDPAttr)));
+    if (made == nullptr) [[unlikely]] {
+        return nullptr;
+    }
+    copyKept(layout, source, *made);
+    if ((isNamed && !cutName(memory, source, *made)) ||
+        (layout.text != 0 && !cutText(memory, textOf(source, layout), textOf(*made, layout))))
+        [[unlikely]] {
+        memory.dropFrom(made);
+        return nullptr;
+    }
+    return made;
+}
+
+template <bool IsNamed>
+[[gnu::noinline]] SDPResult cloneAttribute(SDPMemCp *memCp, const AttributeLayout &layout,
+                                           const void *source, void **target) {
+    CutMemory memory(*memCp);
+    SDPAttr *const made =
+        cutAttribute(memory, *static_cast<const SDPAttr *>(source), layout, IsNamed);
+    if (made == nullptr) [[unlikely]] {
+        return cloneByRequests<SDPAttr>(memory.control(), SDP_LINE_ATTRIBUTE, source, target);
+    }
+    *target = made;
+    return 0;
+}
+
+SDPLINE_INLINE SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void **target) {
+    const auto &source = *static_cast<const SDPAttr *>(from);
+    const AttributeLayout &layout = layoutOf(source);
+    if (layout.pointer == Pointer::Name) {
+        return cloneAttribute<true>(memCp, layout, from, target);
+    }
+    const bool hasText = layout.pointer == Pointer::Precondition &&
+                         preconditionOf(source).pstrOtherPrecondition != nullptr;
+    return hasText ? cloneByRequests<SDPAttr>(memCp, SDP_LINE_ATTRIBUTE, from, target)
+                   : cloneAttribute<false>(memCp, layout, from, target);
+}
+
+// ---- Arguments
+
+bool isRefused(const SDPMemCp *memCp, uint32_t type, const void *source, const void *target) {
+    return memCp == nullptr || type >= SDP_LINE_COUNT || source == nullptr || target == nullptr;
+}
+
+[[gnu::cold, gnu::noinline]] SDPResult refuseCopy() {
+    fail(Check::CopyValidate);
+    return fail(Check::CopyArgument);
+}
+
+[[gnu::cold, gnu::noinline]] SDPResult refuseClone() {
+    fail(Check::CloneValidate);
+    return fail(Check::CloneArgument);
+}
+
+} // namespace
+
+SDPResult SdpCopyLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
+    return isRefused(memCp, type, source, target) ? fail(Check::CopyValidate) : 0;
+}
+
+SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
+    if (isRefused(memCp, type, source, target)) [[unlikely]] {
+        return refuseCopy();
+    }
+    if (!builtin.copiesLines(*memCp)) {
+        return copyByServices(memCp, type, source, target);
+    }
+    switch (type) {
+    case SDP_LINE_ORIGIN: return copyInPlace<SDPOrigin>(memCp, type, source, target);
+    case SDP_LINE_MEDIA: return copyInPlace<SDPMediaField>(memCp, type, source, target);
+    case SDP_LINE_NAME: return copyInPlace<SipString>(memCp, type, source, target);
+    default: return copyByServices(memCp, type, source, target);
+    }
+}
+
+SDPResult SdpCloneLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
+    return isRefused(memCp, type, source, target) ? fail(Check::CloneValidate) : 0;
+}
+
 SDPResult SdpCloneLine(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
-    if (SdpCloneLineValidate(memCp, type, source, target) != 0) {
-        return fail(Check::CloneArgument);
+    if (isRefused(memCp, type, source, target)) [[unlikely]] {
+        return refuseClone();
     }
-    const CopyMemory memory(*memCp);
-    if (!isUnseen(memory) || isUnusual(type, source)) {
-        return cloneByServices(*memCp, type, source, target);
+    if (!builtin.copiesLines(*memCp)) [[unlikely]] {
+        return cloneByServices(memCp, type, source, target);
     }
-    return type == SDP_LINE_ATTRIBUTE
-               ? cloneInPlace(memory, *static_cast<const SDPAttr *>(source), target)
-               : cloneInPlace(memory, type, source, target);
+    if (type == SDP_LINE_ATTRIBUTE) [[likely]] {
+        return cloneAttribute(memCp, source, target);
+    }
+    switch (type) {
+    case SDP_LINE_CONNECTION: return cloneInPlace<SDPConnection>(memCp, type, source, target);
+    case SDP_LINE_TIME: return cloneInPlace<SDPTimeField>(memCp, type, source, target);
+    case SDP_LINE_VERSION:
+    case SDP_LINE_ORIGIN:
+    case SDP_LINE_MEDIA:
+    case SDP_LINE_REPEAT: return cloneByServices(memCp, type, source, target);
+    default: return cloneInPlace<SipString>(memCp, type, source, target);
+    }
 }
 
 SDPResult SdpClearLineValidate(SDPMemCp *memCp, uint32_t type, void *value) {

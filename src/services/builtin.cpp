@@ -41,7 +41,7 @@ Builtin findBuiltin() {
             .systemAlloc = core.systemAlloc,
             .systemFree = core.systemFree,
             .fillsFreed = core.fillsFreed,
-            .copiesLines = copiesLines(core)};
+            .lineAlloc = copiesLines(core) ? core.blockAlloc : nullptr};
 }
 
 } // namespace

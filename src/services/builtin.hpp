@@ -22,13 +22,19 @@ struct Builtin {
     decltype(SDPMemCp::pfnFree) blockFree;
     decltype(SDPMemCp::pfnAlloc) systemAlloc; // of the system's memory control
     decltype(SDPMemCp::pfnFree) systemFree;
-    bool fillsFreed;  // giving memory back takes the call
-    bool copiesLines; // all that copies a record by its descriptor, and memcpy_s
+    bool fillsFreed; // giving memory back takes the call
+    // blockAlloc where all that copies a record by its descriptor, and memcpy_s, is libsipcore's
+    // too. Else null, which no control has.
+    decltype(SDPMemCp::pfnAlloc) lineAlloc;
 
     // Whether every function of a memory control is libsipcore's: that of a block, or of the
     // system's control too. Where a program has replaced one of them, each call is made.
     bool ownsBlock(const SDPMemCp &memCp) const {
         return blockAlloc != nullptr && memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
+    }
+    // Whether lines are copied in place into the control's memory.
+    bool copiesLines(const SDPMemCp &memCp) const {
+        return memCp.pfnAlloc == lineAlloc && memCp.pfnFree == blockFree;
     }
     bool owns(const SDPMemCp &memCp) const {
         return ownsBlock(memCp) || (systemAlloc != nullptr && memCp.pfnAlloc == systemAlloc &&

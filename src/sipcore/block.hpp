@@ -132,13 +132,13 @@ inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
 
 // Memory from the span, holding anything, for requests of a small class, 1 to 256 bytes, that no
 // freed allocation serves: nearly all requests of a decoded body. Null where there is more to it.
-inline void *cutSmall(Block &block, uint32_t request) {
+[[gnu::always_inline]] inline void *cutSmall(Block &block, uint32_t request) {
     const uint32_t classNumber = (request - 1) / 8;
     if (classNumber >= kSmallClasses || block.freed[classNumber] != nullptr) [[unlikely]] {
         return nullptr;
     }
     const uint32_t size = roundUp8(request);
-    if (block.span.room() < kHeaderSize + size) [[unlikely]] {
+    if (block.span.at + kHeaderSize + size > block.span.end) [[unlikely]] {
         return nullptr;
     }
     return cut(block.span, request, size, kLive);

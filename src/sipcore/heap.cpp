@@ -66,9 +66,6 @@ constexpr std::size_t kCacheMax = 0;
 constexpr std::size_t kCacheMax = 64 * 1024; // bytes of one thread
 #endif
 
-// Sizes that are kept: 256, 512, 768, ... 4096.
-constexpr std::size_t kStep = 256;
-constexpr std::size_t kLargestCached = 4096;
 constexpr std::size_t kSizes = kLargestCached / kStep;
 
 struct CachedMemory {
@@ -158,11 +155,6 @@ constinit ThreadEnds threadEnds;
 
 bool isCachedSize(std::size_t size) {
     return size <= kLargestCached;
-}
-
-// What is taken from the heap for a request: one of few sizes as long as they are cached.
-std::size_t heapSize(std::size_t bytes) {
-    return bytes > kLargestCached ? bytes : (bytes + kStep - 1) / kStep * kStep;
 }
 
 } // namespace

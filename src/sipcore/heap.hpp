@@ -19,8 +19,16 @@ inline constexpr uint32_t kLargestRequest = uint32_t{1} << 30;
 // called.
 enum class Use : uint8_t { Block, Other };
 
+// Sizes that are kept: 256, 512, 768, ... 4096.
+inline constexpr std::size_t kStep = 256;
+inline constexpr std::size_t kLargestCached = 4096;
+
 // Null without memory. What is kept holds what it held before, unless it is asked for zeroed.
 enum class Content : uint8_t { Any, Zeroed };
+// What the heap is asked for: one of few sizes as long as they are kept. All of it may be used.
+constexpr std::size_t heapSize(std::size_t bytes) {
+    return bytes > kLargestCached ? bytes : (bytes + kStep - 1) / kStep * kStep;
+}
 void *heapTake(std::size_t bytes, Use use, Content content);
 void heapGive(void *memory, std::size_t bytes, Use use);
 

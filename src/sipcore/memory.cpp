@@ -69,10 +69,23 @@ void *cutLarge(FreeSpan &span, uint32_t request) {
     return payloadOf(allocation);
 }
 
-// Opens a chunk with room for one allocation of the given payload size; a null chunk after a
-// failure.
+// All of a heap allocation beyond its record. Payloads are multiples of 8 bytes, and so is a span.
+FreeSpan spanOf(void *begin, void *memory, std::size_t heapBytes, Chunk *chunk) {
+    auto *const first = static_cast<std::byte *>(begin);
+    auto *const end = static_cast<std::byte *>(memory) + heapBytes / 8 * 8;
+    forbid(first, static_cast<std::size_t>(end - first));
+    return {first, end, chunk};
+}
+
+// The heap allocation of a block and its first chunk is at least this large: all of a body with one
+// stream has room in it.
+constexpr std::size_t kLeastBlock = 1536;
+constexpr uint32_t kLargestNext = 1032;
+
+// Opens a chunk with room for at least one allocation of the given payload size; a null chunk after
+// a failure.
 FreeSpan openChunk(Block &block, uint32_t size, Content content = Content::Any) {
-    const std::size_t heapBytes = sizeof(Chunk) + kHeaderSize + size;
+    const std::size_t heapBytes = heapSize(sizeof(Chunk) + kHeaderSize + size);
     auto *chunk = static_cast<Chunk *>(heapTake(heapBytes, Use::Other, content));
     if (chunk == nullptr) {
         return {};
@@ -84,9 +97,17 @@ FreeSpan openChunk(Block &block, uint32_t size, Content content = Content::Any) 
     }
     block.first.next = chunk;
 
-    auto *begin = reinterpret_cast<std::byte *>(chunk + 1);
-    forbid(begin, kHeaderSize + size);
-    return {begin, begin + kHeaderSize + size, chunk};
+    return spanOf(chunk + 1, chunk, heapBytes, chunk);
+}
+
+// A block that grows does so by larger chunks, to a kilobyte: beyond that, lists would leave too
+// much of them unused.
+FreeSpan openNextChunk(Block &block, uint32_t leastSize) {
+    const FreeSpan opened = openChunk(block, std::max(leastSize, block.nextSize));
+    if (opened.chunk != nullptr && block.nextSize < kLargestNext) {
+        block.nextSize = std::min(2 * block.nextSize, kLargestNext);
+    }
+    return opened;
 }
 
 void closeChunk(Chunk *chunk) {
@@ -106,7 +127,7 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
 }
 
 [[gnu::noinline]] void *allocateSmallInNewChunk(Block &block, uint32_t request, uint32_t size) {
-    FreeSpan opened = openChunk(block, std::max(size, block.nextSize));
+    FreeSpan opened = openNextChunk(block, size);
     if (opened.chunk == nullptr) {
         return nullptr;
     }
@@ -132,7 +153,7 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
         FreeSpan alone = openChunk(block, exact, Content::Zeroed);
         return alone.chunk != nullptr ? cut(alone, request, exact, kLiveInOwnChunk) : nullptr;
     }
-    FreeSpan opened = openChunk(block, exact <= block.nextSize ? block.nextSize : whole);
+    FreeSpan opened = openNextChunk(block, exact <= block.nextSize ? exact : whole);
     if (opened.chunk == nullptr) {
         return nullptr;
     }
@@ -215,16 +236,14 @@ uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp *
     if (ulFirstSize > kLargestRequest || ulNextSize > kLargestRequest) {
         return SIP_INVALID_ARGUMENT;
     }
-    const std::size_t room = kHeaderSize + roundUp8(ulFirstSize);
-    const std::size_t heapBytes = sizeof(Block) + room;
+    const std::size_t heapBytes =
+        heapSize(std::max(sizeof(Block) + kHeaderSize + roundUp8(ulFirstSize), kLeastBlock));
     auto *block = static_cast<Block *>(heapTake(heapBytes, Use::Block, Content::Any));
     if (block == nullptr) {
         return SIP_NO_MEMORY;
     }
-    auto *begin = reinterpret_cast<std::byte *>(block + 1);
-    forbid(begin, room);
     block->control = {block, blockAlloc, blockFree};
-    block->span = {begin, begin + room, &block->first};
+    block->span = spanOf(block + 1, block, heapBytes, &block->first);
     block->nextSize = roundUp8(ulNextSize);
     block->first = {block, nullptr, nullptr, heapBytes};
     clearRecord<sizeof block->freed>(block->freed);

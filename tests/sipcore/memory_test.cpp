@@ -104,8 +104,20 @@ TEST(Block, requestsForZeroBytesGetUniquePointers) {
     }
 }
 
+// How many requests of 8 bytes are served before the block takes more from the heap.
+uint32_t requestsLeft(TestBlock &block) {
+    const uint64_t before = heapBlocks();
+    for (uint32_t count = 0;; ++count) {
+        EXPECT_NE(block.alloc(8), nullptr);
+        if (heapBlocks() != before) {
+            return count;
+        }
+    }
+}
+
 TEST(Block, firstChunkHoldsOneRequestOfItsSize) {
-    for (uint32_t size : {1u, 8u, 100u, 256u, 257u, 300u, 512u, 1000u, 65536u, 65537u, 200000u}) {
+    for (uint32_t size :
+         {1u, 8u, 100u, 256u, 257u, 300u, 512u, 1000u, 1120u, 4000u, 65536u, 65537u, 200000u}) {
         const LeakCheck leaks;
         {
             TestBlock block(size, 1032);
@@ -114,32 +126,55 @@ TEST(Block, firstChunkHoldsOneRequestOfItsSize) {
             ASSERT_NE(memory, nullptr);
             std::memset(memory, 0xFF, size);
             EXPECT_EQ(heapBlocks(), before) << size;
-            ASSERT_NE(block.alloc(1), nullptr); // the first chunk is full to the last byte
-            EXPECT_EQ(heapBlocks(), before + 1) << size;
+            // The rest of a least block's 1128 bytes, or of the heap's step of 256.
+            EXPECT_LE(requestsLeft(block) * 16, size < 1120 ? 1128 - size : 256u) << size;
             EXPECT_EQ(block.free(memory), 0u);
         }
         EXPECT_TRUE(leaks.nothingKept());
     }
 }
 
+// The sizes of chunks that leave nothing of a heap allocation unused.
 TEST(Block, furtherChunksHoldOneRequestOfTheirSize) {
-    for (uint32_t size : {16u, 256u, 300u, 512u, 1032u, 65536u}) {
-        TestBlock block(8, size);
-        ASSERT_NE(block.alloc(8), nullptr);
+    for (uint32_t size : {216u, 472u, 728u, 984u, 1240u, 4056u, 65536u}) {
+        TestBlock block(65536, size);
+        ASSERT_NE(block.alloc(65536), nullptr); // the first chunk is full to the last byte
         const SipMmStatistics before = statistics();
         ASSERT_NE(block.alloc(size), nullptr);
         EXPECT_EQ(heapBlocks(), before.ulHeapBlocks + 1);
-        EXPECT_LE(statistics().ulHeapBytes, before.ulHeapBytes + size + 64 + 256);
+        EXPECT_LE(statistics().ulHeapBytes, before.ulHeapBytes + size + 64);
         ASSERT_NE(block.alloc(8), nullptr);
         EXPECT_EQ(heapBlocks(), before.ulHeapBlocks + 2);
     }
 }
 
+TEST(Block, furtherChunksAreAllOfWhatTheHeapGives) {
+    for (uint32_t size : {16u, 256u, 300u, 512u, 1032u}) {
+        TestBlock block(65536, size);
+        ASSERT_NE(block.alloc(65536), nullptr);
+        const uint64_t before = statistics().ulHeapBytes;
+        ASSERT_NE(block.alloc(8), nullptr);
+        const uint64_t chunk = statistics().ulHeapBytes - before;
+        EXPECT_LT(chunk, size + 64 + 256) << size;
+        EXPECT_EQ(requestsLeft(block), (chunk - 32) / 16 - 1) << size;
+    }
+}
+
+TEST(Block, chunksGrowWithTheBlock) {
+    TestBlock block(65536, 472);
+    ASSERT_NE(block.alloc(65536), nullptr);
+    ASSERT_NE(block.alloc(8), nullptr);
+    EXPECT_EQ(requestsLeft(block), 30u - 1) << "480 bytes";
+    EXPECT_EQ(requestsLeft(block), 62u - 1) << "twice as much, and what the heap gives beside";
+    EXPECT_EQ(requestsLeft(block), 78u - 1) << "a kilobyte";
+    EXPECT_EQ(requestsLeft(block), 78u - 1) << "at most";
+}
+
 TEST(Block, smallRequestsShareAChunk) {
     TestBlock block(512, 1032);
     const uint64_t before = heapBlocks();
-    for (int i = 0; i < 10; ++i) {
-        ASSERT_NE(block.alloc(44), nullptr); // with its header 56 bytes of 520
+    for (int i = 0; i < 25; ++i) {
+        ASSERT_NE(block.alloc(44), nullptr); // with its header 56 bytes of 1128
     }
     EXPECT_EQ(heapBlocks(), before + 1);
 }
@@ -209,7 +244,10 @@ TEST(Block, veryLargeMemoryGoesBackToTheHeapAtOnce) {
 }
 
 TEST(Block, memoryThatOnlyFittedUnroundedIsGoodForSmallerRequests) {
-    TestBlock block(300, 1032);
+    TestBlock block(512, 1032);
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_NE(block.alloc(256), nullptr); // of the 1128 bytes, 336 are left
+    }
     void *whole = block.alloc(300);
     block.free(whole);
     EXPECT_EQ(block.alloc(256), whole);

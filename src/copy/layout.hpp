@@ -1,0 +1,122 @@
+// What each shape of attribute takes of the record, so that all of them are copied alike: bytes
+// that are kept, then what they refer to.
+//
+//   SDPAttr   ulAttrType | value of the shape ...            | unused  | pstAttrName
+//   kept      ffffffff   | ff ... ff, a text among them      | 00 ...  | 00 ...
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "sdpline/sdprecords.h"
+#include "services/inline.hpp"
+#include "tables/attributes.hpp"
+
+namespace sdpline {
+
+// What is copied by itself beside a text within the value.
+enum class Pointer : uint8_t { None, Name, Precondition };
+
+struct alignas(64) AttributeLayout {
+    std::array<uint8_t, sizeof(SDPAttr)> kept; // 255 for each byte that is
+    uint8_t text;                              // where a SipString lies; 0: there is none
+    Pointer pointer;
+};
+
+constexpr size_t valueSize(Shape shape) {
+    switch (shape) {
+    case Shape::None:
+    case Shape::Flag:
+    case Shape::Direction:
+    case Shape::NameOnly: return 0;
+    case Shape::Number:
+    case Shape::Decimal:
+    case Shape::Switch:
+    case Shape::Keyword: return sizeof(SDPAttr::unAttrValue.ulValue);
+    case Shape::Text:
+    case Shape::NamedText: return sizeof(SDPAttr::unAttrValue.strValue);
+    case Shape::RtpMap: return sizeof(SDPAttr::unAttrValue.stRtpMap);
+    case Shape::SilenceSupp: return sizeof(SDPAttr::unAttrValue.stSilenceSupp);
+    case Shape::Ecan: return sizeof(SDPAttr::unAttrValue.stEcan);
+    case Shape::IpBcp: return sizeof(SDPAttr::unAttrValue.stIpBcp);
+    case Shape::Precondition: return sizeof(SDPAttr::unAttrValue.stRsrcMgmtStatus);
+    }
+    return 0;
+}
+
+constexpr size_t textWithinValue(Shape shape) {
+    switch (shape) {
+    case Shape::RtpMap: return offsetof(SDPRtpMapAttr, strEncodingName);
+    case Shape::SilenceSupp: return offsetof(SDPSilenceSuppression, strParams);
+    case Shape::Ecan: return offsetof(SDPEcan, strParams);
+    default: return 0;
+    }
+}
+
+constexpr bool hasText(Shape shape) {
+    return shape == Shape::Text || shape == Shape::NamedText || textWithinValue(shape) != 0;
+}
+
+constexpr Pointer pointerOf(Shape shape) {
+    if (shape == Shape::Precondition) {
+        return Pointer::Precondition;
+    }
+    return shape == Shape::NamedText || shape == Shape::NameOnly ? Pointer::Name : Pointer::None;
+}
+
+// Indexed by type. The last row is that of all numbers that are none.
+inline constexpr auto kAttributeLayouts = [] {
+    std::array<AttributeLayout, SDP_ATTR_UNKNOWN + 1> layouts{};
+    for (uint32_t type = 0; type < layouts.size(); ++type) {
+        const Shape shape = shapeOf(type);
+        for (size_t at = 0; at < offsetof(SDPAttr, unAttrValue) + valueSize(shape); ++at) {
+            layouts[type].kept[at] = 255;
+        }
+        layouts[type].text = static_cast<uint8_t>(
+            hasText(shape) ? offsetof(SDPAttr, unAttrValue) + textWithinValue(shape) : 0);
+        layouts[type].pointer = pointerOf(shape);
+    }
+    return layouts;
+}();
+
+SDPLINE_INLINE const AttributeLayout &layoutOf(const SDPAttr &attribute) {
+    return kAttributeLayouts[std::min<uint32_t>(attribute.ulAttrType, SDP_ATTR_UNKNOWN)];
+}
+
+inline const SipString &textOf(const SDPAttr &attribute, const AttributeLayout &layout) {
+    return *reinterpret_cast<const SipString *>(reinterpret_cast<const char *>(&attribute) +
+                                                layout.text);
+}
+inline SipString &textOf(SDPAttr &attribute, const AttributeLayout &layout) {
+    return *reinterpret_cast<SipString *>(reinterpret_cast<char *>(&attribute) + layout.text);
+}
+
+template <class Word>
+SDPLINE_INLINE void copyKeptWord(const uint8_t *kept, const char *from, char *to) {
+    Word mask;
+    Word word;
+    std::memcpy(&mask, kept, sizeof mask);
+    std::memcpy(&word, from, sizeof word);
+    word &= mask;
+    std::memcpy(to, &word, sizeof word);
+}
+
+// All bytes of the target are written: those that are not kept are zero.
+SDPLINE_INLINE void copyKept(const AttributeLayout &layout, const SDPAttr &from, SDPAttr &to) {
+    using Four = uint32_t __attribute__((vector_size(16)));
+    const auto *const source = reinterpret_cast<const char *>(&from);
+    auto *const target = reinterpret_cast<char *>(&to);
+    size_t at = 0;
+    for (; at + sizeof(Four) <= sizeof(SDPAttr); at += sizeof(Four)) {
+        copyKeptWord<Four>(&layout.kept[at], source + at, target + at);
+    }
+    for (; at < sizeof(SDPAttr); at += sizeof(uint64_t)) {
+        copyKeptWord<uint64_t>(&layout.kept[at], source + at, target + at);
+    }
+}
+static_assert(sizeof(SDPAttr) % sizeof(uint64_t) == 0);
+
+} // namespace sdpline
