@@ -129,7 +129,8 @@ enum class Reader : uint8_t {
     Quality,
     FaxNumber,
     Switch,
-    Keyword,
+    FaxRate,
+    FaxErrorCorrection,
     Setup,
     Text,
     RtpMap,
@@ -146,6 +147,13 @@ constexpr Reader numberReader(const AttributeRow &row) {
     return row.has(kQualityChecks) ? Reader::Quality : Reader::FaxNumber;
 }
 
+constexpr Reader keywordReader(const AttributeRow &row) {
+    if (row.has(kRestOfLine)) {
+        return Reader::Setup;
+    }
+    return row.type == SDP_ATTR_T38_UDP_EC ? Reader::FaxErrorCorrection : Reader::FaxRate;
+}
+
 constexpr Reader readerOf(const AttributeRow &row) {
     switch (row.shape) {
     case Shape::Flag:
@@ -153,7 +161,7 @@ constexpr Reader readerOf(const AttributeRow &row) {
     case Shape::Number:
     case Shape::Decimal: return numberReader(row);
     case Shape::Switch: return Reader::Switch;
-    case Shape::Keyword: return row.has(kRestOfLine) ? Reader::Setup : Reader::Keyword;
+    case Shape::Keyword: return keywordReader(row);
     case Shape::Text: return Reader::Text;
     case Shape::RtpMap: return Reader::RtpMap;
     case Shape::SilenceSupp: return Reader::SilenceSupp;
@@ -200,7 +208,8 @@ bool parseValue(Parser auto &p, SDPAttr &attr, std::string_view name, uint32_t t
     case Reader::Flag: return parseFlag(p, attr, type);
     case Reader::PacketNumber: return parsePacketNumber(p, attr, type);
     case Reader::FaxNumber: return parseFaxNumber(p, attr, type);
-    case Reader::Keyword: return parseKeyword(p, attr, type);
+    case Reader::FaxRate: return parseFaxRate(p, attr, type);
+    case Reader::FaxErrorCorrection: return parseFaxErrorCorrection(p, attr, type);
     case Reader::Setup: return parseSetup(p, attr, type);
     case Reader::Text: return parseTextValue(p, attr, type);
     case Reader::RtpMap: return parseRtpmap(p, attr, type);

@@ -2,8 +2,6 @@
 // suppression, echo cancellation, IP bearer control and the T.120 setup role.
 #include "parser/attributes.hpp"
 
-#include <span>
-
 namespace sdpline {
 
 namespace {
@@ -21,26 +19,22 @@ SDPLINE_INLINE bool numericValue(Parser auto &p, SDPAttr &attr, uint32_t type, N
            p.number(attr.unAttrValue.ulValue, checks.number, line);
 }
 
-struct KeywordChecks {
+struct ChoiceChecks {
     Check colon;
     WordChecks word;
     Check unknown;
     Check end;
 };
-constexpr KeywordChecks kOfRate = {
-    Check::RateColon, {Check::RateToken, Check::RateText}, Check::RateWord, Check::RateEnd};
-constexpr KeywordChecks kOfErrorCorrection = {
-    Check::UdpEcColon, {Check::UdpEcToken, Check::UdpEcText}, Check::UdpEcWord, Check::UdpEcEnd};
 
-// ":" token LF, where the token is one of the words
-bool keyword(Parser auto &p, SDPAttr &attr, uint32_t type, std::span<const KeywordRow> words,
-             const KeywordChecks &checks, uint32_t line = __builtin_LINE()) {
+// ":" token LF, where the token is one of the table's words
+template <const auto &Table>
+SDPLINE_INLINE bool choice(Parser auto &p, SDPAttr &attr, uint32_t type, ChoiceChecks checks,
+                           uint32_t line = __builtin_LINE()) {
     attr.ulAttrType = type;
     std::string_view word;
     return p.expect(SDP_TOK_COLON, Context::Token, checks.colon, line) &&
            p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.nextAfterRun(Context::Token) &&
-           p.accept(storeCode(attr.unAttrValue.ulValue, word, findByText(words, word),
-                              checks.unknown, line)) &&
+           p.accept(classify<Table>(attr.unAttrValue.ulValue, word, checks.unknown, line)) &&
            p.endLine(checks.end, line);
 }
 
@@ -132,20 +126,20 @@ bool parseSwitch(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return p.endLine(Check::AttrFlagEnd);
 }
 
-// ":" token LF
-bool parseKeyword(Parser auto &p, SDPAttr &attr, uint32_t type) {
-    const AttributeRow &row = attributeRow(type);
-    return keyword(p, attr, type, row.words, row.has(kUdpEcChecks) ? kOfErrorCorrection : kOfRate);
-}
-
 // ":" ( "localTCF" / "transferredTCF" ) LF
-bool parseFaxRate(StateParser &p, SDPAttr &attr, uint32_t type) {
-    return keyword(p, attr, type, kT38RateWords, kOfRate);
+bool parseFaxRate(Parser auto &p, SDPAttr &attr, uint32_t type) {
+    return choice<kT38RateWords>(
+        p, attr, type,
+        {Check::RateColon, {Check::RateToken, Check::RateText}, Check::RateWord, Check::RateEnd});
 }
 
 // ":" ( "t38UDPFEC" / "t38UDPRedundancy" ) LF
-bool parseFaxErrorCorrection(StateParser &p, SDPAttr &attr, uint32_t type) {
-    return keyword(p, attr, type, kT38UdpEcWords, kOfErrorCorrection);
+bool parseFaxErrorCorrection(Parser auto &p, SDPAttr &attr, uint32_t type) {
+    return choice<kT38UdpEcWords>(p, attr, type,
+                                  {Check::UdpEcColon,
+                                   {Check::UdpEcToken, Check::UdpEcText},
+                                   Check::UdpEcWord,
+                                   Check::UdpEcEnd});
 }
 
 // ":" ( "on" / "off" ) params LF
@@ -225,8 +219,10 @@ template bool parseQuality(StateParser &, SDPAttr &, uint32_t);
 template bool parseFaxNumber(BodyParser &, SDPAttr &, uint32_t);
 template bool parseFaxNumber(StateParser &, SDPAttr &, uint32_t);
 template bool parseSwitch(StateParser &, SDPAttr &, uint32_t);
-template bool parseKeyword(BodyParser &, SDPAttr &, uint32_t);
-template bool parseKeyword(StateParser &, SDPAttr &, uint32_t);
+template bool parseFaxRate(BodyParser &, SDPAttr &, uint32_t);
+template bool parseFaxRate(StateParser &, SDPAttr &, uint32_t);
+template bool parseFaxErrorCorrection(BodyParser &, SDPAttr &, uint32_t);
+template bool parseFaxErrorCorrection(StateParser &, SDPAttr &, uint32_t);
 template bool parseSilenceSupp(StateParser &, SDPAttr &, uint32_t);
 template bool parseEcan(StateParser &, SDPAttr &, uint32_t);
 template bool parseIpBcp(StateParser &, SDPAttr &);

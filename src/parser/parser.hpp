@@ -34,20 +34,16 @@ struct WordChecks {
     Check text;
 };
 
-// Stores the code of a word's row; a word that no row was found for fails the check.
-inline SDPResult storeCode(uint32_t &code, std::string_view word, const KeywordRow *row,
-                           Check unknown, uint32_t line) {
+// The code of a word; one that the table does not know fails the check.
+template <const auto &Table>
+SDPResult classify(uint32_t &code, std::string_view word, Check unknown,
+                   uint32_t line = __builtin_LINE()) {
+    const KeywordRow *const row = findWord<Table>(word);
     if (row == nullptr) {
         return failWord(unknown, word.data(), line);
     }
     code = row->code;
     return 0;
-}
-
-template <const auto &Table>
-SDPResult classify(uint32_t &code, std::string_view word, Check unknown,
-                   uint32_t line = __builtin_LINE()) {
-    return storeCode(code, word, findWord<Table>(word), unknown, line);
 }
 
 template <class Lexer>

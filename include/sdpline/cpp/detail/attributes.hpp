@@ -45,9 +45,7 @@ enum Deviation : std::uint8_t {
     kRestOfLine = 1 << 3,     /* the keyword is the rest of the line, not a word */
     kUnknownRefused = 1 << 4, /* a code without a word is refused, not written as nothing */
     kResultDropped = 1 << 5,  /* an append of the value that is refused is no failure */
-    kStrengthTag = 1 << 6,    /* a precondition with a strength */
-    kUdpEcChecks = 1 << 7     /* a keyword that is refused by the checks of T38FaxUdpEC; all others
-                                 but the rests of lines by those of T38FaxRateManagement */
+    kStrengthTag = 1 << 6     /* a precondition with a strength */
 };
 
 struct AttributeRow {
