@@ -131,6 +131,7 @@ enum class Reader : uint8_t {
     Switch,
     FaxRate,
     FaxErrorCorrection,
+    Keyword,
     Setup,
     Text,
     RtpMap,
@@ -151,7 +152,11 @@ constexpr Reader keywordReader(const AttributeRow &row) {
     if (row.has(kRestOfLine)) {
         return Reader::Setup;
     }
-    return row.type == SDP_ATTR_T38_UDP_EC ? Reader::FaxErrorCorrection : Reader::FaxRate;
+    switch (row.type) {
+    case SDP_ATTR_T38_RATE_MANAGEMENT: return Reader::FaxRate;
+    case SDP_ATTR_T38_UDP_EC: return Reader::FaxErrorCorrection;
+    default: return Reader::Keyword;
+    }
 }
 
 constexpr Reader readerOf(const AttributeRow &row) {
@@ -190,6 +195,7 @@ namespace {
     switch (kReaders[type]) {
     case Reader::Quality: return parseQuality(p, attr, type);
     case Reader::Switch: return parseSwitch(p, attr, type);
+    case Reader::Keyword: return parseKeyword(p, attr, type);
     case Reader::SilenceSupp: return parseSilenceSupp(p, attr, type);
     case Reader::Ecan: return parseEcan(p, attr, type);
     default: return parseIpBcp(p, attr);

@@ -27,6 +27,7 @@ bool parseFaxNumber(Parser auto &p, SDPAttr &attr, uint32_t type);
 bool parseSwitch(Parser auto &p, SDPAttr &attr, uint32_t type);
 bool parseFaxRate(Parser auto &p, SDPAttr &attr, uint32_t type);
 bool parseFaxErrorCorrection(Parser auto &p, SDPAttr &attr, uint32_t type);
+bool parseKeyword(StateParser &p, SDPAttr &attr, uint32_t type);
 bool parseSilenceSupp(Parser auto &p, SDPAttr &attr, uint32_t type);
 bool parseEcan(Parser auto &p, SDPAttr &attr, uint32_t type);
 bool parseIpBcp(Parser auto &p, SDPAttr &attr);

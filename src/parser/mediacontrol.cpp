@@ -142,6 +142,24 @@ bool parseFaxErrorCorrection(Parser auto &p, SDPAttr &attr, uint32_t type) {
                                    Check::UdpEcEnd});
 }
 
+// ":" token LF, where the token is one of the words of the type's row: the checks are those of the
+// rate management, which every further keyword shares
+bool parseKeyword(StateParser &p, SDPAttr &attr, uint32_t type) {
+    attr.ulAttrType = type;
+    std::string_view word;
+    if (!p.expect(SDP_TOK_COLON, Context::Token, Check::RateColon) ||
+        !p.read(word, SDP_TOK_TOKEN, {Check::RateToken, Check::RateText})) {
+        return false;
+    }
+    const KeywordRow *const row = findByText(attributeRow(type).words, word);
+    p.next(Context::Token);
+    if (row == nullptr) {
+        return p.accept(failWord(Check::RateWord, word.data()));
+    }
+    attr.unAttrValue.ulValue = row->code;
+    return p.endLine(Check::RateEnd);
+}
+
 // ":" ( "on" / "off" ) params LF
 bool parseSilenceSupp(Parser auto &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# What docs/architecture.md says of a new attribute of a known shape: adds one to a scratch copy of
-# the sources, in the files named there and in no other, builds the library of it and has it decoded,
-# copied and written.
+# What docs/architecture.md says of a new attribute of a known shape: adds two to a scratch copy of
+# the sources, a text and a keyword, in the files named there and in no other, builds the library and
+# has them decoded, copied and written.
 # usage: newattribute.sh SOURCE_DIR SCRATCH_DIR CC CXX
 set -euo pipefail
 source=$1
@@ -18,12 +18,15 @@ change() { # FILE SED_SCRIPT
   sed -i "$2" "$1"
   ! cmp -s before "$1" || { echo "newattribute: nothing to change in $1" >&2; exit 1; }
 }
-change include/sdpline/sdprecords.h 's/SDP_ATTR_UNKNOWN = 41/SDP_ATTR_NOTE = 41, SDP_ATTR_UNKNOWN = 42/'
-change include/sdpline/sdpline.h 's/sstrSdpAttrNames\[40\]/sstrSdpAttrNames[41]/'
+change include/sdpline/sdprecords.h \
+  's/SDP_ATTR_UNKNOWN = 41/SDP_ATTR_NOTE = 41, SDP_ATTR_ROLE = 42, SDP_ATTR_UNKNOWN = 43/'
+change include/sdpline/sdpline.h 's/sstrSdpAttrNames\[40\]/sstrSdpAttrNames[42]/'
 change include/sdpline/cpp/detail/attributes.def \
-  '$a ATTRIBUTE(SDP_ATTR_NOTE, Note, "x-note:", Text, kNoWords, kRegular)'
+  '$a ATTRIBUTE(SDP_ATTR_NOTE, Note, "x-note:", Text, kNoWords, kRegular)\
+ATTRIBUTE(SDP_ATTR_ROLE, Role, "x-role:", Keyword, kSetupWords, kRegular)'
 
-cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_UNITY_BUILD=ON \
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+  -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
   -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DSDPLINE_TESTS=OFF -DSDPLINE_TOOLS=OFF -DSDPLINE_INSTALL=OFF >/dev/null
 cmake --build build --target sdpline >/dev/null
 cat >case.c <<'TEXT'
@@ -33,7 +36,7 @@ cat >case.c <<'TEXT'
 #include <sdpline/sdpline.h>
 
 int main(void) {
-    static char bytes[] = "v=0\no=- 1 1 IN IP4 x\ns=-\nt=0 0\na=x-note:seen\n";
+    static char bytes[] = "v=0\no=- 1 1 IN IP4 x\ns=-\nt=0 0\na=x-note:seen\na=x-role:active\n";
     const SipString text = {sizeof bytes - 1, bytes};
     uint32_t prefixed = 1;
     void *copy = NULL;
@@ -54,6 +57,16 @@ int main(void) {
         SipSmGetLenFromRefString(written) != 15 ||
         memcmp(SipSmGetDataFromRefString(written), "a=x-note:seen\r\n", 15) != 0) {
         return 4;
+    }
+    SipSmReleaseRefString(written);
+    SDPAttr *const role = line->pstAttrList->ppstAttrs[1];
+    if (role->ulAttrType != SDP_ATTR_ROLE || role->unAttrValue.ulValue != SDP_T120_ACTIVE) {
+        return 6;
+    }
+    if (SdpLibEncodeSdpLine(&prefixed, SDP_LINE_ATTRIBUTE, role, &written) != 0 ||
+        SipSmGetLenFromRefString(written) != 17 ||
+        memcmp(SipSmGetDataFromRefString(written), "a=x-role:active\r\n", 17) != 0) {
+        return 7;
     }
     SipSmReleaseRefString(written);
     return SdpLibReleaseSdp(&line) == 0 ? 0 : 5;
