@@ -9,42 +9,9 @@
 #include "services/inline.hpp"
 #include "sipcore/block.hpp"
 #include "sipcore/fill.hpp"
+#include "text/bytes.hpp"
 
 namespace sdpline {
-
-// Most texts are a word, and most lists short: they are copied in parts of a fixed size, the last
-// of which overlaps the one before, without a call.
-SDPLINE_INLINE void copyBytes(void *to, const void *from, size_t size) {
-    constexpr size_t kLong = 128;
-    auto *const target = static_cast<char *>(to);
-    const auto *const source = static_cast<const char *>(from);
-    if (size >= 16) {
-        if (size > kLong) {
-            std::memcpy(to, from, size);
-            return;
-        }
-        for (size_t at = 0; at + 16 < size; at += 16) {
-            std::memcpy(target + at, source + at, 16);
-        }
-        std::memcpy(target + size - 16, source + size - 16, 16);
-    } else if (size >= 8) {
-        uint64_t last;
-        std::memcpy(&last, source + size - 8, 8);
-        std::memcpy(target, source, 8);
-        std::memcpy(target + size - 8, &last, 8);
-    } else if (size >= 4) {
-        uint32_t last;
-        std::memcpy(&last, source + size - 4, 4);
-        std::memcpy(target, source, 4);
-        std::memcpy(target + size - 4, &last, 4);
-    } else if (size != 0) {
-        const char middle = source[size / 2];
-        const char last = source[size - 1];
-        target[0] = source[0];
-        target[size / 2] = middle;
-        target[size - 1] = last;
-    }
-}
 
 // ---- A decode's memory
 

@@ -10,36 +10,9 @@
 #include <string_view>
 
 #include "services/inline.hpp"
+#include "text/bytes.hpp"
 
 namespace sdpline {
-
-// Whether two texts of one length are equal; short texts need no call.
-SDPLINE_INLINE bool equalBytes(const char *a, const char *b, size_t size) {
-    const auto differ = [=]<class Part>(Part, size_t at) {
-        Part first;
-        Part second;
-        std::memcpy(&first, a + at, sizeof(Part));
-        std::memcpy(&second, b + at, sizeof(Part));
-        return first != second;
-    };
-    if (size >= 8) {
-        for (size_t at = 0; at + 8 < size; at += 8) {
-            if (differ(uint64_t{}, at)) {
-                return false;
-            }
-        }
-        return !differ(uint64_t{}, size - 8);
-    }
-    if (size >= 4) {
-        return !differ(uint32_t{}, 0) && !differ(uint32_t{}, size - 4);
-    }
-    for (size_t at = 0; at < size; ++at) {
-        if (a[at] != b[at]) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // Four bytes as a number, the same when the compiler reads them.
 SDPLINE_INLINE constexpr uint32_t fourBytes(const char *bytes) {
