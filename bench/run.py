@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Runs the benchmark programs and reports on all of them together. Options of Google Benchmark are
-handed on."""
+passed to it."""
 
 import argparse
 import os

@@ -1,6 +1,6 @@
 // The lexer: one current token over one NUL-terminated input, cut on demand under the context in
 // force. A token never spans a line end or the end of the input; there is no lookahead beyond the
-// current token and no way back.
+// current token and no backtracking.
 //
 // There are two lexers with the same operations. A BodyLexer reads a body's normal form, which
 // bytes that may be read follow: its operations are inlined, and the compiler keeps it in

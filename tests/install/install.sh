@@ -13,7 +13,7 @@ fail() {
   exit 1
 }
 
-# A tree of headers that every one stands on its own, and that names no folder of the build.
+# Whether each C header compiles alone, and nothing in the prefix names a folder of the build.
 look() { # PREFIX
   local header
   for header in "$1"/include/sdpline/*.h; do

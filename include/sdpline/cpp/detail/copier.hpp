@@ -131,9 +131,9 @@ inline void Memory::free(SDPMediaDesc *media) const {
 /* ---- Deep copies ----------------------------------------------------------------------------- */
 
 /*
- * Copies records into a block, piece by piece as a decode would make them. After the first failure
- * it makes nothing more: pointers that it gives are null, and ok() tells. What was made until then
- * holds no pointer of the source, and can be freed.
+ * Copies records into a block, one allocation at a time as a decode makes them. After the first
+ * failure it makes nothing more: pointers that it gives are null, and ok() tells. What was made until
+ * then holds no pointer of the source, and can be freed.
  *
  * fill(from, to) writes all of a record `to`; what that held before is lost.
  */
