@@ -45,4 +45,19 @@ std::string textOf(const sdpline::Body &body); // lines ended by LF
 std::string textOf(const std::vector<sdpline::Decision> &decisions);
 std::string textOf(const sdpline::Agreement &agreement);
 
+// Bodies below the heads, and what is decided when they meet.
+inline sdpline::Body offerOf(const std::string &media) {
+    return sdpline::Body::decode(kOfferHead + media).value();
+}
+inline sdpline::Body localOf(const std::string &media) {
+    return sdpline::Body::decode(kLocalHead + media).value();
+}
+inline std::string decisionsOf(const sdpline::Body &offer, const sdpline::Body &local) {
+    return textOf(sdpline::answer(offer, local).value().decisions);
+}
+
+inline bool contains(const std::string &text, const std::string &part) {
+    return text.find(part) != std::string::npos;
+}
+
 } // namespace negotiate_test
