@@ -155,7 +155,7 @@ public:
 
 private:
     uint32_t checked() const {
-        assert(at_ - limit_ <= kLineRoom);
+        assert(int64_t{at_ - limit_} <= int64_t{kLineRoom});
         return 0;
     }
 
