@@ -149,6 +149,14 @@ const char *const kFullBodyText = "v=0\r\n"
                                   "m=image 5000/2 udptl t38\r\n";
 
 FullBody::FullBody() {
+    fillTexts();
+    fillTimes();
+    fillAttributes();
+    fillMedia();
+    fillLine();
+}
+
+void FullBody::fillTexts() {
     info = str("A Seminar");
     uri = str("http://example.com/sdp");
     zone = str("2882844526 -1h");
@@ -173,7 +181,10 @@ FullBody::FullBody() {
     connection.stTptAddr = {SDP_TPTADDR_IPV4, {{224, 2, 17, 12}}};
     connection.ulTtl = 127;
     connection.ulNoOfAddrs = 3;
+    key.strKey = str("prompt");
+}
 
+void FullBody::fillTimes() {
     units[0] = {SDP_TIME_DAYS, 7};
     units[1] = {SDP_TIME_HOURS, 1};
     units[2] = {SDP_TIME_SECONDS, 0};
@@ -186,8 +197,9 @@ FullBody::FullBody() {
     repeats = {1, repeatItems};
     time = {2873397496, 2873404696, &repeats};
     timeItems[0] = &time;
-    key.strKey = str("prompt");
+}
 
+void FullBody::fillAttributes() {
     for (SDPAttr &attr : attrs) {
         attr = {};
     }
@@ -201,7 +213,9 @@ FullBody::FullBody() {
         attrItems[i] = &attrs[i];
     }
     attrList = {3, attrItems};
+}
 
+void FullBody::fillMedia() {
     payloads[0] = 0;
     payloads[1] = 8;
     payloads[2] = 97;
@@ -220,7 +234,9 @@ FullBody::FullBody() {
     medias[0].pstAttrList = &attrList;
     medias[1].stMediaField = {
         {SDP_MEDIA_IMAGE, nullptr}, 5000, 2, {SDP_PROTO_UDPTL, nullptr}, {SDP_FMT_T38, {}}};
+}
 
+void FullBody::fillLine() {
     line = {};
     line.stOrigin = {str("jdoe"),
                      str("2890844526"),

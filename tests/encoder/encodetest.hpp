@@ -86,6 +86,13 @@ struct FullBody {
     SDPMediaDesc medias[2];
     SDPMediaDesc *mediaItems[2];
     SdpLine line;
+
+private:
+    void fillTexts();
+    void fillTimes();
+    void fillAttributes();
+    void fillMedia();
+    void fillLine();
 };
 
 // The body's text, with CR LF.
