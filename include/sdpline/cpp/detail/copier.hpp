@@ -161,6 +161,16 @@ public:
         return make<Record>([&](Record &to) { fill(from, to); });
     }
 
+    /* A line by the C operation, which makes it or nothing. */
+    SDPAttr *clone(const SDPAttr &from) {
+        void *made = nullptr;
+        if (ok() &&
+            SdpCloneLine(memory_.control(), SDP_LINE_ATTRIBUTE, &from, &made) != 0) [[unlikely]] {
+            fail(noMemory);
+        }
+        return static_cast<SDPAttr *>(made);
+    }
+
     template <class Record>
     Record *cloneGiven(const Record *from) {
         return from != nullptr ? clone(*from) : nullptr;
@@ -194,8 +204,6 @@ public:
     void fill(const SDPTimeField &from, SDPTimeField &to) {
         to = {from.ulStartTime, from.ulStopTime, cloneGiven(from.pstRepeatFieldSet)};
     }
-
-    void fill(const SDPAttr &from, SDPAttr &to);
 
     void fill(const SDPMediaField &from, SDPMediaField &to) {
         const bool otherType = from.stMedia.enMediaType == SDP_MEDIA_OTHER;
@@ -325,47 +333,6 @@ private:
     Memory memory_;
     Error (*failure_)() = nullptr;
 };
-
-inline void Copier::fill(const SDPAttr &from, SDPAttr &to) {
-    using tables::Shape;
-    const auto &value = from.unAttrValue;
-    auto &copy = to.unAttrValue;
-    to = {from.ulAttrType, {}, nullptr};
-    switch (tables::shapeOf(from.ulAttrType)) {
-    case Shape::None:
-    case Shape::Flag:
-    case Shape::Direction: break;
-    case Shape::Number:
-    case Shape::Decimal:
-    case Shape::Switch:
-    case Shape::Keyword: copy.ulValue = value.ulValue; break;
-    case Shape::IpBcp: copy.stIpBcp = value.stIpBcp; break;
-    case Shape::Text: copy.strValue = text(value.strValue); break;
-    case Shape::NamedText:
-        to.pstAttrName = cloneGiven(from.pstAttrName);
-        copy.strValue = text(value.strValue);
-        break;
-    case Shape::NameOnly: to.pstAttrName = cloneGiven(from.pstAttrName); break;
-    case Shape::RtpMap:
-        copy.stRtpMap = value.stRtpMap;
-        copy.stRtpMap.strEncodingName = text(value.stRtpMap.strEncodingName);
-        break;
-    case Shape::SilenceSupp:
-        copy.stSilenceSupp = {value.stSilenceSupp.bOn, text(value.stSilenceSupp.strParams)};
-        break;
-    case Shape::Ecan:
-        copy.stEcan = {value.stEcan.bOn, value.stEcan.enEcanDir, text(value.stEcan.strParams)};
-        break;
-    case Shape::Precondition: {
-        const auto &type = value.stRsrcMgmtStatus.stPrecondition;
-        const bool other = type.enPreconditionType == SDP_PRECONDITION_OTHER;
-        copy.stRsrcMgmtStatus = value.stRsrcMgmtStatus;
-        copy.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition =
-            otherText(other, type.pstrOtherPrecondition);
-        break;
-    }
-    }
-}
 
 } // namespace internal
 } // namespace v1
