@@ -248,9 +248,13 @@ private:
     void rtpmap(std::string_view value) {
         limit(value, 127, Rule::PayloadRange);
         value.remove_prefix(std::min(value.find('/'), value.size()));
-        while (value.starts_with('/')) {
-            skip(value, '/');
-            limit(value, kLargestU32, Rule::NumberWraps);
+        skip(value, '/');
+        limit(value, kLargestU32, Rule::NumberWraps);
+        skip(value, '/');
+        const std::string_view channels = value;
+        limit(value, kLargestU32, Rule::NumberWraps);
+        if (!channels.empty() && channels.find_first_not_of('0') == std::string_view::npos) {
+            doubt(Rule::AttributeLost, channels);
         }
     }
 

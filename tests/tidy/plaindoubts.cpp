@@ -192,6 +192,9 @@ private:
             limit(line, match, 1, "127", "PayloadRange");
             limit(line, match, 2, largest, "NumberWraps");
             limit(line, match, 3, largest, "NumberWraps");
+            if (match[3].matched && !isAbove(match.str(3), "0")) {
+                add(line, static_cast<size_t>(match.position(3)), "AttributeLost");
+            }
         } else if (key == 'r') {
             repeat(line);
         } else if (key == 'm') {
