@@ -56,10 +56,12 @@ void eachLine(std::string_view text, char lineEnd, Use use) {
     }
 }
 
-void requireNoLineLost(std::string_view text, const Report &report) {
+// Lines end in CR where that is repaired.
+void requireNoLineLost(std::string_view text, const Report &report, uint64_t rules) {
     std::map<std::string, int> lost;
-    const bool hasLf = text.find('\n') != std::string_view::npos;
-    eachLine(text, hasLf ? '\n' : '\r', [&](uint32_t number, const std::string &line) {
+    const bool endsInCr = text.find('\n') == std::string_view::npos &&
+                          (rules & SDP_TIDY_BIT(SDP_TIDY_LINE_END_CR)) != 0;
+    eachLine(text, endsInCr ? '\r' : '\n', [&](uint32_t number, const std::string &line) {
         const SDPTidyRow *const rows = report->pstRows;
         const bool told = std::any_of(rows, rows + report->ulNoOfRows,
                                       [=](const SDPTidyRow &row) { return row.ulLine == number; });
@@ -98,7 +100,7 @@ void requireTidied(std::string_view text, uint64_t rules) {
     require(fuzz::decode(report.text()) != nullptr, "what was repaired decodes");
     const Report again(SdpTidyText, report.text(), rules);
     require(again->enOutcome == SDP_TIDY_UNCHANGED, "tidying twice is tidying once");
-    requireNoLineLost(text, report);
+    requireNoLineLost(text, report, rules);
 }
 
 // What plain questions find, the library finds, and nothing else. They need stack by the byte.
