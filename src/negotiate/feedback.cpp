@@ -16,7 +16,7 @@ struct Feedback {
 
 // False for an attribute that is no a=rtcp-fb, or a malformed one.
 bool feedbackOf(const SDPAttr &attribute, Feedback &feedback) {
-    if (otherName(attribute) != "rtcp-fb") {
+    if (attribute.ulAttrType != SDP_ATTR_UNREC_VALUE || otherName(attribute) != "rtcp-fb") {
         return false;
     }
     std::string_view text = otherValue(attribute);

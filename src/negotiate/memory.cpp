@@ -16,11 +16,14 @@ bool Arena::refill(size_t size) {
 }
 
 Text &Text::operator<<(uint32_t number) {
-    if (number >= 100 || size_ + 2 > sizeof bytes_) {
+    if (number >= 1000 || size_ + 3 > sizeof bytes_) {
         return addLong(number);
     }
-    if (number >= 10) { // most are payload numbers and streams
-        bytes_[size_++] = static_cast<char>('0' + number / 10);
+    if (number >= 100) { // most are payload numbers and streams
+        bytes_[size_++] = static_cast<char>('0' + number / 100);
+    }
+    if (number >= 10) {
+        bytes_[size_++] = static_cast<char>('0' + number / 10 % 10);
     }
     bytes_[size_++] = static_cast<char>('0' + number % 10);
     return *this;

@@ -34,7 +34,8 @@ void Report::add(Reason reason, uint32_t stream, std::string_view detail, uint32
     if (!wanted_) {
         return;
     }
-    auto *const decision = arena.make<SdpNegotiateDecision>();
+    auto *const decision =
+        static_cast<SdpNegotiateDecision *>(arena.take(sizeof(SdpNegotiateDecision)));
     if (decision == nullptr) {
         return;
     }
