@@ -113,6 +113,17 @@ private:
         }
     }
 
+    // A number of which one value is not written back. One that wraps to it is told as wrapped.
+    void limitExcept(std::string_view &rest, uint64_t lost) {
+        const std::string_view at = rest;
+        const uint64_t number = takeNumber(rest);
+        if (number > kLargestU32) {
+            doubt(Rule::NumberWraps, at);
+        } else if (number == lost && rest.size() != at.size()) {
+            doubt(Rule::AttributeLost, at);
+        }
+    }
+
     // Where the line begins in the text.
     uint32_t lineStart() const { return static_cast<uint32_t>(given_.data() - text_.data()); }
 
@@ -183,7 +194,7 @@ private:
         }
         while (value.starts_with('/')) {
             skip(value, '/');
-            limit(value, kLargestU32, Rule::NumberWraps);
+            limitExcept(value, SDP_NOT_GIVEN);
         }
     }
 
@@ -208,7 +219,7 @@ private:
         limit(value, 65535, Rule::PortRange);
         if (value.starts_with('/')) {
             skip(value, '/');
-            limit(value, kLargestU32, Rule::NumberWraps);
+            limitExcept(value, 0);
         }
         skip(value, ' ');
         if (!takesPayloads(takeWord(value), rtpFamily_)) {
@@ -251,11 +262,7 @@ private:
         skip(value, '/');
         limit(value, kLargestU32, Rule::NumberWraps);
         skip(value, '/');
-        const std::string_view channels = value;
-        limit(value, kLargestU32, Rule::NumberWraps);
-        if (!channels.empty() && channels.find_first_not_of('0') == std::string_view::npos) {
-            doubt(Rule::AttributeLost, channels);
-        }
+        limitExcept(value, 0);
     }
 
     // A number that only the style of values writes back; the others write a name for 1 alone.

@@ -139,9 +139,8 @@ constexpr SDPTidyRule kRules[] = {
         "the first letter is kept", "RFC 4566 5.10", kLoses),
     row(Rule::FramerateRounded, kDoubt, "FramerateRounded", "a frame rate with a fraction",
         "the fraction is dropped", "RFC 4566 6", kLoses),
-    row(Rule::AttributeLost, kDoubt, "AttributeLost",
-        "an attribute that is not written back as read", "see the grammar of its value",
-        "RFC 4566 5.13", kLoses),
+    row(Rule::AttributeLost, kDoubt, "AttributeLost", "a value that is not written back as read",
+        "see the grammar of its value", "RFC 4566 9", kLoses),
     row(Rule::MediaCount, kDoubt, "MediaCount", "more than 255 m= lines",
         "their number is kept modulo 256", "RFC 4566 5.14", kLoses, kMayChange),
 };

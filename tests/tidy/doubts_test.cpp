@@ -62,7 +62,7 @@ std::string doubtful(std::mt19937 &engine) {
                                  "\na=framerate:29.97", "\na=framerate:25.0", "\n a=ptime:20"};
     for (uint32_t i = chance.below(6); i > 0; --i) {
         const size_t at = chance.below(text.size());
-        switch (chance.below(4)) {
+        switch (chance.below(5)) {
         case 0: text.insert(at, 1, "\0\r 9"[chance.below(4)]); break;
         case 1: {
             const size_t end = text.find('\n', at);
@@ -72,6 +72,14 @@ std::string doubtful(std::mt19937 &engine) {
         case 2: {
             const size_t digit = text.find_first_of("0123456789", at);
             text.insert(digit == std::string::npos ? 0 : digit, "4294967296");
+            break;
+        }
+        case 3: {
+            const size_t digit = text.find_first_of("0123456789", at);
+            if (digit != std::string::npos) {
+                const size_t end = text.find_first_not_of("0123456789", digit);
+                text.replace(digit, end - digit, chance.oneIn(2) ? "0" : "4294967295");
+            }
             break;
         }
         default: text.insert(at, chance.oneIn(2) ? "\n\n" : "\r\n\r\nm=audio 5 RTP/AVP 0\r\n");

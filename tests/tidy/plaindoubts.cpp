@@ -144,6 +144,20 @@ private:
         }
     }
 
+    // The largest number in 32 bits is written back as if none had been given.
+    void given(const PlainLine &line, const std::smatch &match, size_t group) {
+        const bool wraps = match[group].matched && isAbove(match.str(group), "4294967295");
+        limit(line, match, group, "4294967294", wraps ? "NumberWraps" : "AttributeLost");
+    }
+
+    // A number of 0 is written back as if none had been given.
+    void counted(const PlainLine &line, const std::smatch &match, size_t group) {
+        limit(line, match, group, "4294967295", "NumberWraps");
+        if (match[group].matched && !isAbove(match.str(group), "0")) {
+            add(line, static_cast<size_t>(match.position(group)), "AttributeLost");
+        }
+    }
+
     void values(const PlainLine &line, char key) {
         static const std::string largest = "4294967295";
         static const std::regex version("v=(\\d+)");
@@ -165,15 +179,15 @@ private:
             for (size_t octet = 1; octet <= 4; ++octet) {
                 limit(line, match, octet, "255", "OctetRange");
             }
-            limit(line, match, 5, largest, "NumberWraps");
-            limit(line, match, 6, largest, "NumberWraps");
+            given(line, match, 5);
+            given(line, match, 6);
         } else if (std::regex_match(text, match, ip6)) {
             in6_addr address;
             if (inet_pton(AF_INET6, match.str(1).c_str(), &address) != 1) {
                 add(line, static_cast<size_t>(match.position(1)), "AddressText");
             }
-            limit(line, match, 2, largest, "NumberWraps");
-            limit(line, match, 3, largest, "NumberWraps");
+            given(line, match, 2);
+            given(line, match, 3);
         } else if (std::regex_match(text, match, number)) {
             limit(line, match, 1, largest, "NumberWraps");
             if (match[2].matched && match.str(2).find_first_not_of(".0") != std::string::npos) {
@@ -191,10 +205,7 @@ private:
         } else if (std::regex_match(text, match, map)) {
             limit(line, match, 1, "127", "PayloadRange");
             limit(line, match, 2, largest, "NumberWraps");
-            limit(line, match, 3, largest, "NumberWraps");
-            if (match[3].matched && !isAbove(match.str(3), "0")) {
-                add(line, static_cast<size_t>(match.position(3)), "AttributeLost");
-            }
+            counted(line, match, 3);
         } else if (key == 'r') {
             repeat(line);
         } else if (key == 'm') {
@@ -222,7 +233,7 @@ private:
             return;
         }
         limit(line, match, 1, "65535", "PortRange");
-        limit(line, match, 2, "4294967295", "NumberWraps");
+        counted(line, match, 2);
         if (!isRtp(match.str(3), rtpFamily_)) {
             return;
         }
