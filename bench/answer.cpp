@@ -63,10 +63,11 @@ bool answerMedia(const sdpline::Body &offer, const Media &offered, sdpline::Body
     if (!media) {
         return false;
     }
-    auto lines = media->attributes();
-    return lines.addAll(offered.attributes(), [&](const Attribute &one) {
-        return isMirrored(one, spoken);
-    }) && lines.setDirection(sdpline::reversed(offer.directionOf(offered)));
+    return media->attributes()
+        .addAll(
+            offered.attributes(), [&](const Attribute &one) { return isMirrored(one, spoken); },
+            sdpline::reversed(offer.directionOf(offered)))
+        .ok();
 }
 
 } // namespace

@@ -246,7 +246,7 @@ SDPLINE_INLINE SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void 
 // ---- Arguments
 
 bool isRefused(const SDPMemCp *memCp, uint32_t type, const void *source, const void *target) {
-    return memCp == nullptr || type >= SDP_LINE_COUNT || source == nullptr || target == nullptr;
+    return memCp == nullptr || source == nullptr || type >= SDP_LINE_COUNT || target == nullptr;
 }
 
 [[gnu::cold, gnu::noinline]] SDPResult refuseCopy() {
@@ -265,44 +265,48 @@ SDPResult SdpCopyLineValidate(SDPMemCp *memCp, uint32_t type, const void *source
     return isRefused(memCp, type, source, target) ? fail(Check::CopyValidate) : 0;
 }
 
+// The type is looked at once in place: one that there is no line of is none that is copied there.
 SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
-    if (isRefused(memCp, type, source, target)) [[unlikely]] {
+    if (memCp == nullptr || source == nullptr) [[unlikely]] {
         return refuseCopy();
     }
-    if (!builtin.copiesLines(*memCp)) {
-        return copyByServices(memCp, type, source, target);
+    if (builtin.copiesLines(*memCp) && target != nullptr) [[likely]] {
+        switch (type) {
+        case SDP_LINE_ORIGIN: return copyInPlace<SDPOrigin>(memCp, type, source, target);
+        case SDP_LINE_MEDIA: return copyInPlace<SDPMediaField>(memCp, type, source, target);
+        case SDP_LINE_NAME: return copyInPlace<SipString>(memCp, type, source, target);
+        default: break;
+        }
     }
-    switch (type) {
-    case SDP_LINE_ORIGIN: return copyInPlace<SDPOrigin>(memCp, type, source, target);
-    case SDP_LINE_MEDIA: return copyInPlace<SDPMediaField>(memCp, type, source, target);
-    case SDP_LINE_NAME: return copyInPlace<SipString>(memCp, type, source, target);
-    default: return copyByServices(memCp, type, source, target);
-    }
+    return isRefused(memCp, type, source, target) ? refuseCopy()
+                                                  : copyByServices(memCp, type, source, target);
 }
 
 SDPResult SdpCloneLineValidate(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
     return isRefused(memCp, type, source, target) ? fail(Check::CloneValidate) : 0;
 }
 
+// Most lines are attributes, for which nothing is looked at twice.
 SDPResult SdpCloneLine(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
-    if (isRefused(memCp, type, source, target)) [[unlikely]] {
+    if (memCp == nullptr || source == nullptr) [[unlikely]] {
         return refuseClone();
     }
-    if (!builtin.copiesLines(*memCp)) [[unlikely]] {
-        return cloneByServices(memCp, type, source, target);
+    if (builtin.copiesLines(*memCp) && target != nullptr) [[likely]] {
+        if (type == SDP_LINE_ATTRIBUTE) [[likely]] {
+            return cloneAttribute(memCp, source, target);
+        }
+        if (type >= SDP_LINE_INFO && type < SDP_LINE_COUNT) { // lines that are one text
+            return cloneInPlace<SipString>(memCp, type, source, target);
+        }
+        if (type == SDP_LINE_CONNECTION) {
+            return cloneInPlace<SDPConnection>(memCp, type, source, target);
+        }
+        if (type == SDP_LINE_TIME) {
+            return cloneInPlace<SDPTimeField>(memCp, type, source, target);
+        }
     }
-    if (type == SDP_LINE_ATTRIBUTE) [[likely]] {
-        return cloneAttribute(memCp, source, target);
-    }
-    switch (type) {
-    case SDP_LINE_CONNECTION: return cloneInPlace<SDPConnection>(memCp, type, source, target);
-    case SDP_LINE_TIME: return cloneInPlace<SDPTimeField>(memCp, type, source, target);
-    case SDP_LINE_VERSION:
-    case SDP_LINE_ORIGIN:
-    case SDP_LINE_MEDIA:
-    case SDP_LINE_REPEAT: return cloneByServices(memCp, type, source, target);
-    default: return cloneInPlace<SipString>(memCp, type, source, target);
-    }
+    return isRefused(memCp, type, source, target) ? refuseClone()
+                                                  : cloneByServices(memCp, type, source, target);
 }
 
 SDPResult SdpClearLineValidate(SDPMemCp *memCp, uint32_t type, void *value) {

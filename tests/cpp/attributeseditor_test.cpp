@@ -234,6 +234,22 @@ TEST(CppAttributesEditor, ChosenLinesOfAListAreAddedAtOnce) {
     EXPECT_TRUE(session.empty());
 }
 
+TEST(CppAttributesEditor, ValuesFollowTheChosenLinesOfAList) {
+    const Body offer = decoded(kEveryLine);
+    Body answer = decoded(std::string(kPlain) + "a=x\r\n");
+    auto lines = answer.media()[0].attributes();
+    const auto isMap = [](const Attribute &line) { return line.as<RtpMap>().has_value(); };
+    EXPECT_DONE(lines.addAll(offer.media()[0].attributes(), isMap, Direction::RecvOnly,
+                             Fmtp{"101", "0-11"}, AttributeType::Fax));
+    EXPECT_EQ(attributesOf(answer), "x|rtpmap:96 AMR-WB/16000|rtpmap:101 telephone-event/8000|"
+                                    "recvonly|fmtp:101 0-11|fax");
+    EXPECT_REFUSED(lines.addAll(lines, isMap, Direction::Inactive, AttributeType::PTime),
+                   "the attribute needs a value");
+    EXPECT_EQ(lines.size(), 6u); // and nothing of it is there
+    EXPECT_DONE(answer.attributes().addAll(Attributes(), isMap, Direction::SendOnly));
+    EXPECT_EQ(answer.attributes().direction(), Direction::SendOnly);
+}
+
 TEST(CppAttributesEditor, SetTakesThePlaceOfAllOfTheType) {
     Body body = decoded(std::string(kPlain) + "a=sendonly\r\na=ptime:20\r\na=recvonly\r\n"
                                               "a=ptime:30\r\na=tool:x\r\n");

@@ -68,6 +68,12 @@ const Operation kOperations[] = {
     {"attribute by known name", [](Body &body) { return body.attributes().set("tool", "y"); }},
     {"attributes of a list",
      [](Body &body) { return body.attributes().addAll(offer().media()[0].attributes()); }},
+    {"values after lines of a list",
+     [](Body &body) {
+         const auto all = [](const Attribute &) { return true; };
+         return body.attributes().addAll(offer().media()[0].attributes(), all, Direction::Inactive,
+                                         Fmtp{"0", "x"});
+     }},
     {"e-mail before others", [](Body &body) { return body.emails().insert(0, "x"); }},
     {"repeat",
      [](Body &body) {

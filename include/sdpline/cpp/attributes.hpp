@@ -55,7 +55,9 @@ struct ValueIn;
 
 template <tables::Shape shape>
 struct ValueOfShape {
-    static bool holds(const SDPAttr &attribute) { return shapeOf(attribute) == shape; }
+    static bool holds(const SDPAttr &attribute) {
+        return tables::isOf<shape>(attribute.ulAttrType);
+    }
 };
 
 template <AttributeType type>

@@ -36,9 +36,10 @@ public:
     /* Adds a line that holds the value: a Direction, RtpMap, Fmtp, T38RateManagement,
      * T38ErrorCorrection, SilenceSupp, Ecan, Precondition, IpBcp or SetupRole; or an AttributeType
      * that needs no value: the directions, fax, modem, X-fax, X-modem and the three T.38 flags. */
-    template <class Value>
-    requires requires(internal::Draft draft, const Value &value) { draft.fill(value); }
-    Status add(const Value &value) { return put(kAtEnd, value); }
+    template <internal::MakesAttribute Value>
+    Status add(const Value &value) {
+        return put(kAtEnd, value);
+    }
 
     /* ptime, maxptime, framerate, quality, a T.38 number or flag. A flag of 0 is a line that the
      * encoder leaves out, unless SDP_T38_STYLE_VALUE is set. */
@@ -59,19 +60,33 @@ public:
     Status add(const Attribute &attribute) { return put(kAtEnd, attribute); }
 
     /* Copies of the lines of a list, of whatever body, for which wanted(Attribute) holds, in their
-     * order; all of them or none. wanted must not change the body. */
-    template <class Wanted>
-    Status addAll(const Attributes &lines, Wanted wanted) {
-        Status status = home_.insertItems(Attributes(home_.get()).size(), lines.size(),
-                                          [&](internal::Copier &copier, SDPAttr **slots) {
-                                              std::size_t made = 0;
-                                              for (const Attribute line : lines) {
-                                                  if (wanted(line)) {
-                                                      slots[made++] = copier.clone(*line.record());
-                                                  }
-                                              }
-                                              return made;
-                                          });
+     * order, and after them a line for each value, as add takes one; all of them or none. wanted
+     * must not change the body. An answer repeats lines of its offer and gives its own direction:
+     *
+     *     lines.addAll(offered.attributes(), isRepeated, Direction::SendOnly);
+     */
+    template <class Wanted, internal::MakesAttribute... Values>
+    Status addAll(const Attributes &lines, Wanted wanted, const Values &...after) {
+        std::array<internal::Draft, sizeof...(after)> drafts;
+        [[maybe_unused]] std::size_t filled = 0;
+        std::optional<Error> error;
+        if (((error = drafts[filled++].fill(after)) || ...)) {
+            return *error;
+        }
+        const auto make = [&](internal::Copier &copier, SDPAttr **slots) {
+            std::size_t made = 0;
+            for (const Attribute line : lines) {
+                if (wanted(line)) {
+                    slots[made++] = copier.clone(*line.record());
+                }
+            }
+            for (const internal::Draft &draft : drafts) {
+                slots[made++] = copier.clone(draft.record);
+            }
+            return made;
+        };
+        Status status =
+            home_.insertItems(Attributes(home_.get()).size(), lines.size() + drafts.size(), make);
         lookAt(home_.get());
         return status;
     }
@@ -81,9 +96,10 @@ public:
 
     /* What add takes, before the line of that index. An index of size() adds it at the end, one
      * beyond it ends the program. */
-    template <class Value>
-    requires requires(internal::Draft draft, const Value &value) { draft.fill(value); }
-    Status insert(std::size_t index, const Value &value) { return put(checked(index), value); }
+    template <internal::MakesAttribute Value>
+    Status insert(std::size_t index, const Value &value) {
+        return put(checked(index), value);
+    }
     Status insert(std::size_t index, AttributeType type, std::uint32_t number) {
         return put(checked(index), type, number);
     }

@@ -76,10 +76,7 @@ inline std::string toText(const TypedTime &time) {
 inline std::string toText(const Attribute &attribute) {
     return internal::textOr(std::nullopt, SDP_LINE_ATTRIBUTE, attribute.record());
 }
-template <class Value>
-requires requires(internal::Draft draft, const Value &value) {
-    draft.fill(value);
-}
+template <internal::MakesAttribute Value>
 std::string toText(const Value &value) {
     internal::Draft draft;
     const auto refused = draft.fill(value);

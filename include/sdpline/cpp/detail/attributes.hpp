@@ -93,6 +93,34 @@ constexpr Shape shapeOf(std::uint32_t type) {
     return type <= kLastAttribute ? kShapes[type] : Shape::None;
 }
 
+/* The types of a shape, none where others lie between them. */
+struct TypeRange {
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+};
+
+constexpr TypeRange rangeOf(Shape shape) {
+    TypeRange range;
+    for (std::uint32_t type = 1; type <= kLastAttribute; ++type) {
+        if (kShapes[type] != shape) {
+            continue;
+        }
+        if (range.count != 0 && type != range.first + range.count) {
+            return {};
+        }
+        range = {type - range.count, range.count + 1};
+    }
+    return range;
+}
+
+/* Whether a type is of that shape: most shapes are one type or a few, and need no look at the
+ * table. */
+template <Shape shape>
+constexpr bool isOf(std::uint32_t type) {
+    constexpr TypeRange range = rangeOf(shape);
+    return range.count != 0 ? type - range.first < range.count : shapeOf(type) == shape;
+}
+
 /* A row holds what its shape asks for, and the records have room for it. */
 constexpr bool isComplete(const AttributeRow &row, std::size_t index) {
     const bool kept = row.shape == Shape::NamedText || row.shape == Shape::NameOnly;
@@ -107,6 +135,8 @@ static_assert([] {
     }
     return kAttributes.size() == kLastAttribute + 1;
 }());
+static_assert(rangeOf(Shape::Direction).first == SDP_ATTR_SENDRECV &&
+              rangeOf(Shape::Direction).count == 4);
 static_assert(sizeof(SDPAttr::unAttrValue.ulValue) == sizeof(std::uint32_t) &&
               sizeof(SDPAttr::unAttrValue.enT120Mode) == sizeof(std::uint32_t));
 

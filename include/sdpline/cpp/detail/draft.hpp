@@ -204,6 +204,12 @@ private:
     SipString other_ = {};
 };
 
+/* A value that is an attribute by itself. */
+template <class Value>
+concept MakesAttribute = requires(Draft draft, const Value &value) {
+    draft.fill(value);
+};
+
 } // namespace internal
 } // namespace v1
 } // namespace sdpline
