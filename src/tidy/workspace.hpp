@@ -298,8 +298,26 @@ constexpr size_t countDigits(std::string_view text) {
     return count;
 }
 
-constexpr bool isNumber(std::string_view text) {
-    return !text.empty() && countDigits(text) == text.size();
+inline bool areEightDigits(const char *bytes) {
+    constexpr uint64_t each = 0x0101010101010101;
+    uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    const uint64_t high = value & 0xF0 * each;
+    const uint64_t highOfNext = (value + 0x06 * each) & 0xF0 * each; // 0x40 beyond a 9
+    return (high | highOfNext >> 4) == 0x33 * each;
+}
+
+inline bool isNumber(std::string_view text) {
+    if (text.size() < 8) {
+        return !text.empty() && countDigits(text) == text.size();
+    }
+    const size_t last = text.size() - 8; // the last eight may overlap those before
+    for (size_t at = 0; at < last; at += 8) {
+        if (!areEightDigits(text.data() + at)) {
+            return false;
+        }
+    }
+    return areEightDigits(text.data() + last);
 }
 
 constexpr char lower(char byte) {
