@@ -95,7 +95,8 @@ public:
     void cut(uint32_t count) { count_ = count; } // keeps the first ones
 
 private:
-    bool grow() {
+    // Not inlined, so that add() saves no registers.
+    [[gnu::noinline]] bool grow() {
         const uint32_t capacity = capacity_ != 0 ? capacity_ * 2 : 8;
         auto *const items = static_cast<T *>(arena_->take(capacity * sizeof(T)));
         if (items == nullptr) {
@@ -145,7 +146,7 @@ public:
     bool empty() const { return size_ == 0; }
 
 private:
-    Text &addLong(uint32_t number);
+    [[gnu::noinline]] Text &addLong(uint32_t number); // not inlined: short ones save no registers
 
     char bytes_[SDP_MAX_VALUE];
     size_t size_ = 0;

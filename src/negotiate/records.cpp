@@ -2,8 +2,52 @@
 #include "negotiate/records.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace sdpline::negotiate {
+
+namespace {
+
+// The bits in which the first bytes of two texts differ, as many as a `Word` has.
+template <class Word>
+Word differenceOf(const char *one, const char *two) {
+    Word first = 0;
+    Word second = 0;
+    std::memcpy(&first, one, sizeof first);
+    std::memcpy(&second, two, sizeof second);
+    return first ^ second;
+}
+// Those of their first and their last bytes, which overlap in short texts. Both have one size, no
+// less than that of a `Word`.
+template <class Word>
+Word differenceAtEnds(std::string_view one, std::string_view two) {
+    const size_t last = one.size() - sizeof(Word);
+    return differenceOf<Word>(one.data(), two.data()) |
+           differenceOf<Word>(one.data() + last, two.data() + last);
+}
+
+} // namespace
+
+// Most words are equal, or differ in another bit than that of the case in their first four or their
+// last four bytes.
+bool sameLetters(std::string_view one, std::string_view two) {
+    const size_t size = one.size();
+    if (size >= 4) {
+        const uint32_t difference = differenceAtEnds<uint32_t>(one, two);
+        if ((difference & ~0x20202020u) != 0 || (difference == 0 && size <= 8)) {
+            return difference == 0;
+        }
+        if (size > 8 && size <= 16 && differenceAtEnds<uint64_t>(one, two) == 0) {
+            return true;
+        }
+    }
+    for (size_t i = 0; i < size; ++i) {
+        if (one[i] != two[i] && lower(one[i]) != lower(two[i])) {
+            return false;
+        }
+    }
+    return true;
+}
 
 bool hasWord(std::string_view text, std::string_view word) {
     for (size_t at = 0; at + word.size() <= text.size(); ++at) {

@@ -52,37 +52,11 @@ constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
-constexpr bool sameLetters(std::string_view one, std::string_view two) {
-    for (size_t i = 0; i < one.size(); ++i) {
-        if (one[i] != two[i] && lower(one[i]) != lower(two[i])) {
-            return false;
-        }
-    }
-    return true;
-}
-// The bits in which the first four bytes of two texts differ.
-inline uint32_t differenceOf(const char *one, const char *two) {
-    uint32_t first = 0;
-    uint32_t second = 0;
-    std::memcpy(&first, one, sizeof first);
-    std::memcpy(&second, two, sizeof second);
-    return first ^ second;
-}
-// Equal but for the case of ASCII letters. Most words are equal, or differ in another bit than that
-// of the case in their first four or their last four bytes.
+// Of two texts of one size, whether they are equal but for the case of ASCII letters.
+bool sameLetters(std::string_view one, std::string_view two);
+// Equal but for that case. Inlined as far as the sizes, which tell most words from each other.
 inline bool sameWord(std::string_view one, std::string_view two) {
-    const size_t size = one.size();
-    if (size != two.size()) {
-        return false;
-    }
-    if (size >= 4) {
-        const uint32_t difference = differenceOf(one.data(), two.data()) |
-                                    differenceOf(one.data() + size - 4, two.data() + size - 4);
-        if ((difference & ~0x20202020u) != 0 || (difference == 0 && size <= 8)) {
-            return difference == 0;
-        }
-    }
-    return sameLetters(one, two);
+    return one.size() == two.size() && sameLetters(one, two);
 }
 
 bool hasWord(std::string_view text, std::string_view word); // inside, without case
