@@ -67,7 +67,7 @@ bool isIp6Text(std::string_view text) {
         return countGroups(text, true) == kGroups;
     }
     const std::string_view before = text.substr(0, gap);
-    const std::string_view after = text.substr(gap + 2);
+    const std::string_view after = withoutFirst(text, gap + 2);
     return countGroups(before, false) + countGroups(after, true) < kGroups;
 }
 

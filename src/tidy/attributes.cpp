@@ -233,7 +233,7 @@ bool isPlain(const Attribute &attribute) {
     case Shape::Text:
     case Shape::Any: return true;
     case Shape::Words:
-    case Shape::MaybeWords: return countBlanks(rest.substr(1)) != kNotEven;
+    case Shape::MaybeWords: return countBlanks(withoutFirst(rest, 1)) != kNotEven;
     default: return false;
     }
 }
@@ -242,7 +242,8 @@ bool isPlain(const Attribute &attribute) {
 
 void repairAttribute(Workspace &work, Line &line, std::string_view value) {
     constexpr char rtpmap[] = "rtpmap:";
-    if (beginsWith(value, rtpmap) && isSettledRtpmap(work, line, value.substr(sizeof rtpmap - 1))) {
+    if (beginsWith(value, rtpmap) &&
+        isSettledRtpmap(work, line, withoutFirst(value, sizeof rtpmap - 1))) {
         return;
     }
     const Attribute attribute(value);

@@ -139,7 +139,7 @@ private:
         }
         const size_t cr = read_.find('\r');
         if (cr != std::string_view::npos) {
-            doubt(Rule::CrInside, read_.substr(cr));
+            doubt(Rule::CrInside, withoutFirst(read_, cr));
         }
         std::string_view value = read_;
         if (line_ > 1 && value.starts_with(' ')) {
@@ -147,7 +147,7 @@ private:
             value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
         }
         if (value.size() > 1 && !memory_.hasFailed()) {
-            readValue(value.front(), value.substr(2));
+            readValue(value.front(), withoutFirst(value, 2));
         }
     }
 

@@ -36,7 +36,7 @@ char looseKeyOf(std::string_view line) {
     if (line.empty() || !isLetter(line.front())) {
         return '\0';
     }
-    return withoutBlanksBefore(line.substr(1)).starts_with('=') ? line.front() : '\0';
+    return withoutBlanksBefore(withoutFirst(line, 1)).starts_with('=') ? line.front() : '\0';
 }
 
 bool endsDescription(std::string_view line) {
@@ -257,7 +257,7 @@ template <char kBreak>
 bool cut(Workspace &work) {
     // The decoder has counted those that it took.
     const uint32_t taken = work.takenLines();
-    const std::string_view rest = work.text.substr(taken == 0 ? 0 : work.takenSize);
+    const std::string_view rest = withoutFirst(work.text, taken == 0 ? 0 : work.takenSize);
     const auto room = taken + static_cast<uint32_t>(rest.size()) / kUsualLine + kFewLines;
     work.lines = work.memory.array<Line>(room);
     if (work.lines != nullptr && !Reader<kBreak>(work, room).read()) {

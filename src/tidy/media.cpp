@@ -18,7 +18,7 @@ std::string_view payloadOf(const Line &line) {
     if (!value.starts_with(begin)) {
         return {};
     }
-    value = withoutBlanksBefore(value.substr(begin.size()));
+    value = withoutBlanksBefore(withoutFirst(value, begin.size()));
     return value.substr(0, countDigits(value));
 }
 
@@ -160,10 +160,13 @@ private:
         std::string_view rest = withoutBlanksAfter(value_);
         while (!rest.empty()) {
             const std::string_view field = wordOf(rest);
-            const std::string_view more = withoutBlanksBefore(rest.substr(field.size()));
+            const std::string_view more = withoutBlanksBefore(withoutFirst(rest, field.size()));
             const size_t blanks = rest.size() - field.size() - more.size();
             const bool even = blanks == 1 && rest[field.size()] == ' ';
-            draft << field << (more.empty() ? "" : even ? rest.substr(field.size(), 1) : " ");
+            draft << field
+                  << (more.empty() ? ""
+                      : even       ? withoutFirst(rest, field.size()).substr(0, 1)
+                                   : " ");
             rest = more;
         }
         line_.text = (draft << after).text();
@@ -203,7 +206,8 @@ void repairMedia(Workspace &work, Line &line, std::string_view value) {
 // Nothing but the space around its "=" has been repaired: its value is where it was.
 void addFormats(Workspace &work, Line &line) {
     const size_t size = line.text.size() - (line.text.find('=') + 1);
-    MediaLine(work, line, line.original.substr(line.original.size() - size)).repairDeferred();
+    MediaLine(work, line, withoutFirst(line.original, line.original.size() - size))
+        .repairDeferred();
 }
 
 } // namespace sdpline::tidy

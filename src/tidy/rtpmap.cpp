@@ -27,12 +27,12 @@ struct Rtpmap {
         const std::string_view bare = withoutBlanksBefore(value);
         spaceBefore = bare.size() != value.size() ? value.data() : nullptr;
         payload = bare.substr(0, countDigits(bare));
-        const std::string_view after = bare.substr(payload.size());
+        const std::string_view after = withoutFirst(bare, payload.size());
         const std::string_view names = withoutBlanksBefore(after);
         gap = after.substr(0, after.size() - names.size());
         const size_t slash = std::min(names.find('/'), names.size());
         name = names.substr(0, slash);
-        rest = names.substr(slash);
+        rest = withoutFirst(names, slash);
     }
 
     const char *spaceBefore;  // white space after the colon, null for none
@@ -48,7 +48,7 @@ std::string_view closed(Memory &memory, std::string_view rest) {
     Draft draft(memory, rest.size());
     while (!rest.empty()) {
         const std::string_view part = wordOf(rest);
-        const std::string_view more = withoutBlanksBefore(rest.substr(part.size()));
+        const std::string_view more = withoutBlanksBefore(withoutFirst(rest, part.size()));
         const bool apart = !more.empty() && !part.ends_with('/') && !more.starts_with('/');
         draft << part << (apart ? " " : "");
         rest = more;
@@ -140,7 +140,7 @@ bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value) {
     const size_t slash = bare.find('/');
     if (digits == 0 || slash == std::string_view::npos || slash < digits + 2 ||
         bare[digits] != ' ' || isBlank(bare[digits + 1]) || isBlank(bare[slash - 1]) ||
-        !isClock(bare.substr(slash))) {
+        !isClock(withoutFirst(bare, slash))) {
         return false;
     }
     if (bare.size() == value.size()) {

@@ -34,13 +34,13 @@ bool closeKey(Workspace &work, Line &line, std::string_view &value) {
         return false;
     }
     const char key = rest.front();
-    rest = withoutBlanksBefore(rest.substr(1));
+    rest = withoutBlanksBefore(withoutFirst(rest, 1));
     if (!rest.starts_with('=')) {
         return false;
     }
     work.report(Rule::KeySpace, line, line.text.data());
     line.key = key;
-    value = withoutBlanksBefore(rest.substr(1));
+    value = withoutBlanksBefore(withoutFirst(rest, 1));
     writeKey(work, line, value);
     return true;
 }
@@ -114,15 +114,15 @@ bool isPlain(const Line &line) {
     if (line.text.size() < 3 || line.text[1] != '=') {
         return false;
     }
-    const std::string_view value = line.text.substr(2);
+    const std::string_view value = withoutFirst(line.text, 2);
     switch (line.key) {
-    case 'v': return value == kVersionLine.substr(2);
-    case 't': return value == kTimeLine.substr(2);
+    case 'v': return value == withoutFirst(kVersionLine, 2);
+    case 't': return value == withoutFirst(kTimeLine, 2);
     case 'm': return isPlainMedia(value);
     case 'o': return isPlainOrigin(value);
     case 'c':
         return line.text.starts_with(ip4) && line.text.size() != ip4.size() &&
-               isAddressPart(line.text.substr(ip4.size()));
+               isAddressPart(withoutFirst(line.text, ip4.size()));
     default: return isText(line.key);
     }
 }
@@ -212,7 +212,7 @@ void repairLine(Workspace &work, Line &line) {
         }
         return;
     } else {
-        value = line.text.substr(line.text[1] == '=' ? 2 : line.text.find('=') + 1);
+        value = withoutFirst(line.text, line.text[1] == '=' ? 2 : line.text.find('=') + 1);
         closeValue(work, line, value);
     }
     repairValue(work, line, value);
@@ -225,7 +225,7 @@ void repairLines(Workspace &work) {
     Line *const refused = work.lines + work.takenLines();
     for (Line *line = refused; line < end; ++line) {
         if (line->text.size() > 2 && beginsWith(line->text, "a=") && !isBlank(line->text[2])) {
-            repairAttribute(work, *line, line->text.substr(2));
+            repairAttribute(work, *line, withoutFirst(line->text, 2));
         } else if (line->rank != kNotWritten && (line == refused || !isPlain(*line))) {
             repairLine(work, *line);
         }

@@ -279,6 +279,12 @@ bool beginsWith(std::string_view text, const char (&literal)[kSize]) {
     return text.size() >= kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
 }
 
+// The text after so many bytes, as many of which it has. Where substr of the library cannot know
+// that, it can throw, for which a program in C would need the C++ runtime.
+constexpr std::string_view withoutFirst(std::string_view text, size_t bytes) {
+    return {text.data() + bytes, text.size() - bytes};
+}
+
 // The text up to its first blank or tab.
 inline std::string_view wordOf(std::string_view text) {
     return {text.data(),

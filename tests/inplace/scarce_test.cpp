@@ -23,7 +23,8 @@ std::size_t asked = 0;    // how often the heap was
 extern "C" {
 void *__libc_malloc(std::size_t size);
 
-void *malloc(std::size_t size) {
+// The libraries call it, too: a compiler that hides what is not exported must not hide this one.
+[[gnu::visibility("default")]] void *malloc(std::size_t size) {
     if (size >= kChunk) {
         ++asked;
         if (refusals != 0) {

@@ -83,16 +83,34 @@ consumers
 
 # A project that knows no C++ links them as well.
 mkdir "$work/c"
+cat >"$work/c/tidy.c" <<TEXT
+#include <string.h>
+
+#include "sdpline/sdptidy.h"
+
+int main(void) {
+    char text[] = "v=0\no=- 1 1 IN IP4 192.0.2.1\ns=\nt=0 0\n";
+    const SipString given = {(uint32_t)strlen(text), text};
+    SDPTidyReport report;
+    const int refused = SdpTidyText(&given, NULL, &report) != 0;
+    const int repaired = report.ulNoOfRows == 1;
+    SdpTidyRelease(&report);
+    return refused || !repaired;
+}
+TEXT
 cat >"$work/c/CMakeLists.txt" <<TEXT
 cmake_minimum_required(VERSION 3.25)
 project(c LANGUAGES C)
 find_package(sdpline 1.0 CONFIG REQUIRED)
 add_executable(answer $source/examples/answer.c)
 target_link_libraries(answer PRIVATE sdpline::negotiate)
+add_executable(tidy tidy.c)
+target_link_libraries(tidy PRIVATE sdpline::tidy)
 TEXT
 cmake -S "$work/c" -B "$work/c/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_C_COMPILER="$cc" >/dev/null
 cmake --build "$work/c/build" >/dev/null
+"$work/c/build/tidy" || fail "the static tidy library does not repair a text"
 "$work/c/build/answer" <"$source/examples/offer.sdp" | tr -d '\r' | diff "$source/examples/answer.sdp" -
 
 # ---- Other decisions
