@@ -12,7 +12,6 @@
 #include <cstring>
 
 #include "sdpline/sdprecords.h"
-#include "services/inline.hpp"
 #include "tables/attributes.hpp"
 
 namespace sdpline {
@@ -82,7 +81,7 @@ inline constexpr auto kAttributeLayouts = [] {
     return layouts;
 }();
 
-SDPLINE_INLINE const AttributeLayout &layoutOf(const SDPAttr &attribute) {
+inline const AttributeLayout &layoutOf(const SDPAttr &attribute) {
     return kAttributeLayouts[std::min<uint32_t>(attribute.ulAttrType, SDP_ATTR_UNKNOWN)];
 }
 
@@ -95,7 +94,7 @@ inline SipString &textOf(SDPAttr &attribute, const AttributeLayout &layout) {
 }
 
 template <class Word>
-SDPLINE_INLINE void copyKeptWord(const uint8_t *kept, const char *from, char *to) {
+inline void copyKeptWord(const uint8_t *kept, const char *from, char *to) {
     Word mask;
     Word word;
     std::memcpy(&mask, kept, sizeof mask);
@@ -105,7 +104,7 @@ SDPLINE_INLINE void copyKeptWord(const uint8_t *kept, const char *from, char *to
 }
 
 // All bytes of the target are written: those that are not kept are zero.
-SDPLINE_INLINE void copyKept(const AttributeLayout &layout, const SDPAttr &from, SDPAttr &to) {
+inline void copyKept(const AttributeLayout &layout, const SDPAttr &from, SDPAttr &to) {
     using Four = uint32_t __attribute__((vector_size(16)));
     const auto *const source = reinterpret_cast<const char *>(&from);
     auto *const target = reinterpret_cast<char *>(&to);

@@ -54,13 +54,13 @@ bool isUnusual(const SDPTimeField &time) {
 // ---- Copies in place
 
 template <class Copier, class Record>
-SDPLINE_INLINE void copyRecord(Copier &copier, const Record &source, Record &target) {
+inline void copyRecord(Copier &copier, const Record &source, Record &target) {
     copier.copy(source, target);
 }
 
 // The bytes beyond an IPv4 address, and all where there is none, are zero.
 template <class Copier>
-SDPLINE_INLINE void copyRecord(Copier &copier, const SDPConnection &source, SDPConnection &target) {
+inline void copyRecord(Copier &copier, const SDPConnection &source, SDPConnection &target) {
     copier.copy(source, target);
     auto &address = target.stTptAddr.unTptAddr;
     if (source.stTptAddr.enTptAddrType == SDP_TPTADDR_IPV4) {
@@ -70,9 +70,9 @@ SDPLINE_INLINE void copyRecord(Copier &copier, const SDPConnection &source, SDPC
     }
 }
 
-// Null where the record is not copied, or does not fit: then nothing has happened.
+// These two copy all of the record, or nothing where it does not fit.
 template <class Record>
-SDPLINE_INLINE bool copyWithin(SDPMemCp &memCp, const Record &source, Record &target) {
+inline bool copyWithin(SDPMemCp &memCp, const Record &source, Record &target) {
     RecordCopier copier{CutMemory(memCp)};
     copyRecord(copier, source, target);
     if (copier.failed()) [[unlikely]] {
@@ -83,7 +83,7 @@ SDPLINE_INLINE bool copyWithin(SDPMemCp &memCp, const Record &source, Record &ta
 }
 
 template <class Record>
-SDPLINE_INLINE Record *cloneWithin(SDPMemCp &memCp, const Record &source) {
+inline Record *cloneWithin(SDPMemCp &memCp, const Record &source) {
     RecordCopier copier{CutMemory(memCp)};
     auto *const made = static_cast<Record *>(copier.memory().take(sizeof(Record)));
     if (made != nullptr) [[likely]] {
@@ -182,7 +182,7 @@ template <class Record>
 
 // ---- Attributes: most lines are, so that their clones are written for the fewest registers
 
-SDPLINE_INLINE bool cutText(CutMemory &memory, const SipString &from, SipString &to) {
+inline bool cutText(CutMemory &memory, const SipString &from, SipString &to) {
     const uint32_t size = from.ulLen;
     to.ulLen = size;
     to.pcData = nullptr;
@@ -202,8 +202,8 @@ SDPLINE_INLINE bool cutName(CutMemory &memory, const SDPAttr &from, SDPAttr &to)
     return to.pstAttrName != nullptr && cutText(memory, *name, *to.pstAttrName);
 }
 
-SDPLINE_INLINE SDPAttr *cutAttribute(CutMemory &memory, const SDPAttr &source,
-                                     const AttributeLayout &layout, bool isNamed) {
+inline SDPAttr *cutAttribute(CutMemory &memory, const SDPAttr &source,
+                             const AttributeLayout &layout, bool isNamed) {
     auto *const made = static_cast<SDPAttr *>(memory.take(sizeof(SDPAttr)));
     if (made == nullptr) [[unlikely]] {
         return nullptr;
@@ -231,7 +231,7 @@ template <bool IsNamed>
     return 0;
 }
 
-SDPLINE_INLINE SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void **target) {
+inline SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void **target) {
     const auto &source = *static_cast<const SDPAttr *>(from);
     const AttributeLayout &layout = layoutOf(source);
     if (layout.pointer == Pointer::Name) {
@@ -265,7 +265,7 @@ SDPResult SdpCopyLineValidate(SDPMemCp *memCp, uint32_t type, const void *source
     return isRefused(memCp, type, source, target) ? fail(Check::CopyValidate) : 0;
 }
 
-// The type is looked at once in place: one that there is no line of is none that is copied there.
+// In place the switch is the check of the type: it has no case for a type that is refused.
 SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
     if (memCp == nullptr || source == nullptr) [[unlikely]] {
         return refuseCopy();

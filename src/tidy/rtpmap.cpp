@@ -49,8 +49,8 @@ std::string_view closed(Memory &memory, std::string_view rest) {
     while (!rest.empty()) {
         const std::string_view part = wordOf(rest);
         const std::string_view more = withoutBlanksBefore(withoutFirst(rest, part.size()));
-        const bool apart = !more.empty() && !part.ends_with('/') && !more.starts_with('/');
-        draft << part << (apart ? " " : "");
+        const bool spaced = !more.empty() && !part.ends_with('/') && !more.starts_with('/');
+        draft << part << (spaced ? " " : "");
         rest = more;
     }
     return draft.text();

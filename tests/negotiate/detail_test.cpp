@@ -1,4 +1,4 @@
-// Decisions that only a few inputs tell apart.
+// Decisions that are different for a few inputs only.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Lines that only a few inputs tell apart: transport, groups, next offers, preconditions.
+// Lines that are different for a few inputs only: transport, groups, next offers, preconditions.
 #include <gtest/gtest.h>
 
 #include <algorithm>
