@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "fuzz.hpp"
-#include "input/bodies.hpp"
+#include "sip/bodies.hpp"
 
 namespace {
 

@@ -4,31 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "input/origin.hpp"
+#include "sip/head.hpp"
+#include "sip/origin.hpp"
 
 namespace cli {
-
-// The headers of a message that say what it belongs to.
-struct SipHead {
-    std::string method; // of the request, or of the request that is responded to
-    std::string status; // "200 OK"; empty for a request
-    std::string callId;
-    std::string cseq;
-    std::string from; // URIs
-    std::string to;
-    std::string fromTag;
-    std::string toTag;
-
-    bool isRequest() const { return status.empty(); }
-    unsigned code() const; // 0 for a request
-    // The tag of the side that sent the message.
-    const std::string &senderTag() const { return isRequest() ? fromTag : toTag; }
-};
-
-SipHead sipHeadOf(std::string_view message);
 
 struct CallMessage {
     SipHead head;

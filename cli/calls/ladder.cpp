@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "output/escape.hpp"
-#include "output/text.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -4,8 +4,8 @@
 #include <set>
 
 #include "calls/ladder.hpp"
-#include "output/escape.hpp"
-#include "output/text.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

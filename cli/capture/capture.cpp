@@ -2,8 +2,8 @@
 
 #include "capture/bytes.hpp"
 #include "capture/link.hpp"
-#include "input/message.hpp"
-#include "output/text.hpp"
+#include "sip/message.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

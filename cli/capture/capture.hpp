@@ -10,7 +10,7 @@
 #include "capture/container.hpp"
 #include "capture/fragments.hpp"
 #include "capture/streams.hpp"
-#include "input/origin.hpp"
+#include "sip/origin.hpp"
 
 namespace cli {
 

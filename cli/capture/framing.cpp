@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
-#include "input/message.hpp"
-#include "input/mime.hpp"
+#include "sip/message.hpp"
+#include "sip/mime.hpp"
 
 namespace cli {
 

@@ -101,8 +101,7 @@ std::string IpAddress::text() const {
     if (v6) {
         return sdpline::Address::v6(bytes).shortText();
     }
-    return std::to_string(bytes[0]) + '.' + std::to_string(bytes[1]) + '.' +
-           std::to_string(bytes[2]) + '.' + std::to_string(bytes[3]);
+    return sdpline::Address::v4({bytes[0], bytes[1], bytes[2], bytes[3]}).text();
 }
 
 bool readIp(std::string_view bytes, IpPacket &packet) {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "capture/bytes.hpp"
-#include "input/message.hpp"
-#include "output/text.hpp"
+#include "sip/message.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

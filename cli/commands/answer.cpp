@@ -69,7 +69,7 @@ Json jsonOfStream(const sdpline::NegotiatedStream &stream) {
             {"confirm", stream.confirm}};
 }
 
-void printJson(const Party &offer, const sdpline::Answer &answer, const std::string &text) {
+void printJson(const OneBody &offer, const sdpline::Answer &answer, const std::string &text) {
     Json streams = Json::array();
     for (const auto &stream : answer.streams) {
         streams.push_back(jsonOfStream(stream));
@@ -90,9 +90,9 @@ sdpline::AnswerOptions choicesOf(const AnswerOptions &options) {
 
 int runAnswer(const AnswerOptions &options) {
     configure(options.decode);
-    const Party offer(options.decode, options.offer);
-    const Party local(options.decode, options.local);
-    std::optional<Party> previous;
+    const OneBody offer(options.decode, options.offer);
+    const OneBody local(options.decode, options.local);
+    std::optional<OneBody> previous;
     if (!options.previous.empty()) {
         previous.emplace(options.decode, options.previous);
     }

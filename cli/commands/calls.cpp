@@ -10,9 +10,9 @@
 #include "calls/page.hpp"
 #include "commands/negotiation.hpp"
 #include "output/diagnostic.hpp"
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 #include "output/terminal.hpp"
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -7,10 +7,11 @@
 
 #include "output/diagnostic.hpp"
 #include "output/everyline.hpp"
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 #include "output/repairs.hpp"
+#include "report/ignorednames.hpp"
 #include "report/report.hpp"
-#include "report/selection.hpp"
+#include "report/tally.hpp"
 
 namespace cli {
 

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "output/diagnostic.hpp"
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 #include "output/repairs.hpp"
 #include "output/terminal.hpp"
 

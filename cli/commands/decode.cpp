@@ -3,9 +3,9 @@
 
 #include <iostream>
 
+#include "json/json.hpp"
 #include "output/diagnostic.hpp"
 #include "output/tree.hpp"
-#include "json/json.hpp"
 
 namespace cli {
 

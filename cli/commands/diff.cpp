@@ -1,12 +1,12 @@
 // sdpline diff: what differs between two bodies.
-#include "commands/commands.hpp"
+#include "commands/onebody.hpp"
 
 #include <algorithm>
 #include <iostream>
 
 #include "compare/difference.hpp"
 #include "output/diagnostic.hpp"
-#include "output/escape.hpp"
+#include "text/escape.hpp"
 
 namespace cli {
 
@@ -19,32 +19,6 @@ struct DiffOptions {
     std::string second;
     std::string color = "auto";
     DecodeOptions decode;
-};
-
-// The one body of an input, whose values get their masks.
-class OneBody : public BodyUser {
-public:
-    OneBody(const DiffOptions &options, const std::string &path, Redactor &redactor)
-        : BodyUser(options.decode, &redactor) {
-        readInputs({path}, *this);
-        if (count_ != 1 && status() != kUnusable) {
-            problem(
-                {Problem::Unusable, path, "holds " + std::to_string(count_) + " bodies, not one"});
-        }
-    }
-
-    void body(const Found &found) override {
-        if (++count_ == 1) {
-            body_ = decoded(found);
-        }
-    }
-
-    // Null where there is not exactly one body, or it is refused.
-    const sdpline::Body *get() const { return body_ && status() != kUnusable ? &*body_ : nullptr; }
-
-private:
-    size_t count_ = 0;
-    std::optional<sdpline::Body> body_;
 };
 
 void mask(Change &change, Redactor &redactor) {
@@ -95,8 +69,8 @@ void printJson(const std::vector<Change> &changes) {
 
 int runDiff(const DiffOptions &options) {
     Redactor redactor;
-    const OneBody first(options, options.first, redactor);
-    const OneBody second(options, options.second, redactor);
+    const OneBody first(options.decode, options.first, &redactor);
+    const OneBody second(options.decode, options.second, &redactor);
     if (first.get() == nullptr || second.get() == nullptr) {
         return kUnusable;
     }

@@ -8,9 +8,9 @@
 #include <new>
 
 #include "input/paths.hpp"
-#include "output/escape.hpp"
-#include "output/text.hpp"
 #include "json/readback.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

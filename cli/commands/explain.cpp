@@ -6,9 +6,9 @@
 
 #include "output/checktable.hpp"
 #include "output/diagnostic.hpp"
-#include "output/escape.hpp"
-#include "output/text.hpp"
 #include "sdpline/tidy.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -3,7 +3,7 @@
 
 #include <iostream>
 
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

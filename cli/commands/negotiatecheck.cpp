@@ -19,7 +19,7 @@ struct NegotiateCheckOptions {
 
 // The place of a fault is that of the judged body's m= line, or of its first line where it has
 // none.
-int report(const NegotiateCheckOptions &options, const Party &judged,
+int report(const NegotiateCheckOptions &options, const OneBody &judged,
            const std::vector<sdpline::Decision> &faults) {
     if (options.decode.json) {
         std::cout << dumped({{"good", faults.empty()}, {"faults", jsonOf(judged, faults)}});
@@ -37,8 +37,8 @@ int runNegotiateCheck(const NegotiateCheckOptions &options) {
         requireOperand(next ? "NEXT" : "OFFER ANSWER");
     }
     configure(options.decode);
-    const Party first(options.decode, next ? options.previous : options.paths[0]);
-    const Party second(options.decode, options.paths.back());
+    const OneBody first(options.decode, next ? options.previous : options.paths[0]);
+    const OneBody second(options.decode, options.paths.back());
     if (first.get() == nullptr || second.get() == nullptr) {
         return kUnusable;
     }

@@ -7,7 +7,7 @@
 #include <numeric>
 #include <utility>
 
-#include "output/escape.hpp"
+#include "text/escape.hpp"
 
 namespace cli {
 

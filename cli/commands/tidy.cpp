@@ -8,13 +8,13 @@
 
 #include "capture/container.hpp"
 #include "input/captureinput.hpp"
-#include "input/lengths.hpp"
 #include "input/paths.hpp"
 #include "input/window.hpp"
 #include "output/diagnostic.hpp"
-#include "output/escape.hpp"
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 #include "output/repairs.hpp"
+#include "sip/lengths.hpp"
+#include "text/escape.hpp"
 
 namespace cli {
 

@@ -4,8 +4,8 @@
 #include <iomanip>
 #include <tuple>
 
-#include "output/origin.hpp"
-#include "output/text.hpp"
+#include "output/maskedorigin.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

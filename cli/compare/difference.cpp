@@ -48,15 +48,6 @@ Texts textsOf(const sdpline::Attributes &attributes) {
     return texts;
 }
 
-// The last one, as the lines below override those above.
-std::optional<sdpline::Direction> directionOf(const sdpline::Attributes &attributes) {
-    std::optional<sdpline::Direction> last;
-    for (const sdpline::Direction direction : attributes.each<sdpline::Direction>()) {
-        last = direction;
-    }
-    return last;
-}
-
 // "101 (telephone-event/8000)": the mapping of the media description, or the static one.
 std::string payloadText(uint32_t payload, const sdpline::Media &media) {
     const auto encoding = media.attributes().encoding(payload);
@@ -135,14 +126,14 @@ private:
         optional({"zone", "z="}, textOf(first_.zone()), textOf(second_.zone()));
         optional({"key", "k="}, textOf(first_.key()), textOf(second_.key()));
         if (isInForce(
-                [](const auto &media) { return directionOf(media.attributes()).has_value(); })) {
+                [](const auto &media) { return media.attributes().direction().has_value(); })) {
             direction(sessionDirection(first_), sessionDirection(second_));
         }
         attributes(first_.attributes(), second_.attributes());
     }
 
     static sdpline::Direction sessionDirection(const sdpline::Body &body) {
-        return directionOf(body.attributes()).value_or(sdpline::Direction::SendRecv);
+        return body.attributes().direction().value_or(sdpline::Direction::SendRecv);
     }
 
     // Whether the session's value counts in both bodies for some media description; without any
@@ -178,11 +169,8 @@ private:
         if (a.connection() || b.connection()) {
             connection(first_.connectionOf(a), second_.connectionOf(b));
         }
-        const auto directionA = directionOf(a.attributes());
-        const auto directionB = directionOf(b.attributes());
-        if (directionA || directionB) {
-            direction(directionA.value_or(sessionDirection(first_)),
-                      directionB.value_or(sessionDirection(second_)));
+        if (a.attributes().direction() || b.attributes().direction()) {
+            direction(first_.directionOf(a), second_.directionOf(b));
         }
         texts({"bandwidth", "b="}, textsOf(a.bandwidths()), textsOf(b.bandwidths()));
         optional({"key", "k="}, textOf(a.key()), textOf(b.key()));

@@ -1,8 +1,8 @@
 #include "input/captureinput.hpp"
 
 #include "capture/capture.hpp"
-#include "output/escape.hpp"
-#include "output/text.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

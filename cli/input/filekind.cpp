@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -7,10 +7,10 @@
 #include "input/ahead.hpp"
 #include "input/captureinput.hpp"
 #include "input/filekind.hpp"
+#include "input/filter.hpp"
 #include "input/paths.hpp"
-#include "input/selecting.hpp"
 #include "input/window.hpp"
-#include "output/escape.hpp"
+#include "text/escape.hpp"
 
 namespace cli {
 
@@ -141,16 +141,16 @@ void readInputs(const std::vector<std::string> &paths, InputUser &user) {
     for (const PathError &error : errors) {
         user.problem({Problem::Unusable, error.path, error.reason});
     }
-    Selecting selecting(user);
+    Filter filter(user);
     if (files.size() > 1 && user.jobs() > 1) {
-        readAhead(files, readInput, selecting);
+        readAhead(files, readInput, filter);
     } else {
         for (const std::string &file : files) {
-            user.fileDone(readInput(file, selecting));
+            user.fileDone(readInput(file, filter));
         }
     }
     if (!files.empty()) {
-        selecting.finish(files.back());
+        filter.finish(files.back());
     }
 }
 

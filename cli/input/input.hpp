@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "input/bodies.hpp"
-#include "input/origin.hpp"
 #include "input/selection.hpp"
+#include "sip/bodies.hpp"
+#include "sip/origin.hpp"
 
 namespace cli {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "input/origin.hpp"
+#include "sip/origin.hpp"
 
 namespace cli {
 

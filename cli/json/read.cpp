@@ -8,9 +8,9 @@
 #include <stdexcept>
 #include <vector>
 
-#include "output/text.hpp"
-#include "sdpline/cpp/address.hpp"
 #include "json/fields.hpp"
+#include "sdpline/cpp/address.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

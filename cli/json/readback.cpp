@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "output/text.hpp"
 #include "json/json.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -1,9 +1,9 @@
 // Records to JSON.
 #include "json/json.hpp"
 
-#include "output/text.hpp"
-#include "sdpline/cpp/address.hpp"
 #include "json/fields.hpp"
+#include "sdpline/cpp/address.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

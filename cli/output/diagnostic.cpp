@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "output/escape.hpp"
 #include "output/hints.hpp"
-#include "output/origin.hpp"
-#include "output/text.hpp"
+#include "output/maskedorigin.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

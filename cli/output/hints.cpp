@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
-#include "output/escape.hpp"
-#include "output/text.hpp"
 #include "sdpline/cpp/detail/keywords.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

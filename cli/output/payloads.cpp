@@ -1,46 +1,49 @@
 #include "output/payloads.hpp"
 
-#include <cstddef>
+#include <iterator>
 
-#include "sdpline/cpp/detail/payloads.hpp"
-#include "sdpline/sdpline.h"
+#include "sdpline/cpp/values.hpp"
 
 namespace cli {
 
 namespace {
 
-using namespace sdpline::tables;
+// The last row of the tables is empty: it is for names that are none of theirs.
+constexpr uint32_t kProfiles = std::size(g_aStrRtpmapProfiles) - 1;
+constexpr uint32_t kStaticPayloads = 96; // RFC 3551 section 6: those above are dynamic
 
-std::string_view nameOf(uint16_t row) {
-    const SipString name = SdpGetRtpmapProfile(row);
+std::string_view nameOf(uint32_t number) {
+    const SipString name = SdpGetRtpmapProfile(static_cast<uint16_t>(number - 1));
     return {name.pcData, name.ulLen};
+}
+
+uint32_t clockRateOf(uint32_t number) {
+    return SdpGetRtpmapClockRates(static_cast<uint16_t>(number - 1));
 }
 
 } // namespace
 
 std::vector<Profile> profiles() {
     std::vector<Profile> list;
-    for (uint16_t row = 0; row < kNoStaticRow; ++row) {
-        const uint8_t payload = kStaticPayloads[row];
-        list.push_back({row + 1u, nameOf(row), SdpGetRtpmapClockRates(row),
-                        row == kTwoChannelRow ? 2u : 1u,
-                        payload != kDynamic ? std::optional<uint32_t>(payload) : std::nullopt});
+    for (uint32_t number = 1; number <= kProfiles; ++number) {
+        list.push_back({number, nameOf(number), clockRateOf(number), 1, std::nullopt});
+    }
+    for (uint32_t payload = 0; payload < kStaticPayloads; ++payload) {
+        if (const auto encoding = sdpline::staticEncoding(payload)) {
+            Profile &profile = list[encoding->profile - 1];
+            profile.channels = encoding->channels;
+            profile.payload = payload;
+        }
     }
     return list;
 }
 
-std::string_view staticPayloadName(uint32_t payload) {
-    const size_t row = staticRow(payload);
-    return row != kNoStaticRow ? nameOf(static_cast<uint16_t>(row)) : std::string_view();
-}
-
 std::string profileName(uint32_t number) {
-    if (number == 0 || number > kNoStaticRow) {
+    if (number == 0 || number > kProfiles) {
         return {};
     }
-    const auto row = static_cast<uint16_t>(number - 1);
-    const uint32_t clockRate = SdpGetRtpmapClockRates(row);
-    return std::string(nameOf(row)) + (clockRate != 0 ? '/' + std::to_string(clockRate) : "");
+    const uint32_t clockRate = clockRateOf(number);
+    return std::string(nameOf(number)) + (clockRate != 0 ? '/' + std::to_string(clockRate) : "");
 }
 
 } // namespace cli

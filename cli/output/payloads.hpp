@@ -10,7 +10,7 @@
 namespace cli {
 
 struct Profile {
-    uint32_t number; // as records have it
+    uint32_t number; // as records hold it
     std::string_view name;
     uint32_t clockRate; // 0: not fixed
     uint32_t channels;
@@ -19,10 +19,7 @@ struct Profile {
 
 std::vector<Profile> profiles();
 
-// "PCMU" for 0; empty for a payload type that RFC 3551 leaves free.
-std::string_view staticPayloadName(uint32_t payload);
-
-// "PCMU/8000" for 1; empty for a number that is none.
+// "PCMU/8000" for 1; empty for a number that no profile has.
 std::string profileName(uint32_t number);
 
 } // namespace cli

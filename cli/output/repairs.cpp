@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 
 namespace cli {
 

@@ -1,9 +1,11 @@
 #include "output/tree.hpp"
 
+#include <array>
 #include <span>
-#include <string_view>
 
 #include "output/payloads.hpp"
+#include "sdpline/cpp/address.hpp"
+#include "sdpline/cpp/attributes.hpp"
 #include "sdpline/cpp/detail/attributes.hpp"
 
 namespace cli {
@@ -72,15 +74,7 @@ private:
     size_t indent_ = 0;
 };
 
-std::string dottedAddress(const uint8_t (&bytes)[4]) {
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        text += text.empty() ? "" : ".";
-        text += std::to_string(byte);
-    }
-    return text;
-}
-
+// Eight groups of four lower-case digits.
 std::string groupedAddress(const uint8_t (&bytes)[16]) {
     constexpr char digits[] = "0123456789abcdef";
     std::string text;
@@ -121,7 +115,7 @@ void writeConnection(Writer &out, const SDPConnection *connection) {
     writeNetwork(out, connection->stNetType, connection->stAddrType);
     const SDPTptAddr &address = connection->stTptAddr;
     if (address.enTptAddrType == SDP_TPTADDR_IPV4) {
-        out.word(dottedAddress(address.unTptAddr.aucIpv4));
+        out.word(sdpline::Address::v4(std::to_array(address.unTptAddr.aucIpv4)).text());
     } else if (address.enTptAddrType == SDP_TPTADDR_IPV6) {
         out.word(groupedAddress(address.unTptAddr.aucIpv6));
     } else {
@@ -248,17 +242,14 @@ void writeAttributes(Writer &out, const SDPAttrList *list) {
     }
 }
 
-// The encoding of a payload number of the media description: its own a=rtpmap line, or RFC 3551.
+// The encoding of a payload number: that of its a=rtpmap line, or that of RFC 3551.
 std::string payloadName(uint32_t payload, const SDPAttrList *list) {
-    for (uint32_t i = 0; list != nullptr && i < list->ulNoOfAttrs; ++i) {
-        const SDPAttr &attr = *list->ppstAttrs[i];
-        const SDPRtpMapAttr &map = attr.unAttrValue.stRtpMap;
-        if (attr.ulAttrType == SDP_ATTR_RTPMAP && map.ulPayloadType == payload) {
-            const std::string name = quoted(map.strEncodingName);
-            return name.substr(1, name.size() - 2);
-        }
+    const auto encoding = sdpline::Attributes(list).encoding(payload);
+    if (!encoding) {
+        return "";
     }
-    return std::string(staticPayloadName(payload));
+    const std::string name = quoted(encoding->name);
+    return name.substr(1, name.size() - 2);
 }
 
 void writeFormats(Writer &out, const SDPMediaFmt &fmt, const SDPAttrList *attributes) {
@@ -307,16 +298,16 @@ void writeMedia(Writer &out, const SDPMediaDesc &media) {
 
 } // namespace
 
-std::string quoted(const SipString &text) {
+std::string quoted(std::string_view text) {
     constexpr char digits[] = "0123456789abcdef";
     std::string result = "\"";
-    for (uint32_t i = 0; i < text.ulLen && text.pcData != nullptr; ++i) {
-        const auto byte = static_cast<unsigned char>(text.pcData[i]);
+    for (const char each : text) {
+        const auto byte = static_cast<unsigned char>(each);
         if (byte == '"' || byte == '\\') {
             result += '\\';
-            result += static_cast<char>(byte);
+            result += each;
         } else if (byte >= ' ' && byte < 127) {
-            result += static_cast<char>(byte);
+            result += each;
         } else {
             result += "\\x";
             result += digits[byte >> 4];
@@ -324,6 +315,11 @@ std::string quoted(const SipString &text) {
         }
     }
     return result + '"';
+}
+
+std::string quoted(const SipString &text) {
+    return quoted(text.pcData != nullptr ? std::string_view(text.pcData, text.ulLen)
+                                         : std::string_view());
 }
 
 std::string describeTree(const SdpLine &line, TreeStyle style) {

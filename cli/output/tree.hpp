@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "sdpline/sdpline.h"
 
@@ -16,6 +17,7 @@ enum class TreeStyle { Plain, Explained };
 std::string describeTree(const SdpLine &line, TreeStyle style = TreeStyle::Plain);
 
 // A text in quotes, as the tree shows it.
+std::string quoted(std::string_view text);
 std::string quoted(const SipString &text);
 
 } // namespace cli

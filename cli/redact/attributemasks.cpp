@@ -2,9 +2,9 @@
 // masked word by word.
 #include <algorithm>
 
-#include "output/text.hpp"
 #include "redact/linemasks.hpp"
 #include "sdpline/cpp/detail/attributes.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

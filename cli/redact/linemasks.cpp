@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "output/text.hpp"
 #include "sdpline/sdpinternals.h"
+#include "text/strings.hpp"
 
 namespace cli {
 
@@ -77,9 +77,7 @@ std::string addressMask(std::string_view address, Masks &masks) {
 // ---- Lines
 
 std::vector<Edit> LineMasks::run() {
-    // What the parser passes over at the start of a line.
-    const size_t start =
-        std::min(line_.find_first_not_of(std::string_view(" \0", 2)), line_.size());
+    const size_t start = std::min(line_.find_first_not_of(kDroppedBeforeLine), line_.size());
     const std::string_view rest = line_.substr(start);
     constexpr std::string_view keys = "vosiuepcbtrzkam";
     if (rest.size() < 2 || rest[1] != '=' ||

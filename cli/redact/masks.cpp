@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "output/text.hpp"
 #include "sdpline/cpp/address.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -4,11 +4,11 @@
 #include <array>
 #include <cstring>
 
-#include "output/text.hpp"
 #include "redact/linemasks.hpp"
 #include "redact/redact.hpp"
 #include "sdpline/cpp/address.hpp"
 #include "sdpline/cpp/detail/attributes.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "output/checktable.hpp"
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

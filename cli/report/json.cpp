@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "output/jsonlist.hpp"
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 #include "output/repairs.hpp"
 
 namespace cli {

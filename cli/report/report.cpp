@@ -1,8 +1,8 @@
 #include "report/report.hpp"
 
-#include "output/escape.hpp"
-#include "output/origin.hpp"
-#include "output/text.hpp"
+#include "output/maskedorigin.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

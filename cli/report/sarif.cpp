@@ -6,8 +6,8 @@
 #include <map>
 #include <ostream>
 
-#include "output/origin.hpp"
-#include "output/text.hpp"
+#include "output/maskedorigin.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -4,7 +4,7 @@
 #include <iomanip>
 #include <ostream>
 
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 #include "output/repairs.hpp"
 
 namespace cli {

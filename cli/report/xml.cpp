@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "output/escape.hpp"
-#include "output/text.hpp"
+#include "text/escape.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -89,7 +89,7 @@ cat >names.tree <<'TREE'
 version 0
 origin "-" session "1" version "2" IN IP4 "192.0.2.1"
 name "-"
-media audio port 5004 ports 1 proto RTP/AVP payloads 0 (PCMU) 97 (telephone-event) 96 33 (MP2)
+media audio port 5004 ports 1 proto RTP/AVP payloads 0 (PCMU) 97 (telephone-event) 96 33 (MP2T)
   attribute 1 rtpmap payload 97 profile 0 name "telephone-event" clock 8000 channels 1
   attribute 1 rtpmap payload 8 profile 7 (PCMA/8000) name "PCMA" clock 8000 channels 1
 TREE

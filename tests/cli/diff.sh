@@ -138,7 +138,7 @@ expect "no difference with masks" 0 nothing nothing -- "$program" diff --redact 
 expect "a refused body" 2 nothing '~^bad.sdp:4:16: expected an octet' -- "$program" diff a.sdp bad.sdp
 expect "a missing file" 2 nothing '~^sdpline: none: No such file' -- "$program" diff none a.sdp
 cat a.sip a.sip >two.sip
-echo 'sdpline: two.sip: holds 2 bodies, not one' >two
+echo 'sdpline: two.sip: expected one body, found 2' >two
 expect "two bodies" 2 nothing two -- "$program" diff a.sdp two.sip
 expect "one file only" 2 nothing '~B is required' -- "$program" diff a.sdp
 finish

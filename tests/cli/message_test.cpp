@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "input/bodies.hpp"
+#include "sdpline/sdpline.hpp"
+#include "sip/bodies.hpp"
+#include "text/strings.hpp"
 
 namespace {
 
@@ -54,6 +56,15 @@ TEST(Messages, ATextWithoutAnyIsABody) {
     EXPECT_EQ(bodiesOf("hello\n"), Texts{"hello\n"});
     EXPECT_EQ(bodiesOf(""), Texts{""});
     EXPECT_EQ(bodiesOf("\r\n" + kSdp + "INVITE sip:b SIP/2.0\r\n").size(), 1u);
+}
+
+TEST(Messages, TheDecoderDropsTheSameBytesBeforeALine) {
+    for (int value = 0; value < 256; ++value) {
+        const char byte = static_cast<char>(value);
+        const std::string text = std::string("v=0\n") + byte + "o=- 1 1 IN IP4 x\ns=-\n";
+        const bool dropped = cli::kDroppedBeforeLine.find(byte) != std::string_view::npos;
+        EXPECT_EQ(static_cast<bool>(sdpline::Body::decode(text)), dropped) << value;
+    }
 }
 
 TEST(Messages, StartWithRequestOrStatusLine) {

@@ -1,4 +1,4 @@
-#include "input/bodies.hpp"
+#include "sip/bodies.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,10 +6,9 @@
 #include <cstring>
 #include <optional>
 
-#include "input/message.hpp"
-#include "input/mime.hpp"
-#include "output/text.hpp"
-#include "parser/normalform.hpp"
+#include "sip/message.hpp"
+#include "sip/mime.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 
@@ -26,9 +25,7 @@ bool beginsAsSdp(std::string_view text) {
 
 // Whether the decoder takes the line for an empty one, which ends a body.
 bool isEmptyLine(std::string_view line) {
-    return std::all_of(line.begin(), line.end(), [](char byte) {
-        return sdpline::isDroppedAtLineStart(static_cast<uint8_t>(byte));
-    });
+    return line.find_first_not_of(kDroppedBeforeLine) == std::string_view::npos;
 }
 
 // The first empty line after the first line that is none; at the text's end when there is none.

@@ -1,12 +1,23 @@
+#include "sip/head.hpp"
+
 #include <algorithm>
 
-#include "calls/call.hpp"
-#include "input/mime.hpp"
-#include "output/text.hpp"
+#include "sip/mime.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 
 namespace {
+
+// The URI of a From or To header: "<sip:a@b>;tag=1", "\"A\" <sip:a@b>", "sip:a@b;tag=1".
+std::string uriOf(std::string_view value) {
+    const size_t open = value.rfind('<');
+    if (open != std::string_view::npos) {
+        const size_t close = value.find('>', open);
+        return std::string(trimmed(value.substr(open + 1, close - open - 1)));
+    }
+    return std::string(trimmed(value.substr(0, value.find(';'))));
+}
 
 // Where the parameters of a From or To header begin.
 size_t parametersOf(std::string_view value) {

@@ -1,9 +1,9 @@
-#include "input/mime.hpp"
+#include "sip/mime.hpp"
 
 #include <algorithm>
 #include <initializer_list>
 
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -1,7 +1,7 @@
-#include "output/origin.hpp"
+#include "output/maskedorigin.hpp"
 
-#include "output/escape.hpp"
 #include "redact/linemasks.hpp"
+#include "text/escape.hpp"
 
 namespace cli {
 

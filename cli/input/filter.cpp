@@ -1,11 +1,11 @@
-#include "input/selecting.hpp"
+#include "input/filter.hpp"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 
@@ -38,27 +38,27 @@ std::string nameFor(const Found &found) {
 
 } // namespace
 
-bool Selecting::takes(const Found &found) const {
+bool Filter::takes(const Found &found) const {
     return !wanted_.narrows() || wanted_.takes(originOf(found.packet, found.head));
 }
 
-void Selecting::message(const Found &whole) {
+void Filter::message(const Found &whole) {
     if (takes(whole)) {
         user_.message(whole);
     }
 }
 
-void Selecting::problemAt(const Found &place, Problem::Kind kind, const std::string &text) {
+void Filter::problemAt(const Found &place, Problem::Kind kind, const std::string &text) {
     if (takes(place)) {
         user_.problemAt(place, kind, text);
     }
 }
 
-std::shared_ptr<const Prepared> Selecting::prepare(const Found &found) const {
+std::shared_ptr<const Prepared> Filter::prepare(const Found &found) const {
     return takes(found) ? user_.prepare(found) : nullptr;
 }
 
-void Selecting::body(const Found &found) {
+void Filter::body(const Found &found) {
     ++seen_;
     if (!takes(found)) {
         return;
@@ -71,7 +71,7 @@ void Selecting::body(const Found &found) {
 }
 
 // Files that are there already are left alone: a second run writes to another folder.
-void Selecting::extract(const Found &found) {
+void Filter::extract(const Found &found) {
     std::error_code problem;
     std::filesystem::create_directories(wanted_.extract, problem);
     const std::string name = nameFor(found);
@@ -90,7 +90,7 @@ void Selecting::extract(const Found &found) {
     }
 }
 
-void Selecting::finish(const std::string &path) {
+void Filter::finish(const std::string &path) {
     if (wanted_.narrows() && seen_ != 0 && taken_ == 0) {
         user_.problem({Problem::Unusable, path,
                        "none of " + counted(seen_, "body", "bodies") + " is selected"});

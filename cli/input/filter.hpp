@@ -8,10 +8,10 @@
 
 namespace cli {
 
-class Selecting : public InputUser {
+class Filter : public InputUser {
 public:
     // The selection is that of the user.
-    explicit Selecting(InputUser &user) : user_(user), wanted_(user.selection()) {}
+    explicit Filter(InputUser &user) : user_(user), wanted_(user.selection()) {}
 
     void files(size_t count, uint64_t bytes) override { user_.files(count, bytes); }
     void bytesRead(uint64_t count) override { user_.bytesRead(count); }

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "input/bodies.hpp"
+#include "sip/bodies.hpp"
 
 namespace cli {
 

@@ -1,10 +1,10 @@
-#include "input/lengths.hpp"
+#include "sip/lengths.hpp"
 
 #include <algorithm>
 
-#include "input/message.hpp"
-#include "input/mime.hpp"
-#include "output/text.hpp"
+#include "sip/message.hpp"
+#include "sip/mime.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

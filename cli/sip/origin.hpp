@@ -34,9 +34,6 @@ struct Origin {
 // `head` is the message from its first line on, with its headers at least; empty without one.
 Origin originOf(const Packet &packet, std::string_view head);
 
-// The URI of a From or To header: "<sip:a@b>;tag=1", "\"A\" <sip:a@b>", "sip:a@b;tag=1".
-std::string uriOf(std::string_view value);
-
 // "2026-11-22T04:27:47.123456789Z" for nanoseconds since 1970.
 std::string timeText(int64_t time);
 

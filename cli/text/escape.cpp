@@ -1,9 +1,9 @@
-#include "output/escape.hpp"
+#include "text/escape.hpp"
 
 #include <algorithm>
 #include <vector>
 
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 

@@ -17,6 +17,9 @@ bool isDigit(char byte);
 bool isLetter(char byte);
 bool isAlnum(char byte);
 
+// What the decoder drops before a line. A line of nothing else is empty, and ends the body.
+inline constexpr std::string_view kDroppedBeforeLine(" \0", 2);
+
 // Two lower-case hexadecimal digits for each byte.
 std::string hexOf(std::string_view bytes);
 

@@ -1,4 +1,4 @@
-#include "output/text.hpp"
+#include "text/strings.hpp"
 
 #include <algorithm>
 

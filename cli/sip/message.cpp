@@ -1,11 +1,11 @@
-#include "input/message.hpp"
+#include "sip/message.hpp"
 
 #include <algorithm>
 #include <charconv>
 #include <optional>
 
-#include "input/mime.hpp"
-#include "output/text.hpp"
+#include "sip/mime.hpp"
+#include "text/strings.hpp"
 
 namespace cli {
 
