@@ -1,4 +1,4 @@
-// What each of the 256 bytes is to the lexer: its token kind, and the runs it continues.
+// The byte tables of the lexer: the token kind of each of the 256 bytes, and the runs it continues.
 #pragma once
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace sdpline::lexer {
 
-// Runs that a byte continues, one bit each. NUL and LF continue none.
+// The runs that a byte may continue, one bit each. NUL and LF continue none.
 enum Run : uint8_t {
     kStringRun = 1,
     kTokenRun = 2,
@@ -16,7 +16,7 @@ enum Run : uint8_t {
     kLetterRun = 8,
     kDigitRun = 16,
     kMinusRun = 32,
-    kNameRun = 64, // up to a "/" in any context
+    kNameRun = 64, // the name of an rtpmap: all bytes but "/"
 };
 
 struct ByteTables {
@@ -94,7 +94,7 @@ constexpr ByteTables makeByteTables() {
 
 inline constexpr ByteTables kBytes = detail::makeByteTables();
 
-// The kind of "<letter>=" by letter, 0 for letters that begin no line.
+// The token kind of "<letter>=" by letter; 0 for letters that are not a line's key.
 inline constexpr std::array<uint8_t, 256> kLineKinds = [] {
     std::array<uint8_t, 256> kinds{};
     kinds['o'] = SDP_TOK_ORIGIN;

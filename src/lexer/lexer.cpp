@@ -1,5 +1,5 @@
-// The lexer's state, and the parts of cutting that are too rare or too long to be inlined into the
-// parsers.
+// The state of the lexer, and those parts of it that are too rare or too long to be inlined into
+// the parsers.
 #include "lexer/lexer.hpp"
 
 #include <cstring>
@@ -25,7 +25,7 @@ SDPLINE_PER_THREAD TakenText takenText = {};
 
 namespace {
 
-// What is read of an input that is gone.
+// Read in place of an input that no longer exists.
 constexpr uint8_t kNothing[] = {'\0'};
 
 uint32_t specialBits(const Position &position) {
@@ -69,12 +69,12 @@ void store(const Position &position, uint32_t special) {
 
 namespace {
 
-// Whether no setter moved the state since it was cleared, and no program sees texts being taken.
+// Whether no setter changed the positions since they were reset, and no program replaced memset_s.
 bool isUntouched() {
     return (state.start | state.end | state.index | state.ended) == 0 && !seesFills();
 }
 
-// What load() and findStart() result in then: the first token begins the input.
+// The result of load() and findStart() in that case: the first token begins at the input's start.
 Position atStart(const uint8_t *input) {
     return {.input = input,
             .at = input,
@@ -144,7 +144,7 @@ constexpr bool isSpace(uint8_t byte) {
     return byte == ' ' || byte == '\t';
 }
 
-// A space or tab, or the run after the last of them.
+// The last token of a text: a space or a tab, or the run after the last of them.
 const uint8_t *lastToken(const uint8_t *from, const uint8_t *end) {
     const uint8_t *token = end - 1;
     if (!isSpace(*token)) {

@@ -2,11 +2,11 @@
 // force. A token never spans a line end or the end of the input; there is no lookahead beyond the
 // current token and no backtracking.
 //
-// There are two lexers with the same operations. A BodyLexer reads a body's normal form, which
-// bytes that may be read follow: its operations are inlined, and the compiler keeps it in
-// registers. A StateLexer reads any input from any place, as setters may have set it: its
-// operations are functions. The process-wide State is what the exported operations read and write;
-// parsers that are called by their exported names start from it and store where they stopped.
+// There are two lexers with the same operations. A BodyLexer reads the normal form of a body, which
+// is followed by padding: its operations are inlined, and the compiler keeps it in registers. A
+// StateLexer reads any input from any position, since the exported setters may set any: its
+// operations are functions. The exported operations read and write the process-wide State; parsers
+// that are called by their exported names start from it and store the position where they stopped.
 #pragma once
 
 #include <cstddef>
@@ -22,9 +22,9 @@
 
 namespace sdpline {
 
-constexpr uint32_t kTextSize = 1024; // of the token text buffer, terminator included
+constexpr uint32_t kTextSize = 1024; // bytes of the token text buffer, the terminating NUL included
 
-// The contexts, short.
+// Short names of the contexts.
 struct Context {
     static constexpr uint32_t Sdp = SDP_LEXCTX_SDP;
     static constexpr uint32_t Char = SDP_LEXCTX_CHAR;
@@ -43,15 +43,15 @@ struct Position {
     uint32_t kind;
     uint32_t context;
     uint8_t last;     // the byte that was classified last
-    uint32_t counted; // the value of the digits that were cut last, modulo 2^32
+    uint32_t counted; // the value of the last run of digits that was cut, modulo 2^32
 
     bool is(uint32_t wanted) const { return kind == wanted; }
 
     // Whether the input ends at the current token.
     bool inputEnds() const { return *at == '\0'; }
 
-    // Moves to another position in the same input. Field by field, so that each field of a local
-    // lexer has a register of its own.
+    // Moves to another position in the same input. The fields are copied one by one, so that the
+    // compiler can keep each field of a local lexer in its own register.
     void copyPosition(const Position &other) {
         at = other.at;
         end = other.end;
@@ -61,7 +61,8 @@ struct Position {
     }
 };
 
-// What a lexer has to look for before it cuts the next token: nothing where that begins at `end`.
+// The special cases of a lexer before it cuts the next token. A BodyLexer has none: its next token
+// always begins at `end`.
 struct NothingSpecial {
     static constexpr bool kPadded = true; // sixteen bytes after the input's NUL may be read
     static constexpr uint32_t special = 0;
@@ -71,14 +72,14 @@ struct AnythingSpecial {
     static constexpr bool kPadded = false;
     uint32_t special; // a set of the bits below
 
-    // The end token was cut: it stays. Parsers never take it, so that a lexer without special bits
-    // need not remember; store() sees that it is current.
+    // The end token was cut, and stays current. Parsers never take it, so a lexer without special
+    // bits does not record this; store() finds that it is current.
     static constexpr uint32_t kEnded = 1;
-    // A token is under construction: the next one begins where it began.
+    // A token is under construction: the next one begins at the same byte.
     static constexpr uint32_t kHalfCut = 2;
-    // The token ended at offset 0 and so counts as none, or it ends before it starts.
+    // The token ended at offset 0 and so counts as none, or its end is before its start.
     static constexpr uint32_t kRepeats = 4;
-    // memset_s is not libsipcore's: each taking of a text makes its call.
+    // memset_s is not libsipcore's: it is called each time that a text is taken.
     static constexpr uint32_t kCallsForTexts = 8;
 };
 
@@ -89,12 +90,12 @@ struct LexerOn : Position, Special {
     using Special::kPadded;
     using Special::special;
 
-    // Takes the current token's text: its bytes, in the input. Null data when they are more than
-    // 1023, and nothing was taken.
+    // Takes the text of the current token and returns it as a view into the input. When it has more
+    // than 1023 bytes, nothing is taken and the data of the view is null.
     std::string_view text();
 
-    // The value of the current token, which is a run of digits and has the text. A token that was
-    // current before there was this lexer has not been counted.
+    // The value of the current token, whose text is a run of digits. `counted` is not used in a
+    // StateLexer, because the token may have been cut before the lexer was made.
     uint32_t valueOf(std::string_view digits) const {
         return kPadded ? counted : scanNumber(digits);
     }
@@ -102,15 +103,15 @@ struct LexerOn : Position, Special {
     // Cuts the next token under the context.
     SDPLINE_INLINE void advance(uint32_t under);
 
-    // The same when the current token is a run of the context, which under the alphanumeric one is
-    // a run of digits: no such run is next.
+    // The same when the current token is a run of the context (in the alphanumeric context, of
+    // digits): the next token is then no such run.
     void advanceAfterRun(uint32_t under);
 
-    // Takes what follows the current token when it is this text, in one comparison: the text's last
-    // byte, which is a token in any context, is then current. Else nothing is taken.
+    // If this text follows the current token, which is one comparison, takes it and returns true:
+    // its last byte, which must be a token in every context, is then current. Else takes nothing.
     template <size_t Size>
     bool jump(const char (&text)[Size]);
-    // The same for a word and the space after it. The text of the word is taken.
+    // The same for a word and the space after it. Takes the word's text.
     template <size_t Size>
     bool jumpWord(const char (&text)[Size]) {
         if (!jump(text)) {
@@ -121,7 +122,8 @@ struct LexerOn : Position, Special {
         return true;
     }
 
-    // The same for a name whose bytes are known: it is a word when a colon or line end is after it.
+    // The same for a name whose bytes have been compared already: it is taken if a colon or a line
+    // end follows.
     SDPLINE_INLINE bool jumpName(uint32_t size, std::string_view &name) {
         const uint8_t *const after = end + size;
         if (*after != ':' && *after != '\n') {
@@ -134,7 +136,7 @@ struct LexerOn : Position, Special {
         return true;
     }
 
-    // Switches the context, then takes the current token when it is of the kind.
+    // Switches the context, then advances if the current token is of the kind.
     SDPLINE_INLINE bool take(uint32_t wanted, uint32_t under) {
         context = under;
         if (kind != wanted) {
@@ -144,8 +146,8 @@ struct LexerOn : Position, Special {
         return true;
     }
 
-    // The same for the token before a rest of line: its first token of the string context is known
-    // by its first byte and kind only, until takeRestOfLine() or finishText() has gone over it.
+    // The same for the token before a rest of line. The first token of the rest is not cut: only
+    // its first byte and kind are known until takeRestOfLine() or finishText() is called.
     SDPLINE_INLINE bool takeToText(uint32_t wanted);
     void finishText() {
         if (kind == SDP_TOK_STRING) {
@@ -154,20 +156,20 @@ struct LexerOn : Position, Special {
         }
     }
 
-    // Gathers the tokens of the string context from the current one to the end of the line or of
-    // the input, which is current afterwards. False when they are more than `limit` bytes; the
+    // Takes the tokens of the string context from the current one to the end of the line or of the
+    // input, which is current afterwards. Returns false when they have more than `limit` bytes; the
     // token that no longer fits is then current.
     SDPLINE_INLINE bool takeRestOfLine(std::string_view &rest, uint32_t limit);
 
-    // Gathers the bytes from the current one to a "/" or the line end, which is current
-    // afterwards. False when they are more than `limit` bytes or the input ends first.
+    // Takes the bytes from the current one to a "/" or the line end, which is current afterwards.
+    // Returns false when there are more than `limit` of them or the input ends first.
     SDPLINE_INLINE bool takeBytesToSlash(std::string_view &bytes, uint32_t limit);
 
-    // The same place, for operations that are not inlined.
+    // A lexer at the same position whose operations are not inlined.
     StateLexer anywhere() const;
 
 private:
-    // Moves to where token by token has led.
+    // Moves to the position of a lexer that read on token by token.
     void stopAt(const StateLexer &other);
     SDPLINE_INLINE bool begin();
     void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
@@ -177,14 +179,14 @@ private:
         kind = closed;
     }
 
-    // A run; the byte after it is the one classified last.
+    // Ends the token, a run, before `byte`, which is then the byte that was classified last.
     void closeAt(const uint8_t *byte, uint32_t closed) {
         end = byte;
         last = lexer::readAnew(byte);
         kind = closed;
     }
 
-    // One byte, whatever it is.
+    // The token is one byte.
     SDPLINE_INLINE void closeByte() { close(1, lexer::kBytes.kind[last]); }
 
     template <lexer::Run run>
@@ -199,7 +201,8 @@ private:
 
 using BodyLexer = LexerOn<NothingSpecial>;
 
-// The operations out of line. What is not named here is small, or for a BodyLexer alone.
+// The operations out of line. Those that are not declared here are small, or used with a BodyLexer
+// only.
 struct StateLexer : LexerOn<AnythingSpecial> {
     std::string_view text();
     void advance(uint32_t under);
@@ -213,7 +216,8 @@ struct StateLexer : LexerOn<AnythingSpecial> {
 
 namespace lexer {
 
-// What a letter begins that is no line's key: "IN", "IP4", "IP6", "X-", or nothing but itself.
+// The token that begins with a letter which is not a line's key: "IN", "IP4", "IP6", "X-", or the
+// letter itself.
 struct LetterToken {
     uint32_t kind;
     uint8_t size;
@@ -221,7 +225,7 @@ struct LetterToken {
 };
 [[gnu::noinline]] LetterToken cutLetter(const uint8_t *letter);
 
-// Where the next token begins when special bits are set.
+// The start of the next token when special bits are set.
 struct SpecialStart {
     const uint8_t *from; // null: there is no next token
     uint32_t special;
@@ -229,30 +233,31 @@ struct SpecialStart {
 [[gnu::cold, gnu::noinline]] SpecialStart findStart(const uint8_t *input, const uint8_t *at,
                                                     const uint8_t *end, uint32_t special);
 
-// The token text that was taken last and is not in the text buffer yet: bytes of the input, or a
-// rest of line, of which the last token was taken last.
+// The token text that was taken last, if it is not in the text buffer yet: bytes of the input, or a
+// rest of line, whose last token is then the one that was taken last.
 struct TakenText {
-    const uint8_t *from; // null: the buffer holds what was taken last
+    const uint8_t *from; // null: the text is in the buffer
     uint32_t size;
     static constexpr uint32_t kRestOfLine = 1u << 31; // a bit of `size`
 };
 extern SDPLINE_PER_THREAD TakenText takenText;
 
-// Puts a text into the text buffer, with the call of memset_s that each taking makes.
+// Copies a text into the text buffer, after the call of memset_s that belongs to each taking.
 [[gnu::cold, gnu::noinline]] void takeText(const uint8_t *from, uint32_t size);
-// Puts the text that is noted there, without that call.
+// Copies the text of takenText into the text buffer, without that call.
 void publishText();
 
-// Token by token, where a text does not fit or special bits are set.
+// takeRestOfLine() and takeBytesToSlash() token by token, for a text that does not fit its limit
+// and for a lexer with special bits.
 [[gnu::cold, gnu::noinline]] StateLexer gatherTokens(StateLexer lexer, uint32_t limit, bool &fits);
 [[gnu::cold, gnu::noinline]] StateLexer gatherToSlash(StateLexer lexer, uint32_t limit, bool &fits);
 
-// The state of the exported operations. Offsets count from the start of the input.
+// The state of the exported operations. Offsets are from the start of the input.
 struct State {
     const uint8_t *input;
-    bool inputGone; // the input was a parse's copy, which lives no longer: nothing is read there
+    bool inputGone; // the input was the copy of a parse, which no longer exists: it is not read
     uint32_t start;
-    uint32_t end;   // of the last byte, not after it
+    uint32_t end;   // the offset of the last byte, not of the byte after it
     uint32_t index; // bytes of a token under construction
     uint32_t kind;
     uint32_t context;
@@ -263,12 +268,12 @@ struct State {
 };
 extern SDPLINE_PER_THREAD State state;
 
-// A lexer at the state's position, and the state put to where a lexer is.
+// Returns a lexer at the state's position; stores a lexer's position in the state.
 StateLexer load();
 void store(const Position &position, uint32_t special);
-// A lexer on the first token of an input, and the state with it.
+// Sets the state to the first token of an input, and returns a lexer at that token.
 StateLexer begin(const uint8_t *input);
-// The positions back to the start.
+// Resets the positions to the start of the input.
 void clear();
 
 } // namespace lexer
@@ -292,7 +297,7 @@ inline std::string_view LexerOn<Special>::text() {
     return {reinterpret_cast<const char *>(at), size};
 }
 
-// Moves to the next token's first byte; false when there is none.
+// Moves to the first byte of the next token; returns false when there is none.
 template <class Special>
 inline bool LexerOn<Special>::begin() {
     const uint8_t *from = end;
@@ -381,7 +386,7 @@ inline void LexerOn<Special>::scanSdp() {
     }
 }
 
-// The run that the first byte begins, or that byte alone.
+// The run that begins with the first byte, or that byte alone.
 template <class Special>
 template <lexer::Run run>
 inline void LexerOn<Special>::scanRun(uint32_t closed) {
@@ -415,7 +420,7 @@ inline void LexerOn<Special>::scanLetters() {
     }
 }
 
-// The kind of such a run is that of its last byte, which shows whether an address ends in ".".
+// The token kind is that of the run's last byte, so that an address that ends in "." is recognised.
 template <class Special>
 inline void LexerOn<Special>::scanIpv6() {
     scanRun<lexer::kIpv6Run>(SDP_TOK_ALPHA);

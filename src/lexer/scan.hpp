@@ -1,5 +1,5 @@
-// Where a run of bytes ends: byte by byte, or sixteen at once (SSE2) in an input that is followed
-// by padding.
+// Finding the end of a run of bytes: byte by byte, or sixteen bytes at once (SSE2) in an input that
+// is followed by padding.
 #pragma once
 
 #include <bit>
@@ -14,7 +14,7 @@
 
 namespace sdpline::lexer {
 
-// Bytes after the NUL of a padded input that may be read; their values do not matter.
+// How many bytes may be read after the NUL of a padded input; their values do not matter.
 constexpr uint32_t kPadding = 16;
 
 // The first byte that does not continue the run; the NUL after the input continues none.
@@ -25,17 +25,17 @@ SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run) {
     return byte;
 }
 
-// A byte that a loop has just read, read once more: else the loop would keep each one for the case
-// that it is the last.
+// Reads a byte again that a loop has just read. Without the volatile access the compiler would keep
+// every byte of the loop in a register, in case it is the last one.
 SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
     return *const_cast<const volatile uint8_t *>(byte);
 }
 
-// lineEnd() in an input that is not padded.
+// lineEnd() for an input without padding.
 const uint8_t *findLineEnd(const uint8_t *text);
 
-// Past bytes of a run in a padded input, sixteen at once where there is a way: the byte that it
-// stops at may continue the run all the same.
+// Skips bytes of a run in a padded input, sixteen at once. It may stop early: the byte that it
+// stops at may continue the run. Without SSE2 it skips nothing.
 template <Run run>
 SDPLINE_INLINE const uint8_t *skip(const uint8_t *byte) {
     return byte;
@@ -43,7 +43,7 @@ SDPLINE_INLINE const uint8_t *skip(const uint8_t *byte) {
 
 #ifdef __SSE2__
 
-// The first byte for which `stops` sets the byte's bits; it does for the NUL at the latest.
+// The first byte that `stops` marks. The NUL at the end of the input must be marked.
 template <class Stops>
 SDPLINE_INLINE const uint8_t *findInPadded(const uint8_t *byte, const Stops &stops) {
     for (;; byte += 16) {
@@ -62,13 +62,13 @@ SDPLINE_INLINE __m128i atMost(__m128i bytes, char limit) {
     return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(limit)), bytes);
 }
 
-// Words end at a space, rarely at a tab or another byte below it.
+// Words end at a space, seldom at another byte below it, such as a tab.
 template <>
 SDPLINE_INLINE const uint8_t *skip<kStringRun>(const uint8_t *byte) {
     return findInPadded(byte, [](__m128i bytes) { return atMost(bytes, ' '); });
 }
 
-// Most words are of letters, digits, "-", "." and "/".
+// Most words consist of letters, digits, "-", "." and "/".
 template <>
 SDPLINE_INLINE const uint8_t *skip<kTokenRun>(const uint8_t *byte) {
     return findInPadded(byte, [](__m128i bytes) {
@@ -98,13 +98,13 @@ inline const uint8_t *lineEndInPadded(const uint8_t *byte) {
 
 #endif
 
-// The first byte that does not continue the run, in an input that is padded or not.
+// The first byte that does not continue the run, in an input with or without padding.
 template <Run run, bool Padded>
 SDPLINE_INLINE const uint8_t *endOf(const uint8_t *byte) {
     return runEnd(Padded ? skip<run>(byte) : byte, run);
 }
 
-// The line end after a text, or the end of the input.
+// The next line end, or the end of the input.
 template <bool Padded>
 SDPLINE_INLINE const uint8_t *lineEnd(const uint8_t *byte) {
     return Padded ? lineEndInPadded(byte) : findLineEnd(byte);

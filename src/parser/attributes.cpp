@@ -1,5 +1,5 @@
-// The a= lines: the list, the name, and the shape of the value that goes with it; text values, and
-// attributes that the table does not know.
+// The a= lines: the list, the name, the choice of the value's production by its shape, text values,
+// and attributes that are not in the table.
 #include "parser/attributes.hpp"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace sdpline {
 
 namespace {
 
-// The names that are known in any letter case.
+// The names that are recognised in any letter case.
 constexpr auto anyCase = [](const AttributeRow &row) { return row.has(kAnyCase); };
 constexpr auto kAnyCaseNames = [] {
     std::array<KeywordRow, std::ranges::count_if(kAttributes, anyCase)> names{};
@@ -24,7 +24,7 @@ constexpr auto kAnyCaseNames = [] {
     return names;
 }();
 
-// Their sizes, as bits: most names have another.
+// Their sizes, one bit each. Most other names have none of these sizes and need no comparison.
 constexpr uint32_t kAnyCaseSizes = [] {
     uint32_t sizes = 0;
     for (const KeywordRow &name : kAnyCaseNames) {
@@ -57,7 +57,7 @@ bool keepName(Parser auto &p, SDPAttr &attr, std::string_view name) {
     return storeName(p, attr, name, {Check::UnrecFlagNameAlloc, Check::UnrecFlagNameStore});
 }
 
-// ":" value, entered on the colon; the value is at most `limit` bytes
+// ":" value, with the colon as the current token; the value has at most `limit` bytes
 bool keepNamedText(Parser auto &p, SDPAttr &attr, std::string_view name, uint32_t limit,
                    std::string_view &value) {
     p.takeToText(SDP_TOK_COLON);
@@ -87,7 +87,8 @@ bool keepUnrecognised(Parser auto &p, SDPAttr &attr, std::string_view name) {
            p.endLine(Check::UnrecEnd);
 }
 
-// A name that the table has in no letter case, or in any
+// A name that is not in the table as it is written: it may be one that is recognised in any letter
+// case, else it is kept by name.
 bool parseOther(Parser auto &p, SDPAttr &attr, std::string_view name) {
     if (mayBeAnyCase(name)) {
         for (const KeywordRow &known : kAnyCaseNames) {
@@ -121,7 +122,7 @@ bool parseTextValue(Parser auto &p, SDPAttr &attr, uint32_t type) {
 
 namespace {
 
-// What reads a value: its shape, and the deviations of its row.
+// The production that reads a value: it follows from the row's shape and deviations.
 enum class Reader : uint8_t {
     Other,
     Flag,
@@ -190,7 +191,7 @@ constexpr auto kReaders = [] {
 
 namespace {
 
-// Values that few bodies have are read out of line.
+// The values that few bodies have are parsed out of line.
 [[gnu::noinline]] bool rareValue(StateParser &p, SDPAttr &attr, uint32_t type) {
     switch (kReaders[type]) {
     case Reader::Quality: return parseQuality(p, attr, type);
@@ -227,7 +228,8 @@ bool parseValue(Parser auto &p, SDPAttr &attr, std::string_view name, uint32_t t
 
 namespace {
 
-// The type of a usual name after "a=", which is taken up to the ":" or line end after it; else 0.
+// Takes a usual name after "a=", so that the ":" or line end after it is current, and returns its
+// type; returns 0 and takes nothing for any other name.
 SDPLINE_INLINE uint32_t usualName(Parser auto &p, std::string_view &name) {
     if (p.special != 0 || !p.is(SDP_TOK_ATTRIBUTE)) {
         return 0;
@@ -263,7 +265,8 @@ bool parseAttribute(Parser auto &parser, SDPAttr &attr) {
     return attribute(parser, attr);
 }
 
-// Most of a body is attributes: their values are parsed in one function, in registers.
+// Most of a body is attributes. The loop over them and the parsers of usual values are one
+// function, with the parser in registers.
 bool parseAttributes(Parser auto &parser, SDPAttrList &list) {
     return onLine(parser,
                   [&](Parser auto &p) SDPLINE_INLINE_LAMBDA { return attributes(p, list); });

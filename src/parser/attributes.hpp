@@ -1,5 +1,5 @@
-// The productions of the a= lines that have exported names too. Those of values are entered after
-// the attribute's name, with the type that they store.
+// The productions of the a= lines that also have exported names. The production of a value starts
+// after the attribute's name; `type` is the attribute type that it stores.
 #pragma once
 
 #include "parser/parser.hpp"

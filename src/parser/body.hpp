@@ -1,16 +1,16 @@
-// A body from text to records, and why the last one was refused.
+// Parsing a whole body, and recording why the last one was refused.
 #pragma once
 
 #include "parser/parser.hpp"
 
 namespace sdpline {
 
-// SdpLibParseSdp, startSdpParsing and SdpLibUtilExtendDP.
+// SdpLibParseSdp and startSdpParsing (sdpinternals.h).
 SDPResult parseBody(const SipString *text, SdpLine **line);
 SDPResult parseFromState(SdpLine &line);
 
-// Remembers that the text was refused, and where: at the word that was judged, or else where the
-// parser is. A refused call has no place.
+// Record the last failure, for SdpLibGetLastFailure. A refused text has a place: that of the word
+// that the check judged, else that of the current token. A refused call has none.
 [[gnu::cold, gnu::noinline]] void rememberPlace(const SipString &text, const Position &position,
                                                 SDPResult failure);
 void rememberCall(SDPResult result, Check check);

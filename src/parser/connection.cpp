@@ -1,12 +1,12 @@
-// The c= line: numeric addresses only, kept as bytes in network order.
+// The c= line. Only numeric addresses are accepted; they are stored as bytes in network order.
 #include "parser/connection.hpp"
 
 namespace sdpline {
 
 namespace {
 
-// The range is tested on the number as signed: digits that wrap beyond 2^31 pass, and only their
-// low byte is kept.
+// The number, which wraps modulo 2^32, is compared as a signed one: from 2^31 on it passes, and
+// only its low byte is stored.
 constexpr bool octetFits(uint32_t value) {
     return static_cast<int32_t>(value) <= 255;
 }
@@ -42,7 +42,7 @@ SDPResult addressType(SDPConnection &connection, uint32_t kind) {
     return 0;
 }
 
-// 3( 1*DIGIT "." ) 1*DIGIT, after the space that is still current
+// 3( 1*DIGIT "." ) 1*DIGIT, with the space before it as the current token
 bool parseIpv4(Parser auto &p, SDPConnection &connection) {
     p.take(SDP_TOK_SPACE, Context::Alnum);
     connection.stTptAddr.enTptAddrType = SDP_TPTADDR_IPV4;
@@ -58,7 +58,7 @@ bool parseIpv4(Parser auto &p, SDPConnection &connection) {
                  {{Check::ConnLastOctet, Check::ConnLastOctetText}, Check::ConnLastOctetRange});
 }
 
-// One run of letters, digits, ":" and ".", after the space that is still current
+// One run of letters, digits, ":" and ".", with the space before it as the current token
 bool parseIpv6(Parser auto &p, SDPConnection &connection) {
     p.take(SDP_TOK_SPACE, Context::Ipv6);
     if (!p.is(SDP_TOK_DIGIT) && !p.is(SDP_TOK_ALPHA) && !p.is(SDP_TOK_COLON)) {
@@ -117,7 +117,7 @@ SDPLINE_INLINE bool address(Parser auto &p, SDPConnection &connection) {
            (family == SDP_TOK_IP4 ? parseIpv4(p, connection) : parseIpv6(p, connection));
 }
 
-// The usual types of a numeric address, which are compared at once.
+// Fast path: "IN IP4 " after the key, as one comparison. False when other types follow.
 SDPLINE_INLINE bool ipv4Types(Parser auto &p, SDPConnection &connection) {
     if (!p.is(SDP_TOK_CONNECTION) || !p.jump("IN IP4 ")) {
         return false;

@@ -1,4 +1,4 @@
-// The productions of the c= line that have exported names too.
+// The productions of the c= line that also have exported names.
 #pragma once
 
 #include "parser/parser.hpp"

@@ -1,5 +1,5 @@
-// The driver: one body from text to records. The text is copied in its normal form, the parser is
-// made over the copy, and a table of line kinds says which line may follow which.
+// The driver: parses one body from text to records. It copies the text in its normal form, makes a
+// parser over the copy, and walks a table of line kinds that says which line may follow which.
 #include "parser/body.hpp"
 
 #include <array>
@@ -27,12 +27,13 @@ constexpr bool contains(LineSet set, uint32_t kind) {
     return kind < 64 && (set >> kind & 1) != 0;
 }
 
-// One line kind, or run of lines: what parses it, what may follow it, and what is wrong otherwise.
+// One line kind, or run of lines of it: its production, the kinds that may follow it, and the check
+// that fails when another kind follows.
 struct Step {
     uint32_t kind;
     Production<SdpLine> parse;
     LineSet next;
-    bool mayEnd; // an empty line may follow: the description ends there
+    bool mayEnd; // an empty line may follow, which ends the description
     Check unexpected;
 
     constexpr bool mayEndAt(uint32_t following) const { return mayEnd && following == SDP_TOK_LF; }
@@ -112,7 +113,7 @@ constexpr Step kSteps[] = {
      lines({}), true, Check::AfterMedia},
 };
 
-// The row of each line kind that has one.
+// The index into kSteps by line kind; 0 for kinds without a step.
 constexpr auto kStepRows = [] {
     std::array<uint8_t, 64> rows{};
     for (size_t row = 0; row < std::size(kSteps); ++row) {
@@ -125,7 +126,7 @@ const Step *stepOf(uint32_t kind) {
     return &kSteps[kStepRows[kind]];
 }
 
-// Every line that may follow another has a step of its own.
+// Every line kind that may follow another one has a step.
 constexpr bool stepsAreComplete() {
     LineSet known = 0;
     LineSet followers = std::end(kHead)[-1].next;
@@ -144,7 +145,7 @@ SDPLINE_INLINE bool runStep(Parser auto &p, SdpLine &line, const Step &step) {
                                    p.refuse(step.unexpected, p.kind));
 }
 
-// version origin session-name, in one function and in registers.
+// version origin session-name. One onLine() for all three keeps the parser in registers.
 bool parseHead(Parser auto &parser, SdpLine &line) {
     return onLine(parser, [&](Parser auto &p) SDPLINE_INLINE_LAMBDA {
         return p.see(kHead[0].kind, Check::StartVersion) && runStep(p, line, kHead[0]) &&
@@ -184,7 +185,7 @@ SDPResult parseFromState(SdpLine &line) {
 namespace {
 
 constexpr uint32_t kEndSize = 3;       // LF LF NUL after every body
-constexpr uint32_t kBufferSize = 4096; // and the lexer's padding after it
+constexpr uint32_t kBufferSize = 4096; // without the lexer's padding, which follows
 static_assert(SDP_MAX_BODY + kEndSize <= kBufferSize);
 
 SDPResult refuseCall(Check check, uint32_t line = __builtin_LINE()) {
@@ -193,7 +194,7 @@ SDPResult refuseCall(Check check, uint32_t line = __builtin_LINE()) {
     return result;
 }
 
-// Parses the text from its first token on, and stores where the parser stopped.
+// Parses the text and stores the position at which the parser stopped in the lexer's state.
 SDPLINE_INLINE SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line) {
     const bool done = parseLines(parser, line);
     lexer::store(parser, parser.special);
@@ -203,11 +204,11 @@ SDPLINE_INLINE SDPResult parseWith(Parser auto parser, const SipString &text, Sd
     return parser.failure;
 }
 
-// Parses the text from its normal form, which is made in the buffer.
+// Writes the text's normal form into the buffer, and parses that.
 SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString &text,
                                  SdpLine &line) {
     const auto *const bytes = reinterpret_cast<const uint8_t *>(text.pcData);
-    // Without the service's call, what it would clear is written over.
+    // Clearing the buffer first has no effect but the visible call of memset_s.
     uint8_t *const end = seesFills() ? normaliseCleared(bytes, text.ulLen, buffer, size)
                                      : normalise(bytes, text.ulLen, buffer);
     std::memset(end, 0, lexer::kPadding);
@@ -216,7 +217,7 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
                               : parseWith(StateParser{start, 0}, text, line);
 }
 
-// The same for a body that SdpSetMaxBodySize admits: its normal form lives as long as the parse.
+// For a body longer than SDP_MAX_BODY bytes: the buffer is allocated, and freed after the parse.
 [[gnu::cold, gnu::noinline]] SDPResult parseLong(const SipString &text, SdpLine &line) {
     const uint32_t size = text.ulLen + kEndSize;
     auto *const buffer =

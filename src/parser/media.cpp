@@ -1,13 +1,13 @@
-// The media descriptions: which lines are below an m= line, and in which order. The m= line itself
-// is in mediafield.cpp.
+// The media descriptions: the lines that may follow an m= line, and their order. The m= line itself
+// is parsed in mediafield.cpp.
 #include "parser/media.hpp"
 
 namespace sdpline {
 
 namespace {
 
-// The lines of a description in their order: each may be followed by those further down, by the
-// next description or by the end.
+// The lines of a description in their order. Each may be followed by any of those below it in the
+// table, by attributes, by the next description or by the end.
 struct MediaStep {
     uint32_t kind;
     Production<SDPMediaDesc> parse;
@@ -42,7 +42,7 @@ constexpr MediaStep kMediaSteps[] = {
      Check::AfterMediaKey},
 };
 
-// The step of a line kind, from `step` on; null when it is none of them.
+// Returns the step of a line kind among `step` and those after it, or null.
 const MediaStep *stepOf(uint32_t kind, const MediaStep *step) {
     for (; step != std::end(kMediaSteps); ++step) {
         if (step->kind == kind) {
@@ -65,7 +65,7 @@ bool parseMediaDescription(Parser auto &parser, SDPMediaDesc &desc) {
         if (next == SDP_TOK_MEDIA || next == SDP_TOK_LF) {
             return true;
         }
-        if (next == SDP_TOK_ATTRIBUTE) { // any line may follow these: the caller decides
+        if (next == SDP_TOK_ATTRIBUTE) { // what may follow attributes is checked by the caller
             return attributesInto<&SDPMediaDesc::pstAttrList>(parser, desc,
                                                               Check::MediaAttributesAlloc);
         }
@@ -77,7 +77,7 @@ bool parseMediaDescription(Parser auto &parser, SDPMediaDesc &desc) {
     }
 }
 
-// 1*media-description. The count is one of 8 bits.
+// 1*media-description. The count has 8 bits and wraps.
 bool parseMediaDescriptions(Parser auto &parser, SDPMediaSet &set) {
     return parseList<SDPMediaDesc, uint8_t>(
         parser, {Check::MediaArrayAlloc, Check::MediaAlloc, Check::MediaGrow},

@@ -1,4 +1,4 @@
-// The productions of the media descriptions and their m= lines that have exported names too.
+// The productions of the media descriptions and their m= lines that also have exported names.
 #pragma once
 
 #include "parser/parser.hpp"

@@ -46,7 +46,7 @@ struct ParamsChecks {
     Check end;
 };
 
-// 1*1023<any byte but LF> LF, kept with the space it begins with
+// 1*1023<any byte but LF> LF, stored with its leading space
 SDPLINE_INLINE bool params(Parser auto &p, SipString &value, ParamsChecks checks,
                            uint32_t line = __builtin_LINE()) {
     if (p.is(SDP_TOK_LF)) {
@@ -90,7 +90,7 @@ bool parseFlag(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return p.endLine(Check::ModeEnd);
 }
 
-// ":" 1*DIGIT LF, and for a frame rate ":" 1*DIGIT [ "." 1*DIGIT ] LF with the fraction dropped
+// ":" 1*DIGIT LF; for a frame rate ":" 1*DIGIT [ "." 1*DIGIT ] LF, of which the fraction is dropped
 bool parsePacketNumber(Parser auto &p, SDPAttr &attr, uint32_t type) {
     if (!numericValue(p, attr, type,
                       {Check::PacketColon, {Check::PacketNumber, Check::PacketText}})) {
@@ -116,7 +116,7 @@ bool parseFaxNumber(Parser auto &p, SDPAttr &attr, uint32_t type) {
            p.endLine(Check::FaxEnd);
 }
 
-// [ ":" 1*DIGIT ] LF: no number says yes
+// [ ":" 1*DIGIT ] LF. Without a number the value is 1.
 bool parseSwitch(Parser auto &p, SDPAttr &attr, uint32_t type) {
     if (p.is(SDP_TOK_COLON)) {
         return parseFaxNumber(p, attr, type);
@@ -142,8 +142,8 @@ bool parseFaxErrorCorrection(Parser auto &p, SDPAttr &attr, uint32_t type) {
                                    Check::UdpEcEnd});
 }
 
-// ":" token LF, where the token is one of the words of the type's row: the checks are those of the
-// rate management, which every further keyword shares
+// ":" token LF, where the token is one of the words of the type's row. All attributes of this kind
+// that have no production of their own fail the checks of T38FaxRateManagement.
 bool parseKeyword(StateParser &p, SDPAttr &attr, uint32_t type) {
     attr.ulAttrType = type;
     std::string_view word;

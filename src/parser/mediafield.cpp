@@ -1,4 +1,4 @@
-// The m= line: media type, port, transport protocol, and the formats that go with the protocol.
+// The m= line: media type, port, transport protocol, and the formats that the protocol takes.
 #include "parser/media.hpp"
 
 namespace sdpline {
@@ -40,8 +40,8 @@ bool parsePayloadNumbers(Parser auto &p, uint32_t &count, uint32_t *numbers, uin
 
 namespace {
 
-// The numbers and the line end, after the first space. An empty list asks for zero bytes too, and
-// keeps no array.
+// The numbers and the line end, after the first space. An empty list makes a request for zero bytes
+// too, but stores no array.
 SDPLINE_INLINE bool payloadList(Parser auto &p, SDPMediaFmt &fmt) {
     uint32_t numbers[SDP_MAX_PAYLOADS];
     uint32_t count = 0;
@@ -61,7 +61,7 @@ SDPLINE_INLINE bool payloadList(Parser auto &p, SDPMediaFmt &fmt) {
     return p.endLine(Check::PayloadsEnd);
 }
 
-// The format's code, and its text where the code is that of other formats
+// Stores the format's code; the text of a format without a code is stored too.
 SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
     SDPMediaFmt &fmt = field.stMediaFmt;
     const KeywordRow *const known = findWord<kFmtWords>(word);
@@ -80,7 +80,7 @@ SDPResult classifyFormat(SDPMediaField &field, std::string_view word) {
 
 } // namespace
 
-// [ SP payloads ] LF: only a media with port 0 may have no payloads
+// [ SP payloads ] LF. Payloads may be absent only where the port is 0.
 bool parsePayloads(Parser auto &p, SDPMediaField &field, uint32_t proto) {
     field.stProto.enProto = proto;
     SDPMediaFmt &fmt = field.stMediaFmt;
@@ -95,7 +95,7 @@ bool parsePayloads(Parser auto &p, SDPMediaField &field, uint32_t proto) {
     return p.endLine(Check::NoPayloadsEnd);
 }
 
-// SP format LF: one format, and t120 over TCP only
+// SP format LF: exactly one format; "t120" is accepted over TCP only.
 bool parseOtherFormat(Parser auto &p, SDPMediaField &field, uint32_t proto) {
     field.stProto.enProto = proto;
     std::string_view word;
@@ -107,12 +107,12 @@ bool parseOtherFormat(Parser auto &p, SDPMediaField &field, uint32_t proto) {
 
 namespace {
 
-// Whether payload numbers follow the protocol; one format of another kind follows the others.
+// Whether payload numbers follow the protocol; one format follows any other protocol.
 constexpr bool takesPayloads(uint32_t proto) {
     return proto == SDP_PROTO_RTP_AVP || proto == SDP_PROTO_RTP_SAVP || proto == SDP_PROTO_RTP_AVPF;
 }
 
-// RTP/AVPF is a word like any other where its support is off.
+// The code of a protocol word. Where the support of RTP/AVPF is off, that word has no code.
 uint32_t protoOf(std::string_view word) {
     const KeywordRow *const known = findWord<kProtoWords>(word);
     const bool isOther =
@@ -120,7 +120,8 @@ uint32_t protoOf(std::string_view word) {
     return isOther ? uint32_t{SDP_PROTO_OTHER} : known->code;
 }
 
-// A word that cannot be stored for lack of memory leaves a string without bytes: no failure.
+// Stores the word of a protocol without a code. Without memory for its bytes the string has its
+// length and a null pointer, and the parse goes on.
 bool keepProto(Parser auto &p, SDPMediaField &field, std::string_view word) {
     auto *const text = allocate<SipString>("sdpMediaFmt");
     field.stProto.pstrOtherProto = text;
@@ -158,7 +159,7 @@ bool parseFormats(Parser auto &p, SDPMediaField &field, std::string_view proto) 
 
 namespace {
 
-// m= media, up to the space after it: the usual words are compared at once.
+// m= media, up to the space after it. Fast path: "audio " and "video " are one comparison each.
 SDPLINE_INLINE bool mediaType(Parser auto &p, SDPMediaField &field) {
     if (p.is(SDP_TOK_MEDIA)) {
         const uint32_t usual = p.jumpWord("audio ")   ? SDP_MEDIA_AUDIO
@@ -175,7 +176,7 @@ SDPLINE_INLINE bool mediaType(Parser auto &p, SDPMediaField &field) {
            p.accept(classifyMedia(field, word)) && p.next(Context::Alnum);
 }
 
-// SP proto formats LF: the usual protocol is compared at once too.
+// SP proto formats LF. Fast path: "RTP/AVP " is one comparison.
 SDPLINE_INLINE bool protoAndFormats(Parser auto &p, SDPMediaField &field) {
     if (p.is(SDP_TOK_SPACE) && p.jumpWord("RTP/AVP ")) {
         p.under(Context::Token);

@@ -1,4 +1,4 @@
-// A text in its normal form, and the way back from a byte of it to the text.
+// Writing the normal form of a text, and finding the byte of the text that a byte of it comes from.
 #include "parser/normalform.hpp"
 
 #include <bit>
@@ -13,8 +13,8 @@ namespace sdpline {
 
 namespace {
 
-// Copies the bytes above CR, which are plain text, from `byte` on, and returns where they end. SSE2
-// copies sixteen at once, those after the end among them: they are written over later.
+// Copies plain text, that is the bytes above CR, starting at `byte`, and returns its end. With SSE2
+// sixteen bytes are copied at once; the ones after the end are overwritten later.
 SDPLINE_INLINE const uint8_t *copyPlain(const uint8_t *byte, const uint8_t *end, uint8_t *&out) {
 #ifdef __SSE2__
     const __m128i limit = _mm_set1_epi8('\r');
@@ -36,7 +36,7 @@ SDPLINE_INLINE const uint8_t *copyPlain(const uint8_t *byte, const uint8_t *end,
     return byte;
 }
 
-// Where the plain text from `byte` on ends.
+// Returns the end of the plain text that starts at `byte`.
 const uint8_t *afterPlain(const uint8_t *byte, const uint8_t *end) {
 #ifdef __SSE2__
     const __m128i limit = _mm_set1_epi8('\r');
@@ -60,7 +60,7 @@ uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
     const uint8_t *const end = text + length;
     for (const uint8_t *byte = text; (byte = copyPlain(byte, end, out)) != end;) {
         if (end - byte > 2 && byte[0] == '\r' && byte[1] == '\n' && byte[2] > ' ') [[likely]] {
-            *out++ = '\n'; // as nearly all lines end
+            *out++ = '\n'; // nearly all lines end like this
             byte += 2;
             continue;
         }

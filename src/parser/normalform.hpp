@@ -1,5 +1,5 @@
-// The normal form of a body, which the lexer reads: no CR before LF, no NUL, no spaces at the start
-// of a line but the first; two line ends and a NUL after it.
+// The normal form of a body, which the lexer reads: it has no CR before LF, no NUL, and no spaces
+// at the start of any line but the first; two line ends and a NUL follow it.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,15 @@
 
 namespace sdpline {
 
-// What the normal form has for a text that begins with a byte of CR or below: one byte or none.
-// Reading goes on at `next`.
+// One step over a text that begins with a byte of at most CR (0x0D): the normal form keeps one byte
+// of it or none, and the text is read on at `next`.
 struct NormaliseStep {
     const uint8_t *byte;
     uint32_t kept; // 0 or 1
     const uint8_t *next;
 };
 
-// What is dropped after a line end. A NUL there hides no space after it.
+// Spaces and NUL bytes are dropped after a line end, in any mixture.
 constexpr bool isDroppedAtLineStart(uint8_t byte) {
     return byte == ' ' || byte == '\0';
 }
@@ -35,17 +35,18 @@ SDPLINE_INLINE NormaliseStep normaliseSpecial(const uint8_t *byte, const uint8_t
     return {byte, 1, next};
 }
 
-// Writes the normal form of a text: at most two bytes more than the text has, and the NUL, after
-// which it returns.
+// Writes the normal form of a text, which is at most length + 3 bytes with its NUL; returns the
+// address after the NUL.
 uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out);
-// The same with the clearing that convertCRLFToCR makes first.
+// The same, but first clears `length` bytes of `out`, as convertCRLFToCR does. `size` is the size
+// of `out`.
 uint8_t *normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size);
 
-// Where in the text a byte of its normal form is.
+// The place in the text that a byte of its normal form comes from.
 struct OriginalPlace {
-    uint32_t offset; // the text's length for what was put after it
-    uint32_t line;   // from 1
-    uint32_t lineStart;
+    uint32_t offset;    // the text's length for the line ends that were added after it
+    uint32_t line;      // counted from 1
+    uint32_t lineStart; // offset of the line's first byte
 };
 OriginalPlace originalPlace(const uint8_t *text, uint32_t length, uint32_t offset);
 

@@ -1,11 +1,11 @@
-// The o= line. The numbers are kept as text; the address may be any word.
+// The o= line. The numbers are stored as text; the address may be any word.
 #include "parser/parser.hpp"
 
 namespace sdpline {
 
 namespace {
 
-// A token of the kind, stored, and the next one under `context`
+// Stores the text of a token of the kind, and advances under `context`.
 SDPLINE_INLINE bool storeToken(Parser auto &p, SipString &value, uint32_t kind, uint32_t context,
                                WordChecks checks, Check noMemory,
                                uint32_t line = __builtin_LINE()) {
@@ -26,7 +26,7 @@ SDPLINE_INLINE bool originNames(Parser auto &p, SDPOrigin &origin) {
                       {Check::OriginVersion, Check::OriginVersionText}, Check::OriginVersionStore);
 }
 
-// SP "IN" SP ( "IP4" / "IP6" ) SP: the usual types are compared at once.
+// SP "IN" SP ( "IP4" / "IP6" ) SP. Fast path: " IN IP4 " is one comparison.
 SDPLINE_INLINE bool originTypes(Parser auto &p, SDPOrigin &origin) {
     if (p.is(SDP_TOK_SPACE) && p.jump("IN IP4 ")) {
         origin.stNetType = {SDP_NETTYPE_IN, nullptr};

@@ -1,15 +1,16 @@
 // The parser of a body: a lexer, and the result of the check that refused the text.
 //
 // Each production is a function that opens with its grammar. It returns false when the text is
-// refused; `failure` is then the result of the first check that failed. Its words are the
-// primitives of Parser, which come in two orders: expect() switches the lexer's context and then
-// tests the current token; see() and next() test it first and then switch.
+// refused; `failure` is then the result of the first check that failed. Productions are made of
+// the primitives of ParserOn, which come in two orders: expect() switches the lexer's context and
+// then tests the current token; see() and next() test it first and then switch.
 //
-// Productions are templates over the two parsers; the source that has one instantiates it for each
-// that is used elsewhere.
+// Productions are templates over the two parsers. The source file that defines a production
+// instantiates it for each parser that other files call it with.
 //
-// A line's production is entered with the line's key current and leaves the next line's key
-// current, in the SDP context. That of an attribute's value is entered after the attribute's name.
+// The production of a line starts with the line's key as the current token, and leaves the next
+// line's key current, in the SDP context. The production of an attribute's value starts after the
+// attribute's name.
 #pragma once
 
 #include <concepts>
@@ -28,13 +29,13 @@
 
 namespace sdpline {
 
-// The checks of a word: a token of another kind, and one too long to be read.
+// The checks of a word: the token is of another kind; its text is too long.
 struct WordChecks {
     Check token;
     Check text;
 };
 
-// The code of a word; one that the table does not know fails the check.
+// Stores the code of a word. A word that is not in the table fails the check.
 template <const auto &Table>
 SDPResult classify(uint32_t &code, std::string_view word, Check unknown,
                    uint32_t line = __builtin_LINE()) {
@@ -58,12 +59,14 @@ struct ParserOn : Lexer {
 
     SDPResult failure; // 0 while no check has failed
 
-    // False: the check failed. `line` is that of the caller everywhere: it goes into the log.
+    // Fails the check and returns false. Everywhere below, `line` is the line of the calling
+    // source, which log entries show.
     SDPLINE_INLINE bool refuse(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE()) {
         failure = fail(check, value, line);
         return false;
     }
-    // The same for the result of an operation that has logged its own failure, if it is one.
+    // Takes over the result of an operation that has already logged its failure; returns whether
+    // it is a success.
     SDPLINE_INLINE bool accept(SDPResult result) {
         if (result == 0) [[likely]] {
             return true;
@@ -72,7 +75,7 @@ struct ParserOn : Lexer {
         return false;
     }
 
-    // Switches the context; the current token must be of the kind, and the next one is cut.
+    // Switches the context; the current token must be of the kind; advances to the next token.
     SDPLINE_INLINE bool expect(uint32_t wanted, uint32_t under, Check check,
                                uint32_t line = __builtin_LINE()) {
         return take(wanted, under) || refuse(check, 0, line);
@@ -81,19 +84,20 @@ struct ParserOn : Lexer {
     SDPLINE_INLINE bool see(uint32_t wanted, Check check, uint32_t line = __builtin_LINE()) {
         return is(wanted) || refuse(check, 0, line);
     }
-    // Switches the context and cuts the next token. Always true.
+    // Switches the context and advances to the next token. Always true.
     SDPLINE_INLINE bool next(uint32_t under) {
         context = under;
         advance(under);
         return true;
     }
-    // The same after a run of the context: digits, where it is the alphanumeric one.
+    // The same after a token that is a run of the context. In the alphanumeric context the run must
+    // be one of digits.
     SDPLINE_INLINE bool nextAfterRun(uint32_t under) {
         context = under;
         advanceAfterRun(under);
         return true;
     }
-    // Switches the context alone.
+    // Switches the context only. Always true.
     SDPLINE_INLINE bool under(uint32_t other) {
         context = other;
         return true;
@@ -133,8 +137,8 @@ concept Parser = std::same_as<Any, BodyParser> || std::same_as<Any, StateParser>
 
 // ---- Where a production runs
 
-// Runs a line's production on a copy of the parser: nothing else knows the copy's address, so it
-// lives in registers. A StateParser is in memory as it is.
+// Runs the production of a line on a local copy of the parser. No other code has the copy's
+// address, so the compiler keeps it in registers. A StateParser stays in memory and is not copied.
 template <class Production>
 [[gnu::flatten]] inline bool onLine(BodyParser &parser, const Production &production) {
     BodyParser copy;
@@ -155,7 +159,7 @@ SDPLINE_INLINE bool onLine(StateParser &parser, const Production &production) {
     return production(parser);
 }
 
-// Runs a production that is not inlined for a body's parser.
+// Runs a production out of line: the body's parser is converted to a StateParser and back.
 template <class Production>
 SDPLINE_INLINE bool outOfLine(BodyParser &parser, const Production &production) {
     StateParser other = {parser.anywhere(), 0};
@@ -172,7 +176,7 @@ SDPLINE_INLINE bool outOfLine(StateParser &parser, const Production &production)
     return production(parser);
 }
 
-// A production that a table names, for either parser.
+// An entry of a table of productions, which can be called with either parser.
 template <class Record>
 struct Production {
     template <class Function>
@@ -186,7 +190,8 @@ private:
     bool (*onState_)(StateParser &parser, Record &record);
 };
 
-// Runs a production on the process-wide lexer, for the parsers that are called by their names.
+// Runs a production on the process-wide lexer, for the parsers that are called by their exported
+// names.
 StateParser loadParser();
 SDPResult storeParser(const StateParser &parser);
 
@@ -199,8 +204,8 @@ SDPResult withGlobalLexer(const Production &production) {
 
 // ---- Records and lists
 
-// Stores a copy of the text, without a terminator. Without memory the length stays and the
-// pointer is null. A text of length 0 asks for zero bytes all the same.
+// Stores a copy of the text, without a terminator. Without memory the length is stored and the
+// pointer is null. A text of length 0 makes a request for zero bytes too.
 SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
     value.ulLen = static_cast<uint32_t>(text.size());
     value.pcData = static_cast<char *>(allocateBytes(value.ulLen));
@@ -211,14 +216,14 @@ SDPLINE_INLINE SDPResult storeText(SipString &value, std::string_view text) {
     return 0;
 }
 
-// Stores a text; false when there is no memory for it, which is then the check that failed.
+// Stores a text. Without memory the check `noMemory` fails.
 SDPLINE_INLINE bool store(Parser auto &parser, SipString &value, std::string_view text,
                           Check noMemory, uint32_t line = __builtin_LINE()) {
     return storeText(value, text) == 0 || parser.refuse(noMemory, 0, line);
 }
 
-// Allocates the record that a member points to, and hands it to `parse`. Members lie unaligned in
-// their packed records.
+// Allocates the record that a member points to, and passes it to `parse`. The member may be
+// unaligned within its packed record, so it is written with memcpy.
 template <auto Member, class Owner, class Parse>
 SDPLINE_INLINE bool parseInto(Parser auto &parser, Owner &owner, Check noMemory, uint32_t line,
                               Parse parse) {
@@ -228,22 +233,23 @@ SDPLINE_INLINE bool parseInto(Parser auto &parser, Owner &owner, Check noMemory,
     return record != nullptr ? parse(*record) : parser.refuse(noMemory, 0, line);
 }
 
-// The checks of a list's memory: its first slot, an item, one slot more.
+// The checks of a list's memory: for the first array, for an item, for a longer array.
 struct ListChecks {
     Check array;
     Check item;
     Check grow;
 };
 
-// A longer array with the same pointers, in place of the old one, which is freed. Null when there
-// is no memory: the old one stays.
+// Returns a longer array with the pointers of the old one, which is freed. Returns null when there
+// is no memory; the old array then stays.
 inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
     auto *const longer =
         static_cast<void **>(allocateBytes(newCount * static_cast<uint32_t>(sizeof(void *))));
     if (longer == nullptr || array == nullptr || count == 0) {
         return longer;
     }
-    // The last slot by itself: it has just been written, and by itself.
+    // The last slot is copied separately: it was written just now, and a wider load over it would
+    // wait for that store.
     copyBytes(longer, array, (count - 1) * sizeof(void *));
     longer[count - 1] = array[count - 1];
     for (uint32_t slot = count; slot < newCount; ++slot) {
@@ -253,9 +259,10 @@ inline void **extendArray(void **array, uint32_t count, uint32_t newCount) {
     return longer;
 }
 
-// A list's array and how many slots it has. By the hooks it grows by one slot for each item, as
-// stacks count on; where no program sees it grow it begins with a few and doubles, and so it does
-// where bodies may be long, beyond what a body of SDP_MAX_BODY bytes can hold.
+// The array of a list and its number of slots. With the allocation hooks it grows by one slot for
+// each item, because stacks rely on these requests. Where no program can see the requests, the
+// array starts with `First` slots and doubles. It also doubles once a list is longer than a body of
+// SDP_MAX_BODY bytes can make it, where longer bodies are admitted.
 template <class Item, uint32_t First>
 struct Slots {
     static constexpr uint32_t kLongList = 2048;
@@ -282,10 +289,10 @@ struct Slots {
     }
 };
 
-// Builds a list of pointers. `attach` is given every array that the list moves to, `parse` fills
-// one zeroed item, `more` tells whether another item follows, `finish` is given the count. Counters
-// of 8 bits wrap: the item after the 256th takes slot 0 again, and the list shrinks to what the
-// counter says at the next growth.
+// Builds a list of pointers. `attach` receives every array that the list moves to, `parse` fills
+// one zeroed item, `more` returns whether another item follows, `finish` receives the count.
+// Counters of 8 bits wrap: the item after the 256th is stored in slot 0 again, and from then on the
+// list has as many items as the counter says.
 template <class Item, class Counter, uint32_t First = 2, class Attach, class Parse, class More,
           class Finish>
 SDPLINE_INLINE bool parseList(Parser auto &parser, ListChecks checks, Attach attach, Parse parse,
@@ -320,7 +327,7 @@ SDPLINE_INLINE bool parseList(Parser auto &parser, ListChecks checks, Attach att
     }
 }
 
-// ---- The lines, or runs of lines of one kind
+// ---- Lines, and runs of lines of one kind
 bool parseLines(Parser auto &parser, SdpLine &line);
 bool parseVersion(Parser auto &parser, uint32_t &version);
 bool parseOrigin(Parser auto &parser, SDPOrigin &origin);
@@ -332,7 +339,7 @@ bool parseAttributes(Parser auto &parser, SDPAttrList &list);
 bool parseMediaDescriptions(Parser auto &parser, SDPMediaSet &set);
 bool parseMediaField(Parser auto &parser, SDPMediaField &field);
 
-// A member that points to a text, and one that points to a list of texts.
+// Parses a text into the record that a member points to; the same for a list of texts.
 template <auto Member, class Owner>
 bool textInto(Parser auto &parser, Owner &owner, uint32_t kind, Check noMemory,
               uint32_t line = __builtin_LINE()) {
@@ -348,7 +355,7 @@ bool listInto(Parser auto &parser, Owner &owner, uint32_t kind, Check noMemory,
     });
 }
 
-// The other members that point to what one line kind fills.
+// The same for the other members that are pointers: connection, key, attributes.
 template <auto Member, class Owner>
 bool connectionInto(Parser auto &parser, Owner &owner, Check noMemory,
                     uint32_t line = __builtin_LINE()) {

@@ -1,4 +1,4 @@
-// Where a text was refused, in the caller's own text.
+// The place where a body was refused, as line, column and offset of the caller's text.
 #include "parser/body.hpp"
 #include "parser/normalform.hpp"
 
@@ -6,7 +6,7 @@ namespace sdpline {
 
 namespace {
 
-// A line ends where its CR LF begins.
+// A failure at the line end is reported at the CR of its CR LF.
 uint32_t beforeCr(const SipString &text, uint32_t offset) {
     const bool inPair = offset > 0 && offset < text.ulLen && text.pcData[offset] == '\n' &&
                         text.pcData[offset - 1] == '\r';

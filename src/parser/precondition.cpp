@@ -1,9 +1,10 @@
-// a=curr, a=des and a=conf (RFC 3312 section 4): words of the token context, one space between.
+// a=curr, a=des and a=conf (RFC 3312 section 4): words of the token context with one space between
+// each two.
 #include "parser/attributes.hpp"
 
 namespace sdpline {
 
-// "qos", or any other word, which is kept
+// "qos", or any other word, which is stored as text
 SDPResult classifyPrecondition(SDPRsrcMgmtStatus &status, std::string_view word) {
     SDPPreconditionS &precondition = status.stPrecondition;
     if (const KeywordRow *const known = findWord<kPreconditionWords>(word)) {
@@ -46,7 +47,7 @@ SDPLINE_INLINE bool step(Parser auto &p, std::string_view &word, StepChecks chec
            p.read(word, SDP_TOK_TOKEN, checks.word, line) && p.nextAfterRun(Context::Token);
 }
 
-// [ SP strength-tag ], which is there in a=des and nowhere else
+// [ SP strength-tag ], which only a=des has
 SDPLINE_INLINE bool strength(Parser auto &p, SDPRsrcMgmtStatus &status, uint32_t type) {
     std::string_view word;
     return !attributeRow(type).has(kStrengthTag) ||

@@ -1,4 +1,4 @@
-// a=rtpmap (RFC 4566 section 6), and the static profile that an encoding name has.
+// a=rtpmap (RFC 4566 section 6), and the static payload profile of an encoding name.
 #include "parser/attributes.hpp"
 #include "tables/profiles.hpp"
 
@@ -14,8 +14,8 @@ constexpr uint32_t kDvi4At16k = 5;
 constexpr uint32_t kDvi4At11k = 15;
 constexpr uint32_t kDvi4At22k = 16;
 
-// The last profile of the name wins, so that the refinements never apply to the profiles that the
-// table has.
+// Sets the number of the last profile of that name. For the names that more than one profile has,
+// this is not one of the two numbers that the refinements are made for, and so they never apply.
 SDPLINE_INLINE void locate(SDPRtpMapAttr &rtpMap, std::string_view name) {
     rtpMap.ulEncodingId = lastProfile(name);
     switch (rtpMap.ulEncodingId) {
@@ -64,7 +64,7 @@ bool parseRtpmap(Parser auto &p, SDPAttr &attr, uint32_t type) {
         !p.number(rtpMap.ulClockRate, {Check::RtpmapClock, Check::RtpmapClockText})) {
         return false;
     }
-    // A name that is no profile is fine. The input holds no NUL: the text is the name as it is.
+    // A name without a profile is accepted. The input has no NUL, so the whole text is the name.
     if (!seesCopies()) [[likely]] {
         locate(rtpMap, name);
     } else {
@@ -73,7 +73,7 @@ bool parseRtpmap(Parser auto &p, SDPAttr &attr, uint32_t type) {
     return channels(p, rtpMap);
 }
 
-// The name ends at a NUL, where it holds one.
+// A NUL in the stored name ends it.
 [[gnu::noinline]] SDPResult locateProfile(SDPRtpMapAttr &rtpMap) {
     const uint32_t length = rtpMap.strEncodingName.ulLen;
     if (length > kMaxLookup) {

@@ -1,4 +1,4 @@
-// The lines of free text: s= i= u= k= z=, and the repeatable e= p= b=.
+// The lines of free text: s= i= u= k= z=, and e= p= b=, which may be repeated.
 #include "parser/parser.hpp"
 
 namespace sdpline {

@@ -1,4 +1,4 @@
-// The t= lines, each with the r= lines below it.
+// The t= lines, each with the r= lines that follow it.
 #include "parser/time.hpp"
 
 namespace sdpline {
@@ -10,7 +10,7 @@ struct TimeChecks {
     Check range;
 };
 
-// At most ten digits, leading zeros counted, and not above the largest number of 32 bits.
+// Whether a number has at most ten digits, leading zeros counted, and fits into 32 bits.
 bool timeFits(std::string_view digits) {
     constexpr std::string_view largest = "4294967295";
     return digits.size() < largest.size() || (digits.size() == largest.size() && digits <= largest);
@@ -43,7 +43,7 @@ bool parseTime(Parser auto &parser, SDPTimeField &time) {
     });
 }
 
-// 1*DIGIT [ "d" / "h" / "m" / "s" ], where the unit is the first letter of a run of letters
+// 1*DIGIT [ "d" / "h" / "m" / "s" ]. Of a run of letters the first one is the unit.
 bool parseTypedTime(Parser auto &p, SDPTimeUnit &unit) {
     p.under(Context::Alnum);
     if (!p.number(unit.ulTimeValue, {Check::TypedTime, Check::TypedTimeText})) {
@@ -78,7 +78,7 @@ bool parseRepeat(Parser auto &parser, SDPRepeatField &field) {
            parser.endLine(Check::RepeatEnd);
 }
 
-// 1*repeat-field, which few bodies have
+// 1*repeat-field. Out of line, since few bodies have r= lines.
 [[gnu::noinline]] bool parseRepeats(Parser auto &parser, SDPRepeatFieldSet &set) {
     return parseList<SDPRepeatField, uint32_t>(
         parser, {Check::RepeatsArrayAlloc, Check::RepeatsAlloc, Check::RepeatsGrow},
@@ -96,7 +96,7 @@ bool parseTimeAndRepeats(Parser auto &parser, SDPTimeField &field) {
     if (!parser.is(SDP_TOK_REPEAT)) {
         return true;
     }
-    // Not zeroed: the array is set at once, the count when the list ends.
+    // Not zeroed: parseRepeats() sets the array first and the count at the end of the list.
     auto *const set = static_cast<SDPRepeatFieldSet *>(allocateBytes(sizeof(SDPRepeatFieldSet)));
     field.pstRepeatFieldSet = set;
     if (set == nullptr) {
@@ -105,7 +105,7 @@ bool parseTimeAndRepeats(Parser auto &parser, SDPTimeField &field) {
     return outOfLine(parser, [&](StateParser &p) { return parseRepeats(p, *set); });
 }
 
-// 1*( time-field *repeat-field ). The count is one of 8 bits.
+// 1*( time-field *repeat-field ). The count has 8 bits and wraps.
 bool parseTimes(Parser auto &parser, SDPTimeSet &set) {
     return parseList<SDPTimeField, uint8_t>(
         parser, {Check::TimesArrayAlloc, Check::TimesAlloc, Check::TimesGrow},

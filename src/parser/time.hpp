@@ -1,4 +1,4 @@
-// The productions of the t= and r= lines that have exported names too.
+// The productions of the t= and r= lines that also have exported names.
 #pragma once
 
 #include "parser/parser.hpp"

@@ -1,3 +1,4 @@
+// The decode's memory: the hooks, and whether their work is done in place.
 #include "services/allocation.hpp"
 
 namespace sdpline {
@@ -6,10 +7,10 @@ SDPLINE_PER_THREAD sipcore::Block *decodeBlock = nullptr;
 
 namespace {
 
-// The memory control that the decode under way was begun with.
+// The memory control of the running decode.
 SDPLINE_PER_THREAD SDPMemCp *decodeControl = nullptr;
 
-// Whether no program would see that the work is done in place, without calls through the hooks.
+// Whether the work of the hooks can be done in place without any program seeing a difference.
 bool isUnseen(const SDPMemCp *memCp) {
     return memCp != nullptr && memCp == g_mSdpDecodeMemCp && g_gSdpFnAlloc == SdpLibAllocSdpMem &&
            g_gSdpFnFree == SdpLibFreeSdpMem && builtin.ownsBlock(*memCp) && !seesFills() &&

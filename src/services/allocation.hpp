@@ -1,4 +1,5 @@
-// The parser's memory: all of it comes through the two hooks, or in place as they would give it.
+// The parser's memory. It comes from the two hooks, or is taken from the decode's block in place,
+// where no program can tell the difference.
 #pragma once
 
 #include <cstdint>
@@ -15,19 +16,19 @@ namespace sdpline {
 
 // ---- A decode's memory
 
-// From here on, the hooks take every allocation of the parser from the block.
+// Begins a decode: the hooks are set, and allocate from this memory control, which is the body's.
 void beginDecode(SDPMemCp *memCp);
 
-// Takes the block away again. The two hooks go with it only where the parse failed: after one that
-// succeeded they stay, and have no memory until the next decode.
+// Ends it: the hooks no longer have a memory control. They are reset only where the parse failed;
+// after one that succeeded they stay set, and allocate nothing until the next decode.
 void endDecode(bool succeeded);
 
-// To be called where code of the program's may have set other hooks during a decode: after the log
-// hook, and after a memory control that is not the block's.
+// Must be called after code of the program ran during a decode, which may have set other hooks:
+// after the log hook, and after a function of another memory control.
 void foreignCodeRan();
 
-// The block of the decode under way, where its memory is handled in place and no program sees a
-// difference from the calls. Else null: each request goes through the hooks.
+// The block of the running decode, if its memory is handled in place. Else null: each request goes
+// through the hooks.
 extern SDPLINE_PER_THREAD sipcore::Block *decodeBlock;
 
 inline bool allocatesInPlace() {
@@ -36,17 +37,17 @@ inline bool allocatesInPlace() {
 
 [[gnu::cold, gnu::noinline]] void *allocateByHook(uint32_t size);
 [[gnu::cold, gnu::noinline]] void freeByHook(void *memory);
-// Filled by the service.
+// Zeroed by memset_s, under the name and line of the calling function.
 [[gnu::cold, gnu::noinline]] void *allocateFilled(uint32_t size, const char *function,
                                                   uint32_t line);
 
-// From the decode's block: memory that holds anything, or null.
+// Takes memory from the decode's block. Its content is undefined; null without memory.
 SDPLINE_INLINE void *takeFrom(sipcore::Block &block, uint32_t size) {
     void *const memory = sipcore::cutSmall(block, size);
     return memory != nullptr ? memory : builtin.blockTake(&block.control, size);
 }
 
-// Null when there is no hook, or the hook has no memory. What it holds is for the caller to write.
+// Returns null when there is no hook, or the hook has no memory. The content is undefined.
 SDPLINE_INLINE void *allocateBytes(uint32_t size) {
     sipcore::Block *const block = decodeBlock;
     return block != nullptr ? takeFrom(*block, size) : allocateByHook(size);
@@ -64,7 +65,7 @@ SDPLINE_INLINE void freeBytes(void *memory) {
     }
 }
 
-// A zeroed record, or null.
+// Returns a zeroed record, or null.
 template <class Record>
 SDPLINE_INLINE Record *allocate(const char *function = __builtin_FUNCTION(),
                                 uint32_t line = __builtin_LINE()) {

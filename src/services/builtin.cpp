@@ -1,3 +1,4 @@
+// Comparing the core services with those of libsipcore, once, when the library is loaded.
 #include "services/builtin.hpp"
 
 #include "sipcore/builtin.hpp"
@@ -16,7 +17,8 @@ bool describesOctets(const SipDsmTypeDef &def, uint32_t count) {
            octets->pstElement->enKind == SIP_DSM_UNSIGNED && octets->pstElement->ulSize == 1;
 }
 
-// The services of a line's copy, and the descriptors of the stack's that they go by.
+// Whether the services that copy a line, and the stack's descriptors that they use, are the known
+// ones.
 bool copiesLines(const SipCoreBuiltin &core) {
     return core.copyField == SipDsmCopyGeneralField && core.copyText == SipSmCopyString &&
            core.cloneText == SipSmCloneString && core.copy == memcpy_s &&

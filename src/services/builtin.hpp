@@ -1,8 +1,8 @@
-// Which core services are libsipcore's, so that what they do may be done in place.
+// Which core services are libsipcore's built-in ones, so that their work may be done in place.
 //
-// Found out from where the dynamic symbols lead when the library is loaded: a program that defines
-// a service itself, or preloads one, sees every call of it. The rest of the library asks whether
-// it does, and takes the calls where that is so.
+// This is found out when the library is loaded, from where the dynamic symbols lead. A program that
+// defines a service itself, or preloads one, sees every call of it: the rest of the library asks
+// whether one does (seesAppends() and the like), and then makes the calls.
 #pragma once
 
 #include "sdpline/sipcore.h"
@@ -11,7 +11,7 @@ namespace sdpline {
 
 struct Builtin {
     bool appends; // all four appends of string buffers
-    // Grows a string buffer before an append would.
+    // Grows a string buffer in advance, as an append would.
     uint32_t (*makeRoom)(SipStringBuffer *buffer, uint32_t size);
     bool copy; // memcpy_s
     bool fill; // memset_s
@@ -22,17 +22,17 @@ struct Builtin {
     decltype(SDPMemCp::pfnFree) blockFree;
     decltype(SDPMemCp::pfnAlloc) systemAlloc; // of the system's memory control
     decltype(SDPMemCp::pfnFree) systemFree;
-    bool fillsFreed; // giving memory back takes the call
-    // blockAlloc where all that copies a record by its descriptor, and memcpy_s, is libsipcore's
-    // too. Else null, which no control has.
+    bool fillsFreed; // blockFree fills what is freed, so it must be called
+    // blockAlloc if the services that copy a record by its descriptor, and memcpy_s, are
+    // libsipcore's too. Else null, which is no control's function.
     decltype(SDPMemCp::pfnAlloc) lineAlloc;
 
-    // Whether every function of a memory control is libsipcore's: that of a block, or of the
-    // system's control too. Where a program has replaced one of them, each call is made.
+    // Whether both functions of a memory control are libsipcore's functions of a block; owns() also
+    // accepts those of the system's control. Where a program replaced one of them, it is called.
     bool ownsBlock(const SDPMemCp &memCp) const {
         return blockAlloc != nullptr && memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
     }
-    // Whether lines are copied in place into the control's memory.
+    // Whether lines are copied in place into memory of the control.
     bool copiesLines(const SDPMemCp &memCp) const {
         return memCp.pfnAlloc == lineAlloc && memCp.pfnFree == blockFree;
     }
@@ -54,7 +54,8 @@ inline bool seesFills() {
     return !builtin.fill;
 }
 
-// For tests: while it lives, every service is called, as for a program that has replaced them all.
+// For tests: while an object of this class exists, every service is called, as for a program that
+// replaced them all.
 class EveryServiceCalled {
 public:
     EveryServiceCalled() : before_(builtin) { builtin = {}; }

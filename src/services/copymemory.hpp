@@ -1,4 +1,4 @@
-// Memory for copies: of any control, or cut from what a block of libsipcore's has left.
+// Memory for copies of records: from any memory control, or from the unused rest of a block.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,9 @@
 
 namespace sdpline {
 
-// Cut from a block of libsipcore's as its calls would, or taken by the calls of any other control.
-// Two pointers, which stay in registers; after the first failure it gives nothing more.
+// Memory of a control: cut from the block in place if the control is one of libsipcore's blocks,
+// else allocated by the control's functions. After the first failure every request fails. The class
+// is two pointers, which stay in registers.
 class CopyMemory {
 public:
     explicit CopyMemory(SDPMemCp &control)
@@ -21,13 +22,13 @@ public:
     bool failed() const { return control_ == nullptr; }
     void fail() { *this = CopyMemory(); }
 
-    // Holds anything; null after a failure.
+    // Memory with undefined content; null after a failure.
     SDPLINE_INLINE void *take(uint32_t size) {
         void *const memory = block_ != nullptr ? sipcore::cutSmall(*block_, size) : nullptr;
         return memory != nullptr ? memory : unlessFailed(takeByCall(*this, size));
     }
 
-    // Of at least one byte.
+    // A copy of `size` bytes, at least one.
     void *copied(const void *from, uint32_t size) {
         return unlessFailed(copyOutOfLine(*this, from, size));
     }
@@ -63,8 +64,8 @@ private:
     sipcore::Block *block_ = nullptr; // null where every request is a call
 };
 
-// What a block has left in its span, and nothing else: no request to the heap, and none that a
-// freed allocation would serve. A copy that fails half way is dropped, and leaves no trace.
+// Memory from the unused rest of a block's current span only: no new chunk, and no freed allocation
+// is used. A copy that fails half way is dropped, and the block is as it was.
 class CutMemory {
 public:
     explicit CutMemory(SDPMemCp &control)
@@ -72,13 +73,14 @@ public:
 
     bool failed() const { return failed_; }
     void fail() { failed_ = true; }
+    // Returns to the span all memory that was taken since the construction.
     void drop() const {
         sipcore::forbid(before_, static_cast<size_t>(block_->span.at - before_));
         block_->span.at = before_;
     }
 
     SDPMemCp *control() const { return &block_->control; }
-    // The same as drop(), by the first allocation that was made.
+    // The same as drop(), given the first allocation that was made.
     void dropFrom(void *first) const {
         std::byte *const before = static_cast<std::byte *>(first) - sipcore::kHeaderSize;
         sipcore::forbid(before, static_cast<size_t>(block_->span.at - before));

@@ -1,3 +1,4 @@
+// Log entries, and the code point.
 #include "services/log.hpp"
 
 #include <atomic>
@@ -15,7 +16,7 @@ constexpr uint32_t kInstance = 0xFFFFFFFF;
 } // namespace
 
 void setCodePoint(uint32_t fileNumber, uint32_t line) {
-    // The one datum of the stack's that operations running beside each other write.
+    // Atomic, since operations on different threads may write it at the same time.
     std::atomic_ref(g_gSipCodePoint).store(fileNumber << 16 | line, std::memory_order_relaxed);
 }
 

@@ -1,4 +1,4 @@
-// The stack's log.
+// Log entries for the stack's hook.
 #pragma once
 
 #include <cstdint>
@@ -13,15 +13,15 @@ struct LogEntry {
     const char *function;
     uint32_t line;
     uint32_t category;
-    const char *format; // null without a text; else with one argument, which is the value
+    const char *format; // null without a message; else its one argument is the value
     uint32_t value;
 };
 
-// The place of the entry that was made last, be there a hook or not.
+// Sets g_gSipCodePoint to the place of an entry; also done where no hook is set.
 void setCodePoint(uint32_t fileNumber, uint32_t line);
 
-// Calls the hook that the stack has set, after the code point was set. The hook may do what a
-// program does: append to the buffer that is written, change the decoder's hooks, decode a body.
+// Calls the stack's hook. The hook may do what a program may do: append to the buffer that is being
+// written, change the decoder's memory hooks, decode a body.
 void log(SipLmLogHndlr hook, const LogEntry &entry);
 
 } // namespace sdpline

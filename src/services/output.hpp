@@ -1,11 +1,11 @@
-// Where the encoders write to: the appends of one string buffer.
+// The output of the encoders: appends to one string buffer.
 //
-// Every append is one service of the string buffer, as small as a letter, a number or a word, in
-// text order. A line is written by appends to a ServiceLine, each of which is that call; or, where
-// these services and the buffer's memory are libsipcore's, to an InPlaceLine, which puts the same
-// bytes where they would, without looking at each append whether it fits. What does not fit there,
-// or has a failure to report, is written anew by the services: the line that was given up has not
-// made the buffer longer, and its bytes are those that the services write.
+// Each append is one service of the string buffer, as small as a letter, a number or a word, in
+// text order. A line is written by appends to a ServiceLine, each of which calls the service, or,
+// where these services and the buffer's memory are libsipcore's, to an InPlaceLine, which stores
+// the same bytes in the buffer without testing at each append whether it fits. A line that does not
+// fit, or has a failure to report, is given up and written again by the services: until then it has
+// not made the buffer longer, and its bytes are those that the services write.
 #pragma once
 
 #include <algorithm>
@@ -36,7 +36,7 @@ public:
         return SipSbCopyConstString(buffer_, word.data(), static_cast<uint32_t>(word.size()));
     }
 
-    // The line end that is configured at this moment.
+    // The line end that is configured at present.
     uint32_t lineEnd() {
         const SipString *const lineEnd = g_gpstSdpCrlfCfg;
         return word({lineEnd->pcData, lineEnd->ulLen});
@@ -45,7 +45,7 @@ public:
     uint32_t nextLine() { return 0; }
     uint32_t reserve(uint64_t) { return 0; }
 
-    // As of an Output: lines that are written by the services one after another.
+    // The same as Output::line(), so that writers of several lines take either.
     template <class Write>
     uint32_t line(Write write) {
         return write(*this);
@@ -55,15 +55,15 @@ private:
     SipStringBuffer *buffer_;
 };
 
-// What a line takes beside its texts, and beside what its writer reserves. The longest is that of
-// c= with an IPv6 address and two numbers.
+// The most bytes that a line takes without its texts and without what its writer reserves. The
+// longest such line is c= with an IPv6 address and two numbers.
 constexpr uint32_t kLineRoom = 96;
 
 // The configured line end, one byte or two.
 struct LineEnd {
     char first;
     char last;
-    uint8_t size; // 0: another one, which is not written in place
+    uint8_t size; // 0: a longer or empty one, which is not written in place
 };
 
 inline LineEnd configuredLineEnd() {
@@ -74,13 +74,13 @@ inline LineEnd configuredLineEnd() {
                    : LineEnd{};
 }
 
-// No append fails: where a result is not 0, the line is given up. What its writer appends then, not
-// caring for results, goes elsewhere.
+// Where an append returns a result other than 0, the line has been given up. A writer that ignores
+// results may go on to append: these bytes go to the buffer `elsewhere`.
 class InPlaceLine {
 public:
     using Elsewhere = char[kLineRoom];
 
-    // After `limit` are kLineRoom bytes more.
+    // kLineRoom bytes must follow `limit`.
     InPlaceLine(char *at, char *limit, LineEnd lineEnd, Elsewhere &elsewhere)
         : at_(at), limit_(limit), elsewhere_(elsewhere), lineEnd_(lineEnd) {}
 
@@ -96,8 +96,7 @@ public:
         return checked();
     }
 
-    // Null is an empty text, as it is for the service. After any text there is room for the rest of
-    // a line.
+    // Null is an empty text, as for the service. After a text there is room for the rest of a line.
     uint32_t text(const SipString *text) {
         if (text == nullptr || text->pcData == nullptr) {
             return reserve(0);
@@ -111,7 +110,7 @@ public:
         return 0;
     }
 
-    // Of a table, and short.
+    // A word of a table, at most kShortText bytes.
     uint32_t word(std::string_view word) {
         assert(word.size() <= sipcore::kShortText);
         at_ = sipcore::putShortText(at_, word.data(), static_cast<uint32_t>(word.size()));
@@ -125,10 +124,10 @@ public:
         return checked();
     }
 
-    // To be called before each line of several that hold no text.
+    // Must be called before each line of several lines without texts.
     uint32_t nextLine() { return reserve(0); }
 
-    // To be called before a list of words and numbers that takes so many bytes.
+    // Must be called before a list of words and numbers, with the most bytes that it takes.
     uint32_t reserve(uint64_t size) {
         if (static_cast<int64_t>(size) > limit_ - at_) [[unlikely]] {
             if (!givenUp_) {
@@ -149,8 +148,8 @@ public:
     bool isGivenUp() const { return givenUp_; }
     char *at() const { return at_; }
 
-    // How much room the text needs that did not fit; 0 where the line is given up for another
-    // reason.
+    // How many bytes were missing for the text that did not fit; 0 where the line was given up for
+    // another reason.
     uint64_t missing() const { return missing_; }
 
 private:
@@ -173,18 +172,18 @@ class Output {
 public:
     explicit Output(SipStringBuffer *buffer) : buffer_(buffer) { load(); }
 
-    // Makes the buffer end after what was written. Until then it ends where it did.
+    // Sets the end of the buffer's text after the written lines. Until then it is not changed.
     void store() const {
         if (isInPlace()) {
             buffer_->at = at_;
         }
     }
 
-    // Whether lines are written here: no program sees a difference from calls.
+    // Whether lines are written in place, because no program can see a difference from calls.
     bool isInPlace() const { return limit_ != nowhere; }
 
-    // Writes a line, or a few: by `write`, which makes its appends to either kind of line. It is
-    // called again where there was too little room, and where the services are to do it.
+    // Writes a line, or a few, by calling `write` with one of the two kinds of line. It is called
+    // again after the buffer has grown, and where the services must write the line.
     template <class Write>
     SDPResult line(Write write) {
         uint64_t missing = 0;
@@ -203,7 +202,7 @@ public:
         return byServices(write);
     }
 
-    // The same by the services alone, which the log hook may then use too.
+    // The same, always by the services, so that the log hook may append to the buffer too.
     template <class Write>
     SDPResult byServices(Write write) {
         SDPResult result = 0;
@@ -220,20 +219,20 @@ private:
         limit_ = open ? buffer_->end - kLineRoom : nowhere;
     }
 
-    // Whether a line fits at all. A buffer that may grow does so.
+    // Whether the buffer has room for a line; it grows if it can.
     static bool isLarge(SipStringBuffer &buffer) {
         return buffer.capacity() >= kLineRoom || builtin.makeRoom(&buffer, kLineRoom) == 0;
     }
 
-    // For a line that found so much too little room; false where the buffer cannot grow, or need
-    // not.
+    // Grows the buffer for a line that lacked `missing` bytes; returns false where the buffer
+    // cannot grow, or where room was not what the line lacked.
     bool makeRoom(uint64_t missing) {
         const ptrdiff_t before = limit_ - at_;
         *this = withRoom(*this, missing);
         return limit_ - at_ > before;
     }
 
-    // By value, so that an Output that nothing else points to stays in registers.
+    // By value: an Output whose address is not passed on stays in registers.
     [[gnu::noinline, gnu::cold]] static Output withRoom(Output out, uint64_t missing) {
         const auto room = static_cast<int64_t>(missing) + (out.limit_ - out.at_) + kLineRoom;
         if (out.isInPlace() && room <= UINT32_MAX) {
@@ -263,7 +262,7 @@ private:
     LineEnd lineEnd_;
 };
 
-// Writes on a string buffer by the services.
+// Calls a writer for a string buffer, by the services.
 template <class... Parameters, class... Arguments>
 SDPResult writeTo(SipStringBuffer *buffer, SDPResult (*write)(ServiceLine &, Parameters...),
                   Arguments &&...arguments) {

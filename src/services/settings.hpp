@@ -7,8 +7,8 @@ namespace sdpline {
 
 extern SDPDecodeOptions decodeSettings;
 
-// Set while a decode runs that was given options, else null. It is part of the decoder's state:
-// decodes run one at a time, or each thread has its own.
+// The options of the running decode, null where it has none. Like the rest of the decoder's state
+// this is one for the process, or one for each thread.
 extern SDPLINE_PER_THREAD const SDPDecodeOptions *decodeOptions;
 
 inline const SDPDecodeOptions &settings() {
