@@ -1,4 +1,5 @@
-// The sdpline program: SDP bodies decoded, checked, compared and written, for people and scripts.
+// The sdpline program, which decodes, checks, compares and writes SDP bodies, for people and
+// scripts.
 #include <iostream>
 #include <new>
 
@@ -7,7 +8,7 @@
 
 namespace {
 
-// "sdpline 1.0.0", and what this build reads besides texts.
+// "sdpline 1.0.0", and which inputs other than texts this build reads.
 std::string version() {
     const std::string packed = cli::unpackable();
     return "sdpline " SDPLINE_VERSION "\ncaptures: pcap, pcapng\ncompressed inputs: " +
@@ -16,9 +17,9 @@ std::string version() {
 
 constexpr cli::Program kProgram = {
     "sdpline", "Reads the SDP bodies of SIP messages.", "",
-    "Each subcommand has --help and examples. Colour is used on terminals only, and not\n"
-    "when NO_COLOR is set. Exit status: 0 when all is well, 1 when something is refused\n"
-    "or differs, 2 when something cannot be used."};
+    "Each subcommand has --help with examples. Colour is used only on terminals, and not\n"
+    "when NO_COLOR is set. Exit status: 0 when nothing is wrong, 1 when something is\n"
+    "refused or differs, 2 when something cannot be used."};
 
 int run(int argc, char **argv) {
     int status = cli::kFine;

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Writes the completions for zsh and fish from what the program says of itself:
+# Writes the completions for zsh and fish from the help of the program:
 #
 #     completion/generate.sh build/debug/cli/sdpline completion
 #
-# A test fails where the files beside this script are not what it writes.
+# A test fails where the files in this folder differ from what the script writes.
 set -euo pipefail
 program=$1 folder=$2
 
-# The lines "name|description" of the subcommands, and of one "short|long|type|description" an option.
+# Print "name|description" for each subcommand, and "short|long|type|description" for each option.
 subcommands() {
   "$program" --help | sed -nE '/^Subcommands:/,/^$/s/^  ([a-z-]+) +(.*)$/\1|\2/p'
 }
@@ -17,7 +17,7 @@ options() { # [SUBCOMMAND]
 }
 positional() { "$program" "$1" --help | sed -nE '/^Positionals:/,/^$/s/^  ([A-Z]+) .*/\1/p' | head -1; }
 
-# The words that a type of value has; "files", or nothing for numbers and names.
+# The words for a type of value; "files", or nothing for numbers and names.
 words_of() {
   case $1 in
   FORMAT*) echo text json jsonl gcc junit sarif ;;
@@ -28,7 +28,7 @@ words_of() {
   LOCAL* | BODY* | LIST* | FILE* | FOLDER* | OFFER* | A | BODIES*) echo files ;;
   N | NUMBER* | TEXT* | BYTES* | NAME* | CODE* | METHOD* | ID* | URI* | "") ;;
   *)
-    echo "$0: no words are known for values of type $1" >&2
+    echo "$0: the words for values of type $1 are not known" >&2
     return 1
     ;;
   esac
@@ -69,7 +69,7 @@ zsh_arguments() { # INDENT [SUBCOMMAND]
 
 zsh_script() {
   local name text place
-  printf '#compdef sdpline\n# Written by completion/generate.sh from what the program says of itself.\n'
+  printf '#compdef sdpline\n# Written by completion/generate.sh from the help of the program.\n'
   printf '_sdpline() {\n  local context state line\n  local -A opt_args\n  local -a subcommands=(\n'
   while IFS='|' read -r name text; do
     printf '    %s\n' "$(zsh_quoted "$name:$text")"
@@ -109,7 +109,7 @@ fish_options() { # CONDITION [SUBCOMMAND]
 
 fish_script() {
   local name text place condition
-  printf '# Written by completion/generate.sh from what the program says of itself.\n'
+  printf '# Written by completion/generate.sh from the help of the program.\n'
   printf 'complete -c sdpline -f\n'
   fish_options __fish_use_subcommand
   while IFS='|' read -r name text; do

@@ -1,4 +1,4 @@
-// A call as it was seen: its SIP messages in order, and what is wrong with its offers and answers.
+// A call: its SIP messages in the order of the input, and the faults of its offers and answers.
 #pragma once
 
 #include <cstddef>
@@ -13,26 +13,26 @@ namespace cli {
 
 struct CallMessage {
     SipHead head;
-    Packet packet;      // as it may be shown; in a text without addresses
-    size_t line = 1;    // that the message begins in, in a text
-    std::string sender; // as it may be shown
+    Packet packet;      // with masks, if wanted; without addresses where the input is a text
+    size_t line = 1;    // where the message begins in a text
+    std::string sender; // with masks, if wanted
     std::string receiver;
     std::string body;      // of type application/sdp; the first one of several
-    bool repeated = false; // seen before: sent again, or on another hop
-    std::string role;      // "offer 1", "answer 1"; empty where it is neither
+    bool repeated = false; // a retransmission, or the same message on another hop
+    std::string role;      // "offer 1", "answer 1"; empty for other messages
 };
 
-// Something that keeps a call from what it was made for.
+// A fault in the offers and answers of a call.
 struct CallFinding {
-    size_t message; // that it was seen at
+    size_t message; // index of the message with the fault
     std::string sentence;
     std::string name;      // of the check or the reason
     std::string reference; // "RFC 3264 6"; empty for a check of the decoder
 };
 
 struct Call {
-    std::string path;   // of the input that it begins in
-    std::string callId; // as it may be shown, here and below
+    std::string path;   // of the input with the first message
+    std::string callId; // with masks, if wanted; the same for `from` and `to`
     std::string from;
     std::string to;
     std::vector<CallMessage> messages;

@@ -6,13 +6,13 @@ namespace cli {
 
 namespace {
 
-// A request and its responses; an ACK belongs to its INVITE.
+// The same text for a request and its responses; an ACK belongs to its INVITE.
 std::string transactionOf(const SipHead &head) {
     return head.fromTag + ' ' + head.cseq.substr(0, head.cseq.find(' ')) + ' ' +
            (head.method == "ACK" ? "INVITE" : head.method);
 }
 
-// Responses after which the request is sent again, or that end a call that was given up.
+// Responses after which a request is repeated (401, 407, 491), or that end a cancelled call (487).
 bool isExpected(unsigned code) {
     return code == 401 || code == 407 || code == 487 || code == 491;
 }
@@ -28,7 +28,7 @@ void Dialog::add(Call &call, std::string sentence, std::string name, std::string
         {call.messages.size() - 1, std::move(sentence), std::move(name), std::move(reference)});
 }
 
-// The sentences of the table: those of a decision quote the body.
+// Adds the sentences of the table of reasons: those of the decisions quote the body.
 void Dialog::add(Call &call, const std::vector<sdpline::Decision> &faults) {
     for (const sdpline::Decision &fault : faults) {
         const std::string stream =
@@ -40,7 +40,7 @@ void Dialog::add(Call &call, const std::vector<sdpline::Decision> &faults) {
     }
 }
 
-// By everything that two transmissions share: on another hop the first line and Via may differ.
+// Compares what two transmissions share: on another hop the request line and Via may differ.
 bool Dialog::isRepeated(const CallMessage &message) {
     const SipHead &head = message.head;
     const std::string key = head.status.substr(0, 3) + ' ' + head.method + ' ' + head.cseq + ' ' +
@@ -99,7 +99,7 @@ void Dialog::takeResponse(Call &call) {
     }
 }
 
-// The one before it, where two crossed, is still open.
+// Removes one offer: where two have crossed, the other one stays open.
 void Dialog::refuse(Call &call, size_t open) {
     const SipHead &head = call.messages.back().head;
     if (!isExpected(head.code())) {
@@ -136,7 +136,7 @@ void Dialog::judgeNext(Call &call, const sdpline::Body &next) {
         return fault.name == "VersionJumped";
     };
     std::vector<sdpline::Decision> faults = faultsAfter(previous_);
-    // A side may count its offers that were refused.
+    // A side may also count the versions of its refused offers.
     if (refused_.contains(side) && std::ranges::none_of(faultsAfter(refused_), isJump)) {
         std::erase_if(faults, isJump);
     }
@@ -172,7 +172,7 @@ void Dialog::answer(Call &call, size_t open) {
     previous_[message.head.senderTag()] = call.messages.size() - 1;
 }
 
-// What is no fault of either side, and still no call.
+// Adds what is not a fault of either side, but leaves the call without media.
 void Dialog::judgeAgreement(Call &call, const sdpline::Body &offer, const sdpline::Body &answer) {
     const auto agreed = sdpline::agree(offer, answer);
     if (!agreed) {

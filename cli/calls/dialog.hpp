@@ -1,5 +1,5 @@
-// The offers and answers of one call (RFC 3264, RFC 3261 section 13.2.1, RFC 3311, RFC 3262),
-// judged as they come.
+// Checks the offers and answers of one call, message by message (RFC 3264, RFC 3261 section 13.2.1,
+// RFC 3311, RFC 3262).
 #pragma once
 
 #include <map>
@@ -15,9 +15,9 @@ namespace cli {
 
 class Dialog {
 public:
-    // Judges the last message of the call, and adds what is wrong.
+    // Checks the last message of the call, and adds its faults to the call.
     void take(Call &call);
-    // After the last message.
+    // Adds the faults that are known only after the last message.
     void finish(Call &call);
 
 private:
@@ -39,10 +39,11 @@ private:
     void add(Call &call, std::string sentence, std::string name, std::string reference);
 
     std::set<std::string> seen_;
-    std::vector<Offer> open_;                // those that have no answer yet; one unless they cross
-    std::set<std::string> closed_;           // transactions with an offer and its answer
-    std::map<std::string, size_t> previous_; // by side: the message with its last description
-    std::map<std::string, size_t> refused_;  // by side: its last offer that was refused
+    std::vector<Offer> open_;      // offers without an answer yet; more than one where they cross
+    std::set<std::string> closed_; // transactions with an offer and its answer
+    std::map<std::string, size_t>
+        previous_; // by tag of the side: the message with its last description
+    std::map<std::string, size_t> refused_; // by tag of the side: its last refused offer
 };
 
 } // namespace cli

@@ -17,7 +17,7 @@ size_t columnOf(const std::vector<std::string> &sides, const std::string &side) 
     return static_cast<size_t>(std::ranges::find(sides, side) - sides.begin()) * kWidth;
 }
 
-// "|------ INVITE (offer 1) ------>|" on the lines of all sides.
+// "|------ INVITE (offer 1) ------>|" across the vertical lines of all sides.
 std::string arrow(const std::vector<std::string> &sides, const CallMessage &message) {
     std::string line((sides.size() - 1) * kWidth + 1, ' ');
     for (size_t at = 0; at < line.size(); at += kWidth) {
@@ -26,7 +26,7 @@ std::string arrow(const std::vector<std::string> &sides, const CallMessage &mess
     const size_t from = columnOf(sides, message.sender);
     const size_t to = columnOf(sides, message.receiver);
     const std::string label = ' ' + escaped(labelOf(message)) + ' ';
-    if (from == to) { // to itself
+    if (from == to) { // a host that sends to itself
         return line.substr(0, from + 1) + label;
     }
     const size_t left = std::min(from, to) + 1;

@@ -66,7 +66,7 @@ std::vector<std::string> linesOf(std::string_view body) {
     return lines;
 }
 
-// A body with the lines marked that the other one has not.
+// A body in which the lines are marked that the other body does not have.
 std::string bodyOf(const std::vector<std::string> &lines, const std::vector<std::string> &others) {
     const std::set<std::string> known(others.begin(), others.end());
     std::string text = "<pre>";
@@ -82,7 +82,7 @@ std::string columnOf(const CallMessage &message, const std::string &body) {
            "</div>";
 }
 
-// The message with the answer to an offer, or none.
+// The message with the answer to an offer; null where there is none.
 const CallMessage *answerTo(const Call &call, const CallMessage &offer) {
     const std::string role = "answer " + offer.role.substr(offer.role.find(' ') + 1);
     const auto found = std::ranges::find(call.messages, role, &CallMessage::role);
@@ -106,7 +106,7 @@ void writePair(std::ostream &out, const Call &call, const CallMessage &offer,
     out << "</div></details>\n";
 }
 
-// An arrow in the lanes between the lines of the sides, which count from 1.
+// An arrow between the vertical lines of the sides, which are numbered from 1.
 std::string arrowOf(const std::vector<std::string> &sides, const CallMessage &message) {
     const auto lineOf = [&sides](const std::string &side) {
         return std::ranges::find(sides, side) - sides.begin() + 1;

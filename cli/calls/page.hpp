@@ -1,4 +1,4 @@
-// Calls as one page of HTML that needs nothing else: no script, no network.
+// Writes calls as one page of HTML that needs neither scripts nor the network.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace cli {
 
-// `shown` makes of a body the text that may be shown.
+// Returns the text of a body with masks, if wanted.
 using ShowBody = std::function<std::string(const std::string &body)>;
 
 void writePage(std::ostream &out, const std::vector<const Call *> &calls, const ShowBody &shown);

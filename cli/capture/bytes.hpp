@@ -1,4 +1,4 @@
-// Numbers in packets. A read outside of the bytes gives 0, so that no header can lead out of them.
+// Numbers in packets. A read beyond the bytes returns 0, so that no header can lead out of them.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ inline uint32_t little32(std::string_view bytes, size_t at) {
     return little16(bytes, at) | uint32_t(little16(bytes, at + 2)) << 16;
 }
 
-// Without that many bytes at the start; empty where there are fewer.
+// The bytes after the first `size` ones; empty where there are fewer.
 inline std::string_view after(std::string_view bytes, size_t size) {
     return size < bytes.size() ? bytes.substr(size) : std::string_view();
 }

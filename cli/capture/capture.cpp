@@ -14,7 +14,7 @@ bool isDtls(std::string_view bytes) {
     return byteAt(bytes, 0) >= 20 && byteAt(bytes, 0) <= 23 && byteAt(bytes, 1) == 0xfe;
 }
 
-// Without the line ends that keep a binding alive (RFC 5626 section 3.5.1).
+// The bytes after leading line ends, which keep a binding alive (RFC 5626 section 3.5.1).
 std::string_view withoutLineEnds(std::string_view bytes) {
     const size_t begin = bytes.find_first_not_of("\r\n");
     return after(bytes, begin == std::string_view::npos ? bytes.size() : begin);
@@ -52,7 +52,7 @@ void Capture::take(const Frame &frame, const Use &use) {
     }
 }
 
-// The first byte tells media from messages: those begin with a letter, or a token of RFC 3261.
+// The first byte distinguishes media from messages, which begin with a token (RFC 3261 section 7).
 void Capture::takeUdp(const IpPacket &packet, const Use &use) {
     UdpDatagram datagram;
     if (!readUdp(packet, datagram)) {
@@ -99,14 +99,14 @@ std::vector<std::string> Capture::unread() const {
         " encrypted (TLS)");
     say(sentences, fragments_.lost() + fragments_.pending(), "packet lacks", "packets lack",
         " fragments");
-    say(sentences, counts.gaps, "place of a TCP stream lacks", "places of TCP streams lack",
-        " bytes that were not captured");
+    say(sentences, counts.gaps,
+        "gap in a TCP stream:", "gaps in TCP streams:", " bytes that were not captured");
     say(sentences, counts.compressed, "WebSocket message is", "WebSocket messages are",
         " compressed");
     say(sentences, counts.tooLong, "message of a TCP stream is", "messages of TCP streams are",
-        " longer than can be kept");
+        " longer than the limit");
     say(sentences, counts.dropped, "TCP stream was", "TCP streams were",
-        " given up to keep the memory bounded");
+        " dropped to keep the memory bounded");
     return sentences;
 }
 

@@ -1,4 +1,4 @@
-// The SIP messages in the packets of a capture.
+// Finds the SIP messages in the packets of a capture.
 #pragma once
 
 #include <cstddef>
@@ -16,18 +16,18 @@ namespace cli {
 
 class Capture {
 public:
-    // A message and the packet that completed it. The text is valid during the call.
+    // Called with a message and the packet that completed it. The text is valid during the call.
     using Use = std::function<void(const Packet &packet, std::string_view message)>;
 
     void take(const Frame &frame, const Use &use);
 
-    // At the end of the capture: what waited for packets that did not come.
+    // At the end of the capture: reads what waited for packets that did not come.
     void finish(const Use &use);
 
-    // What was not read, one sentence for each reason: "3 packets of TLS are encrypted".
+    // What was not read, with one sentence for each reason: "3 packets are encrypted (TLS)".
     std::vector<std::string> unread() const;
 
-    size_t cutMessages() const { return cutMessages_; } // that the capture has in part only
+    size_t cutMessages() const { return cutMessages_; } // of which the capture has only a part
     uint64_t packets() const { return packets_; }
 
 private:

@@ -34,7 +34,8 @@ bool isPcapMagic(uint32_t magic) {
     return magic == kMicroseconds || magic == kNanoseconds;
 }
 
-// 10 to that power, or with the high bit 2 to it; what does not fit is taken for microseconds.
+// Units per second: 10 to the power of the resolution, or 2 with the high bit set. A resolution
+// that does not fit counts as microseconds.
 uint64_t unitsOf(uint8_t resolution) {
     const unsigned power = resolution & 0x7f;
     if ((resolution & 0x80) != 0) {
@@ -47,7 +48,7 @@ uint64_t unitsOf(uint8_t resolution) {
     return power < 19 ? units : 1'000'000;
 }
 
-// The seconds that a signed 32-bit time can hold are enough for every capture.
+// Seconds are kept in 32 bits, so that no capture can make the time overflow.
 int64_t nanosecondsOf(uint64_t units, uint64_t unitsPerSecond, int64_t offset) {
     const uint64_t seconds = (units / unitsPerSecond) & 0xffffffff;
     const double below =
@@ -102,7 +103,7 @@ Container::Step Container::begin(std::string_view text, size_t &used) {
     kind_ = Kind::Pcap;
     big_ = isPcapMagic(big32(text, 0));
     nanoseconds_ = number32(text, 0) == kNanoseconds;
-    const uint32_t linkType = number32(text, 20) & 0x0fffffff; // above it: of the frame check
+    const uint32_t linkType = number32(text, 20) & 0x0fffffff; // the bits above describe the FCS
     interfaces_.push_back({linkType, 0, 0, 0});
     used = kFileHeader;
     return Step::Passed;
@@ -114,7 +115,7 @@ Container::Step Container::record(std::string_view text, size_t &used, Frame &fr
     }
     const size_t size = number32(text, 8);
     if (size > kLongestRecord) {
-        return bad("packet " + std::to_string(frames_ + 1) + " says that it has " +
+        return bad("packet " + std::to_string(frames_ + 1) + " has a length of " +
                    std::to_string(size) + " bytes: the capture is damaged");
     }
     if (text.size() - kRecordHeader < size) {
@@ -134,18 +135,18 @@ Container::Step Container::block(std::string_view text, size_t &used, Frame &fra
     if (text.size() < kLeastBlock) {
         return Step::More;
     }
-    // The type of a section's first block reads alike in both orders; what follows says which.
+    // The type of the block that begins a section is a palindrome; its byte-order magic follows.
     const bool section = big32(text, 0) == kSection;
     if (section) {
         big_ = big32(text, 8) == kByteOrder;
         if (!big_ && little32(text, 8) != kByteOrder) {
-            return bad("a section of the capture has no byte order");
+            return bad("a section of the capture has no byte-order magic: the capture is damaged");
         }
         interfaces_.clear();
     }
     const size_t size = number32(text, 4);
     if (size < kLeastBlock || size % 4 != 0 || size > kLongestRecord) {
-        return bad("a block after packet " + std::to_string(frames_) + " says that it has " +
+        return bad("a block after packet " + std::to_string(frames_) + " has a length of " +
                    std::to_string(size) + " bytes: the capture is damaged");
     }
     if (text.size() < size) {

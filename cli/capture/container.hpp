@@ -1,4 +1,4 @@
-// Files of packets: pcap, in microseconds or nanoseconds and either byte order, and pcapng.
+// Reads capture files: pcap, with microseconds or nanoseconds and in either byte order, and pcapng.
 #pragma once
 
 #include <cstdint>
@@ -14,25 +14,25 @@ struct Frame {
     int64_t time = 0;    // nanoseconds since 1970
     uint32_t linkType = 0;
     std::string_view bytes;
-    size_t wireSize = 0; // what it had before the capture cut it
+    size_t wireSize = 0; // before the capture truncated it
 };
 
 class Container {
 public:
-    // A record or block that says it is longer ends the capture.
+    // A record or block with a greater length ends the reading.
     static constexpr size_t kLongestRecord = 16u << 20;
 
-    // Whether a file begins as a capture does.
+    // Whether the text begins like a capture file.
     static bool begins(std::string_view text);
 
     enum class Step {
         Packet, // `frame` is set
-        Passed, // something else than a packet
+        Passed, // the record holds no packet
         More,   // the record is longer than the text
-        Bad     // what follows cannot be read: see error()
+        Bad     // the rest of the file cannot be read: see error()
     };
 
-    // Takes one record from the start of the text; `used` are its bytes.
+    // Reads one record at the start of the text; `used` is its size.
     Step step(std::string_view text, size_t &used, Frame &frame);
 
     const std::string &error() const { return error_; }

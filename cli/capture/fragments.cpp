@@ -24,7 +24,8 @@ bool Fragments::take(IpPacket &packet) {
     }
     Pending &pending = found->second;
     put(pending, packet);
-    if (pending.size != 0 && pending.end > pending.size) { // its end was said to be earlier
+    if (pending.size != 0 &&
+        pending.end > pending.size) { // beyond the end that another fragment gave
         forget(found);
         ++lost_;
         return false;
@@ -44,7 +45,7 @@ bool Fragments::take(IpPacket &packet) {
     return true;
 }
 
-// Units that are there already stay as they are: each run of new ones is a part.
+// Bytes that were received before are kept; each run of new units becomes a part.
 void Fragments::put(Pending &pending, const IpPacket &packet) {
     const std::string_view bytes = packet.payload;
     pending.end = std::max(pending.end, packet.offset + bytes.size());

@@ -1,4 +1,4 @@
-// Fragments of IP packets put together.
+// Reassembles fragmented IP packets.
 #pragma once
 
 #include <bitset>
@@ -12,22 +12,22 @@
 
 namespace cli {
 
-// Memory is bounded: kMostPending packets of at most 64 KiB each. The oldest is given up for a new
-// one. Of bytes that come twice the first ones are kept.
+// Memory is bounded: kMostPending packets of at most 64 KiB each. A new packet replaces the oldest
+// one. Of bytes that are received twice the first are kept.
 class Fragments {
 public:
     static constexpr size_t kMostPending = 256;
     static constexpr size_t kLongest = 65536;
 
-    // Takes a fragment. True where it was the last one missing: `packet` is the whole then, and
-    // valid until the next call.
+    // Takes a fragment. Returns true for the last missing one: then `packet` is the whole packet,
+    // and valid until the next call.
     bool take(IpPacket &packet);
 
     size_t pending() const { return pending_.size(); }
-    size_t lost() const { return lost_; } // packets given up
+    size_t lost() const { return lost_; } // packets that were dropped
 
 private:
-    static constexpr size_t kUnit = 8; // what offsets count
+    static constexpr size_t kUnit = 8; // bytes; offsets count these units
 
     struct Key {
         IpAddress source;
@@ -42,11 +42,11 @@ private:
         std::string bytes;
     };
     struct Pending {
-        std::vector<Part> parts; // without overlaps, as they came
+        std::vector<Part> parts; // in the order of arrival, without overlaps
         std::bitset<kLongest / kUnit> have;
-        size_t units = 0; // that are there
-        size_t end = 0;   // of what came
-        size_t size = 0;  // of the whole; 0: the last fragment has not come
+        size_t units = 0; // received
+        size_t end = 0;   // of the last byte received
+        size_t size = 0;  // of the whole packet; 0 until its last fragment is received
         uint64_t order = 0;
     };
 

@@ -14,7 +14,7 @@ bool never(std::string_view /*line*/) {
     return false;
 }
 
-// The first empty line from the offset on: where the line after it begins; 0 where there is none.
+// The offset after the first empty line from the given offset on; 0 where there is none.
 size_t afterEmptyLine(std::string_view text, size_t offset) {
     for (size_t feed = text.find('\n', offset); feed != std::string_view::npos;
          feed = text.find('\n', feed + 1)) {
@@ -46,7 +46,7 @@ void Framing::lose() {
     seeking_ = true;
 }
 
-// Passes over line ends between messages, and over what is no message.
+// Skips line ends between messages, and bytes that are not part of a message.
 bool Framing::findStart() {
     const std::string_view text = std::string_view(buffer_).substr(begin_);
     const size_t lines = std::min(text.find_first_not_of("\r\n"), text.size());
@@ -58,7 +58,7 @@ bool Framing::findStart() {
     const size_t feed = rest.find('\n');
     if (feed == std::string_view::npos && rest.size() <= kLongestStartLine) {
         drop(lines);
-        return false; // the line goes on
+        return false; // the line is not complete
     }
     const size_t start = findMessage(rest, 0);
     if (start == 0) {
@@ -67,7 +67,7 @@ bool Framing::findStart() {
         return true;
     }
     size_t dropped = start;
-    if (start == rest.size()) { // the last line may become one
+    if (start == rest.size()) { // the last line may become a first line of a message
         const size_t last = rest.rfind('\n');
         const size_t begin = last == std::string_view::npos ? 0 : last + 1;
         dropped = rest.size() - begin <= kLongestStartLine ? begin : rest.size();
@@ -127,7 +127,7 @@ std::string_view Framing::next() {
             return {};
         }
         if (head_ != 0) {
-            break; // else what had been found was too long: the next one
+            break; // otherwise the message found was too long: look for the next one
         }
     }
     const std::string_view text = std::string_view(buffer_).substr(begin_);

@@ -1,4 +1,4 @@
-// SIP messages cut out of a stream of bytes (RFC 3261 section 18.3).
+// Divides a stream of bytes into SIP messages (RFC 3261 section 18.3).
 #pragma once
 
 #include <cstddef>
@@ -7,24 +7,26 @@
 
 namespace cli {
 
-// A message ends by its Content-Length. One without it, which TCP does not allow, ends before the
-// next message or with the bytes that came with it. What is no message is passed over up to a first
-// line of one. At most kLongestHead + kLongestBody bytes are kept.
+// Content-Length says where a message ends. A message without it, which RFC 3261 does not allow
+// over TCP, ends before the next message or with the bytes that were received with it. Other bytes
+// are skipped up to the first line of a message. At most kLongestHead + kLongestBody bytes are
+// kept.
 class Framing {
 public:
     static constexpr size_t kLongestHead = 64u << 10;
     static constexpr size_t kLongestBody = 256u << 10;
 
-    // The bytes that follow are appended here, and next() is called until it is empty.
+    // The caller appends the next bytes of the stream here, and calls next() until it returns
+    // nothing.
     std::string &buffer() { return buffer_; }
 
-    // The next whole message; empty where more is needed. Valid until the next call.
+    // The next whole message; empty where more bytes are needed. Valid until the next call.
     std::string_view next();
 
-    // Bytes were lost: what is in the buffer has no end.
+    // Bytes of the stream were lost: drops the incomplete message in the buffer.
     void lose();
 
-    size_t passed() const { return passed_; } // bytes that were no message, without line ends
+    size_t passed() const { return passed_; } // skipped bytes, line ends not counted
     size_t tooLong() const { return tooLong_; }
 
 private:
@@ -34,12 +36,12 @@ private:
     void drop(size_t size);
 
     std::string buffer_;
-    size_t begin_ = 0;     // of what is not yet used in the buffer
-    size_t scanned_ = 0;   // from begin_: where no end of the headers was found
+    size_t begin_ = 0;     // of the unused bytes in the buffer
+    size_t scanned_ = 0;   // bytes from begin_ on that hold no end of the headers
     size_t head_ = 0;      // size of the headers with the empty line; 0: not known
-    size_t size_ = 0;      // of the whole message, once head_ is known
+    size_t size_ = 0;      // of the whole message, where head_ is known
     bool open_ = false;    // the message has no length
-    bool seeking_ = false; // in the middle of what is no message
+    bool seeking_ = false; // within bytes that are skipped
     size_t passed_ = 0;
     size_t tooLong_ = 0;
 };

@@ -30,8 +30,8 @@ IpAddress addressAt(std::string_view bytes, size_t at, bool v6) {
     return address;
 }
 
-// Cuts the payload to what the header says it has. A length of 0 is left to the network card by
-// senders that are captured before it: then all there is belongs to the packet.
+// Limits the payload to the length in the header. A length of 0 is found where the network card
+// fills it in after the capture: then all bytes belong to the packet.
 void setPayload(IpPacket &packet, std::string_view bytes, size_t header, size_t total) {
     const size_t size = total > header ? total : std::max(bytes.size(), header);
     packet.missing = size > bytes.size() ? size - bytes.size() : 0;
@@ -56,7 +56,7 @@ bool readIpv4(std::string_view bytes, IpPacket &packet) {
     return true;
 }
 
-// Passes over the extension headers (RFC 8200 section 4).
+// Skips the extension headers (RFC 8200 section 4).
 void passExtensions(IpPacket &packet) {
     for (int i = 0; i < kMostExtensions && !packet.isFragment; ++i) {
         std::string_view &rest = packet.payload;

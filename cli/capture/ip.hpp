@@ -1,4 +1,4 @@
-// The headers of IP and UDP.
+// Reads the headers of IP and UDP.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@ constexpr uint8_t kUdp = 17;
 constexpr uint16_t kSipsPort = 5061;
 
 struct IpAddress {
-    std::array<uint8_t, 16> bytes = {}; // an IPv4 address has the first four
+    std::array<uint8_t, 16> bytes = {}; // an IPv4 address uses the first four
     bool v6 = false;
 
     auto operator<=>(const IpAddress &) const = default;
@@ -26,23 +26,23 @@ struct IpPacket {
     IpAddress destination;
     uint8_t protocol = 0; // of the payload
     std::string_view payload;
-    size_t missing = 0; // bytes of the payload that the capture cut off
-    // Of a fragment
+    size_t missing = 0; // bytes at the end of the payload that were not captured
+    // For fragments
     bool isFragment = false;
     bool moreFragments = false;
     uint32_t id = 0;
-    size_t offset = 0; // in the payload of the whole
+    size_t offset = 0; // in the payload of the whole packet
 };
 
-// The packet that the bytes begin with; false where they are none. Bytes after it (the padding of
-// a short frame) are left out. An upper header may be missing: the payload is what there is.
+// Reads the packet at the start of the bytes; returns false where there is none. Bytes after it
+// (the padding of a short frame) are left out. The payload may be too short for the next header.
 bool readIp(std::string_view bytes, IpPacket &packet);
 
 struct UdpDatagram {
     uint16_t sourcePort = 0;
     uint16_t destinationPort = 0;
     std::string_view payload;
-    bool cut = false; // the capture has not all of it
+    bool cut = false; // the capture has only a part of it
 };
 
 bool readUdp(const IpPacket &packet, UdpDatagram &datagram);

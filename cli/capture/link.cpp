@@ -23,7 +23,7 @@ bool isVlan(uint16_t type) {
     return type == 0x8100 || type == 0x88a8 || type == 0x9100 || type == 0x9200;
 }
 
-// The type before the bytes, VLAN tags passed over: four bytes each, the type last.
+// Skips VLAN tags, each of which has four bytes and ends in the type of what follows.
 Network ofType(uint16_t type, std::string_view bytes, std::string_view &packet) {
     while (isVlan(type) && bytes.size() >= 4) {
         type = big16(bytes, 2);
@@ -41,7 +41,9 @@ Network networkOf(uint32_t linkType, std::string_view frame, std::string_view &p
     case kCooked: return ofType(big16(frame, 14), after(frame, 16), packet);
     case kCooked2: return ofType(big16(frame, 0), after(frame, 20), packet);
     case kNull:
-    case kLoop: packet = after(frame, 4); return Network::Ip; // its version is in its first byte
+    case kLoop:
+        packet = after(frame, 4);
+        return Network::Ip; // the first byte of the packet has its version
     case kRaw:
     case kRawBsd:
     case kRawOpenBsd:

@@ -1,4 +1,4 @@
-// What a frame has before its IP packet.
+// Reads the link-layer headers before an IP packet.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@ namespace cli {
 
 enum class Network {
     Ip,         // `packet` begins with an IP header of either version
-    Other,      // of another protocol, as ARP
+    Other,      // another protocol, such as ARP
     UnknownLink // the link type is not known
 };
 

@@ -9,12 +9,12 @@ void Segments::begin(uint32_t sequence) {
     waitingBytes_ = 0;
     begun_ = true;
     first_ = sequence;
-    // Places are sequence numbers that go on beyond 32 bits. The first one lies far enough above 0
-    // for what comes late.
+    // Places are sequence numbers extended to 64 bits. The first one is far enough above 0 for
+    // segments from before it.
     next_ = (uint64_t(1) << 32) + sequence;
 }
 
-// The place that is nearest to the expected one.
+// The place with this sequence number that is nearest to the expected place.
 uint64_t Segments::placeOf(uint32_t sequence) const {
     const auto distance = static_cast<int32_t>(sequence - static_cast<uint32_t>(next_));
     return next_ + static_cast<uint64_t>(static_cast<int64_t>(distance));

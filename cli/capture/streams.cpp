@@ -12,7 +12,7 @@ namespace cli {
 
 namespace {
 
-constexpr size_t kMostSought = 64u << 10; // bytes without a message in a stream of unknown kind
+constexpr size_t kMostSought = 64u << 10; // bytes without a message in a stream
 constexpr size_t kLongestHandshake = 16u << 10;
 
 // A TLS record: its type, and version 3.x (RFC 8446 section 5.1).
@@ -59,8 +59,8 @@ size_t Streams::Hash::operator()(const TcpEnds &ends) const {
     return static_cast<size_t>(hash);
 }
 
-// Two generations: a stream that is used moves to the young one; when that is full it becomes the
-// old one, and the streams of the old one, all silent since, are forgotten.
+// Streams are in two generations. A stream with a new packet moves to the young one. When that is
+// full it becomes the old one, and the streams in the old one, silent since then, are dropped.
 Streams::Stream &Streams::streamOf(const TcpEnds &ends) {
     if (const auto found = young_.find(ends); found != young_.end()) {
         return found->second;
@@ -126,13 +126,13 @@ void Streams::read(Stream &stream, uint32_t sequence, const TcpSegment &segment,
 
 void Streams::skipGap(Stream &stream, const Use &use) {
     lose(stream);
-    if (stream.reading != nullptr) { // else a WebSocket, which ends at a gap
+    if (stream.reading != nullptr) { // null for a WebSocket, which ends at a gap
         stream.segments.skipGap(stream.reading->incoming);
         hand(stream, use);
     }
 }
 
-// What waits for bytes that never come is read without them.
+// Reads what waits for missing bytes without them.
 void Streams::finish(const Use &use) {
     std::vector<Stream *> waiting;
     for (Table *const table : {&old_, &young_}) {
@@ -150,7 +150,7 @@ void Streams::finish(const Use &use) {
     }
 }
 
-// A message in the middle cannot be completed; of a WebSocket the frames cannot be found again.
+// An incomplete message cannot be completed. In a WebSocket the next frame cannot be found.
 void Streams::lose(Stream &stream) {
     ++counts_.gaps;
     stream.reading->framing.lose();
@@ -186,7 +186,8 @@ void Streams::account(Stream &stream) {
     }
 }
 
-// By the first bytes. What is not known is sought for messages: the capture may begin in one.
+// Decides by the first bytes. Other bytes are searched for messages: the capture may begin inside
+// one.
 void Streams::recognise(Stream &stream) {
     const std::string_view text = stream.reading->incoming;
     if (isTls(text) || (stream.isSecured && !isLetter(text.front()))) {
@@ -199,7 +200,7 @@ void Streams::recognise(Stream &stream) {
         text.starts_with("GET ") || text.starts_with("HTTP/") ? Kind::Handshake : Kind::Sip;
 }
 
-// The request for a WebSocket or its answer (RFC 6455 section 1.3); frames follow the empty line.
+// The request for a WebSocket or its response (RFC 6455 section 1.3); frames follow the empty line.
 void Streams::handshake(Stream &stream) {
     std::string &text = stream.reading->incoming;
     const size_t end = text.find("\r\n\r\n");

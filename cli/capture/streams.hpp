@@ -1,4 +1,4 @@
-// The TCP connections of a capture that carry SIP, plain or over WebSocket.
+// Reads SIP from the TCP connections of a capture, plain or over WebSocket.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ struct TcpSegment {
     bool syn = false;
     bool finished = false; // FIN or RST
     std::string_view payload;
-    size_t missing = 0; // bytes that the capture cut off
+    size_t missing = 0; // bytes at the end that were not captured
 };
 
 bool readTcp(const IpPacket &packet, TcpSegment &segment);
@@ -37,9 +37,9 @@ struct TcpEnds {
     bool operator==(const TcpEnds &) const = default;
 };
 
-// What a connection may make the reader keep is bounded by Segments, Framing and WebSocket, all
-// connections together by kMostKept. Of more than 2 * kGeneration connections those are forgotten
-// that were silent longest.
+// The memory for one connection is bounded by Segments, Framing and WebSocket, the memory for all
+// connections by kMostKept. Beyond 2 * kGeneration connections those that were silent longest are
+// dropped.
 class Streams {
 public:
     static constexpr size_t kMostKept = 32u << 20;
@@ -48,17 +48,17 @@ public:
     struct Counts {
         size_t encryptedPackets = 0;
         size_t encryptedStreams = 0;
-        size_t gaps = 0;       // bytes that the capture has not
+        size_t gaps = 0;       // places with bytes that were not captured
         size_t compressed = 0; // messages of a WebSocket
         size_t tooLong = 0;
-        size_t dropped = 0; // streams given up to keep the memory bounded
+        size_t dropped = 0; // streams dropped to keep the memory bounded
     };
     using Use = std::function<void(const TcpEnds &ends, std::string_view message, bool webSocket)>;
 
-    // `use` is called for every message that the segment completes.
+    // Calls `use` for every message that the segment completes.
     void take(const IpPacket &packet, const TcpSegment &segment, const Use &use);
 
-    // At the end of the capture.
+    // At the end of the capture: reads what waited for missing bytes.
     void finish(const Use &use);
 
     Counts counts() const;
@@ -69,20 +69,20 @@ private:
     struct Hash {
         size_t operator()(const TcpEnds &ends) const;
     };
-    // Only what may be SIP has more than a number and a kind.
+    // Only streams that may carry SIP have buffers.
     struct Reading {
         Framing framing;
         WebSocket webSocket;
-        std::string incoming; // of a stream whose kind is not known yet
+        std::string incoming; // bytes that are not read yet
     };
     struct Stream {
         TcpEnds ends;
         Kind kind = Kind::Unknown;
         Segments segments;
         std::unique_ptr<Reading> reading;
-        size_t kept = 0;        // bytes of it that are in kept_
-        uint64_t order = 0;     // in which the streams began
-        bool isSecured = false; // its port is that of SIP over TLS
+        size_t kept = 0;        // its part of kept_
+        uint64_t order = 0;     // the number of streams that began before
+        bool isSecured = false; // it uses the port of SIP over TLS
         bool hasMessage = false;
     };
     using Table = std::unordered_map<TcpEnds, Stream, Hash>;

@@ -35,7 +35,7 @@ bool WebSocket::readHeader(std::string_view text, Header &header) const {
     return text.size() >= header.size;
 }
 
-// The payload that follows the header at the start of the text.
+// Appends the payload after the header to the message.
 void WebSocket::takePayload(const Header &header) {
     const std::string_view text = std::string_view(buffer_).substr(begin_);
     const std::string_view payload = text.substr(header.size, static_cast<size_t>(header.length));

@@ -1,4 +1,4 @@
-// Messages in a stream of WebSocket frames (RFC 6455 section 5), as SIP has them (RFC 7118).
+// Divides a stream of WebSocket frames (RFC 6455 section 5) into SIP messages (RFC 7118).
 #pragma once
 
 #include <cstddef>
@@ -12,17 +12,18 @@ class WebSocket {
 public:
     static constexpr size_t kLongestMessage = 320u << 10;
 
-    // The bytes that follow are appended here, and next() is called until it is empty.
+    // The caller appends the next bytes of the stream here, and calls next() until it returns
+    // nothing.
     std::string &buffer() { return buffer_; }
 
-    // The next whole message, masks taken away and fragments joined; empty where more is needed or
-    // the stream is broken. Valid until the next call.
+    // The next whole message, unmasked and with its fragments joined; empty where more bytes are
+    // needed or the stream is broken. Valid until the next call.
     std::string_view next();
 
-    // Bytes were lost: where the next frame begins cannot be known.
+    // Bytes of the stream were lost, so that the next frame cannot be found.
     void lose() { broken_ = true; }
     bool isBroken() const { return broken_; }
-    size_t compressed() const { return compressed_; } // messages that cannot be read
+    size_t compressed() const { return compressed_; } // messages that are compressed and not read
 
 private:
     struct Header {

@@ -1,4 +1,4 @@
-// sdpline answer: the answer to an offer, and why it is so.
+// sdpline answer: writes the answer to an offer, and the reasons for it.
 #include "commands/commands.hpp"
 
 #include <iostream>
@@ -124,8 +124,8 @@ int runAnswer(const AnswerOptions &options) {
 }
 
 constexpr CommandText kAnswerText = {
-    "answer", "Write the answer to an offer, and why it is so.",
-    R"(LOCAL describes what this side can do: its o= and c= lines, and an m= line for each
+    "answer", "Write the answer to an offer, and the reasons for it.",
+    R"(LOCAL describes what this side can do: its o= and c= lines, and one m= line for each
 stream that it can take. Decisions are written to standard error.
 
 Examples:
@@ -133,8 +133,8 @@ Examples:
   sdpline answer --with local.sdp --previous answer.sdp reinvite.sip
   sdpline answer --with local.sdp --first --json offer.sdp
 
-Exit status: 0 when a stream is accepted, 1 when all are rejected, 2 when there is
-no answer.)"};
+Exit status: 0 when a stream is accepted, 1 when all are rejected, 2 when no answer
+can be made.)"};
 
 } // namespace
 
@@ -150,12 +150,13 @@ void addAnswer(CLI::App &app, int &status) {
             "SDP or a SIP message with one body; - is standard input");
     addWord(command, "--with", options->local, "LOCAL", "What this side can do");
     addWord(command, "--previous", options->previous, "BODY",
-            "Our last description of the session, sent in an offer or in an answer");
+            "Our last description of the session, from an offer or an answer");
     addFlag(command, "--first", options->first,
             "Take one codec, with the telephone events that go with it");
     addChoice(command, "--order", options->order, "ORDER", {"theirs", "ours"},
-              "Order of the formats: theirs (the default) or ours");
-    addFlag(command, "--avp-for-avpf", options->avpForAvpf, "Answer RTP/AVPF by RTP/AVP");
+              "Order of the formats: theirs, as in the offer (the default), or ours");
+    addFlag(command, "--avp-for-avpf", options->avpForAvpf,
+            "Allow RTP/AVP in the answer to RTP/AVPF");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addSelection(command, options->decode);
     addMaxBody(command, options->decode.maxBody);

@@ -1,4 +1,4 @@
-// sdpline calls: the offers and answers of every call, and what is wrong between them.
+// sdpline calls: follows the offers and answers of every call, and reports their faults.
 #include "commands/commands.hpp"
 
 #include <fstream>
@@ -105,7 +105,8 @@ private:
         return message;
     }
 
-    // By addresses, with their ports where both are one; in a text by the URIs.
+    // Names the sides by their addresses, with the ports where both addresses are the same; in a
+    // text by their URIs.
     static void nameSides(CallMessage &message, const Origin &origin) {
         const Packet &packet = origin.packet;
         if (packet.frame == 0) {
@@ -200,12 +201,13 @@ void addCalls(CLI::App &app, int &status) {
     CLI::App &command = addCommand(
         app,
         {"calls", "Follow the offers and answers of every call, and say what is wrong.",
-         "Reads captures and texts of SIP messages. A call is one Call-ID, and has one line.\n\n"
+         "Reads captures and texts of SIP messages. Prints one line for each Call-ID.\n\n"
          "Examples:\n"
          "  sdpline calls capture.pcap\n"
          "  sdpline calls --verbose --call-id 3c26@host capture.pcap\n"
          "  sdpline calls --html calls.html --redact capture.pcap\n\n"
-         "Exit status: 0 when nothing is wrong, 1 when something is, 2 on trouble."},
+         "Exit status: 0 when nothing is wrong, 1 when something is, 2 when something cannot\n"
+         "be read or written."},
         [options, &status] {
             Collector collector(*options);
             readInputs(options->decode.paths, collector);
@@ -213,7 +215,8 @@ void addCalls(CLI::App &app, int &status) {
         });
     addPaths(command, options->decode);
     addFlag(command, "--verbose", options->verbose, "Print the whole exchange of every call");
-    addWord(command, "--html", options->html, "FILE", "Write a page with all of it to this file");
+    addWord(command, "--html", options->html, "FILE",
+            "Write an HTML page with all calls to this file");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addMaxBody(command, options->decode.maxBody);
     addRedact(command, options->decode);

@@ -1,4 +1,4 @@
-// sdpline check: what is wrong with the bodies of many files.
+// sdpline check: reports what is wrong with the bodies of many files.
 #include "commands/commands.hpp"
 
 #include <algorithm>
@@ -29,8 +29,7 @@ struct CheckOptions {
     std::vector<std::string> ignoreFiles;
 };
 
-// Every diagnostic passes here on its way to the report: what is ignored, counted and left out is
-// decided once for all formats.
+// Decides for all formats of reports which diagnostics are ignored, counted and left out.
 class Checker : public BodyUser {
 public:
     Checker(const CheckOptions &options, IgnoredNames ignored)
@@ -108,7 +107,7 @@ public:
     }
 
 private:
-    // Of one body, by the decoder and by its own text alone.
+    // What is known of a body without the bodies before it.
     struct Judgement : Prepared {
         bool accepted = true;
         std::vector<Diagnostic> diagnostics;
@@ -151,8 +150,8 @@ private:
     void leaveOutLast(Judged &judged) {
         const size_t limit = options_.maxDiagnostics;
         const auto cut = [&](auto &list) {
-            const size_t room = limit == 0 ? list.size() : limit - std::min(limit, shown_);
-            const size_t kept = std::min(room, list.size());
+            const size_t left = limit == 0 ? list.size() : limit - std::min(limit, shown_);
+            const size_t kept = std::min(left, list.size());
             judged.omitted += list.size() - kept;
             shown_ += kept;
             list.erase(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end());
@@ -181,17 +180,17 @@ private:
     size_t shown_ = 0;
 };
 
-// Options that contradict each other are refused.
+// Refuses options that contradict each other, and fills in what they imply.
 void settle(CheckOptions &options) {
     ReportOptions &report = options.report;
     if (options.decode.json) {
         if (report.format != "text" && report.format != "json") {
-            refuseOption("--json", "is --format json, not " + report.format);
+            refuseOption("--json", "means --format json, not " + report.format);
         }
         report.format = "json";
     }
     if (report.summary && report.format != "text" && !report.format.starts_with("json")) {
-        refuseOption("--summary", "goes with the formats text, json and jsonl");
+        refuseOption("--summary", "can be used with the formats text, json and jsonl");
     }
     report.style = &styleFor(stdout, options.color);
 }
@@ -216,18 +215,19 @@ int runCheck(CheckOptions &options) {
 
 void addReportOptions(CLI::App &command, CheckOptions &options) {
     addChoice(command, "--format", options.report.format, "FORMAT", kReportFormats,
-              "What is printed: text (the default), json, jsonl, gcc, junit or sarif");
+              "Format of the report: text (the default), json, jsonl, gcc, junit or sarif");
     addFlag(command, "--json", options.decode.json, "Print one JSON document: --format json");
     addFlag(command, "--summary", options.report.summary,
             "Print how often each check failed, instead of each failure");
     addFlag(command, "-q,--quiet", options.report.quiet,
-            "Print diagnostics alone: no notes, summary and progress bar");
+            "Print only diagnostics: no notes, no summary and no progress bar");
     addColor(command, options.color);
     addNumber(command, "--max-diagnostics", options.maxDiagnostics, "N", 0, UINT32_MAX,
-              "Print at most N diagnostics, and how many are left out; 0 (the default) is all");
-    addNames(command, "--ignore", options.ignored, "Leave out checks and doubts of these names");
+              "Print at most N diagnostics, and how many are left out; 0 (the default) prints all");
+    addNames(command, "--ignore", options.ignored,
+             "Leave out the checks and doubts of these names");
     addEach(command, "--ignore-file", options.ignoreFiles, "LIST",
-            "Leave out those that a file lists, one name a line; # begins a comment");
+            "Leave out those named in a file, one on each line; # begins a comment");
 }
 
 constexpr CommandText kCheckText = {"check", "Say which bodies are refused, where and why.",
@@ -248,11 +248,11 @@ void addCheck(CLI::App &app, int &status) {
         addCommand(app, kCheckText, [options, &status] { status = runCheck(*options); });
     addPaths(command, options->decode);
     addFlag(command, "--every-line", options->everyLine,
-            "Judge the lines after the refused one, each on its own");
+            "Also check each line after the refused one by itself");
     addFlag(command, "--no-warnings", options->noWarnings,
-            "Say nothing of what other readers read otherwise");
+            "Do not report what other programs read differently");
     addFlag(command, "--warnings-as-errors", options->warningsAsErrors,
-            "Exit with 1 when there is a warning");
+            "Exit with status 1 when there is a warning");
     addReportOptions(command, *options);
     addDecoderOptions(command, options->decode);
     addRedact(command, options->decode);

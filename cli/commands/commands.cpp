@@ -1,4 +1,4 @@
-// What several subcommands share.
+// What several commands share.
 #include "commands/commands.hpp"
 
 #include <algorithm>
@@ -16,32 +16,32 @@ void addPaths(CLI::App &command, DecodeOptions &options) {
     addWords(command, "FILE", options.paths,
              "SDP, SIP messages that carry it, packet captures, or folders; - is standard input");
     addNumber(command, "-j,--jobs", options.jobs, "NUMBER", 1, 256,
-              "Read so many inputs at once (as many as there are cores by default)");
+              "Read this many inputs at once (by default as many as there are cores)");
     addSelection(command, options);
 }
 
 void addSelection(CLI::App &command, DecodeOptions &options) {
     Selection &selection = options.selection;
-    addWord(command, "--call-id", selection.callId, "ID", "Take the messages of this call alone");
+    addWord(command, "--call-id", selection.callId, "ID", "Take only the messages of this call");
     addWord(command, "--from", selection.from, "TEXT",
-            "Take messages whose From header's URI has this in it");
+            "Take messages with this text in the URI of their From header");
     addWord(command, "--method", selection.method, "METHOD",
-            "Take requests of this method and their responses, or a status: 200");
+            "Take requests of this method and their responses, or responses of a status: 200");
     addNumber(command, "--frame", selection.frame, "NUMBER", 1, UINT32_MAX,
-              "Take the message that this packet of a capture completes");
+              "Take the message that ends in this packet of a capture");
     addWord(command, "--extract", selection.extract, "FOLDER",
             "Write each body to a file in this folder");
 }
 
 void addDecoderOptions(CLI::App &command, DecodeOptions &options) {
-    addFlag(command, "--avpf", options.avpf, "Take RTP/AVPF for a protocol with payload numbers");
+    addFlag(command, "--avpf", options.avpf, "Read the formats of RTP/AVPF as payload numbers");
     addFlag(command, "--rtp-family", options.rtpFamily,
-            "Take payload numbers with every protocol of RTP, as UDP/TLS/RTP/SAVPF");
+            "Read the formats of every RTP protocol as payload numbers: UDP/TLS/RTP/SAVPF");
     addMaxBody(command, options.maxBody);
 }
 
 void addTidyFlag(CLI::App &command, DecodeOptions &options) {
-    addFlag(command, "--tidy", options.tidy, "Repair bodies first, as tidy does");
+    addFlag(command, "--tidy", options.tidy, "Repair bodies before they are decoded, as tidy does");
 }
 
 void addMaxBody(CLI::App &command, uint32_t &maxBody) {
@@ -51,7 +51,7 @@ void addMaxBody(CLI::App &command, uint32_t &maxBody) {
 
 void addRedact(CLI::App &command, DecodeOptions &options) {
     addFlag(command, "--redact", options.redact,
-            "Mask addresses, names, keys and credentials, equal ones equally");
+            "Mask addresses, names, keys and credentials; equal values get equal masks");
 }
 
 void addColor(CLI::App &command, std::string &color) {
@@ -63,7 +63,7 @@ void addWriteOptions(CLI::App &command, WriteOptions &options) {
     addChoice(command, "--line-end", options.lineEnd, "END", {"crlf", "lf", "cr"},
               "Line end: crlf (the default), lf or cr");
     addNumber(command, "--t38", options.t38Style, "STYLE", SDP_T38_STYLE_FLAG, SDP_T38_STYLE_VALUE,
-              "T.38 flags: 0 and 1 write the names of those set, 2 writes name:value");
+              "T.38 flags: 0 and 1 write the names of the flags that are set, 2 writes name:value");
 }
 
 void configure(const DecodeOptions &options) {
@@ -136,7 +136,7 @@ sdpline::Result<sdpline::Body> BodyUser::decode(const Found &found, Redactor *re
 
 namespace {
 
-// A body, or why there is none: that is known in the thread that decoded it alone.
+// A decoded body, or the diagnostic, which only the thread that decoded it can make.
 struct DecodedAhead : Prepared {
     explicit DecodedAhead(const Found &found)
         : body(sdpline::Body::decode(found.text)), textSize(found.text.size()) {
@@ -146,7 +146,7 @@ struct DecodedAhead : Prepared {
     }
     size_t size() const override { return 16 * textSize; } // records and their block
 
-    mutable sdpline::Result<sdpline::Body> body; // which its user takes
+    mutable sdpline::Result<sdpline::Body> body; // decoded() moves it out
     Diagnostic diagnostic = {};
     size_t textSize;
 };
@@ -177,7 +177,7 @@ std::optional<sdpline::Body> BodyUser::decoded(const Found &found) {
 
 namespace {
 
-// Whether there are several bodies is known at the second: the first one waits for it.
+// The first body waits until it is known whether there is a second one, since several have titles.
 class EachBody : public BodyUser {
 public:
     using Use = std::function<bool(const std::string &title, sdpline::Body &body)>;

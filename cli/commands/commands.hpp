@@ -1,5 +1,5 @@
-// The subcommands. Each adds itself to the program with its options; its callback does the work and
-// leaves the exit status.
+// The commands. Each adds itself to the program with its options; its callback does the work and
+// sets the exit status.
 #pragma once
 
 #include <algorithm>
@@ -17,10 +17,10 @@
 
 namespace cli {
 
-// The exit statuses of all commands. The greatest of what happened counts.
+// The exit statuses of all commands, of which the greatest is returned.
 enum ExitStatus : int {
     kFine = 0,
-    kRefused = 1,      // a body, document or code was refused; the two that were compared differ
+    kRefused = 1,      // a body, document or code was refused; the compared bodies differ
     kUnusable = kUsage // an input, an argument or the output cannot be used
 };
 
@@ -37,13 +37,13 @@ void addNegotiateCheck(CLI::App &app, int &status);
 void addTidy(CLI::App &app, int &status);
 void addRules(CLI::App &app, int &status);
 
-// In the order of the help. A new command is a row here, a section of the man page and a line of
-// the completion.
+// In the order of the help. A new command needs a row here, a section in the man page and a row in
+// completion/generate.sh.
 inline constexpr auto kCommands = std::to_array<void (*)(CLI::App &app, int &status)>(
     {addDecode, addFormat, addEncode, addCheck, addCalls, addDiff, addExplain, addProfiles,
      addAnswer, addNegotiateCheck, addTidy, addRules});
 
-// ---- Options that several subcommands have
+// ---- Options that several commands have
 
 struct DecodeOptions {
     std::vector<std::string> paths = {"-"};
@@ -54,7 +54,7 @@ struct DecodeOptions {
     bool tidy = false;
     bool redact = false;
     Selection selection;
-    uint32_t jobs = 0; // inputs that are read at once; 0: as many as the machine has cores
+    uint32_t jobs = 0; // inputs that are read at once; 0: one for each core
 };
 
 struct WriteOptions {
@@ -62,7 +62,7 @@ struct WriteOptions {
     uint32_t t38Style = SDP_T38_STYLE_FLAG;
 };
 
-void addPaths(CLI::App &command, DecodeOptions &options); // with those of addSelection()
+void addPaths(CLI::App &command, DecodeOptions &options); // and addSelection()
 void addSelection(CLI::App &command, DecodeOptions &options);
 void addDecoderOptions(CLI::App &command, DecodeOptions &options);
 void addTidyFlag(CLI::App &command, DecodeOptions &options);
@@ -74,13 +74,13 @@ void addWriteOptions(CLI::App &command, WriteOptions &options);
 void configure(const DecodeOptions &options);
 void configure(const WriteOptions &options);
 
-// ---- Bodies of all inputs, decoded one after another
+// ---- Reading the bodies of all inputs
 
-// What is common to commands that read bodies: the exit status, and what is told on standard error.
+// What commands that read bodies share: the exit status, and the messages on standard error.
 class BodyUser : public InputUser {
 public:
-    // A redactor of the caller's is taught the values of the bodies, and masks what is told of
-    // them; the bodies themselves stay as they are.
+    // A redactor of the caller learns the values of the bodies, and masks messages about them; the
+    // bodies themselves are not masked.
     explicit BodyUser(const DecodeOptions &options, Redactor *shared = nullptr);
 
     void problem(const InputProblem &problem) override;
@@ -92,17 +92,17 @@ public:
     int status() const { return status_; }
 
 protected:
-    // Raises the status as a problem of that kind does.
+    // Raises the exit status for a problem of this kind.
     void noteProblem(Problem::Kind kind);
     void atLeast(ExitStatus status) { status_ = std::max(status_, static_cast<int>(status)); }
 
-    // Masks what is shown of this body; null without --redact.
+    // The redactor that masks what is shown of this body; null without --redact.
     Redactor *redactorFor(const Found &found);
 
-    // The body, repaired before and masked if so wished. One that is refused is reported, and
-    // raises the status.
+    // The body, repaired and masked as the options say. For a refused body: reports it, raises the
+    // exit status and returns nothing.
     std::optional<sdpline::Body> decoded(const Found &found);
-    // What prepare() returns for a user of decoded(): the body, where it needs no repair.
+    // For prepare(): decodes the body before decoded() is called for it, unless --tidy is set.
     std::shared_ptr<const Prepared> decodedAhead(const Found &found) const;
 
 private:
@@ -117,8 +117,8 @@ private:
     int status_ = kFine;
 };
 
-// Calls `use` for every body that is accepted, with a title where there are several; the others are
-// reported on standard error. Returns the exit status.
+// Calls `use` for every accepted body, with a title where there are several; reports the others on
+// standard error. Returns the exit status.
 int forEachBody(const DecodeOptions &options,
                 const std::function<bool(const std::string &title, sdpline::Body &body)> &use);
 

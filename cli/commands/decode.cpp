@@ -1,11 +1,11 @@
-// sdpline decode: bodies as trees, or as JSON.
+// sdpline decode: prints bodies as trees, or as JSON.
 #include "commands/commands.hpp"
 
 #include <iostream>
 
-#include "json/json.hpp"
 #include "output/diagnostic.hpp"
 #include "output/tree.hpp"
+#include "json/json.hpp"
 
 namespace cli {
 
@@ -32,7 +32,8 @@ constexpr CommandText kDecodeText = {"decode", "Print decoded bodies as trees.",
   sdpline decode --json offer.sdp | jq '.media[].port'
   sdpline decode --redact trace.txt
 
-Exit status: 0, 1 when a body is refused, 2 when something cannot be read.)"};
+Exit status: 0 when every body is accepted, 1 when one is refused, 2 when something
+cannot be read.)"};
 
 } // namespace
 
@@ -42,7 +43,7 @@ void addDecode(CLI::App &app, int &status) {
         addCommand(app, kDecodeText, [options, &status] { status = runDecode(*options); });
     addPaths(command, *options);
     addFlag(command, "--json", options->json,
-            "Print JSON that holds every field, one document for each body");
+            "Print JSON with every field, one document for each body");
     addDecoderOptions(command, *options);
     addTidyFlag(command, *options);
     addRedact(command, *options);

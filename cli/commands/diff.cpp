@@ -1,4 +1,4 @@
-// sdpline diff: what differs between two bodies.
+// sdpline diff: says what differs between two bodies.
 #include "commands/onebody.hpp"
 
 #include <algorithm>
@@ -84,16 +84,16 @@ int runDiff(const DiffOptions &options) {
 
 constexpr CommandText kDiffText = {
     "diff", "Say what differs between two bodies.",
-    R"(Media descriptions are paired by their place. Direction and connection are
-compared as they are in force; the order of attributes, line ends and the
-spelling of addresses make no difference.
+    R"(Media descriptions are paired by their position. The direction and connection that
+apply to each one are compared; the order of attributes, line ends and the spelling
+of addresses are ignored.
 
 Examples:
   sdpline diff offer.sdp answer.sdp
   sdpline diff --json before.sip after.sip
   sdpline diff --redact before.sip after.sip
 
-Exit status: 0 when they are the same, 1 when they differ, 2 when they cannot be
+Exit status: 0 when the bodies are the same, 1 when they differ, 2 when they cannot be
 compared: a body is refused, or an input does not hold exactly one.)"};
 
 } // namespace
@@ -103,7 +103,7 @@ void addDiff(CLI::App &app, int &status) {
     CLI::App &command =
         addCommand(app, kDiffText, [options, &status] { status = runDiff(*options); });
     addRequired(command, "A", options->first, "A file with one body; - is standard input");
-    addRequired(command, "B", options->second, "Another one");
+    addRequired(command, "B", options->second, "Another file with one body");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addColor(command, options->color);
     addSelection(command, options->decode);

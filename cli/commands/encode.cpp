@@ -1,4 +1,4 @@
-// sdpline encode: the JSON of decode back to text.
+// sdpline encode: writes bodies from the JSON that decode prints.
 #include "commands/commands.hpp"
 
 #include <cerrno>
@@ -8,9 +8,9 @@
 #include <new>
 
 #include "input/paths.hpp"
-#include "json/readback.hpp"
 #include "text/escape.hpp"
 #include "text/strings.hpp"
+#include "json/readback.hpp"
 
 namespace cli {
 
@@ -22,7 +22,7 @@ struct EncodeOptions {
     uint32_t maxBody = SDP_MAX_BODY;
 };
 
-// The parser's own prefix, "[json.exception.parse_error.101] ", says nothing to people.
+// Removes the prefix of the JSON library, "[json.exception.parse_error.101] ".
 std::string bareMessage(const std::string &message) {
     const size_t end = message.find("] ");
     return end != std::string::npos ? message.substr(end + 2) : message;
@@ -30,7 +30,7 @@ std::string bareMessage(const std::string &message) {
 
 class Encoder {
 public:
-    // Writes every body of the input, which holds any number of documents, or arrays of them.
+    // Writes every body of the input, which holds any number of documents or arrays of documents.
     void file(const std::string &path) {
         name_ = inputName(path);
         number_ = 0;
@@ -106,7 +106,7 @@ private:
     }
 
     std::string name_;
-    size_t number_ = 0; // of documents begun in this file
+    size_t number_ = 0; // of the document in this file, from 1
     bool first_ = true;
     int status_ = kFine;
 };
@@ -128,15 +128,16 @@ int runEncode(const EncodeOptions &options) {
 
 constexpr CommandText kEncodeText = {
     "encode", "Write bodies from the JSON that decode prints.",
-    R"(Several bodies are written with an empty line between them. What is written
-decodes to the same JSON, or is refused.
+    R"(Several bodies are written with an empty line between them. A document whose text
+would not decode to the same JSON is refused.
 
 Examples:
   sdpline encode offer.json > offer.sdp
   sdpline decode --json offer.sip | sdpline encode
   sdpline decode --json a.sdp | jq '.name = "talk"' | sdpline encode
 
-Exit status: 0, 1 when a document is no body, 2 when something cannot be read.)"};
+Exit status: 0 when every document is written, 1 when one is not a body, 2 when
+something cannot be read.)"};
 
 } // namespace
 

@@ -1,4 +1,4 @@
-// sdpline explain: result codes and names of checks in words.
+// sdpline explain: puts result codes and names of checks into words.
 #include "commands/commands.hpp"
 
 #include <charconv>
@@ -33,7 +33,7 @@ bool isPrefixed(std::string_view text) {
     return text.starts_with("0x") || text.starts_with("0X");
 }
 
-// The numbers that a text may mean, the likelier first: "0x05035065" one, "84103269" two.
+// The numbers that a text may mean, the likelier first: "0x05035065" is one, "84103269" may be two.
 std::vector<uint32_t> numbersOf(std::string_view text) {
     const bool prefixed = isPrefixed(text);
     const std::optional<uint32_t> hex = numberOf(text.substr(prefixed ? 2 : 0), 16);
@@ -54,10 +54,10 @@ std::string_view classText(uint32_t errorClass) {
     switch (errorClass) {
     case SDP_ERRCLASS_RESOURCE: return "an argument, memory, a token too long, input that ended";
     case SDP_ERRCLASS_NOT_SDP: return "no input, or it does not start with \"v=\"";
-    case SDP_ERRCLASS_FIELD_SYNTAX: return "a token that the field's grammar does not admit";
-    case SDP_ERRCLASS_UNEXPECTED_LINE: return "a kind of line that does not belong there";
+    case SDP_ERRCLASS_FIELD_SYNTAX: return "a token that the grammar of the field does not allow";
+    case SDP_ERRCLASS_UNEXPECTED_LINE: return "a kind of line that is not allowed there";
     case SDP_ERRCLASS_BAD_ADDRESS: return "an IPv6 address, or a field that cannot be written";
-    default: return "none of the library's";
+    default: return "not a class of the library";
     }
 }
 
@@ -107,8 +107,8 @@ void printComposed(const CheckInfo &check, uint32_t base) {
 
 // Several checks return the same bare number.
 void printBare(uint32_t code) {
-    std::cout << codeText(code) << ": a bare " << code
-              << ", which these checks return; only the log entry tells which one failed\n";
+    std::cout << codeText(code) << ": the number " << code
+              << " alone, which these checks return; only the log entry says which one failed\n";
     for (const CheckInfo &check : allChecks()) {
         if (check.returns(ResultKind::Bare) && check.outcome.location == code) {
             std::cout << "  " << check.function << ": " << check.sentence << " [" << check.name
@@ -145,7 +145,7 @@ bool explainCode(uint32_t code, uint32_t base) {
     return true;
 }
 
-// Of two readings those that the library knows, else the likelier one.
+// Explains the numbers that the library returns, or else the likelier one.
 bool explainNumbers(std::vector<uint32_t> numbers, uint32_t base) {
     const uint32_t likelier = numbers.front();
     std::erase_if(numbers, [base](uint32_t code) { return !isKnown(code, base); });
@@ -160,7 +160,7 @@ bool explainNumbers(std::vector<uint32_t> numbers, uint32_t base) {
 
 // ---- Names of checks
 
-// "ConnLastOctetRange" of "[ConnLastOctetRange]", as sdpline check prints it.
+// "ConnLastOctetRange" for "[ConnLastOctetRange]", which sdpline check prints.
 std::string_view nameIn(std::string_view question) {
     const bool bracketed = question.starts_with('[') && question.ends_with(']');
     return bracketed ? question.substr(1, question.size() - 2) : question;
@@ -223,13 +223,13 @@ ExitStatus explain(const std::string &question, uint32_t base) {
     if (check != nullptr) {
         explainCheck(*check, base);
     }
-    if (explainRule(name) || check != nullptr) { // a few names are those of both
+    if (explainRule(name) || check != nullptr) { // a few checks and rules have the same name
         return kFine;
     }
     const std::vector<uint32_t> numbers = numbersOf(question);
     if (numbers.empty()) {
         std::cerr << "sdpline: " << escaped(question)
-                  << ": neither a result code nor the name of a check\n";
+                  << ": expected a result code or the name of a check, doubt or repair\n";
         return kUnusable;
     }
     return explainNumbers(numbers, base) ? kFine : kRefused;
@@ -241,7 +241,7 @@ int runExplain(const ExplainOptions &options) {
     const std::optional<uint32_t> base =
         numberOf(text.substr(prefixed ? 2 : 0), prefixed ? 16 : 10);
     if (!base) {
-        std::cerr << "sdpline: --file-base " << escaped(text) << ": not a number\n";
+        std::cerr << "sdpline: --file-base: expected a number, found \"" << escaped(text) << "\"\n";
         return kUnusable;
     }
     g_gSipStackFileId = *base;
@@ -262,8 +262,8 @@ constexpr CommandText kExplainText = {"explain", "Say what result codes and name
   sdpline explain 84103269 --file-base 0
   sdpline explain --list | grep rtpmap
 
-Exit status: 0, 1 when a code is none of the library's, 2 when something is
-neither a code nor a check.)"};
+Exit status: 0 when everything is explained, 1 when the library does not return a code,
+2 when an argument is neither a code nor a name.)"};
 
 } // namespace
 
@@ -278,7 +278,7 @@ void addExplain(CLI::App &app, int &status) {
     addWords(command, "CODE", options->questions,
              "Result codes, hexadecimal or decimal, or names of checks, doubts and repairs");
     addWord(command, "--file-base", options->fileBase, "N",
-            "The stack's base of file numbers (0 by default)");
+            "The value of g_gSipStackFileId in the stack (0 by default)");
     addFlag(command, "--list", options->list, "Print every code of the library");
 }
 

@@ -1,4 +1,4 @@
-// sdpline format: bodies written back as the library writes them.
+// sdpline format: writes bodies as the library writes them.
 #include "commands/commands.hpp"
 
 #include <iostream>
@@ -23,7 +23,7 @@ int runFormat(const FormatOptions &options) {
             std::cerr << "sdpline: the body cannot be written: " << text.error().message() << '\n';
             return false;
         }
-        // An empty line ends a body, so one may be between two.
+        // An empty line ends a body, so it can separate two bodies.
         std::cout << (first ? "" : view(SdpGetCrlfString(0))) << *text;
         first = false;
         return true;
@@ -32,15 +32,16 @@ int runFormat(const FormatOptions &options) {
 
 constexpr CommandText kFormatText = {
     "format", "Decode bodies and write them back.",
-    R"(Several bodies are written with an empty line between them. A body without a
-t= line gets "t=0 0".
+    R"(Several bodies are written with an empty line between them. For a body without a
+t= line "t=0 0" is written.
 
 Examples:
   sdpline format offer.sip > offer.sdp
   sdpline format --line-end lf --t38 2 fax.sdp
   sdpline format --redact offer.sip
 
-Exit status: 0, 1 when a body is refused, 2 when something cannot be read.)"};
+Exit status: 0 when every body is accepted, 1 when one is refused, 2 when something
+cannot be read.)"};
 
 } // namespace
 

@@ -1,5 +1,5 @@
-// sdpline negotiate-check: what is wrong with an answer, or with a description that follows
-// another.
+// sdpline negotiate-check: says what is wrong with an answer, or with a description that follows
+// another one.
 #include "commands/commands.hpp"
 
 #include <iostream>
@@ -17,8 +17,7 @@ struct NegotiateCheckOptions {
     DecodeOptions decode = negotiationOptions();
 };
 
-// The place of a fault is that of the judged body's m= line, or of its first line where it has
-// none.
+// The place of a fault is the m= line of the checked body, or its first line.
 int report(const NegotiateCheckOptions &options, const OneBody &judged,
            const std::vector<sdpline::Decision> &faults) {
     if (options.decode.json) {
@@ -52,7 +51,8 @@ constexpr CommandText kNegotiateCheckText = {
   sdpline negotiate-check offer.sip answer.sip
   sdpline negotiate-check --previous offer.sdp next.sdp
 
-Exit status: 0 when nothing is wrong, 1 when something is, 2 on trouble.)"};
+Exit status: 0 when nothing is wrong, 1 when something is, 2 when a body is refused or
+something cannot be read.)"};
 
 } // namespace
 
@@ -61,7 +61,7 @@ void addNegotiateCheck(CLI::App &app, int &status) {
     CLI::App &command = addCommand(app, kNegotiateCheckText,
                                    [options, &status] { status = runNegotiateCheck(*options); });
     addWords(command, "BODIES", options->paths,
-             "An offer and its answer; with --previous the description to judge");
+             "An offer and its answer; with --previous the description to check");
     addWord(command, "--previous", options->previous, "BODY",
             "The last description of the same side");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");

@@ -13,7 +13,7 @@ namespace cli {
 
 namespace {
 
-// Letters to insert, delete or replace to make one word of the other.
+// How many letters must be inserted, deleted or replaced to turn one word into the other.
 size_t distance(std::string_view a, std::string_view b) {
     std::vector<size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
@@ -30,7 +30,7 @@ size_t distance(std::string_view a, std::string_view b) {
 constexpr size_t kLongestWord = 40;
 constexpr size_t kTypingErrors = 2;
 
-// "; did you mean --redact?" for "--redct"; empty where nothing is alike.
+// "; did you mean --redact?" for "--redct"; empty where no known word is similar.
 std::string suggestion(std::string_view word, const std::vector<std::string> &known) {
     word = word.substr(0, word.find('='));
     std::string best;
@@ -63,8 +63,8 @@ std::vector<std::string> commandsOf(const CLI::App &app) {
     return names;
 }
 
-// The library takes an operand "[a,b]" for a list of two. A mark before it keeps it one word, which
-// is what it is: a name of a file may be so. Words that begin with the mark get another one.
+// CLI11 reads an operand "[a,b]" as a list of two, but it may be the name of a file. A mark before
+// it keeps it one word. Words that begin with the mark get another one.
 constexpr char kMark = '\x01';
 
 std::vector<std::string> markedWords(int argc, char **argv) {
@@ -82,13 +82,13 @@ std::string unmarked(std::string word) {
     return word;
 }
 
-// An option or operand, its words as they were given.
+// An option or operand whose words lose the mark again.
 template <typename Value>
 CLI::Option *option(CLI::App &command, const char *name, Value &value, const std::string &help) {
     return command.add_option(name, value, help)->transform(unmarked);
 }
 
-// What is wrong with a command line, as all messages of the program begin.
+// Says what is wrong with the command line; begins like all messages of the program.
 void tellUsage(const CLI::App &app, const CLI::ParseError &error) {
     const auto chosen = app.get_subcommands();
     const CLI::App &command = chosen.empty() ? app : *chosen.front();

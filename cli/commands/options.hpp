@@ -1,5 +1,5 @@
-// The command line, without the headers of the library that reads it: those cost seconds in every
-// source that sees them.
+// The command line, without the headers of CLI11, which take seconds to compile in every source
+// that includes them.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ class App;
 
 namespace cli {
 
-constexpr int kUsage = 2; // the status of a command line that cannot be read
+constexpr int kUsage = 2; // the exit status for a wrong command line
 
 struct Program {
     const char *name;
@@ -21,9 +21,9 @@ struct Program {
     const char *version;
     const char *footer;
 };
-// Reads the command line of a program to which `add` adds its commands, and runs the command that
-// it names. The status is left as the command left it; after --help and --version it is 0, after
-// wrong usage, which is told, kUsage.
+// Reads the command line of a program whose commands `add` adds, and runs the command that it
+// names, which sets the status. After --help and --version the status is 0, after a wrong command
+// line, which is reported on standard error, kUsage.
 void readCommandLine(const Program &program, int argc, char **argv,
                      const std::function<void(CLI::App &)> &add, int &status);
 
@@ -42,23 +42,23 @@ void addWord(CLI::App &command, const char *name, std::string &word, const char 
 void addRequired(CLI::App &command, const char *name, std::string &word, const std::string &help);
 void addWords(CLI::App &command, const char *name, std::vector<std::string> &words,
               const std::string &help);
-// Names with commas between them, the option any number of times: `--name NAME,...`.
+// Names that are separated by commas, in an option that may be repeated: `--name NAME,...`.
 void addNames(CLI::App &command, const char *name, std::vector<std::string> &names,
               const std::string &help);
-// Refused unless it is one of the words, or in the range.
+// The word must be one of the list, the number in the range.
 void addChoice(CLI::App &command, const char *name, std::string &word, const char *type,
                const std::vector<std::string> &words, const std::string &help);
 void addNumber(CLI::App &command, const char *name, uint32_t &number, const char *type,
                uint32_t least, uint32_t greatest, const std::string &help);
 
-// An option of one word that may be given any number of times, with one word each.
+// An option of one word that may be repeated.
 void addEach(CLI::App &command, const char *name, std::vector<std::string> &words, const char *type,
              const std::string &help);
 
-// What a command says of options that cannot be used: "--summary: ...". Does not return.
+// Reports an option that cannot be used: "--summary: ...". Does not return.
 [[noreturn]] void refuseOption(const char *name, const std::string &reason);
 
-// What a command says that finds an operand missing. Does not return.
+// Reports a missing operand. Does not return.
 [[noreturn]] void requireOperand(const char *name);
 
 } // namespace cli

@@ -1,4 +1,4 @@
-// sdpline profiles: the static payload profiles.
+// sdpline profiles: prints the static payload profiles.
 #include "commands/commands.hpp"
 
 #include <iomanip>
@@ -42,8 +42,8 @@ void printProfilesAsJson() {
 
 constexpr CommandText kProfilesText = {
     "profiles", "Print the static RTP payload profiles.",
-    R"(A profile is what an a=rtpmap line's name is recognised as; a payload type is
-given where RFC 3551 has one. L8, RED and VDVI have no fixed clock rate.
+    R"(The decoder finds the profile of an a=rtpmap line by its encoding name. The payload
+type is that of RFC 3551, if there is one. L8, RED and VDVI have no fixed clock rate.
 
 Examples:
   sdpline profiles

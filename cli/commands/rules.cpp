@@ -1,4 +1,4 @@
-// sdpline rules: what tidy repairs, and what check doubts.
+// sdpline rules: lists what tidy repairs, and the doubts that check reports.
 #include "commands/commands.hpp"
 
 #include <iostream>
@@ -19,7 +19,7 @@ const char *setName(uint32_t set) {
     }
 }
 
-// The section of the documents that has an example of it before and after: "repairs.md#nameempty".
+// The section of the documents about the rule, with an example: "repairs.md#nameempty".
 std::string pageOf(const SDPTidyRule &rule) {
     std::string page = rule.enSet == SDP_TIDY_DOUBT ? "doubts.md#" : "repairs.md#";
     for (const char *letter = rule.pcName; *letter != '\0'; ++letter) {
@@ -58,12 +58,13 @@ void printRulesAsJson() {
     std::cout << dumped(list);
 }
 
-constexpr CommandText kRulesText = {"rules", "Print what tidy repairs and what check doubts.",
+constexpr CommandText kRulesText = {"rules",
+                                    "Print what tidy repairs, and the doubts that check reports.",
                                     R"(Examples:
   sdpline rules
   sdpline rules --json | jq -r '.[] | select(.set == "optional").name'
 
-Each has a section in the documents, with an example before and after.)"};
+Each rule has a section in the documents, with an example.)"};
 
 } // namespace
 

@@ -1,4 +1,4 @@
-// sdpline tidy: bodies repaired before the decoder, with a report of every repair.
+// sdpline tidy: repairs bodies that the decoder refuses, and reports every repair.
 #include "commands/commands.hpp"
 #include "commands/tidysummary.hpp"
 
@@ -38,8 +38,8 @@ struct TidyOptions {
     bool writesBodies() const { return !dryRun && !decode.json && !summary; }
 };
 
-// How a Content-Length counts: the bytes as they are, or each LF as CR LF, which was right before
-// the text was converted.
+// The size of a text, where a Content-Length counts each LF as CR LF if the line ends were
+// converted after the message was sent.
 size_t counted(std::string_view text, bool feedsAsPairs) {
     size_t count = text.size();
     for (size_t at = 0; feedsAsPairs && at < text.size(); ++at) {
@@ -48,7 +48,7 @@ size_t counted(std::string_view text, bool feedsAsPairs) {
     return count;
 }
 
-// A text with bodies replaced, and the lengths that count them corrected.
+// Replaces bodies in a text, and corrects the Content-Length headers that count them.
 class Rewriter {
 public:
     explicit Rewriter(std::string_view text) : text_(text) {}
@@ -144,7 +144,7 @@ public:
         write(path, input.text(), options_.decode.redact ? masked : rewriter.run());
     }
 
-    // A body of a capture: it is written without its message.
+    // A body from a capture is written without its message.
     void body(const Found &found) {
         const auto tidied = tidyBody(found);
         if (tidied && options_.writesBodies()) {
@@ -164,7 +164,7 @@ public:
     }
 
 private:
-    static constexpr size_t kMagic = 4; // what a capture is known by
+    static constexpr size_t kMagic = 4; // the size of the magic number of a capture
 
     class CapturedBodies : public BodyUser {
     public:
@@ -187,7 +187,7 @@ private:
         }
     }
 
-    // None, with a message, where it cannot be tidied at all.
+    // Reports a body that cannot be tidied, and returns nothing.
     std::optional<sdpline::Tidied> tidyBody(const Found &body) {
         auto tidied = sdpline::tidy(body.text, rules_);
         if (!tidied) {
@@ -212,8 +212,8 @@ private:
         }
     }
 
-    // What is passed over of a body, up to the next one; of a body whose empty lines are left out,
-    // nothing is.
+    // Reports text after a body that is not read, up to the next body. After a repair of empty
+    // lines everything is read.
     static void noteUnread(const Found &body, const sdpline::Tidied &tidied, const Bodies &found) {
         for (const sdpline::Repair repair : tidied.repairs()) {
             if (repair.rule->enRule == SDP_TIDY_EMPTY_LINES && tidied.isRepaired()) {
@@ -279,7 +279,7 @@ private:
         bodies_.push_back(std::move(entry));
     }
 
-    // The text on standard output, or in the file that it came from where it changed.
+    // Writes the text to standard output, or back to its file if it changed.
     void write(const std::string &path, std::string_view given, const std::string &text) {
         if (options_.writesBodies() && !options_.inPlace) {
             std::cout << text;
@@ -304,7 +304,7 @@ private:
     int status_ = 0;
 };
 
-// None, with a message, where a name is no repair.
+// Reports a name that is not that of a repair, and returns nothing.
 std::optional<sdpline::TidyRules> rulesOf(const TidyOptions &options) {
     std::string unknown;
     const auto wanted = rulesNamed(options.rules, unknown);
@@ -333,7 +333,7 @@ int runTidy(const TidyOptions &options) {
     }
     const bool piped = std::ranges::find(options.decode.paths, "-") != options.decode.paths.end();
     if (options.inPlace && (options.decode.redact || piped)) {
-        std::cerr << "sdpline: --in-place takes files, and nothing that is masked\n";
+        std::cerr << "sdpline: --in-place cannot be used with standard input or --redact\n";
         return kUnusable;
     }
     configure(options.decode);
@@ -343,10 +343,10 @@ int runTidy(const TidyOptions &options) {
 }
 
 constexpr CommandText kTidyText = {
-    "tidy", "Repair bodies that the decoder refuses, and tell every repair.",
-    R"(Bodies that are accepted stay as they are, byte for byte. SIP messages stay
-messages; their Content-Length is corrected. With --redact, and of a capture, the
-bodies alone are written.
+    "tidy", "Repair bodies that the decoder refuses, and report every repair.",
+    R"(Accepted bodies are not changed by a byte. SIP messages are written as messages, with
+a corrected Content-Length. With --redact, and from captures, only the bodies are
+written.
 
 Examples:
   sdpline tidy call.sip > tidied.sip
@@ -354,8 +354,8 @@ Examples:
   sdpline tidy --rule NameEmpty,ConnHost -i offer.sdp
   sdpline tidy --summary captures/
 
-Exit status: 0 when nothing was repaired, 1 when something was, 2 when a body is
-refused all the same or something cannot be used.)"};
+Exit status: 0 when nothing was repaired, 1 when something was, 2 when a body is still
+refused or something cannot be used.)"};
 
 } // namespace
 
@@ -365,13 +365,13 @@ void addTidy(CLI::App &app, int &status) {
         addCommand(app, kTidyText, [options, &status] { status = runTidy(*options); });
     addWords(command, "FILE", options->decode.paths,
              "SDP, SIP messages that carry it, or packet captures; - is standard input");
-    addNames(command, "--rule", options->rules, "Make these repairs, and no others");
+    addNames(command, "--rule", options->rules, "Make only these repairs");
     addFlag(command, "--optional", options->optional,
-            "Make the optional repairs beside those of the default set");
-    addNames(command, "--without", options->without, "Make all but these");
-    addFlag(command, "--dry-run", options->dryRun, "Report, and write no text");
+            "Make the optional repairs as well as the default ones");
+    addNames(command, "--without", options->without, "Do not make these repairs");
+    addFlag(command, "--dry-run", options->dryRun, "Report the repairs, but write no text");
     addFlag(command, "--summary", options->summary,
-            "Print how many bodies each rule repaired, and write no text");
+            "Print how many bodies each rule repaired, but write no text");
     addFlag(command, "-i,--in-place", options->inPlace, "Write the text back to its file");
     addFlag(command, "--json", options->decode.json, "Print one JSON document");
     addDecoderOptions(command, options->decode);

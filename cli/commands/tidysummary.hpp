@@ -1,5 +1,4 @@
-// What tidy made of many bodies: how many it repaired by each rule, and why others are still
-// refused.
+// Counts how many bodies each rule of tidy repaired, and why others are still refused.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +24,7 @@ public:
     nlohmann::ordered_json json() const;
 
 private:
-    // Bodies with the same outcome for the same reason. A body counts once, whatever it has of it.
+    // Bodies with the same outcome for the same reason. Each body counts once.
     struct Count {
         const char *outcome; // "repaired", "tried", "refused"
         std::string name;    // of the rule, or of the check
@@ -35,7 +34,7 @@ private:
     };
 
     void count(const Count &one);
-    // The outcomes in their order; of each the most frequent first, then by name.
+    // Sorted by outcome, then the most frequent first, then by name.
     std::vector<Count> sorted() const;
 
     std::map<std::string, Count> counts_;

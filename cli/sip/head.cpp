@@ -19,7 +19,7 @@ std::string uriOf(std::string_view value) {
     return std::string(trimmed(value.substr(0, value.find(';'))));
 }
 
-// Where the parameters of a From or To header begin.
+// The offset where the parameters of a From or To header begin.
 size_t parametersOf(std::string_view value) {
     const size_t close = value.rfind('>');
     return std::min(value.find(';', close == std::string_view::npos ? 0 : close), value.size());

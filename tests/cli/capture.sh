@@ -52,7 +52,7 @@ printf 'sdpline: short: %s\n' "the capture ends inside a packet" "no SIP message
   >problems
 expect "a capture that ends early" 2 - problems -- "$program" check short
 { head -c 24 calls.pcap; printf '%020d' 0; } >damaged
-expect "a damaged capture" 2 - '~packet 1 says that it has 808464432 bytes: the capture is damaged$' \
+expect "a damaged capture" 2 - '~packet 1 has a length of 808464432 bytes: the capture is damaged$' \
   -- "$program" check damaged
 
 # ---- Selection

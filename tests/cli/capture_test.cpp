@@ -231,7 +231,7 @@ TEST(Capture, GoesOnAfterAGap) {
     EXPECT_EQ(reader.found, Texts{sip("one\r\n")});
     reader.finish();
     EXPECT_EQ(reader.found, (Texts{sip("one\r\n"), sip("three")}));
-    EXPECT_EQ(reader.unread(), Texts{"1 place of a TCP stream lacks bytes that were not captured"});
+    EXPECT_EQ(reader.unread(), Texts{"1 gap in a TCP stream: bytes that were not captured"});
 }
 
 // A FIN counts as one byte, of which none is there: what is numbered after it lacks nothing.

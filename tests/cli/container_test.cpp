@@ -93,17 +93,18 @@ TEST(Container, DamagedSizesEndIt) {
     std::string pcap = written(CaptureForm::Pcap);
     pcap.replace(24 + 8, 4, "\xff\xff\xff\x7f");
     EXPECT_EQ(packetsOf(pcap).error,
-              "packet 1 says that it has 2147483647 bytes: the capture is damaged");
+              "packet 1 has a length of 2147483647 bytes: the capture is damaged");
     for (const char size : {'\x04', '\x0d'}) { // too little, and not a multiple of 4
         std::string next = written(CaptureForm::PcapNg);
         next[28 + 4] = size;
-        EXPECT_EQ(packetsOf(next).error, "a block after packet 0 says that it has " +
+        EXPECT_EQ(packetsOf(next).error, "a block after packet 0 has a length of " +
                                              std::to_string(int(size)) +
                                              " bytes: the capture is damaged");
     }
     std::string section = written(CaptureForm::PcapNg);
     section[8] = 'x';
-    EXPECT_EQ(packetsOf(section).error, "a section of the capture has no byte order");
+    EXPECT_EQ(packetsOf(section).error,
+              "a section of the capture has no byte-order magic: the capture is damaged");
 }
 
 // A block in little endian order.

@@ -6,7 +6,7 @@ cat >octet <<'TEXT'
 0x05035065: expected an octet of at most 255
   check     ConnLastOctetRange
   made by   sdpConnectionFieldAddrIpv4 in sdpparser
-  parts     file 5, location 212, class 101 (a token that the field's grammar does not admit)
+  parts     file 5, location 212, class 101 (a token that the grammar of the field does not allow)
 TEXT
 expect "hexadecimal" 0 octet nothing -- "$program" explain 0x05035065
 expect "hexadecimal, upper case" 0 octet nothing -- "$program" explain 0X05035065
@@ -18,14 +18,14 @@ expect "--file-base 7" 0 based nothing -- "$program" explain --file-base 7 0c035
 expect "--file-base 0x107" 0 based nothing -- "$program" explain --file-base 0x107 0x0c035065
 cat >unknown <<'TEXT'
 0x0c035065: no check of the library returns this under file base 0
-  parts     file 12, location 212, class 101 (a token that the field's grammar does not admit)
+  parts     file 12, location 212, class 101 (a token that the grammar of the field does not allow)
   with --file-base 7: expected an octet of at most 255 [ConnLastOctetRange]
 TEXT
 expect "the base is missing" 1 unknown nothing -- "$program" explain 0x0c035065
 echo '0x00000000: success' >success
 expect "0" 0 success nothing -- "$program" explain 0
 cat >bare <<'TEXT'
-0x00000008: a bare 8, which these checks return; only the log entry tells which one failed
+0x00000008: the number 8 alone, which these checks return; only the log entry says which one failed
   SdpTokanizeIPv6Str: expected a text of at least one byte and no null pointer [Ipv6TokensArgument]
 TEXT
 expect "a bare 8" 0 bare nothing -- "$program" explain 8
@@ -36,7 +36,7 @@ expect "unknown and known" 1 '~ConnLastOctetRange$' nothing -- "$program" explai
 for word in zz 0x "" 4294967296 -1 1.5 "1 2"; do
   expect "'$word' is no code" 2 nothing - -- "$program" explain -- "$word"
 done
-expect "a base that is no number" 2 nothing '~--file-base x: not a number' -- \
+expect "a base that is no number" 2 nothing '~--file-base: expected a number, found "x"' -- \
   "$program" explain --file-base x 1
 expect "no code" 2 nothing '~CODE is required' -- "$program" explain
 
@@ -52,7 +52,7 @@ the code of what it called: the IPv6 address was refused
   made by   sdpConnectionFieldAddrIpv6 in sdpparser
 TEXT
 expect "a check without a code" 0 passed nothing -- "$program" explain ConnIpv6Refused
-expect "no check" 2 nothing '~^sdpline: Conn: neither a result code nor the name of a check$' -- \
+expect "no check" 2 nothing '~^sdpline: Conn: expected a result code or the name of a check, doubt or repair$' -- \
   "$program" explain Conn
 
 # ---- Every row of the list is explained, by its code and by its name

@@ -81,7 +81,7 @@ cp untidy.sip changed.sip
 expect "--in-place" 1 nothing '~changed.sip:8:3' -- "$program" tidy -i changed.sip
 expect "the file" 0 tidied.sip nothing -- cat changed.sip
 expect "--in-place again" 0 nothing nothing -- "$program" tidy --in-place changed.sip
-expect "--in-place of standard input" 2 nothing '~takes files' -- "$program" tidy -i -
+expect "--in-place of standard input" 2 nothing '~standard input' -- "$program" tidy -i -
 
 # ---- JSON, masks
 expect "--json" 1 '~"rule": "NameEmpty"' nothing -- "$program" tidy --json untidy.sdp
@@ -114,7 +114,7 @@ expect "the file of it" 0 tidied.sdp nothing -- cat both.sdp
 cp untidy.sdp both.sdp
 expect "--dry-run -i" 1 nothing - -- "$program" tidy --dry-run -i both.sdp
 expect "is left alone" 0 untidy.sdp nothing -- cat both.sdp
-expect "-i of what is masked" 2 nothing '~nothing that is masked' -- "$program" tidy -i --redact both.sdp
+expect "-i of what is masked" 2 nothing '~--redact' -- "$program" tidy -i --redact both.sdp
 expect "a rule of --without that is none" 2 nothing '~no repair is named "Nix"' -- \
   "$program" tidy --without Nix untidy.sdp
 expect "--optional, and one by name" 1 '~^m=' '~\[KeySpace' -- \

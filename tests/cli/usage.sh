@@ -54,7 +54,7 @@ expect "the good one is untouched" 0 good.sdp nothing -- cat folder/a.sdp
 { cat good.sdp; echo; echo "not read"; } >noted
 echo "sdpline: noted:$(($(wc -l <good.sdp) + 2)): what follows an empty line in a body is not read" >told
 expect "a note is no failure" 0 noted told -- "$program" tidy noted
-expect "nothing is written in place of standard input" 2 nothing '~--in-place takes files' -- \
+expect "nothing is written in place of standard input" 2 nothing '~--in-place cannot be used with standard input or --redact' -- \
   "$program" tidy -i good.sdp -
 
 # ---- Output that cannot be written, and readers that go away
