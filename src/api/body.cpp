@@ -2,8 +2,8 @@
 // body, and the parser's hooks pointed at it while it decodes.
 #include "api/blocks.hpp"
 #include "checks/checks.hpp"
-#include "encoder/encoder.hpp"
-#include "sdpline/sdpinternals.h"
+#include "encoder/writers.hpp"
+#include "parser/driver.hpp"
 #include "services/allocation.hpp"
 #include "services/settings.hpp"
 
@@ -26,7 +26,7 @@ SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
     }
     beginDecode(memCp);
     SdpLine *line = nullptr;
-    const SDPResult result = SdpLibParseSdp(pstSdpText, &line);
+    const SDPResult result = parseBody(pstSdpText, &line);
     endDecode(result == 0);
     if (result != 0) {
         SipMmReleaseBufMem(&memCp);

@@ -2,7 +2,8 @@
 // SDP text and nothing else.
 #include "api/blocks.hpp"
 #include "checks/checks.hpp"
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
+#include "parser/driver.hpp"
 #include "sdpline/sdpline.h"
 #include "services/allocation.hpp"
 
@@ -95,7 +96,7 @@ SDPResult SdpLibDeSerializeSdp(uint8_t *bytes, uint32_t size, SdpLine **line) {
         return logAndForward(Check::DeSerializeBlock, result);
     }
     beginDecode(memCp);
-    const SDPResult parsed = SdpLibParseSdp(&text, line);
+    const SDPResult parsed = parseBody(&text, line);
     const bool hasBody = *line != nullptr;
     endDecode(hasBody);
     if (!hasBody) {

@@ -9,7 +9,7 @@
 #include <cstdint>
 
 #include "sdpline/sdpline.h"
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 
 namespace sdpline {
 

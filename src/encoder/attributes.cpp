@@ -1,7 +1,7 @@
 // How a= lines are written.
 //
 // An attribute that cannot be written never stops a body: its line ends early, the log says why.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

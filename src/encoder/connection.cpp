@@ -2,7 +2,7 @@
 //
 // A code that has no text ends the line there. A refused append does so too, but the TTL is then
 // still tried: the two differ in what they leave in the buffer.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

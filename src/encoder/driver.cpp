@@ -1,5 +1,5 @@
 // The encoder's driver: a whole body line by line, or one line alone.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 #include <iterator>
 

@@ -1,5 +1,5 @@
 // How the media descriptions are written: m= and the lines that belong to it.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

@@ -1,5 +1,5 @@
 // How the values of the T.38 flags, a=silenceSupp, a=ecan and a=ipbcp are written.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

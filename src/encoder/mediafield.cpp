@@ -1,5 +1,5 @@
 // How an m= line is written.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

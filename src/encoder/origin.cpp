@@ -1,5 +1,5 @@
 // How an o= line is written.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

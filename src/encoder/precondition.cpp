@@ -1,6 +1,6 @@
 // How a=curr, a=des and a=conf are written (RFC 3312 section 4). Their words report as part of the
 // encoder's driver.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

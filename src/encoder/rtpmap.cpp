@@ -1,5 +1,5 @@
 // How the value of a=rtpmap is written.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 #include "tables/profiles.hpp"
 
 namespace sdpline {

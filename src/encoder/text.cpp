@@ -1,5 +1,5 @@
 // The lines that hold nothing but a number or a text: v=, s=, i=, u=, e=, p=, b=, z=, k=.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

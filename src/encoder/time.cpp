@@ -1,5 +1,5 @@
 // How a t= line and its r= lines are written.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 namespace sdpline {
 

@@ -1,5 +1,5 @@
 // The exported names of the encoder.
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 
 using namespace sdpline;
 

@@ -1,20 +1,9 @@
-// The lexer's exported operations.
-#include <cstring>
-
-#include "checks/checks.hpp"
-#include "lexer/lexer.hpp"
+// The exported names of the lexer.
+#include "lexer/operations.hpp"
 #include "parser/parser.hpp"
 
 using namespace sdpline;
 using lexer::state;
-
-namespace {
-
-bool isContext(uint32_t context) {
-    return context >= SDP_LEXCTX_SDP && context <= SDP_LEXCTX_IPV6;
-}
-
-} // namespace
 
 extern "C" {
 
@@ -28,47 +17,23 @@ void setLexerContext(uint32_t enContext) {
 }
 
 uint32_t nextToken() {
-    state.last = state.inputGone ? uint8_t{'\0'} : state.input[state.start + state.index];
-    return lexer::kBytes.kind[state.last];
+    return lexer::classifyNext();
 }
 
 void mark() {
-    if (state.index != 0) {
-        state.end = state.start + state.index - 1;
-        state.index = 0;
-    } else {
-        state.start = state.end == 0 ? 0 : state.end + 1; // an end at offset 0 counts as none
-    }
+    lexer::mark();
 }
 
 void consume() {
-    if (isContext(state.context)) {
-        StateLexer lexer = lexer::load();
-        lexer.advance(state.context);
-        lexer::store(lexer, lexer.special);
-    } else if (state.ended != 1) {
-        mark(); // without a context nothing is cut
-        state.ended = nextToken() == SDP_TOK_EOF ? 1 : state.ended;
-    }
+    lexer::consume();
 }
 
 uint32_t startTracking() {
-    if (state.context == SDP_LEXCTX_NONE) {
-        state.context = SDP_LEXCTX_SDP;
-    }
-    if (state.input == nullptr) {
-        return fail(Check::LexerInput);
-    }
-    consume();
-    return state.kind;
+    return lexer::startTracking();
 }
 
 uint32_t sdp_match(uint32_t enKind) {
-    if (state.kind != enKind) {
-        return 0;
-    }
-    consume();
-    return 1;
+    return lexer::match(enKind) ? 1 : 0;
 }
 
 uint32_t LA() {
@@ -76,25 +41,11 @@ uint32_t LA() {
 }
 
 const char *LT() {
-    // A token that ends before it starts is empty.
-    const uint32_t size = state.end < state.start ? 0 : state.end - state.start + 1;
-    if (size >= kTextSize) {
-        return nullptr;
-    }
-    lexer::publishText();
-    if (state.inputGone) {
-        lexer::takeText(reinterpret_cast<const uint8_t *>(""), 0);
-    } else {
-        lexer::takeText(state.input + state.start, size);
-    }
-    return state.text;
+    return lexer::currentText();
 }
 
 uint32_t clearSdpLexer() {
-    state.index = 0;
-    state.end = 0;
-    state.start = 0;
-    state.ended = 0;
+    lexer::clear();
     return 1;
 }
 
@@ -160,12 +111,7 @@ char *sdpGetThrowAwayBuffer() {
 }
 
 void sdpSetThrowAwayBuffer(const uint8_t *pucBytes, int32_t iCount) {
-    if (iCount <= 0) {
-        return;
-    }
-    lexer::publishText();
-    const auto count = static_cast<uint32_t>(iCount);
-    std::memcpy(state.text, pucBytes, count < kTextSize ? count : kTextSize);
+    lexer::overwriteText(pucBytes, iCount);
 }
 
 char *sdpGetRtpmapVar() {

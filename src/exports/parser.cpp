@@ -1,7 +1,7 @@
 // The parser's exported names: each runs a production on the process-wide lexer, or is a forward.
 #include "parser/attributes.hpp"
-#include "parser/body.hpp"
 #include "parser/connection.hpp"
+#include "parser/driver.hpp"
 #include "parser/media.hpp"
 #include "parser/normalform.hpp"
 #include "parser/time.hpp"

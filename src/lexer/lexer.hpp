@@ -17,7 +17,7 @@
 #include "lexer/bytes.hpp"
 #include "lexer/scan.hpp"
 #include "sdpline/sdpinternals.h"
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 #include "text/scan.hpp"
 
 namespace sdpline {

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "lexer/bytes.hpp"
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 
 #ifdef __SSE2__
 #include <emmintrin.h>

@@ -69,8 +69,8 @@ bool parseIpv6(Parser auto &p, SDPConnection &connection) {
         return p.refuse(Check::ConnIpv6Text);
     }
     connection.stTptAddr.enTptAddrType = SDP_TPTADDR_IPV6;
-    const SDPResult result = SdpLoadIpV6StringToArray(
-        text.data(), static_cast<uint32_t>(text.size()), connection.stTptAddr.unTptAddr.aucIpv6);
+    const SDPResult result = loadIpv6Text(text.data(), static_cast<uint32_t>(text.size()),
+                                          connection.stTptAddr.unTptAddr.aucIpv6);
     if (result != 0) {
         return p.accept(logAndForward(Check::ConnIpv6Refused, result));
     }

@@ -1,10 +1,11 @@
 // The driver: parses one body from text to records. It copies the text in its normal form, makes a
 // parser over the copy, and walks a table of line kinds that says which line may follow which.
-#include "parser/body.hpp"
+#include "parser/driver.hpp"
 
 #include <array>
 #include <initializer_list>
 
+#include "lexer/operations.hpp"
 #include "parser/normalform.hpp"
 
 namespace sdpline {
@@ -178,7 +179,7 @@ bool parseLines(Parser auto &parser, SdpLine &line) {
 }
 
 SDPResult parseFromState(SdpLine &line) {
-    startTracking();
+    lexer::startTracking();
     return withGlobalLexer([&](StateParser &parser) { return parseLines(parser, line); });
 }
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 
 namespace sdpline {
 

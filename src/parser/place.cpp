@@ -1,5 +1,5 @@
 // The place where a body was refused, as line, column and offset of the caller's text.
-#include "parser/body.hpp"
+#include "parser/driver.hpp"
 #include "parser/normalform.hpp"
 
 namespace sdpline {

@@ -7,7 +7,7 @@
 
 #include "sdpline/sdpline.h"
 #include "services/builtin.hpp"
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 #include "sipcore/block.hpp"
 #include "sipcore/fill.hpp"
 #include "text/bytes.hpp"

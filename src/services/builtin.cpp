@@ -1,7 +1,7 @@
 // Comparing the core services with those of libsipcore, once, when the library is loaded.
 #include "services/builtin.hpp"
 
-#include "sipcore/builtin.hpp"
+#include "sipcore/functions.hpp"
 
 extern "C" {
 [[gnu::weak]] extern const SipCoreBuiltin SIPCORE_BUILTIN; // null without libsipcore

@@ -1,5 +1,5 @@
 // A memory block's record, and how an allocation is cut from it. libsdpline includes this too, and
-// cuts the allocations of a body itself where their block is libsipcore's (builtin.hpp).
+// cuts the allocations of a body itself where their block is libsipcore's (functions.hpp).
 //
 // One heap allocation holds the block's record and its first chunk; every further chunk is one
 // more. Memory is cut off the current span, which lies in one of the chunks:
@@ -168,5 +168,8 @@ inline Allocation *allocationOf(void *memory) {
 void *blockAlloc(SDPMemCp *memCp, uint32_t size);
 void *blockTake(SDPMemCp *memCp, uint32_t size);
 uint32_t blockFree(void *memory);
+
+// Memory of any control whose content is undefined: libsipcore's are not asked to zero it.
+void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
 
 } // namespace sipcore

@@ -3,8 +3,8 @@
 // A copy starts from an all-zero target, links every new allocation into it before filling that
 // allocation, and so can be undone at any point by clearing the target. Values are packed to 4
 // bytes: pointers inside them may be misaligned and are moved as bytes.
-#include "sipcore/builtin.hpp"
-#include "sipcore/heap.hpp"
+#include "sipcore/block.hpp"
+#include "sipcore/functions.hpp"
 
 #include "sdpline/sipcore.h"
 

@@ -5,7 +5,6 @@
 
 #include "sdpline/sipcore.h"
 #include "sipcore/asan.hpp"
-#include "sipcore/block.hpp"
 #include "sipcore/fill.hpp"
 
 #include <pthread.h>
@@ -199,6 +198,10 @@ struct alignas(std::max_align_t) SystemHeader {
 constexpr uint32_t kSystemLive = 0x51A11Cu;
 constexpr uint32_t kSystemFreed = 0xF4EEDu;
 
+constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
+
+} // namespace
+
 void *systemTake(uint32_t size, Content content) {
     if (size > kLargestRequest) {
         return nullptr;
@@ -212,10 +215,6 @@ void *systemTake(uint32_t size, Content content) {
     header->state = kSystemLive;
     return header + 1;
 }
-
-constinit SDPMemCp systemMemCp{nullptr, systemAlloc, systemFree};
-
-} // namespace
 
 void *systemAlloc(SDPMemCp *, uint32_t size) {
     return systemTake(size, Content::Zeroed);
@@ -234,13 +233,6 @@ uint32_t systemFree(void *memory) {
 
 bool isSystem(const SDPMemCp *memCp) {
     return memCp->pfnAlloc == systemAlloc && memCp->pfnFree == systemFree;
-}
-
-void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
-    if (memCp->pfnAlloc == blockAlloc && memCp->pfnFree == blockFree) {
-        return blockTake(memCp, size);
-    }
-    return isSystem(memCp) ? systemTake(size, Content::Any) : memCp->pfnAlloc(memCp, size);
 }
 
 const uint32_t kLargestKept = kLargestCached - sizeof(SystemHeader);

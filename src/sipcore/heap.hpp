@@ -32,10 +32,6 @@ constexpr std::size_t heapSize(std::size_t bytes) {
 void *heapTake(std::size_t bytes, Use use, Content content);
 void heapGive(void *memory, std::size_t bytes, Use use);
 
-// An allocation of a memory control that the caller fills: of the system's, one that is not zeroed
-// before.
-void *takeUnfilled(SDPMemCp *memCp, uint32_t size);
-
 bool isSystem(const SDPMemCp *memCp);
 
 // What the system's control may be asked for without taking more from the heap than for `size`; and
@@ -43,7 +39,8 @@ bool isSystem(const SDPMemCp *memCp);
 uint32_t wholeSystemSize(uint32_t size);
 extern const uint32_t kLargestKept;
 
-// pfnAlloc and pfnFree of the system's memory control.
+// An allocation of the system's memory control, and its pfnAlloc and pfnFree.
+void *systemTake(uint32_t size, Content content);
 void *systemAlloc(SDPMemCp *memCp, uint32_t size);
 uint32_t systemFree(void *memory);
 

@@ -225,6 +225,13 @@ uint32_t blockFree(void *memory) {
     return SIP_OK;
 }
 
+void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
+    if (memCp->pfnAlloc == blockAlloc && memCp->pfnFree == blockFree) {
+        return blockTake(memCp, size);
+    }
+    return isSystem(memCp) ? systemTake(size, Content::Any) : memCp->pfnAlloc(memCp, size);
+}
+
 } // namespace sipcore
 
 uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp **ppstMemCp) {

@@ -1,6 +1,6 @@
 // Bounds-checked memory and the reports of its failures.
-#include "sipcore/builtin.hpp"
 #include "sipcore/fill.hpp"
+#include "sipcore/functions.hpp"
 #include "sipcore/heap.hpp"
 
 #include "sdpline/sipcore.h"

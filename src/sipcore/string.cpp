@@ -1,6 +1,6 @@
 // Counted strings and reference strings.
-#include "sipcore/builtin.hpp"
-#include "sipcore/heap.hpp"
+#include "sipcore/block.hpp"
+#include "sipcore/functions.hpp"
 #include "sipcore/refstring.hpp"
 
 #include "sdpline/sipcore.h"

@@ -4,7 +4,7 @@
 #include "sipcore/stringbuffer.hpp"
 
 #include "sipcore/block.hpp"
-#include "sipcore/builtin.hpp"
+#include "sipcore/functions.hpp"
 #include "sipcore/heap.hpp"
 #include "sipcore/refstring.hpp"
 

@@ -1,5 +1,5 @@
 // A string buffer's record, and how bytes are put after its text. libsdpline includes this too,
-// and writes into the buffer itself where no service was replaced (builtin.hpp).
+// and writes into the buffer itself where no service was replaced (functions.hpp).
 #pragma once
 
 #include "sdpline/sipcore.h"

@@ -2,7 +2,7 @@
 #include "tables/attributes.hpp"
 
 #include "sdpline/sdpline.h"
-#include "tables/perfecthash.hpp"
+#include "text/perfecthash.hpp"
 
 extern "C" {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "sdpline/cpp/detail/keywords.hpp"
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 
 namespace sdpline {
 

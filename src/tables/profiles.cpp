@@ -2,7 +2,7 @@
 #include "tables/profiles.hpp"
 
 #include "sdpline/sdpline.h"
-#include "tables/perfecthash.hpp"
+#include "text/perfecthash.hpp"
 
 // Name and clock rate in Hz, 0 where the encoding has no fixed one. The first 17 follow the static
 // payload types 0 and 3 to 18; a profile number is a row plus 1.

@@ -12,7 +12,7 @@
 #include <cstring>
 
 #include "tables/attributes.hpp"
-#include "tables/perfecthash.hpp"
+#include "text/perfecthash.hpp"
 
 namespace sdpline {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "services/inline.hpp"
+#include "text/inline.hpp"
 
 namespace sdpline {
 

@@ -1,12 +1,13 @@
-// IPv6 address text to sixteen bytes, in two steps: a pattern of token classes, then the shapes
-// in it. Lenient by design: groups are not counted, and the pattern decides.
+// IPv6 address text to sixteen bytes, in two steps: the text is cut into a pattern of token
+// classes, and the shapes in the pattern are converted. Lenient by design: groups are not counted.
 //
 //   2001:db8::1        T H T H H T
 //   ::ffff:192.0.2.1   H H T H T D T D T D T
+#include "text/ipv6.hpp"
+
 #include <algorithm>
 #include <cstring>
 
-#include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
 #include "text/scan.hpp"
 
@@ -17,10 +18,10 @@ namespace {
 constexpr uint32_t kMaxLetters = SDP_IPV6_PATTERN - 1;
 constexpr uint32_t kMaxColons = 8;
 constexpr uint32_t kAddressSize = 16;
-constexpr size_t kSlot = 4; // bytes of a token's text; a fifth, its NUL, is in the next slot
+constexpr size_t kSlot = 4; // bytes of a token's text; the NUL after four is in the next slot
 constexpr size_t kSlots = kSlot * SDP_IPV6_TOKENS;
 
-// Letters and token texts as they come. One step may write a letter more than the pattern keeps.
+// Letters and token texts in text order. One step may write one letter more than a pattern keeps.
 struct Tokens {
     char slots[kSlots];
     char letters[SDP_IPV6_PATTERN + 1];
@@ -37,10 +38,10 @@ struct Cursor {
     uint32_t at;
 
     bool more() const { return at < length && text[at] != '\0'; }
-    bool atGroup() const { return more() && SdpIsalnum(text[at]) == 1; }
+    bool atGroup() const { return more() && isAlnum(text[at]); }
 };
 
-// group = 1*4 alphanumeric; a fifth one is dropped, and false returned.
+// group = 1*4 alphanumeric. A fifth one is dropped, and false is returned.
 bool takeGroup(Cursor &cursor, Tokens &tokens) {
     char *const slot = tokens.slots + kSlot * tokens.count;
     uint32_t size = 0;
@@ -56,7 +57,7 @@ bool takeGroup(Cursor &cursor, Tokens &tokens) {
     return true;
 }
 
-// Colons and dots become letters, other bytes nothing. False at a ninth colon.
+// A colon or a dot adds its letter; any other byte is skipped. False at a ninth colon.
 bool takeMark(Cursor &cursor, Tokens &tokens) {
     if (!cursor.more()) {
         return true;
@@ -72,21 +73,21 @@ bool takeMark(Cursor &cursor, Tokens &tokens) {
     return true;
 }
 
-// The pattern as the loader walks it.
+// The pattern of an address.
 struct Pattern {
     char slots[kSlots];
     char letters[SDP_IPV6_PATTERN];
     uint32_t count;
 
-    bool has(uint32_t at, const char *shape, uint32_t size) const {
-        return at < count && SdpStrNCmpCharPtr(letters + at, count - at, shape, size) == 1;
+    bool has(uint32_t at, std::string_view shape) const {
+        return at < count && startsWith({letters + at, count - at}, shape);
     }
-    bool hasGroup(uint32_t at) const { return has(at, "TH", 2); }
-    bool hasDotted(uint32_t at) const { return has(at, "TDTDTDT", 7); }
-    bool hasFinal(uint32_t at) const { return has(at, "T", 1); }
+    bool hasGroup(uint32_t at) const { return has(at, "TH"); }
+    bool hasDotted(uint32_t at) const { return has(at, "TDTDTDT"); }
+    bool hasFinal(uint32_t at) const { return has(at, "T"); }
 };
 
-// Bytes in the order they are converted; those after the sixteenth are lost.
+// The converted bytes in text order; those after the sixteenth are dropped.
 struct Bytes {
     uint8_t data[kAddressSize];
     uint32_t count;
@@ -99,17 +100,15 @@ struct Bytes {
 };
 
 void addGroup(const Pattern &pattern, uint32_t at, Bytes &bytes) {
-    uint16_t value = 0;
-    SdpConvHexStrToDec(pattern.slots + kSlot * at, &value);
+    const uint32_t value = hexNumber(pattern.slots + kSlot * at);
     bytes.add(value >> 8);
     bytes.add(value & 0xFFu);
 }
 
-// Four octets; false when one is no number up to 255.
+// Four octets. False when one is not a number up to 255.
 bool addDotted(const Pattern &pattern, uint32_t at, Bytes &bytes) {
     for (uint32_t octet = 0; octet < 4; ++octet) {
-        uint16_t value = 0;
-        SdpConvDecStrToDec(pattern.slots + kSlot * (at + 2 * octet), &value);
+        const uint32_t value = shortNumber(pattern.slots + kSlot * (at + 2 * octet));
         if (value > 255) {
             return false;
         }
@@ -118,31 +117,31 @@ bool addDotted(const Pattern &pattern, uint32_t at, Bytes &bytes) {
     return true;
 }
 
-// What is before any "::".
-SDPResult loadHead(const Pattern &pattern, Bytes &head, uint32_t &at, bool &dotted) {
+// The part before any "::", or the whole address.
+Ipv6Fault loadHead(const Pattern &pattern, Bytes &head, uint32_t &at, bool &dotted) {
     for (;;) {
         if (pattern.hasGroup(at)) {
             addGroup(pattern, at, head);
             at += 2;
         } else if (pattern.hasDotted(at)) {
             if (!addDotted(pattern, at, head)) {
-                return fail(Check::Ipv6HeadOctet);
+                return Ipv6Fault::HeadOctet;
             }
             dotted = true;
             at += 7;
         } else {
-            return 0;
+            return Ipv6Fault::None;
         }
     }
 }
 
-// The tail ends at the sixteenth byte and wins where it overlaps the head.
+// The tail ends at the sixteenth byte, and overwrites the head where they overlap.
 void placeTail(const Bytes &tail, Bytes &address) {
     std::copy_n(tail.data, tail.count, address.data + (kAddressSize - tail.count));
 }
 
-// What follows "::". A tail that ends in neither a dotted part nor a final group is lost.
-SDPResult loadTail(const Pattern &pattern, uint32_t at, Bytes &address) {
+// The part after "::". A tail that ends in neither a dotted part nor a final group is dropped.
+Ipv6Fault loadTail(const Pattern &pattern, uint32_t at, Bytes &address) {
     Bytes tail = {};
     bool dotted = false;
     while (at + 3 <= pattern.count) {
@@ -151,7 +150,7 @@ SDPResult loadTail(const Pattern &pattern, uint32_t at, Bytes &address) {
             at += 2;
         } else if (pattern.hasDotted(at)) {
             if (!addDotted(pattern, at, tail)) {
-                return fail(Check::Ipv6TailOctet);
+                return Ipv6Fault::TailOctet;
             }
             dotted = true;
             placeTail(tail, address);
@@ -164,81 +163,66 @@ SDPResult loadTail(const Pattern &pattern, uint32_t at, Bytes &address) {
         addGroup(pattern, at, tail);
         placeTail(tail, address);
     }
-    return 0;
+    return Ipv6Fault::None;
 }
 
-SDPResult loadAddress(const Pattern &pattern, Bytes &address) {
+Ipv6Fault loadPattern(const Pattern &pattern, Bytes &address) {
     uint32_t at = 0;
     bool dotted = false;
-    if (const SDPResult result = loadHead(pattern, address, at, dotted)) {
-        return result;
+    if (const Ipv6Fault fault = loadHead(pattern, address, at, dotted); fault != Ipv6Fault::None) {
+        return fault;
     }
-    const char *const gap = SdpSmStrstr(pattern.letters, pattern.count, "HH", 2);
+    const char *const gap = findText({pattern.letters, pattern.count}, "HH");
     if (gap != nullptr) {
         return loadTail(pattern, static_cast<uint32_t>(gap - pattern.letters) + 2, address);
     }
     if (!dotted && pattern.hasFinal(at)) {
         addGroup(pattern, at, address);
     }
-    return 0;
+    return Ipv6Fault::None;
 }
 
 } // namespace
 
-} // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-SDPResult SdpTokanizeIPv6Str(const char *pcText, uint32_t ulLen, char (*pacTokens)[4],
-                             char *pcPattern, uint32_t ulCapacity, uint32_t *pulPatternLen) {
-    if (pcText == nullptr || ulLen == 0 || pacTokens == nullptr || pcPattern == nullptr ||
-        pulPatternLen == nullptr) {
-        return fail(Check::Ipv6TokensArgument, ulLen);
-    }
-    const uint32_t space = ulCapacity == 0 ? 0 : ulCapacity - 1;
+bool cutIpv6(const char *text, uint32_t length, char (*tokens)[4], char *pattern, uint32_t capacity,
+             uint32_t &count) {
+    const uint32_t space = capacity == 0 ? 0 : capacity - 1;
     const uint32_t limit = std::min(space, kMaxLetters);
-    Tokens tokens = {};
-    Cursor cursor = {pcText, ulLen, 0};
-    while (cursor.more() && tokens.count < limit) {
-        if (cursor.atGroup() && !takeGroup(cursor, tokens)) {
+    Tokens cut = {};
+    Cursor cursor = {text, length, 0};
+    while (cursor.more() && cut.count < limit) {
+        if (cursor.atGroup() && !takeGroup(cursor, cut)) {
             continue;
         }
-        if (!takeMark(cursor, tokens)) {
-            return fail(Check::Ipv6Colons);
+        if (!takeMark(cursor, cut)) {
+            return false;
         }
     }
-    const uint32_t count = std::min(tokens.count, limit);
-    *pulPatternLen = count;
-    if (ulCapacity != 0) {
-        std::memcpy(pcPattern, tokens.letters, count);
-        pcPattern[count] = '\0';
+    count = std::min(cut.count, limit);
+    if (capacity != 0) {
+        std::memcpy(pattern, cut.letters, count);
+        pattern[count] = '\0';
     }
-    if (memcpy_s(pacTokens, sizeof tokens.slots, tokens.slots, sizeof tokens.slots) != 0) {
+    if (memcpy_s(tokens, sizeof cut.slots, cut.slots, sizeof cut.slots) != 0) {
         SIPAbnormalSecureFunc("SdpTokanizeIPv6Str", __LINE__);
     }
-    return 0;
+    return true;
 }
 
-SDPResult SdpLoadIpV6StringToArray(const char *pcText, uint32_t ulLen, uint8_t *pucAddress) {
-    if (pcText == nullptr || ulLen == 0 || pucAddress == nullptr) {
-        return fail(Check::Ipv6Argument, ulLen);
-    }
+Ipv6Fault loadIpv6(const char *text, uint32_t length, uint8_t *address) {
     Pattern pattern = {};
-    if (const SDPResult result =
-            SdpTokanizeIPv6Str(pcText, ulLen, reinterpret_cast<char(*)[kSlot]>(pattern.slots),
-                               pattern.letters, SDP_IPV6_PATTERN, &pattern.count)) {
-        return logAndForward(Check::Ipv6Tokens, result);
+    if (!cutIpv6(text, length, reinterpret_cast<char(*)[kSlot]>(pattern.slots), pattern.letters,
+                 SDP_IPV6_PATTERN, pattern.count)) {
+        return Ipv6Fault::Colons;
     }
-    Bytes address = {};
-    if (const SDPResult result = loadAddress(pattern, address)) {
-        return result;
+    Bytes bytes = {};
+    if (const Ipv6Fault fault = loadPattern(pattern, bytes); fault != Ipv6Fault::None) {
+        return fault;
     }
-    if (memcpy_s(pucAddress, kAddressSize, address.data, kAddressSize) != 0) {
+    if (memcpy_s(address, kAddressSize, bytes.data, kAddressSize) != 0) {
         SIPAbnormalSecureFunc("SdpLoadIpV6StringToArray", __LINE__);
     }
-    return 0;
+    return Ipv6Fault::None;
 }
 
-} // extern "C"
+} // namespace sdpline

@@ -1,10 +1,7 @@
-// Comparison and number scanning. None of these allocates; all stop at the end of the text.
+// Comparison and scanning of texts.
 #include "text/scan.hpp"
 
-#include <cstring>
-
-#include "checks/checks.hpp"
-#include "sdpline/sdpinternals.h"
+#include "sdpline/sipcore.h"
 
 namespace sdpline {
 
@@ -14,7 +11,7 @@ constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
-// Value of a hexadecimal digit, 16 for any other byte.
+// The value of a hexadecimal digit; 16 for any other byte.
 constexpr uint32_t hexDigit(char byte) {
     if (byte >= '0' && byte <= '9') {
         return static_cast<uint32_t>(byte - '0');
@@ -23,7 +20,6 @@ constexpr uint32_t hexDigit(char byte) {
     return letter >= 'a' && letter <= 'f' ? static_cast<uint32_t>(letter - 'a') + 10 : 16;
 }
 
-constexpr uint32_t kNoDigits = 0xFFFFFFFF;
 constexpr uint16_t kNotDecimal = 0xFFFF;
 
 } // namespace
@@ -40,89 +36,54 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return true;
 }
 
-} // namespace sdpline
-
-using namespace sdpline;
-
-extern "C" {
-
-uint32_t SdpLibChkExactString(const char *pcFirst, const char *pcSecond) {
-    if (pcFirst == nullptr || pcSecond == nullptr) {
-        return logAndForward(Check::CompareArgument, 0);
-    }
-    return std::strcmp(pcFirst, pcSecond) == 0 ? 1 : 0;
-}
-
-uint32_t SdpiCmpExactString(const char *pcFirst, const char *pcSecond) {
-    return equalIgnoringCase(pcFirst, pcSecond) ? 1 : 0;
-}
-
-uint32_t SdpLibScanDigits(const char *pcData, uint32_t *pulValue) {
-    if (pcData == nullptr || pulValue == nullptr) {
-        return logAndForward(Check::ScanArgument, kNoDigits);
-    }
+uint32_t countDigits(const char *text) {
     uint32_t count = 0;
-    while (isDigit(static_cast<uint8_t>(pcData[count]))) {
+    while (isDigit(static_cast<uint8_t>(text[count]))) {
         ++count;
     }
-    *pulValue = scanNumber({pcData, count});
     return count;
 }
 
-uint32_t SdpStrNCmpCharPtr(const char *pcText, uint32_t ulLen, const char *pcOther,
-                           uint32_t ulCount) {
-    const SipString first = {ulLen, const_cast<char *>(pcText)};
-    const SipString second = {ulCount, const_cast<char *>(pcOther)};
-    return SipSmStringNCmp(&first, &second, ulCount);
-}
-
-uint32_t SdpIsalnum(int32_t iByte) {
-    const int32_t upper = iByte & ~0x20;
-    return (upper >= 'A' && upper <= 'Z') || SdpIsdigit(iByte) == 1 ? 1 : 0;
-}
-
-uint32_t SdpIsdigit(int32_t iByte) {
-    return iByte >= '0' && iByte <= '9' ? 1 : 0;
-}
-
-void SdpConvHexStrToDec(const char *pcText, uint16_t *pusValue) {
+uint16_t hexNumber(const char *text) {
     uint32_t value = 0;
     for (uint32_t i = 0; i < 4; ++i) {
-        const uint32_t digit = hexDigit(pcText[i]);
+        const uint32_t digit = hexDigit(text[i]);
         if (digit == 16) {
             break;
         }
-        value = (value & 0xFFF) * 16 + digit;
+        value = value * 16 + digit;
     }
-    *pusValue = static_cast<uint16_t>(value);
+    return static_cast<uint16_t>(value);
 }
 
-void SdpConvDecStrToDec(const char *pcText, uint16_t *pusValue) {
+uint16_t shortNumber(const char *text) {
     uint32_t value = 0;
-    for (uint32_t i = 0; i < 3 && SdpIsalnum(pcText[i]) == 1; ++i) {
-        if (SdpIsdigit(pcText[i]) == 0) {
-            *pusValue = kNotDecimal;
-            return;
+    for (uint32_t i = 0; i < 3 && isAlnum(text[i]); ++i) {
+        if (!isDigit(static_cast<uint8_t>(text[i]))) {
+            return kNotDecimal;
         }
-        value = value * 10 + static_cast<uint32_t>(pcText[i] - '0');
+        value = value * 10 + static_cast<uint32_t>(text[i] - '0');
     }
-    *pusValue = static_cast<uint16_t>(value);
+    return static_cast<uint16_t>(value);
 }
 
-const char *SdpSmStrstr(const char *pcHay, uint32_t ulHayLen, const char *pcNeedle,
-                        uint32_t ulNeedleLen) {
-    if (ulNeedleLen == 0) {
-        return pcHay;
+bool startsWith(std::string_view text, std::string_view start) {
+    const auto size = static_cast<uint32_t>(start.size());
+    const SipString first = {static_cast<uint32_t>(text.size()), const_cast<char *>(text.data())};
+    const SipString second = {size, const_cast<char *>(start.data())};
+    return SipSmStringNCmp(&first, &second, size) == 1;
+}
+
+const char *findText(std::string_view text, std::string_view wanted) {
+    if (wanted.empty()) {
+        return text.data();
     }
-    if (ulHayLen < ulNeedleLen) {
-        return nullptr;
-    }
-    for (uint32_t at = 0; at <= ulHayLen - ulNeedleLen; ++at) {
-        if (SS_MemCmp(pcHay + at, pcNeedle, ulNeedleLen) == 0) {
-            return pcHay + at;
+    for (size_t at = 0; at + wanted.size() <= text.size(); ++at) {
+        if (SS_MemCmp(text.data() + at, wanted.data(), static_cast<uint32_t>(wanted.size())) == 0) {
+            return text.data() + at;
         }
     }
     return nullptr;
 }
 
-} // extern "C"
+} // namespace sdpline

@@ -3,7 +3,7 @@
 #include <array>
 #include <iterator>
 
-#include "tables/perfecthash.hpp"
+#include "text/perfecthash.hpp"
 
 namespace sdpline::tidy {
 

@@ -3,14 +3,14 @@
 #include "sdpline/sdpline.hpp"
 
 #include "checks/checks.hpp"
-#include "encoder/encoder.hpp"
+#include "encoder/writers.hpp"
 #include "lexer/lexer.hpp"
 #include "parser/parser.hpp"
 #include "services/allocation.hpp"
 #include "tables/attributes.hpp"
 #include "tables/keywords.hpp"
-#include "tables/perfecthash.hpp"
 #include "tables/profiles.hpp"
+#include "text/perfecthash.hpp"
 #include "text/scan.hpp"
 
 #include <type_traits>

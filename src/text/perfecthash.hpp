@@ -9,8 +9,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "services/inline.hpp"
 #include "text/bytes.hpp"
+#include "text/inline.hpp"
 
 namespace sdpline {
 
