@@ -62,28 +62,34 @@ const bench::Body *bodyOf(std::string_view name) {
     return name == bench::shortestOffer().name ? &bench::shortestOffer() : nullptr;
 }
 
-bool run(std::string_view operation, const bench::Body &body, long count) {
-    if (operation == "decode") {
-        return repeated(count, [&] { return onTexts(body, bench::decodeAndRelease); });
-    }
-    if (operation == "answer") {
-        return repeated(count, [&] { return onTexts(body, bench::answerByCpp); });
-    }
-    if (operation == "answer-c") {
-        return repeated(count, [&] { return onTexts(body, bench::answerByC); });
-    }
+bool runOnTexts(const bench::Body &body, long count, bool (*operation)(const std::string &)) {
+    return repeated(count, [&] { return onTexts(body, operation); });
+}
+
+bool runTidy(std::string_view operation, const bench::Body &body, long count) {
     if (operation == "tidy") {
-        return repeated(count, [&] { return onTexts(body, bench::tidyAndRelease); });
+        return runOnTexts(body, count, bench::tidyAndRelease);
+    }
+    if (operation == "repaired") {
+        return runOnTexts(bench::withoutFaults(body), count, bench::decodeAndRelease);
     }
     for (const auto &[name, fault] : bench::kFaults) {
         if (operation == name) {
-            const bench::Body untidy = bench::untidy(body, fault);
-            return repeated(count, [&] { return onTexts(untidy, bench::tidyAndRelease); });
+            return runOnTexts(bench::untidy(body, fault), count, bench::tidyAndRelease);
         }
     }
-    if (operation == "repaired") {
-        const bench::Body whole = bench::withoutFaults(body);
-        return repeated(count, [&] { return onTexts(whole, bench::decodeAndRelease); });
+    return false;
+}
+
+bool run(std::string_view operation, const bench::Body &body, long count) {
+    if (operation == "decode") {
+        return runOnTexts(body, count, bench::decodeAndRelease);
+    }
+    if (operation == "answer") {
+        return runOnTexts(body, count, bench::answerByCpp);
+    }
+    if (operation == "answer-c") {
+        return runOnTexts(body, count, bench::answerByC);
     }
     if (operation == "negotiate") {
         return onOffers(body, count, bench::negotiate);
@@ -107,7 +113,7 @@ bool run(std::string_view operation, const bench::Body &body, long count) {
             return bench::serialise(line.record(), buffer);
         });
     }
-    return false;
+    return runTidy(operation, body, count);
 }
 
 } // namespace

@@ -15,11 +15,11 @@ namespace {
 constexpr uint8_t kNoPlace = 255;
 
 Role roleOf(std::string_view name) {
-    struct Row {
+    struct NamedRole {
         std::string_view name;
         Role role;
     };
-    static constexpr Row kRoles[] = {
+    static constexpr NamedRole kRoles[] = {
         {"telephone-event", Role::Event},
         {"red", Role::Red},
         {"rtx", Role::Rtx},
@@ -32,7 +32,7 @@ Role roleOf(std::string_view name) {
     // Most codecs have a name as long as none of these.
     static constexpr uint32_t kLengths = [] {
         uint32_t lengths = 0;
-        for (const Row &row : kRoles) {
+        for (const NamedRole &row : kRoles) {
             lengths |= 1u << row.name.size();
         }
         return lengths;
@@ -40,7 +40,7 @@ Role roleOf(std::string_view name) {
     if (name.size() >= 32 || (kLengths >> name.size() & 1) == 0) {
         return Role::Codec;
     }
-    for (const Row &row : kRoles) {
+    for (const NamedRole &row : kRoles) {
         if (sameWord(row.name, name)) {
             return row.role;
         }

@@ -8,12 +8,12 @@ namespace sdpline::negotiate {
 
 namespace {
 
-constexpr StaticCodec kNone = {{}, 0, 0};
+constexpr StaticCodec kNoCodec = {{}, 0, 0};
 
 constexpr StaticCodec kCodecs[] = {
     /*  0 */ {"PCMU", 8000, 1},
-    /*  1 */ kNone,
-    /*  2 */ kNone,
+    /*  1 */ kNoCodec,
+    /*  2 */ kNoCodec,
     /*  3 */ {"GSM", 8000, 1},
     /*  4 */ {"G723", 8000, 1},
     /*  5 */ {"DVI4", 8000, 1},
@@ -30,18 +30,18 @@ constexpr StaticCodec kCodecs[] = {
     /* 16 */ {"DVI4", 11025, 1},
     /* 17 */ {"DVI4", 22050, 1},
     /* 18 */ {"G729", 8000, 1},
-    /* 19 */ kNone,
-    /* 20 */ kNone,
-    /* 21 */ kNone,
-    /* 22 */ kNone,
-    /* 23 */ kNone,
-    /* 24 */ kNone,
+    /* 19 */ kNoCodec,
+    /* 20 */ kNoCodec,
+    /* 21 */ kNoCodec,
+    /* 22 */ kNoCodec,
+    /* 23 */ kNoCodec,
+    /* 24 */ kNoCodec,
     /* 25 */ {"CelB", 90000, 1},
     /* 26 */ {"JPEG", 90000, 1},
-    /* 27 */ kNone,
+    /* 27 */ kNoCodec,
     /* 28 */ {"nv", 90000, 1},
-    /* 29 */ kNone,
-    /* 30 */ kNone,
+    /* 29 */ kNoCodec,
+    /* 30 */ kNoCodec,
     /* 31 */ {"H261", 90000, 1},
     /* 32 */ {"MPV", 90000, 1},
     /* 33 */ {"MP2T", 90000, 1},
@@ -51,7 +51,7 @@ constexpr StaticCodec kCodecs[] = {
 } // namespace
 
 const StaticCodec &staticCodec(uint32_t number) {
-    return number < std::size(kCodecs) ? kCodecs[number] : kNone;
+    return number < std::size(kCodecs) ? kCodecs[number] : kNoCodec;
 }
 
 } // namespace sdpline::negotiate

@@ -36,7 +36,7 @@ uint32_t strengthOf(uint8_t rank) {
 }
 
 // One segment of one type: a row for both directions.
-struct Row {
+struct Segment {
     SDPPreconditionS type;
     uint32_t status;
     bool hasCurrent;
@@ -65,19 +65,19 @@ bool sameType(const SDPPreconditionS &one, const SDPPreconditionS &two) {
 constexpr uint32_t kMostRows = 12;
 
 struct Table {
-    Row rows[kMostRows];
+    Segment rows[kMostRows];
     uint32_t count = 0;
 
-    Row *find(const SDPPreconditionS &type, uint32_t status) {
-        return std::find_if(rows, rows + count, [&](const Row &row) {
+    Segment *find(const SDPPreconditionS &type, uint32_t status) {
+        return std::find_if(rows, rows + count, [&](const Segment &row) {
             return row.status == status && sameType(row.type, type);
         });
     }
-    bool has(const Row *row) const { return row != rows + count; }
+    bool has(const Segment *row) const { return row != rows + count; }
 
     // That row, or a new one; null where there are too many.
-    Row *make(const SDPPreconditionS &type, uint32_t status) {
-        Row *const row = find(type, status);
+    Segment *make(const SDPPreconditionS &type, uint32_t status) {
+        Segment *const row = find(type, status);
         if (has(row)) {
             return row;
         }
@@ -91,22 +91,22 @@ struct Table {
     }
 
     bool wanted() const {
-        return std::any_of(rows, rows + count, [](const Row &row) { return row.wanted(); });
+        return std::any_of(rows, rows + count, [](const Segment &row) { return row.wanted(); });
     }
     bool knows(const SDPPreconditionS &type) const {
-        return std::any_of(rows, rows + count, [&](const Row &row) {
+        return std::any_of(rows, rows + count, [&](const Segment &row) {
             return row.wanted() && sameType(row.type, type);
         });
     }
     // Whether the type is wanted end to end, or segment by segment.
     bool hasKind(const SDPPreconditionS &type, bool endToEnd) const {
-        return std::any_of(rows, rows + count, [&](const Row &row) {
+        return std::any_of(rows, rows + count, [&](const Segment &row) {
             return (row.status == SDP_STATUS_E2E) == endToEnd && sameType(row.type, type);
         });
     }
 };
 
-void desire(Row &row, uint32_t flows, uint32_t strength) {
+void desire(Segment &row, uint32_t flows, uint32_t strength) {
     const uint8_t rank = rankOf(strength);
     for (const uint32_t way : {0u, 1u}) {
         if ((flows >> way & 1) != 0 || flows == 0) {
@@ -123,7 +123,7 @@ Table tableOf(const SDPMediaDesc &media) {
             continue;
         }
         const SDPRsrcMgmtStatus &line = attribute->unAttrValue.stRsrcMgmtStatus;
-        Row *const row = table.make(line.stPrecondition, line.enStatusType);
+        Segment *const row = table.make(line.stPrecondition, line.enStatusType);
         if (row == nullptr) {
             continue;
         }
@@ -165,8 +165,8 @@ uint32_t otherSegment(uint32_t status) {
 }
 
 // As the other side sees it.
-Row turnedRow(const Row &row) {
-    Row result = row;
+Segment turnedRow(const Segment &row) {
+    Segment result = row;
     result.status = otherSegment(row.status);
     result.current = turned(row.current);
     result.confirmed = 0;
@@ -175,7 +175,7 @@ Row turnedRow(const Row &row) {
 }
 
 // Our own segment is what we say; the peer's is what it says; end to end both add up.
-void addCurrent(Row &row, const Row &ours) {
+void addCurrent(Segment &row, const Segment &ours) {
     if (row.status == SDP_STATUS_E2E) {
         row.current |= ours.current;
     } else if (row.status == SDP_STATUS_LOCAL ? ours.hasCurrent : !row.hasCurrent) {
@@ -185,7 +185,7 @@ void addCurrent(Row &row, const Row &ours) {
 }
 
 // A strength may rise, never fall (RFC 3312 section 5.2).
-void addDesired(Row &row, const Row &ours) {
+void addDesired(Segment &row, const Segment &ours) {
     for (const uint32_t way : {0u, 1u}) {
         row.desired[way] = std::max(row.desired[way], ours.desired[way]);
     }
@@ -194,8 +194,8 @@ void addDesired(Row &row, const Row &ours) {
 // The table of both sides, as we see it; or why the stream is rejected.
 Reason merge(const Table &theirs, Table &ours, Table &merged, std::string_view &type) {
     for (uint32_t i = 0; i < theirs.count; ++i) {
-        const Row row = turnedRow(theirs.rows[i]);
-        const Row *const own = ours.find(row.type, row.status);
+        const Segment row = turnedRow(theirs.rows[i]);
+        const Segment *const own = ours.find(row.type, row.status);
         if (!ours.knows(row.type)) {
             if (row.mandatory() != 0) {
                 type = typeWord(row.type);
@@ -207,7 +207,7 @@ Reason merge(const Table &theirs, Table &ours, Table &merged, std::string_view &
             type = typeWord(row.type);
             return Reason::PreconditionFailed;
         }
-        Row &target = *merged.make(row.type, row.status);
+        Segment &target = *merged.make(row.type, row.status);
         target = row;
         if (ours.has(own)) {
             addCurrent(target, *own);
@@ -215,10 +215,10 @@ Reason merge(const Table &theirs, Table &ours, Table &merged, std::string_view &
         }
     }
     for (uint32_t i = 0; i < ours.count; ++i) {
-        const Row &row = ours.rows[i];
+        const Segment &row = ours.rows[i];
         const bool same = merged.hasKind(row.type, row.status == SDP_STATUS_E2E);
         if (same && !merged.has(merged.find(row.type, row.status))) {
-            if (Row *const added = merged.make(row.type, row.status)) {
+            if (Segment *const added = merged.make(row.type, row.status)) {
                 *added = row;
             }
         }
@@ -227,20 +227,20 @@ Reason merge(const Table &theirs, Table &ours, Table &merged, std::string_view &
 }
 
 uint32_t stateOf(const Table &table) {
-    const bool met = std::all_of(table.rows, table.rows + table.count, [](const Row &row) {
+    const bool met = std::all_of(table.rows, table.rows + table.count, [](const Segment &row) {
         return (row.mandatory() & ~row.current) == 0;
     });
     return met ? SDP_NEGOTIATE_PRECONDITIONS_MET : SDP_NEGOTIATE_PRECONDITIONS_UNMET;
 }
 
-SDPAttr lineOf(uint32_t type, const Row &row, uint32_t flows, uint8_t rank = kMandatory) {
+SDPAttr lineOf(uint32_t type, const Segment &row, uint32_t flows, uint8_t rank = kMandatory) {
     SDPAttr attribute = {};
     attribute.ulAttrType = type;
     attribute.unAttrValue.stRsrcMgmtStatus = {row.type, row.status, strengthOf(rank), flows};
     return attribute;
 }
 
-void addDesiredLines(const Row &row, Growing<SDPAttr> &lines) {
+void addDesiredLines(const Segment &row, Growing<SDPAttr> &lines) {
     const uint8_t send = row.desired[0];
     const uint8_t receive = row.desired[1];
     if (send == receive && send != 0) {
@@ -257,7 +257,7 @@ void addDesiredLines(const Row &row, Growing<SDPAttr> &lines) {
 
 // What the peer is asked to confirm: what our a=conf says, or else what only the peer can know, its
 // segment, or end to end what we receive.
-uint32_t confirmedFlows(const Row &row, bool asked, const Row *ours) {
+uint32_t confirmedFlows(const Segment &row, bool asked, const Segment *ours) {
     if (asked) {
         return ours != nullptr ? ours->confirmed & ~row.current : 0;
     }
@@ -269,7 +269,7 @@ uint32_t confirmedFlows(const Row &row, bool asked, const Row *ours) {
 
 bool asksToConfirm(const Table &table) {
     return std::any_of(table.rows, table.rows + table.count,
-                       [](const Row &row) { return row.confirmed != 0; });
+                       [](const Segment &row) { return row.confirmed != 0; });
 }
 
 // Calls use(row) for each row: end to end first, then our segment, then theirs.
@@ -286,10 +286,11 @@ void eachInOrder(const Table &table, Use use) {
 
 void addLines(const Table &table, Table &ours, Growing<SDPAttr> &lines) {
     const bool asked = asksToConfirm(ours);
-    eachInOrder(table, [&](const Row &row) { lines.add(lineOf(SDP_ATTR_CURR, row, row.current)); });
-    eachInOrder(table, [&](const Row &row) { addDesiredLines(row, lines); });
-    eachInOrder(table, [&](const Row &row) {
-        const Row *const own = ours.find(row.type, row.status);
+    eachInOrder(table,
+                [&](const Segment &row) { lines.add(lineOf(SDP_ATTR_CURR, row, row.current)); });
+    eachInOrder(table, [&](const Segment &row) { addDesiredLines(row, lines); });
+    eachInOrder(table, [&](const Segment &row) {
+        const Segment *const own = ours.find(row.type, row.status);
         const uint32_t flows = confirmedFlows(row, asked, ours.has(own) ? own : nullptr);
         if (flows != 0) {
             lines.add(lineOf(SDP_ATTR_CONF, row, flows));
@@ -352,8 +353,8 @@ void checkPreconditions(const SDPMediaDesc &offered, const SDPMediaDesc &answere
         return;
     }
     for (uint32_t i = 0; i < theirs.count; ++i) {
-        const Row row = turnedRow(theirs.rows[i]);
-        const Row *const own = answer.find(row.type, row.status);
+        const Segment row = turnedRow(theirs.rows[i]);
+        const Segment *const own = answer.find(row.type, row.status);
         if (!answer.knows(row.type) && row.mandatory() == 0) {
             continue; // a type that the answerer does not have
         }
@@ -372,8 +373,8 @@ void carryCurrent(const SDPMediaDesc &previous, const SDPMediaDesc &wanted,
     const Table before = tableOf(previous);
     Table now = tableOf(wanted);
     for (uint32_t i = 0; now.wanted() && i < before.count; ++i) {
-        const Row &row = before.rows[i];
-        const Row *const own = now.find(row.type, row.status);
+        const Segment &row = before.rows[i];
+        const Segment *const own = now.find(row.type, row.status);
         if (row.hasCurrent && now.knows(row.type) && !(now.has(own) && own->hasCurrent) &&
             now.hasKind(row.type, row.status == SDP_STATUS_E2E)) {
             lines.add(lineOf(SDP_ATTR_CURR, row, row.current));

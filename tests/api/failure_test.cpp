@@ -208,7 +208,7 @@ TEST(LastFailure, HoldsTheCodeUnderTheBaseOfThatTime) {
 
 // ---- Codes in words
 
-struct Row {
+struct Described {
     uint32_t code;
     const char *source;
     const char *function;
@@ -216,7 +216,7 @@ struct Row {
     const char *check;
 };
 
-constexpr Row kRows[] = {
+constexpr Described kDescribed[] = {
     {0x04023001, "sdpintf", "SdpLibDecodeSdp", "RESOURCE", "DecodeArgument"},
     {0x040A7001, "sdpintf", "SdpLibExtConfigValidate", "RESOURCE", "ConfigValidate"},
     {0x05000C64, "sdpparser", "startSdpParsing", "NOT_SDP", "StartVersion"},
@@ -236,7 +236,7 @@ SDPResultText describe(SDPResult result) {
 }
 
 TEST(DescribeResult, TellsSourceFunctionClassAndCheck) {
-    for (const Row &row : kRows) {
+    for (const Described &row : kDescribed) {
         const SDPResultText text = describe(row.code);
         EXPECT_STREQ(text.pcSource, row.source);
         EXPECT_STREQ(text.pcFunction, row.function);

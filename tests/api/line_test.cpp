@@ -23,11 +23,11 @@ uint32_t prefixed = 1;
 uint32_t bare = 0;
 
 // A pointer that no operation wrote over.
-SipRefString *const kUntouched = reinterpret_cast<SipRefString *>(&prefixed);
+SipRefString *const kUntouchedLine = reinterpret_cast<SipRefString *>(&prefixed);
 
 // The line's text; "failed" when there is none.
 std::string encoded(uint32_t lineType, const void *record, uint32_t withPrefix = 1) {
-    SipRefString *text = kUntouched;
+    SipRefString *text = kUntouchedLine;
     if (SdpLibEncodeSdpLine(&withPrefix, lineType, const_cast<void *>(record), &text) != 0) {
         return "failed";
     }
@@ -91,19 +91,19 @@ TEST(EncodeSdpLine, AnAttributeThatCannotBeWrittenIsAShortLine) {
 
 TEST(EncodeSdpLine, RefusesOtherArgumentsBeforeAnythingIsAllocated) {
     SDPKey key = {textOf("prompt")};
-    SipRefString *text = kUntouched;
+    SipRefString *text = kUntouchedLine;
     const struct {
         uint32_t *flag;
         uint32_t lineType;
         void *record;
         SipRefString **text;
-    } kRefused[] = {{nullptr, SDP_LINE_KEY, &key, &text},
-                    {&prefixed, SDP_LINE_COUNT, &key, &text},
-                    {&prefixed, 0xFFFFFFFFu, &key, &text},
-                    {&prefixed, SDP_LINE_KEY, nullptr, &text},
-                    {&prefixed, SDP_LINE_KEY, &key, nullptr}};
+    } refused[] = {{nullptr, SDP_LINE_KEY, &key, &text},
+                   {&prefixed, SDP_LINE_COUNT, &key, &text},
+                   {&prefixed, 0xFFFFFFFFu, &key, &text},
+                   {&prefixed, SDP_LINE_KEY, nullptr, &text},
+                   {&prefixed, SDP_LINE_KEY, &key, nullptr}};
     const SystemMemory system;
-    for (const auto &given : kRefused) {
+    for (const auto &given : refused) {
         support::LogRecorder logs;
         EXPECT_EQ(SdpLibEncodeSdpLine(given.flag, given.lineType, given.record, given.text),
                   0x04069001u);
@@ -113,7 +113,7 @@ TEST(EncodeSdpLine, RefusesOtherArgumentsBeforeAnythingIsAllocated) {
         EXPECT_EQ(SdpLibEncodeSdpLineValidate(given.flag, given.lineType, given.record, given.text),
                   0x04061001u);
     }
-    EXPECT_EQ(text, kUntouched);
+    EXPECT_EQ(text, kUntouchedLine);
     EXPECT_EQ(system.memory.requests(), 0u);
     for (uint32_t lineType = 0; lineType < SDP_LINE_COUNT; ++lineType) {
         EXPECT_EQ(SdpLibEncodeSdpLineValidate(&bare, lineType, &key, &text), 0u);
@@ -125,7 +125,7 @@ TEST(EncodeSdpLine, WithoutMemoryForTheBufferFailsWithItsOwnCode) {
     SystemMemory system;
     system.memory.refuse(1);
     support::LogRecorder logs;
-    SipRefString *text = kUntouched;
+    SipRefString *text = kUntouchedLine;
     EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), 0x0406b001u);
     EXPECT_EQ(text, nullptr);
     EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpintf SdpLibEncodeSdpLine:430 1 \"retVal=2\""});
@@ -136,7 +136,7 @@ TEST(EncodeSdpLine, WithoutMemoryForTheTextPassesTheServicesCodeUp) {
     SystemMemory system;
     system.memory.refuse(2);
     support::LogRecorder logs;
-    SipRefString *text = kUntouched;
+    SipRefString *text = kUntouchedLine;
     EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), uint32_t{SIP_NO_MEMORY});
     EXPECT_EQ(text, nullptr);
     EXPECT_TRUE(logs.entries().empty());
@@ -148,7 +148,7 @@ TEST(EncodeSdpLine, PassesAFailedAppendUpAndKeepsNothing) {
     for (uint32_t n = 1; n <= 4; ++n) { // k, =, prompt, line end
         const SystemMemory system;
         support::LogRecorder logs;
-        SipRefString *text = kUntouched;
+        SipRefString *text = kUntouchedLine;
         Appends::reset();
         Appends::failAt(n);
         EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), Appends::kRefused);

@@ -50,9 +50,9 @@ std::string outcomeOf(const std::string &body, const SDPDecodeOptions *options =
 }
 
 // The memory of the process heap, watched and refused while this lives.
-class SystemMemory {
+class WatchedMemory {
 public:
-    explicit SystemMemory(bool refuses) {
+    explicit WatchedMemory(bool refuses) {
         refuses_ = refuses;
         requests_ = 0;
         releases_ = 0;
@@ -67,12 +67,12 @@ public:
             return refuses_ ? nullptr : alloc_(memCp, size);
         };
     }
-    ~SystemMemory() {
+    ~WatchedMemory() {
         gSipSystemMemCp->pfnAlloc = alloc_;
         gSipSystemMemCp->pfnFree = free_;
     }
-    SystemMemory(const SystemMemory &) = delete;
-    SystemMemory &operator=(const SystemMemory &) = delete;
+    WatchedMemory(const WatchedMemory &) = delete;
+    WatchedMemory &operator=(const WatchedMemory &) = delete;
 
     static uint32_t requests() { return requests_; }
     static uint32_t releases() { return releases_; }
@@ -135,7 +135,7 @@ TEST_F(LongBody, ItsCopyComesThroughTheServiceAndGoesBack) {
     ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);
     const Held before = Held::now();
     {
-        const SystemMemory memory(false);
+        const WatchedMemory memory(false);
         EXPECT_EQ(outcomeOf(bodyOf(4093)), "ok");
         EXPECT_EQ(memory.requests(), 0u) << "a short body needs no copy";
         support::Body decoded;
@@ -150,7 +150,7 @@ TEST_F(LongBody, ItsCopyComesThroughTheServiceAndGoesBack) {
 TEST_F(LongBody, WithoutMemoryForTheCopyIsRefused) {
     ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);
     const Held before = Held::now();
-    const SystemMemory memory(true);
+    const WatchedMemory memory(true);
     EXPECT_EQ(outcomeOf(bodyOf(4094)), "ParseCopyAlloc");
     SDPFailure failure = {};
     SdpLibGetLastFailure(&failure);
@@ -168,7 +168,7 @@ TEST_F(LongBody, GivesItsCopyBackWhereverItIsRefused) {
         std::string wrong = body;
         wrong[at] = '?';
         const Held before = Held::now();
-        const SystemMemory memory(false);
+        const WatchedMemory memory(false);
         support::Body decoded;
         EXPECT_NE(decode(wrong, decoded), 0u) << at;
         EXPECT_EQ(memory.requests(), 1u) << at;
@@ -187,7 +187,7 @@ TEST_F(LongBody, GivesItsCopyBackWhereverMemoryRunsOut) {
     }
     const Held before = Held::now();
     for (uint32_t n = 1;; ++n) {
-        const SystemMemory memory(false);
+        const WatchedMemory memory(false);
         support::Allocations::reset();
         support::Allocations::failAt(n);
         support::Body decoded;
@@ -211,7 +211,7 @@ TEST_F(LongBody, WhatNeedsNoSettingIsDecodedWithTheSameRequests) {
                                   kHead + "m=application 9 UDP/DTLS/SCTP webrtc-datachannel\n"};
     for (const std::string &body : bodies) {
         const auto requests = [&body] {
-            const SystemMemory memory(false);
+            const WatchedMemory memory(false);
             support::Allocations::reset();
             EXPECT_EQ(outcomeOf(body), "ok");
             EXPECT_EQ(memory.requests(), 0u);

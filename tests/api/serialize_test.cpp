@@ -25,21 +25,21 @@ using support::Held;
 using Texts = std::vector<std::string>;
 
 // Ends in an attribute, whose failure the encoder does not report.
-constexpr std::string_view kText = "v=0\r\n"
-                                   "o=jdoe 1 2 IN IP4 10.47.16.5\r\n"
-                                   "s=Seminar\r\n"
-                                   "i=On SDP\r\n"
-                                   "e=j.doe@example.com\r\n"
-                                   "c=IN IP4 224.2.17.12/127\r\n"
-                                   "b=AS:128\r\n"
-                                   "t=2873397496 2873404696\r\n"
-                                   "r=7d 1h 0s 25h\r\n"
-                                   "k=prompt\r\n"
-                                   "a=recvonly\r\n"
-                                   "m=audio 49170 RTP/AVP 0 8 101\r\n"
-                                   "a=rtpmap:101 telephone-event/8000\r\n"
-                                   "a=curr:qos local sendrecv\r\n"
-                                   "a=foo:bar\r\n";
+constexpr std::string_view kBodyText = "v=0\r\n"
+                                       "o=jdoe 1 2 IN IP4 10.47.16.5\r\n"
+                                       "s=Seminar\r\n"
+                                       "i=On SDP\r\n"
+                                       "e=j.doe@example.com\r\n"
+                                       "c=IN IP4 224.2.17.12/127\r\n"
+                                       "b=AS:128\r\n"
+                                       "t=2873397496 2873404696\r\n"
+                                       "r=7d 1h 0s 25h\r\n"
+                                       "k=prompt\r\n"
+                                       "a=recvonly\r\n"
+                                       "m=audio 49170 RTP/AVP 0 8 101\r\n"
+                                       "a=rtpmap:101 telephone-event/8000\r\n"
+                                       "a=curr:qos local sendrecv\r\n"
+                                       "a=foo:bar\r\n";
 
 uint8_t *bytesOf(std::string_view text) {
     return reinterpret_cast<uint8_t *>(const_cast<char *>(text.data()));
@@ -52,22 +52,22 @@ Body deserialized(std::string_view text) {
 }
 
 TEST(SerializeSdp, WritesTheTextThatWasDeserialized) {
-    const Body body = deserialized(kText);
+    const Body body = deserialized(kBodyText);
     ASSERT_NE(body, nullptr);
-    std::string bytes(2 * kText.size(), '#');
+    std::string bytes(2 * kBodyText.size(), '#');
     uint32_t length = 0;
     ASSERT_EQ(SdpLibSerializeSdp(body.get(), bytesOf(bytes), static_cast<uint32_t>(bytes.size()),
                                  &length),
               0u);
-    EXPECT_EQ(bytes.substr(0, length), kText);
+    EXPECT_EQ(bytes.substr(0, length), kBodyText);
     EXPECT_EQ(bytes.substr(length), std::string(bytes.size() - length, '#')) << "wrote after it";
 }
 
 TEST(SerializeSdp, RoundTripsUnderEveryLineEnd) {
-    const Body body = deserialized(kText);
+    const Body body = deserialized(kBodyText);
     for (uint32_t lineEnd : {2u, 1u}) { // LF, then CR LF again
         ASSERT_EQ(SdpLibExtConfig(SDP_CONFIG_LINE_END, &lineEnd), 0u);
-        std::string first(kText.size(), '#');
+        std::string first(kBodyText.size(), '#');
         uint32_t length = 0;
         ASSERT_EQ(SdpLibSerializeSdp(body.get(), bytesOf(first),
                                      static_cast<uint32_t>(first.size()), &length),
@@ -75,7 +75,7 @@ TEST(SerializeSdp, RoundTripsUnderEveryLineEnd) {
         first.resize(length);
         const Body again = deserialized(first);
         ASSERT_NE(again, nullptr);
-        std::string second(kText.size(), '#');
+        std::string second(kBodyText.size(), '#');
         ASSERT_EQ(SdpLibSerializeSdp(again.get(), bytesOf(second),
                                      static_cast<uint32_t>(second.size()), &length),
                   0u);
@@ -85,8 +85,8 @@ TEST(SerializeSdp, RoundTripsUnderEveryLineEnd) {
 }
 
 TEST(SerializeSdp, NeedsExactlyTheLengthOfTheText) {
-    const Body body = deserialized(kText);
-    const auto fits = static_cast<uint32_t>(kText.size());
+    const Body body = deserialized(kBodyText);
+    const auto fits = static_cast<uint32_t>(kBodyText.size());
     for (uint32_t room = 0; room <= fits + 1; ++room) {
         SCOPED_TRACE(room);
         const SystemMemory system;
@@ -97,13 +97,13 @@ TEST(SerializeSdp, NeedsExactlyTheLengthOfTheText) {
         EXPECT_EQ(length, room == 0 ? 12345u : room < fits ? 0u : fits);
         EXPECT_EQ(system.memory.live(), 0u);
         if (room >= fits) {
-            EXPECT_EQ(std::memcmp(bytes.data(), kText.data(), fits), 0);
+            EXPECT_EQ(std::memcmp(bytes.data(), kBodyText.data(), fits), 0);
         }
     }
 }
 
 TEST(SerializeSdp, ATooSmallBufferHoldsTheStartOfTheText) {
-    const Body body = deserialized(kText);
+    const Body body = deserialized(kBodyText);
     support::LogRecorder logs;
     std::string bytes(20, '#');
     uint32_t length = 1;
@@ -114,8 +114,8 @@ TEST(SerializeSdp, ATooSmallBufferHoldsTheStartOfTheText) {
 }
 
 TEST(SerializeSdp, SeesThatAnAttributeDidNotFit) {
-    const Body body = deserialized(kText);
-    std::string bytes(kText.size() - 3, '#');
+    const Body body = deserialized(kBodyText);
+    std::string bytes(kBodyText.size() - 3, '#');
     uint32_t length = 1;
     EXPECT_EQ(SdpLibSerializeSdp(body.get(), bytesOf(bytes), static_cast<uint32_t>(bytes.size()),
                                  &length),
@@ -124,8 +124,8 @@ TEST(SerializeSdp, SeesThatAnAttributeDidNotFit) {
 }
 
 TEST(SerializeSdp, MakesOneEmptyAppendAfterTheText) {
-    const Body body = deserialized(kText);
-    std::string bytes(kText.size(), '#');
+    const Body body = deserialized(kBodyText);
+    std::string bytes(kBodyText.size(), '#');
     uint32_t length = 0;
     Appends::reset();
     EXPECT_EQ(SdpLibSerializeSdp(body.get(), bytesOf(bytes), static_cast<uint32_t>(bytes.size()),
@@ -145,7 +145,7 @@ TEST(SerializeSdp, MakesOneEmptyAppendAfterTheText) {
 }
 
 TEST(SerializeSdp, WithoutMemoryForTheWrapperFailsWithItsOwnCode) {
-    const Body body = deserialized(kText);
+    const Body body = deserialized(kBodyText);
     SystemMemory system;
     system.memory.refuse(1);
     support::LogRecorder logs;
@@ -158,7 +158,7 @@ TEST(SerializeSdp, WithoutMemoryForTheWrapperFailsWithItsOwnCode) {
 }
 
 TEST(SerializeSdp, RefusesNullPointersAndNoRoom) {
-    const Body body = deserialized(kText);
+    const Body body = deserialized(kBodyText);
     uint8_t byte = '#';
     uint32_t length = 12345;
     const struct {
@@ -166,11 +166,11 @@ TEST(SerializeSdp, RefusesNullPointersAndNoRoom) {
         uint8_t *bytes;
         uint32_t room;
         uint32_t *length;
-    } kRefused[] = {{nullptr, &byte, 1, &length},
-                    {body.get(), nullptr, 1, &length},
-                    {body.get(), &byte, 0, &length},
-                    {body.get(), &byte, 1, nullptr}};
-    for (const auto &given : kRefused) {
+    } refused[] = {{nullptr, &byte, 1, &length},
+                   {body.get(), nullptr, 1, &length},
+                   {body.get(), &byte, 0, &length},
+                   {body.get(), &byte, 1, nullptr}};
+    for (const auto &given : refused) {
         support::LogRecorder logs;
         EXPECT_EQ(SdpLibSerializeSdp(given.line, given.bytes, given.room, given.length),
                   0x0407f001u);
@@ -186,7 +186,9 @@ TEST(SerializeSdp, RefusesNullPointersAndNoRoom) {
 TEST(DeSerializeSdp, MakesABodyInABlockOfItsOwn) {
     const Held before = Held::now();
     SdpLine *line = nullptr;
-    ASSERT_EQ(SdpLibDeSerializeSdp(bytesOf(kText), static_cast<uint32_t>(kText.size()), &line), 0u);
+    ASSERT_EQ(
+        SdpLibDeSerializeSdp(bytesOf(kBodyText), static_cast<uint32_t>(kBodyText.size()), &line),
+        0u);
     EXPECT_EQ(line->stMediaSet.ulNoOfMediaDescs, 1u);
     EXPECT_TRUE(line->pstMemCp != nullptr);
     EXPECT_EQ(Held::now().blocks, before.blocks + 1);
@@ -196,15 +198,16 @@ TEST(DeSerializeSdp, MakesABodyInABlockOfItsOwn) {
 }
 
 TEST(DeSerializeSdp, ReadsNoByteAfterTheText) {
-    Guarded bytes(kText);
+    Guarded bytes(kBodyText);
     SdpLine *line = nullptr;
-    EXPECT_EQ(SdpLibDeSerializeSdp(bytes.data(), static_cast<uint32_t>(kText.size()), &line), 0u);
-    EXPECT_EQ(std::memcmp(bytes.data(), kText.data(), kText.size()), 0);
+    EXPECT_EQ(SdpLibDeSerializeSdp(bytes.data(), static_cast<uint32_t>(kBodyText.size()), &line),
+              0u);
+    EXPECT_EQ(std::memcmp(bytes.data(), kBodyText.data(), kBodyText.size()), 0);
     SdpLibReleaseSdp(&line);
 }
 
 TEST(DeSerializeSdp, LeavesTheHooksSetAfterASuccessAndWithoutABlock) {
-    const Body body = deserialized(kText);
+    const Body body = deserialized(kBodyText);
     EXPECT_EQ(SdpGetFnAlloc(), SdpLibAllocSdpMem);
     EXPECT_EQ(SdpGetFnFree(), SdpLibFreeSdpMem);
     EXPECT_EQ(g_mSdpDecodeMemCp, nullptr);
@@ -237,8 +240,9 @@ TEST(DeSerializeSdp, WithoutABlockAnswersTheServicesCode) {
     support::LogRecorder logs;
     SdpLine other = {};
     SdpLine *line = &other;
-    EXPECT_EQ(SdpLibDeSerializeSdp(bytesOf(kText), static_cast<uint32_t>(kText.size()), &line),
-              uint32_t{SIP_NO_MEMORY});
+    EXPECT_EQ(
+        SdpLibDeSerializeSdp(bytesOf(kBodyText), static_cast<uint32_t>(kBodyText.size()), &line),
+        uint32_t{SIP_NO_MEMORY});
     Allocations::reset();
     EXPECT_EQ(line, nullptr);
     EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpintf SdpLibDeSerializeSdp:605 1"});
@@ -251,8 +255,9 @@ TEST(DeSerializeSdp, RefusesNullPointersAndNoBytes) {
         uint8_t *bytes;
         uint32_t length;
         SdpLine **line;
-    } kRefused[] = {{nullptr, 4, &line}, {bytesOf(kText), 0, &line}, {bytesOf(kText), 4, nullptr}};
-    for (const auto &given : kRefused) {
+    } refused[] = {
+        {nullptr, 4, &line}, {bytesOf(kBodyText), 0, &line}, {bytesOf(kBodyText), 4, nullptr}};
+    for (const auto &given : refused) {
         support::LogRecorder logs;
         EXPECT_EQ(SdpLibDeSerializeSdp(given.bytes, given.length, given.line), 0x04093001u);
         EXPECT_EQ(logs.textsWithLines(), (Texts{"3 sdpintf SdpLibDeSerializeSdpValidate:558 0",
@@ -260,7 +265,7 @@ TEST(DeSerializeSdp, RefusesNullPointersAndNoBytes) {
         EXPECT_EQ(SdpLibDeSerializeSdpValidate(given.bytes, given.length, given.line), 0x0408b001u);
     }
     EXPECT_EQ(line, &other);
-    EXPECT_EQ(SdpLibDeSerializeSdpValidate(bytesOf(kText), 1, &line), 0u);
+    EXPECT_EQ(SdpLibDeSerializeSdpValidate(bytesOf(kBodyText), 1, &line), 0u);
 }
 
 } // namespace

@@ -48,10 +48,10 @@ private:
     std::string text_;
 };
 
-alignas(8) unsigned char target[72];
+alignas(8) unsigned char storage[72];
 
 void fillTarget() {
-    std::memset(target, dsmtest::kRubbish, sizeof target);
+    std::memset(storage, dsmtest::kRubbish, sizeof storage);
 }
 
 TEST(CopyLineFaults, EachRefusedRequestGivesItsOwnCodeAndKeepsNothing) {
@@ -62,12 +62,12 @@ TEST(CopyLineFaults, EachRefusedRequestGivesItsOwnCodeAndKeepsNothing) {
             LineMemory memory;
             memory.refuse(n);
             fillTarget();
-            EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target),
+            EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, storage),
                       sample.refusals[n - 1]);
             EXPECT_EQ(memory.requests(), n) << "it went on after the refusal";
             EXPECT_EQ(memory.live(), 0u);
-            EXPECT_TRUE(lookAt(sample.lineType, target).allocations.empty());
-            EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+            EXPECT_TRUE(lookAt(sample.lineType, storage).allocations.empty());
+            EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, storage), 0u);
         }
     }
 }
@@ -79,9 +79,9 @@ TEST(CopyLineFaults, NoOtherRequestsAreMade) {
         LineMemory memory;
         memory.refuse(sample.refusals.size() + 1);
         fillTarget();
-        ASSERT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
+        ASSERT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, storage), 0u);
         EXPECT_EQ(memory.requests(), sample.refusals.size());
-        EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+        EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, storage), 0u);
     }
 }
 
@@ -92,10 +92,10 @@ TEST(CloneLineFaults, EachRefusedRequestLeavesThePointerAndKeepsNothing) {
             const Witness unchanged(sample);
             LineMemory memory;
             memory.refuse(n);
-            void *clone = target;
+            void *clone = storage;
             EXPECT_EQ(SdpCloneLine(memory.control(), sample.lineType, sample.record, &clone),
                       n == 1 ? 0x0208a001u : 0x0208c001u);
-            EXPECT_EQ(clone, target);
+            EXPECT_EQ(clone, storage);
             EXPECT_EQ(memory.requests(), n);
             EXPECT_EQ(memory.live(), 0u);
         }
@@ -122,7 +122,7 @@ Texts logged(const char *name, size_t n) {
     LineMemory memory;
     memory.refuse(n);
     support::LogRecorder logs;
-    EXPECT_NE(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
+    EXPECT_NE(SdpCopyLine(memory.control(), sample.lineType, sample.record, storage), 0u);
     EXPECT_EQ(g_gSipCodePoint, 2u << 16 | logs.entries().back().line);
     return logs.textsWithLines();
 }
@@ -164,7 +164,7 @@ TEST(CopyLineFaults, AnAddressOfNoKindIsTheServicesFailure) {
     source.stTptAddr.enTptAddrType = 3;
     LineMemory memory;
     support::LogRecorder logs;
-    EXPECT_EQ(SdpCopyLine(memory.control(), SDP_LINE_CONNECTION, &source, target), 1u);
+    EXPECT_EQ(SdpCopyLine(memory.control(), SDP_LINE_CONNECTION, &source, storage), 1u);
     EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpdsm SdpCopyLine:484 - \"enReturnVal=4\""});
 }
 
@@ -218,11 +218,11 @@ TEST(CopyLineFaults, LeaveNoPointerWhateverTheStringServicesDo) {
         const NoTexts noTexts(99, 98);
         fillTarget();
         const SDPResult result =
-            SdpCopyLine(memory.control(), sample.lineType, sample.record, target);
+            SdpCopyLine(memory.control(), sample.lineType, sample.record, storage);
         EXPECT_TRUE(result == 99 || result == 98 || sample.lineType == SDP_LINE_MEDIA);
         EXPECT_NE(result, 0u);
-        EXPECT_TRUE(lookAt(sample.lineType, target).allocations.empty());
-        EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+        EXPECT_TRUE(lookAt(sample.lineType, storage).allocations.empty());
+        EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, storage), 0u);
     }
 }
 
@@ -234,7 +234,7 @@ TEST(CopyMediaFormatFaults, LeaveNoTextWhateverTheStringServiceDoes) {
     const NoTexts noTexts(99, 0);
     support::LogRecorder logs;
     fillTarget();
-    auto &copy = *reinterpret_cast<SDPMediaFmt *>(target);
+    auto &copy = *reinterpret_cast<SDPMediaFmt *>(storage);
     EXPECT_EQ(SdpCopyMediaFormat(memory.control(), &source, &copy), 0x020ed001u);
     EXPECT_TRUE(copy.unMediaFmt.strOtherFmts.pcData == nullptr);
     EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpdsm SdpCopyMediaFormat:949 3 \"ulRetVal=99\""});
@@ -258,18 +258,18 @@ TEST(CopyMediaFormatFaults, AFailedCopyOfBytesIsReportedAndNoFailure) {
     LineMemory memory;
     support::SecureFaults::reset();
     support::SecureFaults::failAt(1);
-    EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
+    EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, storage), 0u);
     ASSERT_EQ(support::SecureFaults::reports().size(), 1u);
     EXPECT_FALSE(support::SecureFaults::reports()[0].ex);
     EXPECT_EQ(support::SecureFaults::reports()[0].name, "SdpCopyNonOthersMediaFormat");
     EXPECT_EQ(support::SecureFaults::reports()[0].number, 915u);
     support::SecureFaults::reset();
-    EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+    EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, storage), 0u);
 
-    EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, target), 0u);
+    EXPECT_EQ(SdpCopyLine(memory.control(), sample.lineType, sample.record, storage), 0u);
     EXPECT_EQ(support::SecureFaults::count(), 1u);
     EXPECT_TRUE(support::SecureFaults::reports().empty()) << "one that succeeds is none";
-    EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, target), 0u);
+    EXPECT_EQ(SdpClearLine(memory.control(), sample.lineType, storage), 0u);
 }
 
 } // namespace

@@ -14,11 +14,7 @@ std::string attributesOf(const Body &body) {
     return linesOf(written(body), 'a');
 }
 
-} // namespace
-
-TEST(CppAttributesEditor, EveryValueIsWrittenAndReadBack) {
-    Body body = decoded(kPlain);
-    AttributesEditor lines = body.media()[0].attributes();
+void addEveryValue(AttributesEditor &lines) {
     EXPECT_DONE(lines.add(RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000}));
     EXPECT_DONE(lines.add(
         RtpMap{.payload = 10, .name = "L16", .clockRate = 44100, .channels = 2, .profile = 99}));
@@ -45,6 +41,14 @@ TEST(CppAttributesEditor, EveryValueIsWrittenAndReadBack) {
     EXPECT_DONE(lines.add("maxptime:40"));
     EXPECT_DONE(lines.add("candidate:1 1"));
     EXPECT_DONE(lines.add("FAX"));
+}
+
+} // namespace
+
+TEST(CppAttributesEditor, EveryValueIsWrittenAndReadBack) {
+    Body body = decoded(kPlain);
+    AttributesEditor lines = body.media()[0].attributes();
+    addEveryValue(lines);
     EXPECT_EQ(lines.size(), 21u);
     EXPECT_EQ(lines.rtpMap(10)->profile, 10u);
     EXPECT_EQ(lines.rtpMap(96)->profile, 0u);
@@ -85,52 +89,57 @@ TEST(CppAttributesEditor, ValuesThatGoWithNoTypeAreRefused) {
     EXPECT_REFUSED(lines.add(AttributeType::PTime), needsValue);
 }
 
-TEST(CppAttributesEditor, ValuesThatNoLineCarriesAreRefused) {
+constexpr const char *kTooLong = "a text is longer than a decoder of this library reads";
+constexpr const char *kLineEnd = "a text holds a line end or a NUL";
+constexpr const char *kNoWord = "a code has no word";
+
+TEST(CppAttributesEditor, TextsThatNoLineCarriesAreRefused) {
     Body body = decoded(kPlain);
     auto lines = body.attributes();
     const std::string longest(SDP_MAX_VALUE, 'x');
-    const char *const tooLong = "a text is longer than a decoder of this library reads";
-    const char *const lineEnd = "a text holds a line end or a NUL";
-    const char *const noWord = "a code has no word";
 
     EXPECT_DONE(lines.add(AttributeType::Tool, longest));
-    EXPECT_REFUSED(lines.add(AttributeType::Tool, longest + "x"), tooLong);
+    EXPECT_REFUSED(lines.add(AttributeType::Tool, longest + "x"), kTooLong);
     EXPECT_REFUSED(lines.add(AttributeType::Tool, ""), "a text is empty");
-    EXPECT_REFUSED(lines.add(AttributeType::Tool, "x\r\na=sendonly"), lineEnd);
-    EXPECT_REFUSED(lines.add(AttributeType::Tool, "x\n"), lineEnd);
-    EXPECT_REFUSED(lines.add(AttributeType::Tool, std::string_view("x\0y", 3)), lineEnd);
+    EXPECT_REFUSED(lines.add(AttributeType::Tool, "x\r\na=sendonly"), kLineEnd);
+    EXPECT_REFUSED(lines.add(AttributeType::Tool, "x\n"), kLineEnd);
+    EXPECT_REFUSED(lines.add(AttributeType::Tool, std::string_view("x\0y", 3)), kLineEnd);
 
     EXPECT_DONE(lines.add(RtpMap{.name = std::string_view(longest).substr(0, 255)}));
-    EXPECT_REFUSED(lines.add(RtpMap{.name = std::string_view(longest).substr(0, 256)}), tooLong);
+    EXPECT_REFUSED(lines.add(RtpMap{.name = std::string_view(longest).substr(0, 256)}), kTooLong);
     EXPECT_REFUSED(lines.add(RtpMap{.name = "a/b"}),
                    "an encoding name holds a \"/\", a line end or a NUL");
     EXPECT_REFUSED(lines.add(RtpMap{}), "a text is empty");
 
     const std::string_view rest(longest);
     EXPECT_DONE(lines.add(Fmtp{.format = "96", .parameters = rest.substr(0, 1020)}));
-    EXPECT_REFUSED(lines.add(Fmtp{.format = "96", .parameters = rest.substr(0, 1021)}), tooLong);
+    EXPECT_REFUSED(lines.add(Fmtp{.format = "96", .parameters = rest.substr(0, 1021)}), kTooLong);
     EXPECT_DONE(lines.add(Fmtp{.format = rest}));
-    EXPECT_REFUSED(lines.add(Fmtp{.format = rest, .parameters = "x"}), tooLong);
+    EXPECT_REFUSED(lines.add(Fmtp{.format = rest, .parameters = "x"}), kTooLong);
     EXPECT_REFUSED(lines.add(Fmtp{.format = "9 6"}), "a word holds a blank, a line end or a NUL");
     EXPECT_DONE(lines.add(SilenceSupp{.parameters = rest.substr(0, 1022)}));
-    EXPECT_REFUSED(lines.add(SilenceSupp{.parameters = rest}), tooLong);
+    EXPECT_REFUSED(lines.add(SilenceSupp{.parameters = rest}), kTooLong);
     EXPECT_REFUSED(lines.add(SilenceSupp{.parameters = ""}), "a text is empty");
-    EXPECT_REFUSED(lines.add(Ecan{.direction = EcanDirection{0}}), noWord);
-    EXPECT_REFUSED(lines.add(Ecan{.parameters = "\r"}), lineEnd);
-
-    EXPECT_REFUSED(lines.add(Direction{6}), noWord);
-    EXPECT_REFUSED(lines.add(SetupRole{0}), noWord);
-    EXPECT_REFUSED(lines.add(IpBcp{.type = IpBcpType{5}}), noWord);
-    EXPECT_REFUSED(lines.add(Precondition{.line = StatusLine{35}}), noWord);
-    EXPECT_REFUSED(lines.add(Precondition{.status = StatusType{3}}), noWord);
-    EXPECT_REFUSED(lines.add(Precondition{.flow = Flow{4}}), noWord);
-    EXPECT_REFUSED(lines.add(Precondition{.line = StatusLine::Desired, .strength = Strength{5}}),
-                   noWord);
+    EXPECT_REFUSED(lines.add(Ecan{.parameters = "\r"}), kLineEnd);
     EXPECT_REFUSED(lines.add(Precondition{.type = "a b"}),
                    "a word holds a blank or one of :;@,()<>");
     EXPECT_REFUSED(lines.add(Precondition{.type = PreconditionType::Other}), "a text is empty");
-    EXPECT_REFUSED(lines.setT38({.rateManagement = T38RateManagement{3}}), noWord);
-    EXPECT_REFUSED(lines.setT38({.errorCorrection = T38ErrorCorrection{0}}), noWord);
+}
+
+TEST(CppAttributesEditor, CodesWithoutAWordAreRefused) {
+    Body body = decoded(kPlain);
+    auto lines = body.attributes();
+    EXPECT_REFUSED(lines.add(Ecan{.direction = EcanDirection{0}}), kNoWord);
+    EXPECT_REFUSED(lines.add(Direction{6}), kNoWord);
+    EXPECT_REFUSED(lines.add(SetupRole{0}), kNoWord);
+    EXPECT_REFUSED(lines.add(IpBcp{.type = IpBcpType{5}}), kNoWord);
+    EXPECT_REFUSED(lines.add(Precondition{.line = StatusLine{35}}), kNoWord);
+    EXPECT_REFUSED(lines.add(Precondition{.status = StatusType{3}}), kNoWord);
+    EXPECT_REFUSED(lines.add(Precondition{.flow = Flow{4}}), kNoWord);
+    EXPECT_REFUSED(lines.add(Precondition{.line = StatusLine::Desired, .strength = Strength{5}}),
+                   kNoWord);
+    EXPECT_REFUSED(lines.setT38({.rateManagement = T38RateManagement{3}}), kNoWord);
+    EXPECT_REFUSED(lines.setT38({.errorCorrection = T38ErrorCorrection{0}}), kNoWord);
 }
 
 TEST(CppAttributesEditor, ALineThatIsNotUnderstoodTellsItsPlace) {

@@ -159,10 +159,11 @@ TEST(CppKeyword, ACodeAndItsWordAreTheSame) {
 }
 
 TEST(CppKeyword, NamesAreComparedWithoutCase) {
-    static_assert(equalIgnoringCase("PCMU", "pcmu") && equalIgnoringCase("", ""));
-    static_assert(!equalIgnoringCase("PCMU", "PCMA") && !equalIgnoringCase("PCM", "PCMU"));
-    static_assert(!equalIgnoringCase("@", "`") && !equalIgnoringCase("[", "{")); // no letters
-    static_assert(!equalIgnoringCase("\xC4", "\xE4"));
+    static_assert(v1::equalIgnoringCase("PCMU", "pcmu") && v1::equalIgnoringCase("", ""));
+    static_assert(!v1::equalIgnoringCase("PCMU", "PCMA") && !v1::equalIgnoringCase("PCM", "PCMU"));
+    static_assert(!v1::equalIgnoringCase("@", "`") &&
+                  !v1::equalIgnoringCase("[", "{")); // no letters
+    static_assert(!v1::equalIgnoringCase("\xC4", "\xE4"));
 }
 
 TEST(CppDirection, TheOtherSideSeesItReversed) {

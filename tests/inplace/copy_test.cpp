@@ -163,58 +163,80 @@ TEST(CopyInPlace, makesWhatTheCallsMakeOfBodiesMadeByChance) {
     }
 }
 
-// Records that no decode makes: what a service refuses is refused alike, what it repairs is
-// repaired.
-TEST(CopyInPlace, makesWhatTheCallsMakeOfUnusualRecords) {
-    static char bytes[300] = "a text";
-    SipString text = {6, bytes};
-    SipString lost = {6, nullptr};
-    SipString longText = {300, bytes};
-    SDPConnection connection = {{SDP_NETTYPE_IN, &text}, {SDP_ADDRTYPE_OTHER, &text}, {}, 1, 2};
+// ---- Records that no decode makes
+
+char letters[300] = "a text";
+SipString someText = {6, letters};
+SipString lostText = {6, nullptr};
+SipString longText = {300, letters};
+
+// Of each code, those that there are not too.
+std::vector<SDPConnection> unusualConnections() {
+    SDPConnection connection = {
+        {SDP_NETTYPE_IN, &someText}, {SDP_ADDRTYPE_OTHER, &someText}, {}, 1, 2};
     std::memset(&connection.stTptAddr.unTptAddr, 7, sizeof connection.stTptAddr.unTptAddr);
     std::vector<SDPConnection> connections(5, connection);
     for (uint32_t code = 0; code < 5; ++code) {
         connections[code].stTptAddr.enTptAddrType = code;
     }
-    std::vector<uint32_t> numbers(101, 8);
+    return connections;
+}
+
+// Of as many payloads as there may be, one more, and some that are not there.
+std::vector<SDPMediaField> unusualMedia(std::vector<uint32_t> &numbers) {
     std::vector<SDPMediaField> media(4);
     for (uint32_t i = 0; i < 4; ++i) {
         const uint32_t count[] = {0, 100, 101, 3};
-        media[i] = {{SDP_MEDIA_OTHER, nullptr}, 1, 2, {SDP_PROTO_OTHER, &text}, {i, {}}};
+        media[i] = {{SDP_MEDIA_OTHER, nullptr}, 1, 2, {SDP_PROTO_OTHER, &someText}, {i, {}}};
         media[i].stMediaFmt.unMediaFmt.stRtpPayLoads = {count[i],
                                                         i == 3 ? nullptr : numbers.data()};
     }
+    return media;
+}
+
+// Of each type, those that there are not too.
+std::vector<SDPAttr> unusualAttributes() {
     std::vector<SDPAttr> attributes(60);
     for (uint32_t type = 0; type < attributes.size(); ++type) {
-        attributes[type] = {type, {}, type % 2 == 0 ? &text : nullptr};
+        attributes[type] = {type, {}, type % 2 == 0 ? &someText : nullptr};
         const bool isText =
             (type >= SDP_ATTR_FMTP && type <= SDP_ATTR_LANG) || type == SDP_ATTR_UNREC_VALUE;
         if (isText) {
-            attributes[type].unAttrValue.strValue = type % 3 == 0 ? lost : text;
+            attributes[type].unAttrValue.strValue = type % 3 == 0 ? lostText : someText;
         }
     }
     attributes[SDP_ATTR_DES].unAttrValue.stRsrcMgmtStatus = {
         {SDP_PRECONDITION_OTHER, nullptr}, 1, 1, 1};
     attributes[SDP_ATTR_CURR].unAttrValue.stRsrcMgmtStatus = {
-        {SDP_PRECONDITION_QOS, &text}, 1, 1, 1};
+        {SDP_PRECONDITION_QOS, &someText}, 1, 1, 1};
+    return attributes;
+}
+
+template <class Record>
+void addLines(std::vector<BodyLine> &lines, uint32_t type, const std::vector<Record> &records) {
+    for (const Record &record : records) {
+        lines.push_back({type, &record});
+    }
+}
+
+// What a service refuses is refused alike, what it repairs is repaired.
+TEST(CopyInPlace, makesWhatTheCallsMakeOfUnusualRecords) {
     SDPRepeatField repeat = {3, nullptr};
     SDPRepeatField *repeats[] = {&repeat, nullptr, &repeat};
     SDPRepeatFieldSet repeatSet = {3, repeats};
     const SDPTimeField time = {1, 2, &repeatSet};
+    const auto connections = unusualConnections();
+    std::vector<uint32_t> numbers(101, 8);
+    const auto media = unusualMedia(numbers);
+    const auto attributes = unusualAttributes();
 
-    std::vector<BodyLine> lines = {{SDP_LINE_INFO, &lost},
+    std::vector<BodyLine> lines = {{SDP_LINE_INFO, &lostText},
                                    {SDP_LINE_NAME, &longText},
                                    {SDP_LINE_TIME, &time},
                                    {SDP_LINE_REPEAT, &repeat}};
-    for (const SDPConnection &each : connections) {
-        lines.push_back({SDP_LINE_CONNECTION, &each});
-    }
-    for (const SDPMediaField &each : media) {
-        lines.push_back({SDP_LINE_MEDIA, &each});
-    }
-    for (const SDPAttr &each : attributes) {
-        lines.push_back({SDP_LINE_ATTRIBUTE, &each});
-    }
+    addLines(lines, SDP_LINE_CONNECTION, connections);
+    addLines(lines, SDP_LINE_MEDIA, media);
+    addLines(lines, SDP_LINE_ATTRIBUTE, attributes);
     expectTheSameCopies(lines);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "checks/checks.hpp"
+#include "inplace/manylines.hpp"
 #include "output/tree.hpp"
 #include "sdpline/sdpinternals.h"
 #include "sdpline/sdpline.h"
@@ -153,11 +154,6 @@ TEST(InPlace, givesWhatTheCallsGiveForBodiesMadeByChance) {
         expectTheSame(support::damage(body, engine), 211);
     }
 }
-
-const std::string kManyLines =
-    "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP4 1.2.3.4/5/6\r\nt=1 2\r\n"
-    "r=7d 1h 0 25h\r\nm=audio 1/2 RTP/AVP 0 8\r\na=rtpmap:0 PCMU/8000/2\r\n"
-    "a=des:qos optional remote sendrecv\r\na=ipbcp:1 Request\r\na=setup:active\r\n";
 
 // The codes of that body whose writer refuses a code without a text, and the count of payloads.
 std::vector<uint32_t *> codesOf(SdpLine &body) {

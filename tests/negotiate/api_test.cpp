@@ -13,15 +13,8 @@ namespace {
 
 using sdpline::Body;
 
-Body ours(const std::string &media) {
-    return Body::decode(kLocalHead + media).value();
-}
-Body theirs(const std::string &media) {
-    return Body::decode(kOfferHead + media).value();
-}
-
 TEST(Negotiate, MissingAndEmptyBodies) {
-    const Body body = ours("m=audio 40000 RTP/AVP 0\n");
+    const Body body = localOf("m=audio 40000 RTP/AVP 0\n");
     const SdpLine *const good = body.record();
     SdpLine *empty = nullptr;
     ASSERT_EQ(SdpLibCreateSdp(&empty), 0u);
@@ -58,7 +51,7 @@ TEST(Negotiate, MissingAndEmptyBodies) {
 }
 
 TEST(Negotiate, AnAnswerWithoutAReport) {
-    const Body body = ours("m=audio 40000 RTP/AVP 0\n");
+    const Body body = localOf("m=audio 40000 RTP/AVP 0\n");
     SdpLine *made = nullptr;
     EXPECT_EQ(SdpNegotiateAnswer(body.record(), body.record(), nullptr, nullptr, &made, nullptr),
               0u);
@@ -74,8 +67,8 @@ TEST(Negotiate, NumbersThatAreAllInUse) {
         numbers += ' ' + std::to_string(number);
         maps += "a=rtpmap:" + std::to_string(number) + " V" + std::to_string(number) + "/90000\n";
     }
-    const Body previous = ours("m=video 40000 RTP/AVP" + numbers + '\n' + maps);
-    const Body wanted = ours("m=video 40000 RTP/AVP 96\na=rtpmap:96 VP9/90000\n");
+    const Body previous = localOf("m=video 40000 RTP/AVP" + numbers + '\n' + maps);
+    const Body wanted = localOf("m=video 40000 RTP/AVP 96\na=rtpmap:96 VP9/90000\n");
     const auto next = sdpline::nextOffer(previous, wanted);
     ASSERT_TRUE(next);
     EXPECT_EQ(next->media()[0].payloads()[0], 96u);
@@ -87,8 +80,8 @@ TEST(Negotiate, NumbersThatAreAllInUse) {
 // One fault or several: a check's report is not accepted.
 TEST(Negotiate, AReportOfACheckIsAcceptedWithoutFaults) {
     const std::string audio = "m=audio 40000 RTP/AVP 0\n";
-    const Body two = ours(audio + audio);
-    const Body three = ours(audio + audio + audio);
+    const Body two = localOf(audio + audio);
+    const Body three = localOf(audio + audio + audio);
     for (const auto &check : {SdpNegotiateCheck, SdpNegotiateCheckNext}) {
         for (const auto &[first, faults] : {std::pair(&two, 0u), std::pair(&three, 1u)}) {
             SdpNegotiateReport *report = nullptr;
@@ -105,9 +98,9 @@ TEST(Negotiate, FlagsOfAStreamAreOne) {
     const std::string wished = "a=curr:qos local none\na=curr:qos remote none\n"
                                "a=des:qos mandatory local sendrecv\n"
                                "a=des:qos mandatory remote sendrecv\n";
-    const Body offer = theirs("m=audio 49170 RTP/AVP 0\nc=IN IP4 0.0.0.0\n" + wished +
-                              "a=conf:qos remote sendrecv\n");
-    const Body local = ours("m=audio 40000 RTP/AVP 0\nc=IN IP4 0.0.0.0\n" + wished);
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 0\nc=IN IP4 0.0.0.0\n" + wished +
+                               "a=conf:qos remote sendrecv\n");
+    const Body local = localOf("m=audio 40000 RTP/AVP 0\nc=IN IP4 0.0.0.0\n" + wished);
     SdpLine *answer = nullptr;
     SdpNegotiateReport *made = nullptr;
     SdpNegotiateReport *agreed = nullptr;
@@ -138,9 +131,9 @@ std::string lines(const std::string &line, int count) {
 }
 
 TEST(Negotiate, ABodyThatWouldBeTooLong) {
-    const Body offer = theirs(lines("m=audio 49170 RTP/AVP 0\n", 5));
+    const Body offer = offerOf(lines("m=audio 49170 RTP/AVP 0\n", 5));
     std::string local = "a=x:" + std::string(500, 'x') + '\n';
-    const Body wide = ours("m=audio 40000 RTP/AVP 0\n" + lines(local, 3));
+    const Body wide = localOf("m=audio 40000 RTP/AVP 0\n" + lines(local, 3));
     sdpline::AnswerOptions options;
     options.ports = {1, 2, 3, 4};
     const auto answer = sdpline::answer(offer, wide, nullptr, options);
@@ -155,13 +148,13 @@ TEST(Negotiate, ABodyThatWouldBeTooLong) {
 
 // Line by line longer: an answer is refused where it has to be, and not before.
 TEST(Negotiate, TheLongestAnswer) {
-    const Body offer = theirs(lines("m=audio 49170 RTP/AVP 0\n", 4));
+    const Body offer = offerOf(lines("m=audio 49170 RTP/AVP 0\n", 4));
     sdpline::AnswerOptions options;
     options.ports = {1, 2, 3};
     size_t longest = 0;
     bool refused = false;
     for (size_t size = 880; size < 1015; ++size) {
-        const Body local = ours("m=audio 40000 RTP/AVP 0\na=x:" + std::string(size, 'x') + '\n');
+        const Body local = localOf("m=audio 40000 RTP/AVP 0\na=x:" + std::string(size, 'x') + '\n');
         const auto answer = sdpline::answer(offer, local, nullptr, options);
         ASSERT_TRUE(!answer || !refused) << size;
         refused = !answer;
@@ -177,18 +170,18 @@ TEST(Negotiate, TheLongestAnswer) {
 
 TEST(Negotiate, AValueThatWouldBeTooLong) {
     const std::string parameters(1018, 'x');
-    const Body offer = theirs("m=audio 49170 RTP/AVP 100\na=rtpmap:100 x/8000\n");
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 100\na=rtpmap:100 x/8000\n");
     const Body local =
-        ours("m=audio 40000 RTP/AVP 99\na=rtpmap:99 x/8000\na=fmtp:99 " + parameters + "xx\n");
+        localOf("m=audio 40000 RTP/AVP 99\na=rtpmap:99 x/8000\na=fmtp:99 " + parameters + "xx\n");
     EXPECT_EQ(sdpline::answer(offer, local).error().check, "TooLong");
     const Body shorter =
-        ours("m=audio 40000 RTP/AVP 99\na=rtpmap:99 x/8000\na=fmtp:99 " + parameters + "x\n");
+        localOf("m=audio 40000 RTP/AVP 99\na=rtpmap:99 x/8000\na=fmtp:99 " + parameters + "x\n");
     EXPECT_TRUE(sdpline::answer(offer, shorter));
 }
 
 TEST(Negotiate, PortsByACallback) {
-    const Body offer = theirs(lines("m=audio 49170 RTP/AVP 0\n", 3));
-    const Body local = ours("m=audio 40000 RTP/AVP 0\n");
+    const Body offer = offerOf(lines("m=audio 49170 RTP/AVP 0\n", 3));
+    const Body local = localOf("m=audio 40000 RTP/AVP 0\n");
     std::string calls;
     sdpline::AnswerOptions options;
     options.port = [&](uint32_t stream, uint32_t description, uint32_t own) -> uint32_t {
@@ -206,8 +199,8 @@ TEST(Negotiate, PortsByACallback) {
 }
 
 TEST(Negotiate, PortsThatAreMissing) {
-    const Body offer = theirs(lines("m=audio 49170 RTP/AVP 0\n", 2));
-    const Body local = ours("m=audio 40000 RTP/AVP 0\n");
+    const Body offer = offerOf(lines("m=audio 49170 RTP/AVP 0\n", 2));
+    const Body local = localOf("m=audio 40000 RTP/AVP 0\n");
     SdpNegotiateOptions options = {};
     options.ulNoOfPorts = 1; // without an array
     SdpLine *made = nullptr;
@@ -218,8 +211,8 @@ TEST(Negotiate, PortsThatAreMissing) {
 }
 
 TEST(Negotiate, ARuleOfTheCaller) {
-    const Body offer = theirs("m=audio 49170 RTP/AVP 18 0\na=fmtp:18 annexb=no\n");
-    const Body local = ours("m=audio 40000 RTP/AVP 18 0\n");
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 18 0\na=fmtp:18 annexb=no\n");
+    const Body local = localOf("m=audio 40000 RTP/AVP 18 0\n");
     sdpline::AnswerOptions options;
     std::string seen;
     options.same = [&](const sdpline::Codec &offered, const sdpline::Codec &own, bool same) {
@@ -235,10 +228,10 @@ TEST(Negotiate, ARuleOfTheCaller) {
 }
 
 TEST(Negotiate, AnExistingConnectionThatWeDoNotHave) {
-    const Body offer = theirs("m=image 9 TCP t38\na=setup:active\na=connection:existing\n");
-    const Body local = ours("m=image 40000 TCP t38\na=setup:passive\n");
-    const Body closed = ours("m=image 0 TCP t38\n");
-    const Body other = ours("m=image 40000 udptl t38\n");
+    const Body offer = offerOf("m=image 9 TCP t38\na=setup:active\na=connection:existing\n");
+    const Body local = localOf("m=image 40000 TCP t38\na=setup:passive\n");
+    const Body closed = localOf("m=image 0 TCP t38\n");
+    const Body other = localOf("m=image 40000 udptl t38\n");
     const auto connectionOf = [&](const Body *previous) {
         const auto answer = sdpline::answer(offer, local, previous);
         return std::string(answer->body.media()[0].attributes().text("connection").value());
@@ -251,8 +244,8 @@ TEST(Negotiate, AnExistingConnectionThatWeDoNotHave) {
 
 // Words that no decoded body has: a program makes them.
 TEST(Negotiate, TextsOfAnAnswerAreCopies) {
-    const Body offer = theirs("m=x-media 49170 x-proto y\n");
-    Body local = ours("m=x-media 40000 x-proto y\nc=IN IP4 198.51.100.3\nk=prompt\n");
+    const Body offer = offerOf("m=x-media 49170 x-proto y\n");
+    Body local = localOf("m=x-media 40000 x-proto y\nc=IN IP4 198.51.100.3\nk=prompt\n");
     char bytes[] = "X-one";
     SipString word = {5, bytes};
     SDPOrigin &origin = local.record()->stOrigin;
@@ -279,10 +272,11 @@ TEST(Negotiate, TextsOfAnAnswerAreCopies) {
 }
 
 TEST(Negotiate, StreamsOfAnAnswer) {
-    const Body offer = theirs("m=video 49172 RTP/AVP 31\nm=audio 49170 RTP/AVP 97\n"
-                              "a=rtpmap:97 iLBC/8000\na=fmtp:97 mode=30\na=ptime:30\n");
-    const Body local = ours("m=text 1 RTP/AVP 0\nm=audio 40000 RTP/AVP 98\na=rtpmap:98 iLBC/8000\n"
-                            "a=fmtp:98 mode=20\na=ptime:20\na=maxptime:40\n");
+    const Body offer = offerOf("m=video 49172 RTP/AVP 31\nm=audio 49170 RTP/AVP 97\n"
+                               "a=rtpmap:97 iLBC/8000\na=fmtp:97 mode=30\na=ptime:30\n");
+    const Body local =
+        localOf("m=text 1 RTP/AVP 0\nm=audio 40000 RTP/AVP 98\na=rtpmap:98 iLBC/8000\n"
+                "a=fmtp:98 mode=20\na=ptime:20\na=maxptime:40\n");
     const auto answer = sdpline::answer(offer, local);
     ASSERT_EQ(answer->streams.size(), 2u);
     const auto &rejected = answer->streams[0];
@@ -312,9 +306,9 @@ TEST(Negotiate, StreamsOfAnAnswer) {
 }
 
 TEST(Negotiate, BothEndsSeeTheSame) {
-    const Body offer = theirs("m=audio 49170 RTP/AVP 96 0\na=rtpmap:96 iLBC/8000\na=sendonly\n"
-                              "a=ptime:30\n");
-    const Body reply = ours("m=audio 40000 RTP/AVP 97 0\na=rtpmap:97 iLBC/8000\na=recvonly\n");
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 96 0\na=rtpmap:96 iLBC/8000\na=sendonly\n"
+                               "a=ptime:30\n");
+    const Body reply = localOf("m=audio 40000 RTP/AVP 97 0\na=rtpmap:97 iLBC/8000\na=recvonly\n");
     const auto one = sdpline::agree(offer, reply, sdpline::Side::Offerer).value().streams.at(0);
     const auto two = sdpline::agree(offer, reply).value().streams.at(0);
     EXPECT_EQ(one.direction, sdpline::reversed(two.direction));
@@ -370,15 +364,15 @@ TEST(NegotiateReasons, AreListed) {
 
 // No text has an open m= line without formats: a program makes one.
 TEST(Negotiate, AnAcceptedStreamWithoutFormats) {
-    const Body offer = theirs("m=audio 49170 RTP/AVP 0\n");
-    Body reply = ours("m=audio 40000 RTP/AVP 0\n");
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 0\n");
+    Body reply = localOf("m=audio 40000 RTP/AVP 0\n");
     SDPMediaField &field = reply.record()->stMediaSet.ppstMediaDescs[0]->stMediaField;
     field.stMediaFmt.unMediaFmt.stRtpPayLoads = {0, nullptr};
     EXPECT_EQ(negotiate_test::textOf(sdpline::check(offer, reply)),
               "stream 1: an accepted stream without formats [NoFormats]\n");
 
-    const Body board = theirs("m=application 49170 udp wb\n");
-    Body wordless = ours("m=application 40000 udp wb\n");
+    const Body board = offerOf("m=application 49170 udp wb\n");
+    Body wordless = localOf("m=application 40000 udp wb\n");
     wordless.record()
         ->stMediaSet.ppstMediaDescs[0]
         ->stMediaField.stMediaFmt.unMediaFmt.strOtherFmts.ulLen = 0;

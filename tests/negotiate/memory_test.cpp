@@ -66,6 +66,38 @@ void failAnswer(const std::string &name, const Case &current, const Input &input
     });
 }
 
+// A call that makes a report, or a body, which is released.
+template <class Call>
+void failReport(const std::string &name, const Call &call) {
+    failEach(name, [&] {
+        SdpNegotiateReport *report = nullptr;
+        const SDPResult result = call(&report);
+        SdpNegotiateReleaseReport(&report);
+        return result;
+    });
+}
+
+template <class Call>
+void failBody(const std::string &name, const Call &call) {
+    failEach(name, [&] {
+        SdpLine *body = nullptr;
+        const SDPResult result = call(&body);
+        SdpLibReleaseSdp(&body);
+        return result;
+    });
+}
+
+void failAgreeAndCheck(const std::string &name, const Input &input) {
+    for (const uint32_t side : {SDP_NEGOTIATE_OFFERER, SDP_NEGOTIATE_ANSWERER}) {
+        failReport(name, [&](SdpNegotiateReport **report) {
+            return SdpNegotiateAgree(input["offer"], input["reply"], side, report);
+        });
+    }
+    failReport(name, [&](SdpNegotiateReport **report) {
+        return SdpNegotiateCheck(input["offer"], input["reply"], report);
+    });
+}
+
 TEST(NegotiateMemory, EveryAllocationOfEveryCaseFails) {
     SdpSetSupMedProtoRtpAvpf(1);
     for (const Case &current : readCases(SDPLINE_NEGOTIATE_CASES)) {
@@ -74,43 +106,18 @@ TEST(NegotiateMemory, EveryAllocationOfEveryCaseFails) {
         if (current.has("offer") && current.has("local")) {
             failAnswer(name, current, input);
         } else if (current.has("offer")) {
-            for (const uint32_t side : {SDP_NEGOTIATE_OFFERER, SDP_NEGOTIATE_ANSWERER}) {
-                failEach(name, [&] {
-                    SdpNegotiateReport *report = nullptr;
-                    const SDPResult result =
-                        SdpNegotiateAgree(input["offer"], input["reply"], side, &report);
-                    SdpNegotiateReleaseReport(&report);
-                    return result;
-                });
-            }
-            failEach(name, [&] {
-                SdpNegotiateReport *report = nullptr;
-                const SDPResult result = SdpNegotiateCheck(input["offer"], input["reply"], &report);
-                SdpNegotiateReleaseReport(&report);
-                return result;
-            });
+            failAgreeAndCheck(name, input);
         } else if (current.has("next")) {
-            failEach(name, [&] {
-                SdpNegotiateReport *report = nullptr;
-                const SDPResult result =
-                    SdpNegotiateCheckNext(input["sent"], input["next"], &report);
-                SdpNegotiateReleaseReport(&report);
-                return result;
+            failReport(name, [&](SdpNegotiateReport **report) {
+                return SdpNegotiateCheckNext(input["sent"], input["next"], report);
             });
         } else if (current.has("wanted")) {
-            failEach(name, [&] {
-                SdpLine *offer = nullptr;
-                const SDPResult result =
-                    SdpNegotiateNextOffer(input["sent"], input["wanted"], &offer);
-                SdpLibReleaseSdp(&offer);
-                return result;
+            failBody(name, [&](SdpLine **offer) {
+                return SdpNegotiateNextOffer(input["sent"], input["wanted"], offer);
             });
         } else {
-            failEach(name, [&] {
-                SdpLine *body = nullptr;
-                const SDPResult result = SdpNegotiateCapabilities(input["local"], &body);
-                SdpLibReleaseSdp(&body);
-                return result;
+            failBody(name, [&](SdpLine **body) {
+                return SdpNegotiateCapabilities(input["local"], body);
             });
         }
     }
@@ -134,8 +141,10 @@ sdpline::Body bodyWith(const std::string &media) {
     return sdpline::Body::decode(kLocalHead + media).value();
 }
 
+using Step = std::function<SDPResult(SdpNegotiator *)>;
+
 // Fails each allocation of a call until it succeeds, which it does once.
-void failStep(Session &session, const std::function<SDPResult(SdpNegotiator *)> &call) {
+void failStep(Session &session, const Step &call) {
     const uint32_t state = SdpNegotiateGetState(session.get());
     const SdpLine *const local = SdpNegotiateGetLocal(session.get());
     for (uint32_t n = 1;; ++n) {
@@ -155,6 +164,37 @@ void failStep(Session &session, const std::function<SDPResult(SdpNegotiator *)> 
     }
 }
 
+Step offering(const sdpline::Body &local) {
+    return [&local](SdpNegotiator *machine) {
+        SdpLine *made = nullptr;
+        const SDPResult result = SdpNegotiateOffer(machine, local.record(), &made);
+        SdpLibReleaseSdp(&made);
+        return result;
+    };
+}
+
+Step receiving(const sdpline::Body &answer, uint32_t provisional) {
+    return [&answer, provisional](SdpNegotiator *machine) {
+        SdpNegotiateReport *report = nullptr;
+        const SDPResult result =
+            SdpNegotiateReceiveAnswer(machine, answer.record(), provisional, &report);
+        SdpNegotiateReleaseReport(&report);
+        return result;
+    };
+}
+
+Step answering(const sdpline::Body &local, uint32_t provisional) {
+    return [&local, provisional](SdpNegotiator *machine) {
+        SdpLine *made = nullptr;
+        SdpNegotiateReport *report = nullptr;
+        const SDPResult result =
+            SdpNegotiateMakeAnswer(machine, local.record(), nullptr, provisional, &made, &report);
+        SdpLibReleaseSdp(&made);
+        SdpNegotiateReleaseReport(&report);
+        return result;
+    };
+}
+
 TEST(NegotiateMemory, TheStateMachineChangesNothingWhenItFails) {
     const auto local = bodyWith("m=audio 40000 RTP/AVP 0 8\na=rtpmap:0 PCMU/8000\n");
     const auto hold = bodyWith("m=audio 40000 RTP/AVP 0 8\na=sendonly\n");
@@ -162,41 +202,15 @@ TEST(NegotiateMemory, TheStateMachineChangesNothingWhenItFails) {
     const Held before = Held::now();
     {
         Session session;
-        const auto offer = [&](SdpNegotiator *machine) {
-            SdpLine *made = nullptr;
-            const SDPResult result = SdpNegotiateOffer(machine, hold.record(), &made);
-            SdpLibReleaseSdp(&made);
-            return result;
-        };
-        const auto receive = [&](const sdpline::Body &answer, uint32_t provisional) {
-            return [&answer, provisional](SdpNegotiator *machine) {
-                SdpNegotiateReport *report = nullptr;
-                const SDPResult result =
-                    SdpNegotiateReceiveAnswer(machine, answer.record(), provisional, &report);
-                SdpNegotiateReleaseReport(&report);
-                return result;
-            };
-        };
-        const auto answer = [&](uint32_t provisional) {
-            return [&local, provisional](SdpNegotiator *machine) {
-                SdpLine *made = nullptr;
-                SdpNegotiateReport *report = nullptr;
-                const SDPResult result = SdpNegotiateMakeAnswer(machine, local.record(), nullptr,
-                                                                provisional, &made, &report);
-                SdpLibReleaseSdp(&made);
-                SdpNegotiateReleaseReport(&report);
-                return result;
-            };
-        };
-        failStep(session, offer);
-        failStep(session, receive(bad, 1));
-        failStep(session, receive(local, 0));
+        failStep(session, offering(hold));
+        failStep(session, receiving(bad, 1));
+        failStep(session, receiving(local, 0));
         failStep(session, [&](SdpNegotiator *machine) {
             return SdpNegotiateReceiveOffer(machine, hold.record());
         });
-        failStep(session, answer(1));
-        failStep(session, answer(0));
-        failStep(session, offer);
+        failStep(session, answering(local, 1));
+        failStep(session, answering(local, 0));
+        failStep(session, offering(hold));
         ASSERT_EQ(SdpNegotiateRefused(session.get()), 0u);
     }
     EXPECT_EQ(Held::now(), before);

@@ -11,13 +11,6 @@ using sdpline::Body;
 using sdpline::Negotiator;
 using State = Negotiator::State;
 
-Body ours(const std::string &media) {
-    return Body::decode(kLocalHead + media).value();
-}
-Body theirs(const std::string &media) {
-    return Body::decode(kOfferHead + media).value();
-}
-
 std::string textOf(const SdpLine *line) {
     uint8_t bytes[SDP_MAX_BODY];
     uint32_t size = 0;
@@ -43,13 +36,13 @@ TEST(Negotiator, AnOfferAndItsAnswer) {
     Negotiator session;
     EXPECT_EQ(session.state(), State::Stable);
     EXPECT_EQ(session.local(), nullptr);
-    const auto offer = session.offer(ours(kAudio));
+    const auto offer = session.offer(localOf(kAudio));
     ASSERT_TRUE(offer);
     EXPECT_EQ(negotiate_test::textOf(*offer), kLocalHead + kAudio);
     EXPECT_EQ(session.state(), State::HaveLocalOffer);
     EXPECT_EQ(session.local(), nullptr) << "not in force before the answer";
 
-    const Body answer = theirs("m=audio 49170 RTP/AVP 0\na=recvonly\n");
+    const Body answer = offerOf("m=audio 49170 RTP/AVP 0\na=recvonly\n");
     const auto early = session.receiveAnswer(answer, true);
     ASSERT_TRUE(early);
     EXPECT_EQ(session.state(), State::HaveLocalOffer);
@@ -65,8 +58,8 @@ TEST(Negotiator, AnOfferAndItsAnswer) {
 
 TEST(Negotiator, AnAnswerWithFaultsIsTakenAndJudged) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio + "m=video 40002 RTP/AVP 31\n")));
-    const auto agreement = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n"));
+    ASSERT_TRUE(session.offer(localOf(kAudio + "m=video 40002 RTP/AVP 31\n")));
+    const auto agreement = session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n"));
     ASSERT_TRUE(agreement);
     ASSERT_EQ(agreement->decisions.size(), 1u);
     EXPECT_EQ(agreement->decisions[0].sentence,
@@ -77,20 +70,20 @@ TEST(Negotiator, AnAnswerWithFaultsIsTakenAndJudged) {
 
 TEST(Negotiator, ARejectedOfferStaysOpenToBeRefused) {
     Negotiator session;
-    ASSERT_TRUE(session.receiveOffer(theirs("m=audio 49170 RTP/AVP 0\n")));
-    ASSERT_TRUE(session.answer(ours(kAudio)));
+    ASSERT_TRUE(session.receiveOffer(offerOf("m=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.answer(localOf(kAudio)));
     const std::string before = textOf(session.local());
 
-    ASSERT_TRUE(session.receiveOffer(theirs("m=video 49180 RTP/AVP 31\n")));
-    const auto none = session.answer(ours(kAudio), {.openIfRejected = true});
+    ASSERT_TRUE(session.receiveOffer(offerOf("m=video 49180 RTP/AVP 31\n")));
+    const auto none = session.answer(localOf(kAudio), {.openIfRejected = true});
     ASSERT_TRUE(none);
     EXPECT_FALSE(none->accepted);
     EXPECT_EQ(session.state(), State::HaveRemoteOffer);
     ASSERT_TRUE(session.refuse());
     EXPECT_EQ(textOf(session.local()), before);
 
-    ASSERT_TRUE(session.receiveOffer(theirs("m=audio 49170 RTP/AVP 0\n")));
-    const auto again = session.answer(ours(kAudio), {.openIfRejected = true});
+    ASSERT_TRUE(session.receiveOffer(offerOf("m=audio 49170 RTP/AVP 0\n")));
+    const auto again = session.answer(localOf(kAudio), {.openIfRejected = true});
     ASSERT_TRUE(again && again->accepted);
     EXPECT_EQ(session.state(), State::Stable);
     EXPECT_EQ(textOf(session.local()), before) << "the text that was not sent used no version up";
@@ -98,14 +91,14 @@ TEST(Negotiator, ARejectedOfferStaysOpenToBeRefused) {
 
 TEST(Negotiator, AnOfferOfThePeer) {
     Negotiator session;
-    const Body offer = theirs("m=audio 49170 RTP/AVP 0 8\n");
+    const Body offer = offerOf("m=audio 49170 RTP/AVP 0 8\n");
     ASSERT_TRUE(session.receiveOffer(offer));
     EXPECT_EQ(session.state(), State::HaveRemoteOffer);
-    const auto early = session.answer(ours(kAudio), {}, true);
+    const auto early = session.answer(localOf(kAudio), {}, true);
     ASSERT_TRUE(early);
     EXPECT_EQ(session.state(), State::HaveRemoteOffer);
     EXPECT_EQ(session.local(), nullptr);
-    const auto final = session.answer(ours(kAudio));
+    const auto final = session.answer(localOf(kAudio));
     ASSERT_TRUE(final);
     EXPECT_EQ(negotiate_test::textOf(final->body), negotiate_test::textOf(early->body))
         << "the same answer, with the same version";
@@ -116,92 +109,92 @@ TEST(Negotiator, AnOfferOfThePeer) {
 
 TEST(Negotiator, HoldAndResume) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio)));
-    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
-    const auto hold = session.offer(ours(kHold));
+    ASSERT_TRUE(session.offer(localOf(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n")));
+    const auto hold = session.offer(localOf(kHold));
     ASSERT_TRUE(hold);
     EXPECT_EQ(versionOf(*hold), "2");
-    const auto held = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\na=recvonly\n"));
+    const auto held = session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\na=recvonly\n"));
     EXPECT_EQ(held->streams.at(0).direction, sdpline::Direction::SendOnly);
-    const auto resumed = session.offer(ours(kAudio));
+    const auto resumed = session.offer(localOf(kAudio));
     EXPECT_EQ(versionOf(*resumed), "3");
 }
 
 TEST(Negotiator, ARefusedOfferLeavesWhatIsInForceAndUsesItsVersionUp) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio)));
-    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.offer(localOf(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n")));
     const std::string inForce = textOf(session.local());
-    ASSERT_TRUE(session.offer(ours(kHold)));
+    ASSERT_TRUE(session.offer(localOf(kHold)));
     ASSERT_TRUE(session.refused());
     EXPECT_EQ(session.state(), State::Stable);
     EXPECT_EQ(textOf(session.local()), inForce);
     // The same again is what was sent; another one has the next version.
-    const auto again = session.offer(ours(kHold));
+    const auto again = session.offer(localOf(kHold));
     EXPECT_EQ(versionOf(*again), "2");
     ASSERT_TRUE(session.refused());
-    ASSERT_TRUE(session.receiveOffer(theirs("m=audio 49170 RTP/AVP 0\n")));
-    const auto answer = session.answer(ours(kAudio));
+    ASSERT_TRUE(session.receiveOffer(offerOf("m=audio 49170 RTP/AVP 0\n")));
+    const auto answer = session.answer(localOf(kAudio));
     EXPECT_EQ(versionOf(answer->body), "3");
 }
 
 // The m= lines of a refused offer have never been; its version has.
 TEST(Negotiator, ARefusedOfferLeavesNoLines) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio)));
-    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
-    ASSERT_TRUE(session.offer(ours(kAudio + "m=video 40002 RTP/AVP 31\n")));
+    ASSERT_TRUE(session.offer(localOf(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.offer(localOf(kAudio + "m=video 40002 RTP/AVP 31\n")));
     ASSERT_TRUE(session.refused());
-    const auto next = session.offer(ours(kHold));
+    const auto next = session.offer(localOf(kHold));
     ASSERT_TRUE(next);
     EXPECT_EQ(next->media().size(), 1u);
     EXPECT_EQ(versionOf(*next), "3");
     ASSERT_TRUE(session.refused());
 
     // What was in force again is another description than the one that was sent last.
-    const auto back = session.offer(ours(kAudio));
+    const auto back = session.offer(localOf(kAudio));
     EXPECT_EQ(versionOf(*back), "4");
 }
 
 TEST(Negotiator, ARefusedFirstOffer) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio + "m=video 40002 RTP/AVP 31\n")));
+    ASSERT_TRUE(session.offer(localOf(kAudio + "m=video 40002 RTP/AVP 31\n")));
     ASSERT_TRUE(session.refused());
-    const auto next = session.offer(ours(kAudio));
+    const auto next = session.offer(localOf(kAudio));
     ASSERT_TRUE(next);
     EXPECT_EQ(next->media().size(), 1u);
     EXPECT_EQ(versionOf(*next), "2");
-    const auto agreement = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n"));
+    const auto agreement = session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n"));
     ASSERT_TRUE(agreement);
     EXPECT_TRUE(agreement->decisions.empty());
 }
 
 TEST(Negotiator, ARefusedOfferOfThePeer) {
     Negotiator session;
-    ASSERT_TRUE(session.receiveOffer(theirs(kAudio)));
+    ASSERT_TRUE(session.receiveOffer(offerOf(kAudio)));
     ASSERT_TRUE(session.refuse());
     EXPECT_EQ(session.state(), State::Stable);
     EXPECT_EQ(session.remote(), nullptr);
-    ASSERT_TRUE(session.receiveOffer(theirs(kAudio)));
-    ASSERT_TRUE(session.answer(ours(kAudio)));
+    ASSERT_TRUE(session.receiveOffer(offerOf(kAudio)));
+    ASSERT_TRUE(session.answer(localOf(kAudio)));
 }
 
 TEST(Negotiator, Glare) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio)));
-    const auto status = session.receiveOffer(theirs(kAudio));
+    ASSERT_TRUE(session.offer(localOf(kAudio)));
+    const auto status = session.receiveOffer(offerOf(kAudio));
     ASSERT_FALSE(status);
     EXPECT_EQ(status.error().check, "Glare");
     EXPECT_EQ(status.error().fault, sdpline::Fault::Argument);
     EXPECT_EQ(status.error().sentence, "an offer arrived while ours waits for its answer");
     EXPECT_EQ(session.state(), State::HaveLocalOffer);
-    EXPECT_TRUE(session.receiveAnswer(theirs(kAudio)));
+    EXPECT_TRUE(session.receiveAnswer(offerOf(kAudio)));
 }
 
 // Each call in the states in which it has no place: an error, and nothing changes.
 TEST(Negotiator, CallsInTheWrongState) {
-    const Body local = ours(kAudio);
-    const Body remote = theirs(kAudio);
+    const Body local = localOf(kAudio);
+    const Body remote = offerOf(kAudio);
     Negotiator stable;
     EXPECT_EQ(stable.receiveAnswer(remote).error().check, "WrongState");
     EXPECT_EQ(stable.answer(local).error().check, "WrongState");
@@ -227,49 +220,49 @@ TEST(Negotiator, CallsInTheWrongState) {
 
 TEST(Negotiator, ProvisionalAnswersOfTwoPeers) {
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio)));
-    const auto one = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\na=sendonly\n"), true);
+    ASSERT_TRUE(session.offer(localOf(kAudio)));
+    const auto one = session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\na=sendonly\n"), true);
     EXPECT_EQ(one->streams.at(0).direction, sdpline::Direction::RecvOnly);
-    const auto two = session.receiveAnswer(theirs("m=audio 49180 RTP/AVP 0\n"), true);
+    const auto two = session.receiveAnswer(offerOf("m=audio 49180 RTP/AVP 0\n"), true);
     EXPECT_EQ(two->streams.at(0).direction, sdpline::Direction::SendRecv);
     EXPECT_EQ(session.remote(), nullptr);
-    const Body last = theirs("m=audio 49190 RTP/AVP 0\n");
+    const Body last = offerOf("m=audio 49190 RTP/AVP 0\n");
     ASSERT_TRUE(session.receiveAnswer(last));
     EXPECT_EQ(textOf(session.remote()), negotiate_test::textOf(last));
 }
 
 TEST(Negotiator, NoStreamAtFirst) {
     Negotiator session;
-    ASSERT_TRUE(session.receiveOffer(theirs("")));
-    const auto answer = session.answer(ours(kAudio));
+    ASSERT_TRUE(session.receiveOffer(offerOf("")));
+    const auto answer = session.answer(localOf(kAudio));
     ASSERT_TRUE(answer);
     EXPECT_TRUE(answer->accepted);
     EXPECT_EQ(negotiate_test::textOf(answer->body), kLocalHead);
-    const auto offer = session.offer(ours(kAudio));
+    const auto offer = session.offer(localOf(kAudio));
     ASSERT_TRUE(offer);
     EXPECT_EQ(versionOf(*offer), "2");
-    const auto agreement = session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n"));
+    const auto agreement = session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n"));
     EXPECT_TRUE(agreement->accepted);
 }
 
 TEST(Negotiator, AFaxThatIsRefusedOrRejectedAndSpeechAgain) {
     const std::string fax = "m=image 40010 udptl t38\n";
     Negotiator session;
-    ASSERT_TRUE(session.offer(ours(kAudio)));
-    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
-    const auto first = session.offer(ours(fax));
+    ASSERT_TRUE(session.offer(localOf(kAudio)));
+    ASSERT_TRUE(session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n")));
+    const auto first = session.offer(localOf(fax));
     EXPECT_EQ(media(*first), fax);
     ASSERT_TRUE(session.refused());
-    const auto speech = session.offer(ours(kAudio));
+    const auto speech = session.offer(localOf(kAudio));
     EXPECT_EQ(media(*speech), kAudio);
     EXPECT_EQ(versionOf(*speech), "3");
-    ASSERT_TRUE(session.receiveAnswer(theirs("m=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.receiveAnswer(offerOf("m=audio 49170 RTP/AVP 0\n")));
 
-    ASSERT_TRUE(session.offer(ours(fax)));
-    const auto rejected = session.receiveAnswer(theirs("m=image 0 udptl t38\n"));
+    ASSERT_TRUE(session.offer(localOf(fax)));
+    const auto rejected = session.receiveAnswer(offerOf("m=image 0 udptl t38\n"));
     EXPECT_FALSE(rejected->accepted);
     EXPECT_TRUE(rejected->decisions.empty()) << "that is no fault";
-    const auto again = session.offer(ours(kAudio));
+    const auto again = session.offer(localOf(kAudio));
     EXPECT_EQ(media(*again), kAudio) << "in the line that was fax";
     EXPECT_EQ(versionOf(*again), "5");
 }
@@ -283,16 +276,16 @@ TEST(Negotiator, PreconditionsOfBothSides) {
     using sdpline::Preconditions;
     Negotiator caller;
     Negotiator called;
-    ASSERT_TRUE(called.receiveOffer(*caller.offer(ours(kAudio + none + desired))));
-    const auto first = called.answer(theirs(peerAudio + none + desired));
+    ASSERT_TRUE(called.receiveOffer(*caller.offer(localOf(kAudio + none + desired))));
+    const auto first = called.answer(offerOf(peerAudio + none + desired));
     EXPECT_EQ(first->streams.at(0).preconditions, Preconditions::Unmet);
     const auto seen = caller.receiveAnswer(first->body);
     EXPECT_EQ(negotiate_test::textOf(seen->decisions), "");
     EXPECT_EQ(seen->streams.at(0).preconditions, Preconditions::Unmet);
     EXPECT_TRUE(seen->streams.at(0).confirm) << "the caller is asked to tell of its reservation";
 
-    ASSERT_TRUE(called.receiveOffer(*caller.offer(ours(kAudio + reserved + desired))));
-    const auto second = called.answer(theirs(peerAudio + reserved + desired));
+    ASSERT_TRUE(called.receiveOffer(*caller.offer(localOf(kAudio + reserved + desired))));
+    const auto second = called.answer(offerOf(peerAudio + reserved + desired));
     EXPECT_EQ(second->streams.at(0).preconditions, Preconditions::Met);
     const auto met = caller.receiveAnswer(second->body);
     EXPECT_EQ(met->streams.at(0).preconditions, Preconditions::Met);
@@ -303,13 +296,13 @@ TEST(Negotiator, TheLinesOfAnAnswerAreThoseOfTheNextOffer) {
     const std::string video = "m=video 40002 RTP/AVP 31\n";
     Negotiator session;
     ASSERT_TRUE(
-        session.receiveOffer(theirs("m=video 49172 RTP/AVP 31\nm=audio 49170 RTP/AVP 0\n")));
-    ASSERT_TRUE(session.answer(ours(kAudio)));
-    EXPECT_EQ(media(*session.offer(ours(kAudio + video))), video + kAudio);
+        session.receiveOffer(offerOf("m=video 49172 RTP/AVP 31\nm=audio 49170 RTP/AVP 0\n")));
+    ASSERT_TRUE(session.answer(localOf(kAudio)));
+    EXPECT_EQ(media(*session.offer(localOf(kAudio + video))), video + kAudio);
 }
 
 TEST(Negotiator, NullArguments) {
-    const Body local = ours(kAudio);
+    const Body local = localOf(kAudio);
     SdpLine *body = nullptr;
     EXPECT_EQ(SdpNegotiateCreate(nullptr), 1u);
     EXPECT_EQ(SdpNegotiateGetState(nullptr), 0u);

@@ -22,7 +22,7 @@ constexpr uint32_t kAlnum = SDP_LEXCTX_ALNUM;
 constexpr uint32_t kToken = SDP_LEXCTX_TOKEN;
 constexpr uint32_t kIpv6 = SDP_LEXCTX_IPV6;
 
-struct Row {
+struct Stop {
     std::string text;
     const char *result;
     uint32_t context;
@@ -47,7 +47,7 @@ const std::string kStart = "v=7\no=u 1 22 IN IP4 host\n"; // "host" is taken las
 const std::string kNamed = kStart + "s=-\n";              // "-"
 const std::string kTimed = kNamed + "t=1 33\n";           // "33"
 
-const Row kVersionAndOrigin[] = {
+const Stop kVersionAndOrigin[] = {
     {"v=x", "VersionDigits 101", kAlnum, SDP_TOK_ALPHA, "#"},
     {"v=7 \n", "VersionEnd 101", kSdp, SDP_TOK_SPACE, "7"},
     {"v=7\no= x", "OriginUser 101", kString, SDP_TOK_SPACE, "7"},
@@ -64,7 +64,7 @@ const Row kVersionAndOrigin[] = {
     {"v=7\no=a 1 22 IN IP4 host x", "OriginEnd 101", kSdp, SDP_TOK_SPACE, "host"},
 };
 
-const Row kTexts[] = {
+const Stop kTexts[] = {
     {kStart + "s=\n", "TextEmpty 101", kString, SDP_TOK_LF, "host"},
     {kStart + "s=" + kLong1024, "TextTooLong 1", kString, SDP_TOK_STRING, "host"},
     {kStart + "s=a " + kLong1023, "TextTooLong 1", kString, SDP_TOK_STRING, " "},
@@ -76,7 +76,7 @@ const Row kTexts[] = {
     {kNamed + "f=", "AfterName 102", kSdp, SDP_TOK_ALPHA, "-"},
 };
 
-const Row kConnections[] = {
+const Stop kConnections[] = {
     {kNamed + "c=in", "ConnNetType 101", kSdp, SDP_TOK_ALPHA, "-"},
     {kNamed + "c=IN/", "ConnNetTypeSpace 101", kSdp, SDP_TOK_SLASH, "-"},
     {kNamed + "c=IN IP5", "ConnAddrType 101", kSdp, SDP_TOK_ALPHA, "-"},
@@ -98,7 +98,7 @@ const Row kConnections[] = {
     {kNamed + "c=IN IP6 ::1 \n", "ConnEnd 101", kSdp, SDP_TOK_SPACE, "::1"},
 };
 
-const Row kTimes[] = {
+const Stop kTimes[] = {
     {kNamed + "t=x", "TimeStart 101", kAlnum, SDP_TOK_ALPHA, "-"},
     {kNamed + "t=4294967296 0", "TimeStartRange 1", kAlnum, SDP_TOK_DIGIT, "4294967296"},
     {kNamed + "t=1x", "TimeStartSpace 101", kAlnum, SDP_TOK_ALPHA, "1"},
@@ -114,7 +114,7 @@ const Row kTimes[] = {
     {kTimed + "r=0 7days\n", "ok", kSdp, SDP_TOK_LF, "days"},
 };
 
-const Row kAttributes[] = {
+const Stop kAttributes[] = {
     {kTimed + "a=:", "AttrName 101", kToken, SDP_TOK_COLON, "33"},
     {kTimed + "a=sendrecv:x", "ModeEnd 101", kSdp, SDP_TOK_COLON, "sendrecv"},
     {kTimed + "a=ptime 2", "PacketColon 101", kAlnum, SDP_TOK_SPACE, "ptime"},
@@ -169,7 +169,7 @@ const Row kAttributes[] = {
     {kTimed + "a=FAX\nf=", "AfterAttributes 102", kSdp, SDP_TOK_ALPHA, "FAX"},
 };
 
-const Row kRtpmaps[] = {
+const Stop kRtpmaps[] = {
     {kTimed + "a=rtpmap;", "RtpmapColon 101", kAlnum, SDP_TOK_SEMICOLON, "rtpmap"},
     {kTimed + "a=rtpmap:x", "RtpmapPayload 101", kAlnum, SDP_TOK_ALPHA, "rtpmap"},
     {kTimed + "a=rtpmap:4", "RtpmapSpace 101", kAlnum, SDP_TOK_LF, "4"},
@@ -187,7 +187,7 @@ const Row kRtpmaps[] = {
     {kTimed + "a=rtpmap:4 ab/8000/2\n", "ok", kSdp, SDP_TOK_LF, "2"},
 };
 
-const Row kPreconditions[] = {
+const Stop kPreconditions[] = {
     {kTimed + "a=curr;", "StatusColon 101", kToken, SDP_TOK_SEMICOLON, "curr"},
     {kTimed + "a=curr::", "StatusPrecondition 101", kToken, SDP_TOK_COLON, "curr"},
     {kTimed + "a=des:qos;", "StrengthSpace 101", kToken, SDP_TOK_SEMICOLON, "qos"},
@@ -201,7 +201,7 @@ const Row kPreconditions[] = {
     {kTimed + "a=curr:bw e2e none\n", "ok", kSdp, SDP_TOK_LF, "none"},
 };
 
-const Row kMedia[] = {
+const Stop kMediaLines[] = {
     {kNamed + "m=;", "MediaWord 101", kToken, SDP_TOK_SEMICOLON, "-"},
     {kNamed + "m=o;", "MediaWordSpace 101", kAlnum, SDP_TOK_SEMICOLON, "o"},
     {kNamed + "m=o x", "MediaPort 101", kAlnum, SDP_TOK_ALPHA, "o"},
@@ -230,13 +230,13 @@ class Aftermath : public testing::Test {
 protected:
     void SetUp() override { sdpSetThrowAwayBuffer(reinterpret_cast<const uint8_t *>("#"), 2); }
 
-    static void expect(const Row &row) {
+    static void expect(const Stop &row) {
         EXPECT_EQ(sdpGetLexerContext(), row.context) << row.text;
         EXPECT_EQ(LA(), row.kind) << row.text;
         EXPECT_EQ(sdpGetThrowAwayBuffer(), row.taken) << row.text;
     }
 
-    static void decode(const Row &row) {
+    static void decode(const Stop &row) {
         sdpSetThrowAwayBuffer(reinterpret_cast<const uint8_t *>("#"), 2);
         const SipString text = {static_cast<uint32_t>(row.text.size()),
                                 const_cast<char *>(row.text.data())};
@@ -247,8 +247,8 @@ protected:
     }
 
     template <size_t N>
-    static void decodeAll(const Row (&rows)[N]) {
-        for (const Row &row : rows) {
+    static void decodeAll(const Stop (&rows)[N]) {
+        for (const Stop &row : rows) {
             decode(row);
         }
     }
@@ -283,7 +283,7 @@ TEST_F(Aftermath, OfPreconditions) {
 }
 
 TEST_F(Aftermath, OfMedia) {
-    decodeAll(kMedia);
+    decodeAll(kMediaLines);
 }
 
 TEST_F(Aftermath, TheBufferHoldsTheTextWithoutAskingForItsAddressAgain) {
@@ -313,7 +313,7 @@ SDPResult onText() {
 
 struct Call {
     SDPResult (*parse)();
-    Row row;
+    Stop row;
 };
 
 // The first token of the text is current in the SDP context.
@@ -361,7 +361,7 @@ class AftermathOfCalls : public support::ParsingTest {
 protected:
     static void expect(const Call &call) {
         sdpSetThrowAwayBuffer(reinterpret_cast<const uint8_t *>("#"), 2);
-        const Row &row = call.row;
+        const Stop &row = call.row;
         EXPECT_EQ(named(call.parse()), row.result) << row.text;
         EXPECT_EQ(sdpGetLexerContext(), row.context) << row.text << ' ' << row.result;
         EXPECT_EQ(LA(), row.kind) << row.text << ' ' << row.result;

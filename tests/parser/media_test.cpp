@@ -33,7 +33,7 @@ protected:
 
 // ---- The order of lines
 
-struct Line {
+struct FirstToken {
     const char *text;
     uint32_t kind;
 };
@@ -42,7 +42,7 @@ constexpr const char *kMedia = "m=audio 1 RTP/AVP 0\n";
 constexpr const char *kConnection = "c=IN IP4 192.0.2.1\n";
 
 // Every kind of line, and first tokens that begin none.
-constexpr Line kLines[] = {
+constexpr FirstToken kFirstTokens[] = {
     {"v=0\n", 37},
     {"o=- 1 1 IN IP4 192.0.2.1\n", 35},
     {"s=-\n", 36},
@@ -72,7 +72,7 @@ constexpr Line kLines[] = {
 };
 
 // The line and the empty line after it, unless the text ends there.
-std::string after(const Line &line) {
+std::string after(const FirstToken &line) {
     return line.kind == SDP_TOK_EOF ? "" : std::string(line.text) + '\n';
 }
 
@@ -99,7 +99,7 @@ TEST_F(MediaTest, LinesFollowEachOtherInOneOrderOnly) {
         {"k=prompt\n", {a, m, end}, "AfterMediaKey 102"},
     };
     for (const Order &order : orders) {
-        for (const Line &line : kLines) {
+        for (const FirstToken &line : kFirstTokens) {
             log.clear();
             const std::string text = std::string(kMedia) + order.line + after(line);
             const bool follows = std::find(order.followers.begin(), order.followers.end(),
@@ -115,7 +115,7 @@ TEST_F(MediaTest, LinesFollowEachOtherInOneOrderOnly) {
 }
 
 TEST_F(MediaTest, AnyLineAfterTheAttributesIsLeftToTheCaller) {
-    for (const Line &line : kLines) {
+    for (const FirstToken &line : kFirstTokens) {
         if (line.kind != SDP_TOK_ATTRIBUTE) {
             EXPECT_EQ(named(parseOne(std::string(kMedia) + "a=x\na=y\n" + after(line))), "ok");
             EXPECT_EQ(LA(), line.kind) << line.text;
@@ -136,7 +136,7 @@ TEST_F(MediaTest, TheNextDescriptionAndTheEmptyLineAreLeftToTheCaller) {
 }
 
 TEST_F(MediaTest, ADescriptionBeginsWithItsMediaLine) {
-    for (const Line &line : kLines) {
+    for (const FirstToken &line : kFirstTokens) {
         if (line.kind != SDP_TOK_MEDIA) {
             EXPECT_EQ(named(parseOne(after(line))), "MediaLine 102") << line.text;
         }
@@ -238,14 +238,14 @@ std::string manyLines(uint32_t count) {
     return text + '\n';
 }
 
-constexpr uint32_t kSlot = sizeof(SDPMediaDesc *);
+constexpr uint32_t kMediaSlot = sizeof(SDPMediaDesc *);
 
 TEST_F(MediaTest, TheListGrowsByOneSlotAtATime) {
     ASSERT_EQ(named(parseAll(manyLines(4))), "ok");
     EXPECT_EQ(set.ulNoOfMediaDescs, 4u);
     const uint32_t size = sizeof(SDPMediaDesc);
-    EXPECT_EQ(sizesAskedFor(), (std::vector<uint32_t>{kSlot, size, 2 * kSlot, size, 3 * kSlot, size,
-                                                      4 * kSlot, size}));
+    EXPECT_EQ(sizesAskedFor(), (std::vector<uint32_t>{kMediaSlot, size, 2 * kMediaSlot, size,
+                                                      3 * kMediaSlot, size, 4 * kMediaSlot, size}));
 }
 
 TEST_F(MediaTest, DescriptionsUpTo255AreKept) {
@@ -261,7 +261,7 @@ TEST_F(MediaTest, TheCountWrapsWithThe256thDescription) {
     ASSERT_EQ(named(parseAll(manyLines(256))), "ok");
     EXPECT_EQ(set.ulNoOfMediaDescs, 0u);
     EXPECT_EQ(sizesAskedFor().size(), 512u) << "256 descriptions, 256 arrays";
-    EXPECT_EQ(sizesAskedFor()[510], 256 * kSlot);
+    EXPECT_EQ(sizesAskedFor()[510], 256 * kMediaSlot);
 }
 
 TEST_F(MediaTest, The257thDescriptionTakesTheFirstSlotOfTheSameArray) {
@@ -280,7 +280,7 @@ TEST_F(MediaTest, AfterTheWrapTheArrayGrowsFromOneSlotAgain) {
     EXPECT_EQ(portOf(2), 259u);
     const uint32_t size = sizeof(SDPMediaDesc);
     const std::vector<uint32_t> last(sizesAskedFor().end() - 5, sizesAskedFor().end());
-    EXPECT_EQ(last, (std::vector<uint32_t>{size, 2 * kSlot, size, 3 * kSlot, size}));
+    EXPECT_EQ(last, (std::vector<uint32_t>{size, 2 * kMediaSlot, size, 3 * kMediaSlot, size}));
 }
 
 TEST_F(MediaTest, TheCountWrapsTwice) {

@@ -210,11 +210,11 @@ TEST_F(TextLines, StopsAtAnotherKind) {
 }
 
 TEST_F(TextLines, GrowsByOneSlotForEachLine) {
-    constexpr uint32_t kSlot = sizeof(void *);
-    constexpr uint32_t kString = sizeof(SipString);
+    constexpr uint32_t slot = sizeof(void *);
+    constexpr uint32_t string = sizeof(SipString);
     ASSERT_EQ(parse("p=1\np=22\np=333\n"), "ok");
-    EXPECT_EQ(sizesAskedFor(), (std::vector<uint32_t>{kSlot, kString, 1, 2 * kSlot, kString, 2,
-                                                      3 * kSlot, kString, 3}));
+    EXPECT_EQ(sizesAskedFor(),
+              (std::vector<uint32_t>{slot, string, 1, 2 * slot, string, 2, 3 * slot, string, 3}));
 }
 
 TEST_F(TextLines, FailsWithoutMemory) {

@@ -142,8 +142,6 @@ protected:
     void TearDown() override { g_gpfnSipLmLogHndlr = nullptr; }
 };
 
-} // namespace
-
 TEST_F(Threads, GiveWhatOneGivesAlone) {
     const std::vector<std::string> bodies = someBodies();
     SipMmStatistics before;
@@ -257,3 +255,5 @@ TEST_F(Threads, HaveALexerAndHooksOfTheirOwn) {
 }
 
 #endif
+
+} // namespace

@@ -20,8 +20,6 @@ using tidytest::Place;
 using tidytest::Tidied;
 using tidytest::UntidyBody;
 
-constexpr uint64_t kAll = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
-
 // Rules that cannot meet in one line.
 struct Never {
     uint32_t first;
@@ -95,10 +93,10 @@ UntidyBody bodyOf(const Pair &pair) {
 Tidied tidiedPair(const UntidyBody &body, SDPDecodeOptions &options) {
     options = tidytest::kStrict;
     if (body.isTooLong) { // with the carriage returns that it has when all else is repaired
-        const Tidied whole = tidytest::tidied(body.text(), kAll);
+        const Tidied whole = tidytest::tidied(body.text(), tidytest::kAll);
         options.ulMaxBodySize = static_cast<uint32_t>(whole.text.size()) - 1;
     }
-    return tidytest::tidied(body.text(), kAll, options);
+    return tidytest::tidied(body.text(), tidytest::kAll, options);
 }
 
 TEST(TidyPairs, HaveAFaultForEveryRule) {
@@ -115,7 +113,7 @@ TEST(TidyPairs, HaveAFaultForEveryRule) {
             EXPECT_TRUE(tells(tidied, fault.rule)) << body.text();
         }
     }
-    EXPECT_EQ(rules, kAll);
+    EXPECT_EQ(rules, tidytest::kAll);
 }
 
 TEST(TidyPairs, AreRepairedAndToldTogether) {
@@ -136,7 +134,7 @@ TEST(TidyPairs, AreRepairedAndToldTogether) {
         EXPECT_EQ(tidied.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << what;
         EXPECT_TRUE(tells(tidied, pair.first->rule)) << what;
         EXPECT_TRUE(tells(tidied, pair.second->rule)) << what;
-        tidytest::expectProperties(body.text(), tidied, kAll, options);
+        tidytest::expectProperties(body.text(), tidied, tidytest::kAll, options);
         ++pairs;
         inOneLine += sameLine ? 1 : 0;
     });

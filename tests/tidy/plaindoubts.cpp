@@ -13,6 +13,9 @@ namespace tidytest {
 
 namespace {
 
+// What 32 bits hold.
+const std::string kLargest = "4294967295";
+
 struct PlainLine {
     std::string given;
     std::string read;          // without NULs and indentation
@@ -146,70 +149,112 @@ private:
 
     // The largest number in 32 bits is written back as if none had been given.
     void given(const PlainLine &line, const std::smatch &match, size_t group) {
-        const bool wraps = match[group].matched && isAbove(match.str(group), "4294967295");
+        const bool wraps = match[group].matched && isAbove(match.str(group), kLargest);
         limit(line, match, group, "4294967294", wraps ? "NumberWraps" : "AttributeLost");
     }
 
     // A number of 0 is written back as if none had been given.
     void counted(const PlainLine &line, const std::smatch &match, size_t group) {
-        limit(line, match, group, "4294967295", "NumberWraps");
+        limit(line, match, group, kLargest, "NumberWraps");
         if (match[group].matched && !isAbove(match.str(group), "0")) {
             add(line, static_cast<size_t>(match.position(group)), "AttributeLost");
         }
     }
 
     void values(const PlainLine &line, char key) {
-        static const std::string largest = "4294967295";
-        static const std::regex version("v=(\\d+)");
-        static const std::regex ip4(
-            "c=IN IP4 (\\d+)\\.(\\d+)\\.(\\d+)\\.(\\d+)(?:/(\\d+))?(?:/(\\d+))?");
-        static const std::regex ip6("c=IN IP6 ([^/]*)(?:/(\\d+))?(?:/(\\d+))?");
-        static const std::regex number("a=(?:ptime|maxptime|framerate|quality|T38FaxVersion|"
-                                       "T38MaxBitRate|T38FaxMaxBuffer|T38FaxMaxDatagram):"
-                                       "(\\d+)(\\.\\d+)?");
-        static const std::regex flag(
-            "a=T38Fax(?:FillBitRemoval|TranscodingMMR|TranscodingJBIG):(\\d+)");
-        static const std::regex control("a=ipbcp:(\\d+) .*");
-        static const std::regex map("a=rtpmap:(\\d+) [^/]*/(\\d+)(?:/(\\d+))?");
+        switch (key) {
+        case 'v': version(line); break;
+        case 'c':
+            ip4(line);
+            ip6(line);
+            break;
+        case 'a':
+            number(line);
+            flag(line);
+            control(line);
+            map(line);
+            break;
+        case 'r': repeat(line); break;
+        case 'm': media(line); break;
+        }
+    }
+
+    void version(const PlainLine &line) {
+        static const std::regex form("v=(\\d+)");
         std::smatch match;
-        const std::string &text = line.read;
-        if (key == 'v' && std::regex_match(text, match, version)) {
-            limit(line, match, 1, largest, "NumberWraps");
-        } else if (std::regex_match(text, match, ip4)) {
+        if (std::regex_match(line.read, match, form)) {
+            limit(line, match, 1, kLargest, "NumberWraps");
+        }
+    }
+
+    void ip4(const PlainLine &line) {
+        static const std::regex form(
+            "c=IN IP4 (\\d+)\\.(\\d+)\\.(\\d+)\\.(\\d+)(?:/(\\d+))?(?:/(\\d+))?");
+        std::smatch match;
+        if (std::regex_match(line.read, match, form)) {
             for (size_t octet = 1; octet <= 4; ++octet) {
                 limit(line, match, octet, "255", "OctetRange");
             }
             given(line, match, 5);
             given(line, match, 6);
-        } else if (std::regex_match(text, match, ip6)) {
+        }
+    }
+
+    void ip6(const PlainLine &line) {
+        static const std::regex form("c=IN IP6 ([^/]*)(?:/(\\d+))?(?:/(\\d+))?");
+        std::smatch match;
+        if (std::regex_match(line.read, match, form)) {
             in6_addr address;
             if (inet_pton(AF_INET6, match.str(1).c_str(), &address) != 1) {
                 add(line, static_cast<size_t>(match.position(1)), "AddressText");
             }
             given(line, match, 2);
             given(line, match, 3);
-        } else if (std::regex_match(text, match, number)) {
-            limit(line, match, 1, largest, "NumberWraps");
+        }
+    }
+
+    void number(const PlainLine &line) {
+        static const std::regex form("a=(?:ptime|maxptime|framerate|quality|T38FaxVersion|"
+                                     "T38MaxBitRate|T38FaxMaxBuffer|T38FaxMaxDatagram):"
+                                     "(\\d+)(\\.\\d+)?");
+        std::smatch match;
+        if (std::regex_match(line.read, match, form)) {
+            limit(line, match, 1, kLargest, "NumberWraps");
             if (match[2].matched && match.str(2).find_first_not_of(".0") != std::string::npos) {
                 add(line, static_cast<size_t>(match.position(2)), "FramerateRounded");
             }
-        } else if (std::regex_match(text, match, flag)) {
+        }
+    }
+
+    void flag(const PlainLine &line) {
+        static const std::regex form(
+            "a=T38Fax(?:FillBitRemoval|TranscodingMMR|TranscodingJBIG):(\\d+)");
+        std::smatch match;
+        if (std::regex_match(line.read, match, form)) {
             const bool lost = SdpGetT380ptCfg() != SDP_T38_STYLE_VALUE;
             if (lost ? isAbove(match.str(1), "1") || !isAbove(match.str(1), "0")
-                     : isAbove(match.str(1), largest)) {
+                     : isAbove(match.str(1), kLargest)) {
                 add(line, static_cast<size_t>(match.position(1)),
                     lost ? "AttributeLost" : "NumberWraps");
             }
-        } else if (std::regex_match(text, match, control)) {
+        }
+    }
+
+    void control(const PlainLine &line) {
+        static const std::regex form("a=ipbcp:(\\d+) .*");
+        std::smatch match;
+        if (std::regex_match(line.read, match, form)) {
             limit(line, match, 1, "255", "AttributeLost");
-        } else if (std::regex_match(text, match, map)) {
+        }
+    }
+
+    void map(const PlainLine &line) {
+        static const std::regex form("a=rtpmap:(\\d+) [^/]*/(\\d+)(?:/(\\d+))?");
+        std::smatch match;
+        if (std::regex_match(line.read, match, form)) {
             limit(line, match, 1, "127", "PayloadRange");
-            limit(line, match, 2, largest, "NumberWraps");
+            limit(line, match, 2, kLargest, "NumberWraps");
             counted(line, match, 3);
-        } else if (key == 'r') {
-            repeat(line);
-        } else if (key == 'm') {
-            media(line);
         }
     }
 
@@ -217,7 +262,7 @@ private:
         static const std::regex time("(\\d+)([A-Za-z]*)");
         auto at = std::sregex_iterator(line.read.begin() + 2, line.read.end(), time);
         for (; at != std::sregex_iterator(); ++at) {
-            if (isAbove(at->str(1), "4294967295")) {
+            if (isAbove(at->str(1), kLargest)) {
                 add(line, static_cast<size_t>(at->position(1)) + 2, "NumberWraps");
             }
             if (at->str(2).size() > 1) {

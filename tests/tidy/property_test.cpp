@@ -15,13 +15,11 @@ namespace {
 using support::Chance;
 using tidytest::Tidied;
 
-constexpr uint64_t kAll = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
-
 TEST(TidyProperty, AcceptedTextIsReturnedByteForByte) {
     std::mt19937 engine(1);
     for (int i = 0; i < 500 && !HasFailure(); ++i) {
         const std::string text = support::generateBody(engine);
-        const Tidied tidied = tidytest::tidied(text, kAll);
+        const Tidied tidied = tidytest::tidied(text, tidytest::kAll);
         EXPECT_EQ(tidied.outcome, static_cast<uint32_t>(SDP_TIDY_UNCHANGED));
         EXPECT_EQ(tidied.text, text);
         EXPECT_TRUE(tidied.rows.empty());
@@ -82,9 +80,10 @@ TEST(TidyProperty, HoldsForUntidyBodies) {
         if (text.empty()) {
             continue;
         }
-        const uint64_t rules = i % 4 == 0   ? SdpTidyRulesOf(SDP_TIDY_DEFAULT)
-                               : i % 4 == 1 ? kAll & (uint64_t{engine()} | uint64_t{engine()} << 32)
-                                            : kAll;
+        const uint64_t rules =
+            i % 4 == 0   ? SdpTidyRulesOf(SDP_TIDY_DEFAULT)
+            : i % 4 == 1 ? tidytest::kAll & (uint64_t{engine()} | uint64_t{engine()} << 32)
+                         : tidytest::kAll;
         const SDPDecodeOptions options = {static_cast<uint32_t>(i % 2), SDP_MAX_BODY};
         const Tidied tidied = tidytest::tidied(text, rules, options);
         tidytest::expectProperties(text, tidied, rules, options);
@@ -105,8 +104,8 @@ TEST(TidyProperty, HoldsForDamagedBodies) {
         if (text.empty() || text.size() > SDP_MAX_LONG_BODY) {
             continue;
         }
-        const Tidied tidied = tidytest::tidied(text, kAll);
-        tidytest::expectProperties(text, tidied, kAll, tidytest::kStrict);
+        const Tidied tidied = tidytest::tidied(text, tidytest::kAll);
+        tidytest::expectProperties(text, tidied, tidytest::kAll, tidytest::kStrict);
         if (HasFailure()) {
             ADD_FAILURE() << support::readable(text) << "\n---- repaired\n"
                           << support::readable(tidied.text) << "\n----\n"

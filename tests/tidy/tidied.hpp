@@ -25,6 +25,8 @@ struct Tidied {
     std::string doubts() const;
 };
 
+// Every rule that repairs.
+inline constexpr uint64_t kAll = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
 inline constexpr SDPDecodeOptions kStrict = {0, SDP_MAX_BODY};
 
 Tidied tidied(std::string_view text, uint64_t rules, const SDPDecodeOptions &options = kStrict);

@@ -14,9 +14,8 @@ using support::Held;
 using tidytest::Tidied;
 using tidytest::tidied;
 
-constexpr uint64_t kAll = SDP_TIDY_BIT(SDP_TIDY_CR_INSIDE) - 1;
 const std::string kHead = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n";
-const std::string kUntidy = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=\r\nt=0 0\r\n";
+const std::string kNoName = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=\r\nt=0 0\r\n";
 
 // ---- Rules
 
@@ -50,7 +49,7 @@ TEST(TidyRules, AreInOneSetEach) {
     }
     EXPECT_EQ(all, SDP_TIDY_BIT(SDP_TIDY_RULE_COUNT) - 1);
     EXPECT_EQ(SdpTidyRulesOf(0), 0u);
-    EXPECT_EQ(SdpTidyRulesOf(SDP_TIDY_DOUBT), all & ~kAll);
+    EXPECT_EQ(SdpTidyRulesOf(SDP_TIDY_DOUBT), all & ~tidytest::kAll);
 }
 
 TEST(TidyRules, OfTheDefaultSetLoseAndChangeNothing) {
@@ -85,13 +84,14 @@ TEST(TidyText, RefusesWhatIsNoText) {
 
 TEST(TidyText, LooksAtNoMoreThan65535Bytes) {
     const std::string body = kHead + "a=x:" + std::string(65535, 'y');
-    EXPECT_EQ(tidied(body, kAll).result, static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
-    EXPECT_NE(tidied(body.substr(0, 65535), kAll).result, static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
+    EXPECT_EQ(tidied(body, tidytest::kAll).result, static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
+    EXPECT_NE(tidied(body.substr(0, 65535), tidytest::kAll).result,
+              static_cast<uint32_t>(SDP_TIDY_ARGUMENT));
 }
 
 TEST(TidyText, WithoutOptionsMakesTheDefaultRepairs) {
-    const SipString text = {static_cast<uint32_t>(kUntidy.size()),
-                            const_cast<char *>(kUntidy.data())};
+    const SipString text = {static_cast<uint32_t>(kNoName.size()),
+                            const_cast<char *>(kNoName.data())};
     SDPTidyReport report;
     ASSERT_EQ(SdpTidyText(&text, nullptr, &report), 0u);
     EXPECT_EQ(report.enOutcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED));
@@ -115,8 +115,8 @@ TEST(TidyText, UnderTheSettingsOfTheProcessWithoutOthers) {
 
 TEST(TidyText, LeavesTheBodyToWhoeverTakesIt) {
     const Held before = Held::now();
-    const SipString text = {static_cast<uint32_t>(kUntidy.size()),
-                            const_cast<char *>(kUntidy.data())};
+    const SipString text = {static_cast<uint32_t>(kNoName.size()),
+                            const_cast<char *>(kNoName.data())};
     SDPTidyReport report;
     ASSERT_EQ(SdpTidyText(&text, nullptr, &report), 0u);
     SdpLine *line = report.pstLine;
@@ -148,7 +148,7 @@ TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
     const std::string body = kHead + "a=x:y \r\nm=audio 5 RTP/AVP 0\r\n";
     for (uint32_t n = 1;; ++n) {
         Allocations::failAt(n);
-        const Tidied refused = tidied(body, kAll);
+        const Tidied refused = tidied(body, tidytest::kAll);
         const bool failed = Allocations::failed();
         Allocations::reset();
         if (!failed) {
@@ -189,13 +189,13 @@ TEST(TidyText, KnowsTheChecksOfMemory) {
 
 TEST(TidyNever, IsTextBeforeTheVersion) {
     for (const std::string before : {"x", "--boundary\r\n", "a=x\r\n", ";"}) {
-        const Tidied refused = tidied(before + kUntidy, kAll);
+        const Tidied refused = tidied(before + kNoName, tidytest::kAll);
         EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED)) << before;
     }
 }
 
 TEST(TidyNever, IsASecondVersion) {
-    const Tidied refused = tidied(kUntidy + "v=0\r\n", kAll);
+    const Tidied refused = tidied(kNoName + "v=0\r\n", tidytest::kAll);
     EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED));
     EXPECT_TRUE(refused.rows.empty());
 }
@@ -203,7 +203,7 @@ TEST(TidyNever, IsASecondVersion) {
 TEST(TidyNever, IsACrInsideALine) {
     for (const std::string line :
          {"m=audio 5 RTP/AVP\r0\r\n", "m=audio 5 RTP/AVP 0\r\r\n", "c=IN IP4\r192.0.2.1\r\n"}) {
-        const Tidied refused = tidied(kHead + line, kAll);
+        const Tidied refused = tidied(kHead + line, tidytest::kAll);
         EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED)) << line;
     }
 }
@@ -226,7 +226,7 @@ TEST(TidyCost, IsLinear) {
                 body += line;
             }
             Allocations::reset();
-            tidied(body, kAll, options);
+            tidied(body, tidytest::kAll, options);
             requests[i] = Allocations::count();
         }
         EXPECT_LE(requests[1], 2 * requests[0] + 2)

@@ -1,6 +1,7 @@
 #include "tidy/untidybody.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 namespace tidytest {
 
@@ -79,39 +80,72 @@ size_t netOf(Place place) {
     return place == Place::Origin ? 3 : 0;
 }
 
+using Apply = std::function<void(UntidyBody &, Place)>;
+
+// Another text for a field of the line.
+Apply field(size_t index, const char *text) {
+    return [=](UntidyBody &body, Place at) { body.at(at).fields[index] = text; };
+}
+
+// The same, counted from the type of the network.
+Apply fieldFromNet(size_t index, const char *text) {
+    return [=](UntidyBody &body, Place at) { body.at(at).fields[netOf(at) + index] = text; };
+}
+
+// One line more after that of a place.
+Apply lineAfter(Place place, const char *line) {
+    return [=](UntidyBody &body, Place) { body.insertAfter(place, line); };
+}
+
+Apply moveAfter(Place place) {
+    return [=](UntidyBody &body, Place at) { body.moveAfter(at, place); };
+}
+
+void erase(UntidyBody &body, Place at) {
+    body.erase(at);
+}
+
 // ---- Within a line
 
-const std::vector<Fault> &inLines() {
-    static const std::vector<Fault> faults = {
-        {SDP_TIDY_ORIGIN_ID,
-         {Place::Origin},
-         [](UntidyBody &body, Place at) { body.at(at).fields[2] = "0xAC4E"; }},
-        {SDP_TIDY_NET_CASE, kTyped,
-         [](UntidyBody &body, Place at) { body.at(at).fields[netOf(at)] = "in"; }},
-        {SDP_TIDY_ADDR_TYPE_WORD, kTyped,
-         [](UntidyBody &body, Place at) { body.at(at).fields[netOf(at) + 1] = "IPV4"; }},
-        {SDP_TIDY_ADDR_FAMILY, kConnections,
-         [](UntidyBody &body, Place at) { body.at(at).fields[2] = "2001:db8::1"; }},
-        {SDP_TIDY_CONN_HOST, kConnections,
-         [](UntidyBody &body, Place at) { body.at(at).fields[2] = "media.example.com"; }},
-        {SDP_TIDY_ADDR_TYPE_MISSING, kTyped,
-         [](UntidyBody &body, Place at) {
-             std::vector<std::string> &fields = body.at(at).fields;
-             fields.erase(fields.begin() + static_cast<ptrdiff_t>(netOf(at)) + 1);
-         }},
+void withoutAddressType(UntidyBody &body, Place at) {
+    std::vector<std::string> &fields = body.at(at).fields;
+    fields.erase(fields.begin() + static_cast<ptrdiff_t>(netOf(at)) + 1);
+}
+
+void withTwoUsers(UntidyBody &body, Place at) {
+    std::vector<std::string> &fields = body.at(at).fields;
+    fields[0] = "J";
+    fields.insert(fields.begin() + 1, "Q");
+}
+
+std::vector<Fault> ofAddresses() {
+    return {
+        {SDP_TIDY_ORIGIN_ID, {Place::Origin}, field(2, "0xAC4E")},
+        {SDP_TIDY_NET_CASE, kTyped, fieldFromNet(0, "in")},
+        {SDP_TIDY_ADDR_TYPE_WORD, kTyped, fieldFromNet(1, "IPV4")},
+        {SDP_TIDY_ADDR_FAMILY, kConnections, field(2, "2001:db8::1")},
+        {SDP_TIDY_CONN_HOST, kConnections, field(2, "media.example.com")},
+        {SDP_TIDY_ADDR_TYPE_MISSING, kTyped, withoutAddressType},
         {SDP_TIDY_ORIGIN_ADDRESS,
          {Place::Origin},
          [](UntidyBody &body, Place at) { body.at(at).fields.pop_back(); }},
-        {SDP_TIDY_ORIGIN_SPACES,
-         {Place::Origin},
-         [](UntidyBody &body, Place at) {
-             std::vector<std::string> &fields = body.at(at).fields;
-             fields[0] = "J";
-             fields.insert(fields.begin() + 1, "Q");
-         }},
+        {SDP_TIDY_ORIGIN_SPACES, {Place::Origin}, withTwoUsers},
         {SDP_TIDY_ORIGIN_USER,
          {Place::Origin},
          [](UntidyBody &body, Place at) { body.at(at).fields.erase(body.at(at).fields.begin()); }},
+    };
+}
+
+void withASpaceInTheMap(UntidyBody &body, Place at) {
+    std::string &first = body.at(at).fields[0];
+    const size_t colon = first.find(':');
+    colon == std::string::npos
+        ? body.at(at).fields[1].insert(body.at(at).fields[1].find('/') + 1, " ")
+        : first.insert(colon + 1, " ");
+}
+
+std::vector<Fault> ofValues() {
+    return {
         {SDP_TIDY_NAME_EMPTY,
          {Place::Name},
          [](UntidyBody &body, Place at) { body.at(at).fields.clear(); }},
@@ -121,27 +155,20 @@ const std::vector<Fault> &inLines() {
         {SDP_TIDY_ATTR_COLON,
          {Place::Map, Place::OtherMap, Place::Number},
          [](UntidyBody &body, Place at) { std::ranges::replace(body.at(at).fields[0], ':', ' '); }},
-        {SDP_TIDY_RTPMAP_SPACE,
-         {Place::Map, Place::OtherMap},
-         [](UntidyBody &body, Place at) {
-             std::string &first = body.at(at).fields[0];
-             const size_t colon = first.find(':');
-             colon == std::string::npos
-                 ? body.at(at).fields[1].insert(body.at(at).fields[1].find('/') + 1, " ")
-                 : first.insert(colon + 1, " ");
-         }},
-        {SDP_TIDY_RTPMAP_CLOCK,
-         {Place::Map},
-         [](UntidyBody &body, Place at) { body.at(at).fields[1] = "PCMU"; }},
-        {SDP_TIDY_RTPMAP_NO_CLOCK,
-         {Place::OtherMap},
-         [](UntidyBody &body, Place at) { body.at(at).fields[1] = "x-codec"; }},
+        {SDP_TIDY_RTPMAP_SPACE, {Place::Map, Place::OtherMap}, withASpaceInTheMap},
+        {SDP_TIDY_RTPMAP_CLOCK, {Place::Map}, field(1, "PCMU")},
+        {SDP_TIDY_RTPMAP_NO_CLOCK, {Place::OtherMap}, field(1, "x-codec")},
         {SDP_TIDY_SILENCE_PARAMS,
          {Place::Silence},
          [](UntidyBody &body, Place at) { body.at(at).fields.resize(1); }},
         {SDP_TIDY_FORMAT_MISSING,
          {Place::Audio, Place::Message},
          [](UntidyBody &body, Place at) { body.at(at).fields.resize(3); }},
+    };
+}
+
+std::vector<Fault> ofBlanks() {
+    return {
         {SDP_TIDY_SPACE_RUN,
          {Place::Origin, Place::Connection, Place::AudioConnection, Place::Time, Place::Audio,
           Place::Message, Place::Map, Place::OtherMap},
@@ -159,13 +186,12 @@ const std::vector<Fault> &inLines() {
           Place::OtherMap, Place::Number, Place::Flag, Place::Silence, Place::Message},
          [](UntidyBody &body, Place at) { body.at(at).equals = " ="; }},
     };
-    return faults;
 }
 
 // ---- Of lines, and of the whole
 
-const std::vector<Fault> &ofLines() {
-    static const std::vector<Fault> faults = {
+std::vector<Fault> ofLines() {
+    return {
         {SDP_TIDY_LINE_TWICE,
          {Place::Origin, Place::Name, Place::Info, Place::Connection, Place::AudioInfo,
           Place::AudioConnection},
@@ -177,27 +203,20 @@ const std::vector<Fault> &ofLines() {
          [](UntidyBody &body, Place at) { body.insertAfter(at, "c=IN IP4 192.0.2.9"); }},
         {SDP_TIDY_LINE_ORDER,
          {Place::AudioInfo, Place::AudioConnection, Place::Bandwidth},
-         [](UntidyBody &body, Place at) { body.moveAfter(at, Place::Silence); }},
-        {SDP_TIDY_LINE_LEVEL,
-         {Place::Time},
-         [](UntidyBody &body, Place at) { body.moveAfter(at, Place::Bandwidth); }},
-        {SDP_TIDY_LINE_UNKNOWN,
-         {Place::Whole},
-         [](UntidyBody &body, Place) { body.insertAfter(Place::Bandwidth, "y=1"); }},
-        {SDP_TIDY_LINE_EMPTY,
-         {Place::Whole},
-         [](UntidyBody &body, Place) { body.insertAfter(Place::Bandwidth, "b="); }},
-        {SDP_TIDY_EMPTY_LINES,
-         {Place::Whole},
-         [](UntidyBody &body, Place) { body.insertAfter(Place::Origin, ""); }},
-        {SDP_TIDY_VERSION_MISSING,
-         {Place::Version},
-         [](UntidyBody &body, Place at) { body.erase(at); }},
-        {SDP_TIDY_ORIGIN_MISSING,
-         {Place::Origin},
-         [](UntidyBody &body, Place at) { body.erase(at); }},
-        {SDP_TIDY_NAME_MISSING, {Place::Name}, [](UntidyBody &body, Place at) { body.erase(at); }},
-        {SDP_TIDY_TIME_MISSING, {Place::Time}, [](UntidyBody &body, Place at) { body.erase(at); }},
+         moveAfter(Place::Silence)},
+        {SDP_TIDY_LINE_LEVEL, {Place::Time}, moveAfter(Place::Bandwidth)},
+        {SDP_TIDY_LINE_UNKNOWN, {Place::Whole}, lineAfter(Place::Bandwidth, "y=1")},
+        {SDP_TIDY_LINE_EMPTY, {Place::Whole}, lineAfter(Place::Bandwidth, "b=")},
+        {SDP_TIDY_EMPTY_LINES, {Place::Whole}, lineAfter(Place::Origin, "")},
+        {SDP_TIDY_VERSION_MISSING, {Place::Version}, erase},
+        {SDP_TIDY_ORIGIN_MISSING, {Place::Origin}, erase},
+        {SDP_TIDY_NAME_MISSING, {Place::Name}, erase},
+        {SDP_TIDY_TIME_MISSING, {Place::Time}, erase},
+    };
+}
+
+std::vector<Fault> ofTheWhole() {
+    return {
         {SDP_TIDY_LEADING_BLANK,
          {Place::Whole},
          [](UntidyBody &body, Place) { body.before += body.lineEnd + " "; }},
@@ -214,16 +233,17 @@ const std::vector<Fault> &ofLines() {
              std::erase(body.before, '\n');
          }},
     };
-    return faults;
 }
 
 } // namespace
 
 const std::vector<Fault> &faults() {
     static const std::vector<Fault> all = [] {
-        std::vector<Fault> both = inLines();
-        both.insert(both.end(), ofLines().begin(), ofLines().end());
-        return both;
+        std::vector<Fault> joined;
+        for (const auto some : {ofAddresses, ofValues, ofBlanks, ofLines, ofTheWhole}) {
+            std::ranges::move(some(), std::back_inserter(joined));
+        }
+        return joined;
     }();
     return all;
 }
