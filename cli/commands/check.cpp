@@ -50,7 +50,7 @@ public:
     void problem(const InputProblem &problem) override {
         progress_->hide();
         const bool note = problem.kind == Problem::Note;
-        if (report_->tellsProblems() || (note && options_.report.quiet)) {
+        if (report_->printsProblems() || (note && options_.report.quiet)) {
             noteProblem(problem.kind);
         } else {
             BodyUser::problem(problem);

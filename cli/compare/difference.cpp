@@ -19,7 +19,7 @@ Texts textsOf(const sdpline::Texts &list) {
     return {list.begin(), list.end()};
 }
 
-// "0 0", with " r=7d 1h 0" for every r= line.
+// "0 0", followed by " r=7d 1h 0" for every r= line.
 Texts textsOf(const sdpline::Times &times) {
     Texts texts;
     for (const sdpline::Time time : times) {
@@ -37,7 +37,7 @@ Texts textsOf(const sdpline::Times &times) {
     return texts;
 }
 
-// "a=ptime:20" and so on, directions left out.
+// "a=ptime:20" for each attribute, without the directions.
 Texts textsOf(const sdpline::Attributes &attributes) {
     Texts texts;
     for (const sdpline::Attribute attribute : attributes) {
@@ -48,7 +48,7 @@ Texts textsOf(const sdpline::Attributes &attributes) {
     return texts;
 }
 
-// "101 (telephone-event/8000)": the mapping of the media description, or the static one.
+// "101 (telephone-event/8000)", from the a=rtpmap line or the static payload types.
 std::string payloadText(uint32_t payload, const sdpline::Media &media) {
     const auto encoding = media.attributes().encoding(payload);
     std::string text = std::to_string(payload);
@@ -59,8 +59,8 @@ std::string payloadText(uint32_t payload, const sdpline::Media &media) {
     return text;
 }
 
-// What two different values of an attribute have in common: the name, and the payload where there
-// can be one for each.
+// The part that two values of one attribute have in common: the name, with the payload number for
+// attributes that may occur once for each payload.
 std::string attributeKey(const std::string &line) {
     const size_t colon = line.find(':');
     std::string name = line.substr(0, colon);
@@ -71,7 +71,7 @@ std::string attributeKey(const std::string &line) {
     return name;
 }
 
-// What is compared, and what comes before its text in a line.
+// The name of a compared value, and the text before it in a line.
 struct What {
     std::string_view name;
     std::string_view before;
@@ -136,8 +136,8 @@ private:
         return body.attributes().direction().value_or(sdpline::Direction::SendRecv);
     }
 
-    // Whether the session's value counts in both bodies for some media description; without any
-    // media it does.
+    // Whether the value of the session applies, in both bodies, to some media description, or there
+    // is no media description.
     bool isInForce(bool (*overrides)(const sdpline::Media &media)) const {
         for (size_t i = 0; i < pairs_; ++i) {
             if (!overrides(first_.media()[i]) && !overrides(second_.media()[i])) {
@@ -188,7 +188,7 @@ private:
         text({"payload order", kProtocolWords}, commonA, commonB);
     }
 
-    // Returns those that both have, in the order of the first.
+    // Adds the payloads that only `media` has. Returns the common ones, in the order of `media`.
     std::string payloadsOnlyIn(const sdpline::Media &media, const sdpline::Media &other,
                                OptionalText Change::*side) {
         std::string common;
@@ -221,7 +221,7 @@ private:
         }
     }
 
-    // Leaves what only one of them has.
+    // Removes the texts that both lists have.
     static void removeCommon(Texts &a, Texts &b) {
         std::erase_if(a, [&b](const std::string &text) {
             const auto found = std::ranges::find(b, text);

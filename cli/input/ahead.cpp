@@ -19,7 +19,7 @@ constexpr bool kDecodesInReaders = true;
 constexpr bool kDecodesInReaders = false; // the library has one decoder for all threads
 #endif
 
-// Something that was found. The path and the name are those of the file.
+// Something that a reader found. The path and the name are those of the file.
 struct Event {
     enum Kind { Message, Body, At, General } kind;
     size_t begin = 0; // in the texts of the batch: the head, and the text after it
@@ -32,7 +32,7 @@ struct Event {
     InputProblem problem = {Problem::Note, "", ""};
 };
 
-// What was found one after the other, with all texts in one block.
+// Events in their order, with all texts in one block.
 struct Batch {
     std::string texts;
     std::vector<Event> events;
@@ -42,7 +42,7 @@ struct Batch {
     bool empty() const { return events.empty(); }
 };
 
-// What is shared by the readers and the user.
+// The state that the readers and the user share.
 class Line {
 public:
     explicit Line(size_t files) : files_(files) {}
@@ -53,7 +53,7 @@ public:
         return std::min(taken_++, files_.size());
     }
 
-    // Waits while too much is kept, unless it is the turn of the file.
+    // Waits while too much is kept, unless the user waits for this file.
     void put(size_t file, Batch &&batch) {
         const size_t size = batch.size();
         std::unique_lock<std::mutex> lock(mutex_);
@@ -73,8 +73,8 @@ public:
         changed_.notify_all();
     }
 
-    // The next batch of the file whose turn it is; an empty one where none comes soon. Returns
-    // false where the file is finished.
+    // Takes the next batch of the file; an empty one if none arrives within kPatience. Returns
+    // false at the end of the file.
     bool take(size_t file, Batch &batch) {
         constexpr std::chrono::milliseconds kPatience(100);
         batch = Batch();
@@ -119,10 +119,10 @@ private:
     size_t turn_ = 0;
     size_t kept_ = 0;
     bool closed_ = false;
-    std::atomic<uint64_t> bytes_ = 0; // read, and not yet told
+    std::atomic<uint64_t> bytes_ = 0; // read, and not yet reported to the user
 };
 
-// Keeps what a reader finds, and hands it on in batches. Bodies are prepared for the user here.
+// Collects what a reader finds in batches. Bodies are prepared for the user here.
 class Recorder : public InputUser {
 public:
     Recorder(Line &line, size_t file, const InputUser &user)
@@ -202,7 +202,8 @@ void hand(const Event &event, std::string_view texts, Found &found, InputUser &u
     }
 }
 
-// Threads that end before what they use does, whatever the user throws.
+// The threads, which are joined before the data that they use is destroyed, also after an
+// exception.
 class Readers {
 public:
     Readers(const std::vector<std::string> &paths, const ReadInput &read, Line &line,

@@ -8,7 +8,7 @@ namespace cli {
 
 namespace {
 
-constexpr size_t kChunk = 256u << 10; // that is read at a time: it stays in the cache
+constexpr size_t kChunk = 256u << 10; // bytes read at a time: they stay in the cache
 
 class CaptureReader {
 public:

@@ -1,4 +1,4 @@
-// The bodies in a capture of packets.
+// Reads the bodies in a packet capture.
 #pragma once
 
 #include <string>
@@ -8,8 +8,9 @@
 
 namespace cli {
 
-// Hands the messages of the capture that the window begins with to the user, each with its packet,
-// and says what was not read. `path` and `name` are the input's. Returns false where reading fails.
+// Passes the messages of the capture at the start of the window to the user, each with its packet,
+// and reports what was not read. `path` and `name` are those of the input. Returns false where
+// reading fails.
 //
 // Memory is bounded by the limits of Capture, whatever the packets hold.
 bool readCapture(Window &window, const std::string &path, const std::string &name, InputUser &user);

@@ -10,12 +10,12 @@ namespace {
 
 struct Kind {
     std::string_view begin;
-    std::string_view says;
+    std::string_view message;
 };
 
 constexpr std::string_view kUtf16 = "it is UTF-16 text: convert it to UTF-8 or ASCII";
 
-// Of two that begin alike the longer one comes first.
+// Where one beginning is part of another, the longer one comes first.
 constexpr auto kKinds = std::to_array<Kind>({
     {{"\x1f\x8b", 2}, "it is compressed by gzip: unpack it, as \"gzip -dc\" does"},
     {"BZh", "it is compressed by bzip2: unpack it, as \"bzip2 -dc\" does"},
@@ -32,7 +32,7 @@ constexpr auto kKinds = std::to_array<Kind>({
     {{"\0v\0=", 4}, kUtf16},
 });
 
-// The marks before "v=" in the first line of a quoted text; empty when there are none.
+// The quotation marks before "v=" in the first line of a quoted text; empty where there are none.
 std::string_view quoteMarks(std::string_view text) {
     const size_t end = text.find_first_not_of(">|\"'` \t");
     const bool quoted = end != std::string_view::npos && text.substr(end).starts_with("v=") &&
@@ -45,14 +45,14 @@ std::string_view quoteMarks(std::string_view text) {
 std::string foreignKind(std::string_view text) {
     for (const Kind &kind : kKinds) {
         if (text.starts_with(kind.begin)) {
-            return std::string(kind.says);
+            return std::string(kind.message);
         }
     }
     constexpr size_t kLongestMarks = 16;
     const std::string_view marks = quoteMarks(text.substr(0, kLongestMarks));
-    return marks.empty() ? ""
-                         : "its lines begin with quotation marks (" + std::string(marks) +
-                               "): take them away";
+    return marks.empty()
+               ? ""
+               : "its lines begin with quotation marks (" + std::string(marks) + "): remove them";
 }
 
 } // namespace cli

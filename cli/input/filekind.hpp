@@ -1,4 +1,4 @@
-// Inputs that are no text of SDP or SIP, recognised by how they begin.
+// Recognises inputs that are not texts of SDP or SIP by their first bytes.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace cli {
 
-// What the input is instead, and what to do about it; empty for one that may be read.
+// Says what the input is, and what to do about it; empty for an input that may be read.
 std::string foreignKind(std::string_view text);
 
 } // namespace cli

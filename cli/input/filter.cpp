@@ -13,7 +13,8 @@ namespace {
 
 constexpr size_t kLongestPart = 60;
 
-// What a file may be called wherever it is copied to: letters, digits, "-", "_" and "." inside.
+// A name that is valid on every file system: letters, digits, "-", "_", and "." except at the
+// start.
 std::string safeName(std::string_view text) {
     std::string name;
     for (const char byte : text.substr(0, kLongestPart)) {
@@ -23,7 +24,7 @@ std::string safeName(std::string_view text) {
     return name;
 }
 
-// "calls-8-INVITE-3c26_host": the input, the frame or the line, the message and its call.
+// "calls-8-INVITE-3c26_host": the input, the frame or line, the method or status and the Call-ID.
 std::string nameFor(const Found &found) {
     const Origin origin = originOf(found.packet, found.head);
     const std::string stem =
@@ -70,7 +71,7 @@ void Filter::body(const Found &found) {
     user_.body(found);
 }
 
-// Files that are there already are left alone: a second run writes to another folder.
+// Does not overwrite existing files: a second run must write to another folder.
 void Filter::extract(const Found &found) {
     std::error_code problem;
     std::filesystem::create_directories(wanted_.extract, problem);

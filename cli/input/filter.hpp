@@ -1,4 +1,5 @@
-// A user of inputs that is shown only what is selected, and whose bodies are written to a folder.
+// Comes between the reader of inputs and the user: passes on only what is selected, and writes
+// bodies to a folder.
 #pragma once
 
 #include <set>
@@ -25,7 +26,7 @@ public:
     std::string packetOf(const Found &found) override { return user_.packetOf(found); }
     void fileDone(bool read) override { user_.fileDone(read); }
 
-    // After the last input.
+    // After the last input: reports that nothing was selected.
     void finish(const std::string &path);
 
 private:

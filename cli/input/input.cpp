@@ -71,7 +71,7 @@ private:
             const size_t line = problem.line > 1 ? problem.line : 0;
             user_.problem({problem.kind, path_, escaped(problem.text), line});
         }
-        size_t told = 0; // messages that the user has heard of
+        size_t told = 0; // messages that were passed to the user
         for (const BodyPlace &place : found.bodies) {
             told = tellMessages(found, told, place.offset);
             const std::string_view head =
@@ -83,7 +83,7 @@ private:
         tellMessages(found, told, ~size_t(0));
     }
 
-    // Those that begin before the offset.
+    // Passes on the messages that begin before the offset.
     size_t tellMessages(const Bodies &found, size_t from, size_t before) {
         for (; from < found.messages.size() && found.messages[from].offset < before; ++from) {
             const BodyPlace &place = found.messages[from];
@@ -104,8 +104,8 @@ private:
     InputUser &user_;
     Window window_;
     BodyFinder finder_;
-    Bodies bodies_; // of the present text
-    Found found_;   // the one of them that the user looks at
+    Bodies bodies_; // in the text of the window
+    Found found_;   // the body or message that is passed to the user
     size_t passed_ = 0;
 };
 
@@ -118,7 +118,7 @@ bool readInput(const std::string &path, InputUser &user) {
     }
 }
 
-// 0 where one of them is no regular file: a pipe does not say what will come.
+// 0 where one of them is not a regular file, since the size of a pipe is not known.
 uint64_t bytesOf(const std::vector<std::string> &files) {
     uint64_t bytes = 0;
     for (const std::string &file : files) {

@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The files and folders right below one folder.
+// The files and folders directly in one folder.
 struct Listing {
     std::vector<std::string> files;
     std::vector<std::string> folders;
@@ -20,7 +20,7 @@ Listing listingOf(const std::string &folder, std::vector<PathError> &errors) {
     std::error_code problem;
     fs::directory_iterator entry(folder, problem);
     while (!problem && entry != fs::directory_iterator()) {
-        std::error_code ignored; // an entry that has gone meanwhile is none
+        std::error_code ignored; // an entry may have been removed meanwhile
         if (!entry->path().filename().string().starts_with('.')) {
             if (entry->is_regular_file(ignored)) {
                 listing.files.push_back(entry->path().string());

@@ -1,4 +1,4 @@
-// The files that the arguments of a command name.
+// Finds the files that the arguments of a command name.
 #pragma once
 
 #include <string>
@@ -11,9 +11,9 @@ struct PathError {
     std::string reason;
 };
 
-// The paths with every folder replaced by the regular files below it, sorted; names that begin with
-// a dot are left out, links to folders are not followed. A folder that cannot be read costs only
-// what is in it, and is in `errors`.
+// The paths, with every folder replaced by the regular files below it, sorted. Names that begin
+// with a dot are left out, links to folders are not followed. Folders that cannot be read are left
+// out and added to `errors`.
 std::vector<std::string> expandFolders(const std::vector<std::string> &paths,
                                        std::vector<PathError> &errors);
 

@@ -1,4 +1,4 @@
-// Which of the SIP messages of an input are wanted, and where their bodies are written.
+// Which SIP messages of the inputs are wanted, and where their bodies are written.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace cli {
 
-// What is empty or 0 selects all. Bodies that no SIP message carries are not asked.
+// Empty and 0 select all messages. Bodies that no SIP message carries are always taken.
 struct Selection {
     std::string callId;
     std::string from;   // a part of the From header's URI

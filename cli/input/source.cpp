@@ -13,7 +13,7 @@ namespace cli {
 
 namespace {
 
-// A file descriptor. Reads of it give whole buffers where there is that much: a pipe gives less.
+// A file or standard input.
 class File : public Source {
 public:
     explicit File(const std::string &path)
@@ -54,7 +54,7 @@ private:
     std::string error_;
 };
 
-// A source that some bytes were read of already.
+// A source of which the first bytes have been read.
 class Begun : public Source {
 public:
     Begun(std::string begin, std::unique_ptr<Source> rest)

@@ -1,4 +1,4 @@
-// The bytes of a file or of standard input, unpacked where they are compressed by gzip or zstd.
+// Reads a file or standard input, and unpacks data that is compressed by gzip or zstd.
 #pragma once
 
 #include <cstddef>
@@ -8,14 +8,15 @@
 
 namespace cli {
 
-// Where bytes come from.
+// A source of bytes.
 class Source {
 public:
     virtual ~Source() = default;
 
-    // Up to that many bytes; 0 at the end, or where reading fails: see error().
+    // Reads up to `size` bytes, and returns how many; 0 at the end, or where reading fails: see
+    // error().
     virtual size_t read(char *bytes, size_t size) = 0;
-    // Bytes read so far of the file itself, as they are there: compressed ones before unpacking.
+    // How many bytes of the file were read, counted before unpacking.
     virtual uint64_t taken() const = 0;
     virtual std::string error() const = 0;
 };
@@ -23,7 +24,7 @@ public:
 // "-" is standard input. A file that cannot be opened is a source with an error.
 std::unique_ptr<Source> openSource(const std::string &path);
 
-// "gzip, zstd": what can be unpacked in this build; empty where nothing can.
+// "gzip, zstd": the formats that this build can unpack; empty for none.
 std::string unpackable();
 
 } // namespace cli

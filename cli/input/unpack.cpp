@@ -15,7 +15,7 @@ namespace {
 
 [[maybe_unused]] constexpr size_t kUnpackedChunk = 128u << 10;
 
-// What the packed source holds, in parts.
+// Reads the packed source in parts.
 class [[maybe_unused]] Chunks {
 public:
     explicit Chunks(std::unique_ptr<Source> source)
@@ -33,7 +33,7 @@ private:
 };
 
 #ifdef SDPLINE_ZLIB
-// RFC 1952: members one after the other.
+// RFC 1952: a sequence of members.
 class Gzip : public Source {
 public:
     explicit Gzip(std::unique_ptr<Source> source) : chunks_(std::move(source)) {
@@ -54,7 +54,7 @@ public:
             if (result == Z_STREAM_END) {
                 inflateReset(&state_);
             } else if (result != Z_OK && result != Z_BUF_ERROR) {
-                error_ = "its gzip data are damaged";
+                error_ = "its gzip data is damaged";
             }
         }
         return size - state_.avail_out;
@@ -70,7 +70,7 @@ private:
             state_.avail_in = static_cast<uInt>(chunks_.fill());
             state_.next_in = reinterpret_cast<Bytef *>(chunks_.data());
             if (state_.avail_in == 0 && inMember_ && chunks_.error().empty()) {
-                error_ = "its gzip data end too early";
+                error_ = "its gzip data ends too early";
             }
         }
         return state_.avail_in != 0;
@@ -84,7 +84,7 @@ private:
 #endif
 
 #ifdef SDPLINE_ZSTD
-// RFC 8878: frames one after the other.
+// RFC 8878: a sequence of frames.
 class Zstd : public Source {
 public:
     explicit Zstd(std::unique_ptr<Source> source)
@@ -102,9 +102,9 @@ public:
         while (error_.empty() && out.pos == 0 && more()) {
             const size_t result = ZSTD_decompressStream(state_, &out, &in_);
             if (ZSTD_isError(result) != 0) {
-                error_ = std::string("its zstd data are damaged: ") + ZSTD_getErrorName(result);
+                error_ = std::string("its zstd data is damaged: ") + ZSTD_getErrorName(result);
             }
-            // A full output may leave bytes inside: they come with the next call.
+            // If the output is full, the decompressor may hold more bytes for the next call.
             inFrame_ = result != 0;
             pending_ = out.pos == out.size && result != 0;
         }
@@ -118,7 +118,7 @@ private:
         if (in_.pos == in_.size && !pending_) {
             in_ = {chunks_.data(), chunks_.fill(), 0};
             if (in_.size == 0 && inFrame_ && chunks_.error().empty()) {
-                error_ = "its zstd data end too early";
+                error_ = "its zstd data ends too early";
             }
             return in_.size != 0;
         }

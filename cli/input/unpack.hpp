@@ -8,9 +8,8 @@
 
 namespace cli {
 
-// A source of what the other one holds compressed, by how it begins; null where it is not
-// compressed, or by something that this build cannot unpack. The other source begins with the
-// bytes.
+// A source of the unpacked data, recognised by its first bytes, with which `packed` still begins;
+// null where the data is not compressed, or in a format that this build cannot unpack.
 std::unique_ptr<Source> unpackerFor(std::string_view begin, std::unique_ptr<Source> &packed);
 
 } // namespace cli

@@ -26,8 +26,8 @@ bool Window::fill(size_t size) {
     return error_.empty();
 }
 
-// What was dropped is moved over once it is worth the move: when it is as much as is kept. A buffer
-// that is full of text doubles.
+// Moves the text to the start of the buffer once at least as many bytes were dropped as are kept.
+// Otherwise the buffer doubles.
 void Window::makeSpace(size_t size) {
     const size_t kept = end_ - begin_;
     if (begin_ >= kept && begin_ >= kLeastRead && capacity_ - kept >= kLeastRead) {

@@ -1,4 +1,4 @@
-// A file or standard input, read in parts: what is in memory is a window that moves on.
+// Reads a file or standard input in parts: a window of the input is in memory, and moves forward.
 #pragma once
 
 #include <memory>
@@ -11,11 +11,11 @@ namespace cli {
 
 class Window {
 public:
-    // "-" is standard input; what is compressed is unpacked. Without success the reason is in
-    // error().
+    // "-" is standard input; compressed input is unpacked. After a failure error() returns the
+    // reason.
     explicit Window(const std::string &path);
 
-    // Reads until at least that many bytes are in memory, or all up to the end. Returns false where
+    // Reads until the window has at least this many bytes, or reaches the end. Returns false where
     // reading fails.
     bool fill(size_t size);
 
@@ -23,7 +23,7 @@ public:
     bool last() const { return ended_; } // the text reaches the end of the input
     void drop(size_t size) { begin_ += size; }
 
-    // Bytes of the file that were read since the last call of this.
+    // How many bytes of the file were read since the last call of this function.
     uint64_t newlyTaken();
 
     const std::string &error() const { return error_; }

@@ -1,8 +1,8 @@
-// The fields of the records under their names in JSON: one list for writing and reading. `Io` is
-// the object that is written or read, see write.cpp and read.cpp.
+// The fields of the records and their names in JSON, in one list for writing and reading. `Io` is
+// the object that writes or reads them, see write.cpp and read.cpp.
 //
-// Pointers in the records may lie at a multiple of 4 only, where no reference may point: they are
-// handed over and stored back by value. Writing stores back what was there.
+// Pointers in the records may be aligned to 4 bytes only, so that no reference may refer to them:
+// they are passed by value and stored again. Writing stores the same pointer.
 #pragma once
 
 #include <array>
@@ -15,7 +15,7 @@ namespace cli {
 
 namespace tables = sdpline::tables;
 
-// The codes that a field may hold, and the words for them.
+// The codes that a field may have, and their words.
 struct Codes {
     std::span<const tables::KeywordRow> words;
     uint32_t first;
@@ -43,7 +43,8 @@ inline constexpr Codes kStrengths = {tables::kStrengthWords, SDP_STRENGTH_MANDAT
                                      SDP_STRENGTH_UNKNOWN};
 inline constexpr Codes kDirections = {tables::kDirWords, SDP_DIR_NONE, SDP_DIR_SENDRECV};
 
-// Attribute types by their names, "rtpmap" and so on; those that keep their name have none.
+// The names of attribute types, "rtpmap" and so on. Types whose records hold the name are not
+// listed.
 inline constexpr auto kAttributeWords = [] {
     constexpr size_t kNamed = tables::kLastAttribute - 2;
     std::array<tables::KeywordRow, kNamed> words;

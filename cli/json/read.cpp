@@ -1,4 +1,5 @@
-// JSON to records. Everything is checked: what comes out can be encoded whatever came in.
+// Reads records from JSON. Everything is checked, so that the records of any document can be
+// encoded.
 #include "json/json.hpp"
 
 #include <algorithm>
@@ -8,9 +9,9 @@
 #include <stdexcept>
 #include <vector>
 
-#include "json/fields.hpp"
 #include "sdpline/cpp/address.hpp"
 #include "text/strings.hpp"
+#include "json/fields.hpp"
 
 namespace cli {
 
@@ -20,13 +21,13 @@ using Value = nlohmann::json; // a document, or a part of one
 
 constexpr uint32_t kMost = std::numeric_limits<uint32_t>::max();
 
-// A field that is not as it must be; the message begins with its path.
+// A wrong field; the message begins with its path.
 struct BadField : std::runtime_error {
     BadField(const std::string &path, const std::string &what)
         : std::runtime_error((path.empty() ? "/" : path) + ": " + what) {}
 };
 
-// A value for a message: short, and of lists and objects the kind alone.
+// A value for a message: shortened, and only the kind of lists and objects.
 std::string excerptOf(const Value &value) {
     constexpr size_t kMostBytes = 40;
     if (value.is_structured()) {
@@ -43,7 +44,7 @@ BadField unexpected(const std::string &path, const std::string &wanted, const Va
     return {path, "expected " + wanted + ", found " + excerptOf(found)};
 }
 
-// "IP4" or "IP6"; of many words none.
+// "\"IP4\" or \"IP6\""; a description in place of many words.
 std::string wordList(std::span<const tables::KeywordRow> words) {
     constexpr size_t kMostWords = 8;
     if (words.size() > kMostWords) {
@@ -105,7 +106,7 @@ std::string bytesOf(const Value &value, const std::string &path) {
     return bytes;
 }
 
-// Memory of the body's block, zeroed.
+// Allocates zeroed memory from the block of the body.
 class Memory {
 public:
     explicit Memory(SDPMemCp &block) : block_(block) {}
@@ -224,7 +225,7 @@ public:
         }
     }
 
-    // The same, or {"code": 7, "other": "text"}, or "text" for that.
+    // The same, or {"code": 7, "other": "text"}, or "text" in place of that.
     SipString *codeOrText(const char *key, uint32_t &value, const Codes &codes, SipString * /*old*/,
                           uint32_t otherCode) {
         const Value &json = needed(key);
@@ -336,14 +337,14 @@ private:
         return pathOf(key) + '/' + std::to_string(index);
     }
 
-    // Null when it is absent.
+    // Null where the field is missing or null.
     const Value *find(const char *key) {
         seen_.push_back(key);
         const auto found = json_.find(key);
         return found != json_.end() && !found->is_null() ? &*found : nullptr;
     }
 
-    // An empty list is none.
+    // Whether the list is missing or empty.
     bool isAbsentList(const char *key) {
         const Value *const json = find(key);
         return json == nullptr || (json->is_array() && json->empty());
@@ -363,7 +364,7 @@ private:
             throw unexpected(pathOf(key), "an array", array);
         }
         if (array.size() < least) {
-            throw BadField(pathOf(key), "expected an item at least, found none");
+            throw BadField(pathOf(key), "expected at least one item, found none");
         }
         return array;
     }
@@ -377,7 +378,8 @@ private:
         return known->code;
     }
 
-    // Of the object {"code": 1, "word": "IN"}; the word may be missing, but not another one.
+    // Reads {"code": 1, "word": "IN"}; the word may be missing, but must not be that of another
+    // code.
     uint32_t checkedCode(const Codes &codes) {
         const uint32_t value = numberOf(needed("code"), pathOf("code"), codes.first, codes.last);
         const Value *const word = find("word");

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "json/json.hpp"
 #include "text/strings.hpp"
+#include "json/json.hpp"
 
 namespace cli {
 
@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Settings of the library that a body needs to be written, or read; set back in the end.
+// Restores at its end the settings of the library that are changed to write and read a body.
 class Settings {
 public:
     Settings()
@@ -25,7 +25,7 @@ public:
     Settings(const Settings &) = delete;
     Settings &operator=(const Settings &) = delete;
 
-    // Those with which the decoder makes such media.
+    // Sets those with which the decoder would make these records.
     static void readAs(const SdpLine &line) {
         const auto hasMedia = [&line](auto isSuch) {
             const SDPMediaSet &media = line.stMediaSet;
@@ -52,7 +52,7 @@ std::string shown(const Json &value) {
     return value.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
-// Where the second differs from the first, as "/media/0/port: ..."; empty where it does not.
+// The first difference of the second document, as "/media/0/port: ..."; empty where there is none.
 std::string differenceOf(const Json &wanted, const Json &got, const std::string &path) {
     if (wanted.type() != got.type() || !wanted.is_structured()) {
         return wanted == got ? "" : path + ": would be read back as " + shown(got);
@@ -86,7 +86,7 @@ std::string differenceOf(const Json &wanted, const Json &got, const std::string 
     return "";
 }
 
-// Why the text would be refused, with the line of it that is to blame.
+// Why the decoder refuses the text, with the line of the failure.
 std::string refusalOf(const std::string &text, const sdpline::Error &error) {
     if (text.size() > SdpGetMaxBodySize()) {
         return "the body would be " + std::to_string(text.size()) + " bytes long, more than " +
@@ -101,9 +101,9 @@ std::string refusalOf(const std::string &text, const sdpline::Error &error) {
     return "line " + std::to_string(error.line) + ", \"" + line + "\": " + why;
 }
 
-// What is wrong with the text as that of the body; empty where it is right.
+// Why the text does not decode to the document; empty where it does.
 std::string problemOf(std::string text, const SdpLine &line, const Json &wanted) {
-    // A decoder takes no CR for a line end.
+    // The decoder does not end a line at a CR alone.
     if (view(SdpGetCrlfString(0)) == "\r") {
         std::replace(text.begin(), text.end(), '\r', '\n');
     }

@@ -1,9 +1,9 @@
-// Records to JSON.
+// Writes records as JSON.
 #include "json/json.hpp"
 
-#include "json/fields.hpp"
 #include "sdpline/cpp/address.hpp"
 #include "text/strings.hpp"
+#include "json/fields.hpp"
 
 namespace cli {
 
@@ -16,7 +16,7 @@ Json textJson(const SipString &text) {
     return isUtf8(bytes) ? Json(bytes) : Json{{"hex", hexOf(bytes)}};
 }
 
-// The object that a record becomes.
+// The JSON object of a record.
 class Output {
 public:
     Json json = Json::object();
@@ -88,7 +88,7 @@ public:
         json[key] = std::move(inner.json);
     }
 
-    // An RTP m= line that ends after the protocol has no list at all.
+    // An RTP m= line that ends after the protocol has no list.
     void payloads(const char *key, const SDPRtpPayLoads &payloads) {
         if (payloads.pulPayLoads == nullptr) {
             return;

@@ -1,4 +1,4 @@
-// Reads the same rows as the library.
+// Makes its table from the rows of the library.
 #include "output/checktable.hpp"
 
 #include "checks/rowwords.hpp"
@@ -10,7 +10,7 @@ namespace {
 using namespace sdpline::rowwords;
 using sdpline::ResultKind;
 
-// How a check is logged is not needed.
+// How a check is logged is left out.
 constexpr CheckInfo kRows[] = {
 #define CHECK(source, name, function, outcome, logged, sentence)                                   \
     {static_cast<uint32_t>(sdpline::Source::source), #name, #function, outcome, sentence},

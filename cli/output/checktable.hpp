@@ -1,4 +1,4 @@
-// The library's failing checks as a list, for explaining results.
+// A list of the failing checks of the library, to explain results.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +21,10 @@ struct CheckInfo {
 
 std::span<const CheckInfo> allChecks();
 
-// The code that a check returns under that base of file numbers, or its bare result.
+// The code that a check returns with this base of file numbers, or its bare result.
 uint32_t codeOf(const CheckInfo &check, uint32_t fileBase);
 
-// The source file as log entries name it, under the present g_gSipStackFileId; empty for a file
+// The source file as log entries name it, with the current g_gSipStackFileId; empty for a file
 // whose checks have no codes.
 std::string_view sourceOf(const CheckInfo &check);
 

@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-// The library has one check for all arguments; what was wrong with the text is known here.
+// The library has one check for all arguments; here it is known what was wrong with the text.
 std::string sentenceOf(const sdpline::Error &error, size_t bodySize) {
     if (bodySize == 0) {
         return "the body is empty";
@@ -28,10 +28,10 @@ std::string placeText(const Found &body, const std::optional<LinePart> &part, Re
            (part ? ':' + std::to_string(part->column) : "");
 }
 
-// A diagnostic and all that is quoted of the body.
+// A diagnostic with everything that is quoted from the body.
 struct Shown {
     std::optional<LinePart> part;
-    std::string found; // in place of what was expected
+    std::string found; // what the line has where something else was expected
     std::string_view hint;
 
     std::string message(std::string_view sentence) const {
@@ -122,7 +122,7 @@ void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, R
     out << style.bold << placeText(body, shown.part, redactor) << ": " << style.reset << style.error
         << "error: " << style.reset << style.bold << shown.message(diagnostic.sentence)
         << style.reset << " [" << nameOf(diagnostic) << ']'
-        << (diagnostic.alone ? " (line judged on its own)" : "") << '\n';
+        << (diagnostic.alone ? " (line checked by itself)" : "") << '\n';
     if (shown.part) {
         printExcerpt(out, *shown.part, style);
     }

@@ -1,4 +1,4 @@
-// What is wrong with a body, and how it is shown.
+// Diagnostics, which say what is wrong with a body, as text and as JSON.
 #pragma once
 
 #include <optional>
@@ -16,23 +16,23 @@
 namespace cli {
 
 struct Diagnostic {
-    std::optional<sdpline::Error> error; // none: no check of the library is to name
+    std::optional<sdpline::Error> error; // none: it is not a check of the library
     std::string sentence;
-    uint32_t token;               // SDP_TOK_... that the parser had reached
-    std::optional<size_t> offset; // in the body; none when no place is to blame
-    bool alone;                   // the line was judged on its own, after the refused one
+    uint32_t token;               // SDP_TOK_... at which the parser failed
+    std::optional<size_t> offset; // in the body; none where no place is at fault
+    bool alone;                   // the line was checked by itself, after the refused one
 };
 
-// The token of the decode that was just refused for that reason.
+// The token of the last decode, which must have failed with this error.
 uint32_t tokenOf(const sdpline::Error &error);
 
 inline constexpr std::string_view kLineKind = "LineKind";
 inline constexpr std::string_view kLineKindSentence = "no line of SDP begins like this";
 
-// Of a body that was refused.
+// The diagnostic of a refused body.
 Diagnostic diagnosticOf(const sdpline::Error &error, const Found &body);
 
-// A place of a body: its line without the line end, masked by the redactor, and where in it.
+// A place in a body: its line without the line end, masked by the redactor, and the position in it.
 struct LinePart {
     std::string text;
     size_t offset; // in the text
@@ -41,7 +41,7 @@ struct LinePart {
 };
 LinePart linePartAt(const Found &body, size_t offset, Redactor *redactor);
 
-// "expected a number; found "x"", and what to do about it: empty where there is nothing.
+// "expected a number; found "x"", and a hint, which may be empty.
 struct Advice {
     std::string message;
     std::string_view hint;
@@ -52,12 +52,12 @@ Advice adviceOf(const Found &body, const Diagnostic &diagnostic, Redactor *redac
 std::string_view nameOf(const Diagnostic &diagnostic);
 
 // "offer.sdp:4:16: expected an octet of at most 255; found "256" (sdpparser
-// sdpConnectionFieldAddrIpv4, 0x05035065)", and what to do about it on a line of its own. A
-// redactor masks what is quoted; null shows it as it is.
+// sdpConnectionFieldAddrIpv4, 0x05035065)", with a hint on a second line. A redactor masks what is
+// quoted; null shows it without masks.
 std::string shortText(const Found &body, const Diagnostic &diagnostic, Redactor *redactor);
 
-// "offer.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]", the
-// line and a mark, and what to do about it.
+// "offer.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]", with
+// the line, a mark below it, and a hint.
 void print(std::ostream &out, const Found &body, const Diagnostic &diagnostic, Redactor *redactor,
            const Style &style);
 

@@ -1,6 +1,6 @@
-// Each line is decoded as part of a short body, which only the line in question can spoil: after
-// lines that it may follow, and before one that is always refused. What is refused tells whether
-// the line is good, empty, faulty, or of a kind that does not belong there.
+// Each line is decoded as part of a short body: after lines that it may follow, and before a line
+// that is always refused. The place of the refusal says whether the line is good, empty, faulty, or
+// of a kind that is not allowed there.
 #include "output/everyline.hpp"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-// Lines before and after the one that is judged. All kinds of lines are taken at one of the places.
+// Lines before and after the checked line. Every kind of line is accepted at one of the places.
 struct Surroundings {
     std::string_view before;
     std::string_view after;
@@ -38,7 +38,7 @@ Verdict judgeAt(const Surroundings &place, std::string_view line, bool last) {
     const size_t around = place.before.size() + place.after.size() + kRefused.size() + 1;
     line = line.substr(
         0, SdpGetMaxBodySize() -
-               std::min<size_t>(around, SdpGetMaxBodySize())); // no longer value is taken
+               std::min<size_t>(around, SdpGetMaxBodySize())); // longer values are always refused
     std::string text(place.before);
     text.append(line);
     const size_t end = text.size();
@@ -60,7 +60,7 @@ Verdict judgeAt(const Surroundings &place, std::string_view line, bool last) {
     return {wrongKind ? Verdict::Misplaced : Verdict::Faulty, error, tokenOf(error), offset};
 }
 
-// By the first place that takes such a line.
+// The verdict at the first place that accepts this kind of line.
 Verdict judge(std::string_view line, bool last) {
     Verdict verdict = {};
     for (const Surroundings &place : kPlaces) {

@@ -1,5 +1,5 @@
-// The lines of a refused body after the one that was refused, each judged on its own: the library
-// itself stops at the first.
+// Checks the lines of a refused body after the refused one, each by itself: the library stops at
+// the first failure.
 #pragma once
 
 #include <string_view>
@@ -9,8 +9,8 @@
 
 namespace cli {
 
-// Judges every line from the offset's next one up to the first empty line as its parser would after
-// lines that it may follow. Which line really precedes it is not looked at.
+// Checks every line after that of the offset, up to the first empty line, as the parser would after
+// lines that it may follow. The line that precedes it in the body does not matter.
 std::vector<Diagnostic> judgeLines(std::string_view body, size_t refusedAt);
 
 } // namespace cli

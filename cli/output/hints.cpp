@@ -37,7 +37,7 @@ bool isAvpf(std::string_view line) {
     return thirdWord(line) == "RTP/AVPF";
 }
 
-// One of those that --rtp-family makes lists of payload numbers of.
+// A protocol whose formats --rtp-family reads as payload numbers.
 bool isRtp(std::string_view line) {
     return sdpline::tables::endsInRtpProfile(thirdWord(line));
 }
@@ -49,7 +49,7 @@ bool hasHostName(std::string_view line) {
 }
 
 struct Hint {
-    std::string_view checks; // the name of one, or what several begin with and "*"
+    std::string_view checks; // the name of a check, or the beginning of several with "*"
     bool (*applies)(std::string_view line);
     std::string_view text;
 };
@@ -60,7 +60,7 @@ constexpr std::string_view kSessionOrder =
 constexpr std::string_view kMediaOrder =
     "the lines of a media description come in the order m= i= c= b= k= a=";
 
-// The first row that fits counts.
+// The first row that applies is used.
 constexpr auto kHints = std::to_array<Hint>({
     {"StartVersion", always,
      "a body begins with \"v=0\", a SIP message with a line such as \"INVITE sip:b@host SIP/2.0\""},
@@ -82,9 +82,9 @@ constexpr auto kHints = std::to_array<Hint>({
     {"ConnNetType", always, "the line is c=IN IP4 ADDRESS or c=IN IP6 ADDRESS"},
     {"Origin*", always, "the line is o=USER SESSION-ID VERSION IN IP4 ADDRESS"},
     {"Time*", always, "the line is t=START STOP, in seconds; 0 0 is a session without end"},
-    {"FormatEnd", isAvpf, "--avpf takes RTP/AVPF for a protocol with several payload numbers"},
-    {"FormatEnd", isRtp, "--rtp-family takes several payload numbers with every protocol of RTP"},
-    {"ParseArgument", always, "--max-body takes bodies of up to 65535 bytes"},
+    {"FormatEnd", isAvpf, "--avpf reads the formats of RTP/AVPF as payload numbers"},
+    {"FormatEnd", isRtp, "--rtp-family reads the formats of every RTP protocol as payload numbers"},
+    {"ParseArgument", always, "--max-body allows bodies of up to 65535 bytes"},
     {"Rtpmap*", always, "the line is a=rtpmap:PAYLOAD NAME/CLOCK-RATE or .../CHANNELS"},
     {"MediaPort*", always, "the line is m=MEDIA PORT PROTOCOL FORMAT ..."},
     {"MediaProto*", always, "the line is m=MEDIA PORT PROTOCOL FORMAT ..."},
@@ -124,7 +124,7 @@ std::string foundAt(std::string_view sentence, std::string_view line, size_t off
         return {};
     }
     std::string_view rest = line.substr(std::min(offset, line.size()));
-    if (unexpected) { // what follows the space matters
+    if (unexpected) { // the text after the space is what matters
         rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     }
     if (rest.empty()) {

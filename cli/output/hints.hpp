@@ -1,4 +1,4 @@
-// What to do about a refused body, where there is something to do.
+// Hints about refused bodies.
 #pragma once
 
 #include <string>
@@ -6,13 +6,12 @@
 
 namespace cli {
 
-// The advice that goes with a failing check of the library; `line` is the line that was refused.
-// Empty where there is none.
+// The hint for a failing check of the library; `line` is the refused line. Empty where there is
+// none.
 std::string_view hintFor(std::string_view check, std::string_view line);
 
-// What the line has at the byte that was refused: "\"x\"", "a space", "the line end", as it may be
-// shown; `atEnd`: the text ends there. Given for sentences that say what was expected, or what was
-// not; empty for others.
+// What the line has at the refused byte, escaped: "\"x\"", "a space", "the line end"; `atEnd` says
+// that the text ends there. Empty unless the sentence begins with "expected" or "unexpected".
 std::string foundAt(std::string_view sentence, std::string_view line, size_t offset, bool atEnd);
 
 } // namespace cli

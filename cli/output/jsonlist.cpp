@@ -6,7 +6,7 @@ namespace cli {
 
 namespace {
 
-// The document's text without its line end, every line but the first moved to the right.
+// The text of the document without its last line end; every line but the first is indented.
 std::string indented(const nlohmann::ordered_json &document, size_t columns) {
     std::string text = dumped(document);
     text.pop_back();

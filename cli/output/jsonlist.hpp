@@ -1,5 +1,4 @@
-// A JSON document with one list that is written while it comes about, so that it never has to be
-// in memory.
+// Writes a JSON document with one list item by item, so that the list need not be in memory.
 #pragma once
 
 #include <ostream>

@@ -7,7 +7,7 @@ namespace cli {
 
 namespace {
 
-// "3c26@host": what identifies the call, and a host that may be named in bodies too.
+// "3c26@host": an identifier of the call, and a host that bodies may name too.
 std::string maskedCallId(const std::string &callId, Masks &masks) {
     const size_t at = callId.find('@');
     const std::string local = callId.substr(0, at);
@@ -18,7 +18,7 @@ std::string maskedCallId(const std::string &callId, Masks &masks) {
     return mask;
 }
 
-// "sip:alice@example.com:5060;user=phone": parameters are dropped.
+// "sip:alice@example.com:5060;user=phone": port and parameters are dropped.
 std::string maskedUri(const std::string &uri, Masks &masks) {
     const size_t scheme = std::min(uri.find(':'), uri.size());
     const size_t at = uri.find('@', scheme);

@@ -1,4 +1,4 @@
-// Where a body comes from, as it may be shown.
+// The origin of a body, with masks if wanted.
 #pragma once
 
 #include <string>
@@ -10,8 +10,8 @@
 
 namespace cli {
 
-// The packet and the message of a body. A redactor masks addresses, users and the Call-ID as it
-// does in bodies; null shows them as they are.
+// The packet and the message of a body. A redactor masks addresses, users and the Call-ID like
+// those in bodies; null shows them without masks.
 Origin originOf(const Found &body, Redactor *redactor);
 
 // "offer.sip", or for a body of a capture
@@ -21,8 +21,7 @@ std::string placeName(const Found &body, Redactor *redactor);
 // "frame 1041 (10.0.0.1 > 10.0.0.2, INVITE, Call-ID 3c26@host)"; empty without a packet.
 std::string packetName(const Found &body, Redactor *redactor);
 
-// Members "frame", "time", "source" ... of what is known; the caller leaves it out where
-// isKnown() is false.
+// The members "frame", "time", "source" and so on that are known. For an origin that isKnown().
 nlohmann::ordered_json jsonOf(const Origin &origin);
 
 } // namespace cli

@@ -8,7 +8,7 @@ namespace cli {
 
 namespace {
 
-// The last row of the tables is empty: it is for names that are none of theirs.
+// The last row of the tables is empty: it is that of other names.
 constexpr uint32_t kProfiles = std::size(g_aStrRtpmapProfiles) - 1;
 constexpr uint32_t kStaticPayloads = 96; // RFC 3551 section 6: those above are dynamic
 

@@ -1,4 +1,4 @@
-// Repairs and doubts as they are told, and rules as command lines name them.
+// Repairs and doubts as text and as JSON, and rules by their names.
 #pragma once
 
 #include <optional>
@@ -20,11 +20,13 @@ std::string repairText(const Found &body, const sdpline::Repair &repair, const c
 
 nlohmann::ordered_json jsonOf(const Found &body, const sdpline::Repair &repair);
 
-// Repairs named with commas between them; none, with the name in `unknown`, where one is none.
+// The repairs with these names, which are separated by commas. Nothing, with the name in `unknown`,
+// where a name is not that of a repair.
 std::optional<std::vector<uint32_t>> rulesNamed(const std::vector<std::string> &lists,
                                                 std::string &unknown);
 
-// The rules that make a refused text acceptable, of the least set that does: "NameEmpty, SpaceRun".
+// The rules that make a refused text acceptable, from the smallest set that does: "NameEmpty,
+// SpaceRun".
 std::string rulesThatHelp(std::string_view text);
 
 } // namespace cli

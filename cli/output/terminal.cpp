@@ -65,7 +65,7 @@ double Advance::share() const {
     const double share = bytes != 0 ? static_cast<double>(bytesDone) / static_cast<double>(bytes)
                                     : static_cast<double>(filesDone) /
                                           static_cast<double>(std::max<size_t>(files, 1));
-    return std::min(share, 1.0); // a file may grow meanwhile
+    return std::min(share, 1.0); // a file may have grown
 }
 
 std::string Advance::text() const {
@@ -127,7 +127,7 @@ void Progress::show() {
     std::string line = advance_.text();
     const size_t columns = line.size();
     line.resize(std::max(columns, shown_), ' ');
-    std::cout.flush(); // it may go to the same terminal
+    std::cout.flush(); // standard output may be the same terminal
     std::fputs(('\r' + line).c_str(), stderr);
     std::fflush(stderr);
     shown_ = line.size();

@@ -1,4 +1,4 @@
-// What is done on a terminal only: colour, and a progress bar.
+// Colour and a progress bar, which are used only on terminals.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@
 
 namespace cli {
 
-// ANSI styles; empty where colour is not wanted.
+// ANSI escape sequences; empty where colour is not wanted.
 struct Style {
     std::string_view bold;
     std::string_view error;
@@ -23,16 +23,17 @@ struct Style {
 
 inline const std::vector<std::string> kColorChoices = {"auto", "always", "never"};
 
-// Of the choice "auto": colour when the stream is a terminal that knows it and NO_COLOR is not set.
+// For the choice "auto": colour if the stream is a terminal that supports it and NO_COLOR is not
+// set.
 const Style &styleFor(std::FILE *stream, std::string_view choice = "auto");
 
-// How much of the inputs is read. A number of bytes that is not known is 0.
+// How much of the inputs has been read. An unknown number of bytes is 0.
 struct Advance {
     size_t files = 0;
     size_t filesDone = 0;
     uint64_t bytes = 0;
     uint64_t bytesDone = 0;
-    double seconds = 0; // that it took
+    double seconds = 0; // since the start
 
     // "[######........................] 12/40 files, 340 MB/s, 0:05 left", and for one file
     // "[###...........................] 0.2 of 2.1 GB, 340 MB/s, 0:05 left"
@@ -40,8 +41,8 @@ struct Advance {
     double share() const; // from 0 to 1
 };
 
-// That on standard error, in a line that is written over. It is shown on a terminal only, and for
-// much to read only: many files, or many bytes.
+// Shows this in a line on standard error that is overwritten; only on a terminal, and only for many
+// files or many bytes.
 class Progress {
 public:
     Progress(size_t files, uint64_t bytes, bool wanted = true);
@@ -49,8 +50,8 @@ public:
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
-    void read(uint64_t bytes); // so many more
-    void fileDone();           // one more
+    void read(uint64_t bytes); // adds bytes
+    void fileDone();           // adds a file
     void hide();               // before something else is written to the terminal
 
 private:
@@ -60,9 +61,9 @@ private:
 
     Advance advance_;
     Clock::time_point begin_ = Clock::now();
-    Clock::time_point drawn_; // when, last
-    unsigned percents_ = 0;   // then
-    size_t shown_ = 0;        // columns taken
+    Clock::time_point drawn_; // when the line was last written
+    unsigned percents_ = 0;   // in that line
+    size_t shown_ = 0;        // columns of that line
     bool wanted_;
 };
 

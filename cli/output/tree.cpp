@@ -18,7 +18,7 @@ class Writer {
 public:
     explicit Writer(TreeStyle style) : style_(style) {}
 
-    // Starts a line; what is written belongs to it until the next one.
+    // Starts a line, to which everything is added up to the next call.
     Writer &line(std::string_view label) {
         if (!out_.empty()) {
             out_ += '\n';
@@ -45,7 +45,7 @@ public:
         return known != nullptr ? word(known->text) : bracketed(value, '[', ']');
     }
 
-    // A number in place of something else.
+    // A number in brackets, in place of a word or a list.
     Writer &bracketed(uint32_t value, char open, char close) {
         out_ += ' ';
         out_ += open;
@@ -54,7 +54,7 @@ public:
         return *this;
     }
 
-    // What the number before it means, where that is known and wanted.
+    // The meaning of the number before it, if it is known and wanted.
     Writer &meaning(std::string_view name) {
         if (style_ == TreeStyle::Explained && !name.empty()) {
             out_ += " (";

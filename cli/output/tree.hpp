@@ -1,4 +1,5 @@
-// A decoded body as text for people: one line a record, indented below what it belongs to.
+// Writes a decoded body as text for people, with one line for each record, indented below its
+// parent.
 #pragma once
 
 #include <string>
@@ -12,8 +13,8 @@ namespace cli {
 // their numbers: "0 (PCMU)".
 enum class TreeStyle { Plain, Explained };
 
-// Texts are quoted, bytes that do not print are \xHH. Codes are shown by their keywords; those
-// that have none by their number.
+// Texts are quoted, bytes that do not print become \xHH. Codes are shown by their keywords, or by
+// their numbers where they have none.
 std::string describeTree(const SdpLine &line, TreeStyle style = TreeStyle::Plain);
 
 // A text in quotes, as the tree shows it.

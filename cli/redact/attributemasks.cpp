@@ -1,4 +1,4 @@
-// What is to mask in an attribute, by its name. Values of attributes that have no rule here are
+// Decides what is masked in an attribute, by its name. Values of attributes without a rule are
 // masked word by word.
 #include <algorithm>
 
@@ -10,7 +10,7 @@ namespace cli {
 
 namespace {
 
-// Attributes whose values are words of a protocol, beside those that the library decodes.
+// Attributes whose values are words of a protocol, other than those that the library decodes.
 constexpr std::string_view kNames[] = {
     "accept-types",
     "accept-wrapped-types",
@@ -73,7 +73,7 @@ bool isProtocolAttribute(std::string_view name) {
 
 } // namespace
 
-// a=name, a=name:value; lines that were refused may have something else between them.
+// a=name, a=name:value; refused lines may have another byte in place of the colon.
 void LineMasks::attribute(size_t from) {
     const size_t nameEnd = std::min(line_.find_first_of(": \t", from), line_.size());
     const std::string_view name = line_.substr(from, nameEnd - from);
@@ -85,7 +85,7 @@ void LineMasks::attribute(size_t from) {
     } else {
         word({from, nameEnd}, Others::Kept);
         if (isNumber(name, name.size()) && !isShortNumber(name)) {
-            mask(Mask::Word, from, nameEnd); // a part of something else
+            mask(Mask::Word, from, nameEnd); // it may be a part of a value
         }
         otherWords(value);
     }
@@ -126,7 +126,7 @@ const LineMasks::AttributeRule LineMasks::kAttributeRules[] = {
     {"zrtp-hash", &LineMasks::secret},
 };
 
-// Null where the words are judged one by one.
+// Null where each word is judged by itself.
 LineMasks::Rule LineMasks::ruleOf(std::string_view name) {
     for (const AttributeRule &row : kAttributeRules) {
         if (equalsIgnoringCase(row.name, name)) {
@@ -136,8 +136,8 @@ LineMasks::Rule LineMasks::ruleOf(std::string_view name) {
     return nullptr;
 }
 
-// a=orient:portrait, a=type:meeting (RFC 4566 section 6), a=charset:UTF-8, a=lang:en-GB: words that
-// are registered, and languages by their two letters.
+// a=orient:portrait, a=type:meeting (RFC 4566 section 6), a=charset:UTF-8, a=lang:en-GB: keeps
+// registered words, and languages of two letters.
 void LineMasks::registeredWords(size_t from) {
     constexpr std::string_view registered[] = {"portrait", "landscape", "seascape",   "broadcast",
                                                "meeting",  "moderated", "test",       "H332",
@@ -193,7 +193,7 @@ void LineMasks::crypto(size_t from) {
     }
 }
 
-// sha-256 4A:AD:B9:...; one word alone is no name of a hash.
+// sha-256 4A:AD:B9:...; a single word is not the name of a hash.
 void LineMasks::fingerprint(size_t from) {
     const std::vector<Word> words = wordsFrom(from);
     const std::string_view hash = words.size() > 1 ? text(words[0]) : "";
@@ -211,7 +211,7 @@ void LineMasks::keyManagement(size_t from) {
 }
 
 // 1 1 UDP 2130706431 10.0.1.1 8998 typ srflx raddr 10.0.1.2 rport 9 ufrag x (RFC 8839 section
-// 5.1). Foundations are made of addresses.
+// 5.1). Foundations are computed from addresses.
 void LineMasks::candidate(size_t from) {
     constexpr std::string_view names[] = {
         "typ",   "raddr", "rport", "tcptype",    "generation",   "ufrag", "pwd", "host", "srflx",
@@ -249,7 +249,7 @@ void LineMasks::alternative(size_t from) {
 }
 
 // A number and an attribute: a=acap:1 crypto:1 ... (RFC 5939 section 3.3.1), a=ssrc:1 cname:x
-// (RFC 5576 section 4.1), a=cpar:a=rtpmap:... An attribute inside of these is the last one.
+// (RFC 5576 section 4.1), a=cpar:a=rtpmap:... An attribute in one of these is not nested again.
 void LineMasks::nested(size_t from) {
     const std::vector<Word> words = wordsFrom(from);
     const size_t first = !words.empty() && isNumber(text(words[0]), 10) ? 1 : 0;
@@ -279,13 +279,13 @@ void LineMasks::transports(size_t from) {
     }
 }
 
-// fb on parameters, on parameters: the switch is decoded, what follows it is text.
+// fb on parameters, on parameters: the switch is decoded, the parameters are text.
 void LineMasks::afterSwitch(size_t from) {
     for (const Word &each : wordsFrom(from)) {
         const std::string_view value = text(each);
         const size_t size = value.starts_with("on") ? 2 : value.starts_with("off") ? 3 : 0;
         if (size != 0) {
-            // A mask after the switch would become part of it: the byte that ends it stays.
+            // A mask directly after the switch would become part of it: the byte after it is kept.
             outline({std::min(each.begin + size + 1, each.end), each.end});
             return protocolWords(each.end);
         }
@@ -295,7 +295,7 @@ void LineMasks::afterSwitch(size_t from) {
     }
 }
 
-// 96 opus/48000/2: the numbers after the name have no shape.
+// 96 opus/48000/2: the numbers after the name are not masked.
 void LineMasks::encodingName(size_t from) {
     line_ = line_.substr(0, line_.find('/', from));
     protocolWords(from);

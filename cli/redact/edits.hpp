@@ -1,4 +1,4 @@
-// Changes of a text: what is replaced, and where its other bytes are afterwards.
+// Edits of a text: what is replaced, and where the other bytes are afterwards.
 #pragma once
 
 #include <cstddef>
@@ -18,8 +18,8 @@ struct Edit {
 // The edits are in order and do not overlap, here and below.
 std::string applied(std::string_view text, const std::vector<Edit> &edits);
 
-// Where an offset of the text is afterwards. Inside a replaced part it is the start of the
-// replacement, or the same byte where both have one length.
+// The offset after the edits. An offset inside a replaced part becomes the start of the
+// replacement, or the same byte where both have the same length.
 size_t movedOffset(size_t offset, const std::vector<Edit> &edits);
 
 } // namespace cli

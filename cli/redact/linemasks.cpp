@@ -18,7 +18,7 @@ constexpr std::string_view kPlainWords[] = {
     "sip", "session", "sound", "talk",  "the",  "to",         "video", "with",
 };
 
-// Words that values of any attribute have.
+// Words that are common in values of all attributes.
 constexpr std::string_view kCommonWords[] = {
     "IN",   "IP4",     "IP6", "active", "application", "audio",   "both", "data", "false", "image",
     "main", "message", "no",  "off",    "on",          "passive", "text", "true", "video", "yes",
@@ -39,7 +39,7 @@ bool isBandwidth(std::string_view word) {
            isNumber(word.substr(colon + 1), word.size());
 }
 
-// As the decoder reads the address of a c= line, which is less strict than inet_pton.
+// Reads an address as the decoder reads that of a c= line, which is less strict than inet_pton.
 std::optional<std::array<uint8_t, 16>> decodedIpv6Of(std::string_view text) {
     std::array<uint8_t, 16> address = {};
     const std::string copy(text);
@@ -105,7 +105,7 @@ void LineMasks::line(char key, size_t from) {
     }
 }
 
-// o=alice 1 2 IN IP4 192.0.2.1; lines that were refused may lack a word. "-" names no user.
+// o=alice 1 2 IN IP4 192.0.2.1; a word may be missing in a refused line. "-" names no user.
 void LineMasks::origin(size_t from) {
     const std::vector<Word> words = wordsFrom(from);
     for (size_t i = 0; i < words.size(); ++i) {
@@ -114,7 +114,7 @@ void LineMasks::origin(size_t from) {
         if (i == 0) {
             value == "-" ? void() : mask(Mask::User, begin, end);
         } else if (i < 3 && !std::all_of(value.begin(), value.end(), isDigit)) {
-            mask(Mask::Word, begin, end); // the place of a number, as a refusal tells
+            mask(Mask::Word, begin, end); // a word in place of a number, which is refused
         } else if (i == 1) {
             edits_.push_back({begin, end, masks_.sessionId(value)});
         } else if (i == 2) {
@@ -134,7 +134,7 @@ void LineMasks::connection(size_t from) {
     }
 }
 
-// k=prompt, k=clear:key; another word before the colon may be part of the key.
+// k=prompt, k=clear:key; any other word before the colon may be part of the key.
 void LineMasks::key(size_t from) {
     const std::string_view value = line_.substr(from);
     for (const std::string_view method : {"clear:", "base64:", "uri:"}) {
@@ -156,7 +156,7 @@ void LineMasks::numbers(size_t from) {
     }
 }
 
-// Words one by one: addresses and the like by their shape, runs of the others by one mask.
+// Masks addresses and the like word by word, and each run of other words by one mask.
 void LineMasks::freeText(size_t from) {
     const auto isPhonePart = [this](const Word &word) {
         return text(word).find_first_not_of("0123456789+-.()/") == kNone;
@@ -197,7 +197,7 @@ void LineMasks::words(size_t from, Others others) {
 void LineMasks::word(const Word &word, Others others) {
     const std::vector<Finding> found = findingsOf(text(word));
     const Word inner = core(word);
-    // Readers that take a CR for a line end would find another line in the word.
+    // Readers that end lines at a CR would find another line in the word.
     const bool isOneLine = text(inner).find('\r') == kNone;
     if ((others == Others::Masked || !isOneLine) && inner.begin != inner.end) {
         const bool isHarmless =
@@ -209,7 +209,7 @@ void LineMasks::word(const Word &word, Others others) {
     findings(word, found);
 }
 
-// The number of addresses and the like stay: "/127/3".
+// Keeps the TTL and the number of addresses: "/127/3".
 void LineMasks::addressWord(const Word &word) {
     const size_t size = std::min(text(word).find('/'), text(word).size());
     const std::string_view host = text(word).substr(0, size);
@@ -232,7 +232,7 @@ void LineMasks::findings(const Word &word, const std::vector<Finding> &found) {
     }
 }
 
-// Whether nothing is left of the word but what goes with the values found: a port, punctuation.
+// Whether the word holds nothing but the found values, with a port and punctuation.
 bool LineMasks::explains(const Word &word, const std::vector<Finding> &found) const {
     const auto isSmall = [&](size_t begin, size_t end) {
         const std::string_view between = text(word).substr(begin, end - begin);
@@ -254,7 +254,7 @@ bool LineMasks::isKnown(const Word &word) const {
     return !isShortNumber(text(word)) && masks_.known(text(word)).has_value();
 }
 
-// A run of words that nothing is known about, or of the digits of a phone number.
+// Masks a run of words that no rule knows, or of the digits of a phone number.
 void LineMasks::textRun(const Word &first, const Word &last) {
     const Word run = core({first.begin, last.end});
     const std::string_view value = text(run);

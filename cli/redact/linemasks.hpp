@@ -1,4 +1,4 @@
-// What is to mask in one line: the rules for each kind of line and attribute.
+// Decides what is masked in one line: the rules for each kind of line and attribute.
 #pragma once
 
 #include <string_view>
@@ -10,28 +10,28 @@
 
 namespace cli {
 
-// The mask of an address or a host name, as o= and c= lines have them. What is neither loses its
-// letters and digits.
+// The mask of an address or a host name, as in o= and c= lines. In other text letters and digits
+// are replaced by "x".
 std::string addressMask(std::string_view address, Masks &masks);
 
 class LineMasks {
 public:
     LineMasks(std::string_view line, Masks &masks) : line_(line), masks_(masks) {}
 
-    // Every edit, in order. To be called once.
+    // Returns all edits in order. To be called once.
     std::vector<Edit> run();
 
 private:
-    // A part of the line between blanks.
+    // A word of the line, between blanks.
     struct Word {
         size_t begin;
         size_t end;
     };
 
-    // What is done with a word that has no shape of its own.
+    // What is done with a word whose form is not that of a value.
     enum class Others {
-        Kept,  // words of a protocol, as in a=fmtp
-        Masked // but for short numbers and a few words that everybody uses
+        Kept,  // for words of a protocol, as in a=fmtp
+        Masked // except short numbers and a few common words
     };
 
     using Rule = void (LineMasks::*)(size_t from);
@@ -42,7 +42,7 @@ private:
     static const AttributeRule kAttributeRules[];
     static Rule ruleOf(std::string_view name);
 
-    // ---- Lines; `from` is where the value begins
+    // ---- Lines; the value begins at `from`
     void line(char key, size_t from);
     void origin(size_t from);
     void connection(size_t from);
@@ -84,7 +84,7 @@ private:
     std::string_view text(const Word &word) const {
         return line_.substr(word.begin, word.end - word.begin);
     }
-    // Without what is no letter or digit at both ends.
+    // The word without bytes at its ends that are not letters or digits.
     Word core(const Word &word) const;
     bool isAddressPlace(const std::vector<Word> &words, size_t i) const;
 

@@ -9,7 +9,7 @@ namespace cli {
 
 namespace {
 
-// "msrp://" of "msrp://host/path". A scheme that is not known could be anything: "http://".
+// "msrp://" for "msrp://host/path". An unknown scheme may identify something: it becomes "http://".
 std::string schemeOf(std::string_view uri) {
     constexpr std::string_view kSchemes[] = {"https", "rtsp", "rtsps", "msrp", "msrps", "sip",
                                              "sips",  "ws",   "wss",   "ftp",  "stun",  "turn"};
@@ -22,7 +22,7 @@ std::string schemeOf(std::string_view uri) {
     return "http://";
 }
 
-// What makes two values of the kind equal.
+// The key by which values of this kind are compared.
 std::string keyOf(Mask kind, std::string_view value) {
     std::string key(value);
     if (kind == Mask::Host) {
@@ -71,7 +71,7 @@ std::optional<std::string> Masks::known(std::string_view word) const {
     return found != words_.end() ? std::optional(found->second) : std::nullopt;
 }
 
-// Masks of 198.18.0.0/15, the block for benchmarks (RFC 2544). 0.0.0.0 identifies no host.
+// Masks are from 198.18.0.0/15, the block for benchmarks (RFC 2544). 0.0.0.0 identifies no host.
 std::string Masks::ipv4(const std::array<uint8_t, 4> &address) {
     if (address == std::array<uint8_t, 4>{}) {
         return "0.0.0.0";
@@ -81,7 +81,7 @@ std::string Masks::ipv4(const std::array<uint8_t, 4> &address) {
            std::to_string(n & 255);
 }
 
-// Masks of 2001:db8::/32, the prefix for documentation (RFC 3849). "::" identifies no host.
+// Masks are from 2001:db8::/32, the prefix for documentation (RFC 3849). "::" identifies no host.
 std::string Masks::ipv6(const std::array<uint8_t, 16> &address) {
     if (address == std::array<uint8_t, 16>{}) {
         return "::";

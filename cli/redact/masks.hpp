@@ -1,9 +1,9 @@
 // Values and their masks: equal values get equal masks throughout one run.
 //
-// Masks are numbered in the order in which the values are first seen. A user, a host, a phone
-// number, a secret or a word that comes again in another place keeps the mask of the first one;
-// host names are compared without regard to case, phone numbers by their digits. A mask is valid
-// where its value was: addresses are addresses, session ids numbers.
+// Masks are numbered in the order of the first occurrence of their values. A user, host, phone
+// number, secret or word gets the same mask wherever it occurs; host names are compared without
+// regard to case, phone numbers by their digits. A mask has the syntax of its value: the mask of an
+// address is an address, that of a session id a number.
 #pragma once
 
 #include <array>
@@ -23,13 +23,13 @@ public:
     // "http://redacted.invalid/1"
     std::string of(Mask kind, std::string_view value);
 
-    // The mask that a word already has, as a user, a host and so on.
+    // The mask that a word already has, for example as a user or a host.
     std::optional<std::string> known(std::string_view word) const;
 
     std::string ipv4(const std::array<uint8_t, 4> &address);
     std::string ipv6(const std::array<uint8_t, 16> &address);
 
-    // Of an o= line: digits.
+    // The masks of an o= line are digits.
     std::string sessionId(std::string_view id) { return std::to_string(number(ids_, id)); }
     std::string sessionVersion(std::string_view version) {
         return std::to_string(number(versions_, version));

@@ -1,5 +1,5 @@
-// A decoded body with masks in its records. The rules are those of the text: every value is looked
-// at as the line it came from.
+// Masks the records of a decoded body. The rules are those of the text: every value is masked as in
+// its line.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -58,7 +58,7 @@ private:
         attributes(desc.pstAttrList);
     }
 
-    // Without memory nothing is left rather than the value.
+    // If no memory is left, the text becomes empty, so that the value is never shown.
     void store(SipString &value, const std::string &with) {
         if (view(value) == with) {
             return;
@@ -127,7 +127,8 @@ private:
             text(line, value.stRsrcMgmtStatus.stPrecondition.pstrOtherPrecondition);
             break;
         case Shape::NamedText:
-            text("a=" + nameOf(attr) + ':', &value.strValue); // by the name, before it is masked
+            text("a=" + nameOf(attr) + ':',
+                 &value.strValue); // by the name, which is masked afterwards
             break;
         default: break;
         }

@@ -41,12 +41,12 @@ bool isPhoneByte(char byte) {
     return isDigit(byte) || byte == '.' || byte == '-';
 }
 
-// Of base64 in both alphabets, and of tokens made of it.
+// Bytes of base64 in both alphabets, and of tokens in base64.
 bool isKeyByte(char byte) {
     return isAlnum(byte) || byte == '+' || byte == '/' || byte == '_' || byte == '-';
 }
 
-// What ends a URI or an address in running text.
+// Bytes that end a URI or an address in a text.
 bool isBracket(char byte) {
     return std::string_view("<>()[]{},;\"|").find(byte) != kNone;
 }
@@ -55,8 +55,8 @@ size_t countOf(std::string_view text, bool (*counts)(char)) {
     return static_cast<size_t>(std::count_if(text.begin(), text.end(), counts));
 }
 
-// Offset of the first occurrence of the name before ":" (or "=" too), letters in either case, that
-// no letter or digit precedes.
+// The offset of the first occurrence of the name, in any case, before one of the bytes `ends` and
+// not after a letter or digit.
 size_t findName(std::string_view text, std::string_view name, std::string_view ends) {
     for (size_t at = text.find_first_of(ends); at != kNone; at = text.find_first_of(ends, at + 1)) {
         const size_t begin = at - std::min(at, name.size());
@@ -82,7 +82,7 @@ bool isUuid(std::string_view text) {
     return true;
 }
 
-// "4A:AD:B9:..." or with dashes: fingerprints, hardware addresses.
+// "4A:AD:B9:...", or with dashes: a fingerprint or a hardware address.
 bool isPairs(std::string_view text) {
     if (text.size() < 3 * kFewestPairs - 1 || text.size() % 3 != 2) {
         return false;
@@ -108,7 +108,7 @@ bool isRandom(std::string_view text) {
                            (isHexText && text.size() >= kShortestHex && lower + upper != 0));
 }
 
-// A dotted name whose last label is no number. "vnd." and "prs." begin media types (RFC 6838).
+// A dotted name whose last label is not a number. "vnd." and "prs." begin media types (RFC 6838).
 bool isHost(std::string_view text) {
     const size_t dot = text.rfind('.');
     if (dot == kNone || dot == 0 || text.starts_with("vnd.") || text.starts_with("prs.")) {
@@ -151,7 +151,7 @@ private:
         return word_.substr(begin, end - begin);
     }
 
-    // Where the run of such bytes ends.
+    // The end of the run of such bytes.
     size_t runEnd(size_t at, size_t end, bool (*belongs)(char)) const {
         const auto *const last = std::find_if_not(word_.begin() + at, word_.begin() + end, belongs);
         return static_cast<size_t>(last - word_.begin());
@@ -214,7 +214,7 @@ private:
         addAfter(prefix, Shape::Email, begin, hasPort ? begin + colon : end);
     }
 
-    // Long words of mixed letters and digits, and what is between them.
+    // Finds long words of mixed letters and digits, and searches the text between them.
     void keys(size_t begin, size_t end) {
         size_t done = begin;
         for (size_t at = begin; at < end;) {
@@ -234,7 +234,7 @@ private:
         tokens(done, end);
     }
 
-    // Runs of what addresses and names are made of.
+    // Searches runs of bytes that occur in addresses and names.
     void tokens(size_t begin, size_t end) {
         const auto belongs = [](char byte) {
             return isHostByte(byte) || byte == ':' || byte == '%' || byte == '+' || byte == '~';
@@ -246,7 +246,7 @@ private:
         }
     }
 
-    // IPv6 addresses and fingerprints, and the parts between colons.
+    // Finds IPv6 addresses and fingerprints, and searches the parts between colons.
     void colons(size_t begin, size_t end) {
         size_t done = begin;
         for (size_t at = begin; at < end;) {
@@ -265,7 +265,8 @@ private:
         names(done, end);
     }
 
-    // Without the colon of a name before it, and without what ends a sentence.
+    // The run without the colon of a name before it, and without punctuation at the end of a
+    // sentence.
     Finding trimmedRun(size_t begin, size_t end) const {
         if (part(begin, end).starts_with(':') && !part(begin, end).starts_with("::")) {
             ++begin;
@@ -286,7 +287,7 @@ private:
         }
     }
 
-    // A host name, a phone number, or IPv4 addresses between other text.
+    // Finds a host name, a phone number, or IPv4 addresses between other text.
     void name(size_t begin, size_t end) {
         while (end > begin && word_[end - 1] == '.') {
             --end;
@@ -308,7 +309,7 @@ private:
         }
     }
 
-    // Three dots and more: an address, or what was meant to be one.
+    // Text with at least three dots is an address, or was meant to be one.
     void dotted(size_t begin, size_t end) {
         while (begin < end && word_[begin] == '.') {
             ++begin;
@@ -354,6 +355,7 @@ bool isOneOf(std::string_view word, std::span<const std::string_view> list) {
                        [word](std::string_view each) { return equalsIgnoringCase(each, word); });
 }
 
+// Unlike Address::fromText, accepts leading zeros.
 std::optional<std::array<uint8_t, 4>> ipv4Of(std::string_view text) {
     std::array<uint8_t, 4> address = {};
     for (size_t octet = 0; octet < address.size(); ++octet) {

@@ -1,5 +1,5 @@
-// What a word looks like: addresses, host names, URIs, keys and other values that identify people
-// and machines, found by their shape alone.
+// Finds addresses, host names, URIs, keys and other values that identify people and machines in a
+// word, by their form alone.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@
 
 namespace cli {
 
-inline constexpr size_t kNone = std::string_view::npos; // what was looked for is not there
+inline constexpr size_t kNone = std::string_view::npos; // not found
 
 std::optional<std::array<uint8_t, 4>> ipv4Of(std::string_view text);
 std::optional<std::array<uint8_t, 16>> ipv6Of(std::string_view text);
@@ -33,14 +33,14 @@ struct Finding {
     Shape shape;
     size_t begin;
     size_t end;
-    size_t prefix; // where "sip:" or "inline:" before it begins; without one, `begin`
+    size_t prefix; // the begin of "sip:" or "inline:" before it; without one, the same as `begin`
 };
 
-// In order, in time linear in the length of the word, which has no blanks. A port or a prefix
+// The values in a word without blanks, in order, in time linear in its length. A port or a prefix
 // length after an address is not part of the finding.
 std::vector<Finding> findingsOf(std::string_view word);
 
-// Letters and digits become "x": what is left of a text that is not understood.
+// The text with "x" in place of each letter and digit.
 std::string outlineOf(std::string_view text);
 
 // Letters, digits and bytes of other alphabets.
@@ -50,16 +50,17 @@ size_t digitsOf(std::string_view text);
 
 inline constexpr size_t kPortDigits = 5;
 
-// Digits, of which there are not too many.
+// Whether the text consists of at most that many digits.
 bool isNumber(std::string_view text, size_t mostDigits);
 
-// No letters and few digits: "0-", "*", "10". Longer numbers may be extensions.
+// Whether the word has no letters and few digits: "0-", "*", "10". Longer numbers may be
+// extensions.
 bool isShortNumber(std::string_view word);
 
 // "IN", "IP4", "IP6"
 bool isNetworkWord(std::string_view word);
 
-// Letters in either case.
+// Compares letters in any case.
 bool isOneOf(std::string_view word, std::span<const std::string_view> list);
 
 } // namespace cli

@@ -42,7 +42,7 @@ ReportEntry entryOf(const Found &body, const Diagnostic &diagnostic, Redactor *r
         setPlace(entry, body, *diagnostic.offset, redactor);
     }
     const Advice advice = adviceOf(body, diagnostic, redactor);
-    entry.message = advice.message + (diagnostic.alone ? " (line judged on its own)" : "");
+    entry.message = advice.message + (diagnostic.alone ? " (line checked by itself)" : "");
     entry.hint = advice.hint;
     return entry;
 }

@@ -1,5 +1,5 @@
-// As compilers write: "file:line:column: error: message [Check]", a line each, for editors and for
-// the problem matchers of build servers.
+// Writes lines as compilers do, "file:line:column: error: message [Check]", for editors and for the
+// problem matchers of build servers.
 #include "report/report.hpp"
 
 #include <algorithm>
@@ -9,7 +9,7 @@ namespace cli {
 
 namespace {
 
-// "offer.sip:4:16: error: "; what has no column is at 1.
+// "offer.sip:4:16: error: "; an entry without a column is reported at column 1.
 struct Place {
     const std::string &file;
     size_t line;
@@ -57,7 +57,7 @@ public:
         }
     }
 
-    bool tellsProblems() const override { return true; }
+    bool printsProblems() const override { return true; }
     bool shows(const Judged &judged) const override { return !judged.isSilent(); }
 
 private:

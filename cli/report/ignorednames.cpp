@@ -16,7 +16,7 @@ bool IgnoredNames::add(std::string_view list, std::string &error) {
         const std::string_view given = trimmed(list.substr(at, end - at));
         const std::string_view name = nameKnown(given);
         if (name.empty()) {
-            error = "no check and no doubt is named \"" + escaped(given) +
+            error = "no check or doubt is named \"" + escaped(given) +
                     "\": see sdpline explain --list and sdpline rules";
             return false;
         }
@@ -36,7 +36,7 @@ bool IgnoredNames::addFile(const std::string &path, std::string &error) {
             return false;
         }
     }
-    if (!file.eof()) { // a folder opens, and fails when it is read
+    if (!file.eof()) { // a folder can be opened, but not read
         error = escaped(path) + ": " + std::strerror(errno);
         return false;
     }

@@ -1,4 +1,4 @@
-// One JSON document, or one object a line.
+// Writes one JSON document, or one JSON object on each line.
 #include "report/report.hpp"
 
 #include <optional>
@@ -92,7 +92,7 @@ private:
     Json problems_ = Json::array();
 };
 
-// The same objects, each with its "type".
+// The same objects, each on a line with its "type".
 class JsonLines : public Report {
 public:
     JsonLines(std::ostream &out, bool summary) : out_(out), summary_(summary) {}

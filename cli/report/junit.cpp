@@ -1,4 +1,4 @@
-// JUnit XML, as build servers read it: a suite for each file, a test case for each body.
+// Writes JUnit XML, which build servers read: a suite for each file, a test case for each body.
 #include "report/report.hpp"
 
 #include <cstdio>
@@ -13,8 +13,8 @@ namespace cli {
 
 namespace {
 
-// Text that is written after what is counted in it. It is kept in memory up to a limit, and beyond
-// it in a file that has no name.
+// Keeps text that is written later, after counts that depend on it: in memory up to a limit, and
+// beyond that in a temporary file.
 class Spool {
 public:
     Spool() = default;
@@ -51,7 +51,7 @@ private:
         file_ = file_ != nullptr ? file_ : std::tmpfile();
         if (file_ == nullptr || std::fwrite(text_.data(), 1, text_.size(), file_) != text_.size() ||
             std::fflush(file_) != 0) {
-            throw std::runtime_error("no space for a temporary file");
+            throw std::runtime_error("cannot write a temporary file");
         }
         text_.clear();
     }
@@ -86,7 +86,7 @@ public:
         enter(judged.found.path);
         ++tests_;
         const std::string context = contextText(judged.found, judged.redactor);
-        const bool inPacket = judged.found.packet.frame != 0; // which has no line of the file
+        const bool inPacket = judged.found.packet.frame != 0; // then there is no line of the file
         const std::string place = "body at line " + std::to_string(judged.found.line);
         const std::string name =
             inPacket ? context : place + (context.empty() ? "" : " (" + context + ')');
@@ -128,7 +128,7 @@ public:
     }
 
 private:
-    // What is inside the test case: a failure, what was ignored, warnings.
+    // The content of the test case: a failure, or what was ignored, and warnings.
     std::string outcomeOf(const Judged &judged) {
         std::ostringstream text;
         for (const Diagnostic &diagnostic : judged.diagnostics) {

@@ -1,5 +1,5 @@
-// What check writes: one class for each format, over the same stream of judged bodies and problems.
-// A report writes while bodies come in, so that what it needs of memory does not depend on their
+// The reports of check: one class for each format, over the same stream of judged bodies and
+// problems. A report writes while bodies are read, so that its memory does not depend on their
 // number.
 #pragma once
 
@@ -19,24 +19,24 @@
 
 namespace cli {
 
-// A body and what is said of it: without what --ignore and --max-diagnostics leave out.
+// A body and its diagnostics, without those that --ignore and --max-diagnostics leave out.
 struct Judged {
     const Found &found;
     Redactor *redactor;                    // null: nothing is masked
     bool accepted;                         // by the decoder
-    bool failed;                           // it raises the exit status
-    std::vector<Diagnostic> diagnostics;   // why it is refused
-    std::vector<sdpline::Repair> doubts;   // of one that is accepted
+    bool failed;                           // whether it raises the exit status
+    std::vector<Diagnostic> diagnostics;   // of a refused body
+    std::vector<sdpline::Repair> doubts;   // of an accepted body
     std::vector<std::string_view> ignored; // the names of what --ignore left out
     size_t omitted;                        // how many --max-diagnostics left out
-    std::string helpful;                   // the repairs that would make a refused one acceptable
+    std::string helpful;                   // the repairs that would make a refused body acceptable
 
     // All of them, errors first.
     std::vector<ReportEntry> entries() const;
     bool isSilent() const { return diagnostics.empty() && doubts.empty(); }
 };
 
-// How often a check failed, and where first.
+// How often a check failed, and where it failed first.
 struct CheckCount {
     std::string name;
     Severity severity;
@@ -68,16 +68,16 @@ public:
     virtual void problem(const InputProblem &problem) = 0;
     virtual void finish(const Totals &totals) = 0;
 
-    // Whether problems of inputs are on standard output: else they are told on standard error, too.
-    virtual bool tellsProblems() const { return false; }
-    // Whether something is written of such a body: a progress bar has to make way for it.
+    // Whether the report prints the problems of inputs, so that they need not go to standard error.
+    virtual bool printsProblems() const { return false; }
+    // Whether the report writes something about this body, so that the progress bar must be hidden.
     virtual bool shows(const Judged & /*judged*/) const { return true; }
 };
 
 struct ReportOptions {
     std::string format = "text"; // one of kReportFormats
     bool summary = false;        // how often each check failed, instead of each failure
-    bool quiet = false;          // without notes and summary, where the format has them
+    bool quiet = false;          // leave out notes and the summary
     const Style *style = nullptr;
 };
 
@@ -95,8 +95,8 @@ std::unique_ptr<Report> sarifReport(std::ostream &out);
 
 // ---- What several formats share
 
-// "frame 7, 192.0.2.1 > 192.0.2.2, INVITE, Call-ID 3c26@host, CSeq 1 INVITE" of what is known of
-// the packet and the message, with the time of the packet; empty for a plain body.
+// "frame 7, 192.0.2.1 > 192.0.2.2, INVITE, Call-ID 3c26@host, CSeq 1 INVITE": what is known of the
+// packet and the message, with the time of the packet; empty for a plain body.
 std::string contextText(const Found &found, Redactor *redactor);
 
 // "12 more diagnostics are left out"

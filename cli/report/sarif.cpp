@@ -1,4 +1,4 @@
-// SARIF 2.1.0 (OASIS), as code scanning of build servers reads it: one run, a result for each
+// Writes SARIF 2.1.0 (OASIS), which code scanning services read: one run, a result for each
 // diagnostic. Problems of inputs are notifications of the run.
 #include "report/report.hpp"
 
@@ -17,13 +17,13 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char *kSchema =
     "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json";
-constexpr size_t kMostNotifications = 1000; // a log may have any number of them
+constexpr size_t kMostNotifications = 1000; // since an input may have any number of them
 
 bool staysInUri(char byte) {
     return isAlnum(byte) || std::string_view("-._~/").find(byte) != std::string_view::npos;
 }
 
-// A URI reference (RFC 3986) for a path: relative paths stay so.
+// A URI reference (RFC 3986) for a path: relative paths stay relative.
 std::string uriOf(const std::string &path) {
     if (path == "-") {
         return "stdin";
@@ -47,7 +47,7 @@ Json locationOf(const std::string &path, size_t line) {
     return {{"physicalLocation", std::move(place)}};
 }
 
-// The lines of a packet are no lines of the capture: there the packet is the place.
+// Lines in a packet are not lines of the capture file: the packet is the location.
 Json locationOf(const ReportEntry &entry, const Found &found, Redactor *redactor) {
     if (found.packet.frame != 0) {
         Json location = locationOf(found.path, 0);
@@ -114,7 +114,7 @@ private:
         return line;
     }
 
-    // " (frame 8, ..., line 4, column 17)": most readers show the message and the file alone.
+    // " (frame 8, ..., line 4, column 17)": most readers show only the message and the file.
     static std::string placeInPacket(const ReportEntry &entry, const Judged &judged) {
         if (judged.found.packet.frame == 0) {
             return "";
@@ -150,7 +150,7 @@ private:
         return result;
     }
 
-    // Rules are described where they are used first.
+    // The index of the rule, which is added when it is used first.
     size_t indexOf(const ReportEntry &entry) {
         const auto [index, isNew] = indices_.try_emplace(std::string(entry.name), rules_.size());
         if (isNew) {

@@ -1,4 +1,4 @@
-// For people: diagnostics with the line and a mark, hints, and a summary.
+// Writes a report for people: diagnostics with the line and a mark, hints, and a summary.
 #include "report/report.hpp"
 
 #include <iomanip>
@@ -46,7 +46,7 @@ private:
     const ReportOptions options_;
 };
 
-// How often each check failed.
+// Writes how often each check failed.
 class TextSummary : public Report {
 public:
     TextSummary(std::ostream &out, const ReportOptions &options) : out_(out), options_(options) {}

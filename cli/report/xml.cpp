@@ -9,7 +9,7 @@ namespace cli {
 
 namespace {
 
-// U+FFFE and U+FFFF are UTF-8, and no characters (XML 1.0, 2.2).
+// U+FFFE and U+FFFF are valid UTF-8, but not characters of XML (XML 1.0, 2.2).
 bool isNoCharacter(std::string_view sequence) {
     return sequence == "\xEF\xBF\xBE" || sequence == "\xEF\xBF\xBF";
 }

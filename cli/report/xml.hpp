@@ -1,4 +1,4 @@
-// Text of an input in XML 1.0.
+// Escapes text of an input for XML 1.0.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace cli {
 
-// For character data and for values of attributes. Line feeds stay; other control characters, bytes
-// that are not UTF-8 and the characters that XML does not have (U+FFFE, U+FFFF) become \xHH.
+// For character data and for values of attributes. Line feeds are kept; other control characters,
+// bytes that are not UTF-8 and code points that XML does not allow (U+FFFE, U+FFFF) become \xHH.
 std::string xmlText(std::string_view text);
 
 } // namespace cli

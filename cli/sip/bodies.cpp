@@ -16,19 +16,19 @@ namespace {
 
 constexpr std::string_view kBlanks(" \t\r\n\0", 5);
 
-// "v=0": a letter and "=" after any empty lines.
+// Whether the text begins with a letter and "=", after any empty lines.
 bool beginsAsSdp(std::string_view text) {
     const size_t first = text.find_first_not_of("\r\n");
     return first != std::string_view::npos && isLetter(text[first]) &&
            text.substr(first + 1).starts_with('=');
 }
 
-// Whether the decoder takes the line for an empty one, which ends a body.
+// Whether the line is empty to the decoder, and so ends a body.
 bool isEmptyLine(std::string_view line) {
     return line.find_first_not_of(kDroppedBeforeLine) == std::string_view::npos;
 }
 
-// The first empty line after the first line that is none; at the text's end when there is none.
+// The first empty line after a line that is not empty; the end of the text where there is none.
 LinePlace emptyLine(std::string_view text, size_t offset) {
     const size_t first = text.find_first_not_of("\r\n", offset);
     for (size_t at = std::min(first, text.size()); at < text.size();) {
@@ -41,18 +41,18 @@ LinePlace emptyLine(std::string_view text, size_t offset) {
     return {text.size(), text.size(), text.size()};
 }
 
-// Whether a text is one of messages, however it goes on.
+// Whether the text has a complete first line of a message, so that it is a text of messages.
 bool looksLikeMessages(std::string_view text) {
     return text.find_first_not_of("\r\n") != std::string_view::npos && !beginsAsSdp(text) &&
            findMessage(text.substr(0, text.rfind('\n') + 1), 0) < text.rfind('\n') + 1;
 }
 
-// Whether a body goes on here after an empty line, and is not followed by another one.
+// Whether the text continues a body after an empty line, and does not begin another body.
 bool goesOn(std::string_view text) {
     return beginsAsSdp(text) && text.front() != 'v';
 }
 
-// The empty line that ends a body: after those before it there are lines of SDP.
+// The empty line that ends the body: lines of SDP follow each empty line before it.
 LinePlace lastEmptyLine(std::string_view text) {
     LinePlace empty = emptyLine(text, 0);
     for (;;) {
@@ -64,7 +64,7 @@ LinePlace lastEmptyLine(std::string_view text) {
     }
 }
 
-// Where a text that goes on may be dropped up to, so that no first line of a message is torn.
+// How much of an incomplete text may be dropped without losing the first line of a message.
 size_t lastLineBegin(std::string_view text) {
     const size_t feed = text.rfind('\n');
     return feed != std::string_view::npos && text.size() - feed <= kLongestStartLine
@@ -77,7 +77,7 @@ void noteUnread(size_t offset, Bodies &found) {
         {Problem::Note, offset, "what follows an empty line in a body is not read"});
 }
 
-// A body inside a message may hold more than the decoder reads.
+// Notes text in the body of a message that the decoder does not read.
 void noteUnreadOf(std::string_view text, Bodies &here) {
     for (const BodyPlace &body : here.bodies) {
         const std::string_view upToEnd = text.substr(0, body.offset + body.size);
@@ -89,11 +89,11 @@ void noteUnreadOf(std::string_view text, Bodies &here) {
     }
 }
 
-// Line ends in a text. Sixteen bytes at a time are compared, and counted for each of the sixteen
-// places before they are added up: the library's loop takes a byte at a time.
+// Counts line feeds. Sixteen bytes are compared at once and counted in sixteen lanes, which are
+// added up every 255 rounds: std::count compares one byte at a time.
 size_t lineFeeds(std::string_view text) {
     constexpr size_t kWidth = 16;
-    constexpr size_t kMostRounds = 255; // what a byte counts to
+    constexpr size_t kMostRounds = 255; // a lane is one byte
     using Bytes [[gnu::vector_size(kWidth)]] = unsigned char;
     Bytes feed;
     std::memset(&feed, '\n', kWidth);
@@ -108,7 +108,7 @@ size_t lineFeeds(std::string_view text) {
         }
         std::array<uint64_t, 2> halves = {};
         std::memcpy(halves.data(), &counts, kWidth);
-        for (const uint64_t half : halves) { // bytes, pairs of them, and all four pairs
+        for (const uint64_t half : halves) { // adds bytes to pairs, and the four pairs
             constexpr uint64_t kPairs = 0x00ff00ff00ff00ff;
             count += ((half & kPairs) + (half >> 8 & kPairs)) * 0x0001000100010001 >> 48;
         }
@@ -117,7 +117,7 @@ size_t lineFeeds(std::string_view text) {
     return count + static_cast<size_t>(std::ranges::count(text, '\n'));
 }
 
-// Line numbers of offsets that mostly grow.
+// The line numbers of offsets, for offsets that mostly increase.
 class LineCounter {
 public:
     LineCounter(std::string_view text, size_t line) : text_(text), line_(line) {}
@@ -166,7 +166,8 @@ size_t BodyFinder::step(std::string_view text, bool last, Bodies &found) {
     return skipToBody(text, last, found);
 }
 
-// Gives what was found in this text its place in the input, and counts the lines of what is done.
+// Turns the offsets in this text into places in the input, and counts the lines of the part that is
+// done.
 void BodyFinder::settle(std::string_view text, size_t done) {
     LineCounter lines(text, line_);
     for (BodyPlace &message : here_.messages) {
@@ -216,7 +217,7 @@ size_t BodyFinder::takeMessageAhead(std::string_view text, bool last, Bodies &fo
     if (!last && text.size() - start < kAhead) {
         end = takeSettledMessage(text, start, found);
         if (!end) {
-            return start; // more of it is to be read
+            return start; // more of the message must be read
         }
     }
     if (messages_++ == 0) {
@@ -242,7 +243,7 @@ size_t BodyFinder::takePlain(std::string_view text, bool last, Bodies &found) {
     return whole ? text.size() : empty.next;
 }
 
-// What follows a body: another one, messages, or text that is not read.
+// After a body: finds another body or a message, and skips other text.
 size_t BodyFinder::skipToBody(std::string_view text, bool last, Bodies &found) {
     for (size_t at = 0; at < text.size();) {
         const LinePlace place = lineAt(text, at);

@@ -10,7 +10,7 @@ namespace cli {
 
 namespace {
 
-// The last header of that name counts; RFC 3261 section 7.3.3 has the short one.
+// The last Content-Length header counts; its compact form is "l" (RFC 3261 section 7.3.3).
 LengthPlace lengthIn(std::string_view text, size_t start, size_t end) {
     LengthPlace length = {0, 0, end, end};
     for (LinePlace line = lineAt(text, lineAt(text, start).next); line.begin < end;

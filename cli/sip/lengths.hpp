@@ -1,4 +1,4 @@
-// Where the Content-Length headers of SIP messages are, and what they count.
+// Finds the Content-Length headers of SIP messages, and the bytes that they count.
 #pragma once
 
 #include <cstddef>

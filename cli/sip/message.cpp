@@ -40,7 +40,7 @@ bool isFirstLine(std::string_view line) {
     return isToken && line.substr(method + 1, uri - method - 1).find(':') != std::string_view::npos;
 }
 
-// Nearly every line begins and ends otherwise.
+// A quick test that few other lines pass comes first.
 bool isSipStart(std::string_view line) {
     return line.size() > kVersion.size() && (line.back() == '0' || line.front() == 'S') &&
            isFirstLine(line);
@@ -54,12 +54,12 @@ std::string bytes(size_t count) {
     return counted(count, "byte", "bytes");
 }
 
-// The body of one message: where it may end.
+// Decides where the body of a message ends.
 class Extent {
 public:
     Extent(std::string_view text, size_t begin) : text_(text), begin_(begin) {}
 
-    // Before the next message, without the empty lines between.
+    // The end before the next message and the empty lines before that.
     size_t natural() const {
         size_t end = findMessage(text_, begin_);
         if (end == text_.size()) {
@@ -75,7 +75,7 @@ public:
         return end;
     }
 
-    // The end that the length means, where the text agrees with it.
+    // The end according to the length, where the text agrees with it.
     std::optional<size_t> byLength(size_t length, bool bareLineFeeds) const {
         const std::optional<size_t> exact =
             length <= text_.size() - begin_ ? std::optional(begin_ + length) : std::nullopt;
@@ -92,7 +92,7 @@ public:
         return std::nullopt;
     }
 
-    // The same, where the text has all that decides it.
+    // The same, where the text is long enough to decide.
     std::optional<size_t> settledBy(size_t length, bool bareLineFeeds) const {
         constexpr size_t kLookedAt = 2 * kLongestStartLine + 2;
         const size_t size = text_.size() - begin_;
@@ -100,7 +100,7 @@ public:
         return isThere ? byLength(length, bareLineFeeds) : std::nullopt;
     }
 
-    // After the lines of SDP that begin with the line of the offset.
+    // The end of the lines of SDP from the line of the offset on.
     size_t endOfSdpLines(size_t offset) const {
         size_t at = lineBegin(offset);
         while (at < text_.size() && isSdpLine(at)) {
@@ -110,15 +110,15 @@ public:
     }
 
 private:
-    // Whether another message begins there, or blanks are all up to the end. Looks a bounded
-    // distance ahead.
+    // Whether another message, or only blanks up to the end, follow. Reads a bounded number of
+    // bytes.
     bool endsBeforeMessage(size_t offset) const {
         const std::string_view ahead = text_.substr(0, offset + kLongestStartLine);
         const size_t next = ahead.find_first_not_of(" \t\r\n", offset);
         return next == std::string_view::npos || (text_[next - 1] == '\n' && touchesMessage(next));
     }
 
-    // Bodies without a last line end are followed by the next message at once.
+    // Whether the next message begins directly there, after a body without a last line end.
     bool touchesMessage(size_t offset) const {
         const LinePlace place = lineAt(text_.substr(0, offset + kLongestStartLine + 2), offset);
         return isSipStart(text_.substr(offset, place.end - offset));
@@ -133,8 +133,8 @@ private:
                          : beforeFeed && !isSdpLine(lineAt(text_, offset).next);
     }
 
-    // The offset that many bytes on, each LF alone counted as CR LF. A missing last line end is
-    // made up for. Not beyond the next message.
+    // The end of that many bytes, where each LF alone counts as CR LF and the last line end may be
+    // missing; not beyond the next message.
     std::optional<size_t> endCountingCrLf(size_t length) const {
         const size_t last = findMessage(text_, begin_);
         size_t count = 0;
@@ -184,7 +184,7 @@ public:
     }
 
 private:
-    // The number in Content-Length; none where there is no number.
+    // The number in Content-Length; nothing where it is not a number.
     static std::optional<size_t> lengthOf(const Headers &headers) {
         const std::string value = headers.contentLength.value_or("");
         size_t length = 0;
@@ -209,7 +209,7 @@ private:
         return endDespite(*length, headers, extent);
     }
 
-    // The length is wrong: says so where there is a body to lose.
+    // For a wrong length: reports it if it concerns a body.
     size_t endDespite(size_t length, const Headers &headers, const Extent &extent) {
         const size_t begin = headers.bodyAt;
         const std::string says = "the SIP message's Content-Length is " + std::to_string(length);
@@ -252,7 +252,7 @@ private:
             return;
         }
         if (depth == kDeepestPart) {
-            problem(Problem::Unusable, at, "the multipart bodies are nested too deep");
+            problem(Problem::Unusable, at, "the multipart bodies are nested too deeply");
             return;
         }
         const std::string_view upToEnd = text_.substr(0, end);

@@ -14,7 +14,8 @@ bool isOneOf(std::string_view value, std::initializer_list<std::string_view> wor
         words, [value](std::string_view word) { return equalsIgnoringCase(value, word); });
 }
 
-// Whether the name of a header that is kept may begin with the byte: half of all headers end here.
+// Whether the header may be one that is kept, judged by its first byte, which excludes half of
+// them.
 bool mayBeKept(std::string_view header) {
     constexpr std::string_view kFirst = "CcEeLl\r";
     return !header.empty() && kFirst.find(header.front()) != std::string_view::npos;
@@ -45,7 +46,7 @@ void keepHeader(Headers &headers, std::string_view header) {
     }
 }
 
-// What a quoted string holds, the quotes and backslashes taken away; other text as it is.
+// The content of a quoted string, without quotes and backslashes; other text is not changed.
 std::string unquoted(std::string_view text) {
     if (!text.starts_with('"')) {
         return std::string(text);
@@ -58,7 +59,7 @@ std::string unquoted(std::string_view text) {
     return result;
 }
 
-// The end of the parameter that begins at the offset: its ";", quoted ones not counted.
+// The end of the parameter that begins at the offset: the next ";" that is not quoted.
 size_t parameterEnd(std::string_view text, size_t offset) {
     bool quoted = false;
     for (; offset < text.size(); ++offset) {
@@ -132,7 +133,7 @@ std::vector<PartPlace> partsOf(std::string_view text, size_t offset, std::string
     const std::string delimiter = "--" + std::string(boundary);
     std::vector<PartPlace> parts;
     bool inPart = false;
-    size_t lineEnd = offset; // where the line before ends, its line end not counted
+    size_t lineEnd = offset; // the end of the previous line, before its line end
     while (offset < text.size()) {
         const LinePlace place = lineAt(text, offset);
         std::string_view line = text.substr(offset, place.end - offset);

@@ -1,4 +1,4 @@
-// Headers of messages and of MIME parts, and the parts of a multipart body.
+// Reads the headers of messages and of MIME parts, and finds the parts of a multipart body.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,7 @@
 
 namespace cli {
 
-// A line of the text: where it begins, where it ends without CR LF or LF, where the next begins.
+// A line of a text: its begin, its end before CR LF or LF, and the begin of the next line.
 struct LinePlace {
     size_t begin;
     size_t end;
@@ -24,30 +24,31 @@ inline LinePlace lineAt(std::string_view text, size_t offset) {
     return {offset, feed - (crlf ? 1 : 0), feed + 1};
 }
 
-// The headers that say what a body is, folded ones unfolded.
+// The headers that describe a body, unfolded.
 struct Headers {
     std::string contentType;
     std::optional<std::string> contentLength;
-    std::string encoding; // of the content or for its transfer, when there is one to undo
-    size_t bodyAt = 0;    // after the empty line; the end of the text when there is none
+    std::string encoding; // of the content or of its transfer; empty for none
+    size_t bodyAt = 0;    // after the empty line; the end of the text where there is none
     bool bareLineFeeds = false;
 };
 
-// Reads headers from the offset up to and with the empty line. `stops` ends them early: a line for
-// which it returns true is no header.
+// Reads headers from the offset up to and including the empty line, or up to a line for which
+// `stops` returns true.
 Headers readHeaders(std::string_view text, size_t offset, bool (*stops)(std::string_view line));
 
-// "multipart/mixed" of a Content-Type value, and one of its parameters, without quotes.
+// The media type of a Content-Type value, "multipart/mixed", and one of its parameters, without
+// quotes.
 std::string_view mediaType(std::string_view contentType);
 std::optional<std::string> parameter(std::string_view contentType, std::string_view name);
 
 struct PartPlace {
     size_t begin; // of its headers
-    size_t end;   // the line end before the delimiter is not the part's
+    size_t end;   // before the line end of the delimiter
 };
 
-// The parts between the boundary's delimiter lines, from the offset on. A body that ends without a
-// closing delimiter ends its last part.
+// The parts between the delimiter lines, from the offset on. Without a closing delimiter the last
+// part ends with the body.
 std::vector<PartPlace> partsOf(std::string_view text, size_t offset, std::string_view boundary);
 
 } // namespace cli

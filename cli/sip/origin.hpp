@@ -1,4 +1,4 @@
-// Where a body was seen beyond its file: the packet that carried it and the SIP message around it.
+// The packet that carried a body, and the SIP message around it.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace cli {
 
 // The packet of a capture that completed a message.
 struct Packet {
-    uint64_t frame = 0; // from 1; 0: the input is no capture
+    uint64_t frame = 0; // from 1; 0: the input is not a capture
     int64_t time = 0;   // nanoseconds since 1970
     std::string source; // addresses: "192.0.2.1", "2001:db8::1"
     std::string destination;
@@ -18,8 +18,8 @@ struct Packet {
     std::string_view transport; // "UDP", "TCP", "WS"
 };
 
-// What identifies a message to people. Fields are empty where the input does not have them: all of
-// them for a plain body.
+// What identifies a message to people. Fields that the input does not have are empty; for a plain
+// body all are.
 struct Origin {
     Packet packet;
     std::string message; // "INVITE", "200"
@@ -31,7 +31,7 @@ struct Origin {
     bool isKnown() const { return packet.frame != 0 || !message.empty(); }
 };
 
-// `head` is the message from its first line on, with its headers at least; empty without one.
+// `head` is the message from its first line on, with its headers at least; empty without a message.
 Origin originOf(const Packet &packet, std::string_view head);
 
 // "2026-11-22T04:27:47.123456789Z" for nanoseconds since 1970.

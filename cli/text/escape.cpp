@@ -9,11 +9,11 @@ namespace cli {
 
 namespace {
 
-constexpr size_t kWidth = 100;        // columns of a long line that are shown
-constexpr size_t kBeforeTheMark = 60; // and of those before the mark
+constexpr size_t kWidth = 100;        // columns that are shown of a long line
+constexpr size_t kBeforeTheMark = 60; // columns that are shown before the mark
 constexpr std::string_view kCut = "...";
 
-// A byte or a UTF-8 sequence as it is shown.
+// A byte or a UTF-8 sequence in the form that is shown.
 struct Glyph {
     std::string text;
     size_t columns;
@@ -40,7 +40,7 @@ Glyph glyphAt(std::string_view text) {
     return {escape, escape.size(), 1};
 }
 
-// The first glyph that is shown of a long line.
+// The index of the first glyph that is shown of a long line.
 size_t firstShown(const std::vector<Glyph> &glyphs, size_t mark) {
     size_t first = mark;
     for (size_t columns = 0; first > 0; --first) {
@@ -56,7 +56,7 @@ size_t firstShown(const std::vector<Glyph> &glyphs, size_t mark) {
 
 Excerpt excerptOf(std::string_view line, size_t offset) {
     std::vector<Glyph> glyphs;
-    size_t mark = 0; // the glyph that is marked
+    size_t mark = 0; // index of the marked glyph
     size_t columns = 0;
     for (size_t at = 0; at < line.size(); at += glyphs.back().bytes) {
         glyphs.push_back(glyphAt(line.substr(at)));

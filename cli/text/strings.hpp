@@ -26,8 +26,8 @@ std::string hexOf(std::string_view bytes);
 // "0x05035065"
 std::string codeText(uint32_t code);
 
-// Bytes of the UTF-8 sequence at the start of the text (RFC 3629: shortest form, no surrogates); 0
-// when there is none.
+// The size of the UTF-8 sequence at the start of the text (RFC 3629: shortest form, no surrogates);
+// 0 where there is none.
 size_t utf8Length(std::string_view text);
 bool isUtf8(std::string_view text);
 

@@ -33,9 +33,9 @@ for tool in gzip zstd; do
   echo 'checked 2 bodies in 1 file: none refused' >summary
   expect "a text of three parts, $tool" 0 summary nothing -- "$program" check two
   head -c 500 packed >cut
-  expect "$tool, cut" 2 - "~sdpline: cut: its $tool data end too early$" -- "$program" check cut
+  expect "$tool, cut" 2 - "~sdpline: cut: its $tool data ends too early$" -- "$program" check cut
   { head -c 100 packed; printf 'xxxxxxxxxxxxxxxxxxxx'; tail -c +121 packed; } >damaged
-  expect "$tool, damaged" 2 - "~sdpline: damaged: its $tool data are damaged" -- \
+  expect "$tool, damaged" 2 - "~sdpline: damaged: its $tool data is damaged" -- \
     "$program" check damaged
 done
 

@@ -100,7 +100,7 @@ foreign() { # NAME MESSAGE BYTES
   expect "$1" 2 summary message -- "$program" check foreign
 }
 if grep -q gzip <<<"$("$program" --version)"; then
-  foreign "gzip" 'its gzip data end too early' '\x1f\x8b\x08'
+  foreign "gzip" 'its gzip data ends too early' '\x1f\x8b\x08'
 else
   foreign "gzip" 'it is compressed by gzip: unpack it, as "gzip -dc" does' '\x1f\x8b\x08'
 fi
@@ -108,9 +108,9 @@ foreign "UTF-16" "it is UTF-16 text: convert it to UTF-8 or ASCII" 'v\0=\0000\0'
 foreign "UTF-16 with its mark" "it is UTF-16 text: convert it to UTF-8 or ASCII" '\xff\xfev\0'
 foreign "a byte order mark" "it begins with a byte order mark (EF BB BF): save it without one" \
   '\xef\xbb\xbfv=0\r\n'
-foreign "quotation marks" "its lines begin with quotation marks (> ): take them away" \
+foreign "quotation marks" "its lines begin with quotation marks (> ): remove them" \
   '> v=0\n> o=- 1 2 IN IP4 x\n'
-foreign "quotes of quotes" "its lines begin with quotation marks (>>\\t): take them away" \
+foreign "quotes of quotes" "its lines begin with quotation marks (>>\\t): remove them" \
   '>>\tv=0\n'
 
 # ---- What a terminal would obey
@@ -157,20 +157,20 @@ cat >refused <<'TEXT'
 many.sdp:4:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]
     4 | c=IN IP4 1.2.3.256
       |                ^
-many.sdp:6:11: error: unexpected text after the number; found ".5" [PacketEnd] (line judged on its own)
+many.sdp:6:11: error: unexpected text after the number; found ".5" [PacketEnd] (line checked by itself)
     6 | a=ptime:20.5
       |           ^
-many.sdp:7:1: error: no line of SDP begins like this [LineKind] (line judged on its own)
+many.sdp:7:1: error: no line of SDP begins like this [LineKind] (line checked by itself)
     7 | f=1
       | ^
-many.sdp:9:24: error: expected a payload number; found "x" [Payload] (line judged on its own)
+many.sdp:9:24: error: expected a payload number; found "x" [Payload] (line checked by itself)
     9 | m=audio 5004 RTP/AVP 0 x
       |                        ^
-many.sdp:10:21: error: expected "/" after the encoding name; found the line end [RtpmapSlash] (line judged on its own)
+many.sdp:10:21: error: expected "/" after the encoding name; found the line end [RtpmapSlash] (line checked by itself)
    10 | a=rtpmap:97 AMR 8000
       |                     ^
   hint: the line is a=rtpmap:PAYLOAD NAME/CLOCK-RATE or .../CHANNELS
-many.sdp:11:11: error: expected mandatory, optional, none, failure or unknown as the strength; found "e2e" [StrengthWord] (line judged on its own)
+many.sdp:11:11: error: expected mandatory, optional, none, failure or unknown as the strength; found "e2e" [StrengthWord] (line checked by itself)
    11 | a=des:qos e2e sendrecv
       |           ^
 checked 1 body in 1 file: 1 refused

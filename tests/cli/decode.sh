@@ -20,7 +20,7 @@ expect "an empty body" 1 nothing empty -- "$program" decode nothing
 head -c 4094 /dev/zero | tr '\0' x >big
 cat >long <<'TEXT'
 big: the body is 4094 bytes long, more than 4093 (sdpparser SdpLibParseSdp, 0x05000401)
-  hint: --max-body takes bodies of up to 65535 bytes
+  hint: --max-body allows bodies of up to 65535 bytes
 TEXT
 expect "a body that is too long" 1 nothing long -- "$program" decode big
 echo 'sdpline: none.sdp: No such file or directory' >none
@@ -56,7 +56,7 @@ m=audio 9 UDP/TLS/RTP/SAVPF 111 0
 SDP
 cat >family <<'TEXT'
 browser.sdp:5:32: unexpected text after the format: this protocol takes one format; found "0" (sdpparser sdpOtherMediaFmt, 0x050f1465)
-  hint: --rtp-family takes several payload numbers with every protocol of RTP
+  hint: --rtp-family reads the formats of every RTP protocol as payload numbers
 TEXT
 expect "payload numbers of an unknown protocol" 1 nothing family -- "$program" decode browser.sdp
 sed 's/RTP\/SAVPF/RTP\/XAVP/' browser.sdp >unknown.sdp

@@ -106,7 +106,7 @@ TEST(JsonIn, NamesTheFieldThatIsWrong) {
     EXPECT_EQ(errorWith("/media", 1), "/media: expected an array, found 1");
     EXPECT_EQ(errorWith("/media/0", json::array()), "/media/0: expected an object, found an array");
     EXPECT_EQ(errorWith("/times/0/repeats/0/times", json::array()),
-              "/times/0/repeats/0/times: expected an item at least, found none");
+              "/times/0/repeats/0/times: expected at least one item, found none");
     EXPECT_EQ(errorWith("/attributes/0/rtpmap/profile", 36),
               "/attributes/0/rtpmap/profile: expected a number from 0 to 35, found 36");
     EXPECT_EQ(errorWith("/media/1/attributes/0/ipbcp/version", 256),

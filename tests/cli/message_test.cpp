@@ -337,7 +337,7 @@ TEST(Multipart, MayBeAPartItself) {
     const auto problems =
         problemsOf(withLength(multipart({part}, "top"), "multipart/mixed;boundary=top"));
     ASSERT_EQ(problems.size(), 1u);
-    EXPECT_NE(problems[0].find("the multipart bodies are nested too deep"), std::string::npos);
+    EXPECT_NE(problems[0].find("the multipart bodies are nested too deeply"), std::string::npos);
 }
 
 TEST(Multipart, WithoutABoundaryIsAProblem) {

@@ -54,10 +54,10 @@ bad.sdp:7:3: error: expected a number as the start time; found "x" [TimeStart]
     7 | t=x
       |   ^
   hint: the line is t=START STOP, in seconds; 0 0 is a session without end
-bad.sdp:17:10: error: expected ":" or the line end after an unknown attribute; found a space [UnrecEnd] (line judged on its own)
+bad.sdp:17:10: error: expected ":" or the line end after an unknown attribute; found a space [UnrecEnd] (line checked by itself)
    17 | a=ice-pwd secret1
       |          ^
-bad.sdp:19:1: error: no line of SDP begins like this [LineKind] (line judged on its own)
+bad.sdp:19:1: error: no line of SDP begins like this [LineKind] (line checked by itself)
    19 | xx
       | ^
 checked 1 body in 1 file: 1 refused

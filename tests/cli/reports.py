@@ -54,7 +54,7 @@ def read_gcc(text):
 
 
 PLACE = re.compile(r"(?m)^.*?:(\d+):(\d+): (error|warning): .*\[(\w+)(?:, [^]]*)?\]"
-                   r"(?: \(line judged on its own\))?$")
+                   r"(?: \(line checked by itself\))?$")
 
 
 def read_junit(text):

@@ -141,10 +141,10 @@ checked 2 bodies in 2 files: 1 refused, 1 ignored
 TEXT
 "$program" check --ignore-file list --every-line bad.sdp nasty.sdp >out
 expect "--ignore-file and --every-line" 0 - nothing -- grep -q ignored out
-echo 'sdpline: list2:2: no check and no doubt is named "Bad\x01": see sdpline explain --list and sdpline rules' >err
+echo 'sdpline: list2:2: no check or doubt is named "Bad\x01": see sdpline explain --list and sdpline rules' >err
 printf 'ConnEnd\nBad\x01\n' >list2
 expect "a wrong name in a list" 2 nothing err -- "$program" check --ignore-file list2 bad.sdp
-expect "a wrong name" 2 nothing '~no check and no doubt is named "NameEmpty"' -- \
+expect "a wrong name" 2 nothing '~no check or doubt is named "NameEmpty"' -- \
   "$program" check --ignore NameEmpty bad.sdp
 expect "a missing list" 2 nothing '~^sdpline: none: No such file or directory$' -- \
   "$program" check --ignore-file none bad.sdp
