@@ -1,4 +1,4 @@
-// How large the memory is that the entry points ask for: blocks of bodies and buffers of texts.
+// The sizes of the memory that the entry points request: blocks of bodies and buffers of texts.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@ namespace sdpline {
 
 struct MemorySizes {
     uint32_t first; // bytes of the first chunk
-    uint32_t next;  // of every further one, or what a buffer grows by
+    uint32_t next;  // bytes of each further chunk, or by which a buffer grows
 };
 
 inline constexpr MemorySizes kDecodeBlock = {512, 1032};

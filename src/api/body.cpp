@@ -1,5 +1,5 @@
-// The entry points for whole bodies, and the memory discipline of the library: one block for each
-// body, and the parser's hooks pointed at it while it decodes.
+// The entry points for whole bodies, and the ownership of memory: each body has one block, from
+// which the parser's hooks allocate during the decode.
 #include "api/blocks.hpp"
 #include "checks/checks.hpp"
 #include "encoder/writers.hpp"

@@ -1,4 +1,4 @@
-// The process-wide settings and the calls that change them.
+// The process-wide settings, and the operations that change them.
 #include "checks/checks.hpp"
 #include "sdpline/sdpinternals.h"
 #include "services/settings.hpp"

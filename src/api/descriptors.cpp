@@ -1,7 +1,7 @@
-// The descriptors of the records: constant data and nothing else.
+// The descriptors of the records: constant data only.
 //
-// Some addresses belong to the stack and are known to the dynamic linker only. `constinit` keeps
-// them relocations: a descriptor is complete before any constructor of the process runs.
+// The addresses of the stack's descriptors are known only to the dynamic linker. `constinit` makes
+// them relocations, so that a descriptor is complete before any constructor of the process runs.
 #include "sdpline/sdpdescriptors.h"
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 namespace {
 
 constexpr uint32_t kPointerSize = sizeof(void *);
-// The value of an attribute with its selector: all of SDPAttr but the name.
+// An attribute's type and value: all of SDPAttr but the name.
 constexpr uint32_t kAttrTypeSize = offsetof(SDPAttr, pstAttrName);
 constexpr uint32_t kIpv4Size = sizeof(SDPTptAddr::unTptAddr.aucIpv4);
 constexpr uint32_t kIpv6Size = sizeof(SDPTptAddr::unTptAddr.aucIpv6);
@@ -19,13 +19,13 @@ consteval SipDsmSequenceDef sequence(const SipDsmTypeDef *const (&members)[N]) {
     return {N, members};
 }
 
-// Selector values are counted from 0 = nothing, which has no alternative.
+// `selectors` counts the value 0, "nothing", which has no alternative.
 template <size_t N>
 consteval SipDsmChoiceDef choice(uint32_t selectors, const SipDsmTypeDef *const (&members)[N]) {
     return {0, selectors, members};
 }
 
-// The flag of every coded text but the precondition's. It is the stack's: nothing here reads it.
+// The flag of every coded text but the precondition's. Only the stack reads it.
 constexpr uint32_t kFlag = 1;
 
 } // namespace
@@ -186,8 +186,8 @@ constinit const SipDsmCPointerDef g_gstSDPPreconditionCPointerDef = {
 constinit const SipDsmTypeDef g_gstSDPPreconditionSDef = {
     sizeof(SDPPreconditionS), SIP_DSM_CODED_TEXT, &g_gstSDPPreconditionCPointerDef};
 
-// Ten entries for forty types: callers have the table in their binaries as it is, and the library
-// itself never hands it to the generic services.
+// Ten entries for forty types. Programs are compiled with the table's present size; the library
+// itself never passes it to the generic services.
 constinit const SipDsmTypeDef *const g_gpstSDPAttrUnionDef[] = {&g_gstSDPRtpMapAttrDef,
                                                                 &g_gstSdpUnConstrainedUInt32Def,
                                                                 &g_gstSdpUnConstrainedUInt32Def,

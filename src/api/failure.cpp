@@ -1,21 +1,21 @@
-// Why a body was refused, for people: the last failure, and any result code in words.
+// Why a body was refused: the last failure, and any result code in words.
 #include "checks/checks.hpp"
 
 namespace sdpline {
 
 namespace {
 
-constexpr uint32_t kSharedBareAnswer = 1;
+constexpr SDPResult kSharedBareResult = 1; // returned by several checks
 
 SDPResultText textOf(const CheckRow &failed) {
     return {sourceName(failed.source), failed.function, className(failed.outcome.errorClass),
             failed.name, failed.sentence};
 }
 
-// Whether there is such a result.
+// Describes a result; returns false for a number that no check returns.
 bool describe(SDPResult result, SDPResultText &text) {
-    if (result == kSharedBareAnswer) {
-        text.pcSentence = "a check without a code of its own failed, the log entry tells which";
+    if (result == kSharedBareResult) {
+        text.pcSentence = "a check without a result code failed; its log entry shows which one";
         return true;
     }
     for (size_t i = 0; i < kCheckCount && result != 0; ++i) {

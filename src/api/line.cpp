@@ -1,5 +1,5 @@
-// Single lines as text, and bodies in the caller's own bytes. The serialised form of a body is its
-// SDP text and nothing else.
+// The entry points for single lines, and for bodies in the caller's buffers. The serialised form of
+// a body is its SDP text.
 #include "api/blocks.hpp"
 #include "checks/checks.hpp"
 #include "encoder/writers.hpp"
@@ -11,8 +11,8 @@ using namespace sdpline;
 
 namespace {
 
-// Attributes are written leniently: the encoder succeeds even where they did not fit. A string
-// buffer stays failed after its first failure, so one empty append tells.
+// Whether the whole body was written. The encoder succeeds even where attributes did not fit, but a
+// string buffer stays failed after its first failure, so an empty append shows it.
 bool writesCompletely(SdpLine *line, SipStringBuffer *buffer) {
     return encodeBody(line, buffer) == 0 && SipSbCopyConstString(buffer, "", 0) == 0;
 }

@@ -23,13 +23,13 @@ constexpr bool sameCode(const CheckRow &a, const CheckRow &b) {
            a.outcome.errorClass == b.outcome.errorClass;
 }
 
-// What a failing check returns is not 0: a code has a class, a bare result is itself.
+// Whether the result of a failing check is not 0.
 constexpr bool isFailure(const Outcome &outcome) {
     return outcome.kind == ResultKind::Forwarded ||
            (outcome.kind == ResultKind::Composed ? outcome.errorClass : outcome.location) != 0;
 }
 
-// Two rows may not have the same code, and every code must fit its fields.
+// Whether no two rows have the same code, and every code fits its fields.
 constexpr bool codesAreSound() {
     for (size_t i = 0; i < kCheckCount; ++i) {
         if (!isFailure(kChecks[i].outcome)) {
@@ -83,7 +83,8 @@ SDPLINE_PER_THREAD SDPFailure lastFailure = {};
 
 namespace {
 
-// Encoders may run on several threads at once: what they fail is not remembered.
+// The checks that set lastFailed. Those of encoders do not: encoders may run on several threads at
+// once.
 bool isOfParsing(Source source) {
     return source == Source::Parser || source == Source::Lexer || source == Source::Utils;
 }
@@ -92,14 +93,14 @@ uint32_t fileNumber(Source source) {
     return g_gSipStackFileId + static_cast<uint32_t>(source);
 }
 
-// The checks that a decode fails by. A log hook that decodes another body finishes that decode
-// before this one ends: this one is the last that failed.
+// Whether the check refuses a decode. A log hook may decode another body, but that decode ends
+// before this one does: this one is then the last that failed.
 bool isOfDecode(Check check) {
     return isOfParsing(row(check).source) || check == Check::DecodeRefused ||
            check == Check::DeSerializeRefused;
 }
 
-// The hook may decode, and fail checks: afterwards the last failure is what it was before.
+// The hook may decode a body and fail checks: the last failure of this decode is restored after it.
 [[gnu::noinline]] void callLogHook(SipLmLogHndlr hook, Check check, uint32_t value, uint32_t line) {
     const CheckRow &failed = row(check);
     const Logged &logged = failed.logged;

@@ -1,8 +1,7 @@
-// The failing checks of the library: every way an operation can refuse its work is one row.
+// The failing checks of the library: each way in which an operation can fail is one row of a table.
 //
-// The rows are in src/checks/*.def, one file per source file that makes them. A site
-// says `return fail(Check::OctetRange)`: the row is logged if it is a logged one, and its result
-// code is returned.
+// The rows are in src/checks/*.def. A check fails by `return fail(Check::ConnOctetRange)`: this
+// logs the row, if it is one that is logged, and returns its result code.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +12,7 @@
 
 namespace sdpline {
 
-// The source files that make checks, by the number that goes into result codes and log entries.
+// The source names of checks, and their numbers in result codes and code points.
 enum class Source : uint16_t {
     Dsm = 2,
     Encode = 3,
@@ -31,13 +30,13 @@ enum class Source : uint16_t {
 // What a failing check returns.
 enum class ResultKind : uint8_t {
     Composed,  // the code composed of source, location and class
-    Bare,      // the row's location as it is, without composition
-    Forwarded, // what the callee returned: the row only logs
+    Bare,      // the row's location itself
+    Forwarded, // the result of a called operation: the row is only logged
 };
 
 constexpr uint32_t kNoCategory = 0xFFFFFFFF;
 
-// How a failing check is logged. A line of 0 is the line of the site.
+// How a failing check is logged. A line of 0 stands for the line of the source that calls fail().
 struct Logged {
     uint8_t level; // 0: not logged at all
     uint32_t category;
@@ -54,10 +53,10 @@ struct Outcome {
 struct CheckRow {
     Source source;
     const char *name;
-    const char *function; // the one that makes the check
+    const char *function; // the operation that makes the check
     Outcome outcome;
     Logged logged;
-    const char *sentence; // what was wrong, for people
+    const char *sentence; // what was expected or what failed, for people
 };
 
 enum class Check : uint16_t {
@@ -75,16 +74,17 @@ inline const CheckRow &row(Check check) {
     return kChecks[static_cast<size_t>(check)];
 }
 
-// The code that fail() composes for the row, under the stack's file base of this moment.
+// The result code of the row, composed with the present g_gSipStackFileId.
 SDPResult codeOf(Check check);
 
-// Logs the failing check as its row says and returns its result: the one place to set a
-// breakpoint. `word` is what the check judged, where it is no longer the current token.
+// Logs the failing check as its row says and returns its result code: the one place to set a
+// breakpoint. `word` is the word that the check judged, if it is no longer the current token, else
+// null.
 [[gnu::cold, gnu::noinline]] SDPResult reportFailed(Check check, uint32_t value, uint32_t line,
                                                     const char *word);
 
-// The same. `value` is the argument of the row's format; rows without a format ignore it. No check
-// returns 0, and the compiler knows: it generates no code for that case.
+// Fails the check. `value` is the argument of the row's format; rows without a format ignore it. No
+// result is 0, and the compiler is told so: it generates no code for that case.
 SDPLINE_INLINE SDPResult fail(Check check, uint32_t value = 0, uint32_t line = __builtin_LINE()) {
     const SDPResult result = reportFailed(check, value, line, nullptr);
     if (result == 0) {
@@ -93,6 +93,7 @@ SDPLINE_INLINE SDPResult fail(Check check, uint32_t value = 0, uint32_t line = _
     return result;
 }
 
+// The same for a check of a word that is no longer the current token.
 SDPLINE_INLINE SDPResult failWord(Check check, const char *word, uint32_t line = __builtin_LINE()) {
     const SDPResult result = reportFailed(check, 0, line, word);
     if (result == 0) {
@@ -101,17 +102,16 @@ SDPLINE_INLINE SDPResult failWord(Check check, const char *word, uint32_t line =
     return result;
 }
 
-// Logs a Pass row and returns `result` unchanged. The format's argument, where the row has a
-// format, is `result` too.
+// Logs a row of the kind Forwarded and returns `result` unchanged; `result` is also the argument of
+// the row's format.
 [[gnu::cold, gnu::noinline]] SDPResult logAndForward(Check check, SDPResult result,
                                                      uint32_t line = __builtin_LINE());
 
-// The name of a row's source file in log entries, and of a class.
+// The name of a source in log entries; the name of an error class.
 const char *sourceName(Source source);
 const char *className(uint16_t errorClass);
 
-// The last check of lexer, parser and utilities that fail() reported, and the word that it judged
-// where that is no longer the current token, else null.
+// The check of lexer, parser and utilities that failed last, and its word (see reportFailed).
 struct LastFailed {
     Check check;
     const char *word;
@@ -122,7 +122,7 @@ extern SDPLINE_PER_THREAD LastFailed lastFailed;
 extern SDPLINE_PER_THREAD SDPFailure lastFailure;
 
 #ifdef SDPLINE_COUNT_CHECKS
-// How often each check failed since the start; test builds only.
+// How often each check failed since the start of the program; in test builds only.
 extern uint32_t checkHits[kCheckCount];
 #endif
 

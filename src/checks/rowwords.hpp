@@ -1,5 +1,5 @@
-// The words that the rows of the failing checks are written in (*.def): what a check returns, and
-// how it is logged. For the sources that make a table of the rows.
+// The words that the rows of the failing checks (*.def) are written with: the result of a check,
+// and how it is logged. Included only by source files that make a table of the rows.
 #pragma once
 
 #include "checks/checks.hpp"

@@ -1,7 +1,7 @@
-// Attributes, copied and cleared by hand: forty types over one union, some with texts inside.
+// Copying and clearing attributes without their descriptor, which does not cover all forty types.
 //
-// Pointers to text lie unaligned within the packed record: a text is cloned and freed through a
-// pointer of its own.
+// Pointers to texts are unaligned within the packed record: they are passed to services in local
+// variables.
 #include "checks/checks.hpp"
 #include "sdpline/sdpcopy.h"
 #include "tables/attributes.hpp"
@@ -49,8 +49,8 @@ public:
     }
 
 private:
-    // The target's text is emptied first: should the copy fail, it holds no pointer of the source
-    // and none of the memory that the target lies in.
+    // The target's text is emptied first, so that after a failed copy it holds neither a pointer of
+    // the source nor one that was in the target's memory before.
     SDPResult copyText(const SipString &from, SipString &to) {
         to = {0, nullptr};
         return stored(SipSmCopyString(memCp_, &from, &to));

@@ -1,4 +1,4 @@
-// Copies of whole bodies.
+// Copying whole bodies.
 #include "checks/checks.hpp"
 #include "copy/records.hpp"
 #include "sdpline/sdpline.h"

@@ -1,5 +1,5 @@
-// What each shape of attribute takes of the record, so that all of them are copied alike: bytes
-// that are kept, then what they refer to.
+// What each shape of attribute uses of its record, so that one loop copies all shapes: a mask of
+// the bytes that are copied, and the place of the text and the pointer that are copied deeply.
 //
 //   SDPAttr   ulAttrType | value of the shape ...            | unused  | pstAttrName
 //   kept      ffffffff   | ff ... ff, a text among them      | 00 ...  | 00 ...
@@ -16,12 +16,12 @@
 
 namespace sdpline {
 
-// What is copied by itself beside a text within the value.
+// A pointer that is copied deeply, in addition to a text within the value.
 enum class Pointer : uint8_t { None, Name, Precondition };
 
 struct alignas(64) AttributeLayout {
-    std::array<uint8_t, sizeof(SDPAttr)> kept; // 255 for each byte that is
-    uint8_t text;                              // where a SipString lies; 0: there is none
+    std::array<uint8_t, sizeof(SDPAttr)> kept; // 255 for each byte that is copied
+    uint8_t text;                              // offset of a SipString; 0 for none
     Pointer pointer;
 };
 
@@ -66,7 +66,7 @@ constexpr Pointer pointerOf(Shape shape) {
     return shape == Shape::NamedText || shape == Shape::NameOnly ? Pointer::Name : Pointer::None;
 }
 
-// Indexed by type. The last row is that of all numbers that are none.
+// Indexed by type. The last row is used for all numbers that are not types.
 inline constexpr auto kAttributeLayouts = [] {
     std::array<AttributeLayout, SDP_ATTR_UNKNOWN + 1> layouts{};
     for (uint32_t type = 0; type < layouts.size(); ++type) {
@@ -103,7 +103,7 @@ inline void copyKeptWord(const uint8_t *kept, const char *from, char *to) {
     std::memcpy(to, &word, sizeof word);
 }
 
-// All bytes of the target are written: those that are not kept are zero.
+// Writes all bytes of the target: those that are not kept become zero.
 inline void copyKept(const AttributeLayout &layout, const SDPAttr &from, SDPAttr &to) {
     using Four = uint32_t __attribute__((vector_size(16)));
     const auto *const source = reinterpret_cast<const char *>(&from);

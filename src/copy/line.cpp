@@ -1,10 +1,10 @@
-// Copy, clone, clear and free of one line, chosen by its kind. The stack's generic services do the
-// work by the table of lines; m= lines and attributes, which the descriptors do not cover, are
-// done in media.cpp and attribute.cpp.
+// Copy, clone, clear and free of one line, selected by its kind. The stack's generic services do
+// the work for the kinds that the table of lines describes; m= lines and attributes, which the
+// descriptors do not cover, are handled in media.cpp and attribute.cpp.
 //
-// Where those services and the memory are libsipcore's, most lines are copied in place of them, as
-// long as all of a line fits into what the block has left. What does not is cloned with the
-// requests that the services would make.
+// Where those services and the memory are libsipcore's, most lines are copied in place, without
+// calls, as long as the whole line fits into the unused rest of the block. A line that does not fit
+// is cloned by the same requests that the services would make.
 #include "checks/checks.hpp"
 #include "copy/records.hpp"
 #include "sdpline/sdpcopy.h"
@@ -14,7 +14,8 @@ using namespace sdpline;
 
 namespace {
 
-// ---- What a service refuses, or copies in its way, and what is too rare to be done in place
+// ---- Records that a service refuses or copies differently, or that are too rare to be copied in
+// place
 
 const SDPPreconditionS &preconditionOf(const SDPAttr &attribute) {
     return attribute.unAttrValue.stRsrcMgmtStatus.stPrecondition;
@@ -24,7 +25,7 @@ bool isUnusual(const SipString &) {
     return false;
 }
 
-// A precondition keeps a text beside a code that does not use it: the caller's, as it is.
+// A precondition with a text that its code does not use: the services copy the pointer itself.
 bool isUnusual(const SDPAttr &attribute) {
     const SDPPreconditionS &type = preconditionOf(attribute);
     return layoutOf(attribute).pointer == Pointer::Precondition &&
@@ -44,7 +45,7 @@ bool isUnusual(const SDPOrigin &origin) {
 }
 
 bool isUnusual(const SDPMediaField &) {
-    return false; // more payload numbers than there may be are a failure of the copier
+    return false; // too many payload numbers are a failure of the copier
 }
 
 bool isUnusual(const SDPTimeField &time) {
@@ -58,7 +59,7 @@ inline void copyRecord(Copier &copier, const Record &source, Record &target) {
     copier.copy(source, target);
 }
 
-// The bytes beyond an IPv4 address, and all where there is none, are zero.
+// The bytes after an IPv4 address become zero; without an address all bytes do.
 template <class Copier>
 inline void copyRecord(Copier &copier, const SDPConnection &source, SDPConnection &target) {
     copier.copy(source, target);
@@ -70,7 +71,7 @@ inline void copyRecord(Copier &copier, const SDPConnection &source, SDPConnectio
     }
 }
 
-// These two copy all of the record, or nothing where it does not fit.
+// These two copy the whole record, or nothing if it does not fit.
 template <class Record>
 inline bool copyWithin(SDPMemCp &memCp, const Record &source, Record &target) {
     RecordCopier copier{CutMemory(memCp)};
@@ -133,7 +134,7 @@ template <class Record>
     return 0;
 }
 
-// What the services say of a copy that there is no memory for. What it took goes back.
+// Frees what an incomplete clone allocated, and fails the checks that the services would fail.
 [[gnu::cold, gnu::noinline]] SDPResult undoClone(SDPMemCp *memCp, uint32_t type, void *made) {
     if (made == nullptr) {
         return fail(Check::CloneAlloc);
@@ -148,7 +149,8 @@ template <class Record>
     return fail(Check::CloneCopy);
 }
 
-// Takes what was freed before, and new chunks, in the order of the services' requests.
+// Clones with the same requests, in the same order, as the services: these may also take freed
+// allocations and new chunks.
 template <class Record>
 [[gnu::noinline]] SDPResult cloneByRequests(SDPMemCp *memCp, uint32_t type, const void *from,
                                             void **target) {
@@ -180,7 +182,7 @@ template <class Record>
     return 0;
 }
 
-// ---- Attributes: most lines are, so that their clones are written for the fewest registers
+// ---- Attributes: most lines are attributes, so their clones are written to need few registers
 
 inline bool cutText(CutMemory &memory, const SipString &from, SipString &to) {
     const uint32_t size = from.ulLen;
@@ -265,7 +267,7 @@ SDPResult SdpCopyLineValidate(SDPMemCp *memCp, uint32_t type, const void *source
     return isRefused(memCp, type, source, target) ? fail(Check::CopyValidate) : 0;
 }
 
-// In place the switch is the check of the type: it has no case for a type that is refused.
+// The switch has no case for a type that is refused, so in place it needs no other check.
 SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *target) {
     if (memCp == nullptr || source == nullptr) [[unlikely]] {
         return refuseCopy();
@@ -286,7 +288,7 @@ SDPResult SdpCloneLineValidate(SDPMemCp *memCp, uint32_t type, const void *sourc
     return isRefused(memCp, type, source, target) ? fail(Check::CloneValidate) : 0;
 }
 
-// Most lines are attributes, for which nothing is looked at twice.
+// Attributes come first, because most lines are attributes.
 SDPResult SdpCloneLine(SDPMemCp *memCp, uint32_t type, const void *source, void **target) {
     if (memCp == nullptr || source == nullptr) [[unlikely]] {
         return refuseClone();
@@ -346,7 +348,7 @@ SDPResult SdpFreeLine(SDPMemCp *memCp, uint32_t type, void **value) {
     if (record == nullptr) {
         return 0;
     }
-    // A record that cannot be cleared is given back all the same: the caller is done with it.
+    // A record that cannot be cleared is freed all the same: the caller does not use it any more.
     SdpClearLine(memCp, type, record);
     *value = nullptr;
     return memCp->pfnFree(record);

@@ -1,5 +1,5 @@
-// The m= line, copied and cleared by hand: its descriptor does not know how many payload numbers
-// there are.
+// Copying and clearing the m= line without its descriptor, which does not tell how many payload
+// numbers there are.
 #include "checks/checks.hpp"
 #include "sdpline/sdpcopy.h"
 #include "sdpline/sdpdescriptors.h"
@@ -40,7 +40,7 @@ SDPResult SdpCopyMediaFormat(SDPMemCp *memCp, const SDPMediaFmt *source, SDPMedi
 }
 
 SDPResult SdpCopyMediaField(SDPMemCp *memCp, const SDPMediaField *source, SDPMediaField *target) {
-    *target = {}; // wherever the copy stops, the target can be cleared
+    *target = {}; // so that the target can be cleared after a failure
     uint32_t copied =
         SipDsmCopyGeneralField(memCp, &source->stMedia, &target->stMedia, &g_gstSDPMediaDef);
     if (copied != 0) {

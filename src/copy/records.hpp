@@ -1,6 +1,6 @@
-// Deep copies of records, made as a decode makes them: an allocation for each record, text and
-// array, in the order of the fields. A length or a count over a null pointer is copied as it is,
-// and so is a null slot of an array; a text beside a code that does not use it becomes null.
+// Deep copies of records. As in a decode there is one allocation for each record, text and array,
+// in the order of the fields. A length or a count with a null pointer is copied as it is, and so is
+// a null slot of an array; a text pointer that its code does not use becomes null.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +11,8 @@
 
 namespace sdpline {
 
-// After the first failure it makes nothing more: what refers to it is null, and the copies may be
-// cleared.
+// Copies records with memory of one kind (services/copymemory.hpp). After the first failure nothing
+// more is allocated: the remaining pointers are null, so that the copy can be cleared.
 template <class Memory>
 class RecordCopier {
 public:
@@ -34,7 +34,7 @@ public:
         return made;
     }
 
-    // ---- Records: all of the target is written
+    // ---- Records. All bytes of the target are written.
 
     SDPLINE_INLINE void copy(const SipString &from, SipString &to) {
         to.ulLen = from.ulLen;
@@ -106,7 +106,7 @@ public:
         to.pstAttrList = clone(from.pstAttrList);
     }
 
-    // But for the block.
+    // All but the memory control.
     void copy(const SdpLine &from, SdpLine &to) {
         to.ulProtoVersion = from.ulProtoVersion;
         copy(from.stOrigin, to.stOrigin);

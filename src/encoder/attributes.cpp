@@ -1,17 +1,18 @@
-// How a= lines are written.
+// Writing a= lines.
 //
-// An attribute that cannot be written never stops a body: its line ends early, the log says why.
+// An attribute that cannot be written does not stop the body: its line ends early, and a log entry
+// says why.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
 
-// T.38 flags of 0 have no line in the styles that write a flag as its bare name.
+// In the styles that write a T.38 flag as its bare name, a flag of 0 has no line.
 static bool isLeftOut(const SDPAttr &attr, Shape shape) {
     return shape == Shape::Switch && g_gstSdpT38OptCfg < SDP_T38_STYLE_VALUE &&
            attr.unAttrValue.ulValue == 0;
 }
 
-// Whether the name comes from the table, and the value follows it.
+// Whether the name is in the table, and the value is written after it.
 static constexpr bool isNamedByTable(Shape shape) {
     static_assert(Shape::Precondition < Shape::NamedText && Shape::NamedText < Shape::NameOnly);
     return shape > Shape::None && shape < Shape::Precondition;
@@ -21,7 +22,7 @@ static SDPResult writeTableName(auto &out, const SDPAttr &attr) {
     return appendName(out, attr.ulAttrType);
 }
 
-// name ":" value, where refused appends are no failure
+// name ":" value. Refused appends are ignored.
 static SDPResult writeNamedText(auto &out, const SDPAttr &attr) {
     out.text(attr.pstAttrName);
     out.character(':');
@@ -29,7 +30,7 @@ static SDPResult writeNamedText(auto &out, const SDPAttr &attr) {
     return 0;
 }
 
-// An attribute that is kept by name, or a precondition: they are written whole.
+// An attribute that is kept by name, or a precondition: one function writes name and value.
 static SDPResult writeWhole(auto &out, const SDPAttr &attr, Shape shape) {
     switch (shape) {
     case Shape::NamedText: return writeNamedText(out, attr);
@@ -105,8 +106,8 @@ SDPResult writeAttribute(auto &out, SDPAttr &attr) {
 
 // *( a= attribute CRLF )
 //
-// One function for all lists, on a copy of the output: nothing else knows where the copy is, so
-// that it stays in registers from line to line.
+// Works on a local copy of the output: no other code has its address, so the compiler keeps it in
+// registers from line to line.
 [[gnu::noinline, gnu::flatten]] SDPResult writeAttributes(auto &out, const uint32_t *flag,
                                                           const SDPAttrList *list) {
     auto lines = out;

@@ -1,7 +1,7 @@
-// How a c= line is written.
+// Writing a c= line.
 //
-// A code that has no text ends the line there. A refused append does so too, but the TTL is then
-// still tried: the two differ in what they leave in the buffer.
+// A code without a word ends the line. A refused append ends it too, but the TTL is still tried
+// then: the two cases leave different text in the buffer.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
@@ -38,7 +38,7 @@ static void writeIpv4(auto &out, const uint8_t (&address)[4]) {
     }
 }
 
-// 7( 4HEXDIG ":" ) 4HEXDIG: nothing is shortened, so that one address has one text
+// 7( 4HEXDIG ":" ) 4HEXDIG. Zeros are never left out, so each address has exactly one text.
 SDPResult writeIpv6(auto &out, const SDPConnection &connection) {
     const auto hexDigit = [](uint32_t value) { return "0123456789ABCDEF"[value & 0xF]; };
     for (uint32_t i = 0; i < 16; ++i) {
@@ -52,7 +52,7 @@ SDPResult writeIpv6(auto &out, const SDPConnection &connection) {
     return 0;
 }
 
-// address = IP4-address / IP6-address, from the binary form; refused appends are no failure
+// address = IP4-address / IP6-address, from the binary form. Refused appends are ignored.
 SDPResult writeConnectionAddress(auto &out, const SDPConnection &connection, uint32_t &typeError) {
     switch (connection.stTptAddr.enTptAddrType) {
     case SDP_TPTADDR_IPV4: writeIpv4(out, connection.stTptAddr.unTptAddr.aucIpv4); return 0;

@@ -11,12 +11,12 @@ namespace {
 
 constexpr uint32_t kPrefixed = 1;
 
-// Writes the lines of one body: each one that the body has, while none failed.
+// Writes the lines that a body has, one after another, until one fails.
 class BodyWriter {
 public:
     explicit BodyWriter(Output &out) : out_(out) {}
 
-    // Where `write` fails on either kind of line, that is the check which fails.
+    // Writes a line by `write`. If that fails, the check `failed` fails.
     template <class Write>
     BodyWriter &line(Check failed, Write write) {
         if (result_ == 0) [[likely]] {
@@ -52,7 +52,7 @@ public:
     SDPResult result() const { return result_; }
 
 private:
-    // Lines that are tried one by one.
+    // Several lines; `write` passes each of them to the output.
     template <class Write>
     BodyWriter &lines(Check failed, Write write) {
         if (result_ == 0 && write() != 0) [[unlikely]] {
@@ -89,8 +89,8 @@ SDPResult writeLines(Output &out, SdpLine &body) {
         .result();
 }
 
-// Flattened: all that is called here is inlined, when the library is linked, from the other
-// sources, and the place to write to stays in registers for a whole line.
+// Flattened: with link-time optimisation all writers are inlined here from the other source files,
+// and the address to write to stays in registers for a whole line.
 [[gnu::flatten]] SDPResult writeBody(Output &out, SdpLine &body) {
     return writeLines(out, body);
 }
@@ -113,14 +113,14 @@ SDPResult mediaLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     return writeMediaField(out, flag, *static_cast<const SDPMediaField *>(field));
 }
 
-// As in a list, an attribute that cannot be written leaves its line short and is no failure.
+// As in a body, an attribute that cannot be written makes a short line and is not a failure.
 SDPResult attributeLine(ServiceLine &out, const uint32_t *flag, char key, void *field) {
     appendPrefix(out, flag, key);
     writeAttribute(out, *static_cast<SDPAttr *>(field));
     return out.lineEnd();
 }
 
-// The t= line alone: a set of one, without r= lines.
+// The t= line without its r= lines: a set of one field.
 SDPResult timeLine(ServiceLine &out, const uint32_t *flag, char, void *field) {
     const auto *const given = static_cast<const SDPTimeField *>(field);
     SDPTimeField alone = {given->ulStartTime, given->ulStopTime, nullptr};

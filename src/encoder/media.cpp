@@ -1,9 +1,9 @@
-// How the media descriptions are written: m= and the lines that belong to it.
+// Writing the media descriptions: each m= line and the lines that belong to it.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
 
-// i= c= b= k= a=, those that the description has
+// i= c= b= k= a=, each if the description has it
 static SDPResult writeMediaLines(auto &out, const uint32_t *flag, const SDPMediaDesc &desc) {
     Appender lines(out);
     if (const SipString *const info = desc.pstrMediaInfo) {
@@ -35,7 +35,7 @@ static SDPResult writeMediaLines(auto &out, const uint32_t *flag, const SDPMedia
     return lines.result();
 }
 
-// *( m= [ i= ] [ c= ] *( b= ) [ k= ] *( a= ) ), where an m= line that fails does not stop the rest
+// *( m= [ i= ] [ c= ] *( b= ) [ k= ] *( a= ) ). An m= line that fails does not stop the others.
 SDPResult writeMediaSet(auto &out, const uint32_t *flag, const SDPMediaSet &set) {
     for (uint32_t i = 0; i < set.ulNoOfMediaDescs; ++i) {
         const SDPMediaDesc &desc = *set.ppstMediaDescs[i];

@@ -1,9 +1,9 @@
-// How the values of the T.38 flags, a=silenceSupp, a=ecan and a=ipbcp are written.
+// Writing the values of the T.38 flags, a=silenceSupp, a=ecan and a=ipbcp.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
 
-// [ ":" value ], where the refused ":" is no failure
+// [ ":" value ]. A refused ":" is ignored.
 SDPResult writeSwitch(auto &out, const SDPAttr &attr) {
     if (g_gstSdpT38OptCfg != SDP_T38_STYLE_VALUE) {
         return 0;
@@ -12,7 +12,7 @@ SDPResult writeSwitch(auto &out, const SDPAttr &attr) {
     return out.number(attr.unAttrValue.ulValue);
 }
 
-// ( "on" / "off" ) params, which bring their own blank
+// ( "on" / "off" ) params, which begin with their space
 SDPResult writeSilenceSupp(auto &out, const SDPAttr &attr) {
     const SDPSilenceSuppression &silence = attr.unAttrValue.stSilenceSupp;
     appendKnownWord<kSwitchWords>(out, silence.bOn != 0 ? 1 : 0);

@@ -1,4 +1,4 @@
-// How an m= line is written.
+// Writing an m= line.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
@@ -53,7 +53,7 @@ static SDPResult writePayloads(auto &out, const SDPRtpPayLoads &payloads) {
     return 0;
 }
 
-// *( SP fmt ); refused appends are no failure
+// *( SP fmt ). Refused appends are ignored.
 SDPResult writeFormats(auto &out, const SDPMediaFmt &format) {
     if (format.enFmtType == SDP_FMT_RTP_PAYLOADS) {
         return writePayloads(out, format.unMediaFmt.stRtpPayLoads);

@@ -1,4 +1,4 @@
-// How an o= line is written.
+// Writing an o= line.
 #include "encoder/writers.hpp"
 
 namespace sdpline {

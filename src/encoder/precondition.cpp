@@ -1,5 +1,5 @@
-// How a=curr, a=des and a=conf are written (RFC 3312 section 4). Their words report as part of the
-// encoder's driver.
+// Writing a=curr, a=des and a=conf (RFC 3312 section 4). The checks of their words are reported
+// under the number of the encoder's driver.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
@@ -25,7 +25,7 @@ SDPResult writeStatusName(auto &out, uint32_t type) {
 }
 
 // ( "curr:" / "des:" / "conf:" ) precondition-type [ SP strength-tag ] SP status-type
-// SP direction-tag, where the strength is that of "des:" alone
+// SP direction-tag. Only "des:" has a strength.
 SDPResult writeStatus(auto &out, const SDPRsrcMgmtStatus *status, uint32_t type) {
     if (status == nullptr || !out.hasBuffer()) {
         return fail(out, Check::StatusArgument);

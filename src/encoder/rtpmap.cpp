@@ -1,15 +1,15 @@
-// How the value of a=rtpmap is written.
+// Writing the value of a=rtpmap.
 #include "encoder/writers.hpp"
 #include "tables/profiles.hpp"
 
 namespace sdpline {
 
-// Profiles 1 to 6 have no name of their own here.
+// Profiles 1 to 6 are written without a name.
 constexpr uint32_t kFirstNamedProfile = 7;
 constexpr uint32_t kLastNamedProfile = 35;
 
-// The profile's name for a record without one. What the record leaves open is then filled in
-// from the profile, in the record itself.
+// Writes the profile's name for a record without a name. A clock rate or a number of channels of 0
+// is then set from the profile, in the record itself.
 static SDPResult writeProfile(auto &out, SDPRtpMapAttr &rtpMap) {
     const uint32_t profile = rtpMap.ulEncodingId;
     if (profile < kFirstNamedProfile || profile > kLastNamedProfile) {

@@ -1,4 +1,4 @@
-// The lines that hold nothing but a number or a text: v=, s=, i=, u=, e=, p=, b=, z=, k=.
+// Writing the lines that consist of one number or one text: v=, s=, i=, u=, e=, p=, b=, z=, k=.
 #include "encoder/writers.hpp"
 
 namespace sdpline {

@@ -1,9 +1,9 @@
-// How a t= line and its r= lines are written.
+// Writing a t= line and its r= lines.
 #include "encoder/writers.hpp"
 
 namespace sdpline {
 
-// typed-time = 1*DIGIT fixed-len-time-unit: the unit is always written, seconds too
+// typed-time = 1*DIGIT fixed-len-time-unit. The unit is always written, also "s".
 SDPResult writeTimeUnit(auto &out, const SDPTimeUnit &unit) {
     out.number(unit.ulTimeValue);
     const KeywordRow *const word = findByCode(kTimeUnitWords, unit.enTimeType);
@@ -14,7 +14,7 @@ SDPResult writeTimeUnit(auto &out, const SDPTimeUnit &unit) {
     return 0;
 }
 
-// What an r= line takes at most.
+// The most bytes that an r= line takes without its prefix and line end.
 static uint64_t repeatSize(const SDPRepeatField &field) {
     constexpr uint64_t kUnitSize = 1 + sipcore::kMostDigits + 1;
     return (uint64_t{field.ulNoOfTimeUnits} + 1) * kUnitSize;
@@ -33,7 +33,7 @@ SDPResult writeRepeats(auto &out, const uint32_t *flag, const SDPRepeatFieldSet 
             return result;
         }
         Appender line(out);
-        // The first slot belongs to every field, whatever its count says.
+        // The first time is written even where the count is 0.
         if (units != nullptr) {
             line.then([&] { return writeTimeUnit(out, *units[0]); });
         }
@@ -58,8 +58,8 @@ static SDPResult writeTime(auto &out, const uint32_t *flag, const SDPTimeField &
         .result();
 }
 
-// The first t= line that can be written, with its r= lines. What was written of the fields before
-// it stays.
+// Writes the first t= line that can be written, with its r= lines. Text of the fields before it
+// that could not be written completely stays in the buffer.
 SDPResult writeTimes(auto &out, const uint32_t *flag, const SDPTimeSet &set) {
     if (set.ulNoOfTimeFields == 0) {
         return out.word("t=0 0\r\n");
@@ -70,12 +70,12 @@ SDPResult writeTimes(auto &out, const uint32_t *flag, const SDPTimeSet &set) {
             return full;
         }
         const SDPTimeField &field = *set.ppstTimeFields[i];
-        // Without a prefix a second try could not be told from the rest of the first.
+        // Without a prefix, nothing would separate a second field from the rest of the first.
         if (*flag != 1 && result != 0) {
             break;
         }
         result = writeTime(out, flag, field);
-        // A member of a packed record, to which no reference is bound.
+        // A copy, since a reference cannot be bound to a member of a packed record.
         SDPRepeatFieldSet *const repeats = field.pstRepeatFieldSet;
         if (result == 0 && repeats != nullptr) {
             result = writeRepeats(out, flag, repeats);

@@ -1,10 +1,12 @@
-// What the writers of lines share: words, prefixes, and lines that end at the first refused append.
+// The writers of lines, and what they share: words, prefixes, and lines that end at the first
+// refused append.
 //
-// A writer makes the appends of one line, or of a part of it, to either kind of line (output.hpp).
-// One of several lines hands the writer of each to line() of an Output or of a ServiceLine.
+// A writer of one line, or of a part of it, makes its appends to either kind of line
+// (services/output.hpp). A writer of several lines passes a function for each line to line() of an
+// Output or of a ServiceLine.
 //
-// Where a line's rule is that a refused append ends it, its writer uses Appender; where the rule is
-// that the work goes on, it makes the plain appends and drops their results.
+// Where a refused append ends the line, the writer uses Appender. Where the line goes on after a
+// refused append, the writer makes the plain appends and ignores their results.
 #pragma once
 
 #include <cstdint>
@@ -37,7 +39,8 @@ inline SDPResult logAndForward(InPlaceLine &, Check, SDPResult result) {
 
 // ---- Appends
 
-// The line's letter and "=", when the flag asks for them. The first refused one is the result.
+// Appends the line's letter and "=" if the flag is 1. Returns the result of the first refused
+// append.
 inline uint32_t appendPrefix(auto &out, const uint32_t *flag, char key) {
     if (*flag != 1) {
         return 0;
@@ -46,7 +49,7 @@ inline uint32_t appendPrefix(auto &out, const uint32_t *flag, char key) {
     return result != 0 ? result : out.character('=');
 }
 
-// The name of a type of the table, with its colon.
+// Appends the name of an attribute type, with its colon.
 inline SDPResult appendName(ServiceLine &out, uint32_t type) {
     return out.text(&sstrSdpAttrNames[type - 1]);
 }
@@ -54,7 +57,8 @@ inline SDPResult appendName(InPlaceLine &out, uint32_t type) {
     return out.word(kAttributes[type].name);
 }
 
-// The word of a code, or what `otherwise` returns for one that the table does not know.
+// Appends the word of a code. For a code that is not in the table, returns the result of
+// `otherwise`.
 template <const auto &Table, class Otherwise>
 SDPResult appendWordOr(ServiceLine &out, uint32_t code, Otherwise otherwise) {
     const KeywordRow *const word = findByCode(Table, code);
@@ -66,7 +70,8 @@ SDPResult appendWordOr(InPlaceLine &out, uint32_t code, Otherwise otherwise) {
     return known ? 0 : otherwise();
 }
 
-// The same where a code without a word fails a check, and where it is written as nothing.
+// The same for tables where a code without a word fails a check, and for those where nothing is
+// written for it.
 template <const auto &Table>
 SDPResult appendWord(auto &out, uint32_t code, Check unknown, uint32_t line = __builtin_LINE()) {
     return appendWordOr<Table>(out, code, [&] { return fail(out, unknown, code, line); });
@@ -76,8 +81,8 @@ SDPResult appendKnownWord(auto &out, uint32_t code) {
     return appendWordOr<Table>(out, code, [] { return 0u; });
 }
 
-// Makes one append after another until one is refused: the later ones are not tried, and the
-// first failure is the result.
+// Makes one append after another until one is refused; the later ones are then not made. The
+// result is that of the refused append.
 template <class Out>
 class Appender {
 public:
@@ -99,7 +104,7 @@ public:
         return then([this] { return out_.lineEnd(); });
     }
 
-    // A part that has a writer of its own.
+    // A part of the line, written by a function.
     template <class Part>
     Appender &then(Part part) {
         if (result_ == 0) [[likely]] {
@@ -117,7 +122,7 @@ private:
 
 // ---- The lines
 
-// What is declared from here on is made for each kind of output by the source that defines it.
+// The source file that defines one of the writers below instantiates it for both kinds of output.
 #define SDPLINE_LINE_WRITER(name, ...)                                                             \
     template SDPResult name(InPlaceLine &, __VA_ARGS__);                                           \
     template SDPResult name(ServiceLine &, __VA_ARGS__)
@@ -135,7 +140,7 @@ SDPResult writeTimes(auto &out, const uint32_t *flag, const SDPTimeSet &set);
 SDPResult writeRepeats(auto &out, const uint32_t *flag, const SDPRepeatFieldSet *set);
 SDPResult writeMediaField(auto &out, const uint32_t *flag, const SDPMediaField &field);
 
-// Lines that are tried and written one by one.
+// These write several lines: each line is written in place or by the services.
 SDPResult writeAttributes(auto &out, const uint32_t *flag, const SDPAttrList *list);
 SDPResult writeMediaSet(auto &out, const uint32_t *flag, const SDPMediaSet &set);
 
@@ -148,7 +153,7 @@ SDPResult encodeLine(int32_t type, const uint32_t *flag, void *field, SipStringB
 
 SDPResult writeOriginNetType(auto &out, const SDPOrigin &origin);
 SDPResult writeOriginAddrType(auto &out, const SDPOrigin &origin);
-// These three set `typeError` for a code without a text.
+// The next three set `typeError` to 1 for a code without a word.
 SDPResult writeConnectionNetType(auto &out, const SDPConnection &connection, uint32_t &typeError);
 SDPResult writeConnectionAddrType(auto &out, const SDPConnection &connection, uint32_t &typeError);
 SDPResult writeConnectionAddress(auto &out, const SDPConnection &connection, uint32_t &typeError);
@@ -162,7 +167,7 @@ SDPResult writeFormats(auto &out, const SDPMediaFmt &format);
 // ---- Attributes, without the line's prefix and end
 
 SDPResult writeAttribute(auto &out, SDPAttr &attr);
-// The name; `nameWritten` tells whether the value is still to come.
+// Writes the name. `nameWritten` is set to 1 where the value must still be written.
 SDPResult writeAttributeName(auto &out, const SDPAttr &attr, uint32_t &nameWritten);
 SDPResult writeAttributeValue(auto &out, SDPAttr &attr);
 SDPResult writeRtpMap(auto &out, SDPAttr &attr);

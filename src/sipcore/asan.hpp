@@ -1,5 +1,4 @@
-// AddressSanitizer's view of memory that sipcore hands out in allocations. In other builds all of
-// this is nothing.
+// Tells AddressSanitizer which memory of a block is in use. In other builds this does nothing.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +13,7 @@
 
 #if defined(SIPCORE_ASAN)
 #include <sanitizer/asan_interface.h>
-// For the functions that read and write allocation headers, which stay poisoned for everybody else.
+// For functions that read and write allocation headers, which are poisoned for all other code.
 #define SIPCORE_UNCHECKED __attribute__((no_sanitize_address))
 #else
 #define SIPCORE_UNCHECKED

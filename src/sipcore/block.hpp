@@ -1,5 +1,6 @@
-// A memory block's record, and how an allocation is cut from it. libsdpline includes this too, and
-// cuts the allocations of a body itself where their block is libsipcore's (functions.hpp).
+// The record of a memory block, and the cutting of allocations from it. libsdpline includes this
+// header too, and cuts the allocations of a body itself if the block is libsipcore's
+// (functions.hpp).
 //
 // One heap allocation holds the block's record and its first chunk; every further chunk is one
 // more. Memory is cut off the current span, which lies in one of the chunks:
@@ -7,12 +8,12 @@
 //   chunk   | Chunk | header payload | header payload | ...      unused ...|
 //                                                         ^ span.at          ^ span.end
 //
-// A header is 8 bytes: the payload's size and the way back to the chunk, through which pfnFree
-// finds the block. Cutting writes the header alone. An allocation given back goes
-// to the list of its class; classes are multiples of 8 up to 256 bytes and powers of two above, so
-// that a list that grows slot by slot swings between two allocations of one class instead of
-// leaving one allocation unused at every step. Beyond 64 KiB an allocation has a chunk of its own
-// and goes back to the heap at once.
+// A header has 8 bytes: the payload's size, and the offset from its chunk, through which pfnFree
+// finds the block. Cutting writes only the header. A freed allocation is put on the free list of
+// its size class. The classes are the multiples of 8 up to 256 bytes and the powers of two above,
+// so that a list that grows slot by slot alternates between two allocations of one class instead of
+// leaving one unused at every step. An allocation above 64 KiB is the only one of its chunk, and is
+// returned to the heap when it is freed.
 #pragma once
 
 #include "sdpline/sipcore.h"
@@ -35,7 +36,7 @@ struct alignas(8) Chunk {
     std::size_t heapBytes;
 };
 
-// The link lies in the payload, which is free while the link is used.
+// The link is stored in the payload, which is unused while the allocation is on a free list.
 struct alignas(8) Allocation {
     uint32_t size; // of the payload, a multiple of 8
     uint32_t tag;  // offset from the chunk, a multiple of 8, and the state in the low bits
@@ -76,8 +77,8 @@ constexpr uint32_t roundUp8(uint32_t size) {
     return (size + 7) & ~uint32_t{7};
 }
 
-// The class that holds every allocation of at least this payload size: the one that a freed
-// allocation joins. A request whose size was rounded up to its class finds allocations that fit.
+// The class whose free list an allocation of this payload size joins. A request is first rounded up
+// to the size of its class, so that every allocation on the list fits it.
 constexpr uint32_t classOf(uint32_t size) {
     if (size <= kSmallMax) {
         return size / 8 - 1;
@@ -120,7 +121,7 @@ SIPCORE_UNCHECKED inline void push(Allocation *&list, Allocation *allocation) {
     list = allocation;
 }
 
-// Cuts an allocation off a span that has the room.
+// Cuts an allocation from a span, which must have room for it.
 inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
     auto *allocation = reinterpret_cast<Allocation *>(span.at);
     const auto offset = static_cast<uint32_t>(span.at - reinterpret_cast<std::byte *>(span.chunk));
@@ -130,8 +131,8 @@ inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
     return payloadOf(allocation);
 }
 
-// Memory from the span, holding anything, for requests of a small class, 1 to 256 bytes, that no
-// freed allocation serves: nearly all requests of a decoded body. Null where there is more to it.
+// Memory from the span with undefined content, for requests of 1 to 256 bytes whose free list is
+// empty: nearly all requests of a decode. Returns null for all others, and when the span is full.
 [[gnu::always_inline]] inline void *cutSmall(Block &block, uint32_t request) {
     const uint32_t classNumber = (request - 1) / 8;
     if (classNumber >= kSmallClasses || block.freed[classNumber] != nullptr) [[unlikely]] {
@@ -144,15 +145,15 @@ inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
     return cut(block.span, request, size, kLive);
 }
 
-// Debug builds fill freed memory after the link and look whether the filling is still there when
-// the allocation is taken again. AddressSanitizer sees more and needs no filling.
+// Debug builds fill freed memory after the link, and check the filling when the allocation is
+// reused. AddressSanitizer finds more errors, and needs no filling.
 #if !defined(NDEBUG) && !defined(SIPCORE_ASAN)
 inline constexpr bool kFillsFreed = true;
 #else
 inline constexpr bool kFillsFreed = false;
 #endif
 
-// Gives an allocation back to its block: all there is to it where it has no chunk of its own.
+// Puts an allocation that shares its chunk with others on its block's free list.
 inline void release(Allocation *allocation) {
     const uint32_t size = sizeOf(allocation);
     forbid(payloadOf(allocation), size);
@@ -164,7 +165,7 @@ inline Allocation *allocationOf(void *memory) {
     return reinterpret_cast<Allocation *>(static_cast<std::byte *>(memory) - kHeaderSize);
 }
 
-// pfnAlloc and pfnFree of a block's memory control, and what pfnAlloc returns before it is zeroed.
+// pfnAlloc and pfnFree of a block's memory control; blockTake is pfnAlloc without the zeroing.
 void *blockAlloc(SDPMemCp *memCp, uint32_t size);
 void *blockTake(SDPMemCp *memCp, uint32_t size);
 uint32_t blockFree(void *memory);

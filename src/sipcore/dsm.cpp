@@ -1,8 +1,8 @@
-// Deep copy and clear of a value by the description of its type: one recursive walk each.
+// Deep copy and clear of a value by the descriptor of its type: one recursive walk each.
 //
-// A copy starts from an all-zero target, links every new allocation into it before filling that
-// allocation, and so can be undone at any point by clearing the target. Values are packed to 4
-// bytes: pointers inside them may be misaligned and are moved as bytes.
+// A copy starts with an all-zero target, and links every new allocation into it before filling it:
+// clearing the target undoes the copy at any point. Values are packed to 4 bytes: the pointers in
+// them may be unaligned, and are copied with memcpy.
 #include "sipcore/block.hpp"
 #include "sipcore/functions.hpp"
 
@@ -16,11 +16,11 @@ namespace {
 using Bytes = uint8_t *;
 using ConstBytes = const uint8_t *;
 
-// A description that contains itself ends here, whatever the values say.
+// The limit for descriptors that contain themselves, directly or through others.
 constexpr uint32_t kMaxDepth = 32;
 
 constexpr uint32_t kPointerSize = sizeof(void *);
-constexpr uint32_t kAfterCode = 4; // where union, array or pointer follow a u32
+constexpr uint32_t kAfterCode = 4; // offset of a union, array or pointer that follows a u32
 
 template <class T>
 T load(const void *from) {
@@ -39,7 +39,7 @@ const T &detailOf(const SipDsmTypeDef &def) {
     return *static_cast<const T *>(def.pDetail);
 }
 
-// Whether the description has a known kind, the detail that the kind needs and room for it.
+// Whether a descriptor has a known kind, the detail that the kind needs, and a sufficient size.
 bool isSound(const SipDsmTypeDef *def) {
     if (def == nullptr) {
         return false;
@@ -113,7 +113,7 @@ uint32_t visitParts(const SipDsmTypeDef &def, Visit visit) {
     return visitElements(def, detailOf<SipDsmSetDef>(def), visit);
 }
 
-// What follows a choice's selector. Selector 0 has nothing after it and leaves it null.
+// Finds the alternative that follows a choice's selector; null for selector 0, which has none.
 uint32_t findAlternative(const SipDsmTypeDef &def, uint32_t selector,
                          const SipDsmTypeDef *&alternative) {
     alternative = nullptr;
@@ -204,7 +204,7 @@ private:
         return copyPointee(src + kAfterCode, dst + kAfterCode, detail.pstPointee, depth);
     }
 
-    // A count over a null array is copied as it is, and so is a null slot within an array.
+    // A count with a null array is copied as it is, and so is a null slot of an array.
     uint32_t copyList(ConstBytes src, Bytes dst, const SipDsmTypeDef &element, uint32_t depth) {
         const auto count = load<uint32_t>(src);
         const auto from = load<ConstBytes>(src + kAfterCode);
@@ -227,7 +227,7 @@ private:
         return SIP_OK;
     }
 
-    // src and dst are the places of the two pointers.
+    // src and dst are the addresses of the two pointers.
     uint32_t copyPointee(ConstBytes src, Bytes dst, const SipDsmTypeDef *def, uint32_t depth) {
         const auto from = load<ConstBytes>(src);
         if (from == nullptr) {
@@ -244,7 +244,7 @@ private:
         return copy(from, value, def, depth + 1);
     }
 
-    // Not every memory service zeroes what it hands out.
+    // Not every memory service returns zeroed memory.
     Bytes take(uint32_t size) {
         auto memory = static_cast<Bytes>(takeUnfilled(memCp_, size));
         if (memory != nullptr) {
@@ -256,8 +256,8 @@ private:
     SDPMemCp *memCp_;
 };
 
-// Clearing goes on after a failure, so that one unknown part costs no more than itself; the first
-// failure is remembered.
+// Clearing goes on after a failure, so that only the part that failed is not freed. The result is
+// the first failure.
 class Clearer {
 public:
     explicit Clearer(SDPMemCp *memCp) : memCp_(memCp) {}
@@ -307,7 +307,7 @@ private:
         }
     }
 
-    // Under a code that uses no pointer there is nothing to give back.
+    // A code that uses no pointer owns nothing.
     void clearCodedText(Bytes value, const SipDsmTypeDef &def, uint32_t depth) {
         const auto &detail = detailOf<SipDsmCPointerDef>(def);
         if (usesPointer(detail, load<uint32_t>(value))) {
@@ -344,7 +344,7 @@ private:
     uint32_t result_ = SIP_OK;
 };
 
-// The stack's own descriptors.
+// The descriptors that a stack defines.
 
 constexpr SipDsmTypeDef kOctetDef{1, SIP_DSM_UNSIGNED, nullptr};
 constexpr SipDsmSetDef kHostIpv4Octets{4, &kOctetDef};

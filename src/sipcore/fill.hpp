@@ -1,4 +1,4 @@
-// Filling with zeroes.
+// Filling memory with zeros.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace sipcore {
 
-// By the C library's memset, which is several times as fast as what the compiler makes of a size
-// whose bounds it knows: so it is not told them.
+// Uses the C library's memset. The assembler statement hides the bounds of the size from the
+// compiler, whose inline code for a size with known bounds is several times slower.
 inline void *clear(void *memory, std::size_t size) {
     asm("" : "+r"(size));
     return std::memset(memory, 0, size);
@@ -19,8 +19,8 @@ inline void clearParts(char *to, std::index_sequence<Part...>) {
     (std::memset(to + 16 * Part, 0, 16), ...);
 }
 
-// A record's bytes: as many stores as it takes. Of a larger record the compiler would make a string
-// instruction, which takes longer to start than all of them.
+// Clears a record by single stores. For larger records the compiler would use a string instruction,
+// which takes longer to start than all the stores.
 template <std::size_t Size>
 inline void clearRecord(void *record) {
     auto *const bytes = static_cast<char *>(record);
@@ -31,8 +31,8 @@ inline void clearRecord(void *record) {
     }
 }
 
-// Records of a few fields are what is filled most: stores of a fixed size, the last of which
-// overlaps the one before, do without a call.
+// Most fills are of small records. They are done without a call, by stores of a fixed size, the
+// last of which overlaps the one before.
 inline constexpr std::size_t kSmallFill = 256;
 
 inline void zeroSmall(char *to, std::size_t count) {
@@ -57,7 +57,7 @@ inline void zeroSmall(char *to, std::size_t count) {
     }
 }
 
-// The same for a payload of a block: a multiple of 8 bytes, at least 8.
+// The same for the payload of an allocation: a multiple of 8 bytes, at least 8.
 inline void zeroPayload(char *to, std::size_t count) {
     if (count <= 16) {
         std::memset(to, 0, 8);

@@ -1,10 +1,10 @@
-// The services as libsipcore defines them, for libsdpline to compare with what their dynamic
-// symbols and function pointers lead to. Where they are these functions, it may do in place what
-// they do; where a program has put a service of its own in the place of one, that one is called.
+// The functions that libsipcore defines as services. libsdpline compares them with the functions
+// that the dynamic symbols and the function pointers of a memory control lead to. If they are the
+// same, it may do their work in place; a service that a program replaced is called.
 //
-// The number in the record's name is that of the records and rules that both libraries then share:
-// those of stringbuffer.hpp and block.hpp. Who changes one of them raises it, and libraries of
-// different builds make every call.
+// The record's name ends in the version of the layouts and rules that both libraries share:
+// stringbuffer.hpp and block.hpp. A change of these must raise the number: then a libsdpline and a
+// libsipcore of different versions call every service.
 #pragma once
 
 #include "sdpline/sipcore.h"
@@ -15,29 +15,29 @@ struct SipCoreBuiltin {
     decltype(&SipSbCopyConstString) copyConstString;
     decltype(&SipSbCopyString) copyString;
     decltype(&SipSbCopyLong) copyLong;
-    // Grows a string buffer before an append would.
+    // Grows a string buffer in advance, as an append would.
     uint32_t (*makeRoom)(SipStringBuffer *buffer, uint32_t size);
     decltype(&memcpy_s) copy;
     decltype(&memset_s) fill;
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
-    // The same, but that memory holds anything.
+    // The same without zeroing.
     decltype(SDPMemCp::pfnAlloc) blockTake;
     decltype(SDPMemCp::pfnFree) blockFree;
     decltype(SDPMemCp::pfnAlloc) systemAlloc;
     decltype(SDPMemCp::pfnFree) systemFree;
-    bool fillsFreed; // blockFree fills the memory, which takes the call
+    bool fillsFreed; // blockFree fills what is freed, so it must be called
     decltype(&SipDsmCopyGeneralField) copyField;
     decltype(&SipSmCopyString) copyText;
     decltype(&SipSmCloneString) cloneText;
 };
 
-#if defined(SIPCORE_ASAN) // whose blocks tell the sanitizer what is in use
+#if defined(SIPCORE_ASAN) // a library that poisons memory works only with one that does so too
 #define SIPCORE_BUILTIN g_stSipCoreBuiltin5Asan
 #else
 #define SIPCORE_BUILTIN g_stSipCoreBuiltin5
 #endif
 
-// A service under a name that no program can take over.
+// A hidden second name of a service, which no program can replace.
 #define SIPCORE_ALIAS(service, alias_)                                                             \
     __attribute__((alias(#service), visibility("hidden"))) decltype(service) alias_;
 

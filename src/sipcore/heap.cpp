@@ -1,6 +1,6 @@
-// The process heap: counted allocation, the allocations kept by each thread, the statistics, and
-// the system memory control. Counters are relaxed atomics, since no counter is read to decide
-// anything about another thread's memory; they change only where the process heap is called.
+// The process heap: counted allocation, the cache of each thread, the statistics, and the system
+// memory control. The counters are relaxed atomics, because no counter decides about the memory of
+// another thread; they change only where the process heap is called.
 #include "sipcore/heap.hpp"
 
 #include "sdpline/sipcore.h"
@@ -56,13 +56,13 @@ void giveToHeap(void *memory, std::size_t size, Use use) {
     counters.bytes.fetch_sub(size, kRelaxed);
 }
 
-// ---- Kept allocations
+// ---- Cached allocations
 
-// AddressSanitizer finds a use of freed memory only when it was freed.
+// AddressSanitizer finds a use of freed memory only if it went back to the heap.
 #if defined(SIPCORE_ASAN)
 constexpr std::size_t kCacheMax = 0;
 #else
-constexpr std::size_t kCacheMax = 64 * 1024; // bytes of one thread
+constexpr std::size_t kCacheMax = 64 * 1024; // bytes for each thread
 #endif
 
 constexpr std::size_t kSizes = kLargestCached / kStep;
@@ -74,7 +74,7 @@ struct CachedMemory {
 struct Cache {
     CachedMemory *lists[2][kSizes];
     std::size_t bytes;
-    bool watched; // the thread's end gives everything back
+    bool watched; // the cache is freed when the thread ends
 };
 
 [[gnu::tls_model("initial-exec")]] constinit thread_local Cache cache{};
@@ -95,15 +95,16 @@ void releaseCached() {
     cache.bytes = 0;
 }
 
-// Allocations that are given back later than this are kept under a new watch.
+// Destructors of the thread that run after this one may free more memory, which is then cached
+// under a new watch.
 void onThreadEnd(void *) {
     cache.watched = false;
     releaseCached();
 }
 
-// The ends of threads, which the library hears of while it is open. A program that closes it, or
-// ends, while its threads live must not be led back into it when they end: what they keep is lost
-// then. Threads that begin to keep allocations at that moment take the same lock.
+// Calls onThreadEnd() when a thread ends. A program may unload the library, or end, while other
+// threads run: they must not call into the library when they end later, so their caches are lost.
+// The lock is for threads that start to cache at that moment.
 class ThreadEnds {
 public:
     bool watchThisThread(const void *value) {
@@ -188,8 +189,7 @@ void countAbnormalReport() {
 
 namespace {
 
-// Lies before every allocation of the system memory control, as large as the heap's own
-// alignment.
+// Precedes every allocation of the system memory control; its size keeps the heap's alignment.
 struct alignas(std::max_align_t) SystemHeader {
     uint32_t size;
     uint32_t state;
@@ -253,8 +253,8 @@ void SipMmGetStatistics(SipMmStatistics *pstStatistics) {
     if (pstStatistics == nullptr) {
         return;
     }
-    releaseCached(); // what the caller's thread keeps is not in use
-    // Given before taken: a reader beside working threads never sees more given than taken.
+    releaseCached(); // what the calling thread caches is not in use
+    // `given` is read before `taken`, so that it is never the larger one while threads allocate.
     const uint64_t given = counters.given.load(kRelaxed);
     pstStatistics->ulBlocks = counters.blocks.load(kRelaxed);
     pstStatistics->ulHeapAllocations = counters.taken.load(kRelaxed);

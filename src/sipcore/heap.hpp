@@ -1,7 +1,7 @@
-// The one door to the process heap: everything sipcore allocates is counted here.
+// The interface to the process heap: everything that sipcore allocates is counted here.
 //
-// What a thread gives back it keeps, up to a bound, and takes again: decoding and encoding one body
-// after the other leaves the process heap alone.
+// Each thread caches the allocations that it frees, up to a limit, and reuses them: decoding and
+// encoding one body after another does not call the process heap.
 #pragma once
 
 #include "sdpline/sipcore.h"
@@ -11,31 +11,33 @@
 
 namespace sipcore {
 
-// No single request, and no chunk, is larger. Sums of a request and the few bytes of bookkeeping
-// around it therefore never leave 32 bits.
+// The largest request and the largest chunk. The sum of a request and its few bytes of bookkeeping
+// therefore always fits into 32 bits.
 inline constexpr uint32_t kLargestRequest = uint32_t{1} << 30;
 
-// Blocks are told from other allocations, so that those alive can be counted where the heap is
-// called.
+// The use of an allocation: blocks are cached separately, so that their number can be counted
+// where the heap is called.
 enum class Use : uint8_t { Block, Other };
 
-// Sizes that are kept: 256, 512, 768, ... 4096.
+// The sizes that are cached: 256, 512, 768, ... 4096.
 inline constexpr std::size_t kStep = 256;
 inline constexpr std::size_t kLargestCached = 4096;
 
-// Null without memory. What is kept holds what it held before, unless it is asked for zeroed.
+// The content that an allocation must have.
 enum class Content : uint8_t { Any, Zeroed };
-// What the heap is asked for: one of few sizes as long as they are kept. All of it may be used.
+// The size that is requested from the heap: a multiple of 256 where the allocation can be cached.
+// The caller may use all of it.
 constexpr std::size_t heapSize(std::size_t bytes) {
     return bytes > kLargestCached ? bytes : (bytes + kStep - 1) / kStep * kStep;
 }
+// Returns null without memory.
 void *heapTake(std::size_t bytes, Use use, Content content);
 void heapGive(void *memory, std::size_t bytes, Use use);
 
 bool isSystem(const SDPMemCp *memCp);
 
-// What the system's control may be asked for without taking more from the heap than for `size`; and
-// the most that a request may be for the heap to keep its memory for the next one.
+// The largest size that the system's control can be asked for without using more of the heap than
+// for `size`; and the largest size whose memory is cached when it is freed.
 uint32_t wholeSystemSize(uint32_t size);
 extern const uint32_t kLargestKept;
 

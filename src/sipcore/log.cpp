@@ -1,4 +1,4 @@
-// The logging globals. They are plain data that the stack sets and sdpline reads and writes.
+// The variables of the log. The stack sets them; sdpline reads them and writes the code point.
 #include "sdpline/sipcore.h"
 
 SipLmLogHndlr g_gpfnSipLmLogHndlr = nullptr;

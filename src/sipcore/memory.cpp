@@ -31,8 +31,8 @@ void fillFreed(Allocation *allocation) {
                                        [](std::byte one) { return one == kFreedFill; });
 }
 
-// Whether the memory is an allocation in use of a block that is still there. Every block's pService
-// points at the block itself, which serves as the block's mark.
+// Whether the memory is an allocation in use of a block that still exists: the pService of every
+// block points to the block itself.
 [[maybe_unused]] bool isLive(Allocation *allocation) {
     const uint32_t state = stateOf(allocation);
     if (state != kLive && state != kLiveInOwnChunk) {
@@ -42,8 +42,8 @@ void fillFreed(Allocation *allocation) {
     return sizeOf(allocation) % 8 == 0 && owner->control.pService == owner;
 }
 
-// What is handed out is zeroed then, not when it comes from the heap: a body's texts, which
-// cutSmall() serves, never are.
+// Memory is zeroed when it is handed out, not when it comes from the heap: the texts of a decoded
+// body, which cutSmall() serves, need not be zeroed at all.
 inline void *zeroed(void *memory, uint32_t size) {
     if (size > kSmallFill) {
         return clear(memory, size);
@@ -52,7 +52,8 @@ inline void *zeroed(void *memory, uint32_t size) {
     return memory;
 }
 
-// A listed request takes a whole class where the span has room for it, else just what it needs.
+// A request that can be put on a free list takes the size of its class if the span has room for it,
+// else the size it needs.
 void *cutLarge(FreeSpan &span, uint32_t request) {
     uint32_t size = roundUp8(request);
     if (size <= kListedMax && span.room() >= kHeaderSize + std::bit_ceil(size)) {
@@ -69,7 +70,7 @@ void *cutLarge(FreeSpan &span, uint32_t request) {
     return payloadOf(allocation);
 }
 
-// All of a heap allocation beyond its record. Payloads are multiples of 8 bytes, and so is a span.
+// The span from `begin` to the end of a heap allocation, rounded down to a multiple of 8 bytes.
 FreeSpan spanOf(void *begin, void *memory, std::size_t heapBytes, Chunk *chunk) {
     auto *const first = static_cast<std::byte *>(begin);
     auto *const end = static_cast<std::byte *>(memory) + heapBytes / 8 * 8;
@@ -77,8 +78,8 @@ FreeSpan spanOf(void *begin, void *memory, std::size_t heapBytes, Chunk *chunk) 
     return {first, end, chunk};
 }
 
-// The heap allocation of a block and its first chunk is at least this large: all of a body with one
-// stream has room in it.
+// The smallest heap allocation for a block and its first chunk: a body with one stream fits into
+// it.
 constexpr std::size_t kLeastBlock = 1536;
 constexpr uint32_t kLargestNext = 1032;
 
@@ -100,8 +101,8 @@ FreeSpan openChunk(Block &block, uint32_t size, Content content = Content::Any) 
     return spanOf(chunk + 1, chunk, heapBytes, chunk);
 }
 
-// A block that grows does so by larger chunks, to a kilobyte: beyond that, lists would leave too
-// much of them unused.
+// Each further chunk of a block is larger, up to a kilobyte: in still larger ones, lists would
+// leave too much unused.
 FreeSpan openNextChunk(Block &block, uint32_t leastSize) {
     const FreeSpan opened = openChunk(block, std::max(leastSize, block.nextSize));
     if (opened.chunk != nullptr && block.nextSize < kLargestNext) {
@@ -118,8 +119,8 @@ void closeChunk(Chunk *chunk) {
     heapGive(chunk, chunk->heapBytes, Use::Other);
 }
 
-// Whichever of the old span and what is left of the new one has more room is cut from next, so a
-// large request does not cost the rest of the chunk in use.
+// The block goes on with the span that has more room, the old one or the rest of the new one, so
+// that a large request does not waste the rest of the chunk in use.
 void keepRoomier(Block &block, const FreeSpan &opened) {
     if (opened.room() > block.span.room()) {
         block.span = opened;
@@ -162,7 +163,7 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
     return memory;
 }
 
-// A request for nothing gets 8 bytes.
+// The requests that cutSmall() does not serve. A request for 0 bytes gets 8.
 [[gnu::noinline]] void *allocateRare(Block &block, uint32_t request) {
     if (request > kSmallMax) {
         return allocateLarge(block, request);
@@ -181,15 +182,14 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
 [[gnu::noinline]] void *allocateRareZeroed(Block &block, uint32_t request) {
     void *const memory = allocateRare(block, request);
     if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveInOwnChunk) {
-        return memory; // the heap zeroes what may never be touched
+        return memory; // zeroed by the heap, which need not touch fresh pages
     }
     return zeroed(memory, request);
 }
 
 } // namespace
 
-// The rarer ways are kept out of line so that cutting from the span stays a handful of
-// instructions.
+// The rarer cases are out of line, so that cutting from the span takes few instructions.
 void *blockTake(SDPMemCp *memCp, uint32_t size) {
     auto &block = *static_cast<Block *>(memCp->pService);
     void *const memory = cutSmall(block, size);
@@ -202,7 +202,7 @@ void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
     if (memory == nullptr) [[unlikely]] {
         return allocateRareZeroed(block, size);
     }
-#if defined(SIPCORE_ASAN) // which forbids what is beyond the request
+#if defined(SIPCORE_ASAN) // the bytes after the requested ones must not be written
     zeroSmall(static_cast<char *>(memory), size);
 #else
     zeroPayload(static_cast<char *>(memory), roundUp8(size));

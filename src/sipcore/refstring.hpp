@@ -5,7 +5,8 @@
 
 namespace sipcore {
 
-// A copy of the text with one hold, in one allocation of the memory control; null without memory.
+// Returns a reference string with a copy of the text and a count of one, in one allocation of the
+// memory control; null without memory.
 SipRefString *newRefString(SDPMemCp *memCp, const char *text, uint32_t length);
 
 } // namespace sipcore

@@ -1,4 +1,4 @@
-// Bounds-checked memory and the reports of its failures.
+// Bounds-checked memory functions, and the reports of their failures.
 #include "sipcore/fill.hpp"
 #include "sipcore/functions.hpp"
 #include "sipcore/heap.hpp"
@@ -36,7 +36,7 @@ int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount) {
     if (ulCount > ulDestMax) {
         return ERANGE;
     }
-    std::memmove(pDest, pSrc, ulCount); // overlapping bytes are no reason for damage
+    std::memmove(pDest, pSrc, ulCount); // the ranges may overlap
     return 0;
 }
 

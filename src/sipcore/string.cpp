@@ -9,7 +9,7 @@
 #include <cstring>
 #include <new>
 
-// The text follows the record. Only the free function is kept: it needs no memory control.
+// The text follows the record. pfnFree needs no memory control, so only its pointer is stored.
 struct SipRefString {
     std::atomic<uint32_t> holds;
     uint32_t length;
@@ -46,7 +46,7 @@ void SipSmHoldRefString(SipRefString *pstRef) {
 }
 
 void SipSmReleaseRefString(SipRefString *pstRef) {
-    // The last holder must see every other holder done with the text before it goes.
+    // Acquire and release: all reads of the text by other holders happen before it is freed.
     if (pstRef != nullptr && pstRef->holds.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         pstRef->pfnFree(pstRef);
     }
@@ -56,7 +56,7 @@ uint32_t SipSmCopyString(SDPMemCp *pstMemCp, const SipString *pstSrc, SipString 
     if (pstDst == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    // The target may be a plain copy of the source: it must not keep the source's pointer.
+    // The target may be a shallow copy of the source, whose pointer it must not keep.
     const SipString source = pstSrc == nullptr ? SipString{0, nullptr} : *pstSrc;
     *pstDst = {0, nullptr};
     if (pstMemCp == nullptr || pstSrc == nullptr) {

@@ -1,6 +1,6 @@
 // String buffers: one contiguous text that grows by at least doubling, or a fixed range of the
-// caller's. A growable buffer's first bytes share the record's allocation; growth moves the text
-// to an allocation of its own. What the heap gives beyond a request is used too.
+// caller's bytes. The first bytes of a growable buffer are in the same allocation as its record;
+// growth moves the text to a separate one. Memory that the heap returns beyond a request is used.
 #include "sipcore/stringbuffer.hpp"
 
 #include "sipcore/block.hpp"
@@ -27,13 +27,13 @@ void dropText(SipStringBuffer &buffer) {
     }
 }
 
-// A text that outgrows its first size is given at once the most that the heap keeps: growing again
-// costs more than writing, and the memory serves the next text.
+// A text that grows for the first time gets the largest size that the heap caches: growing again
+// would cost more than writing, and the next text reuses the memory.
 uint32_t grownSize(const SDPMemCp *memCp, uint32_t least) {
     return isSystem(memCp) ? std::max(least, kLargestKept) : least;
 }
 
-// Where it fails, the buffer is as it was.
+// After a failure the buffer is unchanged.
 uint32_t grow(SipStringBuffer &buffer, uint32_t size) {
     const uint32_t length = buffer.length();
     const uint64_t wanted = uint64_t{length} + size;
@@ -66,7 +66,7 @@ uint32_t growAndAppend(SipStringBuffer &buffer, const char *text, uint32_t size)
     return SIP_OK;
 }
 
-// Everything but an append that simply fits.
+// Handles all appends that do not simply fit.
 [[gnu::noinline]] uint32_t appendSlowly(SipStringBuffer *buffer, const char *text, uint32_t size) {
     if (buffer == nullptr) {
         return SIP_INVALID_ARGUMENT;
@@ -101,8 +101,8 @@ inline bool fits(const SipStringBuffer *buffer, uint32_t size) {
     return SIP_OK;
 }
 
-// Everything but a short text that simply fits is left to functions of its own, whose calls are the
-// last thing done, so that nothing is saved for them.
+// Only a short text that fits is written here. All else is done by tail calls, before which no
+// registers have to be saved.
 inline uint32_t append(SipStringBuffer *buffer, const char *text, uint32_t size) {
     if (!fits(buffer, size) || text == nullptr) [[unlikely]] {
         return appendSlowly(buffer, text, size);
@@ -194,7 +194,7 @@ void SipSbReleaseStringBuffer(SipStringBuffer *pstBuf) {
 }
 
 void SipSbReleaseFixedStringBuffer(SipStringBuffer *pstBuf, uint8_t **ppucData, uint32_t *pulLen) {
-    // The text of a growable buffer goes with it and is not reported.
+    // The text of a growable buffer is released with it, and not reported.
     const bool fixed = pstBuf != nullptr && pstBuf->fixed;
     if (ppucData != nullptr) {
         *ppucData = fixed ? reinterpret_cast<uint8_t *>(pstBuf->data) : nullptr;
@@ -249,7 +249,7 @@ uint32_t SipSbCopyLong(SipStringBuffer *pstBuf, uint32_t ulValue) {
     return SIP_OK;
 }
 
-// ---- What libsdpline compares with
+// ---- The record that libsdpline compares with
 
 extern "C" {
 SIPCORE_ALIAS(SipSbCopyChar, sipcoreCopyChar)
@@ -257,7 +257,8 @@ SIPCORE_ALIAS(SipSbCopyConstString, sipcoreCopyConstString)
 SIPCORE_ALIAS(SipSbCopyString, sipcoreCopyString)
 SIPCORE_ALIAS(SipSbCopyLong, sipcoreCopyLong)
 
-// Defined here, where every program that uses a string buffer of a static libsipcore links it.
+// Defined in this file, because every program that uses string buffers links it from a static
+// libsipcore.
 SIPCORE_API extern const SipCoreBuiltin SIPCORE_BUILTIN;
 const SipCoreBuiltin SIPCORE_BUILTIN = {.copyChar = sipcoreCopyChar,
                                         .copyConstString = sipcoreCopyConstString,

@@ -1,5 +1,5 @@
-// A string buffer's record, and how bytes are put after its text. libsdpline includes this too,
-// and writes into the buffer itself where no service was replaced (functions.hpp).
+// The record of a string buffer, and the writing of texts and numbers. libsdpline includes this
+// header too, and writes into the buffer itself if no service was replaced (functions.hpp).
 #pragma once
 
 #include "sdpline/sipcore.h"
@@ -13,7 +13,7 @@
 struct SipStringBuffer {
     char *data;
     char *at;  // where the next byte goes
-    char *end; // after the room; before `at` once an append failed, so that nothing fits any more
+    char *end; // the end of the room; before `at` after a failed append, so that nothing fits
     uint32_t growSize;
     bool fixed;
     SDPMemCp *memCp;
@@ -26,8 +26,8 @@ struct SipStringBuffer {
 
 namespace sipcore {
 
-// Grows the buffer, unless so many bytes fit. One that cannot grow stays as it is, and is no failed
-// one for that.
+// Grows the buffer unless `size` bytes fit. A buffer that cannot grow is unchanged, and does not
+// count as failed.
 uint32_t makeRoom(SipStringBuffer *buffer, uint32_t size);
 
 // ---- Texts
@@ -36,7 +36,7 @@ struct Bytes16 {
     uint64_t halves[2];
 };
 
-// The first and the last bytes of a text, which meet or overlap.
+// Copies the first and the last bytes of a text, which adjoin or overlap.
 template <class Part>
 inline void putEnds(char *to, const char *from, uint32_t size) {
     Part first;
@@ -49,8 +49,8 @@ inline void putEnds(char *to, const char *from, uint32_t size) {
 
 constexpr uint32_t kShortText = 32;
 
-// Copies a text of at most kShortText bytes without a call and returns where it ends. Line ends,
-// the most frequent of all, come first.
+// Copies a text of at most kShortText bytes without a call, and returns the end of the copy. Line
+// ends are the most frequent texts, and are tested first.
 inline char *putShortText(char *to, const char *from, uint32_t size) {
     if (size < 4) {
         if (size >= 2) [[likely]] {
@@ -88,7 +88,8 @@ inline char *putPair(char *to, uint32_t value) {
     return to + sizeof(Digits2);
 }
 
-// value / 100 below 10000, without the division of code that the compiler takes for rare.
+// value / 100 for values below 10000. The compiler would use a division in code that it expects to
+// be rare.
 constexpr uint32_t hundreds(uint32_t value) {
     return value * 5243 >> 19;
 }
@@ -105,7 +106,7 @@ inline char *putFour(char *to, uint32_t value) {
     return putPair(putPair(to, hundreds(value)), value - hundreds(value) * 100);
 }
 
-// A number below 10000, without leading zeros.
+// Writes a number below 10000, without leading zeros.
 inline char *putShortNumber(char *to, uint32_t value) {
     if (value < 10) {
         *to = static_cast<char>('0' + value);
@@ -121,7 +122,8 @@ inline char *putShortNumber(char *to, uint32_t value) {
     return putFour(to, value);
 }
 
-// Writes a number and returns where it ends; the digits, at most kMostDigits, and nothing else.
+// Writes a number, which has at most kMostDigits digits, and returns their end. No other byte is
+// written.
 inline char *putNumber(char *to, uint32_t value) {
     if (value < 10000) {
         return putShortNumber(to, value);

@@ -1,4 +1,4 @@
-// The attribute names, and which name a text is.
+// The exported attribute names, and the lookup of a type by its name.
 #include "tables/attributes.hpp"
 
 #include "sdpline/sdpline.h"

@@ -1,5 +1,4 @@
-// The table of attributes, which the C++ API shares, under the library's namespace; and names to
-// types.
+// The table of attributes, which the C++ API shares, and the lookup of a type by its name.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +9,8 @@
 
 namespace sdpline {
 
-// SDP_ATTR_..., by a name without its colon, case and all; SDP_ATTR_UNKNOWN where it is no row of
-// the table.
+// Returns the type (SDP_ATTR_...) of a name without its colon, compared with case; SDP_ATTR_UNKNOWN
+// for a name that is not in the table.
 uint32_t attributeType(std::string_view name);
 
 } // namespace sdpline

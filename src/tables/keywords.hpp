@@ -1,4 +1,4 @@
-// The keyword tables, which the C++ API shares, under the library's namespace.
+// The keyword tables, which the C++ API shares, and their inlined lookup.
 #pragma once
 
 #include <cstring>
@@ -11,8 +11,8 @@ namespace sdpline {
 
 using namespace tables;
 
-// findByText() on the way from text to records: each row's text is compared by its size, which is a
-// constant, without a loop and without a call.
+// findByText() for parsers: the comparison with each row's text, whose size is a constant, is
+// inlined.
 template <const auto &Table>
 SDPLINE_INLINE const KeywordRow *findWord(std::string_view word) {
     const KeywordRow *found = nullptr;
@@ -31,8 +31,8 @@ SDPLINE_INLINE const KeywordRow *findWord(std::string_view word) {
     return found;
 }
 
-// findByCode() on the way from records to text: calls `use` with the row's text, whose size and
-// bytes are constants there. False where the table does not know the code.
+// findByCode() for encoders: calls `use` with the row's text, which is a constant there. Returns
+// false for a code that is not in the table.
 template <const auto &Table, class Use>
 SDPLINE_INLINE bool withWord(uint32_t code, Use use) {
     const auto is = [&]<size_t Row>(std::integral_constant<size_t, Row>) SDPLINE_INLINE_LAMBDA {

@@ -1,11 +1,11 @@
-// The static RTP payload profiles (RFC 3551 section 6) and the accessors that stacks read them by.
+// The static RTP payload profiles (RFC 3551 section 6), and the exported functions that read them.
 #include "tables/profiles.hpp"
 
 #include "sdpline/sdpline.h"
 #include "text/perfecthash.hpp"
 
-// Name and clock rate in Hz, 0 where the encoding has no fixed one. The first 17 follow the static
-// payload types 0 and 3 to 18; a profile number is a row plus 1.
+// Name, and clock rate in Hz: 0 where the encoding has no fixed one. The first 17 rows are the
+// static payload types 0 and 3 to 18 in this order. A profile number is a row plus 1.
 #define SDPLINE_PROFILES(PROFILE)                                                                  \
     PROFILE("PCMU", 8000)                                                                          \
     PROFILE("GSM", 8000)                                                                           \

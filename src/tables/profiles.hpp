@@ -1,4 +1,4 @@
-// Encoding names to static payload profiles.
+// Lookup of a static payload profile by its encoding name.
 #pragma once
 
 #include <cstdint>
@@ -8,11 +8,11 @@
 
 namespace sdpline {
 
-// L16 is there for two channels, then for one; all other profiles have one.
+// L16 has a profile with two channels, and after it one with one channel. All others have one.
 inline constexpr uint32_t kL16Stereo = tables::kTwoChannelRow + 1;
 inline constexpr uint32_t kL16Mono = kL16Stereo + 1;
 
-// The number of the last profile of that name, case and all; 0 when there is none.
+// Returns the number of the last profile of that name, compared with case; 0 for none.
 uint32_t lastProfile(std::string_view name);
 
 } // namespace sdpline

@@ -1,10 +1,10 @@
-// The attribute name that a line most likely begins with, guessed from its first bytes, before it
-// is known where the name ends.
+// A fast path for attribute names: finds a name by the first bytes of a line, before the end of the
+// name is known.
 //
-// Names of four to eight bytes, the colon of a value counted where it makes the fourth. The first
-// four bytes pick the only name that may be there; one comparison of eight bytes decides. Of names
-// that begin alike the first is guessed, and so are none of the longer ones: attributeType() knows
-// them all.
+// The table has the names of four to eight bytes, and those of three bytes with the colon that
+// follows them. The first four bytes select the only possible name, and one comparison of eight
+// bytes decides. Of names with the same first four bytes only the first is in the table. All other
+// names are found by attributeType().
 #pragma once
 
 #include <array>
@@ -17,8 +17,8 @@
 namespace sdpline {
 
 struct UsualName {
-    uint64_t bytes; // of the name, as they lie in memory, and zeroes
-    uint64_t mask;  // of those bytes
+    uint64_t bytes; // the bytes of the name in memory order, then zeros
+    uint64_t mask;  // all bits of those bytes
     uint32_t size;
     uint32_t type; // 0: no name
 };
@@ -31,8 +31,8 @@ public:
         }
     }
 
-    // The name at the start of a text of at least eight bytes, null where it is no usual one. What
-    // follows the name is for the caller to look at.
+    // Returns the name that a text of at least eight bytes begins with, or null. The caller must
+    // test whether the name ends there.
     SDPLINE_INLINE const UsualName *find(const uint8_t *text) const {
         const auto *const bytes = reinterpret_cast<const char *>(text);
         const UsualName &name = names_[slotOf(bytes)];
@@ -65,9 +65,9 @@ private:
         return {eightBytes(bytes), eightBytes(mask), static_cast<uint32_t>(name.size()), row.type};
     }
 
-    // Whether no two of the names that begin otherwise share a slot under the factor.
+    // Whether, with this factor, no two names with different first four bytes share a slot.
     constexpr bool fill() {
-        // Of a slot without a name: no text has its bytes.
+        // A slot without a name: no text matches these bytes, since the mask is 0.
         names_.fill({1, 0, 0, 0});
         std::array<uint32_t, size_t{1} << kSlotBits> heads{};
         for (const AttributeRow &row : kAttributes) {
@@ -87,7 +87,7 @@ private:
     }
 
     std::array<UsualName, size_t{1} << kSlotBits> names_{};
-    uint32_t factor_ = 0x9E3779B1; // odd, of mixed bits
+    uint32_t factor_ = 0x9E3779B1; // an odd number with mixed bits
 };
 
 inline constexpr UsualNames kUsualNames;

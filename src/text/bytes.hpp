@@ -1,5 +1,5 @@
 // Short runs of bytes, copied and compared without a call: texts of a word or two, lists of a few
-// slots. Parts of a fixed size are taken, the last of which overlaps the one before.
+// slots. They are handled in parts of a fixed size; the last part overlaps the one before it.
 #pragma once
 
 #include <cstddef>

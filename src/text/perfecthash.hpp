@@ -1,5 +1,5 @@
-// Lookup in a fixed table of names: a hash of the first and of the last bytes picks the only name
-// that a text can be, and one comparison decides.
+// Lookup in a fixed table of names: a hash of the first and the last bytes of a text selects the
+// only name that it can be, and one comparison decides.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace sdpline {
 
-// Four bytes as a number, the same when the compiler reads them.
+// Four bytes as a number: the same number at compile time and at run time.
 SDPLINE_INLINE constexpr uint32_t fourBytes(const char *bytes) {
     if (!std::is_constant_evaluated()) {
         uint32_t value;
@@ -29,7 +29,7 @@ SDPLINE_INLINE constexpr uint32_t fourBytes(const char *bytes) {
     return value;
 }
 
-// A table of N names. Of equal names the last row counts.
+// A table of N names. Of equal names the last row is found.
 template <size_t N>
 class PerfectHash {
     static_assert(N < 255, "rows are kept in bytes");
@@ -44,7 +44,7 @@ public:
         }
     }
 
-    // The last row of that name, case and all; N when there is none.
+    // Returns the last row of that name, compared with case; N for none.
     SDPLINE_INLINE size_t lastRow(std::string_view name) const {
         if (name.empty()) {
             return N;
@@ -73,7 +73,7 @@ private:
         return key * factor_ >> 24;
     }
 
-    // Whether no two names share a slot under the factor.
+    // Whether, with this factor, no two names share a slot.
     constexpr bool fill() {
         slots_.fill(static_cast<uint8_t>(N));
         for (size_t row = 0; row < N; ++row) {
@@ -89,9 +89,9 @@ private:
         return true;
     }
 
-    std::array<std::string_view, N + 1> names_{}; // the last one, empty, is that of unused slots
+    std::array<std::string_view, N + 1> names_{}; // the last one is empty, for unused slots
     std::array<uint8_t, kSlots> slots_{};
-    uint32_t factor_ = 0x9E3779B1; // odd, of mixed bits
+    uint32_t factor_ = 0x9E3779B1; // an odd number with mixed bits
 };
 
 } // namespace sdpline
