@@ -1,8 +1,8 @@
 /*
- * sdpdescriptors.h: the records of sdprecords.h, described for the stack's generic services.
+ * sdpdescriptors.h: descriptors of the records of sdprecords.h for the stack's generic services.
  *
- * SipDsmCopyGeneralField and SipDsmClearGeneralField of sipcore.h walk a value by these constants;
- * callers may hand them there themselves. The comment after each descriptor is its size in bytes.
+ * SipDsmCopyGeneralField and SipDsmClearGeneralField of sipcore.h walk a value by a descriptor;
+ * programs may pass these to them. The comment after each descriptor is its size in bytes.
  *
  *     g_gstSDPOriginDef { 72, SIP_DSM_SEQUENCE, . }
  *                                               |
@@ -10,13 +10,13 @@
  *                                       |
  *        g_gpstSDPOriginSeqElmntDef <---+   { &g_gstSdpStringDef, ..., &g_gstSDPNetTypeDef, ... }
  *
- * What the descriptors do not cover
+ * Not covered by the descriptors
  *  1. Attributes. g_gpstSDPAttrUnionDef has ten alternatives for forty types,
- *     g_gstSDPSilenceSuppressionDef leaves its text out, g_gstSDPRsrcMgmtStatusDef takes the
- *     precondition for one byte.
- *  2. Payload lists. g_gstSDPRtpPayLoadsDef knows one number, whatever the count says.
- *  Never hand an SDPAttr, its value, an SDPMediaFmt or an SDPMediaField to the generic services:
- *  SdpCopyLine and SdpClearLine do those by hand.
+ *     g_gstSDPSilenceSuppressionDef leaves out the text, and g_gstSDPRsrcMgmtStatusDef describes
+ *     the precondition as one byte.
+ *  2. Payload lists. g_gstSDPRtpPayLoadsDef describes one number, whatever the count is.
+ *  Never pass an SDPAttr, its value, an SDPMediaFmt or an SDPMediaField to the generic services:
+ *  SdpCopyLine and SdpClearLine handle those without their descriptors.
  */
 #ifndef SDPLINE_SDPDESCRIPTORS_H
 #define SDPLINE_SDPDESCRIPTORS_H
@@ -29,7 +29,7 @@ extern "C" {
 
 /* ---- The table of lines ---------------------------------------------------------------------- */
 
-/* The record of each kind of line, by SDP_LINE_...; its ulSize is what SdpCloneLine allocates. */
+/* The descriptor of each kind of line, by SDP_LINE_...; SdpCloneLine allocates its ulSize. */
 SDPLINE_API extern const SipDsmTypeDef *const g_gpstSdpLineDef[SDP_LINE_COUNT];
 
 /* ---- Numbers and strings --------------------------------------------------------------------- */

@@ -1,13 +1,13 @@
 /*
- * sdpinternals.h: the lexer, parser and encoder operations that sdpline.h is made of.
+ * sdpinternals.h: the operations of lexer, parser and encoder that sdpline.h is made of.
  *
- * They are exported, but meant for the library itself and for tools that drive one field at a
- * time. Many names are short and common (mark, consume, LA): include this header only where you
- * need it. Calls inside the library never go through these dynamic symbols, so a program may have
- * functions of the same names.
+ * They are exported for stacks and tools that parse or write one field at a time. Many names are
+ * short and common (mark, consume, LA): include this header only where you need it. Calls inside
+ * the library do not go through these dynamic symbols, so a program may define functions of the
+ * same names.
  *
- * Null records, flags and buffers are outside the contract here unless a comment says otherwise.
- * Words are NUL-terminated text.
+ * Records, flags and buffers must not be null unless a comment says otherwise. Words are
+ * NUL-terminated texts.
  */
 #ifndef SDPLINE_SDPINTERNALS_H
 #define SDPLINE_SDPINTERNALS_H
@@ -88,9 +88,9 @@ enum {
     SDP_LEXCTX_NONE = 0,
     SDP_LEXCTX_SDP = 1,    /* line types, "IN", "IP4", "IP6", "X-", else one byte */
     SDP_LEXCTX_CHAR = 2,   /* one byte */
-    SDP_LEXCTX_STRING = 3, /* up to blank, tab, line end or end */
+    SDP_LEXCTX_STRING = 3, /* up to a blank, tab, line end or the end of the input */
     SDP_LEXCTX_ALNUM = 4,  /* a run of letters, of digits or of "-" */
-    SDP_LEXCTX_TOKEN = 5,  /* up to one of blank tab < > ( ) ; : @ , line end or end */
+    SDP_LEXCTX_TOKEN = 5,  /* up to one of blank tab < > ( ) ; : @ , or a line end or the end */
     SDP_LEXCTX_IPV6 = 6    /* letters, digits, ":" and "."; the kind is that of the last byte */
 };
 
@@ -99,35 +99,35 @@ enum {
 /* One lexer for the process: one NUL-terminated input, one current token, one text buffer. */
 
 SDPLINE_API void setInput(const SipString *pstText);  /* the length is not used */
-SDPLINE_API void setLexerContext(uint32_t enContext); /* holds from the next consume() on */
+SDPLINE_API void setLexerContext(uint32_t enContext); /* in force from the next consume() on */
 SDPLINE_API uint32_t sdpGetLexerContext(void);
 
-/* Kind of the byte at the token start plus the index; moves nothing. */
+/* Returns the kind of the byte at the token's start plus the index. No position changes. */
 SDPLINE_API uint32_t nextToken(void);
-/* Ends the token under construction, or starts the next one after it. A token that ended at
- * offset 0 is taken for none: the next one starts at 0 again. */
+/* Ends the token under construction, or starts the next one after the current one. A token that
+ * ended at offset 0 counts as none: the next one starts at 0 again. */
 SDPLINE_API void mark(void);
-/* Advances to the next token; does nothing once the end token has been reached. */
+/* Advances to the next token; does nothing after the end token was reached. */
 SDPLINE_API void consume(void);
-/* Reads the first token and returns its kind; without input a failure code. */
+/* Advances to the first token and returns its kind; without an input returns a failure code. */
 SDPLINE_API uint32_t startTracking(void);
-/* 1 and advances when the current kind is enKind, else 0. */
+/* Advances and returns 1 if the current token's kind is enKind, else returns 0. */
 SDPLINE_API uint32_t sdp_match(uint32_t enKind);
 /* Kind of the current token. */
 SDPLINE_API uint32_t LA(void);
-/* Its text, NUL-terminated, until the next LT(); null above 1023 bytes. */
+/* Its text, NUL-terminated, valid until the next LT(); null if it has more than 1023 bytes. */
 SDPLINE_API const char *LT(void);
-/* Resets positions and the end flag; input, context and kind stay. Returns 1. */
+/* Resets the positions and the end flag; input, context and kind stay. Returns 1. */
 SDPLINE_API uint32_t clearSdpLexer(void);
 
-SDPLINE_API uint32_t sdpGetEnd(void); /* 1 once the end token has been reached */
+SDPLINE_API uint32_t sdpGetEnd(void); /* 1 after the end token was reached */
 SDPLINE_API void sdpSetEnd(uint32_t bEnd);
 SDPLINE_API uint32_t sdpGetEndToken(void); /* offset of the token's last byte */
 SDPLINE_API void sdpSetEndToken(uint32_t ulOffset);
 SDPLINE_API uint32_t sdpGetIndex(void); /* bytes of the token under construction */
 SDPLINE_API void sdpSetIndex(uint32_t ulIndex);
 SDPLINE_API const uint8_t *sdpGetInput(void);
-SDPLINE_API uint8_t sdpGetLastChar(void); /* the byte classified last */
+SDPLINE_API uint8_t sdpGetLastChar(void); /* the byte that was classified last */
 SDPLINE_API void sdpSetLastChar(uint8_t ucChar);
 SDPLINE_API uint32_t sdpGetStartToken(void); /* offset of the token's first byte */
 SDPLINE_API void sdpSetStartToken(uint32_t ulOffset);
@@ -138,28 +138,28 @@ SDPLINE_API char *sdpGetThrowAwayBuffer(void); /* the 1024 bytes that LT() fills
 SDPLINE_API void sdpSetThrowAwayBuffer(const uint8_t *pucBytes, int32_t iCount);
 SDPLINE_API char *sdpGetRtpmapVar(void); /* the writable text "rtpmap" */
 
-/* Stores a text through the allocation hook: the length, then that many bytes without a
- * terminator. Without memory the length stays and the pointer is null. */
+/* Stores a copy of a text, allocated by the hook, without a terminator. Without memory the length
+ * is stored and the pointer is null. */
 SDPLINE_API SDPResult sdpSetString(SipString *pstValue, const char *pcText);
 
 /* ---- Parser ---------------------------------------------------------------------------------- */
 
-/* Parses a text of 1 to SdpGetMaxBodySize() bytes into a new body from the allocation hook, null on
- * failure. */
+/* Parses a text of 1 to SdpGetMaxBodySize() bytes into a new body, allocated by the hook. *ppstLine
+ * is null after a failure. */
 SDPLINE_API SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine);
 /* Parses from the lexer's input into a zeroed body. */
 SDPLINE_API SDPResult startSdpParsing(SdpLine *pstLine);
-/* Writes the text with CR LF made LF, blanks at line starts and NUL bytes dropped, and LF LF NUL
- * after it: at most ulLen + 3 bytes, which the caller's buffer must hold. */
+/* Writes the text with LF for CR LF, without blanks at line starts and NUL bytes, and with LF LF
+ * NUL after it: at most ulLen + 3 bytes, for which the caller's buffer must have room. */
 SDPLINE_API void convertCRLFToCR(const uint8_t *pucText, uint32_t ulLen, uint8_t *pucOut,
                                  uint32_t ulOutSize);
-/* A new array of ulNewCount slots with the first ulCount pointers of the old one, the rest null;
- * the old array is given back. Null without memory, the old array then stays. Without an old
- * array or with a count of 0 the new slots are not cleared and nothing is given back. */
+/* Returns a new array of ulNewCount slots with the first ulCount pointers of the old one, the rest
+ * null, and frees the old array. Returns null without memory; the old array then stays. Without an
+ * old array, or with a count of 0, the slots are not cleared and nothing is freed. */
 SDPLINE_API void **SdpLibUtilExtendDP(void **ppArray, uint32_t ulCount, uint32_t ulNewCount);
 
-/* Field parsers. Each is entered with its line's key current, consumes its line or lines with the
- * line end, and leaves the next line's key current. */
+/* Field parsers. Each expects its line's key as the current token, consumes its line or lines with
+ * the line end, and leaves the next line's key as the current token. */
 SDPLINE_API SDPResult sdpProtoVersion(SdpLine *pstLine);
 SDPLINE_API SDPResult sdpOriginField(SDPOrigin *pstOrigin);
 SDPLINE_API SDPResult sdpStringField(uint32_t enKind, SipString *pstValue);
@@ -181,12 +181,12 @@ SDPLINE_API SDPResult sdpTypedTime(SDPTimeUnit *pstUnit);
 
 SDPLINE_API SDPResult sdpAttributeFields(SDPAttrList *pstList);
 SDPLINE_API SDPResult sdpAttributeField(SDPAttr *pstAttr);
-/* Value parsers: entered after the attribute's name. */
+/* Value parsers. The current token is the one after the attribute's name. */
 SDPLINE_API SDPResult sdpAttributeFieldType(SDPAttr *pstAttr, const char *pcName, uint32_t enType);
 SDPLINE_API SDPResult sdpAttributeFieldDataSink(SDPAttr *pstAttr, const char *pcName);
 SDPLINE_API SDPResult sdpOtherRecAttr(SDPAttr *pstAttr, uint32_t enType);
 SDPLINE_API SDPResult sdpUnRecAttr(const char *pcName, SDPAttr *pstAttr);
-/* pcBuffer takes the gathered value, at most ulSize - 1 bytes and a NUL. */
+/* The value is also written to pcBuffer, at most ulSize - 1 bytes and a NUL. */
 SDPLINE_API SDPResult sdpUnRecAttrTypeExtn(const char *pcName, SDPAttr *pstAttr, char *pcBuffer,
                                            uint32_t ulSize);
 SDPLINE_API SDPResult sdpUnRecAttrTypeNoVal(const char *pcName, SDPAttr *pstAttr);
@@ -232,11 +232,11 @@ SDPLINE_API SDPResult sdpOtherMediaFmt(SDPMediaField *pstField, uint32_t enProto
 
 /* ---- Encoder --------------------------------------------------------------------------------- */
 
-/* Flags: 1 writes the line's letter and "=" before the value, any other value the value alone.
- * Nothing that was appended before a failure is taken back. */
+/* Flags: 1 writes the line's letter and "=" before the value, any other flag only the value. Text
+ * that was appended before a failure stays in the buffer. */
 
 SDPLINE_API SDPResult SdpLibEncodeSdpInt(SdpLine *pstLine, SipStringBuffer *pstBuf);
-/* One line of the kind enLineType (SDP_LINE_...); a bare 1 for any other kind. */
+/* Writes one line of the kind enLineType (SDP_LINE_...); returns a bare 1 for any other number. */
 SDPLINE_API SDPResult SdpLibEncodeLine(int32_t enLineType, uint32_t *pulFlag, void *pField,
                                        SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeProtocolField(uint32_t *pulFlag, uint32_t *pulVersion,
@@ -254,7 +254,7 @@ SDPLINE_API SDPResult sdpLibEncodeOriginFieldAddrType(SipStringBuffer *pstBuf,
 
 SDPLINE_API SDPResult sdpLibEncodeConnectionField(uint32_t *pulFlag, SDPConnection *pstConn,
                                                   SipStringBuffer *pstBuf);
-/* *pbTypeError becomes 1 when the record holds a code that has no text. */
+/* Set *pbTypeError to 1 if the record has a code without a text. */
 SDPLINE_API SDPResult sdpLibEncodeConnectionFieldNetType(SipStringBuffer *pstBuf,
                                                          SDPConnection *pstConn,
                                                          uint32_t *pbTypeError);
@@ -269,23 +269,23 @@ SDPLINE_API void sdpLibEncodeConnectionFieldIPv6AddrFmt(SipStringBuffer *pstBuf,
 SDPLINE_API SDPResult sdpLibEncodeConnectionFieldTtl(SipStringBuffer *pstBuf,
                                                      SDPConnection *pstConn);
 
-/* Writes the first time field that can be written completely, with its r= lines; an empty set is
- * "t=0 0" CR LF whatever the flag and the line end. */
+/* Writes the first time field that can be written completely, with its r= lines. For an empty set
+ * it writes "t=0 0" CR LF, with any flag and any configured line end. */
 SDPLINE_API SDPResult sdpLibEncodeTimeSet(uint32_t *pulFlag, SDPTimeSet *pstSet,
                                           SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeRepeatFields(uint32_t *pulFlag, SDPRepeatFieldSet *pstSet,
                                                SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeTimeUnit(SDPTimeUnit *pstUnit, SipStringBuffer *pstBuf);
 
-/* Always 0: an attribute that fails leaves its line short, and a log entry. */
+/* Always returns 0: the line of an attribute that fails is short, and the failure is logged. */
 SDPLINE_API SDPResult sdpLibEncodeAttribFields(uint32_t *pulFlag, SDPAttrList *pstList,
                                                SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeAttribField(SDPAttr *pstAttr, SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeAppAttribField(SDPAttr *pstAttr, SipStringBuffer *pstBuf,
                                                  uint32_t *pbNameWritten);
 SDPLINE_API SDPResult sdpLibEncodeDefinedAttribField(SDPAttr *pstAttr, SipStringBuffer *pstBuf);
-/* Without a name, profiles 7 to 35 are written by their table name, and a clock rate or channel
- * count of 0 is filled in: in the record too. */
+/* For a record without a name, the name of profiles 7 to 35 is written, and a clock rate or a
+ * number of channels of 0 is set from the profile, in the record too. */
 SDPLINE_API SDPResult sdpLibEncodeAttribFieldRtpMap(SDPAttr *pstAttr, SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeAttribFieldT38RateMgmt(SDPAttr *pstAttr, SipStringBuffer *pstBuf);
 SDPLINE_API SDPResult sdpLibEncodeAttribFieldT38UdpEc(SDPAttr *pstAttr, SipStringBuffer *pstBuf);
@@ -314,38 +314,39 @@ SDPLINE_API SDPResult sdpLibEncodeMediaFmtType(SDPMediaField *pstField, SipStrin
 
 /* ---- Text utilities -------------------------------------------------------------------------- */
 
-/* 1 when both texts are equal byte for byte, else 0; a null text is logged and gives 0. */
+/* Returns 1 if both texts are equal byte for byte, else 0. A null text is logged, and 0 returned.
+ */
 SDPLINE_API uint32_t SdpLibChkExactString(const char *pcFirst, const char *pcSecond);
-/* 1 when both texts are equal but for the case of ASCII letters, else 0. */
+/* Returns 1 if both texts are equal but for the case of ASCII letters, else 0. */
 SDPLINE_API uint32_t SdpiCmpExactString(const char *pcFirst, const char *pcSecond);
-/* Reads the leading decimal digits: returns how many, stores their value modulo 2^32, 0 for none.
- * A null argument is logged and gives 4294967295, the value untouched. */
+/* Returns the number of leading decimal digits, and stores their value modulo 2^32, 0 for none. A
+ * null argument is logged, and 4294967295 returned; the value is then not written. */
 SDPLINE_API uint32_t SdpLibScanDigits(const char *pcData, uint32_t *pulValue);
-/* 1 when the first ulCount bytes are equal and the first text has that many. */
+/* Returns 1 if the first text has at least ulCount bytes and they are equal, else 0. */
 SDPLINE_API uint32_t SdpStrNCmpCharPtr(const char *pcText, uint32_t ulLen, const char *pcOther,
                                        uint32_t ulCount);
 SDPLINE_API uint32_t SdpIsalnum(int32_t iByte);
 SDPLINE_API uint32_t SdpIsdigit(int32_t iByte);
-/* Value of up to four leading hexadecimal digits, 0 for none; what follows is not looked at. */
+/* The value of up to four leading hexadecimal digits, 0 for none. Text after them is not read. */
 SDPLINE_API void SdpConvHexStrToDec(const char *pcText, uint16_t *pusValue);
-/* Value of up to three leading digits, 0 for none; 65535 when a letter is among the first three
+/* The value of up to three leading digits, 0 for none; 65535 if a letter is among the first three
  * letters and digits. */
 SDPLINE_API void SdpConvDecStrToDec(const char *pcText, uint16_t *pusValue);
-/* First occurrence of the needle, or null; an empty needle is found at the start. */
+/* Returns the first occurrence of the needle, or null. An empty needle is found at the start. */
 SDPLINE_API const char *SdpSmStrstr(const char *pcHay, uint32_t ulHayLen, const char *pcNeedle,
                                     uint32_t ulNeedleLen);
 
-/* The 40 slots of a token table, the capacity of a pattern with its NUL. */
+/* The number of slots of a token table; the capacity of a pattern with its NUL. */
 #define SDP_IPV6_TOKENS  40
 #define SDP_IPV6_PATTERN 23
 
-/* Cuts IPv6 text into a pattern of T (group), H (colon) and D (dot), and the groups' texts. A bare
- * 8 for a missing argument. */
+/* Cuts an IPv6 text into a pattern of T (group), H (colon) and D (dot), and the texts of the
+ * groups. Returns a bare 8 for a null argument or an empty text. */
 SDPLINE_API SDPResult SdpTokanizeIPv6Str(const char *pcText, uint32_t ulLen, char (*pacTokens)[4],
                                          char *pcPattern, uint32_t ulCapacity,
                                          uint32_t *pulPatternLen);
-/* Sixteen address bytes in network order (RFC 4291 section 2.2), written on success only. Lenient:
- * the number of groups is not checked. */
+/* Writes the sixteen bytes of an address in network order (RFC 4291 section 2.2), on success only.
+ * Lenient: the number of groups is not checked. */
 SDPLINE_API SDPResult SdpLoadIpV6StringToArray(const char *pcText, uint32_t ulLen,
                                                uint8_t *pucAddress);
 

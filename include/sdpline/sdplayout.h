@@ -1,7 +1,7 @@
 /*
  * sdplayout.h: the sizes of the records and the offsets of their fields, checked by every compiler
- * that sees sdpline.h. They are part of the binary interface where pointers have 8 bytes; where
- * pointers have 4, the records are smaller and are an interface of that build alone.
+ * that reads sdpline.h. With pointers of 8 bytes they are part of the binary interface; with
+ * pointers of 4 bytes the records are smaller, and the interface is that of the build.
  */
 #ifndef SDPLINE_SDPLAYOUT_H
 #define SDPLINE_SDPLAYOUT_H

@@ -1,5 +1,5 @@
 /*
- * sdprecords.h: the record tree of one SDP body, and the codes its fields hold.
+ * sdprecords.h: the tree of records of one SDP body, and the codes of their fields.
  *
  * Conventions
  *  1. All records are packed to 4 bytes: a pointer after a 4-byte field is not padded. The size
@@ -8,7 +8,7 @@
  *  3. A list is a count and an array of exactly that many pointers; count 0 has a null array.
  *  4. A code with an "other" value is followed by a pointer to the text as it was written, used
  *     for that value only and null otherwise.
- *  5. Everything a decoded body points to lives in one memory block and goes with it.
+ *  5. Everything that a decoded body points to is in one memory block, and is released with it.
  *  6. Numbers are decimal values of the text; those without a stated bound wrap modulo 2^32.
  *
  * Line references are to RFC 4566 section 5 unless another RFC is named.
@@ -63,7 +63,7 @@ enum {
     SDP_PROTO_OTHER = 7
 };
 
-/* SDPMediaFmt.enFmtType. Codes 2 and 3 carry no payload numbers of their own. */
+/* SDPMediaFmt.enFmtType. Codes 2 and 3 have no payload numbers. */
 enum { SDP_FMT_RTP_PAYLOADS = 1, SDP_FMT_T38 = 2, SDP_FMT_T120 = 3, SDP_FMT_OTHER = 4 };
 
 /* The most payload numbers of one m= line. */
@@ -112,14 +112,14 @@ enum {
     SDP_ATTR_CONF = 38,                 /* stRsrcMgmtStatus */
     SDP_ATTR_IPBCP = 39,                /* stIpBcp; ITU-T Q.1970 */
     SDP_ATTR_SETUP = 40,                /* enT120Mode; RFC 4145 section 4 */
-    SDP_ATTR_UNKNOWN = 41               /* a lookup's answer, never stored */
+    SDP_ATTR_UNKNOWN = 41               /* the result of a lookup; never in a record */
 };
 
 /* SDP_ATTR_T38_RATE_MANAGEMENT and SDP_ATTR_T38_UDP_EC */
 enum { SDP_T38_RATE_LOCAL_TCF = 1, SDP_T38_RATE_TRANSFERRED_TCF = 2 };
 enum { SDP_T38_EC_FEC = 1, SDP_T38_EC_REDUNDANCY = 2 };
 
-/* SDPEcan.enEcanDir; 0 writes none */
+/* SDPEcan.enEcanDir; for 0 the encoder writes no direction */
 enum { SDP_ECAN_FB = 1, SDP_ECAN_F = 2, SDP_ECAN_B = 3 };
 
 /* SDPIpBcp.ucType */
@@ -150,7 +150,7 @@ enum {
     SDP_LINE_VERSION = 0,    /* uint32_t */
     SDP_LINE_CONNECTION = 1, /* SDPConnection */
     SDP_LINE_ORIGIN = 2,     /* SDPOrigin */
-    SDP_LINE_MEDIA = 3,      /* SDPMediaField: the m= line alone */
+    SDP_LINE_MEDIA = 3,      /* SDPMediaField: the m= line only */
     SDP_LINE_ATTRIBUTE = 4,  /* SDPAttr */
     SDP_LINE_TIME = 5,       /* SDPTimeField */
     SDP_LINE_REPEAT = 6,     /* SDPRepeatField */
@@ -162,7 +162,7 @@ enum {
     SDP_LINE_BANDWIDTH = 12,
     SDP_LINE_ZONE = 13,
     SDP_LINE_KEY = 14,  /* SDPKey */
-    SDP_LINE_COUNT = 15 /* this and above: refused */
+    SDP_LINE_COUNT = 15 /* this and larger numbers are refused */
 };
 
 /* ---- Records -------------------------------------------------------------------------------- */
@@ -191,7 +191,7 @@ typedef struct SDPOrigin {
     SipString strSessionVersion;
     SDPNetType stNetType;
     SDPAddrType stAddrType;
-    SipString strAddress; /* as written, host name or address */
+    SipString strAddress; /* as written: a host name or an address */
 } SDPOrigin;
 
 /* A binary address in network order, first octet first. */
@@ -234,7 +234,7 @@ typedef struct SDPRepeatFieldSet {
     SDPRepeatField **ppstRepeatFields;
 } SDPRepeatFieldSet;
 
-/* t= (5.9), NTP seconds, with the r= lines below it or null. */
+/* t= (5.9), in NTP seconds, with the r= lines that follow it, or null. */
 typedef struct SDPTimeField {
     uint32_t ulStartTime;
     uint32_t ulStopTime;
@@ -250,19 +250,19 @@ typedef struct SDPTimeSet {
 /* a=rtpmap (6). */
 typedef struct SDPRtpMapAttr {
     uint32_t ulPayloadType;
-    uint32_t ulEncodingId;     /* static profile number 1 to 35, 0 when the name is none of them */
+    uint32_t ulEncodingId;     /* static profile number 1 to 35; 0 if the name has none */
     SipString strEncodingName; /* as written */
-    uint32_t ulClockRate;      /* Hz, 0 = not given */
+    uint32_t ulClockRate;      /* Hz; 0: not given */
     uint32_t ulEncodingParams; /* channels; 1 when the text gives none */
 } SDPRtpMapAttr;
 
-/* a=silenceSupp; strParams is what follows "on" or "off", its blank included. */
+/* a=silenceSupp; strParams is the text after "on" or "off", with its leading blank. */
 typedef struct SDPSilenceSuppression {
     uint32_t bOn;
     SipString strParams;
 } SDPSilenceSuppression;
 
-/* a=ecan; strParams is what follows "on" or "off", its blank included. */
+/* a=ecan; strParams is the text after "on" or "off", with its leading blank. */
 typedef struct SDPEcan {
     uint32_t bOn;
     uint32_t enEcanDir;
@@ -282,7 +282,7 @@ typedef struct SDPPreconditionS {
     SipString *pstrOtherPrecondition;
 } SDPPreconditionS;
 
-/* a=curr, a=des, a=conf (RFC 3312). The strength is that of a=des only. */
+/* a=curr, a=des, a=conf (RFC 3312). Only a=des has a strength. */
 typedef struct SDPRsrcMgmtStatus {
     SDPPreconditionS stPrecondition;
     uint32_t enStatusType;
@@ -339,7 +339,7 @@ typedef struct SDPMediaFmt {
 typedef struct SDPMediaField {
     SDPMedia stMedia;
     uint32_t ulPort;
-    uint32_t ulNoOfPorts; /* written only when above 1 */
+    uint32_t ulNoOfPorts; /* written only if above 1 */
     SDPMediaProto stProto;
     SDPMediaFmt stMediaFmt;
 } SDPMediaField;
@@ -371,7 +371,7 @@ typedef struct SDPMediaSet {
  *   b=AS:128                         pstBandwidthList
  *   t=0 0                            stTimeSet (with the r= lines)
  *   z= k= a=                         pstrTimeZone pstKey pstAttrList
- *   m=audio 49170 RTP/AVP 0          stMediaSet (with all the lines below each m=)
+ *   m=audio 49170 RTP/AVP 0          stMediaSet (with the lines that follow each m=)
  */
 typedef struct SdpLine {
     uint32_t ulProtoVersion;
@@ -388,7 +388,7 @@ typedef struct SdpLine {
     SDPKey *pstKey;
     SDPAttrList *pstAttrList;
     SDPMediaSet stMediaSet;
-    SDPMemCp *pstMemCp; /* the block that holds the body; null when it has none */
+    SDPMemCp *pstMemCp; /* the memory control of the body's block; null when it has none */
 } SdpLine;
 
 #pragma pack(pop)

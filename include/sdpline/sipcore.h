@@ -2,23 +2,24 @@
  * sipcore.h: the core services that libsdpline imports.
  *
  * This header is the porting guide. A SIP stack that already has memory blocks, string buffers
- * and a log defines these symbols itself and builds sdpline with SDPLINE_SIPCORE=OFF; everybody
- * else links libsipcore, which implements all of them on the standard library. A program that
- * defines one of them wins over libsipcore: sdpline calls what the dynamic symbol leads to, and
- * where that is libsipcore's own function it may do in place what the function does.
+ * and a log defines these symbols itself and builds sdpline with SDPLINE_SIPCORE=OFF. All other
+ * programs link libsipcore, which implements the services on the standard library. A program may
+ * also replace single services by defining them: sdpline calls the function that the dynamic
+ * symbol leads to. If that is libsipcore's function, sdpline may do its work without a call.
  *
  * Conventions
  *  1. Functions that return uint32_t return 0 for success, unless their comment says otherwise.
- *     libsipcore's own failure results are the SIP_... numbers below; sdpline tests against 0 only.
+ *     The failure results of libsipcore are the SIP_... numbers below; sdpline compares with 0
+ *     only.
  *  2. Text is a counted SipString. It is never NUL-terminated and may hold any bytes.
  *  3. A request for zero bytes returns a unique pointer that is not null. libsipcore refuses single
  *     requests above 1 GiB.
- *  4. Memory of a block belongs to the block: its allocations may be given back one by one, and all
- * of it goes when the block is released.
- *  5. Nothing here is locked. Different blocks and different string buffers may be used from
- *     different threads at once; one block or one buffer belongs to one thread at a time.
- *  6. Pointers that a comment does not allow to be null must not be null, unless the service
- *     returns SIP_INVALID_ARGUMENT for them.
+ *  4. Memory of a block belongs to the block: its allocations may be freed one by one, and all
+ *     that is left is freed when the block is released.
+ *  5. Nothing here is locked. Threads may use different blocks and different string buffers at the
+ *     same time; one block or one buffer belongs to one thread at a time.
+ *  6. A pointer may be null only where a comment says so; for others the service may return
+ *     SIP_INVALID_ARGUMENT.
  */
 #ifndef SDPLINE_SIPCORE_H
 #define SDPLINE_SIPCORE_H
@@ -50,16 +51,17 @@ enum {
 
 #pragma pack(push, 4)
 
-/* Counted text: 12 bytes, no terminator stored or counted. Length 0 goes with any pointer. */
+/* Counted text: 12 bytes. No terminator is stored or counted. With length 0 the pointer may have
+ * any value. */
 typedef struct SipString {
     uint32_t ulLen;
     char *pcData;
 } SipString;
 
-/* Memory control of one block. Callers use the two functions and never look at pService. */
+/* Memory control of one block. Callers use the two functions and never read pService. */
 typedef struct SDPMemCp SDPMemCp;
 struct SDPMemCp {
-    void *pService;                                         /* the memory service's own word */
+    void *pService;                                         /* for the memory service only */
     void *(*pfnAlloc)(SDPMemCp *pstMemCp, uint32_t ulSize); /* null when memory is exhausted */
     uint32_t (*pfnFree)(void *pMem);                        /* null is accepted, returns 0 */
 };
@@ -72,36 +74,36 @@ typedef struct SipRefString SipRefString;       /* immutable counted text, relea
 /* ---- Memory blocks -------------------------------------------------------------------------- */
 
 /*
- * Makes a block whose first chunk holds at least ulFirstSize bytes and whose further chunks hold at
- * least ulNextSize bytes, or one larger request each; both are at most 1 GiB. The first chunk has
- * room for a body of one stream, and chunks below a kilobyte grow with the block. Memory comes back
- * zeroed and aligned to 8 bytes. What pfnFree gets back is handed out again by the same block, so a
- * list that grows slot by slot costs a small multiple of its size. *ppstMemCp is null after a
- * failure.
- * Debug builds abort when pfnFree gets a pointer that is not in use.
+ * Makes a block. Its first chunk has at least ulFirstSize bytes; each further chunk has at least
+ * ulNextSize bytes, or the size of a larger request. Both sizes are at most 1 GiB. The first chunk
+ * is large enough for a body with one stream, and chunks below a kilobyte grow with the block.
+ * Memory is zeroed and aligned to 8 bytes. Memory that is freed by pfnFree is used again by the
+ * same block, so that a list which grows slot by slot needs a small multiple of its size.
+ * *ppstMemCp is null after a failure. Debug builds abort when pfnFree is called with a pointer that
+ * is not in use.
  */
 SIPCORE_API uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize,
                                        SDPMemCp **ppstMemCp);
 
-/* Releases the block with everything in it and nulls *ppstMemCp. A null block is accepted. */
+/* Releases the block with all its memory and sets *ppstMemCp to null. A null block is accepted. */
 SIPCORE_API uint32_t SipMmReleaseBufMem(SDPMemCp **ppstMemCp);
 
-/* Memory control over the process heap; its memory is zeroed too. */
+/* A memory control that allocates from the process heap; its memory is zeroed too. */
 SIPCORE_API extern SDPMemCp *gSipSystemMemCp;
 
 /* ---- String buffers ------------------------------------------------------------------------- */
 
 /*
- * A buffer that grows: ulFirstSize bytes at first, at least ulGrowSize more at each growth.
- * Buffers are sticky: once an append has failed, every later one fails and changes nothing, an
- * empty one included, and the buffer no longer converts to a reference string.
+ * Makes a buffer that grows: it has ulFirstSize bytes, and at least ulGrowSize more after each
+ * growth. After one append has failed, every later one fails too, even an empty one, without
+ * writing anything, and the buffer can no longer be converted to a reference string.
  */
 SIPCORE_API uint32_t SipSbCreateStringBufferNew(SDPMemCp *pstMemCp, uint32_t ulFirstSize,
                                                 uint32_t ulGrowSize, SipStringBuffer **ppstBuf);
 
 /*
- * A buffer over ulBufLen bytes of the caller's: an append that does not fit writes nothing and
- * fails. Only the wrapper itself comes from pstMemCp.
+ * Makes a buffer over ulBufLen bytes of the caller: an append that does not fit writes nothing and
+ * fails. Only the record of the buffer is allocated from pstMemCp.
  */
 SIPCORE_API uint32_t SipSbCreateFixedStringBuffer(SDPMemCp *pstMemCp, uint8_t *pucBuf,
                                                   uint32_t ulBufLen, SipStringBuffer **ppstBuf);
@@ -109,16 +111,16 @@ SIPCORE_API uint32_t SipSbCreateFixedStringBuffer(SDPMemCp *pstMemCp, uint8_t *p
 /* Releases a growable buffer with its text. Null is accepted. */
 SIPCORE_API void SipSbReleaseStringBuffer(SipStringBuffer *pstBuf);
 
-/* Releases a fixed buffer's wrapper and reports its bytes and the length written, a failed append
- * not counted; null is accepted for all three. */
+/* Releases the record of a fixed buffer, and returns its bytes and the length that was written,
+ * without that of a failed append. Null is accepted for all three. */
 SIPCORE_API void SipSbReleaseFixedStringBuffer(SipStringBuffer *pstBuf, uint8_t **ppucData,
                                                uint32_t *pulLen);
 
-/* Makes a reference string of the text written so far; the buffer stays valid and the caller's.
- * *ppstRef is null after a failure. */
+/* Makes a reference string with a copy of the text; the buffer stays valid and belongs to the
+ * caller. *ppstRef is null after a failure. */
 SIPCORE_API uint32_t SipSbConvertToRefString(SipStringBuffer *pstBuf, SipRefString **ppstRef);
 
-/* The appenders. Each writes all of its text or nothing. */
+/* The appends. Each writes its whole text or nothing. */
 SIPCORE_API uint32_t SipSbCopyChar(SipStringBuffer *pstBuf, char cChar);
 SIPCORE_API uint32_t SipSbCopyConstString(SipStringBuffer *pstBuf, const char *pcText,
                                           uint32_t ulLen);
@@ -129,24 +131,25 @@ SIPCORE_API uint32_t SipSbCopyLong(SipStringBuffer *pstBuf, uint32_t ulValue);
 
 /* ---- Counted strings ------------------------------------------------------------------------ */
 
-/* Deep copy into an inline string, which is overwritten without being given back. A source of
- * length 0 asks for no memory and gives a null pointer; a length over a null pointer is copied as
- * it is. After a failure the target is empty: length 0, null pointer. */
+/* Makes a deep copy in *pstDst, which is overwritten without being freed. A source of length 0
+ * needs no memory: the pointer of the copy is null. A length with a null pointer is copied as it
+ * is. After a failure the target is empty: length 0, null pointer. */
 SIPCORE_API uint32_t SipSmCopyString(SDPMemCp *pstMemCp, const SipString *pstSrc,
                                      SipString *pstDst);
 
-/* Deep copy into a new SipString; a null source gives a null string and success. *ppstDst is
- * null after a failure, and nothing stays allocated. */
+/* Makes a deep copy in a new SipString; for a null source *ppstDst is null and the result is
+ * success. *ppstDst is null after a failure, and nothing stays allocated. */
 SIPCORE_API uint32_t SipSmCloneString(SDPMemCp *pstMemCp, const SipString *pstSrc,
                                       SipString **ppstDst);
 
-/* Gives the bytes of an inline string back and zeroes it. Null is accepted. */
+/* Frees the bytes of a string and zeroes it. Null is accepted. */
 SIPCORE_API void SipSmClearString(SDPMemCp *pstMemCp, SipString *pstText);
 
-/* Gives a string and its bytes back and nulls the pointer. Null is accepted. */
+/* Frees a string and its bytes and sets the pointer to null. Null is accepted. */
 SIPCORE_API void SipSmFreeString(SDPMemCp *pstMemCp, SipString **ppstText);
 
-/* 1 when both strings hold at least ulCount bytes and those bytes are equal, else 0. */
+/* Returns 1 if both strings have at least ulCount bytes and the first ulCount bytes are equal, else
+ * 0. */
 SIPCORE_API uint32_t SipSmStringNCmp(const SipString *pstFirst, const SipString *pstSecond,
                                      uint32_t ulCount);
 
@@ -156,14 +159,14 @@ SIPCORE_API uint32_t SipSmStringNCmp(const SipString *pstFirst, const SipString 
 SIPCORE_API uint32_t SipSmGetLenFromRefString(const SipRefString *pstRef);
 SIPCORE_API const char *SipSmGetDataFromRefString(const SipRefString *pstRef);
 
-/* Gives one hold back; the text goes with the last one. Null is accepted. */
+/* Decrements the count of holders; the last one frees the text. Null is accepted. */
 SIPCORE_API void SipSmReleaseRefString(SipRefString *pstRef);
 
-/* ---- Structures walked by description ------------------------------------------------------- */
+/* ---- Structures described by data ----------------------------------------------------------- */
 
 #pragma pack(push, 4)
 
-/* One type: its size in bytes, its kind, and what the kind needs to know. */
+/* The descriptor of one type: its size in bytes, its kind, and the detail that the kind needs. */
 typedef struct SipDsmTypeDef {
     uint32_t ulSize;
     uint32_t enKind; /* SIP_DSM_... */
@@ -173,12 +176,12 @@ typedef struct SipDsmTypeDef {
 /* SIP_DSM_CHOICE: a u32 selector, then a union. Alternative k describes selector value k + 1. */
 typedef struct SipDsmChoiceDef {
     uint32_t ulReserved;
-    uint32_t ulNoOfSelectors;                     /* selector values, 0 = "nothing" counted */
-    const SipDsmTypeDef *const *ppstAlternatives; /* a null entry is a value without alternative */
+    uint32_t ulNoOfSelectors;                     /* number of selector values, 0 ("nothing") too */
+    const SipDsmTypeDef *const *ppstAlternatives; /* a null entry: the value has no alternative */
 } SipDsmChoiceDef;
 
-/* SIP_DSM_SEQUENCE: members one after another, packed to 4 bytes: one of 4 bytes or more begins at
- * a multiple of 4, one of 2 bytes at a multiple of 2. */
+/* SIP_DSM_SEQUENCE: members one after another, packed to 4 bytes: a member of 4 or more bytes
+ * begins at a multiple of 4, a member of 2 bytes at a multiple of 2. */
 typedef struct SipDsmSequenceDef {
     uint32_t ulNoOfMembers;
     const SipDsmTypeDef *const *ppstMembers;
@@ -222,26 +225,27 @@ enum {
 };
 
 /*
- * Deep copy of *pSrc into *pDst, which is overwritten without being cleared; bytes that pstDef does
- * not describe become zero. A failed copy gives back what it allocated and leaves the target zero.
+ * Makes a deep copy of *pSrc in *pDst, which is overwritten without being cleared; bytes that
+ * pstDef does not describe become zero. A failed copy frees what it allocated and zeroes the
+ * target.
  *
  * SIP_OUT_OF_RANGE: an integer outside its range, or a selector without an alternative.
- * SIP_INVALID_ARGUMENT: a null argument, pSrc equal to pDst, a description that makes no sense or
- * whose members reach beyond its size, or values nested more than 32 levels deep.
+ * SIP_INVALID_ARGUMENT: a null argument, pSrc equal to pDst, an invalid descriptor, a member beyond
+ * the size of its record, or values nested more than 32 levels deep.
  *
- * A text pointer under a code that does not use it becomes null. A list's count over a null array
- * is copied as it is, and so is a null slot within an array.
+ * A text pointer that its code does not use becomes null. The count of a list with a null array is
+ * copied as it is, and so is a null slot of an array.
  */
 SIPCORE_API uint32_t SipDsmCopyGeneralField(SDPMemCp *pstMemCp, const void *pSrc, void *pDst,
                                             const SipDsmTypeDef *pstDef);
 
-/* Gives back everything that *pValue owns, nulls its pointers and zeroes its counts; plain
- * integers stay, codes and selectors among them. Fails as copying does, except for ranges, but
- * first clears all that it can reach. */
+/* Frees everything that *pValue refers to, and sets its pointers to null and its counts to zero;
+ * plain integers, codes and selectors stay. Fails as copying does, except for ranges, but clears
+ * all other parts first. */
 SIPCORE_API uint32_t SipDsmClearGeneralField(SDPMemCp *pstMemCp, void *pValue,
                                              const SipDsmTypeDef *pstDef);
 
-/* The stack's own descriptors: a SipString, a pointer to one, and binary host addresses of 4 and
+/* The descriptors of the stack: a SipString, a pointer to one, and binary host addresses of 4 and
  * 16 bytes. */
 SIPCORE_API extern const SipDsmTypeDef g_gstStringDef;
 SIPCORE_API extern const SipDsmTypeDef g_gstStringPointerDef;
@@ -254,18 +258,18 @@ SIPCORE_API extern const SipDsmTypeDef g_gstHostIPV6Def;
  * The log hook, null by default. pcFormat is null when an entry has no message text; otherwise it
  * is a printf format for the arguments after it. ulModule is 17 for every entry of sdpline.
  *
- * A hook may call what a program may call: append to the buffer that is being written, set the
- * memory hooks of the decoder, encode, copy and decode other bodies. A decode inside the hook of
- * another one takes its lexer and its memory hooks over: the other one ends with the refusal that
- * it was logging, and SdpLibGetLastFailure tells of that. It must not release what is being
- * decoded or written.
+ * A hook may call any operation: it may append to the buffer that is being written, set the memory
+ * hooks of the decoder, and encode, copy and decode other bodies. If it decodes a body during
+ * another decode, it takes over the lexer and the memory hooks of that decode, which then ends with
+ * the failure that it was logging; SdpLibGetLastFailure returns that failure. A hook must not
+ * release what is being decoded or written.
  */
 typedef void (*SipLmLogHndlr)(uint32_t ulModule, uint32_t ulInstance, uint32_t ulLevel,
                               const char *pcFile, const char *pcFunction, uint32_t ulLine,
                               uint32_t ulCategory, const char *pcFormat, ...);
 SIPCORE_API extern SipLmLogHndlr g_gpfnSipLmLogHndlr;
 
-/* (file number << 16) | source line of the last failure that was logged; 0 by default. */
+/* (file number << 16) | source line, of the last failure that was logged; 0 by default. */
 SIPCORE_API extern uint32_t g_gSipCodePoint;
 
 /* Base of the stack's file numbers; 0 by default. */
@@ -273,43 +277,44 @@ SIPCORE_API extern uint32_t g_gSipStackFileId;
 
 /* ---- Bounds-checked memory ------------------------------------------------------------------ */
 
-/* 0 on success. A null pointer or a count above the destination's size writes nothing and returns
- * a number that is not 0. A count of 0 succeeds whatever the pointers. Source and destination may
- * overlap. */
+/* Return 0 on success. For a null pointer, or a count above the destination's size, they write
+ * nothing and return another number. A count of 0 succeeds with any pointers. Source and
+ * destination may overlap. */
 SIPCORE_API int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount);
 SIPCORE_API int memset_s(void *pDest, size_t ulDestMax, int iValue, size_t ulCount);
 
-/* 0 when the first ulLen bytes are equal; a null pointer equals only null or nothing. */
+/* Returns 0 if the first ulLen bytes are equal. A null pointer is equal to a null pointer; with
+ * length 0 any pointers are equal. */
 SIPCORE_API int SS_MemCmp(const void *pFirst, const void *pSecond, uint32_t ulLen);
 
-/* Called when one of the two functions above failed and the work goes on: a name and a number
- * that tell the place. libsipcore counts the calls (SipMmGetStatistics). */
+/* Called when memcpy_s or memset_s failed and the operation goes on. The name and the number tell
+ * the place. libsipcore counts the calls (SipMmGetStatistics). */
 SIPCORE_API void SIPAbnormalSecureFunc(const char *pcName, uint32_t ulNumber);
 SIPCORE_API void SIPAbnormalSecureFuncEx(const char *pcName, uint32_t ulNumber);
 
 /* ---- Additions of libsipcore: sdpline does not call these ------------------------------------ */
 
-/* What libsipcore holds and has done so far, over all threads. Of what it gives back, a thread
- * keeps allocations of at most 4096 bytes, 64 KiB in all, and takes them again before it calls the
- * process heap; they go back when the thread ends, and are lost where the library is unloaded
- * before. Asking for the statistics, or resetting the peak, gives the calling thread's back first,
- * so that only what other threads keep is counted with what is in use. Allocations that may be kept
- * are rounded up to multiples of 256 bytes. */
+/* The memory that libsipcore has allocated, over all threads. A thread caches the allocations that
+ * it frees if they have at most 4096 bytes, up to 64 KiB in all, and uses them again before it
+ * calls the process heap. They are freed when the thread ends; if the library is unloaded before,
+ * they are lost. SipMmGetStatistics and SipMmResetPeak first free the cache of the calling thread,
+ * so that only the caches of other threads are counted as memory in use. Allocations that can be
+ * cached are rounded up to multiples of 256 bytes. */
 typedef struct SipMmStatistics {
-    uint64_t ulBlocks;          /* blocks alive */
+    uint64_t ulBlocks;          /* blocks that exist */
     uint64_t ulHeapAllocations; /* allocations made from the process heap since the start */
-    uint64_t ulHeapBlocks;      /* heap allocations alive: chunks, buffers, system memory */
+    uint64_t ulHeapBlocks;      /* heap allocations in use: chunks, buffers, system memory */
     uint64_t ulHeapBytes;       /* their bytes */
-    uint64_t ulHeapBytesPeak;   /* the most bytes alive at once since the last reset */
+    uint64_t ulHeapBytesPeak;   /* the largest value of ulHeapBytes since the last reset */
     uint64_t ulAbnormalReports; /* calls of the two SIPAbnormalSecureFunc functions */
 } SipMmStatistics;
 
 SIPCORE_API void SipMmGetStatistics(SipMmStatistics *pstStatistics);
 
-/* Sets ulHeapBytesPeak to the bytes alive now. */
+/* Sets ulHeapBytesPeak to the present ulHeapBytes. */
 SIPCORE_API void SipMmResetPeak(void);
 
-/* Takes one more hold on a reference string; the count is atomic. */
+/* Increments the count of holders of a reference string, which is atomic. Null is accepted. */
 SIPCORE_API void SipSmHoldRefString(SipRefString *pstRef);
 
 #ifdef __cplusplus
