@@ -9,6 +9,7 @@ extern "C" {
 
 void setInput(const SipString *pstText) {
     state.input = reinterpret_cast<const uint8_t *>(pstText->pcData);
+    state.late = nullptr;
     state.inputGone = false;
 }
 
@@ -78,7 +79,7 @@ void sdpSetIndex(uint32_t ulIndex) {
 }
 
 const uint8_t *sdpGetInput() {
-    return state.input;
+    return lexer::inputBytes();
 }
 
 uint8_t sdpGetLastChar() {

@@ -94,6 +94,14 @@ constexpr ByteTables makeByteTables() {
 
 inline constexpr ByteTables kBytes = detail::makeByteTables();
 
+// The same for a body, where a CR is part of a line end (lexer.hpp).
+inline constexpr ByteTables kBodyBytes = [] {
+    ByteTables tables = kBytes;
+    tables.kind['\r'] = SDP_TOK_LF;
+    tables.runs['\r'] = 0;
+    return tables;
+}();
+
 // The token kind of "<letter>=" by letter; 0 for letters that are not a line's key.
 inline constexpr std::array<uint8_t, 256> kLineKinds = [] {
     std::array<uint8_t, 256> kinds{};

@@ -1,6 +1,6 @@
 // The state of the lexer, and those parts of it that are too rare or too long to be inlined into
 // the parsers.
-#include "lexer/lexer.hpp"
+#include "lexer/state.hpp"
 
 #include <cstring>
 
@@ -10,6 +10,7 @@
 namespace sdpline::lexer {
 
 SDPLINE_PER_THREAD State state = {.input = nullptr,
+                                  .late = nullptr,
                                   .inputGone = false,
                                   .start = 0,
                                   .end = 0,
@@ -37,8 +38,21 @@ uint32_t specialBits(const Position &position) {
 
 } // namespace
 
+const uint8_t *inputBytes() {
+    if (const LateInput *const late = state.late) {
+        state.late = nullptr;
+        late->write(late->text, late->length, late->input);
+    }
+    return state.input;
+}
+
+void loseInput() {
+    state.late = nullptr;
+    state.inputGone = true;
+}
+
 StateLexer load() {
-    const uint8_t *const input = state.inputGone ? kNothing : state.input;
+    const uint8_t *const input = state.inputGone ? kNothing : inputBytes();
     const Position position = {.input = input,
                                .at = state.inputGone ? input : input + state.start,
                                .end = state.inputGone ? input : input + (state.end + 1),
@@ -49,7 +63,7 @@ StateLexer load() {
     return {{position, {specialBits(position)}}};
 }
 
-void store(const Position &position, uint32_t special) {
+void store(const Position &position, uint32_t special, bool inBody) {
     publishText();
     const auto start = static_cast<uint32_t>(position.at - position.input);
     const bool moved = start != state.start;
@@ -61,18 +75,17 @@ void store(const Position &position, uint32_t special) {
     state.end = size != 0 ? size - 1 : 0;
     state.kind = position.kind;
     state.context = position.context;
-    state.last = position.last;
+    state.last = inBody && position.last == '\r' ? uint8_t{'\n'} : position.last;
     if ((special & StateLexer::kHalfCut) == 0) {
         state.index = 0;
     }
 }
 
-namespace {
-
-// Whether no setter changed the positions since they were reset, and no program replaced memset_s.
 bool isUntouched() {
     return (state.start | state.end | state.index | state.ended) == 0 && !seesFills();
 }
+
+namespace {
 
 // The result of load() and findStart() in that case: the first token begins at the input's start.
 Position atStart(const uint8_t *input) {
@@ -89,13 +102,32 @@ Position atStart(const uint8_t *input) {
 
 StateLexer begin(const uint8_t *input) {
     state.input = input;
+    state.late = nullptr;
     state.inputGone = false;
     state.context = SDP_LEXCTX_SDP;
     StateLexer lexer = isUntouched() ? StateLexer{{atStart(input), {0}}} : load();
     lexer.advance(SDP_LEXCTX_SDP);
-    store(lexer, lexer.special);
+    store(lexer);
     lexer.special = specialBits(lexer);
     return lexer;
+}
+
+BodyLexer beginBody(const uint8_t *body, const LateInput &late) {
+    const Position first = {.input = body,
+                            .at = body,
+                            .end = body + 2,
+                            .kind = SDP_TOK_VERSION,
+                            .context = SDP_LEXCTX_SDP,
+                            .last = '=',
+                            .counted = 0};
+    state.input = late.input;
+    state.late = &late;
+    state.inputGone = false;
+    state.end = 1;
+    state.kind = first.kind;
+    state.context = first.context;
+    state.last = first.last;
+    return {first, {}};
 }
 
 void clear() {

@@ -2,11 +2,16 @@
 // force. A token never spans a line end or the end of the input; there is no lookahead beyond the
 // current token and no backtracking.
 //
-// There are two lexers with the same operations. A BodyLexer reads the normal form of a body, which
-// is followed by padding: its operations are inlined, and the compiler keeps it in registers. A
-// StateLexer reads any input from any position, since the exported setters may set any: its
-// operations are functions. The exported operations read and write the process-wide State; parsers
-// that are called by their exported names start from it and store the position where they stopped.
+// There are two lexers with the same operations. A BodyLexer reads a body, which is followed by
+// padding: its operations are inlined, and the compiler keeps it in registers. A StateLexer reads
+// any input from any position, since the exported setters may set any: its operations are
+// functions. The exported operations read and write the process-wide State; parsers that are called
+// by their exported names start from it and store the position where they stopped.
+//
+// A body is a text in its normal form, with two exceptions: a line may end in CR LF, and spaces may
+// precede the text of any line but the first. A CR occurs only before a LF. The tokens are those of
+// the normal form: the token of a CR LF starts at the CR and has the kind of a LF; the spaces
+// belong to no token.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +20,7 @@
 #include <string_view>
 
 #include "lexer/bytes.hpp"
+#include "lexer/position.hpp"
 #include "lexer/scan.hpp"
 #include "sdpline/sdpinternals.h"
 #include "text/inline.hpp"
@@ -24,53 +30,18 @@ namespace sdpline {
 
 constexpr uint32_t kTextSize = 1024; // bytes of the token text buffer, the terminating NUL included
 
-// Short names of the contexts.
-struct Context {
-    static constexpr uint32_t Sdp = SDP_LEXCTX_SDP;
-    static constexpr uint32_t Char = SDP_LEXCTX_CHAR;
-    static constexpr uint32_t String = SDP_LEXCTX_STRING;
-    static constexpr uint32_t Alnum = SDP_LEXCTX_ALNUM;
-    static constexpr uint32_t Token = SDP_LEXCTX_TOKEN;
-    static constexpr uint32_t Ipv6 = SDP_LEXCTX_IPV6;
-};
-
-//   o=- 2890844526 ...
-//       ^at       ^end      kind: SDP_TOK_DIGIT, last: the space after the run
-struct Position {
-    const uint8_t *input;
-    const uint8_t *at;  // the current token's first byte
-    const uint8_t *end; // the byte after it
-    uint32_t kind;
-    uint32_t context;
-    uint8_t last;     // the byte that was classified last
-    uint32_t counted; // the value of the last run of digits that was cut, modulo 2^32
-
-    bool is(uint32_t wanted) const { return kind == wanted; }
-
-    // Whether the input ends at the current token.
-    bool inputEnds() const { return *at == '\0'; }
-
-    // Moves to another position in the same input. The fields are copied one by one, so that the
-    // compiler can keep each field of a local lexer in its own register.
-    void copyPosition(const Position &other) {
-        at = other.at;
-        end = other.end;
-        kind = other.kind;
-        context = other.context;
-        last = other.last;
-    }
-};
-
 // The special cases of a lexer before it cuts the next token. A BodyLexer has none: its next token
 // always begins at `end`.
 struct NothingSpecial {
     static constexpr bool kPadded = true; // sixteen bytes after the input's NUL may be read
+    static constexpr bool inBody = true;
     static constexpr uint32_t special = 0;
 };
 
 struct AnythingSpecial {
     static constexpr bool kPadded = false;
-    uint32_t special; // a set of the bits below
+    uint32_t special;    // a set of the bits below
+    bool inBody = false; // the input is a body: see the top
 
     // The end token was cut, and stays current. Parsers never take it, so a lexer without special
     // bits does not record this; store() finds that it is current.
@@ -87,8 +58,14 @@ struct StateLexer;
 
 template <class Special>
 struct LexerOn : Position, Special {
+    using Special::inBody;
     using Special::kPadded;
     using Special::special;
+
+    // The properties of the input's bytes.
+    SDPLINE_INLINE const lexer::ByteTables &bytes() const {
+        return inBody ? lexer::kBodyBytes : lexer::kBytes;
+    }
 
     // Takes the text of the current token and returns it as a view into the input. When it has more
     // than 1023 bytes, nothing is taken and the data of the view is null.
@@ -122,11 +99,11 @@ struct LexerOn : Position, Special {
         return true;
     }
 
-    // The same for a name whose bytes have been compared already: it is taken if a colon or a line
-    // end follows.
+    // The same for a name whose bytes have been compared already: it is taken if no more bytes of a
+    // token follow.
     SDPLINE_INLINE bool jumpName(uint32_t size, std::string_view &name) {
         const uint8_t *const after = end + size;
-        if (*after != ':' && *after != '\n') {
+        if ((bytes().runs[*after] & lexer::kTokenRun) != 0) {
             return false;
         }
         name = {reinterpret_cast<const char *>(end), size};
@@ -141,6 +118,9 @@ struct LexerOn : Position, Special {
         context = under;
         if (kind != wanted) {
             return false;
+        }
+        if (inBody && wanted == SDP_TOK_LF) {
+            goToNextLine();
         }
         advance(under);
         return true;
@@ -171,6 +151,16 @@ struct LexerOn : Position, Special {
 private:
     // Moves to the position of a lexer that read on token by token.
     void stopAt(const StateLexer &other);
+    // Moves the end of the current line end over the spaces before the next line's text.
+    SDPLINE_INLINE void goToNextLine() {
+        if (last == '\r') [[likely]] {
+            end = at + 2;
+        }
+        while (*end == ' ')
+            [[unlikely]] {
+                ++end;
+            }
+    }
     SDPLINE_INLINE bool begin();
     void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
 
@@ -187,7 +177,18 @@ private:
     }
 
     // The token is one byte.
-    SDPLINE_INLINE void closeByte() { close(1, lexer::kBytes.kind[last]); }
+    SDPLINE_INLINE void closeByte() { close(1, bytes().kind[last]); }
+
+    // The first byte that does not continue the run.
+    SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, lexer::Run run) const {
+        return lexer::runEnd(byte, run, bytes());
+    }
+    template <lexer::Run run>
+    SDPLINE_INLINE const uint8_t *endOf(const uint8_t *byte) const {
+        return runEnd(kPadded ? lexer::skip<run>(byte) : byte, run);
+    }
+    // The next line end, or the end of the input.
+    SDPLINE_INLINE const uint8_t *lineEnd() const;
 
     template <lexer::Run run>
     void scanRun(uint32_t closed);
@@ -252,30 +253,6 @@ void publishText();
 [[gnu::cold, gnu::noinline]] StateLexer gatherTokens(StateLexer lexer, uint32_t limit, bool &fits);
 [[gnu::cold, gnu::noinline]] StateLexer gatherToSlash(StateLexer lexer, uint32_t limit, bool &fits);
 
-// The state of the exported operations. Offsets are from the start of the input.
-struct State {
-    const uint8_t *input;
-    bool inputGone; // the input was the copy of a parse, which no longer exists: it is not read
-    uint32_t start;
-    uint32_t end;   // the offset of the last byte, not of the byte after it
-    uint32_t index; // bytes of a token under construction
-    uint32_t kind;
-    uint32_t context;
-    uint32_t ended;
-    uint8_t last;
-    char text[kTextSize];
-    char rtpmap[sizeof "rtpmap"];
-};
-extern SDPLINE_PER_THREAD State state;
-
-// Returns a lexer at the state's position; stores a lexer's position in the state.
-StateLexer load();
-void store(const Position &position, uint32_t special);
-// Sets the state to the first token of an input, and returns a lexer at that token.
-StateLexer begin(const uint8_t *input);
-// Resets the positions to the start of the input.
-void clear();
-
 } // namespace lexer
 
 template <class Special>
@@ -293,8 +270,12 @@ inline std::string_view LexerOn<Special>::text() {
     if (size >= kTextSize) [[unlikely]] {
         return {};
     }
-    noteTaken(at, size);
-    return {reinterpret_cast<const char *>(at), size};
+    const uint8_t *from = at;
+    if constexpr (!kPadded) { // no production reads a line end's text from a BodyLexer
+        from += static_cast<uint32_t>(inBody && *at == '\r');
+    }
+    noteTaken(from, size);
+    return {reinterpret_cast<const char *>(from), size};
 }
 
 // Moves to the first byte of the next token; returns false when there is none.
@@ -335,7 +316,7 @@ template <class Special>
 inline void LexerOn<Special>::advanceAfterRun(uint32_t under) {
     begin();
     constexpr uint8_t letters = lexer::kLetterRun | lexer::kMinusRun;
-    if (under != Context::Alnum || (lexer::kBytes.runs[last] & letters) == 0) [[likely]] {
+    if (under != Context::Alnum || (bytes().runs[last] & letters) == 0) [[likely]] {
         return closeByte();
     }
     scanLetters();
@@ -363,7 +344,7 @@ inline bool LexerOn<Special>::takeToText(uint32_t wanted) {
     }
     if (begin()) [[likely]] {
         closeByte();
-        if ((lexer::kBytes.runs[last] & lexer::kStringRun) != 0) {
+        if ((bytes().runs[last] & lexer::kStringRun) != 0) {
             kind = SDP_TOK_STRING;
         }
     }
@@ -377,7 +358,7 @@ inline void LexerOn<Special>::scanSdp() {
     if (key != 0 && at[1] == '=') {
         last = '=';
         close(2, key);
-    } else if (lexer::kBytes.kind[last] != SDP_TOK_ALPHA) {
+    } else if (bytes().kind[last] != SDP_TOK_ALPHA) {
         closeByte();
     } else {
         const lexer::LetterToken token = lexer::cutLetter(at);
@@ -390,10 +371,10 @@ inline void LexerOn<Special>::scanSdp() {
 template <class Special>
 template <lexer::Run run>
 inline void LexerOn<Special>::scanRun(uint32_t closed) {
-    if ((lexer::kBytes.runs[last] & run) == 0) {
+    if ((bytes().runs[last] & run) == 0) {
         return closeByte();
     }
-    closeAt(lexer::endOf<run, kPadded>(at + 1), closed);
+    closeAt(endOf<run>(at + 1), closed);
 }
 
 template <class Special>
@@ -413,9 +394,9 @@ inline void LexerOn<Special>::scanAlnum() {
 
 template <class Special>
 inline void LexerOn<Special>::scanLetters() {
-    switch (lexer::kBytes.kind[last]) {
-    case SDP_TOK_ALPHA: return closeAt(lexer::runEnd(at + 1, lexer::kLetterRun), SDP_TOK_ALPHA);
-    case SDP_TOK_MINUS: return closeAt(lexer::runEnd(at + 1, lexer::kMinusRun), SDP_TOK_MINUS);
+    switch (bytes().kind[last]) {
+    case SDP_TOK_ALPHA: return closeAt(runEnd(at + 1, lexer::kLetterRun), SDP_TOK_ALPHA);
+    case SDP_TOK_MINUS: return closeAt(runEnd(at + 1, lexer::kMinusRun), SDP_TOK_MINUS);
     default: return closeByte();
     }
 }
@@ -424,7 +405,7 @@ inline void LexerOn<Special>::scanLetters() {
 template <class Special>
 inline void LexerOn<Special>::scanIpv6() {
     scanRun<lexer::kIpv6Run>(SDP_TOK_ALPHA);
-    kind = lexer::kBytes.kind[end[-1]];
+    kind = bytes().kind[end[-1]];
 }
 
 // Makes one byte the current token.
@@ -437,7 +418,7 @@ inline void LexerOn<Special>::jumpTo(const uint8_t *byte) {
 
 template <class Special>
 inline StateLexer LexerOn<Special>::anywhere() const {
-    return {{static_cast<const Position &>(*this), {special}}};
+    return {{static_cast<const Position &>(*this), {special, inBody}}};
 }
 
 template <class Special>
@@ -449,8 +430,17 @@ inline void LexerOn<Special>::stopAt(const StateLexer &other) {
 }
 
 template <class Special>
+inline const uint8_t *LexerOn<Special>::lineEnd() const {
+    if constexpr (kPadded) {
+        return lexer::bodyLineEnd(at);
+    }
+    const uint8_t *const byte = lexer::findLineEnd(at);
+    return byte - static_cast<uint32_t>(inBody && byte != at && byte[-1] == '\r');
+}
+
+template <class Special>
 inline bool LexerOn<Special>::takeRestOfLine(std::string_view &rest, uint32_t limit) {
-    const uint8_t *const byte = lexer::lineEnd<kPadded>(at);
+    const uint8_t *const byte = lineEnd();
     const auto size = static_cast<uint32_t>(byte - at);
     rest = {reinterpret_cast<const char *>(at), size};
     if (kPadded && size <= limit) [[likely]] {
@@ -468,7 +458,7 @@ inline bool LexerOn<Special>::takeRestOfLine(std::string_view &rest, uint32_t li
 
 template <class Special>
 inline bool LexerOn<Special>::takeBytesToSlash(std::string_view &bytes, uint32_t limit) {
-    const uint8_t *const byte = lexer::endOf<lexer::kNameRun, kPadded>(at);
+    const uint8_t *const byte = endOf<lexer::kNameRun>(at);
     const auto size = static_cast<uint32_t>(byte - at);
     bytes = {reinterpret_cast<const char *>(at), size};
     if (!kPadded || size > limit || *byte == '\0') [[unlikely]] {

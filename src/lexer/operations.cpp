@@ -17,7 +17,7 @@ bool isContext(uint32_t context) {
 } // namespace
 
 uint32_t classifyNext() {
-    state.last = state.inputGone ? uint8_t{'\0'} : state.input[state.start + state.index];
+    state.last = state.inputGone ? uint8_t{'\0'} : inputBytes()[state.start + state.index];
     return kBytes.kind[state.last];
 }
 
@@ -34,7 +34,7 @@ void consume() {
     if (isContext(state.context)) {
         StateLexer lexer = load();
         lexer.advance(state.context);
-        store(lexer, lexer.special);
+        store(lexer);
     } else if (state.ended != 1) {
         mark(); // without a context no token is cut
         state.ended = classifyNext() == SDP_TOK_EOF ? 1 : state.ended;
@@ -70,7 +70,7 @@ const char *currentText() {
     if (state.inputGone) {
         takeText(reinterpret_cast<const uint8_t *>(""), 0);
     } else {
-        takeText(state.input + state.start, size);
+        takeText(inputBytes() + state.start, size);
     }
     return state.text;
 }

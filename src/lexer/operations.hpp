@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "lexer/lexer.hpp"
+#include "lexer/state.hpp"
 
 namespace sdpline::lexer {
 

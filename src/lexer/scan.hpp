@@ -18,8 +18,8 @@ namespace sdpline::lexer {
 constexpr uint32_t kPadding = 16;
 
 // The first byte that does not continue the run; the NUL after the input continues none.
-SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run) {
-    while ((kBytes.runs[*byte] & run) != 0) {
+SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run, const ByteTables &bytes) {
+    while ((bytes.runs[*byte] & run) != 0) {
         ++byte;
     }
     return byte;
@@ -31,7 +31,7 @@ SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
     return *const_cast<const volatile uint8_t *>(byte);
 }
 
-// lineEnd() for an input without padding.
+// The next line end of any input, or the end of the input.
 const uint8_t *findLineEnd(const uint8_t *text);
 
 // Skips bytes of a run in a padded input, sixteen at once. It may stop early: the byte that it
@@ -82,32 +82,28 @@ SDPLINE_INLINE const uint8_t *skip<kTokenRun>(const uint8_t *byte) {
 template <>
 SDPLINE_INLINE const uint8_t *skip<kNameRun>(const uint8_t *byte) {
     return findInPadded(
-        byte, [](__m128i bytes) { return _mm_or_si128(atMost(bytes, '\n'), equals(bytes, '/')); });
+        byte, [](__m128i bytes) { return _mm_or_si128(atMost(bytes, '\r'), equals(bytes, '/')); });
 }
 
-inline const uint8_t *lineEndInPadded(const uint8_t *byte) {
-    return findInPadded(
-        byte, [](__m128i bytes) { return _mm_or_si128(equals(bytes, '\n'), equals(bytes, '\0')); });
+// Skips to a line end or the end of the body. It may stop early, at another byte up to CR.
+SDPLINE_INLINE const uint8_t *skipLine(const uint8_t *byte) {
+    return findInPadded(byte, [](__m128i bytes) { return atMost(bytes, '\r'); });
 }
 
 #else
 
-inline const uint8_t *lineEndInPadded(const uint8_t *byte) {
-    return findLineEnd(byte);
+SDPLINE_INLINE const uint8_t *skipLine(const uint8_t *byte) {
+    return byte;
 }
 
 #endif
 
-// The first byte that does not continue the run, in an input with or without padding.
-template <Run run, bool Padded>
-SDPLINE_INLINE const uint8_t *endOf(const uint8_t *byte) {
-    return runEnd(Padded ? skip<run>(byte) : byte, run);
-}
-
-// The next line end, or the end of the input.
-template <bool Padded>
-SDPLINE_INLINE const uint8_t *lineEnd(const uint8_t *byte) {
-    return Padded ? lineEndInPadded(byte) : findLineEnd(byte);
+// The next line end of a body, or the end of the body.
+SDPLINE_INLINE const uint8_t *bodyLineEnd(const uint8_t *byte) {
+    const auto endsLine = [](uint8_t one) { return one == '\r' || one == '\n' || one == '\0'; };
+    for (byte = skipLine(byte); !endsLine(*byte); byte = skipLine(byte + 1)) {
+    }
+    return byte;
 }
 
 } // namespace sdpline::lexer

@@ -1,5 +1,6 @@
-// The driver: parses one body from text to records. It copies the text in its normal form, makes a
-// parser over the copy, and walks a table of line kinds that says which line may follow which.
+// The driver: parses one body from text to records. It copies the text, as it is or in its normal
+// form, makes a parser over the copy, and walks a table of line kinds that says which line may
+// follow which.
 #include "parser/driver.hpp"
 
 #include <array>
@@ -174,7 +175,7 @@ bool parseLines(Parser auto &parser, SdpLine &line) {
 }
 
 [[gnu::noinline]] SDPResult storeParser(const StateParser &parser) {
-    lexer::store(parser, parser.special);
+    lexer::store(parser);
     return parser.failure;
 }
 
@@ -195,27 +196,35 @@ SDPResult refuseCall(Check check, uint32_t line = __builtin_LINE()) {
     return result;
 }
 
+const uint8_t *bytesOf(const SipString &text) {
+    return reinterpret_cast<const uint8_t *>(text.pcData);
+}
+
 // Parses the text and stores the position at which the parser stopped in the lexer's state.
-SDPLINE_INLINE SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line) {
+SDPLINE_INLINE SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line,
+                                   PlaceOf placeOf) {
     const bool done = parseLines(parser, line);
-    lexer::store(parser, parser.special);
-    if (!done) {
-        rememberPlace(text, parser, parser.failure);
+    lexer::store(parser);
+    lexer::loseInput();
+    if (!done) [[unlikely]] {
+        rememberPlace(text, parser, parser.failure, placeOf);
     }
     return parser.failure;
 }
 
-// Writes the text's normal form into the buffer, and parses that.
-SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString &text,
-                                 SdpLine &line) {
-    const auto *const bytes = reinterpret_cast<const uint8_t *>(text.pcData);
+// Writes the text's normal form into the buffer, and parses that. With a CR in it, it is not a body
+// as a BodyParser reads it.
+[[gnu::noinline]] SDPResult parseNormalForm(uint8_t *buffer, uint32_t size, const SipString &text,
+                                            SdpLine &line) {
     // Clearing the buffer first has no effect but the visible call of memset_s.
-    uint8_t *const end = seesFills() ? normaliseCleared(bytes, text.ulLen, buffer, size)
-                                     : normalise(bytes, text.ulLen, buffer);
+    uint8_t *const end = seesFills() ? normaliseCleared(bytesOf(text), text.ulLen, buffer, size)
+                                     : normalise(bytesOf(text), text.ulLen, buffer);
     std::memset(end, 0, lexer::kPadding);
+    const bool hasCr = std::memchr(buffer, '\r', static_cast<size_t>(end - buffer)) != nullptr;
     const StateLexer start = lexer::begin(buffer);
-    return start.special == 0 ? parseWith(BodyParser{{start, {}}, 0}, text, line)
-                              : parseWith(StateParser{start, 0}, text, line);
+    return start.special == 0 && !hasCr
+               ? parseWith(BodyParser{{start, {}}, 0}, text, line, originalPlace)
+               : parseWith(StateParser{start, 0}, text, line, originalPlace);
 }
 
 // For a body longer than SDP_MAX_BODY bytes: the buffer is allocated, and freed after the parse.
@@ -227,18 +236,22 @@ SDPLINE_INLINE SDPResult parseIn(uint8_t *buffer, uint32_t size, const SipString
     if (buffer == nullptr) {
         return refuseCall(Check::ParseCopyAlloc);
     }
-    const SDPResult result = parseIn(buffer, size, text, line);
-    lexer::state.inputGone = true;
+    const SDPResult result = parseNormalForm(buffer, size, text, line);
     gSipSystemMemCp->pfnFree(buffer);
     foreignCodeRan();
     return result;
 }
 
+// Most texts are parsed without being normalised. The normal form is then made only if a log hook
+// reads the lexer's input.
 SDPLINE_INLINE SDPResult parseShort(const SipString &text, SdpLine &line) {
-    uint8_t buffer[kBufferSize + lexer::kPadding];
-    const SDPResult result = parseIn(buffer, kBufferSize, text, line);
-    lexer::state.inputGone = true;
-    return result;
+    uint8_t normalForm[kBufferSize + lexer::kPadding];
+    uint8_t body[kBufferSize + lexer::kPadding];
+    if (!lexer::isUntouched() || !copyBody(bytesOf(text), text.ulLen, body)) [[unlikely]] {
+        return parseNormalForm(normalForm, kBufferSize, text, line);
+    }
+    const lexer::LateInput late = {normalise, bytesOf(text), text.ulLen, normalForm};
+    return parseWith(BodyParser{{lexer::beginBody(body, late)}, 0}, text, line, bodyPlace);
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 // Writing the normal form of a text, and finding the byte of the text that a byte of it comes from.
 #include "parser/normalform.hpp"
 
+#include <algorithm>
 #include <bit>
+#include <cstring>
 
+#include "lexer/scan.hpp"
 #include "sdpline/sipcore.h"
 
 #ifdef __SSE2__
@@ -54,7 +57,102 @@ const uint8_t *afterPlain(const uint8_t *byte, const uint8_t *end) {
     return byte;
 }
 
+// ---- Copying a text without changes
+
+#ifdef __SSE2__
+
+// Sixteen bytes of a text, or a mask for each of them.
+struct Lanes {
+    static constexpr uint32_t kSize = 16;
+    __m128i all;
+
+    SDPLINE_INLINE static Lanes load(const uint8_t *from) {
+        return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(from))};
+    }
+    SDPLINE_INLINE void store(uint8_t *to) const {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(to), all);
+    }
+    // Ones where a byte is this one.
+    SDPLINE_INLINE Lanes equal(char byte) const {
+        return {_mm_cmpeq_epi8(all, _mm_set1_epi8(byte))};
+    }
+    SDPLINE_INLINE Lanes without(Lanes other) const { return {_mm_andnot_si128(other.all, all)}; }
+    SDPLINE_INLINE Lanes with(Lanes other) const { return {_mm_or_si128(other.all, all)}; }
+    SDPLINE_INLINE bool any() const { return _mm_movemask_epi8(all) != 0; }
+};
+
+#else
+
+// Eight bytes of a text, or a mask for each of them.
+struct Lanes {
+    static constexpr uint32_t kSize = 8;
+    uint64_t all;
+
+    static constexpr uint64_t kOnes = 0x0101010101010101;
+    static constexpr uint64_t kLow = 0x7F * kOnes;
+
+    SDPLINE_INLINE static Lanes load(const uint8_t *from) {
+        Lanes bytes;
+        std::memcpy(&bytes.all, from, kSize);
+        return bytes;
+    }
+    SDPLINE_INLINE void store(uint8_t *to) const { std::memcpy(to, &all, kSize); }
+    // The top bit where a byte is this one.
+    SDPLINE_INLINE Lanes equal(char byte) const {
+        const uint64_t differ = all ^ (static_cast<uint8_t>(byte) * kOnes);
+        return {~(((differ & kLow) + kLow) | differ | kLow)};
+    }
+    SDPLINE_INLINE Lanes without(Lanes other) const { return {all & ~other.all}; }
+    SDPLINE_INLINE Lanes with(Lanes other) const { return {all | other.all}; }
+    SDPLINE_INLINE bool any() const { return all != 0; }
+};
+
+#endif
+
+// Copies Lanes::kSize bytes of a text, which one more byte follows. Returns a mask of the bytes
+// that are not allowed in a body: a NUL, and a CR that no LF follows.
+SDPLINE_INLINE Lanes copySome(const uint8_t *text, uint8_t *out) {
+    const Lanes bytes = Lanes::load(text);
+    bytes.store(out);
+    const Lanes next = Lanes::load(text + 1);
+    return bytes.equal('\r').without(next.equal('\n')).with(bytes.equal('\0'));
+}
+
+// What follows a body: the end of the normal form, and the lexer's padding.
+constexpr uint8_t kAfterBody[3 + lexer::kPadding] = {'\n', '\n', '\0'};
+
+constexpr bool mayEndBody(uint8_t byte) {
+    return byte != '\r' && byte != '\0';
+}
+
 } // namespace
+
+bool copyBody(const uint8_t *text, uint32_t length, uint8_t *out) {
+    if (length <= Lanes::kSize || text[0] != 'v' || text[1] != '=' ||
+        !mayEndBody(text[length - 1])) {
+        return false;
+    }
+    // The last step ends one byte before the text does, and may overlap the one before it.
+    const uint32_t last = length - 1 - Lanes::kSize;
+    Lanes found = copySome(text + last, out + last);
+    for (uint32_t at = 0; at < last; at += Lanes::kSize) {
+        found = found.with(copySome(text + at, out + at));
+    }
+    out[length - 1] = text[length - 1];
+    std::memcpy(out + length, kAfterBody, sizeof kAfterBody);
+    return !found.any();
+}
+
+OriginalPlace bodyPlace(const uint8_t *text, uint32_t length, uint32_t offset) {
+    OriginalPlace place = {std::min(offset, length), 1, 0};
+    for (uint32_t at = 0; at < place.offset; ++at) {
+        if (text[at] == '\n') {
+            ++place.line;
+            place.lineStart = at + 1;
+        }
+    }
+    return place;
+}
 
 uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out) {
     const uint8_t *const end = text + length;

@@ -42,6 +42,11 @@ uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out);
 // of `out`.
 uint8_t *normaliseCleared(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t size);
 
+// Copies a text to `out` without changes, followed by what ends the normal form and by the lexer's
+// padding, length + 19 bytes in all. Returns false when the copy is not a body as a BodyLexer reads
+// it (lexer.hpp) or does not begin with "v=".
+bool copyBody(const uint8_t *text, uint32_t length, uint8_t *out);
+
 // The place in the text that a byte of its normal form comes from.
 struct OriginalPlace {
     uint32_t offset;    // the text's length for the line ends that were added after it
@@ -49,5 +54,7 @@ struct OriginalPlace {
     uint32_t lineStart; // offset of the line's first byte
 };
 OriginalPlace originalPlace(const uint8_t *text, uint32_t length, uint32_t offset);
+// The place in the text of a byte that copyBody() copied.
+OriginalPlace bodyPlace(const uint8_t *text, uint32_t length, uint32_t offset);
 
 } // namespace sdpline

@@ -15,12 +15,12 @@ uint32_t beforeCr(const SipString &text, uint32_t offset) {
 
 } // namespace
 
-void rememberPlace(const SipString &text, const Position &position, SDPResult failure) {
+void rememberPlace(const SipString &text, const Position &position, SDPResult failure,
+                   PlaceOf placeOf) {
     const auto *const word = reinterpret_cast<const uint8_t *>(lastFailed.word);
     const uint8_t *const refused = word != nullptr ? word : position.at;
-    const OriginalPlace place =
-        originalPlace(reinterpret_cast<const uint8_t *>(text.pcData), text.ulLen,
-                      static_cast<uint32_t>(refused - position.input));
+    const OriginalPlace place = placeOf(reinterpret_cast<const uint8_t *>(text.pcData), text.ulLen,
+                                        static_cast<uint32_t>(refused - position.input));
     const uint32_t offset = beforeCr(text, place.offset);
     lastFailure = {failure,    position.kind,
                    place.line, offset - place.lineStart + 1,

@@ -48,7 +48,7 @@ SDPLINE_INLINE bool channels(Parser auto &p, SDPRtpMapAttr &rtpMap) {
         return false;
     }
     rtpMap.ulEncodingParams = 1;
-    return p.next(Context::Sdp);
+    return p.take(SDP_TOK_LF, Context::Sdp);
 }
 
 } // namespace

@@ -155,6 +155,43 @@ TEST(InPlace, givesWhatTheCallsGiveForBodiesMadeByChance) {
     }
 }
 
+// A line of most kinds, with other line ends.
+std::string withLineEnds(std::string_view lineEnd) {
+    std::string text;
+    for (const char byte : kManyLines) {
+        if (byte == '\n') {
+            text += lineEnd;
+        } else if (byte != '\r') {
+            text += byte;
+        }
+    }
+    return text;
+}
+
+TEST(InPlace, endsLinesOfATextAsTheCallsDo) {
+    for (const std::string_view lineEnd :
+         {"\n", "\r\n", "\n  ", "\r\n ", "\r", "\r\r\n", "\n\r\n", "\r\n\t", " \r\n", "\n\r"}) {
+        expectTheSame(withLineEnds(lineEnd), 211);
+    }
+}
+
+// At each offset one byte is replaced or inserted; and the body is cut off there.
+TEST(InPlace, readsAnyByteAtAnyPlaceAsTheCallsDo) {
+    for (const std::string &text : {kManyLines, withLineEnds("\n")}) {
+        for (size_t at = 0; at < text.size(); ++at) {
+            for (const char byte : {'\r', '\n', '\0', ' ', '\t', 'x'}) {
+                std::string other = text;
+                other[at] = byte;
+                expectTheSame(other, 997);
+                expectTheSame(other.insert(at, 1, byte), 997);
+            }
+        }
+    }
+    for (size_t size = 1; size < kManyLines.size(); ++size) {
+        expectTheSame(kManyLines.substr(0, size), 997);
+    }
+}
+
 // The codes of that body whose writer refuses a code without a text, and the count of payloads.
 std::vector<uint32_t *> codesOf(SdpLine &body) {
     SDPMediaDesc &media = *body.stMediaSet.ppstMediaDescs[0];

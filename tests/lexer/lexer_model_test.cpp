@@ -2,12 +2,15 @@
 // getters return the same. The seed is fixed.
 #include "lexer/lexertest.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <random>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
-#include "lexer/lexer.hpp"
+#include "lexer/state.hpp"
 #include "support/lexermodel.hpp"
 #include "text/scan.hpp"
 
@@ -55,11 +58,18 @@ private:
     std::mt19937 engine_;
 };
 
+std::string padded(const std::string &text) {
+    return text + '\0' + std::string(sdpline::lexer::kPadding - 1, 'a');
+}
+
 class LexerModelTest : public LexerTest {
 protected:
     // Both at the start of the same bytes.
-    void start(const std::string &text, uint32_t context) {
-        use(padded_ ? text + '\0' + std::string(sdpline::lexer::kPadding - 1, 'a') : text, context);
+    void start(std::string text, uint32_t context) {
+        if (padded_) {
+            std::ranges::replace(text, '\r', 'r'); // which would end lines, as in a body
+        }
+        use(padded_ ? padded(text) : text, context);
         size_ = static_cast<uint32_t>(text.size());
         std::memset(sdpGetThrowAwayBuffer(), '#', 1024);
         model_ = {};
@@ -96,7 +106,7 @@ protected:
     template <class Lexer, class Operation>
     static auto stored(Lexer &lexer, const Operation &operation) {
         const auto result = operation(lexer);
-        sdpline::lexer::store(lexer, lexer.special);
+        sdpline::lexer::store(lexer);
         return result;
     }
 
@@ -404,6 +414,140 @@ TEST_F(LexerModelTest, BytesAfterOffset0NeverReachASlash) {
             Random random(1);
             startBoth(random);
             compareBytesToSlash(limit);
+        }
+    }
+}
+
+// ---- Bodies beside their normal forms
+
+// A body with CR LF and LF at its line ends and spaces before its lines; its normal form; and where
+// in that each of its bytes is.
+struct TwoForms {
+    std::string body = "v=";
+    std::string normal = "v=";
+    std::vector<uint32_t> offsets = {0, 1};
+
+    TwoForms(const std::string &text, Random &random) {
+        for (const char byte : text) {
+            if (byte == '\n') {
+                endLine(random);
+            } else if (byte != '\r' && (byte != ' ' || normal.back() != '\n')) {
+                add(byte);
+                normal += byte;
+            }
+        }
+        add('\0');
+    }
+
+private:
+    void add(char byte) {
+        body += byte;
+        offsets.push_back(static_cast<uint32_t>(normal.size()));
+    }
+
+    void endLine(Random &random) {
+        if (!random.oneIn(3)) {
+            add('\r');
+        }
+        add('\n');
+        normal += '\n';
+        for (uint32_t spaces = random.oneIn(3) ? random.below(4) : 0; spaces > 0; --spaces) {
+            add(' ');
+        }
+    }
+};
+
+// The lexer of a body on its first token, and the model on that of the normal form.
+template <class Lexer>
+class BodyBesideModel {
+public:
+    BodyBesideModel(const TwoForms &forms, Random &random)
+        : forms_(forms), random_(random), bytes_(padded(forms.body)) {
+        model_.input = reinterpret_cast<const uint8_t *>(forms.normal.c_str());
+        model_.context = SDP_LEXCTX_SDP;
+        model_.startTracking();
+    }
+
+    void run() {
+        while (model_.kind != SDP_TOK_EOF && !testing::Test::HasFailure()) {
+            const uint32_t context = 1 + random_.below(6);
+            if (random_.oneIn(4) && model_.kind != SDP_TOK_LF) {
+                gather(context);
+            } else {
+                EXPECT_TRUE(lexer_.take(model_.kind, context));
+                model_.context = context;
+                model_.match(model_.kind);
+            }
+            compare();
+        }
+    }
+
+private:
+    static Lexer first(const std::string &bytes) {
+        const auto *const input = reinterpret_cast<const uint8_t *>(bytes.data());
+        const BodyLexer lexer = {{.input = input,
+                                  .at = input,
+                                  .end = input + 2,
+                                  .kind = SDP_TOK_VERSION,
+                                  .context = SDP_LEXCTX_SDP,
+                                  .last = '=',
+                                  .counted = 0},
+                                 {}};
+        if constexpr (std::is_same_v<Lexer, BodyLexer>) {
+            return lexer;
+        } else {
+            return lexer.anywhere();
+        }
+    }
+
+    // A rest of line, or the bytes to a slash.
+    void gather(uint32_t context) {
+        const bool line = context == SDP_LEXCTX_STRING;
+        const uint32_t limit = random_.oneIn(2) ? 1023 : random_.below(30);
+        EXPECT_TRUE(lexer_.take(model_.kind, line ? SDP_LEXCTX_STRING : SDP_LEXCTX_CHAR));
+        model_.context = line ? SDP_LEXCTX_STRING : SDP_LEXCTX_CHAR;
+        model_.match(model_.kind);
+        std::string_view bytes;
+        const bool fits =
+            line ? lexer_.takeRestOfLine(bytes, limit) : lexer_.takeBytesToSlash(bytes, limit);
+        const std::optional<std::string> expected =
+            line ? model_.gatherRestOfLine(limit) : model_.gatherToSlash(limit);
+        ASSERT_EQ(fits, expected.has_value());
+        if (fits) {
+            EXPECT_EQ(bytes, *expected);
+        }
+    }
+
+    void compare() {
+        ASSERT_EQ(lexer_.kind, model_.kind);
+        EXPECT_EQ(lexer_.context, model_.context);
+        EXPECT_EQ(forms_.offsets[static_cast<size_t>(lexer_.at - lexer_.input)], model_.start);
+        EXPECT_EQ(lexer_.last == '\r' ? '\n' : lexer_.last, model_.last);
+        const bool hasText = std::is_same_v<Lexer, StateLexer> || !lexer_.is(SDP_TOK_LF);
+        if (hasText && !lexer_.is(SDP_TOK_EOF)) {
+            const std::string_view text = lexer_.text();
+            const std::optional<std::string> expected = model_.tokenText();
+            ASSERT_EQ(text.data() != nullptr, expected.has_value());
+            EXPECT_EQ(text, expected.value_or(""));
+        }
+    }
+
+    const TwoForms &forms_;
+    Random &random_;
+    const std::string bytes_;
+    Lexer lexer_ = first(bytes_);
+    LexerModel model_;
+};
+
+TEST_F(LexerModelTest, BodiesAreCutAsTheirNormalForms) {
+    Random random(2811);
+    for (int round = 0; round < 20000 && !HasFailure(); ++round) {
+        const TwoForms forms(random.input() + '\n' + random.input() + '\n', random);
+        SCOPED_TRACE(testing::PrintToString(forms.body));
+        if (round % 2 != 0) {
+            BodyBesideModel<BodyLexer>(forms, random).run();
+        } else {
+            BodyBesideModel<StateLexer>(forms, random).run();
         }
     }
 }

@@ -487,6 +487,23 @@ TEST_F(DecodeState, AnEndSetBeforeADecodeKeepsTheFirstTokenFromBeingCut) {
     EXPECT_EQ(named(decodeText(kGood)), "ok");
 }
 
+TEST_F(DecodeState, EachSetterCountsForABodyOfUsualLineEndsToo) {
+    const std::string good = "v=0\r\no=- 1 1 IN IP4 x\r\ns=-\r\n";
+    sdpSetTToken(SDP_TOK_LF);
+    sdpSetEnd(1);
+    EXPECT_EQ(named(decodeText(good.c_str())), "StartVersion 100");
+    sdpSetEndToken(1);
+    EXPECT_EQ(named(decodeText(("##" + good).c_str())), "ok");
+    sdpSetEndToken(3);
+    EXPECT_EQ(named(decodeText(good.c_str())), "StartVersion 100");
+    sdpSetStartToken(4);
+    sdpSetIndex(2);
+    EXPECT_EQ(named(decodeText(("####" + good).c_str())), "ok");
+    sdpSetIndex(1);
+    EXPECT_EQ(named(decodeText(good.c_str())), "ok") << "the token half built begins the input";
+    EXPECT_EQ(named(decodeText(good.c_str())), "ok");
+}
+
 TEST_F(DecodeState, PlacesSetBeforeADecodeAreWhereItBegins) {
     sdpSetEndToken(3); // the line end after the version
     EXPECT_EQ(named(decodeText(kGood)), "StartVersion 100");
@@ -518,6 +535,67 @@ TEST_F(DecodeState, ALogHookSeesTheFirstTokenAndTheTextTakenLast) {
     g_gpfnSipLmLogHndlr = before;
     EXPECT_EQ(seenInHook, "256 0 1 37 1 0 v=");
     EXPECT_STREQ(sdpGetThrowAwayBuffer(), "v=") << "taken by the hook, later than the octet";
+}
+
+std::string inputInHook;
+
+void readInputInHook(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                     const char *, ...) {
+    if (inputInHook.empty()) {
+        const char *const input = reinterpret_cast<const char *>(sdpGetInput());
+        setLexerContext(kAlnum);
+        consume();
+        inputInHook = std::string(LT()) + ' ' + input;
+    }
+}
+
+TEST_F(DecodeState, ALogHookReadsTheNormalFormOfTheInput) {
+    for (const std::string lineEnd : {"\n", "\r\n", "\r\n  ", "\n "}) {
+        inputInHook.clear();
+        const SipLmLogHndlr before = g_gpfnSipLmLogHndlr;
+        g_gpfnSipLmLogHndlr = readInputInHook;
+        const std::string text = "v=1234" + lineEnd + "o=- 1 1 IN IP4 host" + lineEnd + "s=-" +
+                                 lineEnd + "c=IN IP4 1.256.2.3" + lineEnd;
+        EXPECT_EQ(named(decodeText(text.c_str())), "ConnOctetRange 101");
+        g_gpfnSipLmLogHndlr = before;
+        EXPECT_EQ(inputInHook, "1234 v=1234\no=- 1 1 IN IP4 host\ns=-\nc=IN IP4 1.256.2.3\n\n\n");
+    }
+}
+
+uint32_t kindInHook;
+
+void classifyInHook(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                    const char *, ...) {
+    if (kindInHook == 0) {
+        sdpSetStartToken(3);
+        kindInHook = nextToken();
+    }
+}
+
+TEST_F(DecodeState, ALogHookReadsOneByteOfTheInput) {
+    kindInHook = 0;
+    const SipLmLogHndlr before = g_gpfnSipLmLogHndlr;
+    g_gpfnSipLmLogHndlr = classifyInHook;
+    EXPECT_EQ(named(decodeText("v=0\r\no=- 1 1 IN IP4 x\r\n-")), "StartName 102");
+    g_gpfnSipLmLogHndlr = before;
+    EXPECT_EQ(kindInHook, uint32_t{SDP_TOK_LF});
+    EXPECT_EQ(LA(), uint32_t{SDP_TOK_MINUS});
+}
+
+char inputOfHook[] = "other";
+
+void setInputInHook(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32_t, uint32_t,
+                    const char *, ...) {
+    const SipString text = {sizeof inputOfHook - 1, inputOfHook};
+    setInput(&text);
+}
+
+TEST_F(DecodeState, AnInputSetByAHookIsKept) {
+    const SipLmLogHndlr before = g_gpfnSipLmLogHndlr;
+    g_gpfnSipLmLogHndlr = setInputInHook;
+    EXPECT_EQ(named(decodeText("v=0\r\no=- 1 1 IN IP4 x\r\n-")), "StartName 102");
+    g_gpfnSipLmLogHndlr = before;
+    EXPECT_EQ(sdpGetInput(), reinterpret_cast<const uint8_t *>(inputOfHook));
 }
 
 void decodeInHook(uint32_t, uint32_t, uint32_t, const char *, const char *function, uint32_t,
