@@ -6,8 +6,6 @@
 
 #include <cstring>
 
-#include "negotiate/payloads.hpp"
-
 namespace sdpline::negotiate {
 
 namespace {
@@ -136,15 +134,16 @@ private:
     }
 
     static void defineStatic(Format &format) {
-        const StaticCodec &codec = staticCodec(format.number);
-        if (format.map != nullptr || codec.name.empty()) {
+        if (format.map != nullptr) {
             return;
         }
-        format.name = codec.name;
-        format.clock = codec.clock;
-        format.channels = codec.channels;
-        format.role = roleOf(codec.name);
-        format.defined = true;
+        if (const auto codec = staticEncoding(format.number)) {
+            format.name = codec->name;
+            format.clock = codec->clockRate;
+            format.channels = codec->channels;
+            format.role = roleOf(codec->name);
+            format.defined = true;
+        }
     }
 
     const SDPMediaDesc &media_;

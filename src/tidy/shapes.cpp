@@ -1,64 +1,50 @@
+// The shapes that tidy distinguishes, from the library's table of attributes.
 #include "tidy/shapes.hpp"
 
 #include <array>
-#include <iterator>
 
+#include "sdpline/cpp/detail/attributes.hpp"
 #include "text/perfecthash.hpp"
 
 namespace sdpline::tidy {
 
 namespace {
 
-struct NamedShape {
-    std::string_view name;
-    Shape shape;
-};
+constexpr Shape shapeOfValue(tables::Shape shape) {
+    switch (shape) {
+    case tables::Shape::Flag:
+    case tables::Shape::Direction: return Shape::Flag;
+    case tables::Shape::Number:
+    case tables::Shape::Decimal:
+    case tables::Shape::Keyword:
+    case tables::Shape::IpBcp:
+    case tables::Shape::Precondition: return Shape::Words;
+    case tables::Shape::Switch: return Shape::MaybeWords;
+    case tables::Shape::Text:
+    case tables::Shape::Ecan: return Shape::Text;
+    case tables::Shape::RtpMap: return Shape::Rtpmap;
+    case tables::Shape::SilenceSupp: return Shape::Silence;
+    case tables::Shape::None:
+    case tables::Shape::NamedText:
+    case tables::Shape::NameOnly: break;
+    }
+    return Shape::Any;
+}
 
-constexpr NamedShape kAttributes[] = {
-    {"rtpmap", Shape::Rtpmap},
-    {"fmtp", Shape::Text},
-    {"sendrecv", Shape::Flag},
-    {"sendonly", Shape::Flag},
-    {"recvonly", Shape::Flag},
-    {"inactive", Shape::Flag},
-    {"ptime", Shape::Words},
-    {"maxptime", Shape::Words},
-    {"setup", Shape::Words},
-    {"curr", Shape::Words},
-    {"des", Shape::Words},
-    {"conf", Shape::Words},
-    {"framerate", Shape::Words},
-    {"quality", Shape::Words},
-    {"cat", Shape::Text},
-    {"keywds", Shape::Text},
-    {"tool", Shape::Text},
-    {"orient", Shape::Text},
-    {"type", Shape::Text},
-    {"charset", Shape::Text},
-    {"sdplang", Shape::Text},
-    {"lang", Shape::Text},
-    {"T38FaxVersion", Shape::Words},
-    {"T38MaxBitRate", Shape::Words},
-    {"T38FaxMaxBuffer", Shape::Words},
-    {"T38FaxMaxDatagram", Shape::Words},
-    {"T38FaxFillBitRemoval", Shape::MaybeWords},
-    {"T38FaxTranscodingMMR", Shape::MaybeWords},
-    {"T38FaxTranscodingJBIG", Shape::MaybeWords},
-    {"T38FaxRateManagement", Shape::Words},
-    {"T38FaxUdpEC", Shape::Words},
-    {"silenceSupp", Shape::Silence},
-    {"ecan", Shape::Text},
-    {"ipbcp", Shape::Words},
-    {"fax", Shape::Flag},
-    {"modem", Shape::Flag},
-    {"X-fax", Shape::Flag},
-    {"X-modem", Shape::Flag},
-};
+// Indexed by row of kNames; the last one is that of unknown names.
+constexpr auto kShapes = [] {
+    std::array<Shape, tables::kLastAttribute + 1> shapes{};
+    for (uint32_t row = 0; row < tables::kLastAttribute; ++row) {
+        shapes[row] = shapeOfValue(tables::kAttributes[row + 1].shape);
+    }
+    shapes.back() = Shape::Any;
+    return shapes;
+}();
 
-constexpr PerfectHash<std::size(kAttributes)> kNames([] {
-    std::array<std::string_view, std::size(kAttributes)> names;
-    for (size_t row = 0; row < names.size(); ++row) {
-        names[row] = kAttributes[row].name;
+constexpr PerfectHash<tables::kLastAttribute> kNames([] {
+    std::array<std::string_view, tables::kLastAttribute> names;
+    for (uint32_t row = 0; row < tables::kLastAttribute; ++row) {
+        names[row] = tables::kAttributes[row + 1].bareName();
     }
     return names;
 }());
@@ -66,8 +52,7 @@ constexpr PerfectHash<std::size(kAttributes)> kNames([] {
 } // namespace
 
 Shape shapeOf(std::string_view name) {
-    const size_t row = kNames.lastRow(name);
-    return row != std::size(kAttributes) ? kAttributes[row].shape : Shape::Any;
+    return kShapes[kNames.lastRow(name)];
 }
 
 } // namespace sdpline::tidy
