@@ -5,23 +5,22 @@
 # limited KB COMMAND...: runs it with so much address space.
 limited() { (ulimit -v "$1" && shift && "$@"); }
 
-# 400 MB, most of them a hole: messages before, in the middle and after it.
+# 160 MB, most of them a hole: messages before, in the middle and after it.
 message good.sip good.sdp
 message bad.sip bad.sdp
 cp good.sip trace
-truncate -s 200M trace && { echo; cat bad.sip; } >>trace
-truncate -s 400M trace && { echo; cat good.sip; } >>trace
+truncate -s 80M trace && { echo; cat bad.sip; } >>trace
+truncate -s 160M trace && { echo; cat good.sip; } >>trace
 {
   badOctet trace 20
   echo 'checked 3 bodies in 1 file: 1 refused'
 } >refused
-expect "400 MB of messages" 1 refused nothing -- limited 300000 "$program" check trace
-truncate -s 400M nothing.bin
-echo 'sdpline: nothing.bin: it holds no SIP message, and 419430400 bytes are too many for a body' \
+expect "160 MB of messages" 1 refused nothing -- limited 150000 "$program" check trace
+truncate -s 160M nothing.bin
+echo 'sdpline: nothing.bin: it holds no SIP message, and 167772160 bytes are too many for a body' \
   >problem
-expect "400 MB of nothing" 2 - problem -- limited 300000 "$program" check nothing.bin
+expect "160 MB of nothing" 2 - problem -- limited 150000 "$program" check nothing.bin
 
-# The same proportions, smaller.
 cp good.sip trace
 truncate -s 160M trace && { echo; cat bad.sip; } >>trace
 expect "from a pipe" 1 - nothing -- limited 150000 sh -c 'cat trace | "$1" check' _ "$program"
@@ -36,7 +35,7 @@ echo 'sdpline: after:7: what follows an empty line in a body is not read' >unrea
 expect "much after a body" 0 good.tree unread -- limited 150000 "$program" decode after
 
 # JSON is held as a whole: more than fits is refused.
-{ printf '['; yes 1, | tr -d '\n' | head -c 40000000; printf '1]'; } >many.json
+{ printf '['; yes 1, | tr -d '\n' | head -c 10000000; printf '1]'; } >many.json
 expect "JSON that does not fit" 2 nothing '~^sdpline: many.json: it does not fit into memory$' -- \
-  limited 150000 "$program" encode many.json
+  limited 80000 "$program" encode many.json
 finish

@@ -4,8 +4,6 @@ and its problems as "file problem". Fails where the report is not what its forma
 import json
 import re
 import sys
-import urllib.parse
-import xml.etree.ElementTree as ElementTree
 
 
 def of_bodies(bodies):
@@ -58,6 +56,7 @@ PLACE = re.compile(r"(?m)^.*?:(\d+):(\d+): (error|warning): .*\[(\w+)(?:, [^]]*)
 
 
 def read_junit(text):
+    import xml.etree.ElementTree as ElementTree  # only here: it is slow to load
     root = ElementTree.fromstring(text.encode())
     assert root.tag == "testsuites"
     for suite in root:
@@ -124,6 +123,7 @@ def place_of(location):
                 member("snippet", value)
             else:
                 assert isinstance(value, int) and value >= 1, (key, value)
+    import urllib.parse
     return urllib.parse.unquote(uri), place.get("region", {})
 
 

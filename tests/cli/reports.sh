@@ -14,7 +14,7 @@ reads() {
   shift 2
   "$program" check --format "$format" "$@" >report 2>errors
   [ $? -eq "$status" ] || echo "a wrong status"
-  python3 "$reader" "$format" report
+  python3 -IS "$reader" "$format" report
 }
 formats="json jsonl gcc junit sarif"
 
@@ -54,7 +54,7 @@ for format in $formats; do
   expect "$format: the call is told" 0 - nothing -- \
     grep -E '3c26(<&>|&lt;&amp;&gt;)@192.0.2.9.*7 INVITE|3c26<&>@192.0.2.9' report
   expect "$format: standard input" 0 - nothing -- \
-    sh -c '"$1" check --format $2 <bad.sdp >report; test $? = 1 && python3 "$3" $2 report |
+    sh -c '"$1" check --format $2 <bad.sdp >report; test $? = 1 && python3 -IS "$3" $2 report |
       grep -E "^(-|<stdin>|standard input|stdin) 4:16 error ConnLastOctetRange$"' \
     _ "$program" $format "$reader"
 done
@@ -209,7 +209,8 @@ expect "--color=sometimes" 2 nothing '~--color: sometimes not in' -- \
   "$program" check --color=sometimes bad.sdp
 
 # Suites of any size are counted before they are written: 2,000 bodies in one file.
-for i in $(seq 2000); do cat bad.sdp; printf '\r\n'; done >large.sdp
+body=$(<bad.sdp)
+for i in {1..2000}; do printf '%s\n\r\n' "$body"; done >large.sdp
 reads junit 1 large.sdp >got
 expect "junit: a suite that is larger than what is kept in memory" 0 - nothing -- \
   grep -cx 'large.sdp [0-9]*:16 error ConnLastOctetRange' got
