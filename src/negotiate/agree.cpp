@@ -1,4 +1,4 @@
-// What both sides may now send and receive (RFC 3264 section 7).
+// The agreement: what both sides may send and receive after an answer (RFC 3264 section 7).
 #include "negotiate/agree.hpp"
 
 #include <cstring>
@@ -30,7 +30,8 @@ void inheritDefinitions(Pairing &pairing) {
     }
 }
 
-// Of several offered formats with one partner the one of the same number, or else the first.
+// If several offered formats have the same partner, chooses the one with the partner's number, else
+// the first one.
 void choose(Pairing &pairing) {
     pairing.chosenCount = 0;
     std::memset(pairing.leftOut, 0, sizeof pairing.leftOut);
@@ -53,7 +54,7 @@ public:
     Agreement(const SdpLine &offer, const SdpLine &answer, bool offerer, Report &report)
         : offer_(offer), answer_(answer), offerer_(offerer), report_(report) {}
 
-    // Whether a stream is accepted, or none was offered with a port.
+    // Returns whether a stream is accepted, or none was offered with a port.
     bool run() {
         const MediaSpan offered = mediaOf(offer_);
         const MediaSpan answered = mediaOf(answer_);
@@ -97,7 +98,8 @@ private:
         return Reason::None;
     }
 
-    // Those of the answerer, turned round for the offerer; a multicast stream has one view.
+    // The flows as the answerer sees them, or exchanged for the offerer. Both sides of a multicast
+    // stream have the same view.
     uint32_t flows(const SDPMediaDesc &offered, const SDPMediaDesc &answered) const {
         const uint32_t theirs = flowsOf(offer_, offered);
         const uint32_t ours = flowsOf(answer_, answered);

@@ -12,7 +12,8 @@ namespace sdpline::negotiate {
 
 namespace {
 
-// How far a local stream came: of several that do not fit, the one that came furthest says why.
+// How many tests a local stream passed before it was refused: if no local stream fits, the reason
+// of the one that passed most tests is reported.
 uint32_t distanceOf(Reason reason) {
     switch (reason) {
     case Reason::None: return 0;
@@ -46,7 +47,7 @@ public:
         });
     }
 
-    // A stream is accepted, or none was offered with a port.
+    // Returns whether a stream is accepted, or none was offered with a port.
     bool accepted() {
         bool any = false;
         for (const SDPMediaDesc *const one : offered_) {
@@ -85,7 +86,7 @@ private:
         }
     }
 
-    // In the session or in a stream.
+    // Whether the offer has the attribute, in the session or in a stream.
     bool offers(std::string_view name) const {
         bool found = find(attributesOf(input_.offer.pstAttrList), name) != nullptr;
         for (const SDPMediaDesc *const one : offered_) {
@@ -120,7 +121,7 @@ private:
         StreamWriter(input_, match, pairing_, report_, draft_.media[index], *stream).run();
     }
 
-    // Why no local body can accept a stream.
+    // The reason for which no local body can accept an offered stream.
     Reason offeredFault(const SDPMediaDesc &offered) const {
         const uint32_t port = offered.stMediaField.ulPort;
         if (port == 0 && !isBundleOnly(input_.offer, offered, input_.local)) {
@@ -132,7 +133,7 @@ private:
         return connectionOf(input_.offer, offered) == nullptr ? Reason::NoConnection : Reason::None;
     }
 
-    // The first local stream that fits.
+    // Chooses the first local stream that fits.
     Reason chooseLocal(Match &match, Text &detail) {
         Reason best = Reason::NoMediaType;
         gather(*match.offered, pairing_.offered);
@@ -214,7 +215,8 @@ private:
         return preconditions.rejected;
     }
 
-    // The local port at first, then those of the list; or what the caller says.
+    // The port of the answer: the local port for the first use of a local stream, then the ports of
+    // the list; or the result of the caller's function.
     Reason takePort(Match &match) {
         const uint32_t offered = match.offered->stMediaField.ulPort;
         uint8_t &used = used_[match.local];
@@ -231,7 +233,7 @@ private:
         return port == 0 || port > kHighestPort ? Reason::NoPort : Reason::None;
     }
 
-    // Port 0 and the rest of the m= line; a c= line where the session has none, which every
+    // Writes the offered m= line with port 0. If the session has no c= line it has one, which every
     // description needs (RFC 4566 section 5.7).
     void reject(uint32_t index, Reason reason, std::string_view detail) {
         MediaDraft &draft = draft_.media[index];

@@ -1,4 +1,4 @@
-// The answer to an offer: one stream after the other.
+// Making the answer to an offer, stream by stream.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@
 
 namespace sdpline::negotiate {
 
-// What a call of SdpNegotiateAnswer works on.
+// The input of a call of SdpNegotiateAnswer.
 struct AnswerInput {
     const SdpLine &offer;
     const SdpLine &local;
@@ -20,7 +20,7 @@ struct AnswerInput {
     const SdpNegotiateOptions &options;
 };
 
-// One offered stream, with the local one that fits it.
+// One offered stream, and the local stream that answers it.
 struct Match {
     const SDPMediaDesc *offered = nullptr;
     const SDPMediaDesc *ours = nullptr;
@@ -81,8 +81,8 @@ private:
     std::optional<bool> hasDtls_;
 };
 
-// Whether our line of the attribute goes into an answer, for a stream or for the session;
-// offers(name) tells whether the offer has an attribute there.
+// Whether our line of an attribute is copied to the answer, in a stream or in the session.
+// offers(name) returns whether the offer has the attribute of that name there.
 template <class Offers>
 bool passesThrough(const SDPAttr &attribute, Offers offers) {
     switch (handlingOf(attribute)) {

@@ -1,4 +1,4 @@
-// Attributes by name.
+// The table of attribute names that negotiation knows.
 #include "negotiate/attributes.hpp"
 
 #include <iterator>
@@ -14,7 +14,7 @@ struct Row {
     bool capability;
 };
 
-// Names are compared exactly, as RFC 4566 section 6 has it.
+// Names are compared with case (RFC 4566 section 6).
 constexpr Row kRows[] = {
     {"mid", Handling::Negotiated, false, false},
     {"group", Handling::Negotiated, false, false},
@@ -53,8 +53,8 @@ constexpr Row kRows[] = {
     {"rtcp-mux-only", Handling::Offered, true, false},
 };
 
-// Rows whose names begin with the same letter and are equally long follow each other: `first` of
-// their bucket, `next` of a row; kNoRow ends both.
+// A hash table with chains: `first` is the first row of a bucket, `next` the row that follows a row
+// in its bucket; kNoRow ends a chain.
 constexpr uint8_t kNoRow = 255;
 constexpr size_t kBuckets = 64;
 

@@ -1,5 +1,5 @@
-// Bodies made of drafts. Each record and each text is an allocation of the body's block, as a
-// decode makes them: the operations of the library can give any of them back.
+// Making bodies of drafts. Each record and each text is an allocation of its own in the body's
+// block, as in a decoded body, so that the operations of the library can free any of them.
 #include <cstring>
 
 #include "negotiate/draft.hpp"
@@ -8,7 +8,8 @@ namespace sdpline::negotiate {
 
 namespace {
 
-// Pointers inside packed records are written by value: a copy is returned, and a failure kept.
+// Functions return records by value, because pointers inside packed records may be unaligned; a
+// failure is kept in `good_`.
 class Builder {
 public:
     explicit Builder(SdpLine &body) : body_(body), block_(body.pstMemCp) {}
@@ -31,7 +32,7 @@ public:
     }
 
 private:
-    // Not cleared: what is made of it is written as a whole.
+    // Not cleared: the caller writes the whole record.
     template <class Record>
     Record *allocate(size_t count = 1) {
         void *const memory =
@@ -59,7 +60,7 @@ private:
         return {source.ulLen, bytes};
     }
 
-    // ---- Records with the texts of a source, which become copies
+    // ---- Records, with deep copies of their texts
 
     SDPOrigin copyOf(SDPOrigin origin) {
         for (SipString *const text : {&origin.strUserName, &origin.strSessionId,
@@ -78,7 +79,7 @@ private:
         return connection;
     }
     SDPKey copyOf(SDPKey key) { return {copyOf(key.strKey)}; }
-    // In place: most bodies are attributes for the greatest part.
+    // Written in place, because most records of a body are attributes.
     SDPAttr *cloneOf(const SDPAttr &source) {
         auto *const target = allocate<SDPAttr>();
         if (target == nullptr) {
@@ -145,7 +146,7 @@ private:
         return list;
     }
 
-    // With their r= lines.
+    // t= lines with their r= lines.
     void times(const SDPTimeSet *source) {
         const uint32_t count =
             source != nullptr && source->ppstTimeFields != nullptr ? source->ulNoOfTimeFields : 0;

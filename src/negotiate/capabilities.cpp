@@ -1,4 +1,4 @@
-// A description of what we can do (RFC 3264 section 9).
+// Making a description of capabilities (RFC 3264 section 9).
 #include "negotiate/attributes.hpp"
 #include "negotiate/draft.hpp"
 #include "negotiate/origin.hpp"

@@ -1,4 +1,4 @@
-// What is wrong with an answer.
+// Checking an answer against its offer.
 #include <algorithm>
 
 #include "negotiate/agree.hpp"
@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    // The first t= lines: of several, no more are written.
+    // Compares the first t= lines: the encoder writes no other.
     void times() {
         const auto first = [](const SdpLine &body) {
             const SDPTimeSet &set = body.stTimeSet;
@@ -159,7 +159,7 @@ private:
         modeSets(index);
     }
 
-    // By number: with another mode-set it is another codec.
+    // Formats are compared by their numbers here: a format with another mode-set has no partner.
     void modeSets(uint32_t index) {
         for (const Format &offered : pairing_.offered) {
             const auto place = pairing_.ours.indexOf(offered.number);

@@ -1,4 +1,4 @@
-// What is wrong with a description that follows another one of the same side (RFC 3264 section 8).
+// Checking a description that follows another one of the same side (RFC 3264 section 8).
 #include <algorithm>
 
 #include "negotiate/describe.hpp"
@@ -57,7 +57,7 @@ private:
         }
     }
 
-    // A line of another media type is another stream.
+    // Compares the payload numbers of an m= line. With another media type it is another stream.
     void payloads(uint32_t index, const SDPMediaDesc &before, const SDPMediaDesc &after) {
         if (!sameMedia(before, after)) {
             return;

@@ -1,11 +1,11 @@
-// The streams of a report, and formats in words.
+// Describing streams in a report, and formats in sentences.
 #include "negotiate/describe.hpp"
 
 namespace sdpline::negotiate {
 
 namespace {
 
-// The first of each.
+// The first a=ptime and the first a=maxptime of a stream.
 struct Times {
     uint32_t usual = SDP_NEGOTIATE_NONE;
     uint32_t most = SDP_NEGOTIATE_NONE;
@@ -98,7 +98,7 @@ void writeNames(const FormatList &list, Text &text) {
     text << (list.count > kMostNamed ? " ..." : list.count == 0 ? "none" : "");
 }
 
-// The parameter that makes H264 two codecs.
+// Writes the parameter by which two H264 formats differ.
 void writeH264(const Format &offered, const Format &ours, std::string_view side, Text &text) {
     const auto profile = [](const Format &format) {
         return parameter(format.parameters, "profile-level-id").value_or("42000A");

@@ -1,4 +1,4 @@
-// Directions as sets of two bits: sends, receives.
+// Directions as sets of two flows: sending and receiving.
 #pragma once
 
 #include <cstdint>
@@ -21,13 +21,13 @@ constexpr uint32_t directionOf(uint32_t flows) {
                                         SDP_ATTR_SENDRECV};
     return kDirections[flows & 3];
 }
-// As the other side sees it.
+// The flows as the other side sees them: sending and receiving are exchanged.
 constexpr uint32_t turned(uint32_t flows) {
     return (flows & kSends) << 1 | (flows & kReceives) >> 1;
 }
 
-// The a= line that gives a stream its direction: its own, or else the session's; null for none,
-// which is sendrecv (RFC 3264 section 5.1).
+// The a= line that sets the direction of a stream: one of the stream, else one of the session. Null
+// for none, which means sendrecv (RFC 3264 section 5.1).
 inline const SDPAttr *directionLine(const SdpLine &body, const SDPMediaDesc &media) {
     for (const SDPAttrList *const list : {media.pstAttrList, body.pstAttrList}) {
         for (const SDPAttr *const attribute : attributesOf(list)) {

@@ -1,4 +1,4 @@
-// Drafts of bodies, and when a draft is finished.
+// Drafts of bodies, and finishing them.
 #include "negotiate/draft.hpp"
 
 #include <cstring>
@@ -92,7 +92,7 @@ Reason copyBody(const SdpLine &body, SdpLine **copy) {
     return arena.failed() ? Reason::NoMemory : build(draft, copy);
 }
 
-// Encoding only reads, but for an rtpmap record without a name that a program made itself.
+// Encoding does not change a record, except an rtpmap record without a name, which no decode makes.
 std::string_view textOf(const SdpLine &body, Arena &arena) {
     const uint32_t limit = SdpGetMaxBodySize();
     auto *const buffer = static_cast<uint8_t *>(arena.take(limit));
@@ -106,8 +106,8 @@ std::string_view textOf(const SdpLine &body, Arena &arena) {
 
 namespace {
 
-// More bytes than a line has without its texts: words, numbers, line end. Where nothing but a name
-// and a text is written: "a=charset:", a payload number's line end.
+// Upper bounds of the bytes that a line has without its texts: for any line, and for a line that
+// has only a name and a text ("a=charset:").
 constexpr size_t kLine = 72;
 constexpr size_t kTextLine = 16;
 
@@ -155,8 +155,8 @@ size_t sizeOf(const MediaDraft &media) {
            sizeOf(media.attributes);
 }
 
-// No less than the text of the draft has, but for the times and what only an offer has: those are
-// counted as too much.
+// An upper bound of the size of the draft's text. Lines that only an offer has, and r= lines, are
+// not measured: with them the result is above every limit.
 size_t sizeOf(const BodyDraft &draft) {
     const SDPOrigin &origin = draft.origin;
     const bool plain = draft.uri == nullptr && draft.emails == nullptr && draft.phones == nullptr &&
@@ -193,7 +193,7 @@ Reason finish(const BodyDraft &draft, const SdpLine *previous, Report &report, S
     if (reason == Reason::None && previous != nullptr) {
         reason = continueOrigin(*previous, *made, report);
     }
-    // Only a body that may be too long is written to see whether it is.
+    // Only a body that may be too long is written in order to measure it.
     if (reason == Reason::None && sizeOf(draft) > SdpGetMaxBodySize() &&
         textOf(*made, report.arena).empty()) {
         reason = Reason::TooLong;

@@ -1,4 +1,5 @@
-// A body before it is made: records that refer to texts of the inputs and of the arena.
+// A draft of a body: records that refer to texts of the input bodies and of the arena. build()
+// makes a body of it.
 #pragma once
 
 #include <cstdint>
@@ -37,32 +38,32 @@ struct BodyDraft {
     Growing<MediaDraft> media;
 };
 
-// All lines of a body; of a media description.
+// Copy all lines of a body's session, or of a media description, to a draft.
 void draftSession(const SdpLine &body, BodyDraft &draft);
 MediaDraft draftOf(const SDPMediaDesc &media, Arena &arena);
 
-// A copy of a body. Reason::None, or NoMemory.
+// Makes a copy of a body. Returns Reason::None, or NoMemory.
 Reason copyBody(const SdpLine &body, SdpLine **copy);
 
-// Drafts of attributes. Texts are copied into the arena; one that is too long for a line makes the
-// list's body too long.
+// Make drafts of attributes. Values are copied into the arena; a value that is too long for a line
+// sets Arena::tooLong.
 SDPAttr numberLine(uint32_t type, uint32_t value);
 SDPAttr flagLine(uint32_t type);
 SDPAttr textLine(Arena &arena, uint32_t type, const Text &value);
 SDPAttr otherLine(Arena &arena, std::string_view name, const Text &value);
 SDPAttr otherFlag(Arena &arena, std::string_view name);
 
-// A body in a block of its own. Reason::None, or why there is none.
+// Makes a body in a new block. Returns Reason::None, or the reason of the failure.
 Reason build(const BodyDraft &draft, SdpLine **body);
 
-// The text of a body; nothing for one that is longer than a decoder reads, or without memory.
+// The text of a body; empty if it is longer than a decoder reads, or without memory.
 std::string_view textOf(const SdpLine &body, Arena &arena);
 
 // The text after the o= line.
 std::string_view afterOrigin(std::string_view text);
 
-// Builds the body of a draft that takes the o= line of `previous`, null for none over, with the
-// next version where it differs. A body that is longer than a decoder reads is refused.
+// Makes the body of a draft. With a `previous` body, whose o= line the draft has, the version is
+// raised if the bodies differ. A body that is longer than a decoder reads is refused.
 Reason finish(const BodyDraft &draft, const SdpLine *previous, Report &report, SdpLine **body);
 
 } // namespace sdpline::negotiate

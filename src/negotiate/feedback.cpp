@@ -14,7 +14,7 @@ struct Feedback {
     std::string_view message;
 };
 
-// False for an attribute that is no a=rtcp-fb, or a malformed one.
+// Reads an a=rtcp-fb line. Returns false for any other attribute, and for a malformed line.
 bool feedbackOf(const SDPAttr &attribute, Feedback &feedback) {
     if (attribute.ulAttrType != SDP_ATTR_UNREC_VALUE || otherName(attribute) != "rtcp-fb") {
         return false;
@@ -25,7 +25,7 @@ bool feedbackOf(const SDPAttr &attribute, Feedback &feedback) {
     return target == "*" || (takeNumber(target, feedback.number) && target.empty());
 }
 
-// Whether a list has the message for that number; kAll looks for "*" alone.
+// Whether a list has the message for that number; with kAll only lines with "*" are considered.
 bool has(const SDPMediaDesc &media, uint32_t number, std::string_view message) {
     for (const SDPAttr *const attribute : attributesOf(media.pstAttrList)) {
         Feedback one = {};
@@ -48,7 +48,8 @@ SDPAttr lineOf(Arena &arena, uint32_t number, std::string_view message) {
     return otherLine(arena, "rtcp-fb", text);
 }
 
-// Adds the line for each chosen format that it is about and that ours has it for.
+// Adds a line for each chosen format that the offered line applies to, and for which we have the
+// message.
 bool addFor(const Feedback &offered, const SDPMediaDesc &ours, const Pairing &pairing, Arena &arena,
             Growing<SDPAttr> &lines) {
     if (offered.number == kAll && has(ours, kAll, offered.message)) {

@@ -1,4 +1,4 @@
-// a=rtcp-fb, format by format (RFC 4585 section 4.2).
+// a=rtcp-fb (RFC 4585 section 4.2).
 #pragma once
 
 #include "negotiate/draft.hpp"
@@ -7,11 +7,12 @@
 
 namespace sdpline::negotiate {
 
-// What both sides have, for the chosen formats, under the offer's numbers.
+// Adds the feedback messages that both sides have for the chosen formats, with the offer's payload
+// numbers.
 void answerFeedback(const SDPMediaDesc &offered, const SDPMediaDesc &ours, const Pairing &pairing,
                     uint32_t stream, Report &report, Growing<SDPAttr> &lines);
 
-// Each line of an answer must have been offered for its format, or for all.
+// Reports the lines of an answer that were offered neither for their format nor for all formats.
 void checkFeedback(const SDPMediaDesc &offered, const SDPMediaDesc &answered,
                    const Pairing &pairing, uint32_t stream, Report &report);
 

@@ -1,7 +1,7 @@
-// Formats of one m= line, gathered.
+// Gathering the formats of one m= line.
 //
-// The a= lines are walked once: a table from payload number to the format's place in the list finds
-// the format that an a=rtpmap or a=fmtp line is about.
+// The a= lines are walked once. A table from payload numbers to places in the list finds the format
+// of each a=rtpmap and a=fmtp line.
 #include "negotiate/formats.hpp"
 
 #include <cstring>
@@ -27,7 +27,7 @@ Role roleOf(std::string_view name) {
         {"flexfec-03", Role::Auxiliary},
         {"parityfec", Role::Auxiliary},
     };
-    // Most codecs have a name as long as none of these.
+    // The names of most codecs have another length than all of these.
     static constexpr uint32_t kLengths = [] {
         uint32_t lengths = 0;
         for (const NamedRole &row : kRoles) {
@@ -104,7 +104,7 @@ private:
         return listed ? &list_.items[places_[number]] : nullptr;
     }
 
-    // The first line about a number counts.
+    // Of several a=rtpmap lines for a number the first one is used.
     void define(const SDPAttr &attribute) {
         const SDPRtpMapAttr &map = attribute.unAttrValue.stRtpMap;
         Format *const format = formatOf(map.ulPayloadType);

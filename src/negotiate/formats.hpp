@@ -1,4 +1,4 @@
-// Formats of m= lines: payload numbers with their codecs, and words such as "t38".
+// The formats of m= lines: payload numbers with their codecs, and words such as "t38".
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,8 @@ namespace sdpline::negotiate {
 constexpr uint32_t kHighestPayload = 127;
 constexpr uint32_t kFirstDynamicPayload = 96;
 
-// What a format is to a stream. All but a codec go with one (RFC 4733, 2198, 4588, 3389, 5109).
+// The role of a format in a stream. All roles but Codec accompany a codec (RFC 4733, 2198, 4588,
+// 3389, 5109).
 enum class Role : uint8_t { Codec, Event, Red, Rtx, Auxiliary };
 
 struct Format {
@@ -28,8 +29,9 @@ struct Format {
     bool defined; // by a=rtpmap or RFC 3551, or a word
 };
 
-// Of one m= line, in its order, each number once; numbers above 127 are left out. Items are made
-// when they are added: clearing a hundred of them would cost more than most answers.
+// The formats of one m= line in its order, each number once; numbers above 127 are left out. Items
+// are not initialised before they are added: clearing a hundred of them would cost more than most
+// answers.
 struct FormatList {
     FormatList() : count(0), kinds(0) {}
 
@@ -53,8 +55,8 @@ inline bool isRtp(const SDPMediaDesc &media) {
            media.stMediaField.stProto.enProto == SDP_PROTO_RTP_AVPF;
 }
 
-// Calls use(number) for each payload number of an m= line that has numbers. Those of RTP over a
-// protocol that the decoder keeps as text are one word.
+// Calls use(number) for each payload number of an m= line. For RTP over a protocol that the decoder
+// stores as text, a single number is stored as a word.
 template <class Use>
 void eachNumber(const SDPMediaDesc &media, Use use) {
     const SDPMediaFmt &format = media.stMediaField.stMediaFmt;
@@ -71,15 +73,16 @@ void eachNumber(const SDPMediaDesc &media, Use use) {
     }
 }
 
-// Name, clock rate and channels are equal, and the parameters do not make two codecs of them. RED
-// and RTX, which refer to other formats, are compared by their pairing.
+// sameCodec(): name, clock rate and channels are equal. sameParameters(): the parameters of such
+// formats are compatible. RED and RTX, which refer to other formats, are compared when they are
+// paired.
 bool sameCodec(const Format &one, const Format &two);
 bool sameParameters(const Format &one, const Format &two);
 
-// A value of "name=value;name=value"; nothing where the name is missing.
+// The value of a name in "name=value;name=value"; nullopt if the name is missing.
 std::optional<std::string_view> parameter(std::string_view parameters, std::string_view name);
 
-// The set of codec modes of AMR, as bits; nothing for all.
+// The set of codec modes of AMR, one bit each; nullopt for all modes.
 std::optional<uint32_t> modeSetOf(std::string_view parameters);
 bool isAmr(const Format &format);
 

@@ -1,4 +1,4 @@
-// Groups of streams: only what both sides know.
+// Groups of streams: an answer has those whose semantics both sides use.
 #include "negotiate/grouping.hpp"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ bool isGroup(const SDPAttr &attribute) {
     return otherName(attribute) == "group";
 }
 
-// "LS 1 2": its first word, and whether it has an id.
+// The first word of a group such as "LS 1 2"; whether an id is in the group.
 std::string_view semanticsOf(std::string_view group) {
     return takeWord(group);
 }
@@ -36,7 +36,7 @@ bool hasGroup(const SdpLine &body, std::string_view semantics) {
     });
 }
 
-// Whether a body uses ids at all.
+// Whether a body has any mids or groups.
 bool usesMids(const SdpLine &body) {
     const MediaSpan media = mediaOf(body);
     return find(attributesOf(body.pstAttrList), "group") != nullptr ||
@@ -44,7 +44,7 @@ bool usesMids(const SdpLine &body) {
                        [](const SDPMediaDesc *one) { return !midOf(*one).empty(); });
 }
 
-// The bundle that a stream is offered in; empty for none.
+// The bundle in which a stream is offered; empty for none.
 std::string_view bundleOf(const SdpLine &offer, const SDPMediaDesc &offered) {
     const std::string_view mid = midOf(offered);
     for (const SDPAttr *const attribute : attributesOf(offer.pstAttrList)) {
@@ -113,7 +113,7 @@ void Grouping::addGroups() {
     }
 }
 
-// The ids of accepted streams, in the offer's order.
+// Writes the group with the ids of the accepted streams, in the offer's order.
 void Grouping::addGroup(std::string_view offered) {
     const MediaSpan streams = mediaOf(offer_);
     Growing<uint32_t> members(report_.arena);
@@ -139,8 +139,8 @@ void Grouping::addGroup(std::string_view offered) {
     }
 }
 
-// All streams of a bundle have the address of the first one, and only that one has the lines of
-// the transport (RFC 8843 sections 7.1.3 and 7.3).
+// All streams of a bundle get the address of the first one, and only that one has transport
+// attributes (RFC 8843 sections 7.1.3 and 7.3).
 void Grouping::bundle(const Growing<uint32_t> &streams) {
     const MediaDraft &tagged = draft_.media[streams[0]];
     for (uint32_t i = 1; i < streams.size(); ++i) {
@@ -161,7 +161,7 @@ void Grouping::bundle(const Growing<uint32_t> &streams) {
 
 namespace {
 
-// Whether the answer's group is one of the offer's with ids left out.
+// Whether the answer's group is a group of the offer, or a part of one.
 bool wasOffered(const SdpLine &offer, std::string_view answered) {
     for (const SDPAttr *const attribute : attributesOf(offer.pstAttrList)) {
         const std::string_view group = otherValue(*attribute);

@@ -9,11 +9,11 @@ namespace sdpline::negotiate {
 // The a=mid of a stream; empty for none.
 std::string_view midOf(const SDPMediaDesc &media);
 
-// Whether an offered stream of port 0 waits for its bundle's address, and we bundle.
+// Whether an offered stream of port 0 is bundle-only, and the local body has bundles.
 bool isBundleOnly(const SdpLine &offer, const SDPMediaDesc &offered, const SdpLine &local);
 
-// Adds mids and groups to the drafts of an answer. The streams of a bundle get one address; a
-// bundle-only stream whose bundle has none is rejected, as `rejected` is told.
+// Adds mids and groups to the drafts of an answer. The streams of a bundle get one address. For a
+// bundle-only stream whose bundle has no address, `rejected` is called.
 class Grouping {
 public:
     Grouping(const SdpLine &offer, const SdpLine &local, BodyDraft &draft, Report &report)

@@ -1,11 +1,11 @@
-// Texts that are put together.
+// The allocation of memory, and numbers in texts.
 #include "negotiate/memory.hpp"
 
 namespace sdpline::negotiate {
 
-// What is left of the last one is lost: at most as much as the next does not fit into.
+// The rest of the last allocation is not used any more.
 bool Arena::refill(size_t size) {
-    constexpr size_t kNext = kPiece - 64; // as much as fits into what the block takes at once
+    constexpr size_t kNext = kAllocation - 64; // as much as fits into what the block takes at once
     const size_t wanted = size > kNext ? size : kNext;
     void *const memory =
         block_ != nullptr ? block_->pfnAlloc(block_, static_cast<uint32_t>(wanted)) : nullptr;

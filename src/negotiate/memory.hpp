@@ -1,7 +1,7 @@
-// Memory of one call: a block of the core services with what the call works on and reports.
+// The memory of one call: a block of the core services for the work of the call and its report.
 //
-// A failed allocation is remembered, and the call ends with Reason::NoMemory; what is made of the
-// memory in between checks for null where it would write.
+// After a failed allocation the call goes on until its end, where failed() makes it return
+// Reason::NoMemory. Until then every user of memory tests for null before it writes.
 #pragma once
 
 #include <cstdint>
@@ -15,13 +15,13 @@ namespace sdpline::negotiate {
 
 class Arena {
 public:
-    Arena() { SipMmCreateBufMem(kPiece, kPiece, &block_); }
+    Arena() { SipMmCreateBufMem(kAllocation, kAllocation, &block_); }
     ~Arena() { SipMmReleaseBufMem(&block_); }
     Arena(const Arena &) = delete;
     Arena &operator=(const Arena &) = delete;
 
-    // Null when memory is exhausted. Not cleared. Small ones are cut from a larger one: nothing is
-    // given back before the block is.
+    // Returns memory that is not cleared; null when memory is exhausted. Small requests are cut
+    // from a larger allocation. Nothing is freed before the block.
     void *take(size_t size) {
         const size_t rounded = (size + kAlignment - 1) & ~(kAlignment - 1);
         if (rounded > left_ && !refill(rounded)) {
@@ -50,10 +50,10 @@ public:
 
     bool failed() const { return failed_ || block_ == nullptr; }
 
-    // A text of the body would be longer than a decoder reads.
+    // Set when a text of the body is longer than a decoder reads.
     bool tooLong = false;
 
-    // Gives the block away.
+    // Returns the block, which then belongs to the caller.
     SDPMemCp *release() {
         SDPMemCp *const block = block_;
         block_ = nullptr;
@@ -62,7 +62,7 @@ public:
 
 private:
     static constexpr size_t kAlignment = 8;
-    static constexpr uint32_t kPiece = 2048;
+    static constexpr uint32_t kAllocation = 2048;
 
     bool refill(size_t size);
 
@@ -72,7 +72,7 @@ private:
     bool failed_ = false;
 };
 
-// A list that grows in an arena. Nothing is added when memory is exhausted.
+// A list that grows in an arena. When memory is exhausted, nothing more is added.
 template <class T>
 class Growing {
 public:
@@ -116,7 +116,7 @@ private:
     uint32_t capacity_ = 0;
 };
 
-// A text of at most SDP_MAX_VALUE bytes: more is cut, and remembered.
+// A text under construction, of at most SDP_MAX_VALUE bytes. Longer text is cut, and cut() is true.
 class Text {
 public:
     Text &operator<<(std::string_view text) {
@@ -129,7 +129,7 @@ public:
         size_ += fits;
         return *this;
     }
-    // Inlined: a literal is a few moves, and its length is known.
+    // Always inlined: the length of a literal is then known, and copying it takes a few moves.
     [[gnu::always_inline]] Text &operator<<(const char *text) {
         const size_t size = __builtin_strlen(text);
         if (!__builtin_constant_p(size) || size > sizeof bytes_ - size_) {

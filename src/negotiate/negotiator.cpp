@@ -29,7 +29,7 @@ void replace(SdpLine *&held, SdpLine *fresh) {
     held = fresh;
 }
 
-// Two copies of one body, both or none.
+// Makes two copies of a body, or none.
 Reason copyTwice(const SdpLine &body, SdpLine *&one, SdpLine *&two) {
     Reason reason = copyBody(body, &one);
     if (reason == Reason::None) {
@@ -41,7 +41,7 @@ Reason copyTwice(const SdpLine &body, SdpLine *&one, SdpLine *&two) {
     return reason;
 }
 
-// Why a call is refused: it needs a session, a body and a state.
+// The reason to refuse a call, which needs a session in a given state and a body.
 Reason refusal(const SdpNegotiator *negotiator, uint32_t state, const SdpLine *body) {
     if (negotiator == nullptr) {
         return Reason::NoBody;
@@ -85,7 +85,7 @@ Reason offer(SdpNegotiator &session, const SdpLine &wanted, SdpLine **result) {
     return Reason::None;
 }
 
-// The agreement as the offerer sees it, after what is wrong with the answer.
+// Makes the agreement as the offerer sees it, with the faults of the answer as its decisions.
 Reason judge(const SdpLine &offer, const SdpLine &answer, SdpNegotiateReport **result) {
     SdpNegotiateReport *agreement = nullptr;
     SDPResult code = SdpNegotiateAgree(&offer, &answer, SDP_NEGOTIATE_OFFERER, &agreement);
@@ -149,7 +149,8 @@ Reason receiveAnswer(SdpNegotiator &session, const SdpLine &answer, bool provisi
     return Reason::None;
 }
 
-// The answer becomes what was sent last and, when it is final, what is in force.
+// Stores the answer as the last description that was sent and, when it is final, as the one in
+// force.
 Reason keepAnswer(SdpNegotiator &session, const SdpLine &answer, bool provisional) {
     SdpLine *sent = nullptr;
     SdpLine *inForce = nullptr;

@@ -1,4 +1,5 @@
-// The next offer (RFC 3264 section 8): wanted streams in the m= lines of the previous description.
+// Making the next offer (RFC 3264 section 8): the wanted streams in the m= lines of the previous
+// description.
 #include "negotiate/nextoffer.hpp"
 
 #include "negotiate/draft.hpp"
@@ -41,7 +42,8 @@ public:
     }
 
 private:
-    // The best line for each stream: every rule is tried for all of them before the next one.
+    // Finds the m= line of each wanted stream. Each rule is tried for all streams before the next
+    // one.
     void place() {
         placeBy([this](uint32_t slot, uint32_t stream) {
             const std::string_view mid = midOf(*wanted_[stream]);
@@ -56,7 +58,7 @@ private:
         placeBy([this](uint32_t slot, uint32_t stream) {
             return !isOpen(slot) && sameType(slot, stream);
         });
-        // Speech and fax of one call take turns in one line (RFC 3264 section 8.3.3).
+        // A call may change between speech and fax in one m= line (RFC 3264 section 8.3.3).
         placeBy([this](uint32_t slot, uint32_t stream) {
             return isOpen(slot) && isFaxChange(*previous_[slot], *wanted_[stream]);
         });

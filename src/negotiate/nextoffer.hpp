@@ -1,13 +1,13 @@
-// The next offer of a side.
+// Making the next offer of a side.
 #pragma once
 
 #include "negotiate/reasons.hpp"
 
 namespace sdpline::negotiate {
 
-// The wanted streams in the m= lines of the description in force, null for none. The o= line is
-// that of the last description that was sent, which a refused offer is too: it has used its version
-// up, and its m= lines have never been.
+// Puts the wanted streams into the m= lines of the description in force, which may be null. The o=
+// line continues that of the description that was sent last. That may be a refused offer: its
+// version cannot be used again, but its m= lines never were in force.
 Reason makeNextOffer(const SdpLine *inForce, const SdpLine &last, const SdpLine &wanted,
                      SdpLine **offer);
 

@@ -1,4 +1,4 @@
-// o= and its version.
+// The o= line and its version.
 #include "negotiate/origin.hpp"
 
 #include "negotiate/draft.hpp"
@@ -14,7 +14,7 @@ std::string_view withoutZeros(std::string_view digits) {
 
 } // namespace
 
-// 199 is 1, then 9 as 0 twice: what the last digits that are all 9 follow rises by one.
+// The nines at the end become zeros, and the digit before them is incremented: 199 becomes 200.
 void writeNext(std::string_view version, Text &text) {
     const size_t rising = version.find_last_not_of('9');
     const size_t nines = rising < version.size() ? version.size() - rising - 1 : version.size();

@@ -1,4 +1,4 @@
-// Which offered format is which of ours.
+// Pairing the offered formats with ours, and selecting those of the answer.
 #include "negotiate/pairing.hpp"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ bool same(const Format &offered, const Format &ours, const SdpNegotiateOptions &
     return options.pfnSame(options.pContext, &one, &two, equal ? 1 : 0) != 0;
 }
 
-// Every format that the offered one refers to has a partner.
+// Whether every format that the offered one refers to has a partner.
 bool refersToPaired(const Pairing &pairing, const Format &offered) {
     bool all = true;
     eachReference(offered, [&](uint32_t number) {
@@ -41,8 +41,8 @@ bool refersToPaired(const Pairing &pairing, const Format &offered) {
     return all;
 }
 
-// RTX goes with one format: both must go with the same, or both with one of another stream (RFC
-// 4588 section 8.3). RED may name its formats or not.
+// Whether two formats refer to the same formats. RTX refers to one: both must refer to partners, or
+// both to a format of another stream (RFC 4588 section 8.3). RED may refer to none.
 bool sameReferences(const Pairing &pairing, const Format &offered, const Format &ours) {
     bool all = true;
     if (offered.role == Role::Rtx) {
@@ -65,8 +65,8 @@ bool sameReferences(const Pairing &pairing, const Format &offered, const Format 
     return all && refersToPaired(pairing, offered);
 }
 
-// The place of our format that fits, one of the same number first: an answer with two formats that
-// only differ in declarative parameters keeps them where they are.
+// The index of our format that fits. One with the same number is preferred, so that two formats
+// that differ only in declarative parameters keep their numbers.
 template <class Fits>
 uint8_t partnerOf(const Pairing &pairing, const Format &offered, Fits fits) {
     const auto sameNumber = pairing.ours.indexOf(offered.number);
@@ -107,7 +107,7 @@ void pair(Pairing &pairing, const SdpNegotiateOptions &options) {
         }
     }
     if (associated) {
-        // RTX may go with RED, wherever that is listed.
+        // RED first, since RTX may refer to it.
         pairAssociated(pairing, Role::Red, options);
         pairAssociated(pairing, Role::Rtx, options);
     }
@@ -165,7 +165,8 @@ private:
         }
     }
 
-    // Why a format has no partner. RED and RTX that we have too lack what they go with.
+    // The reason why a format has no partner. RED and RTX that we have too lack the formats that
+    // they refer to.
     Reason missing(const Format &format) const {
         if (!format.defined) {
             return Reason::FormatUndefined;
@@ -178,7 +179,7 @@ private:
                                           : Reason::FormatAssociated;
     }
 
-    // By insertion: the lists are short, and in order mostly.
+    // Insertion sort: the lists are short and mostly in order.
     void sortByOurs() {
         uint8_t *const chosen = pairing_.chosen;
         for (uint32_t i = 1; i < pairing_.chosenCount; ++i) {
@@ -215,7 +216,7 @@ private:
         pairing_.chosenCount = kept;
     }
 
-    // The first codec, or where none was offered the first format, with what goes with it.
+    // Keeps the first codec and all formats of other roles; without a codec, the first format.
     void keepFirst(bool codecKept) {
         bool found = false;
         drop(Reason::FormatNotFirst, [&](const Format &format) {
@@ -239,8 +240,8 @@ private:
         });
     }
 
-    // What RED and RTX refer to, in the offer and in our parameters, must have been chosen too.
-    // RED first: RTX may go with it.
+    // The formats that RED and RTX refer to, in the offer and in our parameters, must be chosen
+    // too. RED first, since RTX may refer to it.
     void keepReferences() {
         dropIncomplete(Role::Red, Reason::RedundancyDropped);
         dropIncomplete(Role::Rtx, Reason::FormatAssociated);
@@ -277,8 +278,8 @@ Reason select(Pairing &pairing, const SdpNegotiateOptions &options) {
 
 namespace {
 
-// "98/98/99" with each number replaced: by the one that the offer has at its place, where that is
-// the same codec, or else by the first number of the codec.
+// Writes a list such as "98/98/99" with each number replaced: by the offer's number at the same
+// place if it is the same codec, else by the first offered number of the codec.
 void writeNumbers(const Pairing &pairing, const Format &offered, const Format &ours, Text &text) {
     std::string_view rest = offered.parameters;
     bool first = true;
@@ -295,7 +296,7 @@ void writeNumbers(const Pairing &pairing, const Format &offered, const Format &o
     });
 }
 
-// "apt=98;rtx-time=3000" with the number that the offer has, all else as it is.
+// Writes parameters such as "apt=98;rtx-time=3000" with the offer's number after "apt=".
 void writeApt(const Format &offered, const Format &ours, Text &text) {
     const std::string_view parameters = ours.parameters;
     const auto apt = parameter(parameters, "apt");

@@ -1,4 +1,4 @@
-// What a=fmtp makes incompatible, codec by codec.
+// The parameters of a=fmtp that make formats incompatible, codec by codec.
 #include <cstdint>
 
 #include "negotiate/formats.hpp"
@@ -43,8 +43,8 @@ void eachParameter(std::string_view parameters, Use use) {
 
 // ---- H264 (RFC 6184)
 
-// profile_idc and profile-iop of a profile-level-id, made one where section 8.1, table 5, says that
-// they are the same profile.
+// The combinations of profile_idc and profile-iop in a profile-level-id that denote the same
+// profile (section 8.1, table 5).
 struct Profile {
     uint8_t idc;
     uint8_t mask; // of the bits of profile-iop that matter ...
@@ -75,7 +75,8 @@ std::optional<uint32_t> hexadecimal(std::string_view text) {
     return text.size() == 6 ? std::optional(value) : std::nullopt;
 }
 
-// Baseline at level 1 where no profile is named (section 8.1); nothing for what is none.
+// The profile of parameters; without a profile-level-id, Baseline at level 1 (section 8.1). Nullopt
+// for an invalid one.
 std::optional<uint32_t> profileOf(std::string_view parameters) {
     const auto id = hexadecimal(parameter(parameters, "profile-level-id").value_or("42000A"));
     if (!id) {
@@ -159,7 +160,7 @@ struct Events {
     }
 };
 
-// "0-15,66,70"; without a list 0 to 15.
+// The events of a list such as "0-15,66,70"; without a list 0 to 15.
 Events eventsOf(std::string_view list) {
     Events events;
     bool any = false;

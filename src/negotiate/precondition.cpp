@@ -1,7 +1,7 @@
-// Preconditions: status tables, turned round and put together.
+// Preconditions: the status table of the peer is converted to our view and merged with ours.
 //
-//     offer             a=curr:qos local send      their local segment is our remote one, and what
-//                       a=des:qos mandatory ...    they send we receive
+//     offer             a=curr:qos local send      their local segment is our remote one, and their
+//                       a=des:qos mandatory ...    sending is our receiving
 //     answer            a=curr:qos remote recv
 #include "negotiate/precondition.hpp"
 
@@ -17,7 +17,7 @@ namespace {
 constexpr uint32_t kBoth = kSends | kReceives;
 static_assert(SDP_DIR_SEND == kSends && SDP_DIR_RECV == kReceives && SDP_DIR_SENDRECV == kBoth);
 
-// How strongly something is wanted: 0 for not said, then none, optional, mandatory.
+// The rank of a strength tag: 0 for none given, then "none", "optional", "mandatory".
 constexpr uint8_t kNone = 1;
 constexpr uint8_t kOptional = 2;
 constexpr uint8_t kMandatory = 3;
@@ -35,7 +35,7 @@ uint32_t strengthOf(uint8_t rank) {
                                : SDP_STRENGTH_NONE;
 }
 
-// One segment of one type: a row for both directions.
+// The row of a table: one segment of one precondition type, for both directions.
 struct Segment {
     SDPPreconditionS type;
     uint32_t status;
@@ -75,7 +75,7 @@ struct Table {
     }
     bool has(const Segment *row) const { return row != rows + count; }
 
-    // That row, or a new one; null where there are too many.
+    // Returns that row, or adds it; null if there are too many rows.
     Segment *make(const SDPPreconditionS &type, uint32_t status) {
         Segment *const row = find(type, status);
         if (has(row)) {
@@ -98,7 +98,7 @@ struct Table {
             return row.wanted() && sameType(row.type, type);
         });
     }
-    // Whether the type is wanted end to end, or segment by segment.
+    // Whether the table has the type with end-to-end status, or with segmented status.
     bool hasKind(const SDPPreconditionS &type, bool endToEnd) const {
         return std::any_of(rows, rows + count, [&](const Segment &row) {
             return (row.status == SDP_STATUS_E2E) == endToEnd && sameType(row.type, type);
@@ -139,15 +139,15 @@ Table tableOf(const SDPMediaDesc &media) {
     return table;
 }
 
-// Most streams have none, and need no table to know it.
+// A test without a table, since most streams have no preconditions.
 bool hasPreconditions(const SDPMediaDesc &media) {
     const AttributeSpan all = attributesOf(media.pstAttrList);
     return std::any_of(all.begin(), all.end(),
                        [](const SDPAttr *one) { return isPrecondition(*one); });
 }
 
-// What a stream can be rejected for: another type than that which all have, or one that has failed.
-// Without it a judgement needs no table.
+// Whether a stream could be rejected: it has another type than "qos", or a strength of "failure".
+// If neither side has one, no table is needed.
 bool mayReject(const SDPMediaDesc &media) {
     const AttributeSpan all = attributesOf(media.pstAttrList);
     return std::any_of(all.begin(), all.end(), [](const SDPAttr *one) {
@@ -164,7 +164,7 @@ uint32_t otherSegment(uint32_t status) {
                                          : status;
 }
 
-// As the other side sees it.
+// A row as the other side sees it.
 Segment turnedRow(const Segment &row) {
     Segment result = row;
     result.status = otherSegment(row.status);
@@ -174,7 +174,8 @@ Segment turnedRow(const Segment &row) {
     return result;
 }
 
-// Our own segment is what we say; the peer's is what it says; end to end both add up.
+// The current status of our segment is ours, that of the peer's segment is the peer's; end to end,
+// both are combined.
 void addCurrent(Segment &row, const Segment &ours) {
     if (row.status == SDP_STATUS_E2E) {
         row.current |= ours.current;
@@ -184,14 +185,14 @@ void addCurrent(Segment &row, const Segment &ours) {
     row.hasCurrent = row.hasCurrent || ours.hasCurrent;
 }
 
-// A strength may rise, never fall (RFC 3312 section 5.2).
+// A strength may be raised, but not lowered (RFC 3312 section 5.2).
 void addDesired(Segment &row, const Segment &ours) {
     for (const uint32_t way : {0u, 1u}) {
         row.desired[way] = std::max(row.desired[way], ours.desired[way]);
     }
 }
 
-// The table of both sides, as we see it; or why the stream is rejected.
+// Merges the tables of both sides in our view; or returns the reason to reject the stream.
 Reason merge(const Table &theirs, Table &ours, Table &merged, std::string_view &type) {
     for (uint32_t i = 0; i < theirs.count; ++i) {
         const Segment row = turnedRow(theirs.rows[i]);
@@ -255,8 +256,8 @@ void addDesiredLines(const Segment &row, Growing<SDPAttr> &lines) {
     }
 }
 
-// What the peer is asked to confirm: what our a=conf says, or else what only the peer can know, its
-// segment, or end to end what we receive.
+// The flows that the peer is asked to confirm: those of our a=conf lines, else those that only the
+// peer can know: its segment, or end to end what we receive.
 uint32_t confirmedFlows(const Segment &row, bool asked, const Segment *ours) {
     if (asked) {
         return ours != nullptr ? ours->confirmed & ~row.current : 0;

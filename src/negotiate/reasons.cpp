@@ -15,7 +15,7 @@ constexpr SdpNegotiateReason kReasons[] = {
 #undef REASON
 };
 
-// Row of each number, 255 for none.
+// The row of each number; 255 for none.
 struct Index {
     uint8_t row[SDP_NEGOTIATE_REASONS];
 };

@@ -19,7 +19,7 @@ constexpr SDPResult resultOf(Reason reason) {
     return static_cast<SDPResult>(reason);
 }
 
-// That of its row, whose length is known; for reasons that have one.
+// The sentence of a reason. Reason::None has none.
 std::string_view sentenceOf(Reason reason);
 
 } // namespace sdpline::negotiate

@@ -1,4 +1,4 @@
-// Records of a body, looked at.
+// Reading the records of a body.
 #include "negotiate/records.hpp"
 
 #include <algorithm>
@@ -8,7 +8,7 @@ namespace sdpline::negotiate {
 
 namespace {
 
-// The bits in which the first bytes of two texts differ, as many as a `Word` has.
+// The bits in which two texts differ in their first sizeof(Word) bytes.
 template <class Word>
 Word differenceOf(const char *one, const char *two) {
     Word first = 0;
@@ -17,8 +17,8 @@ Word differenceOf(const char *one, const char *two) {
     std::memcpy(&second, two, sizeof second);
     return first ^ second;
 }
-// Those of their first and their last bytes, which overlap in short texts. Both have one size, no
-// less than that of a `Word`.
+// The same for their first and their last bytes, which may overlap. Both texts have the same size,
+// at least sizeof(Word).
 template <class Word>
 Word differenceAtEnds(std::string_view one, std::string_view two) {
     const size_t last = one.size() - sizeof(Word);
@@ -28,8 +28,8 @@ Word differenceAtEnds(std::string_view one, std::string_view two) {
 
 } // namespace
 
-// Most words are equal, or differ in another bit than that of the case in their first four or their
-// last four bytes.
+// A fast path first: most words are equal, or differ in their first or last four bytes in more than
+// the bit of the case.
 bool sameLetters(std::string_view one, std::string_view two) {
     const size_t size = one.size();
     if (size >= 4) {

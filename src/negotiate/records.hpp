@@ -1,4 +1,4 @@
-// Records of a body, looked at: texts, lists, words compared as SDP compares them.
+// Reading the records of a body: texts, lists, and the comparison of words.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ inline std::string_view viewOf(const SipString *text) {
     return text != nullptr ? viewOf(*text) : std::string_view();
 }
 
-// A text for records and C operations, which only read it.
+// A SipString for records and C operations that only read it.
 inline SipString lent(std::string_view text) {
     return {static_cast<uint32_t>(text.size()), const_cast<char *>(text.data())};
 }
@@ -37,13 +37,13 @@ inline AttributeSpan attributesOf(const SDPAttrList *list) {
     return {list->ppstAttrs, list->ulNoOfAttrs};
 }
 
-// The text without its first bytes, empty where it has no more. Unlike substr() these two cannot
-// throw, and ask for nothing of the C++ run-time library.
+// The text without its first `bytes` bytes; empty if it has no more. Unlike substr() these two
+// cannot throw, and so do not need the C++ run-time library.
 constexpr std::string_view after(std::string_view text, size_t bytes) {
     const size_t begin = bytes < text.size() ? bytes : text.size();
     return {text.data() + begin, text.size() - begin};
 }
-// Its first bytes, or all of it where it has no more.
+// The first `bytes` bytes of a text, or the whole text if it has no more.
 constexpr std::string_view firstBytes(std::string_view text, size_t bytes) {
     return {text.data(), bytes < text.size() ? bytes : text.size()};
 }
@@ -52,20 +52,21 @@ constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
-// Of two texts of one size, whether they are equal but for the case of ASCII letters.
+// Whether two texts of the same size are equal but for the case of ASCII letters.
 bool sameLetters(std::string_view one, std::string_view two);
-// Equal but for that case. Inlined as far as the sizes, which tell most words from each other.
+// The same for texts of any size. The comparison of the sizes, by which most words differ, is
+// inlined.
 inline bool sameWord(std::string_view one, std::string_view two) {
     return one.size() == two.size() && sameLetters(one, two);
 }
 
 bool hasWord(std::string_view text, std::string_view word); // inside, without case
 
-// The decimal number that `text` begins with, which is taken off it. False without a digit, and for
-// one above 32 bits.
+// Removes the decimal number from the start of `text`. Returns false if there is no digit, or the
+// number has more than 32 bits.
 bool takeNumber(std::string_view &text, uint32_t &number);
 
-// The word up to the next blank, taken off the text together with the blanks after it.
+// Removes the word up to the next blank, and the blanks after it, and returns the word.
 std::string_view takeWord(std::string_view &text);
 
 inline std::string_view mediaWord(const SDPMediaDesc &media) {
@@ -79,14 +80,14 @@ inline bool sameMedia(const SDPMediaDesc &one, const SDPMediaDesc &two) {
     return sameWord(mediaWord(one), mediaWord(two));
 }
 
-// Whether the protocol is the one of the code, or a word that `fits`.
+// Whether the protocol has that code, or is a word for which fits(word) is true.
 template <class Fits>
 bool protocolIs(const SDPMediaDesc &media, uint32_t code, Fits fits) {
     const uint32_t protocol = media.stMediaField.stProto.enProto;
     return protocol == code || (protocol == SDP_PROTO_OTHER && fits(protocolWord(media)));
 }
 
-// The name and the value of an attribute that the library keeps as text; empty for others.
+// The name and the value of an attribute that the library stores by its name; empty for others.
 inline std::string_view otherName(const SDPAttr &attribute) {
     const bool other = attribute.ulAttrType == SDP_ATTR_UNREC_VALUE ||
                        attribute.ulAttrType == SDP_ATTR_UNREC_NOVALUE;
@@ -97,7 +98,7 @@ inline std::string_view otherValue(const SDPAttr &attribute) {
                                                         : std::string_view();
 }
 
-// The text that an attribute's value has, null for none.
+// The text in an attribute's value; null for none.
 inline SipString *textIn(SDPAttr &attribute) {
     auto &value = attribute.unAttrValue;
     switch (attribute.ulAttrType) {
@@ -126,7 +127,7 @@ inline bool isPrecondition(const SDPAttr &attribute) {
     return attribute.ulAttrType >= SDP_ATTR_DES && attribute.ulAttrType <= SDP_ATTR_CONF;
 }
 
-// The types of a list's attributes, a bit for each: without the bit no walk finds one.
+// A set of attribute types, one bit each (modulo 64): a list without the bit has no such attribute.
 using Kinds = uint64_t;
 inline Kinds kindOf(const SDPAttr &attribute) {
     return Kinds{1} << attribute.ulAttrType % 64;
@@ -144,7 +145,7 @@ constexpr Kinds kSetupKinds = kindsOf(SDP_ATTR_SETUP, SDP_ATTR_SETUP);
 const SDPAttr *find(AttributeSpan attributes, uint32_t type);
 const SDPAttr *find(AttributeSpan attributes, std::string_view name);
 
-// That of the media description, or else of the session.
+// The attribute of the media description, else that of the session; null for none.
 inline const SDPAttr *findFor(const SdpLine &body, const SDPMediaDesc &media, uint32_t type) {
     const SDPAttr *const own = find(attributesOf(media.pstAttrList), type);
     return own != nullptr ? own : find(attributesOf(body.pstAttrList), type);
@@ -155,7 +156,7 @@ inline const SDPAttr *findFor(const SdpLine &body, const SDPMediaDesc &media,
     return own != nullptr ? own : find(attributesOf(body.pstAttrList), name);
 }
 
-// The c= line that holds for a stream; null for none.
+// The c= line that applies to a stream; null for none.
 inline const SDPConnection *connectionOf(const SdpLine &body, const SDPMediaDesc &media) {
     const SDPConnection *const own = media.pstConnection;
     return own != nullptr ? own : body.pstConnection;

@@ -1,4 +1,4 @@
-// Payload numbers that would change their codec, replaced wherever a line names them.
+// Replacing payload numbers that would change their codec, in all lines that have them.
 #include "negotiate/renumber.hpp"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace sdpline::negotiate {
 
 namespace {
 
-// Numbers without a codec, for those that 96 to 127 do not take (RFC 3551 section 3).
+// Unassigned numbers, used when 96 to 127 are in use (RFC 3551 section 3).
 constexpr uint32_t kFirstUnassigned = 35;
 constexpr uint32_t kLastUnassigned = 63;
 
@@ -22,7 +22,7 @@ public:
         gather(wanted, after_);
     }
 
-    // False where every number keeps its codec.
+    // Returns false if every number keeps its codec.
     bool plan() {
         for (uint32_t number = 0; number <= kHighestPayload; ++number) {
             numbers_[number] = static_cast<uint8_t>(number);
@@ -121,7 +121,7 @@ private:
         return textLine(arena_, SDP_ATTR_FMTP, text);
     }
 
-    // " apt=96" or " 96/97", with the numbers replaced.
+    // Writes " apt=96" or " 96/97" with the numbers replaced.
     void references(const Format &format, Text &text) {
         const std::string_view all = format.parameters;
         const std::string_view list =

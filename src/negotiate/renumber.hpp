@@ -1,4 +1,4 @@
-// Payload numbers of one stream that keep their codec for the whole session (RFC 3264 section
+// Keeping the codec of each payload number of a stream for the whole session (RFC 3264 section
 // 8.3.2).
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace sdpline::negotiate {
 
-// Replaces each dynamic number of the draft, made of `wanted`, that had another codec in
-// `previous`: by the number that the codec had, or by one that is free.
+// In a draft of `wanted`, replaces each dynamic number that had another codec in `previous` by the
+// number that its codec had there, or else by an unused number.
 void keepNumbers(const SDPMediaDesc &previous, const SDPMediaDesc &wanted, Arena &arena,
                  MediaDraft &draft);
 

@@ -1,4 +1,4 @@
-// Decisions and their sentences.
+// Recording decisions with their sentences.
 #include "negotiate/report.hpp"
 
 namespace sdpline::negotiate {

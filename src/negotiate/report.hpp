@@ -1,4 +1,4 @@
-// The report of a call, while it is made.
+// The report of a call under construction.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ constexpr uint32_t kNoPayload = SDP_NEGOTIATE_NONE;
 
 class Report {
 public:
-    // Sentences are made only where somebody wants them.
+    // Without `wanted`, no decisions are recorded.
     explicit Report(bool wanted) : decisions_(arena), streams_(arena), wanted_(wanted) {}
 
     Arena arena;
@@ -24,21 +24,21 @@ public:
         add(reason, stream, detail.view(), payload);
     }
 
-    // Takes back what was said of a stream.
+    // Removes the decisions about a stream.
     void forget(uint32_t stream);
 
-    // A stream of the report, all zero; null when memory is exhausted.
+    // Adds a cleared stream to the report; null when memory is exhausted.
     SdpNegotiateStream *addStream();
     SdpNegotiateStream *streamAt(uint32_t index) {
         return index < streams_.size() ? streams_[index] : nullptr;
     }
-    // A stream about which nothing is said.
+    // Sets a stream to its state without any decision.
     static void clear(SdpNegotiateStream &stream);
 
     bool wanted() const { return wanted_; }
     uint32_t decisionCount() const { return decisions_.size(); }
 
-    // Gives the report away; false when memory was exhausted at any time.
+    // Returns the report in *result, which may be null; false if memory was exhausted at any time.
     bool finish(bool accepted, SdpNegotiateReport **result);
 
 private:

@@ -1,4 +1,4 @@
-// The lines of an accepted stream.
+// Writing the lines of an accepted stream.
 #include "negotiate/answer.hpp"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ void StreamWriter::run() {
     notes();
 }
 
-// The media word, the protocol and the numbers are the offer's.
+// The media word, the protocol and the payload numbers are those of the offer.
 void StreamWriter::mediaLine() {
     SDPMediaField &line = draft_.line;
     line = offered_.stMediaField;
@@ -98,7 +98,7 @@ void StreamWriter::mapLine(const Format &offered, const Format &ours) {
     }
 }
 
-// Our a=fmtp under the offer's number; returns its parameters.
+// Adds our a=fmtp line with the offer's number; returns its parameters.
 std::string_view StreamWriter::parameterLine(uint32_t place, const Format &offered,
                                              const Format &ours) {
     Text parameters;
@@ -142,7 +142,7 @@ void StreamWriter::declared() {
     }
 }
 
-// RFC 3264 section 6.2: everyone has the same view of a multicast stream.
+// All sides have the same view of a multicast stream (RFC 3264 section 6.2).
 void StreamWriter::multicastLines() {
     if (!match_.multicast) {
         return;
@@ -172,7 +172,7 @@ void StreamWriter::transport() {
     line.unAttrValue.enT120Mode = match_.setup.mode;
     add(line);
     report_.add(Reason::SetupChosen, match_.stream, wordOf(SetupRole{match_.setup.mode}));
-    // Who opens a TCP connection has no port to be reached at (RFC 4145 section 4.1).
+    // The side that opens a TCP connection has no port of its own (RFC 4145 section 4.1).
     if (match_.setup.mode == SDP_T120_ACTIVE && isTcp(offered_)) {
         draft_.line.ulPort = kDiscardPort;
     }
@@ -207,14 +207,14 @@ void StreamWriter::preconditions() {
     stream_.bConfirm = answer.confirm ? 1 : 0;
 }
 
-// Turned round and cut down to ours (RFC 3264 section 6.1); those of a multicast stream are the
-// offer's.
+// The offered flows as we see them, restricted to ours (RFC 3264 section 6.1); for a multicast
+// stream the offered ones.
 uint32_t StreamWriter::flows() const {
     const uint32_t theirs = flowsOf(theirDirection_);
     return match_.multicast ? theirs : turned(theirs) & flowsOf(input_.local, ours_);
 }
 
-// Not written where both sides are silent: that is sendrecv.
+// Without a direction line of the offer, sendrecv is not written: it is the default.
 void StreamWriter::direction() {
     if (stream_.enDirection != SDP_ATTR_SENDRECV || theirDirection_ != nullptr) {
         add(flagLine(stream_.enDirection));

@@ -1,4 +1,4 @@
-// T.38 streams: what is negotiated, and what each side says of itself.
+// T.38 streams: the parameters that are negotiated, and those that each side declares.
 #include "negotiate/t38.hpp"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ bool isSet(const SDPMediaDesc &media, uint32_t flag) {
     return valueOf(media, flag).value_or(0) != 0;
 }
 
-// A value that may be given by several lines.
+// Whether one of the lines of the type, of which there may be several, has the value.
 bool lists(const SDPMediaDesc &media, uint32_t type, uint32_t value) {
     const AttributeSpan all = attributesOf(media.pstAttrList);
     return std::any_of(all.begin(), all.end(), [&](const SDPAttr *one) {
@@ -62,7 +62,7 @@ void answerFlags(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t
     }
 }
 
-// The first of ours that was offered.
+// Adds the first of our error corrections that was offered.
 void answerCorrection(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t stream,
                       Report &report, Growing<SDPAttr> &lines) {
     for (const SDPAttr *const line : attributesOf(ours.pstAttrList)) {

@@ -6,14 +6,15 @@
 
 namespace sdpline::negotiate {
 
-// Whether the offered rate management is one of ours: Reason::None, or RateManagement and why.
+// Reason::None if the offered rate management is one of ours, else RateManagement, with the detail
+// in `why`.
 Reason fitFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, Text &why);
 
-// The a=T38... lines of the answer.
+// Adds the a=T38... lines of the answer.
 void answerFax(const SDPMediaDesc &offered, const SDPMediaDesc &ours, uint32_t stream,
                Report &report, Growing<SDPAttr> &lines);
 
-// What is wrong with those of an answer.
+// Reports the faults in the a=T38... lines of an answer.
 void checkFax(const SDPMediaDesc &offered, const SDPMediaDesc &answered, uint32_t stream,
               Report &report);
 

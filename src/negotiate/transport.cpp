@@ -1,4 +1,4 @@
-// Connections and keys.
+// The setup of connections, and the keys of media.
 #include "negotiate/transport.hpp"
 
 namespace sdpline::negotiate {
@@ -35,14 +35,15 @@ bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool av
 
 namespace {
 
-// Over TCP or DTLS, and where both sides have DTLS for the keys of another protocol.
+// Whether a=setup applies: over TCP or DTLS, or where both sides offer DTLS for the keys of another
+// protocol.
 bool usesSetup(const Sides &sides) {
     return isTcp(sides.offered) || isDtls(sides.offered) ||
            (findFor(sides.offer, sides.offered, "fingerprint") != nullptr &&
             findFor(sides.local, sides.ours, "fingerprint") != nullptr);
 }
 
-// 0 where the body says nothing.
+// The a=setup role of a stream; 0 for none.
 uint32_t setupOf(const SdpLine &body, const SDPMediaDesc &media) {
     const SDPAttr *const line = findFor(body, media, uint32_t{SDP_ATTR_SETUP});
     return line != nullptr ? line->unAttrValue.enT120Mode : 0;
@@ -50,8 +51,8 @@ uint32_t setupOf(const SdpLine &body, const SDPMediaDesc &media) {
 
 } // namespace
 
-// Without a=setup the offerer opens the connection (RFC 4145 section 4.1). Where we may choose, we
-// do: we can begin at once (RFC 5763 section 5).
+// Without a=setup the offerer opens the connection (RFC 4145 section 4.1). If we may choose, we
+// open it, because we can begin at once (RFC 5763 section 5).
 Setup chooseSetup(const Sides &sides) {
     const uint32_t theirs = setupOf(sides.offer, sides.offered);
     const uint32_t ours = setupOf(sides.local, sides.ours);
@@ -75,8 +76,8 @@ void writeSetups(const Sides &sides, Text &text) {
     write(", ours ", setupOf(sides.local, sides.ours));
 }
 
-// RFC 4145 section 5.1: "existing" only where the offer has it, and there is one. Ours says so, or
-// else our previous description, by an open line over the same protocol.
+// "existing" is answered only if the offer has it and there is a connection (RFC 4145 section 5.1):
+// our a=connection tells, or else an open line over the same protocol in our previous description.
 std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previous) {
     const SDPAttr *const theirs = findFor(sides.offer, sides.offered, "connection");
     if (theirs == nullptr || !usesSetup(sides)) {
@@ -114,7 +115,8 @@ bool isCrypto(const SDPAttr &attribute) {
     return otherName(attribute) == "crypto";
 }
 
-// The parameters that both sides must have or not have (RFC 4568 section 6.3).
+// The set of negotiated session parameters, which both sides must have or not have (RFC 4568
+// section 6.3).
 uint32_t negotiatedParameters(const CryptoLine &line) {
     constexpr std::string_view kNames[] = {"UNENCRYPTED_SRTP", "UNENCRYPTED_SRTCP",
                                            "UNAUTHENTICATED_SRTP"};
@@ -135,7 +137,7 @@ bool fits(const CryptoLine &theirs, const CryptoLine &ours) {
 
 } // namespace
 
-// The first offered line whose suite is ours: the offerer's order is its preference.
+// Chooses the first offered line whose suite we have: the offer is in order of preference.
 Crypto chooseCrypto(const Sides &sides) {
     if (!isSavp(sides.offered)) {
         return {};
@@ -149,7 +151,7 @@ Crypto chooseCrypto(const Sides &sides) {
             }
         }
     }
-    // Keys may also come by DTLS, or by what we do not look at.
+    // Keys may also come from DTLS, or from something that is not examined here.
     const bool offersCrypto = find(theirs, "crypto") != nullptr;
     const bool haveCrypto = find(ours, "crypto") != nullptr;
     const bool dtls = findFor(sides.offer, sides.offered, "fingerprint") != nullptr &&
@@ -185,7 +187,7 @@ void writeSuites(const Sides &sides, Text &text) {
     write(", ours", sides.ours);
 }
 
-// ---- Checks. `ours` is the answer here.
+// ---- Checks. Here `ours` is the stream of the answer.
 
 namespace {
 

@@ -1,4 +1,4 @@
-// Who opens a connection (RFC 4145), which keys protect it (RFC 4568).
+// Which side opens a connection (RFC 4145), and which keys protect it (RFC 4568).
 #pragma once
 
 #include "negotiate/draft.hpp"
@@ -13,10 +13,11 @@ bool isTcp(const SDPMediaDesc &media);       // "TCP", "TCP/BFCP"
 bool isSavp(const SDPMediaDesc &media);      // RTP/SAVP, RTP/SAVPF: keys by a=crypto
 bool hasFeedback(const SDPMediaDesc &media); // the AVPF profiles
 
-// Equal without case, or where `avpForAvpf` AVPF and AVP, SAVPF and SAVP.
+// Whether two protocols are equal without case; with `avpForAvpf` also an offered AVPF and our AVP,
+// or SAVPF and SAVP.
 bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf);
 
-// One stream of an offer, and ours that is to answer it.
+// One stream of an offer, and the stream of ours that answers it.
 struct Sides {
     const SdpLine &offer;
     const SDPMediaDesc &offered;
@@ -31,8 +32,8 @@ struct Setup {
 Setup chooseSetup(const Sides &sides);
 void writeSetups(const Sides &sides, Text &text); // "offered active, ours active"
 
-// The a=connection of the answer: empty for none. `previous` is the stream in our last description,
-// null where it had none.
+// The value of a=connection in the answer; empty for none. `previous` is the stream in our last
+// description, null if it had none.
 std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previous);
 
 struct Crypto {
