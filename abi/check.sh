@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# The binary interface against what is checked in beside this file: the exported symbols exactly,
-# and the types behind them by abidiff. A symbol list changes with every addition; a baseline is
-# that of one SOVERSION, so that changed types need a new one.
+# Compares the binary interface with the files in this folder: the exported symbols exactly, and
+# their types by abidiff. Every addition changes a list of symbols; a baseline of types belongs to one
+# SOVERSION, so that changed types need a new one.
 # usage: check.sh BUILD_DIR            compare; needs a build with debug information
-#        check.sh --update BUILD_DIR   write what is built as the new lists and baselines
+#        check.sh --update BUILD_DIR   write new lists and baselines from the build
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 update=
@@ -45,12 +45,12 @@ for library in libsdpline libsipcore libsdpline_tidy libsdpline_negotiate; do
   fi
 done
 
-# Nothing but the core services, libc and the compiler's own run-time libraries is imported.
+# Only the core services, libc and the run-time libraries of the compiler may be imported.
 undefined=$(nm -D --undefined-only "$build/src/libsdpline.so" | awk '{ print $NF }' |
   grep -vE '@GLIBC|@GCC|@CXXABI|@GLIBCXX|^(_ITM_.*|__cxa_finalize|__gmon_start__)$' || true)
 foreign=$(comm -23 <(LC_ALL=C sort <<<"$undefined") "$here/libsipcore.symbols")
 if [ -n "$foreign" ]; then
-  echo "libsdpline imports what no core service is: $foreign" >&2
+  echo "libsdpline imports other symbols than the core services: $foreign" >&2
   status=1
 fi
 needed=$(readelf -d "$build/src/libsdpline.so" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |

@@ -1,5 +1,5 @@
-// The heap's functions of glibc, taken over and handed on: one addition for each call, the same for
-// everybody who is measured.
+// Replaces the heap functions of glibc by functions that count and forward, which costs one
+// addition for each call, the same for every library that is measured.
 #include "allocations.hpp"
 
 #include <cerrno>

@@ -1,5 +1,5 @@
-// Calls of the process heap, counted for each thread: malloc, calloc, realloc and aligned_alloc of
-// the whole program and of the shared libraries that it is linked with.
+// Counts the calls of the process heap for each thread: malloc, calloc, realloc and aligned_alloc
+// of the program and of its shared libraries.
 #pragma once
 
 #include <cstdint>

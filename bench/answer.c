@@ -1,4 +1,4 @@
-/* A call's answer by the C interface; answer.cpp does the same by the C++ API. */
+/* The answer to a call by the C interface; answer.cpp makes the same by the C++ API. */
 #include "answer.h"
 
 #include <string.h>
@@ -16,9 +16,9 @@ static SipString lent(const char *text) {
     return string;
 }
 
-/* ---- What is repeated ------------------------------------------------------------------------ */
+/* ---- Copying ----------------------------------------------------------------------------- */
 
-/* The payload numbers of a stream that the answerer speaks, by number and as a list. */
+/* The payload numbers of a stream that the answerer supports, by number and as a list. */
 typedef struct Spoken {
     char byNumber[128];
     uint32_t list[SDP_MAX_PAYLOADS];

@@ -1,4 +1,4 @@
-// A call's answer by the C++ API; answer.c does the same by the C interface.
+// The answer to a call by the C++ API; answer.c makes the same by the C interface.
 #include <array>
 #include <span>
 
@@ -11,7 +11,7 @@ namespace {
 using sdpline::Attribute;
 using sdpline::Media;
 
-// The payload numbers of a stream that the answerer speaks, by number and as a list.
+// The payload numbers of a stream that the answerer supports, by number and as a list.
 struct Spoken {
     explicit Spoken(const Media &offered) {
         byNumber[0] = byNumber[8] = true; // PCMU and PCMA need no a=rtpmap
@@ -41,8 +41,8 @@ struct Spoken {
     std::size_t count = 0;
 };
 
-// Whether the answer repeats a line of the offer: what describes payload numbers that are not
-// spoken, directions and candidates it does not.
+// Whether the answer repeats a line of the offer: not directions, candidates, and lines about
+// unsupported payload numbers.
 bool isMirrored(const Attribute &line, const Spoken &spoken) {
     if (const auto map = line.as<sdpline::RtpMap>()) {
         return spoken.has(map->payload);

@@ -1,6 +1,6 @@
-/* A call's answer by the C interface: decodes an offer, makes an answer with the payload numbers
- * that are spoken, the other lines mirrored and the direction reversed, encodes it and releases
- * both. Returns whether it was done. */
+/* The answer to a call by the C interface: decodes an offer, makes an answer with the supported
+ * payload numbers, the other lines copied and the direction reversed, encodes it and releases both.
+ * Returns whether it succeeded. */
 #pragma once
 
 #include <stdint.h>

@@ -68,7 +68,7 @@ std::string session() {
                    "c=IN IP4 192.0.2.101", "t=0 0"});
 }
 
-// Attributes as browsers and gateways send them by the dozen, up to `size` bytes of text.
+// Attributes as browsers and gateways send them, up to `size` bytes of text.
 std::string heavyMedia(size_t size) {
     std::string text = joined({"m=audio 9 RTP/AVP 111 103 104 9 0 8 106 105 13 110 112 113 126"});
     for (int i = 1; text.size() < size; ++i) {
@@ -82,7 +82,7 @@ std::string heavyMedia(size_t size) {
     return text;
 }
 
-// Cases with a setting of their own would be refused, or written another way, without it.
+// Cases with a setting would be refused, or written differently, without it.
 Body mixture() {
     Body body = {"mixture", {}};
     for (const support::Case &current : support::readCases(SDPLINE_CASES)) {
@@ -190,7 +190,7 @@ const std::vector<Body> &attributeBodies() {
 
 namespace {
 
-// What a line that can have a fault begins with, and where the blank goes that it has too many.
+// The beginning of a line that can have a fault, and the place for its additional blank.
 struct Place {
     std::string_view line;
     char after; // this byte, 0: the line's last

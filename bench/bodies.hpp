@@ -1,4 +1,4 @@
-// The bodies that are measured: real-looking offers by their sizes, and others made to cost.
+// The bodies that are measured: realistic offers of several sizes, and expensive bodies.
 #pragma once
 
 #include <cstddef>
@@ -16,23 +16,22 @@ struct Body {
     size_t size() const;
 };
 
-// An audio offer (240 bytes), audio with video and T.38 (1 KB), that with candidates (2 KB), one
-// heavy with attributes (4 KB), and the mixture: every body of tests/cases that is accepted without
-// a setting, each once.
+// An audio offer (240 bytes), audio with video and T.38 (1 KB), the same with candidates (2 KB),
+// one with many attributes (4 KB), and the mixture: every body of tests/cases that is accepted
+// without a setting.
 const std::vector<Body> &bodies();
 
-// The offer that costs an answer the most for each of its bytes: one stream with one codec
-// ("130B").
+// The offer whose answer costs most for each byte: one stream with one codec ("130B").
 const Body &shortestOffer();
 
-// Bodies of 4 KB with one attribute over and over, named after it: each known kind of attribute at
-// its shortest value, and unknown ones.
+// Bodies of 4 KB that repeat one attribute, after which they are named: each known kind of
+// attribute with its shortest value, and unknown attributes.
 const std::vector<Body> &attributeBodies();
 
-// The body with a fault that sdptidy.h repairs by default: in its second line, in its last one, or
-// in each line that can have one. Without faults it has the same lines, and one more at the end.
+// The body with a fault that is repaired by default: in its second line, in its last line, or in
+// each line that can have one. The body without faults has one more line at the end.
 enum class Fault { First, Last, Each };
-// By the names of the operations that repair them.
+// By the names of the operations.
 inline constexpr std::pair<const char *, Fault> kFaults[] = {
     {"repair-first", Fault::First}, {"repair-last", Fault::Last}, {"repair-each", Fault::Each}};
 Body untidy(const Body &body, Fault fault);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures how fast captures and texts of messages are read, beside other programs that read them.
+"""Measures how fast captures and texts of messages are read, and compares that with other programs.
 
 captures.py PROGRAM MAKECAPTURE [MEGABYTES]
 
@@ -20,7 +20,7 @@ MOST_MEMORY = 200  # MB that check may need, whatever the size of its input
 
 
 class Run:
-    """The fastest of several runs: seconds by the clock and of the processors, and memory in MB."""
+    """The fastest of several runs: wall-clock seconds, CPU seconds, and memory in MB."""
 
     def __init__(self, command, runs=RUNS):
         self.seconds = self.processors = self.memory = None

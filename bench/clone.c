@@ -5,7 +5,7 @@
 
 #include "sdpline/sdpline.h"
 
-/* Each function returns 0 without memory; what was made until then goes with the block. */
+/* Each function returns 0 where memory is exhausted; the block releases what was made before. */
 
 static void *take(SDPMemCp *block, size_t size) {
     return block->pfnAlloc(block, (uint32_t)size);
@@ -15,7 +15,7 @@ static int copyLine(SDPMemCp *block, uint32_t type, const void *from, void *to) 
     return SdpCopyLine(block, type, from, to) == 0;
 }
 
-/* The pointer's place is given as a void *: records are packed, and it may lie unaligned. */
+/* The place of the pointer is a void *: records are packed, so that it may be unaligned. */
 static int cloneLine(SDPMemCp *block, uint32_t type, const void *from, void *to) {
     void *made = NULL;
     if (from != NULL && SdpCloneLine(block, type, from, &made) != 0) {
@@ -25,7 +25,7 @@ static int cloneLine(SDPMemCp *block, uint32_t type, const void *from, void *to)
     return 1;
 }
 
-/* An array of lines of one type, which a decode never leaves a slot of empty. */
+/* An array of lines of one type; a decode leaves no slot empty. */
 static int cloneLines(SDPMemCp *block, uint32_t type, uint32_t count, void *from, void *to) {
     void *const *sources = from;
     void **lines = sources != NULL ? take(block, count * sizeof *lines) : NULL;

@@ -1,5 +1,5 @@
 /* A copy of a body by the C interface, each line by SdpCopyLine or SdpCloneLine, and its release.
- * Returns whether it was done. */
+ * Returns whether it succeeded. */
 #pragma once
 
 #include "sdpline/sdprecords.h"

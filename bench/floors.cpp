@@ -10,21 +10,20 @@ namespace {
 
 struct Requests {
     std::vector<uint32_t> sizes;
-    std::vector<std::unique_ptr<uint8_t[]>> pieces; // until the body is dropped
+    std::vector<std::unique_ptr<uint8_t[]>> chunks; // until the body is dropped
 };
 
 Requests *requests = nullptr;
 
 void *noteRequest(uint32_t size) {
     requests->sizes.push_back(size);
-    requests->pieces.push_back(std::make_unique<uint8_t[]>(size + 1));
-    return requests->pieces.back().get();
+    requests->chunks.push_back(std::make_unique<uint8_t[]>(size + 1));
+    return requests->chunks.back().get();
 }
 
 } // namespace
 
-// Aligned, so that the floor does not lie deeper or higher with every change of what comes before
-// it.
+// Aligned, so that the lower bound does not change with the code before it.
 [[gnu::noinline, gnu::aligned(64)]] uint32_t passTable(const std::string &text,
                                                        const uint8_t (&table)[256]) {
     uint32_t sum = 0;

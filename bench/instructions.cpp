@@ -1,5 +1,5 @@
 // sdpline_instructions OPERATION BODY COUNT: does one operation on one body COUNT times, for a tool
-// that counts instructions. The difference of two counts is free of what comes before and after.
+// that counts instructions. The difference of two counts leaves out the work before and after.
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -41,7 +41,7 @@ bool onLines(const bench::Body &body, long count, Operation operation) {
 
 using Negotiation = bool (*)(const sdpline::Body &, const sdpline::Body &);
 
-// All that is offered is what we can do.
+// The local body supports everything that is offered.
 bool onOffers(const bench::Body &body, long count, Negotiation operation) {
     const auto offers = bench::decoded(body);
     return !offers.empty() && repeated(count, [&] {

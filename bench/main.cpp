@@ -1,6 +1,6 @@
-// Everything that a user of sdpline does with a body, beside what others take to parse and print
-// the same text, and beside floors: one pass of a byte table over it, the steps that every decode
-// has, each alone, and a copy of it on the heap. A benchmark is called OPERATION/WHO/BODY.
+// Measures every operation of sdpline on a body, and for comparison other libraries that parse and
+// print the same text, and lower bounds: one pass of a byte table over the text, single steps of a
+// decode, and a copy of the text on the heap. Benchmarks are named OPERATION/LIBRARY/BODY.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -59,7 +59,7 @@ void addOwn(const Body &body) {
     });
 }
 
-// A call's answer, whose offer is decoded first, by the C++ API and by the C interface.
+// The answer to a call, including the decode of the offer, by the C++ API and by the C interface.
 void addAnswer(const Body &body) {
     add("answer", "sdpline", body, [&body](benchmark::State &state) {
         bench::measureEach(state, body, body.texts, bench::answerByCpp);
@@ -75,7 +75,7 @@ void addAnswer(const Body &body) {
     });
 }
 
-// A text that is taken as it is, and texts with faults beside the decode of what comes out of each.
+// Tidies a text without faults and texts with faults, and decodes the result of each.
 void addTidy(const Body &body) {
     add("repaired", "sdpline", body, [&body](benchmark::State &state) {
         const Body whole = bench::withoutFaults(body);
@@ -92,8 +92,8 @@ void addTidy(const Body &body) {
     }
 }
 
-// Where decodes are serialised, as they are but for SDPLINE_THREAD_LOCAL, two threads wait for each
-// other.
+// Decodes are serialised, so that two threads wait for each other, unless built with
+// SDPLINE_THREAD_LOCAL.
 void addThreads(const Body &body) {
 #ifdef SDPLINE_THREAD_LOCAL
     const char *const who = "parallel";
@@ -113,8 +113,8 @@ void addThreads(const Body &body) {
         ->UseRealTime();
 }
 
-// What the peer loses of the body when it writes it back; nothing when it refuses one of the texts.
-// It is asked no more then: one of them takes minutes over a text of 61 bytes.
+// How many lines the peer loses when it writes the body; nothing where it refuses one of the texts.
+// The remaining texts are then left out: one peer takes minutes over a text of 61 bytes.
 std::optional<bench::Lost> lostBy(const bench::Peer &peer, const Body &body) {
     bench::Lost lost = {0, 0};
     for (const std::string &text : body.texts) {

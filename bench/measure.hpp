@@ -1,4 +1,4 @@
-// How everything is measured: in a loop, and then its calls of the heap.
+// Measures an operation in a loop, and then counts its calls of the heap.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -10,8 +10,8 @@
 
 namespace bench {
 
-// Calls `operation`, which returns whether it did its work, over and over. `allocs` is the calls of
-// the heap of one operation in the steady state.
+// Calls `operation`, which returns whether it succeeded, in a loop. `allocs` is the number of calls
+// of the heap for one operation in the steady state.
 template <class Operation>
 void measure(benchmark::State &state, const Body &body, Operation operation) {
     if (!operation()) {
@@ -35,7 +35,7 @@ void measure(benchmark::State &state, const Body &body, Operation operation) {
     }
 }
 
-// The same over all members of a list: texts, or what was made of them.
+// The same over all members of a list: texts, or bodies made from them.
 template <class List, class Operation>
 void measureEach(benchmark::State &state, const Body &body, List &list, Operation operation) {
     measure(state, body, [&] {

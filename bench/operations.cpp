@@ -93,7 +93,7 @@ std::vector<sdpline::Body> decoded(const Body &body) {
     return result;
 }
 
-// A text grows where it is written with what it was read without, by much less than its own size.
+// A written text may be longer than the text that was read, but by much less than its size.
 std::vector<uint8_t> roomForText() {
     return std::vector<uint8_t>(size_t{2} * SDP_MAX_BODY);
 }

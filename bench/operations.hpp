@@ -1,4 +1,4 @@
-// The operations of sdpline that are measured. Each returns whether it did its work.
+// The operations of sdpline that are measured. Each returns whether it succeeded.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +20,8 @@ bool clone(const sdpline::Body &body);
 bool cloneByC(const sdpline::Body &body);
 bool serialise(SdpLine *line, std::vector<uint8_t> &buffer);
 
-// A call's answer: decodes an offer, makes an answer with the payload numbers that are spoken, the
-// other lines mirrored and the direction reversed, encodes it and releases both.
+// The answer to a call: decodes an offer, makes an answer with the supported payload numbers, the
+// other lines copied and the direction reversed, encodes it and releases both.
 bool answerByCpp(const std::string &text);
 bool answerByC(const std::string &text);
 
@@ -33,10 +33,10 @@ bool tidyAndRelease(const std::string &text);
 bool negotiate(const sdpline::Body &offer, const sdpline::Body &local);
 bool negotiateByC(const sdpline::Body &offer, const sdpline::Body &local);
 
-// The decoded texts of a body; empty when one is refused.
+// The decoded texts of a body; empty where one is refused.
 std::vector<sdpline::Body> decoded(const Body &body);
 
-// A buffer that every body of ours is written into.
+// A buffer that is large enough for every measured body.
 std::vector<uint8_t> roomForText();
 
 } // namespace bench

@@ -1,5 +1,6 @@
-// Other libraries that parse SDP, each in a source of its own and only where it is installed. Each
-// is called as its documentation has it: one parse and free for each text, and one print and free.
+// Other libraries that parse SDP, each in one source, which is built only where it is installed.
+// Each is called as its documentation says: one parse and free for each text, and one print and
+// free.
 #pragma once
 
 #include <memory>
@@ -12,14 +13,14 @@ namespace bench {
 class Parsed {
 public:
     virtual ~Parsed() = default;
-    virtual bool print() = 0; // and gives the text back
+    virtual bool print() = 0; // and frees the text
     virtual std::string printed() = 0;
 };
 
-// A text that Library::parse read, which Library has to
-//  - parse: the tree of a text, null when it is refused,
-//  - release: give the tree back,
-//  - print: write the tree, copy what was written where that is asked for, and give the text back.
+// A text that Library::parse read. Library has these functions:
+//  - parse: returns the tree of a text, or null where it is refused,
+//  - release: frees the tree,
+//  - print: writes the tree, copies the text if wanted, and frees it.
 template <class Library>
 class ParsedBy final : public Parsed {
 public:
@@ -44,11 +45,11 @@ private:
 
 struct Peer {
     const char *name;
-    bool (*parse)(const std::string &text);                   // and gives everything back
+    bool (*parse)(const std::string &text);                   // and frees everything
     std::unique_ptr<Parsed> (*keep)(const std::string &text); // null when the text is refused
 };
 
-// Those that the program was built with, by name. A source adds its own before main().
+// The libraries that the program was built with, by name. Each source adds one before main().
 std::vector<Peer> peers();
 bool addPeer(const Peer &peer);
 
@@ -68,7 +69,8 @@ bool addPeer(const char *name) {
     return addPeer({name, parse, keep});
 }
 
-// How many lines of the text, of how many, are not in what the peer prints after it parsed it.
+// How many lines of the text the peer does not print after it has parsed it, and how many there
+// are.
 struct Lost {
     size_t lines;
     size_t of;

@@ -1,4 +1,4 @@
-"""Decode and encode of the offers as bars, time per byte, in an SVG of its own."""
+"""Draws the time per byte of decode and encode of the offers as bars in an SVG."""
 
 from html import escape
 

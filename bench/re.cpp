@@ -1,10 +1,10 @@
-// libre. A session takes the offer and writes the answer of its own side, so that what it prints is
-// not what it read.
+// libre. A session reads the offer and writes its local description, so that what it prints is not
+// what it read.
 #include "peers.hpp"
 
 extern "C" {
 #include <re/re_types.h>
-// and what these build on
+// which these headers need
 #include <re/re_fmt.h>
 #include <re/re_list.h>
 #include <re/re_mbuf.h>
@@ -16,7 +16,7 @@ extern "C" {
 namespace {
 
 struct Re {
-    // Reads the text where it is: a decoder only moves the position of the buffer.
+    // Reads the text without a copy: the decoder only moves the position of the buffer.
     static sdp_session *parse(const std::string &text) {
         static const sa local = [] {
             sa address;

@@ -177,7 +177,7 @@ def threads(results):
 
 
 class Target:
-    """A bound on a number that was measured, or was not: then it is neither held nor missed."""
+    """A bound on a number. A number that was not measured neither holds nor misses it."""
 
     def __init__(self, what, value, limit, least):
         self.what, self.value, self.limit, self.least = what, value, limit, least
@@ -237,7 +237,7 @@ def targets(results):
 
 
 def tidy_decodes(results):
-    """What a text costs that is taken as it is, and one that is repaired, in decodes of it."""
+    """The cost of a text without faults and of a repaired text, relative to a decode of it."""
     for operation, decoded, most in (
         ("tidy", "decode", TIDY_DECODES),
         ("repair-first", "repaired", REPAIR_DECODES),

@@ -1,5 +1,5 @@
 #!/usr/bin/env -S python3 -B
-"""What the scripts of this folder make of measurements that are given to them."""
+"""Tests the scripts of this folder with given measurements."""
 
 import json
 import os

@@ -1,4 +1,4 @@
-"""What a run of sdpline_bench measured: medians by operation, library and body."""
+"""The results of sdpline_bench: medians by operation, library and body."""
 
 import json
 import statistics
@@ -33,7 +33,7 @@ class Measured:
 
     @property
     def spread(self):
-        """Half of the repetitions lie within this part of the median."""
+        """The fraction of the median within which half of the repetitions lie."""
         quarters = statistics.quantiles(self.times, n=4)
         return (quarters[2] - quarters[0]) / 2 / self.time
 
@@ -95,7 +95,7 @@ class Results:
         return sorted((names | {peer for peer, _ in self.refused}) - {OURS})
 
     def fastest_peer(self, operation, body):
-        """The peer's name and time. Of those that print, only those that lose no line."""
+        """The name and time of the peer. Of peers that print, only those that lose no line."""
         best = None
         for peer in self.peers():
             measured = self.get(operation, peer, body)

@@ -1,6 +1,6 @@
-// The SDP parser of sofia-sip. The parser is the memory home of what it reads, as the printer is of
-// what it writes; both go with one call. They are told to keep and to write what they leave out by
-// default: rtpmaps of payloads that the m= line lacks, and the default direction.
+// The SDP parser of sofia-sip. The parser owns what it reads, and the printer what it writes; each
+// is freed with one call. They are set to keep and to write what they leave out by default: rtpmaps
+// of payloads that are not in the m= line, and the default direction.
 #include <sofia-sip/sdp.h>
 
 #include "peers.hpp"

@@ -1,7 +1,7 @@
-# What cmake --install lays down: libraries, headers, the CMake package, pkg-config files, the
-# program with its man page and completions. All of it is relocatable: whatever folder it is moved to,
-# the program finds the libraries, and one library the other. A distribution's package, which lies
-# where the loader looks anyway, is made with CMAKE_SKIP_INSTALL_RPATH.
+# Installs libraries, headers, the CMake package, pkg-config files, and the program with its man page and
+# completions. The installed tree may be moved: the program and the libraries find each other by relative
+# paths. A package for a distribution, whose libraries are where the loader looks for them, is made with
+# CMAKE_SKIP_INSTALL_RPATH.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -15,9 +15,10 @@ install(TARGETS ${sdpline_libraries} EXPORT sdplineTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-# Where a file looks for the libraries: installed in `folder`, and in the build in the folders of the
-# build too. CMake's own change from one to the other reserves its bytes with ":" in the built file,
-# and an empty element is the current folder; here the built file's list begins with the other one.
+# Sets where a file looks for the libraries: in `folder` when installed, and in the build also in the
+# folders of the build. CMake would pad the list of the built file with ":" to replace it at
+# installation, but an empty element means the current folder. Here the list of the built file begins
+# with the installed one.
 function(sdpline_find_libraries target folder destination component)
   get_target_property(type ${target} TYPE)
   set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)

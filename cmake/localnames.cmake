@@ -1,5 +1,5 @@
-# Makes one object of an archive's, with the names that sdpinternals.h declares bound inside it.
-# Run after the archive is made: cmake -DARCHIVE=... -DHEADER=... -DLINKER=... -DOBJCOPY=... -DAR=...
+# Links the objects of an archive into one object, and makes the names that sdpinternals.h declares local
+# to it. Run after the archive is made: cmake -DARCHIVE=... -DHEADER=... -DLINKER=... -DOBJCOPY=... -DAR=...
 # -P localnames.cmake
 file(STRINGS ${HEADER} declarations REGEX "^SDPLINE_API ")
 set(names "")

@@ -1,6 +1,7 @@
 /*
  * Reads an offer from standard input and writes the answer to it (RFC 3264): PCMU, PCMA and
- * telephone events are taken, everything else is rejected. What was decided goes to standard error.
+ * telephone events are accepted, everything else is rejected. Decisions are written to standard
+ * error.
  *
  *     cc answer.c $(pkg-config --cflags --libs sdpline-negotiate) -o answer_c
  *     ./answer_c < offer.sdp

@@ -1,5 +1,6 @@
 // Reads an offer from standard input and writes the answer to it (RFC 3264): PCMU, PCMA and
-// telephone events are taken, everything else is rejected. What was decided goes to standard error.
+// telephone events are accepted, everything else is rejected. Decisions are written to standard
+// error.
 //
 //     c++ -std=c++20 answer.cpp $(pkg-config --cflags --libs sdpline-negotiate) -o answer_cpp
 //     ./answer_cpp < offer.sdp

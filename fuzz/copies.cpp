@@ -1,5 +1,5 @@
-// Every line of a decoded body is copied and cloned into records that equal it, share nothing with
-// it, outlive it, and give back all that they took.
+// Copies and clones every line of a decoded body. The copies equal the line, share nothing with it,
+// outlive it, and free everything that they allocated.
 #include <algorithm>
 #include <deque>
 #include <vector>
@@ -28,10 +28,10 @@ uint64_t heapBlocks() {
     return now.ulHeapBlocks;
 }
 
-// A record of the kind, made by one of the two operations over one memory.
+// A record of this kind, made by one of the two operations with one memory control.
 class Twin {
 public:
-    // Into memory that holds rubbish, at any multiple of 4; or else a clone.
+    // A copy into memory with arbitrary content, at any multiple of 4; or a clone.
     Twin(SDPMemCp *memory, const BodyLine &source, bool copied)
         : memory_(memory), lineType_(source.lineType), copied_(copied),
           room_(std::string(dsmtest::recordSize(source.lineType) + 4, '\xA5')) {
@@ -99,7 +99,7 @@ std::deque<Line> twinsOf(const SdpLine &body, SDPMemCp *memory) {
         Line &line = lines.emplace_back();
         line.text = encodeLine(source.lineType, const_cast<void *>(source.record));
         line.look = lookAt(source.lineType, source.record);
-        // What a t= line points to is met once more with its r= lines.
+        // The r= lines of a t= line are copied again by themselves.
         if (source.lineType != SDP_LINE_REPEAT) {
             allocations.insert(allocations.end(), line.look.allocations.begin(),
                                line.look.allocations.end());

@@ -1,5 +1,6 @@
-// Any bytes are decoded or refused, with a reason and a place inside the text, and within a small
-// multiple of the greatest body's memory. The three ways into the decoder agree.
+// Any bytes are decoded, or refused with a reason and a place inside the text, and the memory is at
+// most a small multiple of the greatest size of a body. The three entry points of the decoder
+// agree.
 #include <algorithm>
 
 #include "fuzz.hpp"
@@ -14,7 +15,7 @@ uint64_t mostMemory() {
     return 64 * uint64_t{SdpGetMaxBodySize()};
 }
 
-// The place of the refusal lies in the text, and its line and column are those of its offset.
+// The place of the refusal is in the text, and its line and column are those of its offset.
 void requirePlaceIn(std::string_view text, const SDPFailure &failure) {
     if (failure.ulLine == 0) {
         require(text.empty() || text.size() > SdpGetMaxBodySize(),
@@ -62,7 +63,7 @@ Body decodeFromBuffer(std::string_view text, SDPResult &result) {
     return Body(line);
 }
 
-// Fewer bytes than the limit are held from the process heap while it lives.
+// Checks that fewer bytes than the limit are allocated from the process heap during its life.
 class LittleMemory {
 public:
     LittleMemory() : before_(statistics().ulHeapBytes) { SipMmResetPeak(); }

@@ -1,5 +1,5 @@
-// With any allocation and any append failing, nothing but success or that failure's own reason
-// comes back, nothing is lost, and what was made can be used.
+// With any allocation and any append failing, operations return success or the reason of that
+// failure, nothing is leaked, and the results can be used.
 #include "copy/linesamples.hpp"
 #include "fuzz.hpp"
 #include "support/allocations.hpp"
@@ -14,8 +14,7 @@ using support::Allocations;
 using support::Appends;
 using support::BodyLine;
 
-// A decode with the n-th of its allocations failing. What it gives may lack the text of an unknown
-// protocol word.
+// A decode with its n-th allocation failing. The body may lack the text of an unknown protocol.
 Body decodeShort(std::string_view text, uint32_t n) {
     SDPResult whole = 0;
     Allocations::reset();
@@ -36,7 +35,7 @@ Body decodeShort(std::string_view text, uint32_t n) {
     return body;
 }
 
-// What was written is what the appends that did not fail held, in their order.
+// The written text consists of the successful appends in their order.
 void encodeShort(SdpLine &body, uint32_t n, bool allFollowing) {
     Appends::reset();
     require(fuzz::encode(body).has_value(), "what decodes encodes");
@@ -55,7 +54,7 @@ void encodeShort(SdpLine &body, uint32_t n, bool allFollowing) {
     Appends::off();
 }
 
-// Clones in one block, where an allocation may fail, and in memory that counts every allocation.
+// Clones in a block, where an allocation may fail, and in memory that counts every allocation.
 void cloneShort(const SdpLine &body, uint32_t n) {
     SDPMemCp *block = nullptr;
     require(SipMmCreateBufMem(64, 64, &block) == 0, "there is memory");

@@ -1,5 +1,5 @@
-// A packet is the same in whatever order its fragments come and how often; of any fragments at all
-// no more is kept than the limit.
+// A reassembled packet does not depend on the order or repetition of its fragments; whatever
+// fragments arrive, no more than the limit is kept.
 #include <algorithm>
 #include <string>
 #include <vector>

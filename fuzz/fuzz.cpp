@@ -10,7 +10,7 @@ namespace fuzz {
 
 namespace {
 
-// A format and its arguments must fit each other, and the names are always given.
+// The format must fit its arguments, and the names are always given.
 void format(uint32_t module, uint32_t, uint32_t level, const char *file, const char *function,
             uint32_t, uint32_t, const char *message, ...) {
     require(module == 17 && (level == 3 || level == 5), "a log entry has the library's own module");
@@ -33,7 +33,7 @@ void format(uint32_t module, uint32_t, uint32_t level, const char *file, const c
 
 void require(bool holds, const char *what, std::string_view detail) {
     if (!holds) {
-        std::fprintf(stderr, "FINDING: not so: %s\n", what);
+        std::fprintf(stderr, "FINDING: this does not hold: %s\n", what);
         if (!detail.empty()) {
             std::fprintf(stderr, "%.*s\n", static_cast<int>(detail.size()), detail.data());
         }

@@ -1,7 +1,7 @@
 // What the fuzz targets share.
 //
-// A target is one property in one file. It reads its input as a text that numbers follow: the
-// numbers are taken from the end, so that a body stays a body whatever is done to the choices.
+// A target is one property in one file. Its input is a text followed by numbers, which are taken
+// from the end, so that a body stays a body when the fuzzer changes the numbers.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace fuzz {
 
-// Ends the program when the property does not hold; `what` says what should have been so.
+// Ends the program where the property does not hold; `what` is the property.
 void require(bool holds, const char *what, std::string_view detail = {});
 
 class Input {
@@ -29,16 +29,16 @@ public:
     uint32_t below(uint32_t limit);
     bool oneIn(uint32_t limit) { return below(limit) == limit - 1; }
 
-    // What no number was taken from.
+    // The bytes that were not taken as numbers.
     std::string_view rest() const { return rest_; }
-    // That many bytes of its start, taken away.
+    // Takes that many bytes from the start.
     std::string_view front(size_t size);
 
 private:
     std::string_view rest_;
 };
 
-// Bytes in a heap block of exactly their size: reading or writing beyond it is seen.
+// Bytes in a heap block of exactly their size, so that accesses beyond it are detected.
 class Exact {
 public:
     explicit Exact(std::string_view bytes);
@@ -53,7 +53,7 @@ private:
     size_t size_;
 };
 
-// How the library is set up, in one byte of the input. Every entry that is logged is formatted.
+// The configuration of the library, from one byte of the input. Every log entry is formatted.
 struct Configuration {
     uint32_t t38Style;
     uint32_t rtpAvpf;
@@ -66,7 +66,7 @@ struct Configuration {
     void apply() const;
 };
 
-// Requires that libsipcore holds in the end what it held at first.
+// Requires that libsipcore has as many allocations at the end as at the start.
 class NothingLeaks {
 public:
     NothingLeaks();
@@ -83,10 +83,10 @@ using support::Body;
 // A body, or null with the reason of the refusal.
 Body decode(std::string_view text, SDPResult *refused = nullptr);
 
-// The body's text, or none with the reason.
+// The text of the body, or nothing with the reason.
 std::optional<std::string> encode(SdpLine &line, SDPResult *refused = nullptr);
 
-// What the text holds, given back.
+// The content of the string buffer, which is released.
 std::string take(SipRefString *text);
 
 // The name of the check that composed the result.

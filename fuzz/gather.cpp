@@ -1,5 +1,5 @@
-// The parsers of a text line and of an rtpmap, entered wherever the lexer is, take what the
-// model takes token by token, and leave the lexer where it leaves the model.
+// The parsers of a text line and of an rtpmap, called at any position of the lexer, accept what the
+// model accepts token by token, and leave the lexer in the state of the model.
 #include <cstdlib>
 
 #include "lexers.hpp"
@@ -11,7 +11,7 @@ using support::LexerModel;
 
 constexpr uint32_t kMaxName = 255;
 
-// Memory of the parser's hooks.
+// Memory for the hooks of the parser.
 void *allocate(uint32_t size) {
     return std::calloc(1, size == 0 ? 1 : size);
 }
@@ -27,8 +27,8 @@ std::string take(SipString &text) {
     return bytes;
 }
 
-// ---- What the parsers do, on the model. Where nothing else is tested before, they switch the
-// context first, whatever comes of it.
+// ---- The work of the parsers on the model. Unless something is tested before, they first switch
+// the context and ignore the result.
 
 bool take(LexerModel &model, uint32_t kind, uint32_t context) {
     model.context = context;
@@ -113,7 +113,7 @@ void rtpmapBoth(LexerModel &model) {
     }
 }
 
-// One step of both, of those that leave them on a token.
+// One step of both, chosen from those that leave them at a token.
 void step(fuzz::Lexers &lexers, fuzz::Input &input) {
     const uint32_t choice = input.below(16);
     LexerModel &model = lexers.model();

@@ -1,6 +1,6 @@
-// JSON is refused with a reason or gives a body that can be written, shown, and turned into JSON
-// that means the same; what is written from JSON decodes to that JSON; and every body that decodes
-// comes back from its JSON as it was.
+// JSON is refused with a reason, or gives a body that can be encoded, printed, and written as JSON
+// with the same meaning. A text written from JSON decodes to that JSON, and every decoded body
+// equals the body read from its JSON.
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -17,7 +17,7 @@ namespace {
 using fuzz::require;
 using nlohmann::json;
 
-// Lines that end in CR alone are none to a decoder.
+// The decoder does not end a line at a CR alone.
 std::string withLineFeeds(std::string text) {
     const SipString lineEnd = SdpGetCrlfString(0);
     if (std::string_view(lineEnd.pcData, lineEnd.ulLen) == "\r") {
@@ -41,7 +41,7 @@ void requireSameFromJson(SdpLine &line) {
     require(cli::jsonOf(*again).dump() == document, "it has the same JSON", document);
 }
 
-// With some setting of the decoder it does.
+// It decodes with some setting of the decoder.
 void requireReadBack(const json &document, const std::string &wanted) {
     std::string error;
     const std::optional<std::string> text = cli::textOfJson(document, error);

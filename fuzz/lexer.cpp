@@ -1,5 +1,5 @@
-// The lexer, under operations and context switches in any order, gives what a plain model of it
-// finds byte by byte.
+// The lexer, under operations and context switches in any order, returns what a simple model finds
+// byte by byte.
 #include "lexers.hpp"
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

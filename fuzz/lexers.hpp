@@ -1,4 +1,4 @@
-// The library's lexer and the plain model of it, side by side on one input.
+// The lexer of the library and a simple model of it, on the same input.
 #pragma once
 
 #include <cstring>
@@ -35,7 +35,7 @@ public:
     Lexers(const Lexers &) = delete;
     Lexers &operator=(const Lexers &) = delete;
 
-    // One operation on both; half of them are the one that cuts the next token.
+    // One operation on both; half of the operations read the next token.
     void operate(fuzz::Input &input) {
         const uint8_t choice = input.byte();
         const uint32_t argument = choice >> 4;
@@ -67,7 +67,7 @@ public:
         model_.context = context;
     }
 
-    // Any place of the input, as setters may set it.
+    // Sets any position in the input, as setters may do.
     void jump(fuzz::Input &input) {
         if (size_ == 0) {
             return;
@@ -83,7 +83,7 @@ public:
 
     support::LexerModel &model() { return model_; }
 
-    // After a parser the text buffer is what the library left in it.
+    // After a parser the model takes the text buffer from the library.
     void shareTextBuffer() {
         std::memcpy(model_.text.data(), sdpGetThrowAwayBuffer(), model_.text.size());
     }
@@ -138,7 +138,7 @@ private:
                 "the text buffer is the model's");
     }
 
-    // A token half made.
+    // A token that is half built.
     void build(fuzz::Input &input) {
         if (model_.start < size_) {
             model_.index = input.below(static_cast<uint32_t>(size_) - model_.start + 1);

@@ -1,5 +1,5 @@
-// Bodies are found inside any text, one after the other; and in SIP messages that say how long
-// they are exactly those bodies are found that were put there, whatever these hold.
+// The bodies found in any text lie inside it and in order. In SIP messages with a Content-Length
+// exactly those bodies are found that were put there, whatever they hold.
 #include <string>
 #include <vector>
 
@@ -36,7 +36,7 @@ std::string message(std::string_view type, const std::string &content) {
            "\r\nContent-Length: " + std::to_string(content.size()) + "\r\n\r\n" + content;
 }
 
-// The boundary is the caller's business: it must not occur.
+// The caller chooses a boundary that does not occur in the parts.
 std::string parts(const std::vector<std::string> &bodies, std::string_view boundary) {
     std::string content;
     for (const std::string &body : bodies) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Writes fuzz/corpus anew from itself and from what the runs of a build have found: for each target
-# the fewest inputs that reach what the cases alone do not: minimize.sh BUILD
+# Updates fuzz/corpus from itself and from the inputs found by the runs of a build. Keeps for each
+# target a minimal set of inputs that reach code that the cases do not reach: minimize.sh BUILD
 set -euo pipefail
 sources=$(dirname "$(realpath "$0")")
 build=$(realpath "$1")/fuzz

@@ -1,6 +1,6 @@
-// Any two bodies are an offer and what we can do: each m= line has an answer that no check objects
-// to, the same again for the same offer, seen alike from both ends; any two are an offer and its
-// answer, and a description and the next one. With any allocation failing nothing is lost.
+// Takes two bodies as an offer and a local body: each m= line has an answer that passes the checks,
+// that is the same for the same offer, and that both sides read alike. Takes them as an offer and
+// its answer, and as a description and the next one. With any allocation failing nothing is leaked.
 //
 // The bodies are separated by a byte of 0.
 #include <optional>

@@ -1,5 +1,5 @@
-// Any file of packets is read to its end, with what is in memory bounded; and the messages in it
-// are the same however many bytes come at a time.
+// Any capture file is read to its end with bounded memory, and the messages in it do not depend on
+// how many bytes are read at a time.
 #include <string>
 #include <vector>
 

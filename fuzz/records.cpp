@@ -13,8 +13,8 @@ using fuzz::require;
 constexpr uint32_t kMostTexts = 4;
 constexpr uint32_t kMostPayloads = SDP_MAX_PAYLOADS + 2;
 
-// Makes records from the input. What a record points to is there, in as many bytes or slots as the
-// record says; a pointer is null where the encoder allows it.
+// Makes records from the input. Their pointers refer to as many bytes or slots as the record says,
+// or are null where the encoder allows it.
 class Maker {
 public:
     explicit Maker(fuzz::Input &input) : input_(input) {}
@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    // Mostly a code that means something.
+    // Mostly a defined code.
     uint32_t code() {
         const uint8_t choice = input_.byte();
         return choice < 240 ? choice % 12 : choice < 248 ? choice : input_.number();
@@ -70,7 +70,7 @@ private:
         if (choice >= 240) {
             return {input_.number(), nullptr};
         }
-        if (choice >= 236) { // longer than a buffer that grows expects
+        if (choice >= 236) { // longer than the first size of a growing buffer
             return memory_.emplace_back(std::string(input_.below(5000), 'x')).text();
         }
         return memory_.emplace_back(input_.front(choice % 24)).text();
@@ -226,7 +226,7 @@ private:
     std::deque<fuzz::Exact> memory_;
 };
 
-// Into bytes that end where the room ends.
+// Into a buffer that ends at the end of its memory.
 void requireSerialized(SdpLine &line, const std::string *text, uint32_t room) {
     fuzz::Exact bytes(std::string(room, '#'));
     uint32_t written = ~0u;

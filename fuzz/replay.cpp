@@ -1,4 +1,4 @@
-// Runs a target on files, or on every file of folders: for compilers without a fuzzer.
+// Runs a target on files, or on every file in folders: for compilers without libFuzzer.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -33,7 +33,8 @@ bool run(const std::filesystem::path &path) {
     }
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
     fuzz::Exact input(bytes);
-    std::printf("%s\n", path.c_str()); // the last one named is the one that ended the program
+    std::printf("%s\n",
+                path.c_str()); // the last name printed is that of the input that ended the program
     std::fflush(stdout);
     LLVMFuzzerTestOneInput(input.data(), input.size());
     return true;

@@ -1,16 +1,16 @@
-// What decodes encodes, and decodes again to the same tree.
+// A decoded body can be encoded, and decodes again to the same tree.
 //
-// Not everything survives being written; what does not is changed below in the tree that is
-// expected, or ends the test:
+// Not everything is written; what is not is changed below in the expected tree, or ends the test:
 //  - of several t= lines only the first is written, and "0 0" for a body that has none; the count
-//    of t= lines has 8 bits, so that 256 of them are none (neither are 256 m= lines);
-//  - a number of ports or of channels is written above 1 only, so that 0 comes back as 1;
-//  - a time to live of SDP_NOT_GIVEN is not written, nor then the number of addresses;
-//  - in the styles that write T.38 flags as bare names, 0 has no line, and others come back as 1;
-//  - "m=audio 5004 RTP/AVP " with its blank is accepted without payload numbers, without the blank
-//    it is not;
-//  - a body that is written longer than it was, by units, addresses or the t= line, may be too
-//    long;
+//    of t= lines has 8 bits, so that 256 of them count as none (likewise 256 m= lines);
+//  - a number of ports or of channels is written only above 1, so that 0 is read back as 1;
+//  - a time to live of SDP_NOT_GIVEN is not written, and then neither is the number of addresses;
+//  - in the styles that write T.38 flags as names, 0 has no line, and other values are read back as
+//  1;
+//  - "m=audio 5004 RTP/AVP " is accepted without payload numbers because of its blank; without the
+//  blank it
+//    is not;
+//  - the written text may be longer, by units, addresses or the t= line, and then too long;
 //  - a text that ends in CR loses it where lines are written with LF alone.
 #include <string>
 
@@ -33,7 +33,7 @@ void changeConnection(SDPConnection *connection) {
     }
 }
 
-// The list that is left; null when nothing is.
+// The remaining list; null where it is empty.
 SDPAttrList *changeAttributes(SDPAttrList *list, uint32_t style) {
     if (list == nullptr) {
         return nullptr;
@@ -57,7 +57,7 @@ SDPAttrList *changeAttributes(SDPAttrList *list, uint32_t style) {
     return kept != 0 ? list : nullptr;
 }
 
-// The body that is expected to come back.
+// The body that is expected after the round trip.
 class Expected {
 public:
     Expected(SdpLine &line, uint32_t style) : line_(line), field_(&unbounded_) {
@@ -93,7 +93,7 @@ private:
     bool readable_ = true;
 };
 
-// The t= line that a body without one is given ends in CR LF under every configuration.
+// The t= line that is written for a body without one ends in CR LF under every configuration.
 bool losesCr(std::string text) {
     const size_t given = text.find("\nt=0 0\r\n");
     if (given != std::string::npos) {

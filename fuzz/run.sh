@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs fuzz targets of a build for a time each: run.sh BUILD TARGET|all SECONDS
+# Runs each fuzz target of a build for a given time: run.sh BUILD TARGET|all SECONDS
 #
-# They start from the corpus, the cases, and what earlier runs have found, which grows in
-# BUILD/fuzz/found. Inputs that break a property are kept in BUILD/fuzz/findings, beside the log.
+# They start from the corpus, the cases, and the inputs found by earlier runs, which are kept in
+# BUILD/fuzz/found. Inputs that break a property are kept in BUILD/fuzz/findings, with the log.
 set -euo pipefail
 sources=$(dirname "$(realpath "$0")")
 build=$(realpath "$1")/fuzz

@@ -1,7 +1,7 @@
-// Makes what the fuzzers start from: seeds DICTIONARY FOLDER
+// Makes the seeds of the fuzzers: seeds DICTIONARY FOLDER
 //
-// Each target gets a folder with one file for each case document's body, in the form that the
-// target reads; beside the folders the dictionary is written anew with the library's own words.
+// Each target gets a folder with one file for each body of the case documents, in the form that the
+// target reads. The dictionary is written with the words of the library's tables added.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -37,7 +37,7 @@ std::string share(size_t value) {
     return {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8 & 0xFF)};
 }
 
-// ---- What each target reads
+// ---- The input of each target
 
 std::string body(const Case &current) {
     return current.body + configurationOf(current);
@@ -73,7 +73,7 @@ std::string operations(const Case &current) {
     return operated(current.body.substr(0, 255), 1, "\x0F\x07\x0F\x11\x0F\x07\x21\x0F\x31\x0F\x41");
 }
 
-// Tokens in the context of lines, and texts and rtpmaps between them.
+// Tokens in the context of lines, with texts and rtpmaps between them.
 std::string gatherings(const Case &current) {
     return operated(current.body, 3, std::string_view("\x0F\x0F\x00\x00\x0F\x02\x0F\x01", 8));
 }

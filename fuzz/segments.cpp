@@ -1,5 +1,5 @@
-// A TCP stream is the same in whatever order its segments come, how they overlap and how often they
-// come; and of any segments at all nothing is read that was not sent.
+// A TCP stream does not depend on the order, overlap or repetition of its segments; whatever
+// segments arrive, no byte is read that was not sent.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -17,7 +17,7 @@ struct Part {
     size_t size;
 };
 
-// The text in parts that overlap, in an order of chance; fewer of them than a stream waits for.
+// The text in overlapping parts in random order; fewer parts than a stream may keep waiting.
 std::vector<Part> partsOf(size_t size, fuzz::Input &input) {
     std::vector<Part> parts;
     for (size_t at = 0; at < size;) {
@@ -73,7 +73,7 @@ void requireMessages(std::string_view text, fuzz::Input &input) {
     require(found == std::vector<std::string>{first, second}, "both messages are found", stream);
 }
 
-// Numbers, sizes and flags without any sense.
+// Arbitrary numbers, sizes and flags.
 void requireBounds(std::string_view text, fuzz::Input &input) {
     cli::Streams streams;
     const cli::Streams::Use use = [](const cli::TcpEnds &, std::string_view, bool) {};

@@ -1,5 +1,5 @@
-// A body is serialised into any number of bytes: whole into as many as it has, and not at all, but
-// for what fitted, into fewer.
+// Serialises a body into buffers of any size: successfully into enough bytes, and with a failure,
+// and only the beginning written, into fewer.
 #include <algorithm>
 
 #include "fuzz.hpp"
@@ -38,7 +38,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (body == nullptr) {
         return 0;
     }
-    // The text in a growing buffer is the one that the fixed ones are compared with.
+    // The text in a growing buffer is compared with those in buffers of fixed size.
     const auto text = fuzz::encode(*body);
     require(text.has_value(), "what decodes encodes");
     const auto whole = static_cast<uint32_t>(text->size());

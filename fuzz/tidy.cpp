@@ -1,6 +1,6 @@
-// Any bytes are tidied: a text that decodes stays as it is, what is repaired decodes and stays as
-// it is from then on, and every line that is gone has a row. Doubts lie inside a text that decodes,
-// and are those that a second, plain search finds.
+// Tidies any bytes: a text that decodes is not changed, a repaired text decodes and is not changed
+// again, and every removed line has a repair. Doubts lie inside a text that decodes, and are those
+// that a second, simple search finds.
 #include <algorithm>
 #include <map>
 #include <string>
@@ -13,7 +13,7 @@ namespace {
 
 using fuzz::require;
 
-// A report, released when it goes.
+// A report that is released at the end of its scope.
 class Report {
 public:
     using Operation = decltype(&SdpTidyText);
@@ -41,7 +41,7 @@ private:
     SDPResult result_ = 0;
 };
 
-// Each line, without its end, and the number that the report knows it by.
+// Each line, without its line end, with its number in the report.
 template <class Use>
 void eachLine(std::string_view text, char lineEnd, Use use) {
     for (uint32_t number = 1;; ++number) {
@@ -56,7 +56,7 @@ void eachLine(std::string_view text, char lineEnd, Use use) {
     }
 }
 
-// Lines end in CR where that is repaired.
+// Lines end at a CR where that is repaired.
 void requireNoLineLost(std::string_view text, const Report &report, uint64_t rules) {
     std::map<std::string, int> lost;
     const bool endsInCr = text.find('\n') == std::string_view::npos &&
@@ -103,7 +103,8 @@ void requireTidied(std::string_view text, uint64_t rules) {
     requireNoLineLost(text, report, rules);
 }
 
-// What plain questions find, the library finds, and nothing else. They need stack by the byte.
+// The library finds the same doubts as a simple search, which needs stack in proportion to the
+// text.
 void requirePlainDoubts(std::string_view text, const Report &report) {
     constexpr size_t longest = 1000;
     if (text.size() > longest || report.result() != 0) {

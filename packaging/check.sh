@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Makes the Debian packages of a build, has lintian look at them, and installs, uses and removes them
-# in a scratch root that believes to have this machine's packages: dependencies are checked, and
-# nothing of the machine is touched.
+# Makes the Debian packages of a build, checks them with lintian, and installs, uses and removes them
+# in a scratch root with a copy of the package database of this machine: dependencies are checked, and
+# the machine is not changed.
 # usage: check.sh SOURCE_DIR BUILD_DIR
 set -euo pipefail
 source=$1 build=$2
@@ -23,7 +23,7 @@ as_root=()
 [ "$(id -u)" -ne 0 ] || as_root=(--allow-root)
 lintian "${as_root[@]}" --fail-on error,warning "$build"/*.deb
 
-# What a package says of itself and brings along.
+# A field of a package, and the files in it.
 field() { dpkg-deb --field "$(echo "$build/$1"_*.deb)" "$2"; }
 for name in $names; do
   wanted=same
@@ -47,13 +47,13 @@ for file in man/man1/sdpline.1.gz bash-completion/completions/sdpline \
   grep -q "/usr/share/$file" "$work/contents" || fail "sdpline has no $file"
 done
 
-# The names of the machine's packages and files, without the triggers that would run there.
+# The package database of the machine, without triggers, which would run in the scratch root.
 mkdir -p "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
 cp /var/lib/dpkg/status "$root/var/lib/dpkg/"
 cp /var/lib/dpkg/info/format /var/lib/dpkg/info/*.list "$root/var/lib/dpkg/info/"
 in_root() { dpkg --root="$root" --force-not-root --force-bad-path "$@"; }
 in_root --log="$work/log" --install "$build"/*.deb >/dev/null
-# In a root that is not the loader's, the libraries have to be pointed at.
+# The loader does not search the scratch root, so it is told where the libraries are.
 LD_LIBRARY_PATH=$(dirname "$(find "$root/usr" -name libsdpline.so.1)")
 export LD_LIBRARY_PATH
 "$root/usr/bin/sdpline" check "$source/examples/offer.sip"

@@ -1,4 +1,4 @@
-# Run by CPack over what it has installed, before packages are made of it: compresses man pages.
+# CPack runs this after installing, before it makes packages: compresses man pages.
 file(GLOB_RECURSE pages ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*.[1-9])
 list(FILTER pages INCLUDE REGEX "/share/man/man[1-9]/")
 foreach(page IN LISTS pages)

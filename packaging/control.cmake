@@ -1,6 +1,6 @@
-# Run by CPack when the packages are made, for what it cannot say. Takes out the maintainer scripts
-# that it adds to a package with libraries: all that they do is call ldconfig, which the package's
-# trigger does once for all. Says of which packages several architectures can be installed together.
+# CPack runs this when it makes the packages, for fields that CPack cannot set. Removes the maintainer
+# scripts that CPack adds to a package with libraries: they only call ldconfig, which the trigger of the
+# package does. Marks the packages that can be installed for several architectures at once.
 set(multi_arch_libsdpline1 same)
 set(multi_arch_libsdpline-dev same)
 set(multi_arch_sdpline foreign)

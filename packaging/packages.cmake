@@ -1,4 +1,4 @@
-# Debian packages: the libraries, what programs are built with, and the sdpline program.
+# Debian packages: the libraries, the files needed to build programs, and the sdpline program.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME sdpline)
 set(CPACK_PACKAGE_VENDOR "The sdpline authors")
@@ -32,8 +32,8 @@ a tree of C records, and writes them back, with a reason for every one that it
 refuses. This package holds the shared libraries.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 file(WRITE ${PROJECT_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
-# Since which version each exported name is there: a package that uses old ones alone can do with an
-# old library. A name that is added later gets the version that brings it.
+# The version since which each exported name exists, so that a package that uses only old names can use an
+# old library. A new name gets the version that adds it.
 set(symbols "")
 foreach(library IN LISTS sdpline_libraries)
   get_target_property(major ${library} SOVERSION)
@@ -68,7 +68,7 @@ A program that checks, prints, compares and writes back the session
 descriptions which SIP messages carry, and tells why one was refused.")
 
 include(${CMAKE_CURRENT_LIST_DIR}/documents.cmake)
-# The man page goes compressed into a package; ldconfig is run by the trigger, not by scripts.
+# The man page is compressed; the trigger runs ldconfig, not scripts.
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/compress.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/control.cmake)
 include(CPack)

@@ -53,7 +53,11 @@ public:
         entry.dialog.take(entry.call);
     }
 
-    void body(const Found & /*found*/) override {}
+    void body(const Found &found) override {
+        if (found.head.empty() && plain_.empty()) {
+            plain_ = found.path;
+        }
+    }
 
     int finish() {
         progress_->hide();
@@ -62,6 +66,9 @@ public:
             entry->dialog.finish(entry->call);
             calls.push_back(&entry->call);
             wrong_ += entry->call.findings.empty() ? 0 : 1;
+        }
+        if (calls_.empty() && !plain_.empty()) {
+            problem({Problem::Unusable, plain_, "it holds no SIP message"});
         }
         if (wrong_ != 0) {
             atLeast(kRefused);
@@ -192,6 +199,7 @@ private:
     std::vector<std::unique_ptr<Entry>> calls_;
     std::unordered_map<std::string, size_t> byId_;
     size_t wrong_ = 0;
+    std::string plain_; // the first input with a body that no message carries
 };
 
 } // namespace

@@ -4,9 +4,9 @@
  *     cc answer.c $(pkg-config --cflags --libs sdpline-negotiate) -o answer
  *     ./answer 5080       # 127.0.0.1:5080, until SIGTERM
  *
- * Where the C interface is called in the life of a call: a negotiator is created by the first
- * INVITE, gets every offer after it, and is released by the BYE. What a stack does beside that is
- * left out. A request that comes again needs no memory: the same offer gets the same answer.
+ * Shows where the C interface is called during a call: the first INVITE creates a negotiator, which
+ * receives every offer and is released by the BYE. Everything else that a stack does is left out.
+ * The program need not remember requests: a retransmitted offer gets the same answer.
  */
 #define _GNU_SOURCE /* memmem */
 #include <sdpline/sdpnegotiate.h>
@@ -42,7 +42,8 @@ static void stop(int number) {
     stopped = 1;
 }
 
-/* The length of a header field's value, by its full or its compact name; 0 for none. */
+/* The length of the value of a header field, found by its full or compact name; 0 where it is
+ * missing. */
 static int header(const char *message, const char *name, char letter, const char **value) {
     const size_t length = strlen(name);
     for (const char *line = strchr(message, '\n'); line != NULL; line = strchr(line, '\n')) {
@@ -74,7 +75,7 @@ static void write_response(const char *request, const struct reply *reply, FILE 
     fwrite(reply->body, 1, reply->size, text);
 }
 
-/* What a peer may know of a refused body: the place and the sentence. */
+/* What the peer is told about a refused body: the place and the sentence. */
 static void refuse_body(SDPResult result, struct reply *reply) {
     SDPFailure place;
     SDPResultText why;
@@ -121,7 +122,8 @@ static void answer_offer(SdpNegotiator *session, const char *body, struct reply 
     SdpLibReleaseSdp(&offer);
 }
 
-/* The call of a Call-ID; a free place for an INVITE that has none. NULL without one. */
+/* The call with this Call-ID, or a free entry for an INVITE of a new call; NULL where there is
+ * none. */
 static struct call *call_of(const char *request, int invite) {
     struct call *spare = NULL;
     char id[sizeof spare->id] = "";
@@ -153,7 +155,7 @@ static void on_request(const char *request, struct reply *reply) {
     if (invite) {
         answer_offer(call->session, body != NULL ? body + 4 : "", reply);
     }
-    /* A first offer that is refused makes no call. */
+    /* A refused first offer does not start a call. */
     if (strncmp(request, "BYE ", 4) == 0 || SdpNegotiateGetLocal(call->session) == NULL) {
         SdpNegotiateRelease(&call->session);
         call->id[0] = '\0';
@@ -188,7 +190,7 @@ int main(int argc, char **argv) {
     setlinebuf(stdout);
     if (port == 0 || bind(input, (const void *)&at, sizeof at) != 0 ||
         SdpLibDeSerializeSdp((uint8_t *)local_text, sizeof local_text - 1, &local) != 0) {
-        return fputs("usage: answer PORT, a free one\n", stderr), 2;
+        return fputs("usage: answer PORT (a free one)\n", stderr), 2;
     }
     printf("listening on sip:127.0.0.1:%u\n", port);
     while (!stopped) {

@@ -1,16 +1,17 @@
 /*
  * dialog.hpp: offers and answers of one SIP dialog, without the stack around them.
  *
- * A stack has one Dialog for each dialog that an INVITE opens. It hands over the text of every
- * offer and answer that arrives and sends the texts and statuses that come back. What may be asked
- * when (RFC 3261 section 13.2.1, RFC 3262 section 5, RFC 3311 section 5) is in sdpline::Negotiator:
+ * A stack has one Dialog for each dialog that an INVITE opens. It passes the text of every received
+ * offer and answer to it, and sends the texts and statuses that it returns. sdpline::Negotiator
+ * knows which calls are allowed when (RFC 3261 section 13.2.1, RFC 3262 section 5, RFC 3311 section
+ * 5):
  *
  *     calls::Dialog dialog(local, 7);
  *     const calls::Reply reply = dialog.receiveOffer(bodyOfInvite);
  *     respond(reply.status, reply.phrase, reply.body, reply.warning);
  *
- * Nothing here is shared between dialogs but the constant Local: dialogs may live on different
- * threads. Their decodes take turns by sdpline::decodeMutex().
+ * Dialogs share only the constant Local, so that they may run on different threads. They decode
+ * under sdpline::decodeMutex().
  */
 #ifndef EXAMPLES_CALLS_DIALOG_HPP
 #define EXAMPLES_CALLS_DIALOG_HPP
@@ -26,7 +27,7 @@
 
 namespace calls {
 
-/* What we offer in a call that is set up. */
+/* What we offer in an established call. */
 enum class Wanted { Speech, Held, Fax };
 
 /* What this side can do, decoded once for each local address. */
@@ -63,7 +64,7 @@ constexpr std::string_view kSpeech = "m=audio 2 RTP/AVP 8 0 101\n"
                                      "a=rtpmap:101 telephone-event/8000\n"
                                      "a=fmtp:101 0-15\n"
                                      "a=ptime:20\n";
-/* Resources of our segment are there at once; the peer's segment is theirs to reserve. */
+/* The resources of our segment are always available; the peer reserves those of its segment. */
 constexpr std::string_view kReserved = "a=curr:qos local sendrecv\n"
                                        "a=curr:qos remote none\n"
                                        "a=des:qos mandatory local sendrecv\n"
@@ -90,7 +91,7 @@ constexpr std::string_view kBrowser = "m=audio 8 UDP/TLS/RTP/SAVPF 111 8 0 126\n
                                       "19:E2:1C:3B:4B:9F:81:E6:B8:5C:F4:A5:A8:D8:73:04:"
                                       "BB:05:2F:70:9F:04:A9:0E:05:E9:26:33:E8:70:88:A2\n";
 
-/* A browser's media protocol takes payload numbers too; see SdpSetSupMedProtoRtpFamily. */
+/* The protocols of browsers have payload numbers too; see SdpSetSupMedProtoRtpFamily. */
 constexpr sdpline::DecodeOptions kOptions = {.rtpFamily = true};
 
 inline sdpline::Result<sdpline::Body> bodyAt(std::string_view address, std::string_view media) {
@@ -108,14 +109,15 @@ inline Reply refusal(int status, const char *phrase, const Local &local,
     return reply;
 }
 
-/* Memory is short, or the stack let a second offer pass while the first had no answer. */
+/* Memory is exhausted, or the stack passed a second offer before the answer to the first. */
 inline Reply failure(const sdpline::Error &error) {
     return {.status = 500, .phrase = "Server Internal Error", .log = error.message()};
 }
 
 } // namespace detail
 
-/* Fails for an address that is none. Made before the first call: what fails here fails at start. */
+/* Fails for a text that is not an address. Called before the first call, so that failures show at
+ * start. */
 inline sdpline::Result<Local> localAt(const std::string &address) {
     const std::string speech(detail::kSpeech);
     std::string all = speech;
@@ -137,8 +139,8 @@ inline sdpline::Result<Local> localAt(const std::string &address) {
 
 class Dialog {
 public:
-    /* The number is the session id of o=, unlike that of any other dialog of this side. `local`
-     * outlives the dialog. */
+    /* The number is the session id of o= and must differ from that of every other dialog of this
+     * side. `local` must outlive the dialog. */
     Dialog(const Local &local, std::uint32_t number) : local_(local), number_(number) {}
 
     /* An offer arrived: in an INVITE, a re-INVITE, a PRACK or an UPDATE. Refused with any status,
@@ -186,8 +188,8 @@ public:
         return body ? Reply{.body = *std::move(body)} : detail::failure(body.error());
     }
 
-    /* The answer to it arrived. After an error there is no session: the caller ends the call, or,
-     * if it was a re-INVITE, goes on with the one before. */
+    /* The answer to our offer arrived. After an error there is no new session: the caller ends the
+     * call, or, after a re-INVITE, continues with the previous session. */
     sdpline::Result<sdpline::Agreement> receiveAnswer(std::string_view text) {
         const auto answer = sdpline::Body::decode(text, detail::kOptions);
         if (!answer) {
@@ -197,7 +199,7 @@ public:
         return session_.receiveAnswer(*answer);
     }
 
-    /* Ours was refused, or the response has no answer: what was agreed before still is. */
+    /* Our offer was refused, or the response has no answer: the previous session continues. */
     void offerRefused() { (void)session_.refused(); }
 
     bool awaitsAnswer() const {
@@ -206,8 +208,8 @@ public:
     bool established() const { return session_.local() != nullptr; }
 
 private:
-    /* A model as this call says it: with its session id and its ports. A real agent puts the ports
-     * of the sockets that it opened. */
+    /* A model with the session id and the ports of this call. A real agent uses the ports of the
+     * sockets that it opened. */
     sdpline::Result<sdpline::Body> ours(const sdpline::Body &model) const {
         auto body = model.clone();
         if (!body) {
@@ -224,7 +226,7 @@ private:
         return done ? std::move(body) : done.error();
     }
 
-    /* What the peer is told: line, column and sentence, and nothing of the library. */
+    /* What the peer is told: line, column and sentence, without names of the library. */
     Reply refused(const sdpline::Error &error) const {
         if (error.fault == sdpline::Fault::Memory || error.fault == sdpline::Fault::Busy) {
             return detail::failure(error);
@@ -234,7 +236,7 @@ private:
         return reply;
     }
 
-    /* Every stream was rejected: the first reason is that of the response. */
+    /* Every stream was rejected: the response gives the first reason. */
     Reply refused(const std::vector<sdpline::Decision> &decisions) const {
         for (const sdpline::Decision &decision : decisions) {
             if (decision.kind == sdpline::DecisionKind::Rejection) {

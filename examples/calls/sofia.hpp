@@ -1,6 +1,6 @@
 /*
- * sofia.hpp: what the user agent needs of the stack beside calls: the SDP of a message, and an end
- * by signal.
+ * sofia.hpp: what the user agent needs from the stack besides calls: the SDP of a message, and
+ * signals that end the program.
  */
 #ifndef EXAMPLES_CALLS_SOFIA_HPP
 #define EXAMPLES_CALLS_SOFIA_HPP
@@ -22,8 +22,8 @@ inline bool isSdp(const sip_content_type_t *type) {
     return type != nullptr && su_casematch(type->c_type, "application/sdp") != 0;
 }
 
-/* The SDP body of a message, or the SDP part of a multipart body (RFC 2046 section 5.1); nothing if
- * there is none. */
+/* The SDP body of a message, or the SDP part of a multipart body (RFC 2046 section 5.1); empty
+ * where there is none. */
 inline std::string sdpOf(const sip_t *sip) {
     if (sip == nullptr || sip->sip_payload == nullptr || sip->sip_content_type == nullptr) {
         return {};

@@ -1,13 +1,13 @@
 /*
- * useragent.cpp: a SIP user agent on sofia-sip whose bodies are sdpline's.
+ * useragent.cpp: a SIP user agent over sofia-sip that uses sdpline for its bodies.
  *
  *     c++ -std=c++20 useragent.cpp $(pkg-config --cflags --libs sofia-sip-ua sdpline-negotiate)
  *     ./useragent listen 5060               # 127.0.0.1, UDP and TCP, until SIGTERM
  *     ./useragent listen 5060 ::1
  *     ./useragent call sip:127.0.0.1:5060   # speech, hold, resume, fax, speech, BYE
  *
- * The stack's own media and SDP engine is off (NUTAG_MEDIA_ENABLE(0)): it carries texts, and
- * calls::Dialog (dialog.hpp) says which text goes into which message. One Call lives from its
+ * The media and SDP engine of the stack is off (NUTAG_MEDIA_ENABLE(0)): the stack carries texts,
+ * and calls::Dialog (dialog.hpp) decides which text goes into which message. A Call exists from its
  * INVITE to the state "terminated", which BYE, CANCEL, a refusal and a timeout all lead to.
  */
 #include <cstdio>
@@ -52,7 +52,7 @@ struct Agent {
     uint32_t refused = 0; /* offers that got none */
 };
 
-/* What a call of ours does, once it is set up. */
+/* The steps of an outgoing call after it is established. */
 constexpr Wanted kSteps[] = {Wanted::Held, Wanted::Speech, Wanted::Fax, Wanted::Speech};
 
 /* ---- Messages -------------------------------------------------------------------------------- */
@@ -94,7 +94,7 @@ static bool takeAnswer(Agent &agent, Call &call, const sip_t *sip) {
 
 /* ---- The called side ------------------------------------------------------------------------- */
 
-/* The final response, once nothing is to be waited for. */
+/* The final response, when nothing remains to wait for. */
 static void accept(Call &call, Reply reply = {}) {
     call.ringing = false;
     respond(call, reply);
@@ -225,7 +225,7 @@ static void onEvent(nua_event_t event, int status, const char *, nua_t *, Agent 
     }
 }
 
-/* Calls that live get their BYE, and NUTAG_SHUTDOWN_EVENTS(1) has them end as all others do. */
+/* Sends BYE for every call; NUTAG_SHUTDOWN_EVENTS(1) makes them end like all others. */
 static int onSignal(su_root_magic_t *, su_wait_t *, su_wakeup_arg_t *agent) {
     nua_shutdown(reinterpret_cast<Agent *>(agent)->nua);
     return 0;
@@ -238,7 +238,8 @@ static int usage() {
     return 2;
 }
 
-/* Runs until SIGTERM or the end of our call. 0 when every call ended and nothing was left. */
+/* Runs until SIGTERM or the end of the outgoing call. Returns 0 if every call ended and no memory
+ * is left. */
 static int run(Agent &agent, const char *port, const char *to) {
     SipMmStatistics before;
     SipMmGetStatistics(&before);
