@@ -19,7 +19,7 @@ bool isGroup(std::string_view text) {
     return !text.empty() && text.size() <= 4 && std::ranges::all_of(text, isHexDigit);
 }
 
-// Four numbers up to 255 without leading zeros.
+// Whether a text is four numbers up to 255 with dots between them, without leading zeros.
 bool isDotted(std::string_view text) {
     for (uint32_t i = 0; i < 4; ++i) {
         const std::string_view octet = text.substr(0, std::min(text.find('.'), text.size()));
@@ -40,8 +40,8 @@ bool isDotted(std::string_view text) {
     return text.empty();
 }
 
-// How many groups the text has, each followed by a colon but the last; more than there can be for a
-// text that is none. Where `last`, a dotted part may take the place of the last two.
+// The number of groups in a text, with a colon between each two; more than eight for an invalid
+// text. If the text is the `last` part of the address, a dotted part may replace the last two.
 uint32_t countGroups(std::string_view text, bool last) {
     uint32_t count = 0;
     while (!text.empty() && count <= kGroups) {

@@ -1,5 +1,5 @@
-// The a= line (RFC 4566 section 5.13): the space around an attribute's parts, colons and values
-// that are missing. What the decoder asks of a value goes by the attribute's shape.
+// Repairs of the a= line (RFC 4566 section 5.13): white space around its parts, a missing colon or
+// value. The form that the decoder accepts follows from the attribute's shape.
 #include <array>
 
 #include "tidy/fields.hpp"
@@ -10,7 +10,7 @@ namespace sdpline::tidy {
 
 namespace {
 
-// The parameters of a=silenceSupp, none of which is known (RFC 3108 section 5.6.3.2).
+// Parameters of a=silenceSupp, all unspecified (RFC 3108 section 5.6.3.2).
 constexpr std::string_view kSilenceParams = " - - - -";
 
 // The bytes that end a name.
@@ -20,7 +20,8 @@ constexpr auto kEndsName = [] {
     return ends;
 }();
 
-// Of eight bytes marks the colons, as bytesBelow does, and perhaps bytes after the first.
+// Marks the colons among eight bytes, as bytesBelow does; after the first one, other bytes may be
+// marked too.
 uint64_t colonsIn(const char *bytes) {
     constexpr uint64_t each = 0x0101010101010101;
     uint64_t value;
@@ -50,7 +51,7 @@ constexpr bool needsValue(Shape shape) {
     return shape != Shape::Flag && shape != Shape::MaybeWords && shape != Shape::Any;
 }
 
-// An attribute's name, and what follows it.
+// An attribute's name, and the text after it.
 struct Attribute {
     explicit Attribute(std::string_view value)
         : name(nameOf(value)), rest(value.data() + name.size(), value.size() - name.size()),
@@ -86,7 +87,7 @@ public:
     }
 
 private:
-    // "a=fmtp: ": one blank is a text.
+    // In "a=fmtp: " the blank is a text.
     bool isTextOfBlanks() const {
         return !rest_.empty() && (shape_ == Shape::Text || shape_ == Shape::Any);
     }
@@ -97,7 +98,7 @@ private:
         }
     }
 
-    // The colon goes, or the line where the attribute says nothing without a value.
+    // Removes the colon, or the line if the attribute needs a value.
     void valueMissing() {
         if (!work_.wants(Rule::ValueMissing)) {
             return;
@@ -160,7 +161,7 @@ private:
         fields.write(work_, line_, begin());
     }
 
-    // One word, and blanks before it.
+    // Repairs a value that is one word with blanks before it.
     void repairWord(std::string_view word) {
         if (work_.wants(Rule::SpaceRun)) {
             work_.report(Rule::SpaceRun, line_, rest_.data());
@@ -168,7 +169,7 @@ private:
         }
     }
 
-    // "on" or "off" and nothing more, and blanks before that
+    // Repairs a value that is only "on" or "off", and blanks before it.
     void repairSilence() {
         const std::string_view value = withoutBlanksBefore(rest_);
         const bool leads = value.size() != rest_.size();
@@ -186,10 +187,10 @@ private:
         write(name_, value, bare ? kSilenceParams : std::string_view());
     }
 
-    // Whether what follows the "=" is where it was given.
+    // Whether the line is still the given one.
     bool isInPlace() const { return line_.text.data() + 2 == name_.data(); }
 
-    // "a=", the name and the colon
+    // Returns "a=", the name and the colon.
     std::string_view begin() {
         if (isInPlace()) {
             return line_.text.substr(0, name_.size() + 3);
@@ -197,7 +198,7 @@ private:
         return (Draft(work_.memory, name_.size() + 3) << "a=" << name_ << ":").text();
     }
 
-    // The attribute without what follows its name.
+    // Writes the attribute without colon and value.
     void writeNameAlone() {
         if (isInPlace()) {
             line_.text = line_.text.substr(0, name_.size() + 2);
@@ -206,7 +207,7 @@ private:
         }
     }
 
-    // The attribute with its value; without one there is no colon.
+    // Writes the attribute with its value; without a value there is no colon.
     void write(std::string_view name, std::string_view text, std::string_view after = {}) {
         Draft draft(work_.memory, name.size() + text.size() + after.size() + 3);
         draft << "a=" << name << (text.empty() ? "" : ":") << text << after;
@@ -220,7 +221,7 @@ private:
     Shape shape_;
 };
 
-// Whether there is nothing to repair, as in most attributes. False is no promise.
+// Whether the attribute certainly needs no repair, as most do not.
 bool isPlain(const Attribute &attribute) {
     const std::string_view rest = attribute.rest;
     if (rest.empty()) {

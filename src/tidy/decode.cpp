@@ -53,7 +53,7 @@ SDPResult decodeGiven(const Request &request, SDPTidyReport &report) {
     return result;
 }
 
-// The decoder names its checks of memory so, and no other check.
+// The decoder's checks of memory have these names, and no others do.
 bool isOfMemory(std::string_view check) {
     switch (check.empty() ? '\0' : check.back()) {
     case 'c': return check.ends_with("Alloc");

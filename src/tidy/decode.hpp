@@ -1,4 +1,4 @@
-// The decoder as the entry points call it, and what they have in common.
+// Calling the decoder, and the start of both entry points.
 #pragma once
 
 #include <cstdint>
@@ -18,20 +18,20 @@ inline std::string_view viewOf(const SipString &text) {
     return {text.pcData, text.ulLen};
 }
 
-// Clears the report and fills the request. False for an argument that is refused.
+// Clears the report and sets the request. Returns false for a refused argument.
 bool begin(const SipString *text, const SDPTidyOptions *options, SDPTidyReport *report,
            Request &request);
 
-// One decode; the report's body is null after a refusal.
+// Decodes a text; the report's body is null after a failure.
 SDPResult decode(const SipString &text, const SDPDecodeOptions &options, SDPTidyReport &report);
 
-// The decode of the text as it was given, told in the report.
+// Decodes the given text, and sets the report accordingly.
 SDPResult decodeGiven(const Request &request, SDPTidyReport &report);
 
-// Why the decode that just returned this failed.
+// The failure of the decode that just returned this result.
 SDPFailure failureOf(SDPResult result);
 
-// Whether that check fails where memory ran out: no text is to blame then.
+// Whether that check fails for lack of memory, so that the text is not the cause.
 bool isOfMemory(std::string_view check);
 
 } // namespace sdpline::tidy

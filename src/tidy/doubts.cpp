@@ -1,5 +1,5 @@
-// SdpTidyFindDoubts: what the decoder takes and other readers read otherwise. The text is one that
-// decodes, so that a value's form need not be looked at again.
+// SdpTidyFindDoubts: finds what the decoder accepts and other readers read differently. The text
+// has been decoded, so the form of its values is known to be right.
 #include <algorithm>
 
 #include "tidy/address.hpp"
@@ -18,7 +18,7 @@ bool isNul(char byte) {
     return byte == '\0';
 }
 
-// Takes the run of digits that the text begins with. A number above 2^32 is 2^32, however long.
+// Removes the digits at the start of the text and returns their value, at most 2^32.
 uint64_t takeNumber(std::string_view &text) {
     uint64_t value = 0;
     while (!text.empty() && isDigit(text.front())) {
@@ -79,7 +79,7 @@ public:
 private:
     // ---- Rows
 
-    // A doubt at a byte of the line as it is read, which lacks the NULs of the given one.
+    // Reports a doubt at a byte of the line as it is read, which lacks the NULs of the given line.
     void doubt(Rule rule, std::string_view at) {
         auto offset = static_cast<size_t>(at.data() - line().data());
         if (read_.data() != given_.data()) {
@@ -113,7 +113,7 @@ private:
         }
     }
 
-    // A number of which one value is not written back. One that wraps to it is told as wrapped.
+    // Reports a number that wraps, or has the value that is not written back.
     void limitExcept(std::string_view &rest, uint64_t lost) {
         const std::string_view at = rest;
         const uint64_t number = takeNumber(rest);
@@ -124,7 +124,7 @@ private:
         }
     }
 
-    // Where the line begins in the text.
+    // The offset of the line in the text.
     uint32_t lineStart() const { return static_cast<uint32_t>(given_.data() - text_.data()); }
 
     // ---- Lines
@@ -265,7 +265,8 @@ private:
         limitExcept(value, 0);
     }
 
-    // A number that only the style of values writes back; the others write a name for 1 alone.
+    // Reports the value of a flag that is not written back: only the style SDP_T38_STYLE_VALUE
+    // writes numbers; the others write a bare name for 1.
     void flag(std::string_view value) {
         const std::string_view at = value;
         const uint64_t number = takeNumber(value);
@@ -276,7 +277,7 @@ private:
         }
     }
 
-    // Anything but blanks and empty lines after the line that ends the description.
+    // Reports text other than blanks and empty lines after the line that ends the description.
     void afterEnd(std::string_view rest) {
         ++line_;
         const char *begin = rest.data();
@@ -293,8 +294,8 @@ private:
 
     Memory memory_;
     std::string_view text_;
-    std::string_view given_; // the line as it is in the text
-    std::string_view read_;  // and as it is read
+    std::string_view given_; // the line as it was given
+    std::string_view read_;  // the line as it is read, without NULs
     std::string_view direction_;
     SDPTidyRow *rows_ = nullptr;
     uint32_t count_ = 0;

@@ -76,7 +76,7 @@ void Fields::write(Workspace &work, Line &line, std::string_view key) {
     line.text = draft.text();
 }
 
-// As the line is where it was given: it ends earlier, or lacks white space at one place.
+// Repairs a line that is still the given one: shortens it, or removes white space at one place.
 void Fields::cut(Workspace &work, Line &line) const {
     if (trailing_ != nullptr) {
         line.text = line.text.substr(0, static_cast<size_t>(trailing_ - line.text.data()));
@@ -87,7 +87,7 @@ void Fields::cut(Workspace &work, Line &line) const {
     }
 }
 
-// The one that is there where it is one, for what is copied together.
+// The blank in the given text if there is exactly one, so that adjacent parts are copied together.
 std::string_view Fields::blankAfter(uint32_t index) const {
     const char *const end = items_[index].begin + items_[index].size;
     const bool isThere = end + 1 == items_[index + 1].begin && *end == ' ';

@@ -1,4 +1,4 @@
-// A line's value cut at white space into fields, each of which can be given another text.
+// The value of a line, cut at white space into fields whose texts can be replaced.
 #pragma once
 
 #include "tidy/workspace.hpp"
@@ -9,7 +9,7 @@ class Fields {
 public:
     static constexpr uint32_t kMost = 24;
 
-    // Lines of more fields than that are left alone.
+    // Lines with more fields are not repaired.
     explicit Fields(std::string_view value);
 
     bool fits() const { return fits_; }
@@ -17,8 +17,7 @@ public:
     std::string_view operator[](uint32_t index) const {
         return index < count_ ? textOf(items_[index]) : std::string_view();
     }
-    // Where the field was in the line as it was given; a field put in has the place of the next
-    // one.
+    // The place of the field in the given line; an inserted field has the place of the next one.
     const char *place(uint32_t index) const { return items_[index].place; }
 
     void set(uint32_t index, std::string_view text) {
@@ -27,29 +26,29 @@ public:
         changed_ = true;
     }
     void insert(uint32_t index, std::string_view text);
-    // Takes the first fields away.
+    // Removes the first fields.
     void drop(uint32_t howMany);
 
-    // White space at the start, null where there is none.
+    // White space at the start; null for none.
     const char *leading() const { return leading_; }
     bool hasTrailing() const { return trailing_ != nullptr; }
 
-    // Whether the rules want all white space repaired that has to be.
+    // Whether the wanted rules cover all white space that must be repaired.
     bool repairable(const Workspace &work) const {
         return fits_ && (run_ == nullptr || work.wants(Rule::SpaceRun)) &&
                (trailing_ == nullptr || work.wants(Rule::TrailingSpace));
     }
     bool needsWriting() const { return changed_ || run_ != nullptr || trailing_ != nullptr; }
 
-    // Reports white space that goes, and writes the line anew: the key, the fields with one blank
-    // between them, and what comes after them.
+    // Reports the white space that is removed, and writes the line again: the key, and the fields
+    // with one blank between each two.
     void write(Workspace &work, Line &line, std::string_view key);
 
 private:
     void cut(Workspace &work, Line &line) const;
     std::string_view blankAfter(uint32_t index) const;
 
-    // Without a value until it is counted.
+    // Not initialised before it is counted.
     struct Item {
         const char *begin;
         size_t size;

@@ -1,4 +1,4 @@
-// The text cut into lines: what comes before v=, how lines end, where the description ends.
+// Cutting the text into lines: what precedes v=, the line ends, and the end of the description.
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-// What the decoder leaves out at the start of a line.
+// Whether the decoder drops the byte at the start of a line.
 constexpr bool isLeftOut(char byte) {
     return byte == ' ' || byte == '\0';
 }
@@ -24,13 +24,13 @@ constexpr bool isLetter(char byte) {
     return at + 1 < line.size() && line[at + 1] == '=' && isLetter(line[at]) ? line[at] : '\0';
 }
 
-// The letter before "=", 0 where there is none. Nearly all lines begin with it.
+// The letter before "="; 0 for none. Nearly all lines begin with it.
 inline char keyOf(std::string_view line) {
     const bool isFirst = line.size() > 1 && line[1] == '=' && isLetter(line[0]);
     return isFirst ? line[0] : keyAfterLeftOut(line);
 }
 
-// The same where white space around the "=" is repaired.
+// The same, with white space allowed around the letter and the "=".
 char looseKeyOf(std::string_view line) {
     line = withoutBlanksBefore(line);
     if (line.empty() || !isLetter(line.front())) {
@@ -48,8 +48,8 @@ bool endsDescription(std::string_view line) {
     return true;
 }
 
-// One line after the other, with its end. `kBreak` is the byte that ends a line: LF, or CR in a
-// text without LF.
+// Cuts line after line, each with its line end. `kBreak` is the byte that ends a line: LF, or CR in
+// a text without LF.
 template <char kBreak>
 class Cutter {
 public:
@@ -93,11 +93,11 @@ uint32_t countLines(std::string_view text, char breaks) {
 template <char kBreak>
 class Reader {
 public:
-    // `room` is for how many lines there is memory.
+    // `room` is the number of lines for which there is memory.
     Reader(Workspace &work, uint32_t room)
         : work_(work), cutter_(work.text), next_(work.lines), room_(room) {}
 
-    // False where the text has more lines than that.
+    // Returns false if the text has more lines.
     bool read() {
         while (hasRoom() && !begin(next())) {
         }
@@ -111,7 +111,8 @@ public:
 private:
     bool hasRoom() const { return !cutter_.done() && count_ != room_; }
 
-    // Lines with a key, up to one of another sort: nearly all. What changes is in registers.
+    // Reads lines up to one without a key, or v=: nearly all lines. The local variables are kept in
+    // registers.
     void readUsual() {
         Cutter<kBreak> cutter = cutter_;
         Line *line = next_;
@@ -136,8 +137,8 @@ private:
         next_ = line;
     }
 
-    // What a line has from other passes, each for itself: a line that was built elsewhere and
-    // copied would be waited for.
+    // Clears the fields that other passes set, one by one: copying a line that was just built would
+    // wait for its stores.
     static void clearRest(Line &line) {
         line.next = nullptr;
         line.extra = nullptr;
@@ -147,7 +148,7 @@ private:
         line.deferred = false;
     }
 
-    // False for the line that ends the description.
+    // Returns false for the line that ends the description.
     bool readLine() {
         const std::string_view before = cutter_.rest();
         Line &line = next();
@@ -179,7 +180,7 @@ private:
         return line;
     }
 
-    // Takes away what comes before v=. False for a line that is all of that.
+    // Removes what precedes v=. Returns false if nothing of the line is left.
     bool begin(Line &line) {
         std::string_view &text = line.text;
         if (line.number == 1 && !line.end.empty()) {
@@ -204,8 +205,8 @@ private:
         return !text.empty();
     }
 
-    // The letter of the next line that is not empty, 0 where it is none of SDP. `begin` is where it
-    // begins.
+    // The letter of the next line that is not empty; 0 if that is not a line of SDP. `begin` is set
+    // to the start of that line.
     char nextKey(const char **begin = nullptr) const {
         Cutter<kBreak> ahead = cutter_;
         std::string_view end;
@@ -226,7 +227,7 @@ private:
         return line.original.data() < goesOnAt_ || endsDescription(line.original);
     }
 
-    // Leaves the empty line out where lines of SDP follow it. All up to those is left out then.
+    // Removes the empty line if lines of SDP follow it. All empty lines before those are removed.
     bool leavesOut(Line &line) {
         if (line.original.data() >= goesOnAt_) {
             const char *begin = nullptr;
@@ -249,13 +250,13 @@ private:
     uint32_t room_;
 };
 
-// Most texts have at most one line for so many bytes, and a few.
+// Most texts have at most one line for each kUsualLine bytes, and kFewLines more.
 constexpr uint32_t kUsualLine = 20;
 constexpr uint32_t kFewLines = 8;
 
 template <char kBreak>
 bool cut(Workspace &work) {
-    // The decoder has counted those that it took.
+    // The decoder has counted the lines that it accepted.
     const uint32_t taken = work.takenLines();
     const std::string_view rest = withoutFirst(work.text, taken == 0 ? 0 : work.takenSize);
     const auto room = taken + static_cast<uint32_t>(rest.size()) / kUsualLine + kFewLines;

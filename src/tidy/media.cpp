@@ -1,4 +1,4 @@
-// The m= line (RFC 4566 section 5.14): the space between its fields, and formats that are missing.
+// Repairs of the m= line (RFC 4566 section 5.14): white space between its fields, missing formats.
 #include "sdpline/cpp/detail/keywords.hpp"
 #include "tidy/values.hpp"
 
@@ -46,7 +46,7 @@ public:
         repairSpace();
     }
 
-    // Once the lines below it are as they will be written.
+    // Called when the lines after it are repaired.
     void repairDeferred() {
         rtp_ = takesPayloads(first_[2], work_.takesRtpFamily());
         if (!addFormats()) {
@@ -56,8 +56,8 @@ public:
 
 private:
     void repairSpace() {
-        // A blank after the last payload is no fault, nor is one after the protocol without
-        // payloads.
+        // The decoder accepts one blank after the last payload number, or after the protocol if
+        // there are none.
         const bool listed = count_ > kBeforeFormats;
         const bool faulty = rtp_ ? trailing_.size() > 1 || trailing_ == "\t" : !trailing_.empty();
         const Rule rule = rtp_ && !listed ? Rule::SpaceRun : Rule::TrailingSpace;
@@ -79,7 +79,7 @@ private:
         write(blank ? " " : "");
     }
 
-    // As the line is where it was given: it ends earlier, or lacks blanks at one place.
+    // Repairs a line that is still the given one: shortens it, or removes blanks at one place.
     void cut(bool keepsBlank) {
         if (!trailing_.empty()) {
             const char *const end = trailing_.data() + (keepsBlank ? 1 : 0);
@@ -91,7 +91,7 @@ private:
         }
     }
 
-    // Counts the fields, and finds the space that is more than one blank.
+    // Counts the fields, and finds white space that is not one blank.
     void scan() {
         const char *at = value_.data();
         const char *const end = at + value_.size();
@@ -115,14 +115,14 @@ private:
         }
     }
 
-    // Whether the line needs formats, and may be given them.
+    // Whether the line needs formats, and the wanted rules allow to add them.
     bool mayAddFormats() const {
         const bool needed = !rtp_ || (trailing_.empty() && !isZero(first_[1]));
         return needed && work_.wants(Rule::FormatMissing) &&
                (run_ == nullptr || work_.wants(Rule::SpaceRun));
     }
 
-    // Those that a=rtpmap lines below it name, or "*".
+    // Adds the payload numbers of the a=rtpmap lines after it, or "*".
     bool addFormats() {
         size_t size = 0;
         eachPayload([&](std::string_view payload) { size += payload.size() + 1; });
@@ -153,7 +153,7 @@ private:
         }
     }
 
-    // The fields with one blank between them, then what follows the last one.
+    // Writes the fields with one blank between each two, and then `after`.
     void write(std::string_view after) {
         Draft draft(work_.memory, value_.size() + after.size() + 2);
         draft << "m=";
@@ -191,7 +191,7 @@ bool takesPayloads(std::string_view protocol, bool rtpFamily) {
            (rtpFamily && tables::endsInRtpProfile(protocol));
 }
 
-// Three fields before the formats, and one of those.
+// At least three fields before the formats, and one format.
 bool isPlainMedia(std::string_view value) {
     const uint32_t blanks = countBlanks(value);
     return blanks >= kBeforeFormats && blanks != kNotEven;
@@ -203,7 +203,8 @@ void repairMedia(Workspace &work, Line &line, std::string_view value) {
     }
 }
 
-// Nothing but the space around its "=" has been repaired: its value is where it was.
+// Of a deferred line only the white space around its "=" was repaired: its value is still in the
+// given text.
 void addFormats(Workspace &work, Line &line) {
     const size_t size = line.text.size() - (line.text.find('=') + 1);
     MediaLine(work, line, withoutFirst(line.original, line.original.size() - size))

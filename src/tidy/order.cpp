@@ -1,5 +1,5 @@
-// The order of lines (RFC 4566 section 5): which belong to the session and which to a media
-// description, lines that come twice or too late, and lines that are missing.
+// Repairs of the order of lines (RFC 4566 section 5): lines that belong to the session or to a
+// media description, duplicate and misplaced lines, and missing lines.
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint8_t kRanks = 14; // the rank of a line that does not belong where it is
 
-// Lines in their order, and the rank of each letter.
+// The order of lines, and the rank of each letter.
 struct Order {
     explicit constexpr Order(std::string_view letters) : keys(letters) {
         for (uint8_t &rank : ranks) {
@@ -29,37 +29,37 @@ struct Order {
     uint8_t ranks[26] = {};
 };
 
-// An r= line after a t= line has the rank of that, with which it stays.
+// An r= line after a t= line gets the rank of t=, so that it stays with it.
 constexpr Order kSessionOrder("vosiuepcbtrzka");
 constexpr Order kMediaOrder("micbka");
 static_assert(kSessionOrder.keys.back() == 'a' && kMediaOrder.keys.back() == 'a');
 static_assert(kSessionOrder.keys.size() == kRanks && kMediaOrder.keys.size() <= kRanks);
 
-// Between s= and t= none of these may be followed by an m= line or by an attribute.
+// Lines between s= and t= that may be followed neither by an m= line nor by an attribute.
 constexpr uint32_t kNeedTime = lettersOf("iuepb");
-// They come after t=.
+// Lines after t=.
 constexpr uint32_t kAfterTime = lettersOf("zka");
-// Lines that come once. The first of a kind is kept, of c= lines the last.
+// Lines that may occur once. The first of a kind is kept, but the last of c= lines.
 constexpr uint32_t kSingle = lettersOf("osiuczk");
 constexpr uint32_t kOfSession = lettersOf("osueptrz");
 
-// The session, or one media description: its lines, and those that come to it from elsewhere.
+// The session, or one media description: its lines, and those that are moved to it.
 class Section {
 public:
     Section(Workspace &work, const Order &order) : work_(work), order_(order) {}
 
-    // Of a kind that belongs here.
+    // For a kind of line that belongs here.
     bool has(char key) const { return first(key) != nullptr; }
     const Line *first(char key) const { return seen_[order_.rankOf(key)]; }
 
-    // A line of the text that belongs here, in its turn. A second one of a kind that comes once may
-    // go, or make the first one go.
+    // Adds a line of this section, in the order of the text. If its kind may occur once, a second
+    // one may be removed, or cause the first one to be removed.
     void add(Line &line) {
         if (line.key == 'a' && !line.aside) {
             return addAttribute(line);
         }
         line.rank = order_.rankOf(line.key == 'r' && has('t') ? 't' : line.key);
-        // Of several t= lines it is not known which an r= line before them belongs to.
+        // With several t= lines it is not known to which an r= line before them belongs.
         known_ = known_ && line.rank < kRanks && !(line.key == 't' && has('t') && has('r'));
         if (line.rank < kRanks && isOneOf(kSingle, line.key)) {
             Line *&first = seen_[line.rank];
@@ -89,7 +89,7 @@ public:
         }
     }
 
-    // The rank of the last line that is here, once all are in their order.
+    // The key of the line that is the last one of this section in their order.
     char lastKey() const {
         for (size_t rank = order_.keys.size(); rank-- > 0;) {
             if (seen_[rank] != nullptr) {
@@ -99,7 +99,7 @@ public:
         return '\0';
     }
 
-    // All lines in their order, as far as the rules want it.
+    // Returns all lines in their order, as far as the wanted rules allow.
     LineList inOrder() {
         if (leftOut_) {
             dropLeftOut(lines_);
@@ -113,14 +113,14 @@ public:
     }
 
 private:
-    // Most lines are attributes, which come last: none is late.
+    // A fast path: most lines are attributes, which come last and so are never late.
     void addAttribute(Line &line) {
         line.rank = highest_ = order_.last();
         seen_[line.rank] = &line;
         lines_.append(line);
     }
 
-    // Of two lines of a kind that comes once: true when the later one goes.
+    // For two lines of a kind that may occur once: returns true if the later one is removed.
     bool isLeftOut(Line &first, Line &later) {
         if (first.text == later.text) {
             return drop(Rule::LineTwice, later);
@@ -177,7 +177,7 @@ private:
         return all;
     }
 
-    // Those from elsewhere go to the end of their kind.
+    // Inserts the lines that were moved here at the end of their kinds.
     LineList merged() {
         LineList all;
         Line *coming = sorted(aside_).first;
@@ -244,7 +244,7 @@ private:
         }
     }
 
-    // A line below an m= line may be one of the session.
+    // Adds a line after an m= line, which may be one of the session.
     void addBelow(Section &description, Line &line) {
         const bool ofSession = line.key != 'a' && isOneOf(kOfSession, line.key);
         if (!ofSession || !work_.wants(Rule::LineLevel)) {
@@ -255,10 +255,10 @@ private:
         add(session_, line);
     }
 
-    // `next` is the first m= line, or where there is none the last line.
+    // `next` is the first m= line or, without one, the last line.
     void addMissing(const Line &next, bool hasMedia) {
         if (work_.goesOn) {
-            return; // what is missing may be after the empty line, for other readers too
+            return; // the missing lines may follow the empty line
         }
         const Line *const end = work_.lines + work_.lineCount;
         const Line *begin = work_.lines;

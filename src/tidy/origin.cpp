@@ -1,4 +1,4 @@
-// The o= line (RFC 4566 section 5.2) and the c= line (5.7): what their fields may be repaired to.
+// Repairs of the o= line (RFC 4566 section 5.2) and the c= line (section 5.7).
 #include "tidy/address.hpp"
 #include "tidy/fields.hpp"
 #include "tidy/values.hpp"
@@ -14,7 +14,7 @@ constexpr bool isAddressType(std::string_view word) {
     return word == kIp4 || word == kIp6;
 }
 
-// An IPv6 address, and what a slash puts after it.
+// Whether a word is an IPv6 address, or one with a "/" after it.
 bool looksLikeIp6(std::string_view word) {
     return isIp6Text(word.substr(0, word.find('/')));
 }
@@ -30,7 +30,7 @@ constexpr bool looksLikeIp4(std::string_view word) {
     return dots == 3;
 }
 
-// A host name (RFC 1123 section 2.1), with the "_" of some, that is not a number.
+// Whether a word is a host name (RFC 1123 section 2.1; "_" is accepted too) and not a number.
 constexpr bool isHostName(std::string_view word) {
     bool letter = false;
     for (const char byte : word) {
@@ -43,20 +43,20 @@ constexpr bool isHostName(std::string_view word) {
     return letter;
 }
 
-// Under IP6 the decoder takes names of letters, digits and dots for an address that it reads what
-// it can of.
+// Whether the decoder refuses the host name. After IP6 it accepts names of letters, digits and
+// dots, and reads them as an address as far as it can.
 constexpr bool isRefusedHost(std::string_view word, std::string_view type) {
     return isHostName(word) &&
            (type == kIp4 || word.find('-') != std::string_view::npos || word.ends_with('.'));
 }
 
-// IN and the address type, at two fields next to each other.
+// The network type and the address type, which are two adjacent fields.
 class Types {
 public:
     Types(Workspace &work, Line &line, Fields &fields, uint32_t net)
         : work_(work), line_(line), fields_(fields), net_(net) {}
 
-    // False where they cannot be made right.
+    // Returns false if they cannot be repaired.
     bool repair() {
         if (fields_[net_] != "IN" && !inCapitals(net_, "in", "IN")) {
             return false;
@@ -85,7 +85,7 @@ private:
         return true;
     }
 
-    // The address comes where its type should be, and shows it.
+    // Inserts a missing address type, which follows from the address in its place.
     bool missing() {
         const std::string_view word = fields_[net_ + 1];
         const bool ip4 = looksLikeIp4(word);
@@ -104,8 +104,8 @@ private:
     uint32_t net_;
 };
 
-// A number of ten digits at most that depends on all of the text, so that equal texts stay equal
-// and others stay different.
+// A number of at most ten digits, a hash of the whole text: equal texts get equal numbers, and
+// different texts get, with high probability, different ones.
 std::string_view numberFor(Workspace &work, std::string_view text) {
     uint32_t value = 2166136261u;
     for (const char byte : text) {
@@ -120,7 +120,7 @@ public:
     Origin(Workspace &work, Line &line, Fields &fields)
         : work_(work), line_(line), fields_(fields) {}
 
-    // False where the fields are not those of an origin, whatever is repaired.
+    // Returns false if the fields cannot be repaired to those of an origin.
     bool repair() {
         if (fields_.leading() != nullptr || isNet(2)) {
             addUser();
@@ -147,8 +147,8 @@ private:
         }
     }
 
-    // All is the user's name before two ids and IN, after which the address or its type may be
-    // missing.
+    // Joins the words before the two ids and "IN" to one user name. The address or its type, after
+    // "IN", may be missing.
     void joinUser() {
         const uint32_t count = fields_.count();
         const uint32_t net = count > 4 && isNet(count - 2) ? count - 2 : count - 3;
@@ -189,8 +189,8 @@ private:
     Fields &fields_;
 };
 
-// Whether the fields are those of an origin, with one blank between them, and two or more at one
-// place at most: `run` is the second of those, or null.
+// Whether the fields are those of an origin with one blank between each two, but at most at one
+// place two or more: `run` is the second of those blanks, or null.
 bool isOrigin(std::string_view value, const char *&run) {
     constexpr uint32_t fields = 6;
     const char *at = value.data();
@@ -240,7 +240,7 @@ void repairOrigin(Workspace &work, Line &line, std::string_view value) {
         line.text = kOriginLine;
         return;
     }
-    // A blank at the start means that the user name is missing.
+    // A blank at the start: the user name is missing.
     const bool blank = fields.leading() != nullptr;
     if (fields.repairable(work) && Origin(work, line, fields).repair() &&
         (fields.needsWriting() || blank)) {

@@ -4,8 +4,8 @@ namespace sdpline::tidy {
 
 namespace {
 
-// Payload formats beyond the library's profiles whose registration has one clock rate, or one where
-// none is said.
+// Payload formats that are not profiles of the library, and whose registration has one clock rate
+// or a default rate.
 struct Registered {
     std::string_view name; // in small letters
     std::string_view rate;
@@ -68,7 +68,7 @@ constexpr Registered kRegistered[] = {
 // All rows of SdpGetRtpmapProfile.
 constexpr uint16_t kProfiles = 35;
 
-// The rate of the profiles of that name (RFC 3551 section 6) where all have the same; else 0.
+// The rate of the profiles of that name (RFC 3551 section 6) if all have the same; else 0.
 uint32_t profileRate(std::string_view name) {
     uint32_t rate = 0;
     for (uint16_t row = 0; row < kProfiles; ++row) {

@@ -1,4 +1,4 @@
-// Clock rates that payload formats are registered with.
+// The registered clock rates of payload formats.
 #pragma once
 
 #include <string_view>
@@ -7,8 +7,8 @@
 
 namespace sdpline::tidy {
 
-// As a=rtpmap has it, with the channels where there must be some; empty for a name that is not
-// registered, or not with one rate alone. Case does not matter.
+// The clock rate as a=rtpmap has it, with the number of channels where it is required. Empty for a
+// name that is not registered, or has several rates. Names are compared without case.
 std::string_view registeredRate(Memory &memory, std::string_view name, std::string_view payload);
 
 } // namespace sdpline::tidy

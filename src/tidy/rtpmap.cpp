@@ -1,4 +1,4 @@
-// a=rtpmap (RFC 4566 section 6): the space around its parts, and a clock rate that is missing.
+// Repairs of a=rtpmap (RFC 4566 section 6): white space around its parts, a missing clock rate.
 #include <algorithm>
 
 #include "tidy/rates.hpp"
@@ -38,12 +38,12 @@ struct Rtpmap {
     const char *spaceBefore;  // white space after the colon, null for none
     std::string_view payload; // digits
     std::string_view gap;     // the white space after them
-    std::string_view name;    // as far as the slash
-    std::string_view rest;    // from the slash on
+    std::string_view name;    // up to the slash
+    std::string_view rest;    // the slash and the text after it
 };
 
-// Clock rate and channels without the white space around their slashes. Between two numbers it
-// stays: they are not one.
+// Clock rate and channels without the white space around their slashes. Between two numbers one
+// blank stays.
 std::string_view closed(Memory &memory, std::string_view rest) {
     Draft draft(memory, rest.size());
     while (!rest.empty()) {
@@ -69,11 +69,11 @@ public:
         const bool missing = clock.size() <= 1; // none, or a slash alone
         const bool inside = wordOf(clock).size() != clock.size();
         const bool space = map_.spaceBefore != nullptr || inside;
-        // A name may end in blanks: they go where others around the slash do.
+        // A name may end in blanks. They are removed only together with others around the slash.
         const std::string_view name = missing || space ? withoutBlanksAfter(map_.name) : map_.name;
         const bool trailing =
             clock.size() != map_.rest.size() || (missing && name.size() != map_.name.size());
-        // A name may begin with blanks, if not with a tab: then they alone are no fault.
+        // A name may begin with blanks, but not with a tab: blanks alone are accepted.
         const bool tab = map_.gap.front() == '\t';
         const bool run = tab || (map_.gap.size() > 1 && work_.wants(Rule::SpaceRun));
         if ((space && !work_.wants(Rule::RtpmapSpace)) || (tab && !work_.wants(Rule::SpaceRun)) ||
@@ -101,7 +101,8 @@ public:
     }
 
 private:
-    // Which rule is for a clock rate that is missing, and whether it is wanted.
+    // Whether the rule for a missing clock rate is wanted: one rule is for registered names, the
+    // other for all others.
     bool addsClock(std::string_view name) {
         rate_ = registeredRate(work_.memory, name, map_.payload);
         return work_.wants(rate_.empty() ? Rule::RtpmapNoClock : Rule::RtpmapClock);
@@ -128,12 +129,12 @@ private:
     Workspace &work_;
     Line &line_;
     Rtpmap map_;
-    std::string_view rate_; // that it lacks
+    std::string_view rate_; // the missing one, if registered
 };
 
 } // namespace
 
-// payload SP name clock, and nothing around them but blanks before
+// payload SP name clock, with blanks only before the payload
 bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value) {
     const std::string_view bare = withoutBlanksBefore(value);
     const size_t digits = countDigits(bare);

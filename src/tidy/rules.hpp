@@ -1,4 +1,4 @@
-// The rules: one row each, in the order of their numbers.
+// The rules, by the numbers of sdptidy.h.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace sdpline::tidy {
 
-// A rule's number under a type of its own.
+// The number of a rule.
 enum class Rule : uint32_t {
     ByteOrderMark = SDP_TIDY_BYTE_ORDER_MARK,
     LeadingBlank = SDP_TIDY_LEADING_BLANK,
@@ -66,7 +66,7 @@ constexpr uint64_t bitOf(Rule rule) {
     return SDP_TIDY_BIT(static_cast<uint32_t>(rule));
 }
 
-// The rules of a set, a bit for each.
+// The rules of a set, one bit for each.
 uint64_t rulesOf(uint32_t set);
 
 } // namespace sdpline::tidy

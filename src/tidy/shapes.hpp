@@ -1,4 +1,4 @@
-// What the decoder asks of an attribute's value.
+// The form of an attribute's value that the decoder accepts.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace sdpline::tidy {
 
-// What follows an attribute's name.
+// What follows the name of an attribute.
 enum class Shape : uint8_t {
     Flag,       // nothing
     Words,      // ":" and words with one blank between them
@@ -14,10 +14,10 @@ enum class Shape : uint8_t {
     Text,       // ":" and any text
     Rtpmap,
     Silence,
-    Any, // [ ":" any text ], under a name that the decoder does not know
+    Any, // [ ":" any text ], after a name that the decoder does not know
 };
 
-// By the attribute's name, case and all.
+// The shape of an attribute by its name, which is compared with case.
 Shape shapeOf(std::string_view name);
 
 } // namespace sdpline::tidy

@@ -1,4 +1,5 @@
-// SdpTidyText: the decoder, the passes over the lines where it refuses, and the decoder again.
+// SdpTidyText: calls the decoder and, if that refuses the text, the passes over its lines, and then
+// the decoder again.
 #include <algorithm>
 #include <cstddef>
 
@@ -9,14 +10,15 @@ namespace sdpline::tidy {
 
 namespace {
 
-// For lines of the usual length and the rows of a text of about 1 KB. A longer one has a block.
+// The buffer is sufficient for a text of about 1 KB with lines of the usual length. For a longer
+// text a block is made.
 constexpr size_t kBuffer = 8192;
 constexpr uint32_t kBlockTimes = 7;
 constexpr uint32_t kBlockMore = 1536;
 
 // ---- The repaired text
 
-// Ends the line that ends the given text, where another follows it now.
+// Adds a line end to the last line of the given text if another line follows it now.
 void endLast(Workspace &work, LineList &lines) {
     Line &last = work.lines[work.lineCount - 1];
     if (last.end.empty() && last.rank != kNotWritten && &last != lines.last) {
@@ -25,7 +27,7 @@ void endLast(Workspace &work, LineList &lines) {
     }
 }
 
-// The CR of each CR LF, in the lines and after them.
+// The number of CR LF in the lines and after them.
 uint32_t countCr(const Workspace &work, const LineList &lines) {
     uint32_t count = 0;
     for (const Line *line = lines.first; line != nullptr; line = line->next) {
@@ -90,7 +92,7 @@ SDPTidyRow rowOf(const Workspace &work, const Found &found) {
             line.newNumber};
 }
 
-// Rows in the order of the text: counted by line, then put in their places.
+// Sorts the rows in the order of the text, by counting.
 bool sortRows(Workspace &work, SDPTidyRow *rows, uint32_t count) {
     auto *const starts = work.memory.array<uint32_t>(work.lineCount + 2);
     if (starts == nullptr) {
@@ -109,7 +111,7 @@ bool sortRows(Workspace &work, SDPTidyRow *rows, uint32_t count) {
     return true;
 }
 
-// Null without memory.
+// The rows of the report, in the order of the text; null without memory.
 SDPTidyRow *rowsOf(Workspace &work) {
     const uint32_t count = work.foundCount();
     auto *const rows = work.memory.array<SDPTidyRow>(count);
@@ -126,8 +128,8 @@ SDPTidyRow *rowsOf(Workspace &work) {
     return done == count || sortRows(work, rows, count) ? rows : nullptr;
 }
 
-// Why the repaired text is refused, with its place in the text as it was given: that of the line,
-// where the line was written anew.
+// Converts the place of a failure in the repaired text to one in the given text. For a line that
+// was written again it is the start of the line.
 SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure failure) {
     if (failure.ulLine == 0) {
         return failure; // of the whole text
@@ -161,10 +163,11 @@ public:
           work_(buffer_, kBlockTimes * request.text.ulLen + kBlockMore, viewOf(request.text),
                 request.rules, request.decode.bRtpFamily == 1) {}
 
-    // Of the rows and the repaired text; null where neither was made.
+    // The block of the rows and the repaired text; null if there is neither.
     SDPMemCp *block() const { return work_.memory.block(); }
 
-    // The decoder's result for the repaired text, or that nothing could be repaired.
+    // Returns the decoder's result for the repaired text, or for the given text if nothing could be
+    // repaired.
     SDPResult run() {
         if (const SDPFailure &failure = report_.stFailure; failure.ulLine != 0) {
             work_.takenCount = failure.ulLine - 1;

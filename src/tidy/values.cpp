@@ -1,4 +1,4 @@
-// Repairs within a line: the space around its "=", and lines of few fields; dispatch on its kind.
+// Repairs within a line: white space around its "=", lines of few fields, and the dispatch by kind.
 #include "tidy/values.hpp"
 
 #include "tidy/fields.hpp"
@@ -13,12 +13,12 @@ constexpr bool isKnown(char key) {
     return isOneOf(lettersOf("vosiuepcbtrzkam"), key);
 }
 
-// Lines whose value is any text: a blank at its start belongs to it.
+// Lines whose value is any text, to which a blank at its start belongs.
 constexpr bool isText(char key) {
     return isOneOf(lettersOf("siuepbkz"), key);
 }
 
-// Writes the line with nothing around its "=".
+// Writes the line without white space around its "=".
 void writeKey(Workspace &work, Line &line, std::string_view value) {
     const char key[] = {line.key, '='};
     line.text = (Draft(work.memory, sizeof key + value.size())
@@ -26,8 +26,8 @@ void writeKey(Workspace &work, Line &line, std::string_view value) {
                     .text();
 }
 
-// "v =0", or a tab before the key: the key and the value that this line has when such space is left
-// out. False for a line that has none either way.
+// Removes white space before the key and around the "=", as in "v =0", and sets the line's key and
+// `value`. Returns false for a line that has no key even so.
 bool closeKey(Workspace &work, Line &line, std::string_view &value) {
     std::string_view rest = withoutBlanksBefore(line.text);
     if (rest.empty() || !isKnown(rest.front()) || !work.wants(Rule::KeySpace)) {
@@ -45,8 +45,8 @@ bool closeKey(Workspace &work, Line &line, std::string_view &value) {
     return true;
 }
 
-// White space after the "=" of a line of fields. An o= line with too few keeps it: its user name is
-// missing.
+// Removes white space after the "=" of a line of fields. An o= line with too few fields keeps it:
+// its user name is missing.
 void closeValue(Workspace &work, Line &line, std::string_view &value) {
     if (value.empty() || !isBlank(value.front()) || isText(line.key) ||
         !work.wants(Rule::KeySpace) || (line.key == 'o' && Fields(value).count() < 6)) {
@@ -98,7 +98,7 @@ void repairEmpty(Workspace &work, Line &line) {
     }
 }
 
-// Digits, dots and slashes, as an IPv4 address has.
+// Whether a text has only digits, dots and slashes, as an IPv4 address.
 constexpr bool isAddressPart(std::string_view text) {
     for (const char byte : text) {
         if (byte < '.' || byte > '9') {
@@ -108,7 +108,7 @@ constexpr bool isAddressPart(std::string_view text) {
     return true;
 }
 
-// Whether there is nothing to repair, as in most lines. False is no promise.
+// Whether the line certainly needs no repair, as most lines do not.
 bool isPlain(const Line &line) {
     constexpr std::string_view ip4 = "c=IN IP4 ";
     if (line.text.size() < 3 || line.text[1] != '=') {
@@ -134,7 +134,7 @@ bool endsTwice(const Workspace &work, const Line &line) {
            (work.hasNul && line.text.find('\0') != std::string_view::npos);
 }
 
-// The line's end is copied with it where it follows, so that both are written at once.
+// The line end is copied too if it follows the line, so that both are written at once.
 void cutOut(Workspace &work, Line &line, const char *from, const char *to) {
     const char *const end = line.text.data() + line.text.size();
     const size_t endSize = line.end.data() == end ? line.end.size() : 0;
@@ -195,7 +195,7 @@ void repairValue(Workspace &work, Line &line, std::string_view value) {
     }
 }
 
-// A line that is not plain.
+// Repairs a line that may need it.
 void repairLine(Workspace &work, Line &line) {
     if (endsTwice(work, line)) {
         return;

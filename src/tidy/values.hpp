@@ -1,4 +1,4 @@
-// Repairs within a line, by its kind. `value` is what follows the "=", a part of the line as given.
+// Repairs within a line, by its kind. `value` is the text after the "=", a part of the given line.
 #pragma once
 
 #include "tidy/workspace.hpp"
@@ -9,7 +9,7 @@ inline constexpr std::string_view kVersionLine = "v=0";
 inline constexpr std::string_view kOriginLine = "o=- 0 0 IN IP4 0.0.0.0";
 inline constexpr std::string_view kNameLine = "s=-";
 inline constexpr std::string_view kTimeLine = "t=0 0";
-// What a line that is kept as an attribute begins with.
+// The start of a line that is kept as an attribute.
 inline constexpr std::string_view kKept = "a=x-line:";
 
 void repairOrigin(Workspace &work, Line &line, std::string_view value);
@@ -18,19 +18,20 @@ void repairMedia(Workspace &work, Line &line, std::string_view value);
 void repairAttribute(Workspace &work, Line &line, std::string_view value);
 void repairRtpmap(Workspace &work, Line &line, std::string_view value);
 
-// Adds to a deferred m= line the formats that it lacks.
+// Adds the missing formats to a deferred m= line.
 void addFormats(Workspace &work, Line &line);
 
-// Whether there is nothing to repair in such a line, as in most. False is no promise.
+// Whether such a line certainly needs no repair, as most lines do not. When false is returned, it
+// may or may not need one.
 bool isPlainOrigin(std::string_view value);
 bool isPlainMedia(std::string_view value);
 
-// The same of a line in place that has the fault of most, if any, which is repaired then: blanks
-// after the colon.
+// The same for a=rtpmap, after the repair of its most frequent fault: blanks after the colon of a
+// line that has not been written again.
 bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value);
 
-// Words with one blank between them and none around them: how many blanks. kNotEven for other
-// space, and for control characters.
+// The number of blanks between words, if there is one blank between each two and none around them;
+// else, and for control characters, kNotEven.
 inline constexpr uint32_t kNotEven = 0xFFFFFFFF;
 constexpr uint32_t countBlanks(std::string_view words) {
     uint32_t count = 0;
@@ -49,24 +50,23 @@ constexpr uint32_t countBlanks(std::string_view words) {
     return word != words.size() ? count : kNotEven;
 }
 
-// Whether readers disagree about where the line ends, as they do at a CR and at a NUL: then it is
-// left alone.
+// Whether the line has a CR or a NUL, so that readers disagree about its end: it is not repaired.
 bool endsTwice(const Workspace &work, const Line &line);
 
-// Whether the decoder takes payload numbers after that protocol.
+// Whether the decoder accepts payload numbers after that protocol.
 bool takesPayloads(std::string_view protocol, bool rtpFamily);
 
-// Leaves out what is between two places of the line, which is where it was given but for its end.
+// Removes the text between two places of the line.
 void cutOut(Workspace &work, Line &line, const char *from, const char *to);
 
-// Takes the line out of the text; it keeps its row.
+// Removes the line from the text. Its entry stays, for the report.
 void leaveOut(Line &line);
 
-// Makes the line an attribute whose value is the line as it was given: a=x-line:y=1. It goes to the
+// Replaces the line by an attribute whose value is the given line: a=x-line:y=1. It is moved to the
 // attributes of its description.
 void makeAttribute(Workspace &work, Line &line);
 
-// Puts such an attribute in beside the line, which stays.
+// Adds such an attribute for the line, which stays.
 void keepAsAttribute(Workspace &work, Line &line);
 
 } // namespace sdpline::tidy

@@ -1,4 +1,4 @@
-// What the repairs of one text share: its lines, the rows of the report, and the memory of both.
+// The data of the repair of one text: its lines, the rows of the report, and their memory.
 #pragma once
 
 #include <bit>
@@ -12,30 +12,30 @@
 
 namespace sdpline::tidy {
 
-// One line of the text, or one that was put in. Lines are linked in the order in which they will be
-// written; their array is in the order of the text.
+// One line of the text, or one that was inserted. The lines are linked in the order in which they
+// will be written; their array is in the order of the given text.
 struct Line {
-    std::string_view text;     // as it will be written, without its end
-    std::string_view original; // as it was given; empty for a line that was put in
-    std::string_view end;      // CR LF, LF, or nothing where the text ends
+    std::string_view text;     // as it will be written, without its line end
+    std::string_view original; // as it was given; empty for a line that was inserted
+    std::string_view end;      // CR LF or LF; empty at the end of the text
     Line *next;
-    Line *extra;        // a line put in beside this one, null for none
-    uint32_t number;    // of the given text, from 1; of a line put in, that of the line it precedes
-    uint32_t newNumber; // of the repaired text, from 1; 0: not written
-    char key;           // the letter before "=", 0 for a line without
-    uint8_t rank;       // where its kind is in the order of lines
-    bool aside;         // goes to the end of its kind, wherever it was
-    bool deferred;      // an m= line whose formats are those of the lines below, when repaired
+    Line *extra;        // a line that was added for this one; null for none
+    uint32_t number;    // in the given text, from 1; for an inserted line, of the line it precedes
+    uint32_t newNumber; // in the repaired text, from 1; 0: not written
+    char key;           // the letter before "="; 0 for none
+    uint8_t rank;       // the position of its kind in the order of lines
+    bool aside;         // moved to the end of the lines of its kind
+    bool deferred;      // an m= line that gets its formats when the lines after it are repaired
 };
 
 // The rank of a line that is not written.
 inline constexpr uint8_t kNotWritten = 0xFF;
 
-// Lines in a row: appending takes the same time whatever their number.
+// A linked list of lines. Appending takes constant time.
 struct LineList {
     Line *first = nullptr;
     Line *last = nullptr;
-    size_t size = 0; // of their text, with the ends
+    size_t size = 0; // bytes of their texts, with the line ends
 
     bool empty() const { return first == nullptr; }
     void append(Line &line) {
@@ -53,21 +53,20 @@ struct LineList {
     }
 };
 
-// A row before it is known where its line went.
+// A row of the report, before the position of its line in the repaired text is known.
 struct Found {
     Rule rule;
     const Line *line;
-    uint32_t offset; // in the line as it was given
+    uint32_t offset; // in the given line
 };
 
-// Memory of a block that comes from the services, cut from few allocations of it and never given
-// back. A request that fails makes every later one fail; who asked for memory tests hasFailed()
-// before the text is used.
+// Memory of a block of the services, cut from few allocations and never freed one by one. After a
+// failed request every later one fails; users test hasFailed() before they use the text.
 class Memory {
 public:
-    // `first` is the size of the first allocation, which most texts need no more than.
+    // `first` is the size of the first allocation, which is enough for most texts.
     Memory(SDPMemCp *memCp, uint32_t first) : memCp_(memCp), next_(first) {}
-    // A buffer comes first, and a block of its own when that is used up.
+    // The buffer is used first; when it is full, a block is made.
     Memory(std::span<char> buffer, uint32_t first)
         : next_(first), free_(buffer.data()), left_(buffer.size()) {}
 
@@ -81,21 +80,22 @@ public:
         left_ -= left_ != 0 ? size : 0;
         return begin;
     }
-    // An array, or null.
+    // An array that is not initialised, or null.
     template <class Item>
     Item *array(size_t count) {
         return static_cast<Item *>(take(count * sizeof(Item)));
     }
     bool hasFailed() const { return failed_; }
 
-    // What is taken from here on is in the block, of which `size` bytes are enough for it.
+    // From here on memory comes from the block, so that it can outlive the buffer. `size` bytes are
+    // enough for the requests that follow.
     void leaveBuffer(size_t size) {
         if (memCp_ == nullptr) {
             next_ = static_cast<uint32_t>(size);
             left_ = 0;
         }
     }
-    // Null as long as the buffer did.
+    // Null as long as the buffer was sufficient.
     SDPMemCp *block() const { return memCp_; }
 
 private:
@@ -108,8 +108,8 @@ private:
     bool failed_ = false;
 };
 
-// A text under construction: parts appended to memory of a known size. Parts that follow each other
-// where they come from are copied together.
+// A text under construction, in memory of a known size. Parts that are adjacent in their source are
+// copied together.
 class Draft {
 public:
     Draft(Memory &memory, size_t size)
@@ -143,38 +143,38 @@ private:
     std::string_view pending_;
 };
 
-// The number in decimal digits.
+// Writes a number in decimal digits.
 std::string_view decimal(Memory &memory, uint32_t number);
 
 class Workspace {
 public:
-    // `size` is that of the first allocation.
+    // `size` is the size of the first allocation.
     Workspace(std::span<char> buffer, uint32_t size, std::string_view given, uint64_t rules,
               bool rtpFamily)
         : memory(buffer, size), text(given), rules_(rules), rtpFamily_(rtpFamily) {}
 
     Memory memory;
     const std::string_view text;
-    std::string_view tail;             // what follows the first empty line, that line included
-    std::string_view lineEnd = "\r\n"; // of lines that are put in
+    std::string_view tail;             // the first empty line and the text after it
+    std::string_view lineEnd = "\r\n"; // of inserted lines
     Line *lines = nullptr;
     uint32_t lineCount = 0;
-    uint32_t takenCount = 0;       // of lines, that the decoder took before it refused one
-    uint32_t takenSize = 0;        // and bytes of the text before the place of that
-    bool endsInCr = false;         // each line, there being no LF
-    bool goesOn = false;           // after the empty line that ends the description
-    bool hasSecondVersion = false; // or text before v=: that is never repaired
-    bool hasDeferred = false;      // lines
-    bool hasNul = false;           // anywhere in the text
+    uint32_t takenCount = 0;       // lines that the decoder accepted before it refused one
+    uint32_t takenSize = 0;        // bytes before the place of the failure
+    bool endsInCr = false;         // lines end in CR, because the text has no LF
+    bool goesOn = false;           // lines of SDP follow the empty line that ends the description
+    bool hasSecondVersion = false; // a second v= line, or text before v=: never repaired
+    bool hasDeferred = false;      // a line is deferred
+    bool hasNul = false;           // the text has a NUL
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }
-    // How many lines need no repair within them, for the decoder took them. Where lines end in CR
-    // it took one that is none.
+    // The number of lines that need no repair within them, because the decoder accepted them. It
+    // does not apply where lines end in CR, which the decoder does not count.
     uint32_t takenLines() const { return endsInCr ? 0 : takenCount; }
-    // As the decoder is set: RTP/SAVPF and its like take payloads.
+    // The decoder's setting: RTP/SAVPF and the like take payload numbers.
     bool takesRtpFamily() const { return rtpFamily_; }
 
-    // A row of the report; `at` points into the line as it was given.
+    // Adds a row to the report; `at` points into the given line.
     void report(Rule rule, const Line &line, const char *at) {
         if (foundCount_ != foundRoom_ || growFound()) [[likely]] {
             const auto offset = static_cast<uint32_t>(at - line.original.data());
@@ -185,13 +185,13 @@ public:
 
     const Found *found() const { return found_; }
     uint32_t foundCount() const { return foundCount_; }
-    // For the lines to be cut once more.
+    // Resets what cutting the lines has set, before they are cut again.
     void forgetLines() {
         foundCount_ = 0;
         hasSecondVersion = false;
     }
 
-    // A line that the text lacks; null without memory.
+    // Makes a line to be inserted; null without memory.
     Line *newLine(std::string_view content, const Line &before);
 
 private:
@@ -206,18 +206,18 @@ private:
 
 // ---- The passes, in their order. Each is linear in the text.
 
-// Cuts the text into lines. False where what it begins with is never repaired.
+// Cuts the text into lines. False without memory.
 bool cutLines(Workspace &work);
 
-// Repairs within the lines that the decoder did not take: their fields, by their kinds.
+// Repairs the fields of the lines that the decoder did not accept, by their kinds.
 void repairLines(Workspace &work);
 
-// Puts the lines in their order, leaves out those that come twice, puts in those that are missing.
+// Sorts the lines, removes duplicate ones, and inserts missing ones.
 LineList arrange(Workspace &work);
 
 // ---- Bytes and words
 
-// A set of small letters, a bit for each.
+// A set of lower-case letters, one bit for each.
 constexpr uint32_t lettersOf(std::string_view letters) {
     uint32_t set = 0;
     for (const char letter : letters) {
@@ -234,7 +234,8 @@ constexpr bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
 }
 
-// Of eight bytes of a text the high bits of those below a limit, which is at most 0x80.
+// Marks the bytes below a limit, which is at most 0x80, among eight bytes of a text: sets their
+// high bits.
 inline uint64_t bytesBelow(uint8_t limit, const char *bytes) {
     constexpr uint64_t each = 0x0101010101010101;
     uint64_t value;
@@ -243,15 +244,14 @@ inline uint64_t bytesBelow(uint8_t limit, const char *bytes) {
     return ~above & 0x80 * each;
 }
 
-// How many bytes come before the first of those that bytesBelow, or another question to eight
-// bytes, has marked.
+// The number of bytes before the first marked one.
 inline ptrdiff_t bytesBefore(uint64_t marks) {
     return (std::endian::native == std::endian::little ? std::countr_zero(marks)
                                                        : std::countl_zero(marks)) /
            8;
 }
 
-// The first blank or tab, else the end.
+// Returns the first blank or tab, else the end.
 inline const char *findBlank(const char *at, const char *end) {
     for (; end - at >= 8; at += 8) {
         if (const uint64_t below = bytesBelow(' ' + 1, at); below != 0) {
@@ -265,7 +265,7 @@ inline const char *findBlank(const char *at, const char *end) {
     return at;
 }
 
-// What follows blanks and tabs, else the end.
+// Returns the first byte that is neither a blank nor a tab, else the end.
 constexpr const char *afterBlanks(const char *at, const char *end) {
     while (at != end && isBlank(*at)) {
         ++at;
@@ -273,14 +273,14 @@ constexpr const char *afterBlanks(const char *at, const char *end) {
     return at;
 }
 
-// As starts_with, compared in place.
+// The same as starts_with, without a call.
 template <size_t kSize>
 bool beginsWith(std::string_view text, const char (&literal)[kSize]) {
     return text.size() >= kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
 }
 
-// The text after so many bytes, as many of which it has. Where substr of the library cannot know
-// that, it can throw, for which a program in C would need the C++ runtime.
+// The text without its first `bytes` bytes, of which it must have as many. Unlike substr() it
+// cannot throw, so that a C program needs no C++ run-time library.
 constexpr std::string_view withoutFirst(std::string_view text, size_t bytes) {
     return {text.data() + bytes, text.size() - bytes};
 }
@@ -295,7 +295,7 @@ constexpr bool isDigit(char byte) {
     return byte >= '0' && byte <= '9';
 }
 
-// How many digits the text begins with.
+// The number of digits at the start of a text.
 constexpr size_t countDigits(std::string_view text) {
     size_t count = 0;
     while (count != text.size() && isDigit(text[count])) {
@@ -330,7 +330,7 @@ constexpr char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
-// Equal but for the case of letters.
+// Whether two texts are equal but for the case of ASCII letters.
 constexpr bool sameIgnoringCase(std::string_view first, std::string_view second) {
     if (first.size() != second.size()) {
         return false;
