@@ -1,7 +1,7 @@
 /*
- * negotiate.hpp: offer and answer (RFC 3264) over bodies, with the reason of every decision.
- * Header-only over libsdpline_negotiate; the conventions of sdpline.hpp hold, and those of
- * sdpnegotiate.h, which says more of each operation.
+ * negotiate.hpp: offer and answer (RFC 3264) over bodies, with a reason for every decision.
+ * Header-only over libsdpline_negotiate. The conventions of sdpline.hpp and of sdpnegotiate.h
+ * apply; the latter describes each operation in more detail.
  *
  *     const auto answer = sdpline::answer(offer, local);
  *     if (!answer) {
@@ -41,7 +41,7 @@ enum class DecisionKind : std::uint32_t {
 
 /* One decision. The texts of the reason are static. */
 struct Decision {
-    std::uint32_t reason = 0; /* number of the row, never used again for another reason */
+    std::uint32_t reason = 0; /* number of the reason, never used again for another one */
     DecisionKind kind = DecisionKind::Note;
     std::string_view name;                /* "NoCommonFormat" */
     std::string_view rfc;                 /* "RFC 3264" */
@@ -61,7 +61,7 @@ struct NegotiatedFormat {
     std::uint32_t clockRate = 0;
     std::uint32_t channels = 0;
     std::string sendParameters;    /* a=fmtp of the peer */
-    std::string receiveParameters; /* a=fmtp of ours */
+    std::string receiveParameters; /* our a=fmtp */
 };
 
 enum class Preconditions : std::uint32_t {
@@ -77,18 +77,18 @@ struct NegotiatedStream {
     std::optional<std::uint32_t> local; /* m= line of the local body */
     Direction direction = Direction::Inactive;
     bool peerHeld = false; /* the peer's address is 0.0.0.0 or "::" */
-    bool held = false;     /* ours is */
-    /* In the order of the answer: the offerer sends the first, the answerer the one that comes
-     * first in the offer. */
+    bool held = false;     /* our address is 0.0.0.0 or "::" */
+    /* In the order of the answer. The offerer sends the first one; the answerer sends the one that
+     * is first in the offer. */
     std::vector<NegotiatedFormat> formats;
     std::optional<std::uint32_t> sendPTime;
     std::optional<std::uint32_t> receivePTime;
     std::optional<std::uint32_t> sendMaxPTime;
     std::optional<std::uint32_t> receiveMaxPTime;
     Preconditions preconditions = Preconditions::Absent;
-    bool confirm = false; /* the peer asks to be told when preconditions are met */
+    bool confirm = false; /* the peer asks for a confirmation when preconditions are met */
 
-    /* Whether media may be sent and is to be expected now. */
+    /* Whether media may be sent; whether media must be expected. */
     bool sends() const {
         return !peerHeld && (direction == Direction::SendRecv || direction == Direction::SendOnly);
     }
@@ -97,14 +97,14 @@ struct NegotiatedStream {
     }
 };
 
-/* What both may now send and receive. */
+/* What both sides may now send and receive. */
 struct Agreement {
     std::vector<NegotiatedStream> streams;
     std::vector<Decision> decisions;
-    bool accepted = true; /* a stream is, or none was offered with a port */
+    bool accepted = true; /* a stream is accepted, or none was offered with a port */
 };
 
-/* An answer, the streams as its sender sees them, and what was decided. With `accepted` false all
+/* An answer, the streams as its sender sees them, and the decisions. If `accepted` is false, all
  * offered streams are rejected. */
 struct Answer {
     Body body;
@@ -118,7 +118,7 @@ enum class Side : std::uint32_t {
     Answerer = SDP_NEGOTIATE_ANSWERER
 };
 
-/* A codec, to be compared by a rule of the caller. */
+/* A codec, for AnswerOptions::same. */
 struct Codec {
     std::uint32_t payload;
     std::string_view name;
@@ -130,17 +130,18 @@ struct Codec {
 /* Choices of the answerer. */
 struct AnswerOptions {
     bool ourOrder = false;   /* formats in our order, not in the offer's */
-    bool firstOnly = false;  /* one codec, with the telephone events that go with it */
+    bool firstOnly = false;  /* one codec only, with the telephone events of its clock rate */
     bool avpForAvpf = false; /* RTP/AVPF may be answered by RTP/AVP */
-    /* Negotiator::answer: with every stream rejected the offer stays open, to be refused. */
+    /* Negotiator::answer: if every stream is rejected, the offer stays open, so that it can be
+     * refused. */
     bool openIfRejected = false;
-    /* Ports for streams that take a local description again. */
+    /* Ports for streams that use a local m= line a second time. */
     std::vector<std::uint32_t> ports = {};
-    /* In place of them, called for each accepted stream with its number, that of the local m= line,
-     * and the local port, 0 when it is in use. Returns the port, 0 for none. */
+    /* Called instead, for each accepted stream, with the index of the stream, the index of the
+     * local m= line, and its port, 0 if that is in use. Returns the port, 0 for none. */
     std::function<std::uint32_t(std::uint32_t, std::uint32_t, std::uint32_t)> port = nullptr;
-    /* Whether two codecs of one name, clock and number of channels are the same; the last argument
-     * is what the built-in rules say. */
+    /* Whether two codecs with equal name, clock rate and channels are the same; the last argument
+     * is the result of the built-in rules. */
     std::function<bool(const Codec &, const Codec &, bool)> same = nullptr;
 };
 
@@ -169,14 +170,15 @@ inline Error errorOf(SDPResult result) {
     return error;
 }
 
-/* Sets an empty text; most parameters are empty too, which costs no call. */
+/* Sets a target that is empty. Most parameters are empty too, and then nothing is called. */
 inline void setText(std::string &target, const SipString &text) {
     if (text.pcData != nullptr && text.ulLen != 0) {
         target = std::string(text.pcData, text.ulLen);
     }
 }
 
-/* Decisions of one reason follow each other mostly: the texts of a row are measured once. */
+/* Decisions with the same reason often follow each other: the sizes of its texts are then reused.
+ */
 inline std::vector<Decision> decisionsOf(const SdpNegotiateReport &report) {
     std::vector<Decision> decisions;
     decisions.reserve(report.ulNoOfDecisions);
@@ -282,8 +284,8 @@ inline SdpNegotiateOptions optionsOf(const AnswerOptions &options) {
 
 /* ---- Operations ------------------------------------------------------------------------------ */
 
-/* The answer to an offer. `previous` is our last description of the session, sent in an offer or in
- * an answer. */
+/* Makes the answer to an offer. `previous` is the last description that we sent in the session, in
+ * an offer or an answer. */
 inline Result<Answer> answer(const Body &offer, const Body &local, const Body *previous = nullptr,
                              const AnswerOptions &options = {}) {
     SdpLine *body = nullptr;
@@ -298,7 +300,7 @@ inline Result<Answer> answer(const Body &offer, const Body &local, const Body *p
     return negotiate_detail::answerOf(body, *report);
 }
 
-/* What both may now send and receive, as one side sees it. */
+/* What both sides may now send and receive, as one side sees it. */
 inline Result<Agreement> agree(const Body &offer, const Body &answer, Side side = Side::Answerer) {
     SdpNegotiateReport *made = nullptr;
     if (const SDPResult result = SdpNegotiateAgree(offer.record(), answer.record(),
@@ -309,7 +311,8 @@ inline Result<Agreement> agree(const Body &offer, const Body &answer, Side side 
     return negotiate_detail::agreementOf(*report);
 }
 
-/* The streams of `wanted` as the next offer of a side whose last description is `previous`. */
+/* Makes the next offer of a side whose last description is `previous`, with the streams of
+ * `wanted`. */
 inline Result<Body> nextOffer(const Body &previous, const Body &wanted) {
     SdpLine *body = nullptr;
     if (const SDPResult result = SdpNegotiateNextOffer(previous.record(), wanted.record(), &body)) {
@@ -318,7 +321,7 @@ inline Result<Body> nextOffer(const Body &previous, const Body &wanted) {
     return Body::adopt(body);
 }
 
-/* What we can do, for an OPTIONS (RFC 3264 section 9). */
+/* Makes a description of our capabilities, for the answer to an OPTIONS (RFC 3264 section 9). */
 inline Result<Body> capabilities(const Body &local) {
     SdpLine *body = nullptr;
     if (const SDPResult result = SdpNegotiateCapabilities(local.record(), &body)) {
@@ -329,7 +332,7 @@ inline Result<Body> capabilities(const Body &local) {
 
 namespace negotiate_detail {
 
-/* A check that cannot be made is a decision too: the bodies, or the memory, do not admit it. */
+/* If a check cannot be made, the reason is its only decision. */
 inline std::vector<Decision> checked(SDPResult result, SdpNegotiateReport *made) {
     const Report report(made);
     if (result == 0) {
@@ -342,14 +345,14 @@ inline std::vector<Decision> checked(SDPResult result, SdpNegotiateReport *made)
 
 } // namespace negotiate_detail
 
-/* What is wrong with an answer; nothing for a good one. */
+/* The faults of an answer; none for a correct one. */
 inline std::vector<Decision> check(const Body &offer, const Body &answer) {
     SdpNegotiateReport *report = nullptr;
     const SDPResult result = SdpNegotiateCheck(offer.record(), answer.record(), &report);
     return negotiate_detail::checked(result, report);
 }
 
-/* What is wrong with a description that follows another one of the same side. */
+/* The faults of a description that follows another one of the same side. */
 inline std::vector<Decision> checkNext(const Body &previous, const Body &next) {
     SdpNegotiateReport *report = nullptr;
     const SDPResult result = SdpNegotiateCheckNext(previous.record(), next.record(), &report);
@@ -374,7 +377,7 @@ public:
         HaveRemoteOffer = SDP_NEGOTIATE_HAVE_REMOTE_OFFER
     };
 
-    /* Without memory every call returns an error. */
+    /* If memory is exhausted here, every later call returns an error. */
     Negotiator() {
         SdpNegotiator *made = nullptr;
         SdpNegotiateCreate(&made);
@@ -385,7 +388,7 @@ public:
         return session_ ? State{SdpNegotiateGetState(session_.get())} : State::Stable;
     }
 
-    /* Our offer. */
+    /* Makes our offer. */
     Result<Body> offer(const Body &wanted) {
         SdpLine *body = nullptr;
         if (const SDPResult result = SdpNegotiateOffer(session_.get(), wanted.record(), &body)) {
@@ -394,7 +397,7 @@ public:
         return Body::adopt(body);
     }
 
-    /* Their answer, provisional or final; the decisions say what is wrong with it. */
+    /* Takes the peer's answer, provisional or final; the decisions are its faults. */
     Result<Agreement> receiveAnswer(const Body &answer, bool provisional = false) {
         SdpNegotiateReport *made = nullptr;
         if (const SDPResult result = SdpNegotiateReceiveAnswer(session_.get(), answer.record(),
@@ -405,15 +408,16 @@ public:
         return negotiate_detail::agreementOf(*report);
     }
 
-    /* They refused our offer. */
+    /* The peer refused our offer. */
     Status refused() { return statusOf(SdpNegotiateRefused(session_.get())); }
 
-    /* Their offer; an error named Glare while ours waits for its answer. */
+    /* Takes the peer's offer. While our offer waits for its answer, returns an error with the check
+     * "Glare". */
     Status receiveOffer(const Body &offer) {
         return statusOf(SdpNegotiateReceiveOffer(session_.get(), offer.record()));
     }
 
-    /* Our answer, provisional or final. */
+    /* Makes our answer, provisional or final. */
     Result<Answer> answer(const Body &local, const AnswerOptions &options = {},
                           bool provisional = false) {
         SdpLine *body = nullptr;
@@ -427,11 +431,11 @@ public:
         return negotiate_detail::answerOf(body, *report);
     }
 
-    /* We refuse their offer. */
+    /* We refuse the peer's offer. */
     Status refuse() { return statusOf(SdpNegotiateRefuse(session_.get())); }
 
-    /* The descriptions in force, null before the first final answer. They live until the next call
-     * that changes the session. */
+    /* The descriptions in force, null before the first final answer. They are valid until the next
+     * call that changes the session. */
     const SdpLine *local() const { return SdpNegotiateGetLocal(session_.get()); }
     const SdpLine *remote() const { return SdpNegotiateGetRemote(session_.get()); }
 

@@ -19,38 +19,39 @@
  *     }
  *
  * Conventions
- *  1. Ownership. A Body owns one memory block with all its lines; it moves and does not copy,
- *     clone() makes another one. Everything else is a small value that refers to a body: ranges
- *     (Texts, Times, MediaList, Attributes), lines (Media, Time, Attribute), editors of them, and
- *     std::string_view. A constant body gives views, any other one editors, which are views too.
- *  2. Lifetime. What refers to a body lives as long as the body does, wherever that is moved to,
- *     and until the line that it came from is replaced or removed; values read from a line
- *     (RtpMap, Origin, MediaLine ...) are copies whose texts do. Adding a line or removing another
- *     one ends iterators only.
- *  3. Results. What can fail returns a Result, which is a value or an Error, or a Status, which is
- *     nothing or an Error. Nothing is thrown, but by std::string when the process heap is
- *     exhausted; the headers compile without exceptions and without RTTI.
- *  4. An operation that fails has changed nothing. Arguments may lie in the body that they change.
- *  5. What is written is read back: a value that no text can carry, or that a decoder of this
- *     library would not read as the same value, is refused (Fault::Argument) before it is stored:
- *     empty texts, texts of more than SDP_MAX_VALUE bytes, line ends and NULs in texts, blanks in
- *     words. No name or text can bring another line in. The exceptions: bodies of more
- *     than SDP_MAX_BODY bytes, t= lines after the first, flags of 0, and those of MediaLine.
+ *  1. Ownership. A Body owns one memory block with all its lines. It can be moved but not copied;
+ *     clone() makes a copy. Everything else is a small value that refers to a body: ranges (Texts,
+ *     Times, MediaList, Attributes), lines (Media, Time, Attribute), editors of them, and
+ *     std::string_view. A constant body returns views; any other one returns editors, which are
+ *     views too.
+ *  2. Lifetime. A value that refers to a body is valid as long as the body exists, even if that is
+ *     moved, and until the line that it was read from is replaced or removed. Values of lines
+ *     (RtpMap, Origin, MediaLine ...) are copies, but their texts refer to the body in the same
+ *     way. Adding a line, or removing another line, invalidates iterators only.
+ *  3. Results. An operation that can fail returns a Result, which is a value or an Error, or a
+ *     Status, which is nothing or an Error. Nothing is thrown, except by std::string when the
+ *     process heap is exhausted; the headers compile without exceptions and without RTTI.
+ *  4. An operation that fails changes nothing. Its arguments may refer to the body that it changes.
+ *  5. What is written can be read back: a value that no text can represent, or that a decoder of
+ *     this library would not read as the same value, is refused (Fault::Argument) before it is
+ *     stored: empty texts, texts of more than SDP_MAX_VALUE bytes, line ends and NULs in texts,
+ *     blanks in words. So no name or text can insert another line. The exceptions are bodies of
+ *     more than SDP_MAX_BODY bytes, t= lines after the first, flags of 0, and those of MediaLine.
  *  6. Preconditions. An index beyond a list, the value of a failed Result, and any use of a body
- *     that was moved from (but destroying it and assigning to it) end the program.
- *  7. Threads. One body belongs to one thread at a time; several may read one that no thread
- *     changes (encode() reads, but for rtpmap records without a name that a program made itself:
- *     see SdpLibEncodeSdp). Decodes, those of the operations that take the text of a line among
- *     them, take turns by decodeMutex(), unless the program is compiled with
- *     SDPLINE_THREAD_LOCAL, as the whole of it must be when libsdpline was built with
- *     SDPLINE_THREAD_LOCAL, and must not be otherwise.
- *  8. The C interface stays open: record() of a body or a line is the record to read and, with the
- *     body's own block as memory control (pstMemCp), to change; adopt() and release() hand whole
- *     bodies over. Configuration (line ends, T.38 flags, RTP/AVPF) is that of sdpline.h, for the
- *     process.
- *  9. Names are those of this namespace, sdpline, but for sdpline::internal and sdpline::tables,
- * which may change at any time. An inline namespace, v1, keeps its symbols distinct from all
- * others.
+ *     after it was moved from (except destruction and assignment) end the program.
+ *  7. Threads. One body belongs to one thread at a time; several threads may read a body that no
+ *     thread changes (encode() only reads, except for rtpmap records without a name, which no
+ *     decode makes: see SdpLibEncodeSdp). Decodes, also those of operations that take the text of a
+ *     line, take turns by decodeMutex(). If libsdpline was built with SDPLINE_THREAD_LOCAL, the
+ *     whole program must be compiled with SDPLINE_THREAD_LOCAL too, and each thread decodes for
+ *     itself; otherwise it must not be.
+ *  8. The C interface can be used too: record() of a body or a line is the record to read and, with
+ *     the memory control of the body (pstMemCp), to change; adopt() and release() transfer the
+ *     ownership of whole bodies. The configuration (line ends, T.38 flags, RTP/AVPF) is that of
+ *     sdpline.h, for the process.
+ *  9. Names. Only the names of the namespace sdpline are public; sdpline::internal and
+ *     sdpline::tables may change at any time. The inline namespace v1 makes the symbols distinct
+ *     from those of later versions.
  */
 #ifndef SDPLINE_SDPLINE_HPP
 #define SDPLINE_SDPLINE_HPP
@@ -92,16 +93,15 @@ class Body {
     using Slot = internal::Slot<Record>;
 
 public:
-    /* ---- Making and giving away -------------------------------------------------------------- */
+    /* ---- Construction and ownership ---------------------------------------------------------- */
 
-    /* Reads a body; the text is not kept. It has at most SdpGetMaxBodySize() bytes; what follows
-     * its first empty line is not read. An Error tells the line and column of the text that was
-     * refused. */
+    /* Decodes a body of at most SdpGetMaxBodySize() bytes. Text after the first empty line is not
+     * read. The body does not refer to the text. An Error tells the line and column of the text
+     * that was refused. */
     static Result<Body> decode(std::string_view text) {
         return ofHandle(internal::decodeText(text));
     }
-    /* The same under options of this decode alone: browsers' offers, bodies of up to 65535 bytes.
-     */
+    /* The same with options for this decode only: browsers' offers, bodies of up to 65535 bytes. */
     static Result<Body> decode(std::string_view text, const DecodeOptions &options) {
         return ofHandle(internal::decodeText(text, &options));
     }
@@ -111,7 +111,7 @@ public:
         return decode(textOf(text), options);
     }
 
-    /* A body of its first three lines, and no time: "t=0 0" is written. */
+    /* Makes a body with v=, o= and s=. It has no time, for which "t=0 0" is written. */
     static Result<Body> create(const Origin &origin = {}, std::string_view sessionName = "-") {
         if (const auto error = internal::refusedOrigin(origin)) {
             return *error;
@@ -130,11 +130,11 @@ public:
         return ofHandle(internal::unlessFailed(copier, *std::move(made)));
     }
 
-    /* A copy of everything, in a block of its own, with what would not be written too. */
+    /* Makes a copy of all records, also of those that are not written, in a new block. */
     Result<Body> clone() const { return ofHandle(internal::cloneBody(line())); }
 
-    /* Takes over a body of the C interface, which has a block; release() gives it back, to be
-     * released with SdpLibReleaseSdp. */
+    /* Takes over a body of the C interface, which must have a block. release() returns the body to
+     * the caller, who releases it with SdpLibReleaseSdp. */
     static Body adopt(SdpLine *line) {
         internal::insist(line != nullptr && line->pstMemCp != nullptr);
         return Body(internal::BodyHandle(line));
@@ -146,7 +146,7 @@ public:
 
     /* ---- Text -------------------------------------------------------------------------------- */
 
-    /* Lines come out in the order v o s i u e p c b t z k a, then m i c b k a for each media. */
+    /* Writes the lines in the order v o s i u e p c b t z k a, then m i c b k a for each media. */
     Result<std::string> encode() const {
         SipStringBuffer *buffer = nullptr;
         if (const SDPResult code = SdpLibEncodeSdp(&line(), &buffer)) {
@@ -163,8 +163,8 @@ public:
         return copy;
     }
 
-    /* Into a buffer, without a NUL; gives the part that was written. A text that does not fit is
-     * refused; the buffer then holds what was written before. */
+    /* Writes into a buffer, without a NUL, and returns the part that was written. For a text that
+     * does not fit it returns an Error; the buffer then holds a part of the text. */
     Result<std::string_view> encode(std::span<char> buffer) const {
         constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max();
         const std::size_t size = buffer.size() < largest ? buffer.size() : largest;
@@ -177,7 +177,7 @@ public:
         return std::string_view(buffer.data(), written);
     }
 
-    /* ---- Lines to look at -------------------------------------------------------------------- */
+    /* ---- Reading lines ----------------------------------------------------------------------- */
 
     std::uint32_t version() const { return line().ulProtoVersion; }
     Origin origin() const & { return internal::originOf(line().stOrigin); }
@@ -202,8 +202,8 @@ public:
     Attributes attributes() const & { return Attributes(line().pstAttrList); }
     MediaList media() const & { return MediaList(&line().stMediaSet); }
 
-    /* What holds for a media description of this body: its own line, or else the session's; a
-     * direction that neither gives is SendRecv (RFC 3264 section 5.1). */
+    /* What applies to a media description of this body: its own line, else the session's. Without
+     * either, the direction is SendRecv (RFC 3264 section 5.1). */
     std::optional<Connection> connectionOf(const Media &media) const & {
         const auto ofMedia = media.connection();
         return ofMedia ? ofMedia : connection();
@@ -213,7 +213,8 @@ public:
         return ofMedia ? *ofMedia : attributes().direction().value_or(Direction::SendRecv);
     }
 
-    /* Views of a body that is gone at the end of the line: they do not compile. Name the body. */
+    /* Views of a temporary body would be invalid at once, and do not compile. Give the body a name.
+     */
     Origin origin() const && = delete;
     std::string_view sessionName() const && = delete;
     std::optional<std::string_view> info() const && = delete;
@@ -230,7 +231,7 @@ public:
     std::optional<Connection> connectionOf(const Media &media) const && = delete;
     const SdpLine *record() const && = delete;
 
-    /* ---- Lines to change --------------------------------------------------------------------- */
+    /* ---- Changing lines ---------------------------------------------------------------------- */
 
     Status setOrigin(const Origin &origin) {
         if (const auto error = internal::refusedOrigin(origin)) {
@@ -239,7 +240,7 @@ public:
         return internal::replace(memory(), internal::recordOf(origin), line().stOrigin);
     }
 
-    /* The text must not be empty: a body without a name has a blank or "-". */
+    /* The text must not be empty; without a name it is a blank or "-". */
     Status setSessionName(std::string_view text) {
         if (const auto error = internal::refusedText(text)) {
             return *error;
@@ -259,11 +260,11 @@ public:
     Status setConnection(const Connection &connection) {
         return internal::setConnection(memory(), connectionSlot(), connection);
     }
-    /* An address alone: "IN IP4" or "IN IP6" and no more. */
+    /* Sets an address, with "IN IP4" or "IN IP6", and without TTL and number of addresses. */
     Status setConnection(const Address &address) {
         return setConnection(Connection{.address = address});
     }
-    /* By its text after "c=", "IN IP4 192.0.2.1", which is decoded. */
+    /* Sets it by its text after "c=", such as "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) {
         return internal::setConnection(memory(), connectionSlot(), text);
     }
@@ -299,7 +300,7 @@ private:
         return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
     }
 
-    /* Constness is the methods' affair: the encoder takes records that it may change. */
+    /* Not const, because the encoder takes records that it may change. */
     SdpLine &line() const {
         internal::insist(line_.get() != nullptr);
         return *line_;
@@ -320,7 +321,7 @@ private:
     internal::BodyHandle line_;
 };
 
-/* Whether two bodies say the same: see compare.hpp. The version of o= counts, too. */
+/* Whether two bodies have the same content: see compare.hpp. The version of o= is compared too. */
 inline bool sameContent(const Body &one, const Body &two) {
     return one.version() == two.version() && one.origin() == two.origin() &&
            one.sessionName() == two.sessionName() && one.info() == two.info() &&
@@ -338,7 +339,7 @@ inline bool operator==(const Body &one, const Body &two) {
     return sameContent(one, two);
 }
 
-/* The body as it is written, or in brackets why it is not. */
+/* The text of the body or, in brackets, the reason why it cannot be written. */
 inline std::string toText(const Body &body) {
     const auto text = body.encode();
     return text ? *text : '[' + std::string(text.error().sentence) + ']';

@@ -1,6 +1,6 @@
 /*
- * tidy.hpp: bodies that the decoder refuses, repaired before it, in C++20. Header-only over
- * libsdpline_tidy; sdptidy.h says what is repaired and what never is.
+ * tidy.hpp: repairs of bodies that the decoder refuses, in C++20. Header-only over libsdpline_tidy;
+ * sdptidy.h describes what is repaired and what never is.
  *
  *     auto tidied = sdpline::tidy(text);
  *     if (tidied && tidied->body()) {
@@ -10,9 +10,9 @@
  *         use(*tidied->body());
  *     }
  *
- * The conventions of sdpline.hpp hold: results, one decode at a time under decodeMutex(), nothing
- * thrown but by std::string. A Tidied owns what its views refer to, but for the text of a body that
- * needed no repair, which is the caller's.
+ * The conventions of sdpline.hpp apply: results, one decode at a time under decodeMutex(), nothing
+ * thrown except by std::string. A Tidied owns the data that its views refer to, except the text of
+ * a body that was not repaired: that is the caller's.
  */
 #ifndef SDPLINE_TIDY_HPP
 #define SDPLINE_TIDY_HPP
@@ -31,10 +31,10 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* Which repairs are wanted: the sets of sdptidy.h, and single rules by their numbers or names. */
+/* The set of rules that may repair: the sets of sdptidy.h, and single rules by number or name. */
 class TidyRules {
 public:
-    /* Those that lose nothing and leave the session as it is. */
+    /* The default set: rules that lose nothing and do not change the session. */
     TidyRules() : bits_(SdpTidyRulesOf(SDP_TIDY_DEFAULT)) {}
 
     static TidyRules none() { return TidyRules(0); }
@@ -42,14 +42,15 @@ public:
         return TidyRules(TidyRules().bits_ | SdpTidyRulesOf(SDP_TIDY_OPTIONAL));
     }
 
-    /* Adds a rule, SDP_TIDY_..., or takes it away. Numbers of no repair change nothing. */
+    /* The set with, or without, a rule SDP_TIDY_.... A number that is not a repair changes nothing.
+     */
     TidyRules with(std::uint32_t rule) const { return TidyRules(bits_ | bitOf(rule)); }
     TidyRules without(std::uint32_t rule) const { return TidyRules(bits_ & ~bitOf(rule)); }
 
     bool contains(std::uint32_t rule) const { return (bits_ & bitOf(rule)) != 0; }
     std::uint64_t bits() const { return bits_; }
 
-    /* The number of the rule of that name, in any case of letters. */
+    /* The number of the rule of that name, which is compared without case. */
     static std::optional<std::uint32_t> numberOf(std::string_view name) {
         const auto size = static_cast<std::uint32_t>(name.size());
         const SDPTidyRule *const rule = SdpTidyRuleByName(name.data(), size);
@@ -69,14 +70,14 @@ private:
     std::uint64_t bits_;
 };
 
-/* One repair, or one doubt. Lines and columns count from 1, in bytes of the text as it was given.
- */
+/* One repair, or one doubt. Lines and columns count from 1, offsets from 0, in bytes of the given
+ * text. */
 struct Repair {
     const SDPTidyRule *rule = nullptr; /* never null; static */
     std::uint32_t line = 0;
     std::uint32_t column = 0;
     std::uint32_t offset = 0;
-    std::uint32_t newLine = 0; /* in the repaired text; 0: the line is no longer there */
+    std::uint32_t newLine = 0; /* in the repaired text; 0: the line was removed */
 
     std::string_view name() const { return rule->pcName; }
 
@@ -151,7 +152,7 @@ Result<Tidied> tidiedBy(decltype(&SdpTidyText) operation, std::string_view text,
 
 } // namespace internal
 
-/* What became of a text. */
+/* The result for one text. */
 class Tidied {
 public:
     Tidied(Tidied &&other) noexcept
@@ -169,20 +170,21 @@ public:
     bool isRepaired() const { return report_.enOutcome == SDP_TIDY_REPAIRED; }
     bool isRefused() const { return report_.enOutcome == SDP_TIDY_REFUSED; }
 
-    /* The text that decodes; of a refused one the given text. */
+    /* The repaired text, or else the given one. */
     std::string_view text() const & { return internal::viewOf(report_.strText); }
     std::string_view text() const && = delete;
 
-    /* What was repaired, or tried; from findDoubts, what there is to doubt. */
+    /* The repairs that were made or tried; from findDoubts(), the doubts. */
     Repairs repairs() const & { return {report_.pstRows, report_.ulNoOfRows}; }
     Repairs repairs() const && = delete;
 
-    /* The body; none of a refused text. It may be moved away. */
+    /* The body; nullopt for a refused text. It may be moved out. */
     std::optional<Body> &body() & { return body_; }
     const std::optional<Body> &body() const & { return body_; }
     std::optional<Body> body() && { return std::move(body_); }
 
-    /* Why a refused text still is, with its place in the given text; none of any other. */
+    /* Why the repaired text was refused, with the place in the given text; nullopt if it was not.
+     */
     const std::optional<Error> &error() const { return error_; }
 
 private:
@@ -230,7 +232,7 @@ inline Result<Tidied> tidiedBy(decltype(&SdpTidyText) operation, std::string_vie
     return tidied;
 }
 
-/* Without options: under the settings of the process. */
+/* With null options the settings of the process apply. */
 inline Result<Tidied> tidyUnder(decltype(&SdpTidyText) operation, std::string_view text,
                                 const TidyRules &rules, const DecodeOptions *options) {
     SDPDecodeOptions decode = {};
@@ -242,8 +244,8 @@ inline Result<Tidied> tidyUnder(decltype(&SdpTidyText) operation, std::string_vi
 
 } // namespace internal
 
-/* Decodes the text, repaired where that is necessary and allowed: SdpTidyText. An Error tells what
- * is no matter of the text: no memory, or a decode on this thread that is not done. */
+/* Decodes the text, after repairs where they are necessary and allowed: see SdpTidyText. An Error
+ * is not about the text: memory is exhausted, or the thread is already decoding. */
 inline Result<Tidied> tidy(std::string_view text, const TidyRules &rules = {}) {
     return internal::tidyUnder(SdpTidyText, text, rules, nullptr);
 }
@@ -252,7 +254,7 @@ inline Result<Tidied> tidy(std::string_view text, const TidyRules &rules,
     return internal::tidyUnder(SdpTidyText, text, rules, &options);
 }
 
-/* Decodes the text as it is and looks for what other readers read otherwise: SdpTidyFindDoubts. */
+/* Decodes the text and finds what other readers read differently: see SdpTidyFindDoubts. */
 inline Result<Tidied> findDoubts(std::string_view text) {
     return internal::tidyUnder(SdpTidyFindDoubts, text, {}, nullptr);
 }

@@ -1,7 +1,7 @@
 /*
  * address.hpp: IPv4 and IPv6 addresses, from and to text.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_ADDRESS_HPP
 #define SDPLINE_CPP_ADDRESS_HPP
@@ -38,13 +38,13 @@ public:
     constexpr bool isV6() const { return size_ == 16; }
     constexpr bool empty() const { return size_ == 0; }
 
-    /* 4, 16 or no octets, inside this value. */
+    /* 4, 16 or no octets. The span refers to this value. */
     constexpr std::span<const std::uint8_t> octets() const { return {octets_.data(), size_}; }
 
     /* As the encoder writes it: "192.0.2.1", or eight groups of four upper-case digits. */
     std::string text() const;
 
-    /* As people write it (RFC 5952): "192.0.2.1", "2001:db8::1", "::ffff:192.0.2.1". */
+    /* The recommended text (RFC 5952): "192.0.2.1", "2001:db8::1", "::ffff:192.0.2.1". */
     std::string shortText() const;
 
     friend bool operator==(const Address &, const Address &) = default;
@@ -91,7 +91,7 @@ constexpr int hexDigit(char c) {
                                   : -1;
 }
 
-/* The groups of an IPv6 address as they come, and where the "::" is. */
+/* Reads the groups of an IPv6 address, and notes the place of the "::". */
 class Ipv6Reader {
 public:
     constexpr bool read(std::string_view text, std::array<std::uint8_t, 16> &octets) {
@@ -107,10 +107,10 @@ public:
         if (gap_ == kNoGap) {
             return size_ == octets.size();
         }
-        if (size_ > octets.size() - 2) { /* "::" is one group of zeros at least */
+        if (size_ > octets.size() - 2) { /* "::" is at least one group of zeros */
             return false;
         }
-        for (std::size_t i = 0; i < size_ - gap_; ++i) { /* what follows the "::" goes to the end */
+        for (std::size_t i = 0; i < size_ - gap_; ++i) { /* groups after the "::" move to the end */
             std::swap(octets[octets.size() - 1 - i], octets[size_ - 1 - i]);
         }
         return true;
@@ -168,7 +168,7 @@ inline void appendIpv4(std::string &text, const std::uint8_t *octets) {
     }
 }
 
-/* The longest run of two or more groups of zeros, the first of several; its end is its start where
+/* The longest run of two or more groups of zeros, the first of several. Its end is its start if
  * there is none. */
 struct ZeroRun {
     std::size_t start = 8;

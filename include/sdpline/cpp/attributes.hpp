@@ -1,7 +1,7 @@
 /*
- * attributes.hpp: a= lines, to look at.
+ * attributes.hpp: reading a= lines.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_ATTRIBUTES_HPP
 #define SDPLINE_CPP_ATTRIBUTES_HPP
@@ -23,7 +23,7 @@ inline namespace v1 {
 
 namespace internal {
 
-/* A line by itself, as the encoder writes it, without its letter and line end. */
+/* One line as the encoder writes it, without the letter, "=" and line end. */
 inline Result<std::string> lineText(std::uint32_t lineType, void *record) {
     std::uint32_t prefix = 0;
     SipRefString *line = nullptr;
@@ -40,7 +40,7 @@ inline Result<std::string> lineText(std::uint32_t lineType, void *record) {
     return text;
 }
 
-/* The one blank between a word and what follows it. */
+/* The text without one blank at its start. */
 inline std::string_view withoutBlank(std::string_view text) {
     return text.starts_with(' ') ? text.substr(1) : text;
 }
@@ -49,7 +49,7 @@ inline tables::Shape shapeOf(const SDPAttr &attribute) {
     return tables::shapeOf(attribute.ulAttrType);
 }
 
-/* A value of type T in an attribute: whether it holds one, and which. */
+/* Reads a value of type T from an attribute: holds() returns whether it has one. */
 template <class T>
 struct ValueIn;
 
@@ -181,7 +181,7 @@ struct ValueIn<SetupRole> : ValueOfType<AttributeType::Setup> {
     }
 };
 
-/* The alternatives of AttributeValue, one after the other; no attribute holds two of them. */
+/* Tries the alternatives of AttributeValue; an attribute has at most one of them. */
 template <class... Values>
 struct ValuesOfAttribute {
     static AttributeValue read(const SDPAttr &attribute) {
@@ -212,7 +212,7 @@ public:
 
     AttributeType type() const { return AttributeType{record_->ulAttrType}; }
 
-    /* Without a colon. */
+    /* The name without a colon. */
     std::string_view name() const {
         const bool other =
             type() == AttributeType::OtherValue || type() == AttributeType::OtherFlag;
@@ -221,21 +221,21 @@ public:
 
     AttributeValue value() const { return internal::AnyValue::read(*record_); }
 
-    /* The value when it is a T, one of the alternatives of AttributeValue. */
+    /* The value if it is a T, which must be one of the alternatives of AttributeValue. */
     template <class T>
     std::optional<T> as() const {
         using Value = internal::ValueIn<T>;
         return Value::holds(*record_) ? std::optional<T>(Value::read(*record_)) : std::nullopt;
     }
 
-    /* The line after "a=", as the encoder writes it: "ptime:20". */
+    /* The text after "a=", as the encoder writes it: "ptime:20". */
     Result<std::string> text() const {
         return internal::lineText(SDP_LINE_ATTRIBUTE, const_cast<SDPAttr *>(record_));
     }
 
     const SDPAttr *record() const { return record_; }
 
-    /* Whether both look at the same line. */
+    /* Whether both refer to the same line. */
     friend bool operator==(const Attribute &, const Attribute &) = default;
 
 private:
@@ -287,7 +287,7 @@ public:
         }
 
     private:
-        /* Goes on to the next line that has such a value, this one included. */
+        /* Advances to the first line with such a value, from this one on. */
         void settle() {
             for (found_.reset(); at_ != end_; ++at_) {
                 found_ = (*at_).template as<T>();
@@ -315,7 +315,7 @@ private:
 
 /*
  * The a= lines of a session or of a media description: a range of Attribute with random access,
- * and the values of the first line that has one.
+ * with operations that return the value of the first matching line.
  *
  *     for (const sdpline::RtpMap map : attributes.each<sdpline::RtpMap>()) ...
  *     const auto ptime = attributes.number(sdpline::AttributeType::PTime).value_or(20);
@@ -328,7 +328,7 @@ public:
         return findIf([type](const Attribute &one) { return one.type() == type; });
     }
 
-    /* By the name, exactly as it is written, without a colon. */
+    /* By the name without a colon, compared with case. */
     std::optional<Attribute> find(std::string_view name) const {
         return findIf([name](const Attribute &one) { return one.name() == name; });
     }
@@ -354,7 +354,7 @@ public:
     std::optional<std::string_view> text(AttributeType type) const {
         return valueOf<std::string_view>(find(type));
     }
-    /* Of an attribute whose name the library does not know, or of a text attribute. */
+    /* The text of an attribute whose name the library does not know, or of a text attribute. */
     std::optional<std::string_view> text(std::string_view name) const {
         return valueOf<std::string_view>(find(name));
     }
@@ -380,7 +380,7 @@ public:
         return std::nullopt;
     }
 
-    /* What a payload number means: its a=rtpmap line, or else what RFC 3551 says of it. */
+    /* The encoding of a payload number: by its a=rtpmap line, else by RFC 3551. */
     std::optional<RtpMap> encoding(std::uint32_t payload) const {
         const auto map = rtpMap(payload);
         return map ? map : staticEncoding(payload);
@@ -388,7 +388,7 @@ public:
 
     ValuesOf<Precondition> preconditions() const { return each<Precondition>(); }
 
-    /* All T.38 attributes; nothing when there is none. */
+    /* All T.38 attributes; nullopt if there is none. */
     std::optional<T38> t38() const;
 
 private:

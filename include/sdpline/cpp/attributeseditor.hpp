@@ -1,7 +1,7 @@
 /*
- * attributeseditor.hpp: a= lines, to change.
+ * attributeseditor.hpp: changing a= lines.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_ATTRIBUTESEDITOR_HPP
 #define SDPLINE_CPP_ATTRIBUTESEDITOR_HPP
@@ -23,9 +23,9 @@ namespace sdpline {
 inline namespace v1 {
 
 /*
- * The a= lines of a session or of a media description. Everything that Attributes gives, and:
- * lines are added at the end; a removed line's Attribute, and texts and values that came from it,
- * are dead; those of the other lines live on.
+ * The a= lines of a session or of a media description: an Attributes range with operations that
+ * change the list. When a line is removed, its Attribute, and texts and values that were read from
+ * it, become invalid; those of other lines stay valid.
  */
 class AttributesEditor : public Attributes {
     using Home = internal::ListHome<SDPAttrList>;
@@ -33,7 +33,7 @@ class AttributesEditor : public Attributes {
 public:
     explicit AttributesEditor(Home home) : Attributes(home.get()), home_(home) {}
 
-    /* Adds a line that holds the value: a Direction, RtpMap, Fmtp, T38RateManagement,
+    /* Adds a line with the value at the end: a Direction, RtpMap, Fmtp, T38RateManagement,
      * T38ErrorCorrection, SilenceSupp, Ecan, Precondition, IpBcp or SetupRole; or an AttributeType
      * that needs no value: the directions, fax, modem, X-fax, X-modem and the three T.38 flags. */
     template <internal::MakesAttribute Value>
@@ -41,27 +41,28 @@ public:
         return put(kAtEnd, value);
     }
 
-    /* ptime, maxptime, framerate, quality, a T.38 number or flag. A flag of 0 is a line that the
-     * encoder leaves out, unless SDP_T38_STYLE_VALUE is set. */
+    /* Adds ptime, maxptime, framerate, quality, a T.38 number or flag. The encoder does not write a
+     * flag of 0, unless SDP_T38_STYLE_VALUE is set. */
     Status add(AttributeType type, std::uint32_t number) { return put(kAtEnd, type, number); }
 
-    /* fmtp, cat, keywds, tool, orient, type, charset, sdplang or lang. */
+    /* Adds fmtp, cat, keywds, tool, orient, type, charset, sdplang or lang. */
     Status add(AttributeType type, std::string_view text) { return put(kAtEnd, type, text); }
 
-    /* Any line by its name and its value: "label", "main". A name that the library knows has its
-     * value decoded, as in "ptime", "20". */
+    /* Adds any line by its name and its value: "label", "main". For a name that the library knows,
+     * as in "ptime", "20", the value is decoded. */
     Status add(std::string_view name, std::string_view value) { return put(kAtEnd, name, value); }
 
-    /* Any line by its text after "a=", "ptime:20" or "candidate:1 1 UDP ...", which is decoded:
-     * what it becomes, and what is wrong with it and where, the library says. */
+    /* Adds any line by its text after "a=", such as "ptime:20" or "candidate:1 1 UDP ...", which is
+     * decoded. */
     Status add(std::string_view text) { return put(kAtEnd, text); }
 
-    /* A copy of a line, of whatever body. */
+    /* Adds a copy of a line of this or another body. */
     Status add(const Attribute &attribute) { return put(kAtEnd, attribute); }
 
-    /* Copies of the lines of a list, of whatever body, for which wanted(Attribute) holds, in their
-     * order, and after them a line for each value, as add takes one; all of them or none. wanted
-     * must not change the body. An answer repeats lines of its offer and gives its own direction:
+    /* Adds copies of those lines of a list, of this or another body, for which wanted(Attribute) is
+     * true, in their order, and after them a line for each value, as add() does: all of them or
+     * none. wanted must not change the body. For instance, an answer repeats lines of its offer and
+     * sets its own direction:
      *
      *     lines.addAll(offered.attributes(), isRepeated, Direction::SendOnly);
      */
@@ -94,8 +95,8 @@ public:
         return addAll(lines, [](const Attribute &) { return true; });
     }
 
-    /* What add takes, before the line of that index. An index of size() adds it at the end, one
-     * beyond it ends the program. */
+    /* The same as add(), but before the line at the index. An index of size() adds the line at the
+     * end; a larger one ends the program. */
     template <internal::MakesAttribute Value>
     Status insert(std::size_t index, const Value &value) {
         return put(checked(index), value);
@@ -114,14 +115,14 @@ public:
         return put(checked(index), attribute);
     }
 
-    /* One line of the type in place of all of them: where the first one was, else at the end. */
+    /* Replaces all lines of the type by one, at the place of the first one, or else at the end. */
     Status set(AttributeType type, std::uint32_t number) {
         return setDraft([type](const Attribute &one) { return one.type() == type; }, type, number);
     }
     Status set(AttributeType type, std::string_view text) {
         return setDraft([type](const Attribute &one) { return one.type() == type; }, type, text);
     }
-    /* The same by name and value, as add takes them. */
+    /* The same by name and value, as in add(). */
     Status set(std::string_view name, std::string_view value) {
         const auto isOld = [name](const Attribute &one) { return one.name() == name; };
         if (!internal::isKnownName(name)) {
@@ -137,28 +138,28 @@ public:
         return setDraft([](const Attribute &one) { return one.type() == AttributeType::Setup; },
                         setup);
     }
-    /* In place of every direction. */
+    /* Replaces all directions by one. */
     Status setDirection(Direction direction) {
         return setDraft([](const Attribute &one) { return one.as<Direction>().has_value(); },
                         direction);
     }
 
-    /* The T.38 attributes that `all` has, at the end, in place of all those there are. */
+    /* Removes all T.38 attributes, and adds those of `all` at the end. */
     Status setT38(const T38 &all);
 
-    /* False when it is no line of this list. */
+    /* Removes a line. Returns false if it is not a line of this list. */
     bool remove(const Attribute &attribute) {
         return removeIf([&](const Attribute &one) { return one == attribute; }) != 0;
     }
     std::size_t removeAll(AttributeType type) {
         return removeIf([type](const Attribute &one) { return one.type() == type; });
     }
-    /* By the name, exactly as it is written, without a colon. */
+    /* By the name without a colon, compared with case. */
     std::size_t removeAll(std::string_view name) {
         return removeIf([name](const Attribute &one) { return one.name() == name; });
     }
-    /* Every line for which unwanted(Attribute) holds; returns how many. All lines are asked about,
-     * in order, before the first one goes; unwanted must not change the body. */
+    /* Removes every line for which unwanted(Attribute) is true; returns their number. It is called
+     * for all lines, in order, before the first one is removed, and must not change the body. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
         return home_.eraseIf([&](const SDPAttr *one) { return unwanted(Attribute(one)); });
@@ -170,7 +171,7 @@ public:
 private:
     static constexpr std::size_t kAtEnd = static_cast<std::size_t>(-1);
 
-    /* ---- A new line before the one at an index ---- */
+    /* ---- Inserting a line before the one at an index ---- */
 
     std::size_t checked(std::size_t index) const {
         internal::insist(index <= Attributes(home_.get()).size());
@@ -214,7 +215,7 @@ private:
                        : Status(decoded.error());
     }
 
-    /* ---- A line in place of others ---- */
+    /* ---- Replacing lines by one ---- */
 
     template <class IsOld, class... Values>
     Status setDraft(IsOld isOld, const Values &...values) {
@@ -257,7 +258,7 @@ private:
 
 namespace internal {
 
-/* The lines of what a T38 holds, in their usual order. */
+/* The lines for the members of a T38, in their usual order. */
 class T38Lines {
 public:
     explicit T38Lines(const T38 &all) {

@@ -1,13 +1,13 @@
 /*
- * compare.hpp: whether two bodies, or parts of them, say the same.
+ * compare.hpp: whether two bodies, or parts of them, have the same content.
  *
  * Part of sdpline.hpp, whose conventions hold here.
  *
- * Numbers, addresses and keywords are compared as what they mean, however they were written: an
- * IPv6 address in short and in full, "1h" and "3600", the name of an encoding in capitals. Other
- * texts are compared byte by byte. The a= lines of one list may come in any order, each as often
- * as in the other; all other lines, and payload numbers, which are an order of preference, in the
- * same one. An absent list is an empty one.
+ * Numbers, addresses and keywords are compared by their meaning, not by their spelling: a short and
+ * a full IPv6 address are equal, so are "1h" and "3600", and encoding names in any case. Other
+ * texts are compared byte by byte. The a= lines of a list may be in any order, but each must occur
+ * as often as in the other list. All other lines must be in the same order, and so must payload
+ * numbers, whose order is a preference. An absent list is equal to an empty one.
  */
 #ifndef SDPLINE_CPP_COMPARE_HPP
 #define SDPLINE_CPP_COMPARE_HPP
@@ -37,7 +37,7 @@ inline std::size_t occurrences(const Attributes &lines, const Attribute &wanted)
     return count;
 }
 
-/* Item by item, in order. */
+/* Compares item by item, in order. */
 template <class Range, class Same>
 bool sameItems(const Range &one, const Range &two, Same same) {
     bool all = one.size() == two.size();

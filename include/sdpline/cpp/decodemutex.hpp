@@ -1,5 +1,5 @@
 /*
- * decodemutex.hpp: decodes take turns, and none starts inside another one.
+ * decodemutex.hpp: the lock by which decodes take turns, and which none can take twice.
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
@@ -21,8 +21,8 @@ inline namespace v1 {
 
 namespace internal {
 
-/* Whether the calling thread decodes, or holds the lock. Visible whatever the program's default, so
- * that the linker can make all copies of it one; so is the lock. */
+/* Whether the calling thread is decoding, or holds the lock. This and the lock have default
+ * visibility, so that the dynamic linker merges the copies of all libraries. */
 [[gnu::visibility("default")]] inline constinit thread_local bool decodingHere = false;
 
 } // namespace internal
@@ -36,7 +36,7 @@ public:
     DecodeMutex(const DecodeMutex &) = delete;
     DecodeMutex &operator=(const DecodeMutex &) = delete;
 
-    /* Waits until no other thread holds it. A thread that holds it would wait for ever: see
+    /* Waits until no other thread holds it. A thread that already holds it would wait for ever: see
      * isHeldHere. */
     void lock() {
 #ifdef PTHREAD_MUTEX_INITIALIZER
@@ -86,17 +86,18 @@ namespace internal {
 
 /*
  * The lock that is held during every decode of this API. Code that calls the C decoder itself, or
- * reads SdpLibGetLastFailure after it, holds it too:
+ * calls SdpLibGetLastFailure after it, must hold it too:
  *
  *     std::scoped_lock lock(sdpline::decodeMutex());
  *     SdpLibDecodeSdp(&text, &line);
  *
- * While a thread holds it, as in a log hook that a decode calls, decodes of this API fail with
- * Fault::Busy on that thread instead of waiting for themselves.
+ * While a thread holds it, for instance in a log hook that a decode calls, decodes of this API fail
+ * on that thread with Fault::Busy instead of waiting for ever.
  *
- * There is one in a program and the shared libraries that it is linked with. A library loaded with
- * local symbols may have one of its own: then only one of the two decodes, or they lock outside.
- * A program compiled with SDPLINE_THREAD_LOCAL has none: each thread decodes for itself.
+ * A program has one lock, together with the shared libraries that it is linked with. A library that
+ * is loaded with local symbols may have another one: then only one of both may decode, or both need
+ * a common lock. A program compiled with SDPLINE_THREAD_LOCAL has no lock, since each thread
+ * decodes for itself.
  */
 inline DecodeMutex &decodeMutex() {
     return internal::decoding;
@@ -106,7 +107,7 @@ inline DecodeMutex &decodeMutex() {
 
 namespace internal {
 
-/* One decode's turn, from the construction to the destruction. */
+/* Holds the lock for one decode, from construction to destruction. */
 class DecodeTurn {
 public:
     DecodeTurn() : refused_(isDecodingHere()) {
@@ -122,12 +123,12 @@ public:
     DecodeTurn(const DecodeTurn &) = delete;
     DecodeTurn &operator=(const DecodeTurn &) = delete;
 
-    /* This thread is decoding already: the decoder's state is that of the decode that runs. */
+    /* Whether this thread is already decoding: the decoder's state is then in use. */
     bool refused() const { return refused_; }
 
 private:
 #ifdef SDPLINE_THREAD_LOCAL
-    /* Or a log hook of the C decoder, which no lock shows. */
+    /* The second test is for a log hook of the C decoder, which holds no lock. */
     static bool isDecodingHere() {
         return decodingHere || g_mSdpDecodeMemCp != nullptr;
     }

@@ -1,5 +1,5 @@
 /*
- * decodeoptions.hpp: what one decode is told.
+ * decodeoptions.hpp: the options of one decode.
  *
  * Part of sdpline.hpp, whose conventions hold here.
  */
@@ -14,10 +14,9 @@ namespace sdpline {
 inline namespace v1 {
 
 /*
- * What one decode takes, in place of the settings of the process: they go with the call, and are in
- * force while it runs and nowhere else. So decodes with different options may run on different
- * threads, one after the other under decodeMutex() or, with SDPLINE_THREAD_LOCAL, beside each
- * other.
+ * The settings of one decode, in place of those of the process. They are passed with the call and
+ * apply to this call only. So different threads may decode with different options: one after the
+ * other under decodeMutex() or, with SDPLINE_THREAD_LOCAL, at the same time.
  */
 struct DecodeOptions {
     /* as SdpSetSupMedProtoRtpFamily(1): "RTP/AVPF", "UDP/TLS/RTP/SAVPF" and the like take a list of

@@ -1,7 +1,7 @@
 /*
- * editors.hpp: texts, times and media descriptions, to change.
+ * editors.hpp: changing texts, times and media descriptions.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_EDITORS_HPP
 #define SDPLINE_CPP_EDITORS_HPP
@@ -21,7 +21,7 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* The e=, p= or b= lines. Everything that Texts gives, and: */
+/* The e=, p= or b= lines: a Texts range with operations that change it. */
 class TextsEditor : public Texts {
     using Home = internal::ListHome<SDPStringList>;
 
@@ -31,8 +31,8 @@ public:
     /* Adds a line at the end. */
     Status add(std::string_view text) { return insert(Texts(home_.get()).size(), text); }
 
-    /* Adds a line before the one of that index; an index of size() adds it at the end, one beyond
-     * it ends the program. */
+    /* Adds a line before the one at the index. An index of size() adds it at the end; a larger one
+     * ends the program. */
     Status insert(std::size_t index, std::string_view text) {
         internal::insist(index <= Texts(home_.get()).size());
         if (const auto error = internal::refusedText(text)) {
@@ -44,7 +44,8 @@ public:
         return status;
     }
 
-    /* Every line whose text unwanted(std::string_view) picks; returns how many. */
+    /* Removes every line for whose text unwanted(std::string_view) is true; returns their number.
+     */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
         return home_.eraseIf([&](const SipString *one) { return unwanted(internal::viewOf(one)); });
@@ -57,20 +58,20 @@ private:
     Home home_;
 };
 
-/* One t= line. Everything that Time gives, and: */
+/* One t= line: a Time with operations that change it. */
 class TimeEditor : public Time {
 public:
     TimeEditor(internal::Memory memory, SDPTimeField *record)
         : Time(record), memory_(memory), record_(record) {}
 
-    /* In NTP seconds. */
+    /* Sets the times, in NTP seconds. */
     void set(std::uint32_t start, std::uint32_t stop) const {
         record_->ulStartTime = start;
         record_->ulStopTime = stop;
     }
 
-    /* Adds an r= line at the end of those of this t= line (RFC 4566 section 5.10): the repeat
-     * interval, the active duration and one or more offsets from the start, in this order:
+    /* Adds an r= line after those of this t= line (RFC 4566 section 5.10): the repeat interval, the
+     * active duration and one or more offsets from the start, in this order:
      *
      *     using sdpline::TimeUnit;
      *     time.addRepeat({{7, TimeUnit::Days}, {1, TimeUnit::Hours}, {0}, {25, TimeUnit::Hours}});
@@ -82,7 +83,7 @@ public:
         return addRepeat(std::span(times.begin(), times.size()));
     }
 
-    /* Removes all r= lines; returns how many. */
+    /* Removes all r= lines; returns their number. */
     std::size_t clearRepeats() const {
         using internal::Slot;
         const Slot<SDPRepeatFieldSet> slot(record_, offsetof(SDPTimeField, pstRepeatFieldSet));
@@ -106,20 +107,20 @@ struct MakeTimeEditor {
 
 } // namespace internal
 
-/* The t= lines: a range of TimeEditor with random access, and: */
+/* The t= lines: a range of TimeEditor with random access, with operations that change it. */
 class TimesEditor : public ListView<SDPTimeSet, internal::MakeTimeEditor> {
 public:
     TimesEditor(internal::Memory memory, SDPTimeSet *set)
         : ListView(set, {memory}), memory_(memory), set_(set) {}
 
-    /* Adds a line at the end, in NTP seconds. Without any, "t=0 0" is written; of several, the
-     * encoder writes the first one only, with its r= lines. */
+    /* Adds a line at the end, in NTP seconds. Without any t= line the encoder writes "t=0 0"; of
+     * several it writes only the first one, with its r= lines. */
     Status add(std::uint32_t start, std::uint32_t stop) {
         const SDPTimeField source = {start, stop, nullptr};
         return internal::insertItems(memory_, *set_, size(), 1, internal::CloneOf(source));
     }
 
-    /* Removes all, with their r= lines; returns how many. */
+    /* Removes all lines, with their r= lines; returns their number. */
     std::size_t clear() {
         return internal::eraseIf(memory_, *set_, [](const SDPTimeField *) { return true; });
     }
@@ -130,8 +131,8 @@ private:
 };
 
 /*
- * One media description. Everything that Media gives, and: each operation changes one line, all
- * of it or, when it fails, nothing. An editor is a reference: copies change the same lines.
+ * One media description: a Media with operations that change it. Each operation changes one line
+ * or, if it fails, nothing. An editor is a reference: its copies change the same lines.
  */
 class MediaEditor : public Media {
     template <class Record>
@@ -141,7 +142,7 @@ public:
     MediaEditor(internal::Memory memory, SDPMediaDesc *record)
         : Media(record), memory_(memory), record_(record) {}
 
-    /* The m= line as a whole. */
+    /* Sets the whole m= line. */
     Status setLine(const MediaLine &line) const {
         internal::MediaDraft draft;
         if (const auto error = draft.fill(line)) {
@@ -150,8 +151,9 @@ public:
         return internal::replace(memory_, draft.record, record_->stMediaField);
     }
 
-    /* Parts of it. What does not go with the rest of the line is refused: port 0 must be set
-     * before the payloads go, and protocol and format are changed together, by setLine. */
+    /* Set parts of the m= line. A value that does not fit the rest of the line is refused: port 0
+     * must be set before the payload numbers are removed, and protocol and format can only be
+     * changed together, by setLine(). */
     Status setPort(std::uint32_t port, std::uint32_t portCount = 1) const {
         MediaLine line = this->line();
         line.port = port;
@@ -196,11 +198,11 @@ public:
     Status setConnection(const Connection &connection) const {
         return internal::setConnection(memory_, connectionSlot(), connection);
     }
-    /* An address alone: "IN IP4" or "IN IP6" and no more. */
+    /* Sets an address, with "IN IP4" or "IN IP6", and without TTL and number of addresses. */
     Status setConnection(const Address &address) const {
         return setConnection(Connection{.address = address});
     }
-    /* By its text after "c=", "IN IP4 192.0.2.1", which is decoded. */
+    /* Sets it by its text after "c=", such as "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) const {
         return internal::setConnection(memory_, connectionSlot(), text);
     }
@@ -243,26 +245,27 @@ struct MakeMediaEditor {
 
 } // namespace internal
 
-/* The media descriptions: a range of MediaEditor with random access, and: */
+/* The media descriptions: a range of MediaEditor with random access, with operations that change
+ * it. */
 class MediaListEditor : public ListView<SDPMediaSet, internal::MakeMediaEditor> {
 public:
     MediaListEditor(internal::Memory memory, SDPMediaSet *set)
         : ListView(set, {memory}), memory_(memory), set_(set) {}
 
-    /* Adds a media description that has only its m= line, at the end, and gives it to be filled. */
+    /* Adds a media description with only its m= line at the end, and returns its editor. */
     Result<MediaEditor> add(const MediaLine &line) { return put(size(), line); }
-    /* The same by the text after "m=", "audio 49170 RTP/AVP 0 8", which is decoded. */
+    /* The same by the text after "m=", such as "audio 49170 RTP/AVP 0 8", which is decoded. */
     Result<MediaEditor> add(std::string_view text) { return put(size(), text); }
-    /* A copy of a whole media description, of whatever body. */
+    /* Adds a copy of a whole media description of this or another body. */
     Result<MediaEditor> add(const Media &media) { return put(size(), media); }
-    /* The same with those of its a= lines for which wanted(Attribute) holds. */
+    /* The same with only those a= lines for which wanted(Attribute) is true. */
     template <class Wanted>
     Result<MediaEditor> add(const Media &media, Wanted wanted) {
         return put(size(), media, wanted);
     }
 
-    /* What add takes, before the media description of that index. An index of size() adds it at
-     * the end, one beyond it ends the program. */
+    /* The same as add(), but before the media description at the index. An index of size() adds it
+     * at the end; a larger one ends the program. */
     Result<MediaEditor> insert(std::size_t index, const MediaLine &line) {
         return put(checked(index), line);
     }
@@ -277,11 +280,12 @@ public:
         return put(checked(index), media, wanted);
     }
 
-    /* With all its lines. False when it is no media description of this body. */
+    /* Removes a media description with all its lines. Returns false if it is not one of this body.
+     */
     bool remove(const Media &media) {
         return removeIf([&](const Media &one) { return one == media; }) != 0;
     }
-    /* Every one that unwanted(Media) picks; returns how many. */
+    /* Removes every one for which unwanted(Media) is true; returns their number. */
     template <class Unwanted>
     std::size_t removeIf(Unwanted unwanted) {
         return internal::eraseIf(memory_, *set_,

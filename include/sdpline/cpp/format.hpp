@@ -1,11 +1,11 @@
 /*
- * format.hpp: errors and values for std::format, where the standard library has it; else nothing.
+ * format.hpp: errors and values in std::format, if the standard library has it.
  *
  *     std::format("refused: {}", body.error())
  *     std::format("{:>40}", media)
  *
- * They take the format specifications of a string. To be included beside sdpline.hpp, which does
- * without the standard header for the time that it takes to compile.
+ * The format specifications are those of a string. sdpline.hpp does not include this header,
+ * because the standard header takes long to compile.
  */
 #ifndef SDPLINE_CPP_FORMAT_HPP
 #define SDPLINE_CPP_FORMAT_HPP

@@ -1,7 +1,7 @@
 /*
- * list.hpp: the counted lists of the records as ranges.
+ * list.hpp: the lists of the records as ranges.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_LIST_HPP
 #define SDPLINE_CPP_LIST_HPP
@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span> /* declares what makes a type a view, without the rest of <ranges> */
+#include <span> /* declares enable_view and enable_borrowed_range without the rest of <ranges> */
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -23,7 +23,7 @@ inline namespace v1 {
 
 namespace internal {
 
-/* Ranges that own nothing are views, and their iterators do without them. */
+/* The base of ranges that own nothing: they are views and borrowed ranges. */
 struct RangeOfBody {};
 
 template <class Range>
@@ -42,8 +42,8 @@ inline std::optional<std::string_view> optionalViewOf(const SipString *text) {
     return text != nullptr ? std::optional(viewOf(*text)) : std::nullopt;
 }
 
-/* The two members of each list record. They are read and written by value only: the pointer lies
- * at a multiple of 4, where no reference to a pointer may go. */
+/* The two members of each list record. They are read and written by value, since the pointer may be
+ * unaligned, and a reference could not be bound to it. */
 template <class List>
 struct ListOf;
 
@@ -113,7 +113,7 @@ struct ListOf<SDPMediaSet> {
     }
 };
 
-/* What an iterator's -> gives: the item, made when it is asked for. */
+/* The result of an iterator's operator->, which holds the item. */
 template <class Value>
 struct Arrow {
     Value value;
@@ -123,12 +123,12 @@ struct Arrow {
 } // namespace internal
 
 /*
- * A list of a body, looked at as a range with random access. Elements are small values (a text, a
- * number of pointers) that Make makes of the records.
+ * A list of a body as a range with random access. Its elements are small values (a text, a few
+ * pointers) that Make makes from the records.
  *
- * The range itself is always that of the list as it is now, an absent list being empty. Iterators
- * hold on to the array: adding to the list or removing from it ends their life, as with
- * std::vector; the range may be gone before them.
+ * A range always shows the present state of the list; an absent list is empty. Iterators refer to
+ * the array: as with std::vector, adding or removing an item invalidates them. They stay valid when
+ * the range is destroyed.
  */
 template <class List, class Make>
 class ListView : public internal::RangeOfBody {
@@ -195,7 +195,7 @@ public:
     std::size_t size() const { return items() != nullptr ? Fields::count(*list_) : 0; }
     bool empty() const { return size() == 0; }
 
-    /* An index beyond the list ends the program. */
+    /* An index that is not below size() ends the program. */
     value_type operator[](std::size_t index) const {
         internal::insist(index < size());
         return make_(items()[index]);
@@ -203,7 +203,7 @@ public:
     value_type front() const { return (*this)[0]; }
     value_type back() const { return (*this)[size() - 1]; }
 
-    /* The record of the list, null when the body has none. */
+    /* The record of the list; null if the body has none. */
     const List *record() const { return list_; }
 
 protected:

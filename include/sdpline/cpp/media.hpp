@@ -1,7 +1,7 @@
 /*
- * media.hpp: m= and t= lines, each with the lines below it, to look at.
+ * media.hpp: reading m= and t= lines, each with the lines that follow it.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_MEDIA_HPP
 #define SDPLINE_CPP_MEDIA_HPP
@@ -39,7 +39,7 @@ inline Keyword<Format> formatOf(const SDPMediaFmt &format) {
 
 } // namespace internal
 
-/* One media description. Lines that are absent give nothing, or an empty range. */
+/* One media description. For an absent line the result is nullopt or an empty range. */
 class Media {
 public:
     explicit Media(const SDPMediaDesc *record) : record_(record) {}
@@ -51,7 +51,8 @@ public:
     }
     std::uint32_t port() const { return field().ulPort; }
     std::uint32_t portCount() const { return field().ulNoOfPorts; }
-    /* "RTP/AVPF" with payload numbers is Protocol::RtpAvpf, whatever the decode took it for. */
+    /* "RTP/AVPF" with payload numbers is Protocol::RtpAvpf, even if the decoder stored it as text.
+     */
     Keyword<Protocol> protocol() const {
         const SDPMediaProto &protocol = field().stProto;
         const std::string_view other = internal::viewOf(protocol.pstrOtherProto);
@@ -61,11 +62,11 @@ public:
                    : Keyword<Protocol>::of(Protocol{protocol.enProto}, other);
     }
     Keyword<Format> format() const { return internal::formatOf(field().stMediaFmt); }
-    /* Empty unless the format is Payloads. */
+    /* The payload numbers; empty unless the format is Payloads. */
     std::span<const std::uint32_t> payloads() const {
         return internal::payloadsOf(field().stMediaFmt);
     }
-    /* All of the above. */
+    /* The whole m= line. */
     MediaLine line() const {
         return {type(), port(), portCount(), protocol(), format(), payloads()};
     }
@@ -73,7 +74,8 @@ public:
     std::optional<std::string_view> info() const {
         return internal::optionalViewOf(record_->pstrMediaInfo);
     }
-    /* That of the media alone; Body::connectionOf falls back to the session's. */
+    /* The c= line of the media description; Body::connectionOf() uses the session's if there is
+     * none. */
     std::optional<Connection> connection() const {
         return internal::connectionOf(record_->pstConnection);
     }
@@ -83,7 +85,7 @@ public:
 
     const SDPMediaDesc *record() const { return record_; }
 
-    /* Whether both look at the same media description. */
+    /* Whether both refer to the same media description. */
     friend bool operator==(const Media &, const Media &) = default;
 
 private:
@@ -110,8 +112,8 @@ struct MakeTypedTime {
 
 using MediaList = ListView<SDPMediaSet, internal::MakeMedia>;
 
-/* One r= line: the repeat interval, the active duration, then the offsets, as one range. A number
- * without a unit is seconds. */
+/* One r= line as a range: the repeat interval, the active duration, then the offsets. A number
+ * without a unit is in seconds. */
 using Repeat = ListView<SDPRepeatField, internal::MakeTypedTime>;
 
 namespace internal {
@@ -124,7 +126,7 @@ struct MakeRepeat {
 
 using Repeats = ListView<SDPRepeatFieldSet, internal::MakeRepeat>;
 
-/* One t= line, in NTP seconds, with the r= lines below it. */
+/* One t= line, in NTP seconds, with the r= lines that follow it. */
 class Time {
 public:
     explicit Time(const SDPTimeField *record) : record_(record) {}

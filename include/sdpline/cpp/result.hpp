@@ -1,7 +1,7 @@
 /*
- * result.hpp: why something failed, and results that carry either a value or that reason.
+ * result.hpp: errors, and results that are either a value or an error.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_RESULT_HPP
 #define SDPLINE_CPP_RESULT_HPP
@@ -23,51 +23,52 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* Who refused. */
+/* The origin of an error. */
 enum class Fault : std::uint8_t {
     Library,  /* the C library, or a service that it calls: Error::code is its result */
-    Argument, /* this API, before anything was touched: a value that no SDP text can carry */
+    Argument, /* this API refused an argument: a value that no SDP text can represent */
     Memory,   /* the body's memory block is exhausted */
-    Busy      /* a decode that the calling thread started inside a decode: in a log hook, or while
-                 it holds decodeMutex() */
+    Busy      /* the calling thread is already decoding: it started a decode in a log hook, or while
+                 it held decodeMutex() */
 };
 
 /*
- * A reason. All text is static: an Error outlives everything.
+ * Why an operation failed. All text is static: an Error refers to no body.
  *
- * Lines and columns count from 1, offsets from 0, in bytes of the text that was given: the body
- * for Body::decode, the text of the one line for operations that take a line. Line 0 means that no
- * place in a text is to blame.
+ * Lines and columns count from 1, offsets from 0, in bytes of the given text: the body for
+ * Body::decode, the text of the line for operations that take a line. Line 0 means that the error
+ * has no place in a text.
  */
 struct Error {
     Fault fault = Fault::Library;
-    std::uint32_t code = 0; /* the SDPResult, 0 unless the fault is the library's */
+    std::uint32_t code = 0; /* the SDPResult for Fault::Library, else 0 */
     std::uint32_t line = 0;
     std::uint32_t column = 0;
     std::uint32_t offset = 0;
-    std::string_view sentence; /* what was wrong, for people; never empty */
+    std::string_view sentence; /* the description of the error; never empty */
     std::string_view check;    /* name of the library's check that failed, or empty */
     std::string_view function; /* the operation that made the check, or empty */
     std::string_view source;   /* its source file, as log entries name it, or empty */
 
-    /* "4:16", or nothing when no place is to blame. */
+    /* "4:16", or an empty text without a place. */
     std::string place() const;
 
-    /* "4:16: expected an octet of at most 255": place and sentence, and nothing of the library. For
-     * whoever sent the text. */
+    /* "4:16: expected an octet of at most 255": place and sentence, without details of the library.
+     * For the sender of the text. */
     std::string reason() const;
 
     /* "4:16: expected an octet of at most 255 (sdpparser sdpConnectionFieldAddrIpv4, 0x05035065)":
-     * the reason, and where it comes from when the library says. For logs. */
+     * the reason, and the check of the library that failed. For logs. */
     std::string message() const;
 
-    /* The reason with its quotes, as the text of a SIP Warning header field (RFC 3261 section
+    /* The reason as a quoted string, for the text of a SIP Warning header field (RFC 3261 section
      * 20.43): "Warning: 399 gw.example.com " + error.warningText(). */
     std::string warningText() const;
 };
 
-/* A text as a quoted-string of RFC 3261 section 25.1, in its quotes: quotes and backslashes
- * escaped; line ends and other controls become blanks, and bytes outside ASCII question marks. */
+/* A text as a quoted-string (RFC 3261 section 25.1), with its quotes. Quotes and backslashes are
+ * escaped; line ends and other control characters become blanks, and bytes above 127 become
+ * question marks. */
 inline std::string quotedString(std::string_view text) {
     std::string quoted = "\"";
     for (const char c : text) {
@@ -82,7 +83,7 @@ inline std::string quotedString(std::string_view text) {
 
 namespace internal {
 
-/* A broken precondition ends the program: going on would read foreign memory. */
+/* Ends the program if a precondition is violated, since going on would read invalid memory. */
 inline void insist(bool holds) {
     if (!holds) [[unlikely]] {
         std::abort();
@@ -99,7 +100,7 @@ inline void appendNumber(std::string &text, std::uint32_t value, int base = 10) 
     text.append(digits, size);
 }
 
-/* Errors are made out of line and seldom. */
+/* The functions that make errors are cold: they are rarely called. */
 [[gnu::cold]] inline Error errorOf(Fault fault, std::string_view sentence) {
     Error error;
     error.fault = fault;
@@ -119,8 +120,8 @@ inline void appendNumber(std::string &text, std::uint32_t value, int base = 10) 
     return errorOf(Fault::Busy, "this thread is decoding already: a log hook must not decode");
 }
 
-/* What the library says of one of its codes. Services of a stack have codes that it does not know:
- * they are passed up as they are. */
+/* The error of a result code. A stack's service may return codes that the library does not know:
+ * they are kept in Error::code. */
 [[gnu::cold]] inline Error libraryError(SDPResult code) {
     SDPResultText text = {};
     const bool known = SdpLibDescribeResult(code, &text) == 0;
@@ -170,8 +171,8 @@ inline std::string Error::warningText() const {
 }
 
 /*
- * A value, or the reason why there is none. Ask before you take: value() and its operators on a
- * failed result, and error() on a successful one, end the program.
+ * A value, or the error why there is none. Test it first: value() and the operators * and -> of a
+ * failed result, and error() of a successful one, end the program.
  *
  *     if (auto body = sdpline::Body::decode(text)) {
  *         use(*body);
@@ -179,7 +180,7 @@ inline std::string Error::warningText() const {
  *         log(body.error().message());
  *     }
  *
- * Or hand the value on; the first failure is what comes out:
+ * Or pass the value on to the next operation; the result is that of the first failure:
  *
  *     sdpline::Result<std::string> again = sdpline::Body::decode(text).and_then(
  *         [](const sdpline::Body &body) { return body.encode(); });
@@ -219,8 +220,8 @@ public:
     Value &&operator*() && { return std::move(*this).value(); }
     const Value &&operator*() const && { return std::move(*this).value(); }
 
-    /* Not of a temporary result whose value owns what its members give: a view of a body that is
-     * gone at the end of the line does not compile. Values that own nothing, as editors, do. */
+    /* Not available for a temporary result whose value owns data, since a view of it would be
+     * invalid at once. Values that own nothing, such as editors, are allowed. */
     Value *operator->() & { return &value(); }
     const Value *operator->() const & { return &value(); }
     const Value *operator->() const &&requires std::is_trivially_destructible_v<Value> {
@@ -228,12 +229,12 @@ public:
     }
     const Value *operator->() const && = delete;
 
-    /* The value, or the other one. */
+    /* The value, or `other` for a failed result. */
     Value value_or(Value other) const & { return ok_ ? value_ : std::move(other); }
     Value value_or(Value other) && { return ok_ ? std::move(value_) : std::move(other); }
     Value valueOr(Value other) && { return std::move(*this).value_or(std::move(other)); }
 
-    /* What next(value) returns, a Result or Status, or this one's error. */
+    /* The result of next(value), a Result or Status; or this result's error. */
     template <class Next>
     auto and_then(Next next) const & -> std::invoke_result_t<Next, const Value &> {
         if (!ok_) {
@@ -249,7 +250,7 @@ public:
         return next(std::move(value_));
     }
 
-    /* A Result of what change(value) returns, or this one's error. */
+    /* A Result with the value of change(value); or this result's error. */
     template <class Change>
     auto transform(Change change) const & -> Result<std::invoke_result_t<Change, const Value &>> {
         if (!ok_) {
@@ -294,7 +295,7 @@ private:
     };
 };
 
-/* Success, or the reason why not. */
+/* Success, or an error. */
 template <>
 class [[nodiscard]] Result<void> {
 public:
@@ -306,7 +307,7 @@ public:
     bool ok() const noexcept { return !error_.has_value(); }
     explicit operator bool() const noexcept { return ok(); }
 
-    /* What next() returns, a Result or Status, or this one's error. */
+    /* The result of next(), a Result or Status; or this result's error. */
     template <class Next>
     auto and_then(Next next) const -> std::invoke_result_t<Next> {
         if (error_) {

@@ -1,8 +1,7 @@
 /*
- * text.hpp: errors and values as text, and into streams.
+ * text.hpp: errors and values as text, and in streams.
  *
- * Part of sdpline.hpp, whose conventions hold here. For std::format, which is not included for the
- * time that it takes to compile, there is sdpline/cpp/format.hpp.
+ * Part of sdpline.hpp, whose conventions apply. For std::format include sdpline/cpp/format.hpp.
  */
 #ifndef SDPLINE_CPP_TEXT_HPP
 #define SDPLINE_CPP_TEXT_HPP
@@ -22,7 +21,7 @@ inline namespace v1 {
 
 namespace internal {
 
-/* A line's text; what refuses it, in brackets, when it has none. */
+/* The text of a line or, in brackets, the reason why it cannot be written. */
 inline std::string textOr(const std::optional<Error> &refused, std::uint32_t lineType,
                           const void *record) {
     const auto text =
@@ -33,8 +32,9 @@ inline std::string textOr(const std::optional<Error> &refused, std::uint32_t lin
 } // namespace internal
 
 /*
- * Text for logs: errors as their messages, lines and values as the encoder writes them after the
- * letter and "=", words of codes. A value that no line can carry gives the reason in brackets.
+ * Text for logs: errors as their messages; lines and values as the encoder writes them, without the
+ * letter and "="; codes as their words. For a value that cannot be written it is the reason, in
+ * brackets.
  */
 inline std::string toText(const Error &error) {
     return error.message();
@@ -72,7 +72,7 @@ inline std::string toText(const TypedTime &time) {
     return time.unit == TimeUnit::Seconds ? text : text.append(wordOf(time.unit));
 }
 
-/* "ptime:20": a line, and the values that AttributesEditor::add takes. */
+/* "ptime:20": the text of an attribute, or of a value that AttributesEditor::add takes. */
 inline std::string toText(const Attribute &attribute) {
     return internal::textOr(std::nullopt, SDP_LINE_ATTRIBUTE, attribute.record());
 }

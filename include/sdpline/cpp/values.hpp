@@ -1,14 +1,15 @@
 /*
- * values.hpp: what the lines of a body say, as plain values to read and to write.
+ * values.hpp: the contents of lines as plain values, to read and to write.
  *
- * Part of sdpline.hpp, whose conventions hold here. Texts are only referred to: in a value that a
- * body gave, they lie in the body; in a value that you fill, they must live until the call that
- * takes it returns. Every member has a default, so that you name those that matter:
+ * Part of sdpline.hpp, whose conventions apply. Values refer to their texts: in a value that was
+ * read from a body these are texts of the body; in a value that you fill they must exist until the
+ * call that takes it returns. Every member has a default, so that you need only set some of them:
  *
  *     const sdpline::Status added = media.attributes().add(
  *         sdpline::RtpMap{.payload = 96, .name = "AMR-WB", .clockRate = 16000});
  *
- * Values are equal when their members are, texts byte by byte, but where a value says otherwise.
+ * Values are equal if their members are equal, unless a comment says otherwise. Texts are compared
+ * byte by byte.
  */
 #ifndef SDPLINE_CPP_VALUES_HPP
 #define SDPLINE_CPP_VALUES_HPP
@@ -30,8 +31,8 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* o= . Session id and version are digits of any length. The network type is "IN" and the address
- * type "IP4" or "IP6" in every text that is read; no other is written. */
+/* o= . Session id and version are digits, of any number. In every text that is read the network
+ * type is "IN" and the address type "IP4" or "IP6"; others are not written. */
 struct Origin {
     std::string_view userName = "-";
     std::string_view sessionId = "0";
@@ -43,8 +44,8 @@ struct Origin {
     friend bool operator==(const Origin &, const Origin &) = default;
 };
 
-/* c= . An address type left empty is that of the address. A number of addresses needs a TTL before
- * it, and neither may be SDP_NOT_GIVEN. */
+/* c= . An empty address type means that of the address. A number of addresses needs a TTL. Neither
+ * may be SDP_NOT_GIVEN. */
 struct Connection {
     Keyword<NetType> netType = NetType::In;
     Keyword<AddressType> addressType{};
@@ -70,7 +71,7 @@ struct TypedTime {
         return value;
     }
 
-    /* Whether both last as long: "1h" and "3600". */
+    /* Whether both are the same time: "1h" and "3600" are equal. */
     friend bool operator==(const TypedTime &one, const TypedTime &two) {
         return one.seconds() == two.seconds();
     }
@@ -84,11 +85,11 @@ struct RtpMap {
     std::string_view name{};
     std::uint32_t clockRate = 0;
     std::uint32_t channels = 1; /* 0 counts as 1 */
-    std::uint32_t profile = 0;  /* static profile number 1 to 35, 0 when the name is none of them;
-                                   found by the library, and not looked at in a value to write */
+    std::uint32_t profile = 0;  /* static profile number 1 to 35, 0 if the name has none; set by the
+                                   library, and ignored in a value to write */
 
-    /* Whether both are the same encoding, whatever their payload numbers: the name in any case of
-     * its letters (RFC 4855 section 3), clock rate and channels. */
+    /* Whether both are the same encoding, with any payload numbers: the names are equal without
+     * case (RFC 4855 section 3), clock rate and channels are equal. */
     bool sameEncoding(const RtpMap &other) const {
         return equalIgnoringCase(name, other.name) && clockRate == other.clockRate &&
                (channels > 1 ? channels : 1) == (other.channels > 1 ? other.channels : 1);
@@ -103,10 +104,10 @@ struct RtpMap {
 static_assert(sizeof g_aStrRtpmapProfiles / sizeof *g_aStrRtpmapProfiles ==
               tables::kNoStaticRow + 1);
 
-/* What a static payload number means without an a=rtpmap line (RFC 3551 section 6): 0 is PCMU at
- * 8000 Hz, 10 is L16 at 44100 Hz over two channels. Nothing for numbers without an encoding of
- * their own. Names and clock rates are those of the library's profiles, but for 33, MP2T, whose
- * profile is called MP2. */
+/* The encoding of a static payload number without an a=rtpmap line (RFC 3551 section 6): 0 is PCMU
+ * at 8000 Hz, 10 is L16 at 44100 Hz with two channels. Nullopt for numbers without a static
+ * encoding. Names and clock rates are those of the library's profiles, except for 33, MP2T, whose
+ * profile is named MP2. */
 inline std::optional<RtpMap> staticEncoding(std::uint32_t payload) {
     const auto row = static_cast<std::uint32_t>(tables::staticRow(payload));
     if (row == tables::kNoStaticRow) {
@@ -132,7 +133,7 @@ struct Fmtp {
     friend bool operator==(const Fmtp &, const Fmtp &) = default;
 };
 
-/* a=silenceSupp. The parameters are without the blank before them, and not empty. */
+/* a=silenceSupp. The parameters do not have the blank before them, and must not be empty. */
 struct SilenceSupp {
     bool on = false;
     std::string_view parameters = "- - - -";
@@ -157,7 +158,7 @@ struct IpBcp {
     friend bool operator==(const IpBcp &, const IpBcp &) = default;
 };
 
-/* a=curr, a=des and a=conf. The strength is that of a=des, and Mandatory elsewhere. */
+/* a=curr, a=des and a=conf. Only a=des has a strength; for the others it is Mandatory. */
 struct Precondition {
     StatusLine line = StatusLine::Current;
     Keyword<PreconditionType> type = PreconditionType::Qos;
@@ -168,7 +169,7 @@ struct Precondition {
     friend bool operator==(const Precondition &, const Precondition &) = default;
 };
 
-/* The T.38 attributes of a list together. */
+/* All T.38 attributes of a list. */
 struct T38 {
     std::optional<std::uint32_t> version{};
     std::optional<std::uint32_t> maxBitRate{};
@@ -190,7 +191,7 @@ struct T38 {
  *     Direction             sendrecv, sendonly, recvonly, inactive
  *     std::uint32_t         ptime, maxptime, framerate, quality, T.38 numbers and flags
  *     std::string_view      cat, keywds, tool, orient, type, charset, sdplang, lang, other names
- *     the others            the attribute of that name
+ *     the other types       the attribute of that name
  */
 using AttributeValue = std::variant<std::monostate, Direction, std::uint32_t, std::string_view,
                                     RtpMap, Fmtp, T38RateManagement, T38ErrorCorrection,
@@ -211,12 +212,11 @@ inline bool sameNumbers(std::span<const std::uint32_t> one, std::span<const std:
 /* ---- m= -------------------------------------------------------------------------------------- */
 
 /*
- * One m= line. RTP protocols go with the format Payloads and 1 to 100 payload numbers, none being
- * allowed for port 0; the others with one format word, "t120" over TCP only. A protocol that the
- * library does not know may have payload numbers too, of which it reads back only one; the same
- * holds for "RTP/AVPF" while SdpSetSupMedProtoRtpAvpf is off, and for both unless the decode is of
- * the RTP family (see DecodeOptions). With DecodeOptions::rtpFamily all payload numbers of words
- * such as "UDP/TLS/RTP/SAVPF" are read back.
+ * One m= line. RTP protocols have the format Payloads and 1 to 100 payload numbers, or none if the
+ * port is 0. Other protocols have one format word; "t120" is for TCP only. A protocol that the
+ * library does not know may be written with payload numbers, but a decoder reads back only one; the
+ * same applies to "RTP/AVPF" while SdpSetSupMedProtoRtpAvpf is off. With DecodeOptions::rtpFamily
+ * all payload numbers of words such as "UDP/TLS/RTP/SAVPF" are read back.
  */
 struct MediaLine {
     Keyword<MediaType> type = MediaType::Audio;
@@ -234,7 +234,7 @@ struct MediaLine {
     }
 };
 
-/* ---- Values of records ----------------------------------------------------------------------- */
+/* ---- Reading values from records ------------------------------------------------------------- */
 
 namespace internal {
 

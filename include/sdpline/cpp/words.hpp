@@ -18,10 +18,12 @@
 namespace sdpline {
 inline namespace v1 {
 
-/* Every enumerator has the number of its code in sdprecords.h. A record that a program filled may
- * hold other numbers: they come through as they are, and have no word. */
+/* Every enumerator has the number of its code in sdprecords.h. A record that a program made may
+ * have other numbers: they are converted unchanged, and have no word. */
 
-/* With an "other" enumerator: see Keyword. */
+/* ---- Enumerations with an "other" code: see Keyword ---- */
+
+/* The network type. */
 enum class NetType : std::uint32_t { In = SDP_NETTYPE_IN, Other = SDP_NETTYPE_OTHER };
 
 enum class AddressType : std::uint32_t {
@@ -63,7 +65,8 @@ enum class PreconditionType : std::uint32_t {
     Other = SDP_PRECONDITION_OTHER
 };
 
-/* Without. */
+/* ---- Enumerations without one ---- */
+
 enum class TimeUnit : std::uint32_t {
     Days = SDP_TIME_DAYS,
     Hours = SDP_TIME_HOURS,
@@ -71,7 +74,7 @@ enum class TimeUnit : std::uint32_t {
     Seconds = SDP_TIME_SECONDS
 };
 
-/* RtpMap = SDP_ATTR_RTPMAP and so on: one for each row of detail/attributes.def. */
+/* RtpMap = SDP_ATTR_RTPMAP and so on: one enumerator for each row of detail/attributes.def. */
 enum class AttributeType : std::uint32_t {
 #define ATTRIBUTE(type, enumerator, name, shape, words, deviations) enumerator = (type),
 #include "sdpline/cpp/detail/attributes.def"
@@ -135,7 +138,7 @@ enum class Flow : std::uint32_t {
     SendRecv = SDP_DIR_SENDRECV
 };
 
-/* Which of the three lines of RFC 3312 a precondition is. */
+/* The three lines of preconditions (RFC 3312). */
 enum class StatusLine : std::uint32_t {
     Desired = SDP_ATTR_DES,
     Current = SDP_ATTR_CURR,
@@ -146,8 +149,8 @@ namespace internal {
 
 using Rows = std::span<const tables::KeywordRow>;
 
-/* The words of an enumeration, as the parser and the encoder know them; none of those whose words
- * are names of attributes. */
+/* The words of an enumeration, from the tables of parser and encoder; none for enumerations whose
+ * words are names of attributes. */
 template <class Code>
 inline constexpr Rows kRows{};
 
@@ -184,9 +187,9 @@ inline constexpr Rows kRows<Flow> = tables::kDirWords;
 
 } // namespace internal
 
-/* The word that the encoder writes for a code; empty for "other" codes and unknown numbers. (No
- * pointer to a row is compared with null: that is no constant expression for gcc with
- * -fsanitize=undefined.) */
+/* The word that the encoder writes for a code; empty for "other" codes and unknown numbers. (It
+ * does not compare a pointer to a row with null: for gcc with -fsanitize=undefined that is not a
+ * constant expression.) */
 template <class Code>
 requires(!internal::kRows<Code>.empty()) constexpr std::string_view wordOf(Code code) {
     for (const tables::KeywordRow &row : internal::kRows<Code>) {
@@ -197,15 +200,15 @@ requires(!internal::kRows<Code>.empty()) constexpr std::string_view wordOf(Code 
     return {};
 }
 
-/* The name of an attribute without a colon; empty for the types of other names, and for numbers
- * that are no type. */
+/* The name of an attribute without a colon; empty for the types of unknown names, and for numbers
+ * that are not types. */
 constexpr std::string_view wordOf(AttributeType type) {
     const bool other = type == AttributeType::OtherValue || type == AttributeType::OtherFlag;
     return other ? std::string_view()
                  : tables::attributeRow(static_cast<std::uint32_t>(type)).bareName();
 }
 
-/* Directions and the lines of preconditions are attributes of their names. */
+/* The words of directions and of precondition lines are attribute names. */
 constexpr std::string_view wordOf(Direction direction) {
     const auto type = static_cast<std::uint32_t>(direction);
     return tables::shapeOf(type) == tables::Shape::Direction ? wordOf(AttributeType{type})
@@ -218,14 +221,15 @@ constexpr std::string_view wordOf(StatusLine line) {
                                                                 : std::string_view();
 }
 
-/* Whether two names are the same but for the case of their letters, as names of encodings
- * (RFC 4855 section 3) and of hosts are compared. Letters are those of ASCII. */
+/* Whether two names are equal but for the case of ASCII letters, as names of encodings (RFC 4855
+ * section 3) and of hosts are compared. */
 constexpr bool equalIgnoringCase(std::string_view one, std::string_view two) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 32) : c; };
     if (one.size() != two.size() || one.empty()) {
         return one.size() == two.size();
     }
-    // Names of one length that differ, as PCMA and PCMU, mostly do in their last letter.
+    // Names of the same size that differ, such as PCMA and PCMU, mostly differ in their last
+    // letter.
     if (one.back() != two.back() && lower(one.back()) != lower(two.back())) {
         return false;
     }
@@ -241,11 +245,11 @@ constexpr bool equalIgnoringCase(std::string_view one, std::string_view two) {
 }
 
 /*
- * One of a set of words, or any other one: a code, and the text that goes with it. Made from
- * either: Keyword<MediaType>(MediaType::Audio) and Keyword<MediaType>("audio") are the same, and
- * "message" gives the code Other and keeps the text, which is only referred to.
+ * One of a set of words, or any other word: a code and its text. It can be made from either:
+ * Keyword<MediaType>(MediaType::Audio) and Keyword<MediaType>("audio") are equal, and "message" has
+ * the code Other. A keyword refers to its text.
  *
- * Keywords are compared by their text, a keyword and a code by the code.
+ * Two keywords are compared by their texts, a keyword and a code by the code.
  */
 template <class Code>
 class Keyword {
@@ -262,7 +266,7 @@ public:
     }
     constexpr Keyword(const char *text) : Keyword(std::string_view(text)) {}
 
-    /* As a record holds it: the code whatever the text says. */
+    /* From a record: the code is not changed by the text, which is used for the code Other only. */
     static constexpr Keyword of(Code code, std::string_view otherText) {
         Keyword keyword(code);
         if (code == Code::Other) {

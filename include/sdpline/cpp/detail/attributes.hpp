@@ -1,7 +1,7 @@
 /*
- * attributes.hpp: what every type of attribute is: its name, the shape of its value and its
- * keywords, one row each (attributes.def). Parser, encoder, copy, C++ API and program go by the
- * shape: an attribute of a known shape is a row and no code.
+ * attributes.hpp: the table of attribute types: name, shape of the value and keywords, one row each
+ * (attributes.def). Parser, encoder, copies, C++ API and program switch on the shape: a new
+ * attribute of a known shape needs a row and no code.
  */
 #ifndef SDPLINE_DETAIL_ATTRIBUTES_HPP
 #define SDPLINE_DETAIL_ATTRIBUTES_HPP
@@ -17,14 +17,14 @@
 
 namespace sdpline::tables {
 
-/* The value of an attribute: which member of unAttrValue holds it, and what its text looks like. */
+/* The shape of an attribute's value: the member of unAttrValue that holds it, and its text. */
 enum class Shape : std::uint8_t {
     None,         /* no type of attribute */
     Flag,         /* no value */
-    Direction,    /* no value: which way the media flows */
+    Direction,    /* no value: the name is the direction of the media */
     Number,       /* ulValue: digits */
     Decimal,      /* ulValue: digits with a fraction, which is dropped */
-    Switch,       /* ulValue: nothing or ":" and digits; nothing is read as 1 */
+    Switch,       /* ulValue: ":" and digits, or nothing, which is read as 1 */
     Keyword,      /* ulValue: one of the row's words */
     Text,         /* strValue: the rest of the line */
     RtpMap,       /* stRtpMap */
@@ -39,12 +39,12 @@ enum class Shape : std::uint8_t {
 /* How a row deviates from its shape: a set of these. */
 enum Deviation : std::uint8_t {
     kRegular = 0,
-    kAnyCase = 1 << 0,        /* the name is known in any case of its letters */
-    kPacketChecks = 1 << 1,   /* a number that is refused by the checks of ptime, */
-    kQualityChecks = 1 << 2,  /* by those of quality; all others by those of T.38 */
+    kAnyCase = 1 << 0,        /* the name is recognised in any case of its letters */
+    kPacketChecks = 1 << 1,   /* a number with the checks of ptime */
+    kQualityChecks = 1 << 2,  /* a number with the checks of quality; others have those of T.38 */
     kRestOfLine = 1 << 3,     /* the keyword is the rest of the line, not a word */
-    kUnknownRefused = 1 << 4, /* a code without a word is refused, not written as nothing */
-    kResultDropped = 1 << 5,  /* an append of the value that is refused is no failure */
+    kUnknownRefused = 1 << 4, /* a code without a word fails a check; else nothing is written */
+    kResultDropped = 1 << 5,  /* a refused append of the value is ignored */
     kStrengthTag = 1 << 6     /* a precondition with a strength */
 };
 
@@ -64,7 +64,7 @@ struct AttributeRow {
 
 inline constexpr std::span<const KeywordRow> kNoWords;
 
-/* Indexed by type. The first row is that of no type. */
+/* Indexed by type. Row 0 is for numbers that are not types. */
 inline constexpr auto kAttributes = std::to_array<AttributeRow>({
     {0, {}, Shape::None, kRegular, {}},
 #define ATTRIBUTE(type, enumerator, name, shape, words, deviations)                                \
@@ -75,12 +75,12 @@ inline constexpr auto kAttributes = std::to_array<AttributeRow>({
 
 inline constexpr std::uint32_t kLastAttribute = SDP_ATTR_UNKNOWN - 1;
 
-/* The row of a type; that of no type for numbers that are none. */
+/* The row of a type; row 0 for numbers that are not types. */
 constexpr const AttributeRow &attributeRow(std::uint32_t type) {
     return kAttributes[type <= kLastAttribute ? type : 0];
 }
 
-/* The shapes alone, a byte each: most that goes by the table needs no more of it. */
+/* The shapes as a table of bytes: most users of the table need only these. */
 inline constexpr auto kShapes = [] {
     std::array<Shape, kAttributes.size()> shapes{};
     for (std::size_t type = 0; type < shapes.size(); ++type) {
@@ -93,7 +93,7 @@ constexpr Shape shapeOf(std::uint32_t type) {
     return type <= kLastAttribute ? kShapes[type] : Shape::None;
 }
 
-/* The types of a shape, none where others lie between them. */
+/* The range of the types of a shape; empty if other types are between them. */
 struct TypeRange {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
@@ -113,15 +113,14 @@ constexpr TypeRange rangeOf(Shape shape) {
     return range;
 }
 
-/* Whether a type is of that shape: most shapes are one type or a few, and need no look at the
- * table. */
+/* Whether a type has that shape. For shapes whose types are a range the table is not read. */
 template <Shape shape>
 constexpr bool isOf(std::uint32_t type) {
     constexpr TypeRange range = rangeOf(shape);
     return range.count != 0 ? type - range.first < range.count : shapeOf(type) == shape;
 }
 
-/* A row holds what its shape asks for, and the records have room for it. */
+/* Whether a row has what its shape needs. */
 constexpr bool isComplete(const AttributeRow &row, std::size_t index) {
     const bool kept = row.shape == Shape::NamedText || row.shape == Shape::NameOnly;
     return row.type == index && (row.shape == Shape::None) == (index == 0) &&

@@ -1,5 +1,5 @@
 /*
- * clone.hpp: new bodies, empty ones and copies, each in a memory block of its own.
+ * clone.hpp: new bodies, empty ones and copies, each in a new memory block.
  *
  * Part of sdpline.hpp; nothing here is for users.
  */
@@ -13,7 +13,8 @@ namespace sdpline {
 inline namespace v1 {
 namespace internal {
 
-/* All zero but for its block, also from a memory service that does not clear what it gives. */
+/* A body that is all zero except its memory control, even if the memory service does not zero its
+ * memory. */
 inline Result<BodyHandle> newBody() {
     SdpLine *line = nullptr;
     if (const SDPResult code = SdpLibCreateSdp(&line)) {
@@ -32,7 +33,7 @@ inline Result<BodyHandle> newBody() {
     return BodyHandle(line);
 }
 
-/* A body that was not completed: what there is goes with its block. */
+/* The body, or the copier's error: an incomplete body is then released with its block. */
 inline Result<BodyHandle> unlessFailed(const Copier &copier, BodyHandle body) {
     if (!copier.ok()) {
         return copier.error();

@@ -21,12 +21,12 @@ namespace sdpline {
 inline namespace v1 {
 namespace internal {
 
-/* A text for the C operations and for copies, which only read it. */
+/* A SipString for C operations and copies that only read it. */
 inline SipString lent(std::string_view text) {
     return {static_cast<std::uint32_t>(text.size()), const_cast<char *>(text.data())};
 }
 
-/* Most texts are a word: their halves, which may overlap, are copied without a call. */
+/* Most texts are one word: it is copied without a call, in two parts that may overlap. */
 inline void copyBytes(char *to, const char *from, std::size_t size) {
     if (size >= 8 && size <= 16) {
         std::memcpy(to, from, 8);
@@ -41,7 +41,7 @@ inline void copyBytes(char *to, const char *from, std::size_t size) {
 
 /* ---- The block of a body --------------------------------------------------------------------- */
 
-/* The kind of line that frees a record. The lines that are one text are freed alike. */
+/* The kind of line by which SdpFreeLine frees a record; all lines of one text are freed alike. */
 template <class Record>
 inline constexpr std::uint32_t kLineOf = SDP_LINE_COUNT;
 template <>
@@ -75,7 +75,7 @@ public:
                    : nullptr;
     }
 
-    /* All zero, also from a memory service that does not clear what it gives. */
+    /* A record that is all zero, even if the memory service does not zero its memory. */
     template <class Record>
     Record *allocate() const {
         void *const memory = take(sizeof(Record));
@@ -89,7 +89,7 @@ public:
         }
     }
 
-    /* Gives a record back with all that it refers to; nothing happens for null. */
+    /* Frees a record with all that it refers to. Null is accepted. */
     template <class Record>
     void free(Record *record) const {
         static_assert(kLineOf<Record> != SDP_LINE_COUNT);
@@ -131,11 +131,11 @@ inline void Memory::free(SDPMediaDesc *media) const {
 /* ---- Deep copies ----------------------------------------------------------------------------- */
 
 /*
- * Copies records into a block, one allocation at a time as a decode makes them. After the first
- * failure it makes nothing more: pointers that it gives are null, and ok() tells. What was made until
- * then holds no pointer of the source, and can be freed.
+ * Copies records into a block. As in a decode, each record and text is one allocation. After the
+ * first failure ok() is false, nothing more is allocated, and all further pointers are null. An
+ * incomplete copy has no pointer into the source, and can be freed.
  *
- * fill(from, to) writes all of a record `to`; what that held before is lost.
+ * fill(from, to) overwrites the whole record `to`.
  */
 class Copier {
 public:
@@ -144,7 +144,7 @@ public:
     bool ok() const { return failure_ == nullptr; }
     Error error() const { return failure_(); }
 
-    /* A new record that `write` writes all of; null after a failure. */
+    /* A new record, which `write` must write completely; null after a failure. */
     template <class Record, class Write>
     Record *make(Write write) {
         Record *const made = ok() ? static_cast<Record *>(memory_.take(sizeof(Record))) : nullptr;
@@ -161,11 +161,11 @@ public:
         return make<Record>([&](Record &to) { fill(from, to); });
     }
 
-    /* A line by the C operation, which makes it or nothing. */
+    /* An attribute is cloned by the C operation, completely or not at all. */
     SDPAttr *clone(const SDPAttr &from) {
         void *made = nullptr;
-        if (ok() &&
-            SdpCloneLine(memory_.control(), SDP_LINE_ATTRIBUTE, &from, &made) != 0) [[unlikely]] {
+        if (ok() && SdpCloneLine(memory_.control(), SDP_LINE_ATTRIBUTE, &from, &made) != 0)
+            [[unlikely]] {
             fail(noMemory);
         }
         return static_cast<SDPAttr *>(made);
@@ -176,7 +176,7 @@ public:
         return from != nullptr ? clone(*from) : nullptr;
     }
 
-    /* The clone, or nothing of it: for records that are not put anywhere before it is complete. */
+    /* A complete clone, or null: an incomplete one is freed. */
     template <class Record>
     Record *cloneWhole(const Record &from) {
         Record *const made = clone(from);
@@ -236,7 +236,7 @@ public:
         to.pstAttrList = nullptr;
     }
 
-    /* Lists: an array of exactly as many pointers, null for none. */
+    /* Lists: the array has exactly as many slots as items; it is null for none. */
     template <class List>
     requires requires { typename ListOf<List>::Item; }
     void fill(const List &from, List &to) {
@@ -251,7 +251,7 @@ public:
         Fields::set(to, items, items != nullptr ? count : 0);
     }
 
-    /* The a= lines for which wanted(const SDPAttr &) holds; null for null. */
+    /* Clones the a= lines for which wanted(const SDPAttr &) is true; null for a null list. */
     template <class Wanted>
     SDPAttrList *cloneSome(const SDPAttrList *from, Wanted wanted) {
         if (from == nullptr) {
@@ -270,7 +270,7 @@ public:
         });
     }
 
-    /* An array that is not filled; null after a failure. */
+    /* An array that is not initialised; null after a failure. */
     template <class Item>
     Item *array(std::size_t count) {
         const bool fits = count <= std::numeric_limits<std::uint32_t>::max() / sizeof(Item);

@@ -51,12 +51,12 @@ private:
     SdpLine *line_;
 };
 
-/* Why the decode that just failed did; to be asked before the next one. */
+/* The failure of the last decode, which must be that of `code`. */
 inline Error decodeError(SDPResult code) {
     Error error = libraryError(code);
     SDPFailure failure = {};
     SdpLibGetLastFailure(&failure);
-    if (failure.ulResult == code) { /* else it failed before the parser saw the text */
+    if (failure.ulResult == code) { /* else it failed before the parser was called */
         error.line = failure.ulLine;
         error.column = failure.ulColumn;
         error.offset = failure.ulOffset;
@@ -64,8 +64,8 @@ inline Error decodeError(SDPResult code) {
     return error;
 }
 
-/* The decoder goes on when there is no memory for the word of an unknown protocol: its text then
- * has a length and no bytes, and would be missing from what is written. */
+/* Whether memory was exhausted for the word of an unknown protocol. The decoder accepts such a
+ * body: the text has a length and no bytes, and would not be written. */
 inline bool lacksAProtocol(const SdpLine &line) {
     for (std::uint32_t i = 0; i < line.stMediaSet.ulNoOfMediaDescs; ++i) {
         const SDPMediaProto &protocol = line.stMediaSet.ppstMediaDescs[i]->stMediaField.stProto;
@@ -76,14 +76,14 @@ inline bool lacksAProtocol(const SdpLine &line) {
     return false;
 }
 
-/* Without options: under the settings of the process. */
+/* With null options the settings of the process apply. */
 inline Result<BodyHandle> decodeText(std::string_view text,
                                      const DecodeOptions *options = nullptr) {
     SDPDecodeOptions wanted = {};
     if (options != nullptr) {
         wanted = {options->rtpFamily ? 1u : 0u, options->maxBodySize};
     }
-    /* A length that does not fit is far beyond what the library takes. */
+    /* A length that does not fit into 32 bits is refused by the library all the same. */
     const SipString given =
         lent(text.substr(0, std::numeric_limits<decltype(SipString::ulLen)>::max()));
     const DecodeTurn turn;
@@ -103,8 +103,9 @@ inline Result<BodyHandle> decodeText(std::string_view text,
 }
 
 /*
- * Decodes one line as the last of an otherwise plain body: `begin` is that body up to and with the
- * line's letter and "=". Places of a failure are those in the line's text.
+ * Decodes one line as the last line of a small body: `begin` is that body up to the line's letter
+ * and
+ * "=", included. The place of a failure is one in the line's text.
  */
 inline Result<BodyHandle> decodeLine(std::string_view begin, std::string_view text) {
     std::array<char, SDP_MAX_BODY> body;

@@ -1,8 +1,8 @@
 /*
- * draft.hpp: attributes on the stack, made of values, to copy into a body.
+ * draft.hpp: attributes on the stack that are made of values and copied into a body.
  *
- * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
- * library reads back as the same value.
+ * Part of sdpline.hpp; nothing here is for users. Only values that a decoder of this library reads
+ * back as the same value are accepted.
  */
 #ifndef SDPLINE_CPP_DETAIL_DRAFT_HPP
 #define SDPLINE_CPP_DETAIL_DRAFT_HPP
@@ -23,8 +23,8 @@ namespace internal {
 inline constexpr std::size_t kLongestRtpMapName = 255;
 inline constexpr std::string_view kRtpMapNameEnds("\r\n\0/", 4);
 
-/* The number of the static profile of that name, 0 for none: the last row of that name counts, as
- * in the decoder. */
+/* The number of the static profile of that name, 0 for none. As in the decoder, it is the last row
+ * of that name. */
 inline std::uint32_t profileOf(std::string_view name) {
     std::uint32_t profile = 0;
     for (std::uint32_t row = 0; row < sizeof g_aStrRtpmapProfiles / sizeof *g_aStrRtpmapProfiles;
@@ -47,7 +47,8 @@ inline bool isKnownName(std::string_view name) {
     return false;
 }
 
-/* One attribute over texts of the caller and its own. Each fill() tells why it is refused. */
+/* One attribute, which refers to texts of the caller or of the draft. Each fill() returns the
+ * reason if the value is refused. */
 class Draft {
 public:
     Draft() = default;
@@ -98,7 +99,7 @@ public:
         return refusedText(text);
     }
 
-    /* An attribute that the library keeps by its name: isKnownName(name) does not hold. */
+    /* An attribute that the library stores by its name. isKnownName(name) must be false. */
     std::optional<Error> fillNamed(std::string_view name, std::string_view value) {
         setType(AttributeType::OtherValue);
         other_ = lent(name);
@@ -188,7 +189,7 @@ private:
         return refusedCode(code);
     }
 
-    /* The word, which may be empty, one blank and the parameters, in the draft's memory. */
+    /* Writes the word, which may be empty, one blank and the parameters into the draft's memory. */
     Joined join(std::string_view word, std::string_view parameters) {
         const std::size_t longest = word.size() < text_.size() ? text_.size() - word.size() - 1 : 0;
         if (const auto error = refusedText(parameters, longest)) {
@@ -200,11 +201,11 @@ private:
         return {{}, {text_.data(), word.size() + 1 + parameters.size()}};
     }
 
-    std::array<char, SDP_MAX_VALUE> text_; /* written by join() alone */
+    std::array<char, SDP_MAX_VALUE> text_; /* written by join() only */
     SipString other_ = {};
 };
 
-/* A value that is an attribute by itself. */
+/* A value from which an attribute can be made. */
 template <class Value>
 concept MakesAttribute = requires(Draft draft, const Value &value) {
     draft.fill(value);

@@ -1,5 +1,5 @@
 /*
- * fit.hpp: what texts and codes may hold, so that a decoder reads them back.
+ * fit.hpp: tests whether a decoder would read texts and codes back as the same values.
  *
  * Part of sdpline.hpp; nothing here is for users.
  */
@@ -20,21 +20,22 @@ namespace sdpline {
 inline namespace v1 {
 namespace internal {
 
-/* ---- What a text may hold -------------------------------------------------------------------- */
+/* ---- Texts ----------------------------------------------------------------------------------- */
 
-/* The bytes that no value may hold: they would end the line, or be dropped on the way back. */
+/* The bytes that a value must not have, because they would end the line or be dropped by a decode.
+ */
 inline constexpr std::string_view kLineBreaks("\r\n\0", 3);
 inline constexpr std::string_view kWordEnds("\r\n\0 \t", 5);
 inline constexpr std::string_view kTokenEnds("\r\n\0 \t:;@,()<>", 13);
 
-/* Whether a byte of a word of eight is below `limit`, which is at most 128. */
+/* Whether one of the eight bytes of a word is below `limit`, which is at most 128. */
 constexpr bool hasByteBelow(std::uint64_t word, std::uint64_t limit) {
     constexpr std::uint64_t kOnes = 0x0101010101010101;
     return ((word - kOnes * limit) & ~word & (kOnes << 7)) != 0;
 }
 
-/* Whether a text holds one of a set of bytes. All of them are low, as a rule, and texts are not:
- * eight bytes are looked at together, and one by one where one of the eight is low. */
+/* Whether a text has one of a set of bytes. These bytes are low, and most bytes of texts are not:
+ * eight bytes are tested together, and then one by one if one of the eight is low. */
 template <const std::string_view &Unfit>
 bool holdsOneOf(std::string_view text) {
     static constexpr auto kUnfit = [] {
@@ -63,7 +64,7 @@ bool holdsOneOf(std::string_view text) {
     while (at + kWord < text.size() && isHigh(at)) {
         at += kWord;
     }
-    // The last eight bytes cover what is left, and may overlap those before.
+    // The last eight bytes, which may overlap the bytes that were tested before.
     if (text.size() >= kWord && at + kWord >= text.size() && isHigh(text.size() - kWord)) {
         return false;
     }
@@ -106,13 +107,14 @@ inline std::optional<Error> refusedToken(std::string_view text) {
     return refusal<kTokenEnds>(text, "a word holds a blank or one of :;@,()<>");
 }
 
-/* A word that the library knows needs no look. */
+/* A word of the library's tables is always valid. */
 template <class Code>
 std::optional<Error> refusedToken(const Keyword<Code> &word) {
     return wordOf(word.code()).empty() ? refusedToken(word.text()) : std::nullopt;
 }
 
-/* Eight bytes together: those of "0" to "?", which stay so when 6 is added, are "0" to "9". */
+/* Whether all bytes are digits. Eight are tested together: bytes from "0" to "?" that are still in
+ * this range when 6 is added are "0" to "9". */
 inline bool areDigits(std::string_view text) {
     constexpr std::uint64_t kOnes = 0x0101010101010101;
     std::size_t at = 0;

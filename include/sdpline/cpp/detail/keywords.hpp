@@ -1,10 +1,10 @@
 /*
- * keywords.hpp: the keywords of SDP and the codes they have in the records, one table per set. The
- * parser reads them from text to code, the encoder, the C++ API and the program from code to text.
+ * keywords.hpp: the keywords of SDP and their codes in the records, one table for each set. The
+ * parser looks up texts; the encoder, the C++ API and the program look up codes.
  *
- * Where one code has several spellings, the first row is the one that is written. Some words are
- * written with a blank at one end; such a table holds the written form, and the bare words that
- * the parser compares are views into the same literals.
+ * If a code has several spellings, the first row is the one that is written. Some words are written
+ * with a blank at one end: such a table has the written form, and the bare words that the parser
+ * compares are views of the same literals.
  */
 #ifndef SDPLINE_DETAIL_KEYWORDS_HPP
 #define SDPLINE_DETAIL_KEYWORDS_HPP
@@ -24,7 +24,7 @@ struct KeywordRow {
     uint32_t code;
 };
 
-// The first row of that text or code; null where there is none.
+// The first row with that text or code; null for none.
 constexpr const KeywordRow *findByText(std::span<const KeywordRow> table, std::string_view text) {
     for (const KeywordRow &word : table) {
         if (word.text == text) {
@@ -43,7 +43,7 @@ constexpr const KeywordRow *findByCode(std::span<const KeywordRow> table, uint32
     return nullptr;
 }
 
-// The same words without the blank at their end or start.
+// The same words without the blank at their start or end.
 template <size_t N>
 constexpr std::array<KeywordRow, N> bareWords(const std::array<KeywordRow, N> &written) {
     std::array<KeywordRow, N> bare = written;
@@ -58,8 +58,9 @@ constexpr std::array<KeywordRow, N> bareWords(const std::array<KeywordRow, N> &w
     return bare;
 }
 
-// Whether the codes of the table are exactly first to last. Counts rather than looks up: under
-// sanitizers g++ 12 does not take the comparison of a row's address with null for a constant.
+// Whether the codes of the table are exactly those from first to last. The rows are counted,
+// because with sanitizers g++ 12 does not accept the comparison of a row's address with null as a
+// constant.
 constexpr bool coversCodes(std::span<const KeywordRow> table, uint32_t first, uint32_t last) {
     const auto rowsOf = [table](uint32_t lowest, uint32_t highest) {
         size_t rows = 0;
@@ -108,7 +109,7 @@ inline constexpr auto kMediaWritten = std::to_array<KeywordRow>({
 inline constexpr auto kMediaWords = bareWords(kMediaWritten);
 static_assert(coversCodes(kMediaWords, SDP_MEDIA_AUDIO, SDP_MEDIA_OTHER - 1));
 
-// "RTP/AVPF" is read as a protocol of its own only when the configuration says so.
+// "RTP/AVPF" is read as SDP_PROTO_RTP_AVPF only if SdpSetSupMedProtoRtpAvpf is on.
 inline constexpr auto kProtoWords = std::to_array<KeywordRow>({
     {"RTP/AVP", SDP_PROTO_RTP_AVP},
     {"udp", SDP_PROTO_UDP},
@@ -134,7 +135,7 @@ constexpr bool endsInRtpProfile(std::string_view word) {
     return false;
 }
 
-// The formats that have a code of their own.
+// The formats that have a code.
 inline constexpr auto kFmtWords = std::to_array<KeywordRow>({
     {"t38", SDP_FMT_T38},
     {"t120", SDP_FMT_T120},
@@ -152,7 +153,7 @@ inline constexpr auto kT38UdpEcWords = std::to_array<KeywordRow>({
     {"t38UDPRedundancy", SDP_T38_EC_REDUNDANCY},
 });
 
-// After the direction of a=ecan the switch has a blank before it, in a=silenceSupp none.
+// In a=ecan the switch has a blank before it, in a=silenceSupp it has none.
 inline constexpr auto kEcanSwitchWritten = std::to_array<KeywordRow>({{" on", 1}, {" off", 0}});
 inline constexpr auto kSwitchWords = bareWords(kEcanSwitchWritten);
 

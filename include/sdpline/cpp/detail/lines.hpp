@@ -1,8 +1,8 @@
 /*
- * lines.hpp: single lines made of values, to copy into a body.
+ * lines.hpp: single lines that are made of values and copied into a body.
  *
- * Part of sdpline.hpp; nothing here is for users. What is let through is what a decoder of this
- * library reads back as the same value, but for the payload numbers of unknown protocols.
+ * Part of sdpline.hpp; nothing here is for users. Only values that a decoder of this library reads
+ * back as the same value are accepted, except for the payload numbers of unknown protocols.
  */
 #ifndef SDPLINE_CPP_DETAIL_LINES_HPP
 #define SDPLINE_CPP_DETAIL_LINES_HPP
@@ -55,7 +55,7 @@ inline std::optional<Error> refusedOrigin(const Origin &origin) {
     return std::nullopt;
 }
 
-/* Over the texts of the value. */
+/* The record refers to the texts of the value. */
 inline SDPOrigin recordOf(const Origin &origin) {
     return {lent(origin.userName),
             lent(origin.sessionId),
@@ -126,7 +126,7 @@ inline std::optional<Error> refusedRepeat(std::span<const TypedTime> times) {
     return std::nullopt;
 }
 
-/* Adds an r= line at the end of those of a t= line. */
+/* Adds an r= line after those of a t= line. */
 inline Status addRepeat(Memory memory, SDPTimeField &time, std::span<const TypedTime> times) {
     if (const auto error = refusedRepeat(times)) {
         return *error;
@@ -151,7 +151,7 @@ inline Status addRepeat(Memory memory, SDPTimeField &time, std::span<const Typed
 
 /* ---- m= -------------------------------------------------------------------------------------- */
 
-/* What a protocol goes with. */
+/* The formats that a protocol takes. */
 enum class FormatRule { Payloads, OneWord, Either };
 
 inline FormatRule formatRuleOf(Protocol protocol) {
@@ -208,7 +208,7 @@ inline SDPRtpPayLoads recordOf(std::span<const std::uint32_t> payloads) {
             const_cast<std::uint32_t *>(payloads.data())};
 }
 
-/* An m= line on the stack; it stays where it is. */
+/* An m= line on the stack. It cannot be copied, because its record refers to its members. */
 class MediaDraft {
 public:
     MediaDraft() = default;

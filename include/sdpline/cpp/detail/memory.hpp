@@ -1,6 +1,6 @@
 /*
- * memory.hpp: what editors change a body with: lines replaced, lists of pointers, pointers
- * inside packed records.
+ * memory.hpp: how editors change a body: replacing records, pointers inside packed records, lists
+ * of pointers.
  *
  * Part of sdpline.hpp; nothing here is for users.
  */
@@ -21,9 +21,9 @@ namespace sdpline {
 inline namespace v1 {
 namespace internal {
 
-/* ---- Records in place ------------------------------------------------------------------------ */
+/* ---- Replacing records ----------------------------------------------------------------------- */
 
-/* Puts a deep copy in place of what the target holds, which may be what the source refers to. */
+/* Replaces the target by a deep copy of the source, which may refer to the target. */
 template <class Record>
 Status replace(Memory memory, const Record &source, Record &target) {
     Copier copier(memory);
@@ -39,7 +39,7 @@ Status replace(Memory memory, const Record &source, Record &target) {
 
 /* ---- Pointers inside packed records ---------------------------------------------------------- */
 
-/* It lies at a multiple of 4, so it is copied in and out. */
+/* A pointer that may be unaligned, and so is read and written with memcpy. */
 template <class Record>
 class Slot {
 public:
@@ -59,7 +59,7 @@ private:
     std::byte *at_ = nullptr;
 };
 
-/* ---- Optional lines: a pointer that is null when there is no such line ----------------------- */
+/* ---- Optional lines: a pointer that is null if there is no such line ------------------------- */
 
 template <class Record>
 Status setLine(Memory memory, Slot<Record> slot, const Record &source) {
@@ -82,10 +82,11 @@ void removeLine(Memory memory, Slot<Record> slot) {
 /* ---- Lists ----------------------------------------------------------------------------------- */
 
 /*
- * Puts new items before the item `at`, all of them or none. make(copier, slots) writes at most
- * `most` of them, and returns how many; after a failure of the copier they are freed.
+ * Inserts new items before the item `at`, all of them or none. make(copier, slots) writes at most
+ * `most` of them and returns their number; after a failure of the copier they are freed.
  *
- * Arrays have one slot for each item, so that a new one is filled before the old one goes.
+ * An array has exactly one slot for each item: a new array is filled, and then the old one is
+ * freed.
  */
 template <class List, class Make>
 Status insertItems(Memory memory, List &list, std::size_t at, std::size_t most, Make make) {
@@ -135,8 +136,8 @@ private:
     const Item &source_;
 };
 
-/* Removes the items that `unwanted` picks; returns how many. Every item is judged before the first
- * one goes: what is compared with may lie in one of them. Never fails. */
+/* Removes the items for which `unwanted` is true; returns their number. It is called for all items
+ * before the first one is freed, since it may refer to one of them. Never fails. */
 template <class List, class Unwanted>
 std::size_t eraseIf(Memory memory, List &list, Unwanted unwanted) {
     using Fields = ListOf<List>;
@@ -158,8 +159,8 @@ std::size_t eraseIf(Memory memory, List &list, Unwanted unwanted) {
     return count - kept;
 }
 
-/* The list record of a slot, made when there is none. It stays once it is there, empty or not:
- * ranges over the list keep looking at it. */
+/* The list record of a slot, which is made when the first item is inserted. It is never freed
+ * again, even if the list becomes empty, because ranges refer to it. */
 template <class List>
 class ListHome {
 public:
