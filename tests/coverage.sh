@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Runs the tests of the libraries, built with --coverage, and counts what they reached of src/.
+# Runs the tests of the libraries, built with --coverage, and counts the lines and branches of src/
+# that they reach.
 # usage: coverage.sh BUILD_DIR      fails below 98 % of lines or 95 % of branches
-# Sources are built twice, shared and with their checks counted: a line counts when either reached
-# it. Nothing throws in src/, so that branches to landing pads are the compiler's own.
+# Sources are built twice, as shared libraries and with their checks counted: a line counts when
+# either build reached it. Nothing throws in src/, so branches to landing pads are not counted.
 set -euo pipefail
 build=$(cd "$1" && pwd)
 cd "$(dirname "$0")/.."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A test program under valgrind's memcheck: nothing uninitialised decides, nothing beyond a block
-# is touched, nothing is lost.
+# A test program under valgrind's memcheck: no use of uninitialised values, no access outside a
+# block, no leaks.
 # usage: memcheck.sh PROGRAM [GTEST_FLAGS]
 set -euo pipefail
 program=$1

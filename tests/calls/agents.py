@@ -17,7 +17,7 @@ FIXED = ("v=0\r\no=- 1 1 IN IP4 127.0.0.1\r\ns=-\r\nc=IN IP4 127.0.0.1\r\nt=0 0\
 READY_SECONDS = 60
 STEP_SECONDS = 20
 END_SECONDS = 60
-# Of a response that nobody acknowledges, so that its end is seen soon; the default is 32 s.
+# The timeout of a response that nobody acknowledges, short for the tests; the default is 32 s.
 TIMEOUT = "2000"
 
 

@@ -8,16 +8,16 @@ import time
 from agents import FIXED, Failed, all_scenarios, finish, listening, sipp, write_scenarios
 
 HERE = pathlib.Path(__file__).resolve().parent
-# Checkers that are known by a word. What the stack itself loses at its end is in sofia.supp.
+# The memory checkers by name. sofia.supp has the leaks of the stack at its end.
 CHECKERS = {
     "valgrind": ["valgrind", "--leak-check=full", "--show-leak-kinds=definite",
                  "--errors-for-leak-kinds=definite", "--error-exitcode=9", "--num-callers=30",
                  f"--suppressions={HERE / 'sofia.supp'}"],
 }
-# AddressSanitizer keeps freed memory aside, 256 MB of it by default: that would look like growth.
+# AddressSanitizer keeps freed memory, by default 256 MB, which would be measured as growth.
 SANITIZERS = {"ASAN_OPTIONS": "quarantine_size_mb=8",
               "LSAN_OPTIONS": f"suppressions={HERE / 'sofia.lsan'}"}
-# How many blocks the suppressions hid, in the words of valgrind and of LeakSanitizer.
+# The number of suppressed blocks, in the output of valgrind and of LeakSanitizer.
 HIDDEN = re.compile(r"suppressed: [0-9,]+ bytes in ([0-9,]+) blocks"
                     r"|^ +([0-9]+) +[0-9]+ su_msg_new$", re.MULTILINE)
 
@@ -86,7 +86,7 @@ def soak(build, work, minutes, under):
         while len(sizes) < 2 or time.monotonic() - begun < 60 * minutes:
             made += all_scenarios(work, port, 20, 20, seconds=120)
             took = time.monotonic() - begun
-            # Transactions that ended stay for 32 s: from then on as many come as go.
+            # Transactions that ended are kept for 32 s; after that their number is constant.
             sizes = sizes if took >= 40 else []
             sizes.append(server.resident_kib())
             print(f"{made} calls, {took:.0f} s: {sizes[-1]} KiB", flush=True)

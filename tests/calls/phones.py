@@ -21,14 +21,15 @@ from agents import STEP_SECONDS, Failed, client, listening, until
 
 HERE = "127.0.0.1"
 
-# What the phone does, and what our agent sees of it.
+# The actions of the phone, and what our agent reports.
 OUR_ANSWERS = (
     ("call", ("< INVITE audio sendrecv", "> 200 INVITE audio sendrecv", "< ACK")),
     ("hold", ("< INVITE audio sendonly", "> 200 INVITE audio recvonly", "< ACK")),
     ("resume", ("< INVITE audio sendrecv", "> 200 INVITE audio sendrecv", "< ACK")),
     ("hang up", ("< BYE", "> 200 BYE")),
 )
-# What our agent does when it calls. Neither phone knows T.38: the call goes on without it.
+# The actions of our agent when it calls. Neither phone supports T.38: the call continues without
+# it.
 OUR_OFFERS = (
     "> INVITE audio sendrecv", "< 200 INVITE audio sendrecv", "> ACK",
     "> INVITE audio sendonly", "< 200 INVITE audio recvonly", "> ACK",

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Many and great captures: bulk.sh PROGRAM SOURCE_DIR MAKECAPTURE
+# Many captures and large ones: bulk.sh PROGRAM SOURCE_DIR MAKECAPTURE
 makecapture=$3
 . "$(dirname "$0")/expect.sh"
 
-# limited KB COMMAND...: runs it with so much address space.
+# limited KB COMMAND...: runs the command with an address space of KB kilobytes.
 limited() { (ulimit -v "$1" && shift && "$@"); }
 
-# ---- Memory does not depend on the size
+# ---- The memory does not depend on the size of the input
 expect "180 MB from a pipe" 0 '~^checked 782 bodies in 1 file: none refused$' nothing -- \
   limited 60000 sh -c '"$2" bulk 180 | "$1" check' _ "$program" "$makecapture"
 

@@ -88,7 +88,7 @@ one "no answer" 1 "error: line 1: the offer has no answer .OfferUnanswered, RFC 
 $invite|1||1 INVITE|offer
 SIP/2.0 180 Ringing|1|2|1 INVITE|
 CALL
-# Offers that cross: one is refused for now, and the other one is answered.
+# Offers that cross: one is refused with 491, and the other one is answered.
 one "a request pending" 1 "error: line 22: a new offer while the last one has no answer .OfferTooEarly, RFC 3264 4." <<CALL
 $invite|1||1 INVITE|
 SIP/2.0 183 Session Progress|1|2|1 INVITE|offer

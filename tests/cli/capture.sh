@@ -39,7 +39,7 @@ for tool in gzip zstd; do
     "$program" check damaged
 done
 
-# ---- What is not read
+# ---- Packets that cannot be read
 cat >problems <<'TEXT'
 sdpline: unread.pcap: 2 packets are encrypted (TLS)
 sdpline: unread.pcap: 1 packet lacks fragments
@@ -55,7 +55,7 @@ expect "a capture that ends early" 2 - problems -- "$program" check short
 expect "a damaged capture" 2 - '~packet 1 has a length of 808464432 bytes: the capture is damaged$' \
   -- "$program" check damaged
 
-# ---- Selection
+# ---- Filters
 expect "--call-id" 1 '~^checked 1 body in 1 file: 1 refused$' nothing -- \
   "$program" check --call-id refused@10.0.0.1 calls.pcap
 expect "--method" 1 '~^checked 13 bodies' nothing -- "$program" check --method INVITE calls.pcap

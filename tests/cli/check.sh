@@ -53,7 +53,7 @@ expect "a refused body and a missing file" 2 '~1 refused, 1 problem$' missing --
 mkdir empty
 echo 'checked 0 bodies in 0 files: none refused' >summary
 expect "an empty folder" 0 summary nothing -- "$program" check empty
-# A folder that the user may not read, in the middle: root may read all of them.
+# A folder without permission to read between others; root can read it.
 chmod 755 . folder folder/deeper
 mkdir folder/closed && cp bad.sdp folder/closed && chmod 0 folder/closed
 nobody=()
@@ -92,7 +92,7 @@ expect "what format writes" 0 summary nothing -- "$program" check three
 echo 'sdpline: between:7: what follows an empty line in a body is not read' >unread
 expect "text between bodies" 1 refused unread -- "$program" check between
 
-# ---- Inputs that are something else
+# ---- Inputs without SDP
 foreign() { # NAME MESSAGE BYTES
   printf "$3" >foreign
   printf 'sdpline: foreign: %s\n' "$2" >message
@@ -113,7 +113,7 @@ foreign "quotation marks" "its lines begin with quotation marks (> ): remove the
 foreign "quotes of quotes" "its lines begin with quotation marks (>>\\t): remove them" \
   '>>\tv=0\n'
 
-# ---- What a terminal would obey
+# ---- Bytes that control a terminal
 mkdir $'odd\033[1m'
 cp bad.sdp $'odd\033[1m/\xc2\x9b31m.sdp'
 cp good.sdp $'odd\033[1m/good'
@@ -259,7 +259,7 @@ expect "--json" 2 json missing -- "$program" check --json good.sdp none bad.sdp
 expect "--json --every-line" 1 '~"alone": true' unread -- \
   "$program" check --json --every-line many.sdp
 expect "--json without a place" 1 '~"line": null' nothing -- "$program" check --json nothing
-# ---- A command line that cannot be used is quoted as terminals may show it
+# ---- Bytes that control a terminal are escaped where a message quotes the command line
 code=$(printf '\033[31m\302\233\177')
 expect "a control code in an option" 2 nothing '~^sdpline check: --max-body: Value \\x1b\[31m\\xc2\\x9b\\x7f not in' -- \
   "$program" check --max-body "$code" good.sdp

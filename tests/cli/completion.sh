@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The completions for zsh and fish: no option of the program is missing, and the shells offer them.
-# The shells are asked where they are installed. documents.sh looks at the one for bash.
+# The completions for zsh and fish: every option of the program is in them, and the installed shells
+# offer it. documents.sh tests the completion for bash.
 . "$(dirname "$0")/expect.sh"
 zsh_file=$source/completion/_sdpline fish_file=$source/completion/sdpline.fish
 
@@ -15,7 +15,7 @@ expect "sdpline.fish is new: else run completion/generate.sh" 0 "$fish_file" not
 options() { "$program" "$1" --help | sed -n '/^Options:/,/^$/p' |
   grep -oE -- '^  .{0,3}--[a-z0-9-]+' | grep -oE -- '--.*' | sort; }
 
-# Every word that is offered for a value is one that the program takes.
+# The program accepts every word that is offered as a value.
 sed -nE "s/.*seen_subcommand_from ([a-z-]+)'.* -l ([a-z0-9-]+) -x -a '([^']*)'.*/\1 \2 \3/p" \
   "$fish_file" >offers
 expect "words are offered" 0 - nothing -- grep -q '^check format text json' offers
@@ -44,7 +44,7 @@ fi
 
 if command -v zsh >/dev/null; then
   expect "zsh: the script" 0 nothing nothing -- zsh -n "$zsh_file"
-  # zshed SUBCOMMAND: the options that are handed to the shell's own function.
+  # zshed SUBCOMMAND: the options that are passed to zsh's _arguments.
   zshed() {
     zsh -fc '_arguments() {
         if [[ $1 == -C ]]; then state=rest words=($subcommand); else print -l -- "$@"; fi

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# sdpline decode, and what the program does whatever the subcommand.
+# sdpline decode, and what all subcommands have in common.
 . "$(dirname "$0")/expect.sh"
 
 expect "a file" 0 good.tree nothing -- "$program" decode good.sdp

@@ -134,7 +134,7 @@ expect "--redact --json" 1 '~"from": "a=ice-pwd:secret1"' nothing -- \
   "$program" diff --redact --json mine.sdp theirs.sdp
 expect "no difference with masks" 0 nothing nothing -- "$program" diff --redact mine.sdp mine.sdp
 
-# ---- Trouble
+# ---- Errors
 expect "a refused body" 2 nothing '~^bad.sdp:4:16: expected an octet' -- "$program" diff a.sdp bad.sdp
 expect "a missing file" 2 nothing '~^sdpline: none: No such file' -- "$program" diff none a.sdp
 cat a.sip a.sip >two.sip

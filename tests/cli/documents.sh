@@ -1,11 +1,10 @@
 #!/usr/bin/env bash
-# The man page and the bash completion know the subcommands and options of the program, no more and
-# no fewer.
+# The man page and the bash completion have exactly the subcommands and options of the program.
 . "$(dirname "$0")/expect.sh"
 page=$source/docs/man/sdpline.1
 completion=$source/completion/sdpline
 
-# subcommands; options SUBCOMMAND: as the program's own help lists them, one a line, sorted.
+# subcommands; options SUBCOMMAND: those in the help of the program, one a line, sorted.
 subcommands() { "$program" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p' | sort; }
 options() { "$program" "$@" --help | sed -n '/^Options:/,/^$/p' | grep -oE -- '^  .{0,3}--[a-z0-9-]+' |
   grep -oE -- '--.*' | sort; }
@@ -34,7 +33,7 @@ if command -v groff >/dev/null; then
   expect "the page's markup" 0 nothing nothing -- cat got
 fi
 
-# The example that puts a stream on hold does so.
+# The example that puts a stream on hold works.
 if command -v jq >/dev/null; then
   mkdir bin && ln -s "$program" bin/sdpline
   sed 's/a=sendrecv/a=ptime:30/' >offer.sdp <<'SDP'
@@ -56,7 +55,7 @@ SDP
 fi
 
 # ---- Completion
-# completed WORD...: what is offered for the last word, sorted.
+# completed WORD...: the words that are offered for the last word, sorted.
 completed() {
   bash -c '. "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _sdpline
     printf "%s\n" "${COMPREPLY[@]}"' _ "$completion" "$@" | sort

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# sdpline encode: the JSON of decode back to text, byte for byte what format writes.
+# sdpline encode: from the JSON of decode it writes the same bytes as format.
 . "$(dirname "$0")/expect.sh"
 
 "$program" decode --json good.sdp >good.json
@@ -68,7 +68,7 @@ sed 's/T38FaxFillBitRemoval/&:0/' media.sdp >flag.sdp
 "$program" decode --json flag.sdp >flag.json
 expect "a flag that is not set" 0 '~^a=T38FaxFillBitRemoval:0' nothing -- "$program" encode flag.json
 
-# ---- What is no body
+# ---- Inputs that describe no body
 refuse() { # NAME MESSAGE TEXT [OUTPUT]
   printf '%s' "$3" >refused.json
   printf 'sdpline: refused.json%s\n' "$2" >message

@@ -1,5 +1,5 @@
-# What the tests of the program share: each runs it on files in a folder of its own.
-# Sourced by the scripts beside it, which are called with PROGRAM and SOURCE_DIR.
+# Functions that the tests of the program share. Each test runs in a temporary folder.
+# Sourced by the scripts in this folder, which are called with PROGRAM and SOURCE_DIR.
 set -uo pipefail
 program=$1 source=$2
 export LC_ALL=C.UTF-8
@@ -12,8 +12,8 @@ count=0
 : >nothing
 
 # expect NAME STATUS STDOUT STDERR -- COMMAND...
-# STDOUT and STDERR are files to compare with; "-" is output that is not looked at, and "~PATTERN"
-# an extended regular expression that must be found in it.
+# STDOUT and STDERR are the files with the expected output; "-" accepts any output, and "~PATTERN"
+# is an extended regular expression that the output must match.
 expect() {
   local name=$1 status=$2 output=$3 error=$4
   shift 5
@@ -30,8 +30,8 @@ expect() {
   fi
 }
 
-# Adds to `wrong` of expect() what a file has of its own. No process where there is nothing to compare:
-# there are some thousand calls.
+# Adds a line to `wrong` of expect() when the output differs. Starts a process only where it must:
+# it is called more than a thousand times.
 compare() { # WHAT EXPECTED GOT
   case $2 in
   -) ;;
@@ -41,10 +41,10 @@ compare() { # WHAT EXPECTED GOT
   esac
 }
 
-# file NAME: standard input as a file, its lines ended by CR LF.
+# file NAME: writes standard input to a file, with CR LF as line ends.
 file() { sed 's/$/\r/' >"$1"; }
 
-# message FILE BODY [HEADER...]: a SIP request with the body and its length.
+# message FILE BODY [HEADER...]: writes a SIP request with the body and its Content-Length.
 message() {
   local file=$1 body=$2
   shift 2
@@ -57,7 +57,7 @@ message() {
   } >"$file"
 }
 
-# badOctet FILE LINE: what check prints of the c= line of bad.sdp there.
+# badOctet FILE LINE: the output of check for the c= line of bad.sdp at that line.
 badOctet() {
   printf '%s:%d:16: error: expected an octet of at most 255; found "256" [ConnLastOctetRange]\n' "$1" "$2"
   printf '%5d | c=IN IP4 1.2.3.256\n      |                ^\n' "$2"
@@ -68,7 +68,7 @@ finish() {
   [ "$failures" -eq 0 ]
 }
 
-# Two bodies that most tests need.
+# Two bodies that most tests use.
 file good.sdp <<'SDP'
 v=0
 o=- 1 2 IN IP4 192.0.2.1

@@ -40,7 +40,7 @@ expect "a base that is no number" 2 nothing '~--file-base: expected a number, fo
   "$program" explain --file-base x 1
 expect "no code" 2 nothing '~CODE is required' -- "$program" explain
 
-# ---- What other commands print
+# ---- Names and codes that other commands print
 expect "a check's name" 0 octet nothing -- "$program" explain ConnLastOctetRange
 expect "as sdpline check prints it" 0 octet nothing -- "$program" explain '[ConnLastOctetRange]'
 expect "in lower case" 0 octet nothing -- "$program" explain connlastoctetrange

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Files greater than the memory that the program may have.
+# Files that are larger than the memory limit of the program.
 . "$(dirname "$0")/expect.sh"
 
-# limited KB COMMAND...: runs it with so much address space.
+# limited KB COMMAND...: runs the command with an address space of KB kilobytes.
 limited() { (ulimit -v "$1" && shift && "$@"); }
 
-# 160 MB, most of them a hole: messages before, in the middle and after it.
+# 160 MB, mostly NUL bytes that take no space on disk, with messages before, between and after them.
 message good.sip good.sdp
 message bad.sip bad.sdp
 cp good.sip trace
@@ -34,7 +34,7 @@ cp good.sdp after && echo >>after && truncate -s 160M after && echo x >>after
 echo 'sdpline: after:7: what follows an empty line in a body is not read' >unread
 expect "much after a body" 0 good.tree unread -- limited 150000 "$program" decode after
 
-# JSON is held as a whole: more than fits is refused.
+# A JSON input is read into memory: one that does not fit is refused.
 { printf '['; yes 1, | tr -d '\n' | head -c 10000000; printf '1]'; } >many.json
 expect "JSON that does not fit" 2 nothing '~^sdpline: many.json: it does not fit into memory$' -- \
   limited 80000 "$program" encode many.json

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# SIP messages in files: framing, and places in the file's own lines.
+# SIP messages in files: framing, and positions that count the lines of the file.
 . "$(dirname "$0")/expect.sh"
 
 message good.sip good.sdp
@@ -49,7 +49,7 @@ message multipart parts 'Content-Type: multipart/mixed;' ' boundary="next part"'
 expect "a multipart body" 1 refused nothing -- "$program" check multipart
 expect "its good part" 1 good.sdp '~^multipart:28:16' -- "$program" format multipart
 
-# ---- What cannot be read
+# ---- Bodies that cannot be read
 problem() { # NAME FILE MESSAGE
   printf 'sdpline: %s\n' "$3" >message
   expect "$1, decode" 2 nothing message -- "$program" decode "$2"
@@ -65,7 +65,7 @@ problem "a compressed body" gzip "gzip: the body is encoded as gzip"
 message boundary parts "c: multipart/mixed"
 problem "no boundary" boundary "boundary: the multipart body's Content-Type has no boundary"
 
-# ---- Lengths that are wrong: said, and the body is examined all the same
+# ---- Wrong lengths: they are reported, and the body is checked
 wrong() { # NAME FILE MESSAGE
   printf "sdpline: %s\n" "$3" >message
   expect "$1, decode" 1 good.tree message -- "$program" decode "$2"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The page of calls as a browser lays it out: page.sh PROGRAM SOURCE_DIR MAKECAPTURE
+# The layout of the page of calls in a browser: page.sh PROGRAM SOURCE_DIR MAKECAPTURE
 # Without Chromium and python3 the test is skipped; ./dev page installs them.
 if ! command -v chromium >/dev/null || ! command -v python3 >/dev/null; then
   echo "no chromium or no python3 here"
@@ -10,8 +10,8 @@ makecapture=$3
 "$makecapture" calls >calls.pcap
 "$makecapture" transports >transports.pcap
 
-# measured WIDTH: what a script finds in page.html, shown in a frame of that width: windows have a least
-# one.
+# measured WIDTH: the values that a script measures in page.html, shown in a frame of that width,
+# since windows have a minimum width.
 measured() {
   python3 - "$1" >measured.html <<'PYTHON'
 import html
@@ -65,7 +65,8 @@ PYTHON
     sed -n 's/.*<pre id="result">\(.*\)<\/pre>.*/\1/p'
 }
 
-# Six calls of 25 messages, nine faults; the good call is folded, which leaves 18 rows.
+# Six calls with 25 messages and nine faults; the call without faults is folded, so 18 rows are
+# shown.
 "$program" calls --html page.html calls.pcap >.out
 known='"tooWide":0,"small":0,"calls":6,"rows":25,"right":15,"left":10,"faults":9,"pairs":7,"marks":true'
 known+=',"markedWrongly":0,"open":18,"crooked":0'
@@ -74,7 +75,7 @@ expect "on a phone" 0 phone nothing -- measured 360
 printf '{"width":1200,"scrolls":false,%s,"beside":true,"stacked":false,"requests":0}\n' "$known" >desk
 expect "on a desk" 0 desk nothing -- measured 1200
 
-# Addresses of IPv6 are long.
+# IPv6 addresses are long.
 "$program" calls --html page.html transports.pcap >.out
 sed -i 's/<details>/<details open>/' page.html
 expect "long names on a phone" 0 '~"width":360,"scrolls":false,"tooWide":0,.*"crooked":0' nothing -- \

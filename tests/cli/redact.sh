@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# --redact of decode, format and check: the same masks everywhere.
+# --redact of decode, format and check: the masks are the same.
 . "$(dirname "$0")/expect.sh"
 
 file call.sdp <<'SDP'

@@ -66,7 +66,7 @@ def read_junit(text):
         assert int(suite.get("tests")) == len(cases)
         for counter, tag in outcomes.items():
             assert int(suite.get(counter)) == sum(case.find(tag) is not None for case in cases)
-        # The order that schemas of JUnit ask for.
+        # The order in the schemas of JUnit.
         tags = [child.tag for child in suite]
         assert tags == sorted(tags, key=["testcase", "system-out"].index), tags
         for case in cases:
@@ -84,7 +84,7 @@ def read_junit(text):
                 yield (case.get("file"), *match.groups())
 
 
-# The members that SARIF 2.1.0 allows of the objects that are written; all others are refused.
+# The members that SARIF 2.1.0 allows in these objects; any other member is refused.
 SARIF = {
     "sarif": ({"version", "runs"}, {"$schema"}),
     "run": ({"tool"}, {"results", "invocations", "columnKind"}),

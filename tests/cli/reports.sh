@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# The reports of sdpline check, read back by programs that know the formats: Python's readers of JSON
-# and XML. Without python3 the test is skipped.
+# The reports of sdpline check, parsed by the JSON and XML parsers of Python. Without python3 the
+# test is skipped.
 if ! command -v python3 >/dev/null; then
   echo "no python3 here"
   exit 77
 fi
 . "$(dirname "$0")/expect.sh"
 reader=$source/tests/cli/reports.py
-# reads FORMAT STATUS OPTIONS...: check runs with that status, and reports.py takes its report and
-# prints what is in it as lines that do not depend on the format.
+# reads FORMAT STATUS OPTIONS...: check exits with that status, and reports.py prints the contents
+# of its report as lines that do not depend on the format.
 reads() {
   local format=$1 status=$2
   shift 2
@@ -18,8 +18,8 @@ reads() {
 }
 formats="json jsonl gcc junit sarif"
 
-# Bytes that each format must escape: a control character that terminals obey, one of Latin-1, bytes
-# that are not UTF-8, what XML does not have, markup, quotes and backslashes.
+# Bytes that each format must escape: control characters of ASCII and Latin-1, bytes that are not
+# UTF-8, characters that XML does not allow, markup, quotes and backslashes.
 nasty=$'<b>&amp;"\'\\\x01\x1b[1m\xc2\x9b\xff\xed\xa0\x80\xef\xbf\xbe\xef\xbf\xbf]]>--\t'
 { printf 'v=0\r\no=- 1 2 IN IP4 x\r\ns=-\r\nt=0 0\r\na=ptime:'; printf '%s\r\n' "$nasty"; } >nasty.sdp
 sed 's/^a=.*/m=audio 65536 RTP\/AVP 0\r/' good.sdp >doubt.sdp
@@ -59,7 +59,7 @@ for format in $formats; do
     _ "$program" $format "$reader"
 done
 
-# Of a capture the packet is the place: the line and the column are those of the body in it.
+# In a capture the position is the packet, and the line and column within its body.
 cp "$source/examples/calls.pcap" .
 echo 'calls.pcap 4:17 error ConnLastOctetRange' >known
 for format in $formats; do
@@ -106,7 +106,7 @@ for format in text $formats; do
     grep -aE '10\.1\.2\.3|bob|alice|3c26|192\.0\.2\.[19]|pc\.example' report
 done
 
-# ---- What is left out
+# ---- Ignored names
 for format in json jsonl gcc junit sarif; do
   : >known
   expect "$format: --ignore" 0 known nothing -- \
@@ -166,7 +166,7 @@ expect "--quiet tells what cannot be read" 2 nothing '~^sdpline: none: No such' 
 expect "gcc has the notes" 0 '~^noted:7:1: note: what follows' nothing -- \
   "$program" check --format gcc noted
 
-# ---- How often
+# ---- Counts
 cat >summary <<'TEXT'
       2 error: expected an octet of at most 255 [ConnLastOctetRange], first at bad.sdp:4:16
       1 error: expected a number as the attribute's value [PacketNumber], first at nasty.sdp:5:9
@@ -208,7 +208,7 @@ expect "diff --color=always" 1 $'~^\033' nothing -- "$program" diff --color=alwa
 expect "--color=sometimes" 2 nothing '~--color: sometimes not in' -- \
   "$program" check --color=sometimes bad.sdp
 
-# Suites of any size are counted before they are written: 2,000 bodies in one file.
+# A test suite is counted before it is written, whatever its size: 2,000 bodies in one file.
 body=$(<bad.sdp)
 for i in {1..2000}; do printf '%s\n\r\n' "$body"; done >large.sdp
 reads junit 1 large.sdp >got

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Colour and the progress bar: on a terminal only. script(1) makes one; where there is no /dev/pts,
-# as in some containers, nothing can be seen and the test is skipped.
+# Colour and the progress bar, which appear only on a terminal. script(1) makes one; without
+# /dev/pts, as in some containers, the test is skipped.
 if ! script -qec true /dev/null >/dev/null 2>&1; then
   echo "no pseudo-terminal can be made here"
   exit 77

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# sdpline tidy, the warnings and notes of check, and --tidy of the others
+# sdpline tidy, the warnings and notes of check, and --tidy of the other commands
 . "$(dirname "$0")/expect.sh"
 
 file untidy.sdp <<'SDP'
@@ -92,7 +92,7 @@ expect "--json of a refused body" 2 '~"check": "ConnLastOctetRange"' nothing -- 
 expect "no address in what is masked" 1 nothing nothing -- grep -F -e 192.0.2.1 -e example.com masked
 expect "the rest of it" 0 '~^m=audio 5004 RTP/AVP 0' nothing -- cat masked
 
-# ---- How many of many
+# ---- The summary of many inputs
 mkdir many && cp untidy.sdp odd.sdp bad.sdp worse.sdp many
 cp good.sdp many/a.sdp && cp untidy.sdp many/b.sdp
 cat >summary <<'TEXT'
@@ -140,7 +140,7 @@ expect "--max-body" 0 - nothing -- "$program" check --max-body 65535 long.sdp
 expect "format --max-body" 0 long.sdp nothing -- "$program" format --max-body 65535 long.sdp
 expect "--max-body out of range" 2 nothing '~--max-body' -- "$program" check --max-body 65536 good.sdp
 
-# ---- --tidy of the others
+# ---- --tidy of the other commands
 expect "format --tidy" 0 tidied.sdp report -- "$program" format --tidy untidy.sdp
 expect "decode --tidy" 0 '~^name "-"' report -- "$program" decode --tidy untidy.sdp
 expect "diff --tidy" 0 nothing report -- "$program" diff --tidy untidy.sdp tidied.sdp
@@ -165,7 +165,7 @@ expect "--no-warnings" 0 silent nothing -- "$program" check --no-warnings doubtf
 expect "--warnings-as-errors" 1 warned nothing -- "$program" check --warnings-as-errors doubtful.sdp
 expect "a warning in JSON" 0 '~"rule": "PortRange"' nothing -- "$program" check --json doubtful.sdp
 
-# ---- rules, and the pages of the documents
+# ---- The list of rules, and the documents of repairs and doubts
 expect "rules" 0 '~^  NameEmpty: s= is empty: wrote s=- \[RFC 4566 5.3\], repairs.md#nameempty$' nothing -- \
   "$program" rules
 expect "rules, a doubt" 0 '~^  PortRange: .*\], doubts.md#portrange$' nothing -- "$program" rules

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# The program as a whole: wrong command lines, output that cannot be written, readers that go away.
+# The whole program: wrong command lines, output that cannot be written, and readers that close the
+# pipe.
 . "$(dirname "$0")/expect.sh"
 
-# wrong MESSAGE COMMAND-LINE...: it is told with the command's name, and where to read on.
+# wrong MESSAGE COMMAND-LINE...: the error begins with the command's name and refers to the help.
 wrong() {
   local message=$1 name=sdpline
   shift
@@ -30,7 +31,7 @@ wrong '--format: \x1b not in {text,json,jsonl,gcc,junit,sarif}' check --format $
 expect "the last of several counts" 1 known nothing -- "$program" check --format json --format gcc bad.sdp
 expect "an option after --" 2 - '~^sdpline: --redact: No such file' -- "$program" check -- --redact
 
-# ---- Names that other commands print are explained
+# ---- Every name that other commands print has an explanation
 cat >known <<'TEXT'
 PortRange: a port above 65535: it is kept modulo 2^32; others cut it to 16 bits
   rule      RFC 4566 5.14
@@ -43,7 +44,7 @@ expect "a line of no kind" 0 '~^LineKind: no line of SDP begins like this$' noth
 "$program" rules --json | sed -n 's/^ *"name": "\(.*\)",/\1/p' >names
 expect "every rule" 0 names nothing -- sh -c 'xargs "$1" explain <names | sed -n "s/^\([A-Z][A-Za-z0-9]*\): .*/\1/p"' _ "$program"
 
-# ---- tidy of folders and of texts with more than a body
+# ---- tidy of folders and of texts with more than one body
 mkdir folder && cp good.sdp folder/a.sdp && printf 'v=0\no=- 1 2 IN IP4 x\ns=\nt=0 0\n' >folder/b.sdp
 cp -r folder copy
 expect "tidy -i of a folder" 1 nothing '~^folder/b.sdp:3:[0-9]+: repaired: ' -- \
@@ -57,9 +58,9 @@ expect "a note is no failure" 0 noted told -- "$program" tidy noted
 expect "nothing is written in place of standard input" 2 nothing '~--in-place cannot be used with standard input or --redact' -- \
   "$program" tidy -i good.sdp -
 
-# ---- Output that cannot be written, and readers that go away
+# ---- Output that cannot be written, and readers that close the pipe
 for i in $(seq 400); do cat bad.sdp; printf '\r\n'; done >many.sdp
-# A name in brackets is one file, and no list of two.
+# A name in brackets is the name of one file, not a list of two.
 cp good.sdp '[x]' && cp good.sdp '[a,b]'
 echo 'checked 3 bodies in 3 files: none refused' >summary
 for command in check "check -j 2"; do
@@ -86,7 +87,7 @@ if [ -e /dev/full ]; then
 fi
 for command in "explain --list" "check many.sdp" "check --format json many.sdp" \
   "check --format jsonl many.sdp" "check --format junit many.sdp" "check --format sarif many.sdp"; do
-  # The reader takes one byte: the program ends by the signal, or had written all before it.
+  # The reader takes one byte: SIGPIPE ends the program, unless it has already written everything.
   # shellcheck disable=SC2086 # options are words
   expect "a closed pipe, $command" 0 - nothing -- \
     bash -c '"$0" "$@" 2>told | head -c 1 >/dev/null; status=${PIPESTATUS[0]}

@@ -1,5 +1,5 @@
-// Copy, clone, clear and free of every line of every body: of the case documents, and of bodies
-// made by chance.
+// Copy, clone, clear and free of every line of the bodies in the case documents and of random
+// bodies.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,8 +26,8 @@ using support::Held;
 constexpr int kBodies = 3000;
 constexpr uint32_t kSeed = 20240117;
 
-// What SdpClearLine leaves of a record: an m= line and an attribute are all zero; of the others
-// only the texts and lists are gone.
+// The bytes of a record after SdpClearLine: an m= line and an attribute are all zero; the others
+// lose only their texts and lists.
 std::string clearedBytes(const BodyLine &line) {
     std::string bytes(static_cast<const char *>(line.record), recordSize(line.lineType));
     const auto lose = [&bytes](size_t offset, size_t size) {
@@ -35,7 +35,7 @@ std::string clearedBytes(const BodyLine &line) {
     };
     switch (line.lineType) {
     case SDP_LINE_VERSION:
-    case SDP_LINE_CONNECTION: break; // nothing that a decoded one owns
+    case SDP_LINE_CONNECTION: break; // a decoded one has no allocated members
     case SDP_LINE_ORIGIN:
         lose(offsetof(SDPOrigin, strUserName), 3 * sizeof(SipString));
         lose(offsetof(SDPOrigin, strAddress), sizeof(SipString));
@@ -46,7 +46,7 @@ std::string clearedBytes(const BodyLine &line) {
     return bytes;
 }
 
-// A copy and a clone of one line in one block, and what they must stay like.
+// A copy and a clone of one line in one block, and their expected contents.
 class Twins {
 public:
     Twins(SDPMemCp *block, const BodyLine &source) : block_(block), lineType_(source.lineType) {
@@ -58,7 +58,7 @@ public:
         cleared_ = clearedBytes(source);
     }
 
-    // Appends every pointer to what the two own.
+    // Appends every pointer to memory of the two.
     void pointers(std::vector<const void *> &all) const {
         for (const void *record : {copy(), static_cast<const void *>(clone_)}) {
             const Look look = lookAt(lineType_, record);
@@ -83,7 +83,7 @@ public:
     }
 
 private:
-    // A record lies at any multiple of 4.
+    // A record can be at any multiple of 4.
     static constexpr size_t kMisplaced = 4;
 
     const void *copy() const { return copy_ + kMisplaced; }
@@ -102,8 +102,7 @@ static_assert(sizeof(SDPOrigin) >= sizeof(SDPConnection) &&
                   sizeof(SDPOrigin) >= sizeof(SDPAttr),
               "the greatest record of a line");
 
-// In memory whose allocations are counted each, a clone is one allocation and those that it points
-// to.
+// In a block that counts its allocations, a clone is one allocation plus those of its members.
 void expectCloneOwnsExactlyItsPieces(const BodyLine &source) {
     const Held before = Held::now();
     void *clone = nullptr;
@@ -114,7 +113,7 @@ void expectCloneOwnsExactlyItsPieces(const BodyLine &source) {
     EXPECT_TRUE(Held::now() == before);
 }
 
-// The lines of the body copied, cleared and freed; how many they were.
+// Copies, clears and frees the lines of the body; returns their number.
 size_t checkLinesOf(Body body) {
     SDPMemCp *block = nullptr;
     EXPECT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
@@ -123,7 +122,7 @@ size_t checkLinesOf(Body body) {
     for (const BodyLine &line : support::linesOf(*body)) {
         expectCloneOwnsExactlyItsPieces(line);
         twins.emplace_back(block, line);
-        // What a t= line points to is looked at once more with its r= lines.
+        // The r= lines that a t= line points to are also visited as lines.
         if (line.lineType != SDP_LINE_REPEAT) {
             const Look source = lookAt(line.lineType, line.record);
             pointers.insert(pointers.end(), source.allocations.begin(), source.allocations.end());

@@ -1,8 +1,8 @@
-// The counted strings' copies, made to fail.
+// Failures of the copies of counted strings.
 //
-// A program that links textfaults.cpp takes SipSmCopyString and SipSmCloneString over from
-// libsipcore. They are the real ones, but while a NoTexts lives they fail without touching their
-// targets, as a stack's may.
+// A program that links textfaults.cpp replaces SipSmCopyString and SipSmCloneString of libsipcore.
+// They call the real services, but while a NoTexts exists they fail without changing their targets,
+// as the services of a stack can.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace dsmtest {
 
 class NoTexts {
 public:
-    // What each of the two returns; 0 lets the calls through.
+    // The result of each of the two; 0 makes the real call.
     NoTexts(uint32_t copyResult, uint32_t cloneResult);
     ~NoTexts();
     NoTexts(const NoTexts &) = delete;

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Runs the commands that a document shows with their output, and compares the two: every ```sh block
-# that a ```text block follows directly. A ```c block that begins with "/* name.c", or a ```cpp block
-# that begins with "// name.cpp", is that file to the commands below it. They find the headers, the
-# libraries, the program sdpline and examples/ as a user finds installed ones. The tree is the folder
-# of a build, or a prefix that sdpline is installed in.
+# Runs the commands of a document that shows their output, and compares the output: every ```sh
+# block that is directly followed by a ```text block. A ```c block that begins with "/* name.c", or
+# a ```cpp block that begins with "// name.cpp", is written to that file for the commands below it.
+# The commands find the headers, the libraries, the program sdpline and examples/ as if they were
+# installed. TREE is the folder of a build, or a prefix that sdpline is installed in.
 # usage: commands.sh SOURCE_DIR TREE CC CXX DOCUMENT...
 set -euo pipefail
 source=$1 tree=$2 cc=$3 cxx=$4

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the reference of the public headers; a warning of Doxygen's is a failure. Looks into it too:
-# comments that the filter loses give no warning.
+# Builds the reference of the public headers; a warning of Doxygen is a failure. The pages are
+# searched too, because comments that the filter loses cause no warning.
 # usage: doxygen.sh SOURCE_DIR
 set -euo pipefail
 cd "$1"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Sees that what documents show of a source file is in that file: every ```c or ```cpp block whose
-# first line is "// from FILE" has lines of FILE, one after another.
+# Checks that the excerpts in documents are in their source files: every ```c or ```cpp block whose
+# first line is "// from FILE" must consist of consecutive lines of FILE.
 # usage: excerpts.sh SOURCE_DIR DOCUMENT...
 set -euo pipefail
 source=$1

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What docs/grammar.md says in words, each sentence by a body that it accepts, changes or refuses.
+# Tests the sentences of docs/grammar.md, each with bodies that are accepted, changed or refused.
 # usage: grammar.sh PROGRAM
 set -uo pipefail
 program=$1
@@ -10,7 +10,7 @@ cd "$work" || exit 2
 count=0
 failed=0
 
-# The text of a body: what is given, after a head where that does not begin with "v=".
+# The text of a body: the argument, after a head if it does not begin with "v=".
 body() {
   case $1 in
   v=*) printf "$1" ;;
@@ -26,7 +26,7 @@ wrong() { # BODY WANTED GOT
   failed=$((failed + 1))
 }
 
-# takes BODY LINE [OPTION...]: written back, it has that line, which ends as the lines around it do.
+# takes BODY LINE [OPTION...]: the body is accepted, and LINE is in the text that is written back.
 takes() {
   local text=$1 line got
   line=$(printf "$2_") line=${line%_}
@@ -37,7 +37,7 @@ takes() {
   [[ $'\n'$got$'\n' == *$'\n'"$line"$'\n'* ]] || wrong "$text" "$line" "$got"
 }
 
-# same BODY LINE...: each is written back as it came.
+# same BODY LINE...: each line is written back unchanged.
 same() {
   local line
   for line in "$@"; do takes "$line" "$line"; done
@@ -55,8 +55,8 @@ refuses() {
   done
 }
 
-# bytes PREFIX SUFFIX EXPECTED: which of the bytes 1 to 255, written in hexadecimal, are refused
-# between the two.
+# bytes PREFIX SUFFIX EXPECTED: the bytes from 1 to 255, in hexadecimal, that are refused between
+# PREFIX and SUFFIX.
 bytes() {
   local byte hex got
   rm -rf bytes && mkdir bytes
@@ -95,7 +95,7 @@ refuses OriginUserSpace 'o=a\tb 1 1 IN IP4 h'
 same "o=$(long 1023 x) 1 1 IN IP4 h"
 refuses OriginUserText "o=$(long 1024 x) 1 1 IN IP4 h"
 
-# ---- The order of lines: every pair of the table, and no other
+# ---- The order of lines: all pairs in the table, and only they, are accepted
 declare -A after=([s]='iuepcbtm' [i]='uepcbt' [u]='epcbt' [e]='epcbt' [p]='pcbt' [c]='btm' [b]='bt'
   [t]='trzkam' [z]='kam' [k]='am' [a]='am')
 declare -A sample=([v]='v=0' [o]='o=- 1 1 IN IP4 h' [s]='s=-' [i]='i=x' [u]='u=x' [e]='e=x' [p]='p=x'

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Sees that the README is short and that its commands, programs among them, print what it prints.
-# usage: readme.sh SOURCE_DIR TREE CC CXX, with a tree as commands.sh takes it
+# Checks that the README is short, and that its commands and programs print the output in it.
+# usage: readme.sh SOURCE_DIR TREE CC CXX, with TREE as in commands.sh
 set -euo pipefail
 source=$1
 lines=$(wc -l <"$source/README.md")

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compares the document of results with what the code's own table prints.
+# Compares docs/results.md with the output of the program that prints the table of results.
 # usage: results.sh RESULTS_TABLE RESULTS_MD
 set -euo pipefail
 table=$1 document=$2

@@ -1,5 +1,5 @@
-// Memory controls: in place only where each of their functions is libsipcore's. A program that puts
-// one function of its own into a control sees each call of it.
+// Memory controls: the library works in place only if each of their functions is libsipcore's. A
+// program that sets one function of a control receives every call of it.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -26,7 +26,7 @@ std::string repeated(std::string_view line, int times) {
     return text;
 }
 
-// One function of the program's, which counts; the other is libsipcore's.
+// One function is the program's and counts its calls; the other is libsipcore's.
 class CountingControl {
 public:
     CountingControl(SDPMemCp &original, bool ofFree) : control(original) {
@@ -63,7 +63,8 @@ TEST(MemoryControl, callsTheFunctionsOfABlockWhereOneIsThePrograms) {
     }
 }
 
-// The text of the body in a buffer that begins with 16 bytes and grows 4 times, and by which way.
+// The text of the body in a buffer that starts with 16 bytes and grows four times, and whether it
+// was written by calls or in place.
 std::string textIn(SDPMemCp *memCp, bool inPlace) {
     const Body body = support::decoded(kManyLines);
     SipStringBuffer *buffer = nullptr;
@@ -79,8 +80,8 @@ std::string textIn(SDPMemCp *memCp, bool inPlace) {
     return text;
 }
 
-// Text is written by calls into a buffer whose memory control has one function of the program's, be
-// it that of the system or that of a block: the record and the reference string, and each growth.
+// Text is written by calls into a buffer whose memory control, of the system or of a block, has one
+// function of the program: the record and the reference string, and each growth.
 TEST(MemoryControl, writesByCallsIntoABufferOfAControlWhereOneFunctionIsThePrograms) {
     SDPMemCp *block = nullptr;
     ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
@@ -95,8 +96,8 @@ TEST(MemoryControl, writesByCallsIntoABufferOfAControlWhereOneFunctionIsTheProgr
     SipMmReleaseBufMem(&block);
 }
 
-// All that the library takes from the system's control it gives back by its pfnFree, and what is
-// given back there was taken by its pfnAlloc, when the program counts in one of them.
+// The library frees with pfnFree of the system's control everything that it allocated with
+// pfnAlloc, and nothing else, when the program counts the calls of one of them.
 TEST(MemoryControl, givesBackByTheSystemsControlWhatItTookThere) {
     const std::string longBody = kManyLines + repeated("a=x:" + std::string(1000, 'y') + "\r\n", 4);
     const auto callsOf = [&](bool ofFree) {
@@ -133,8 +134,8 @@ TEST(MemoryControl, givesBackByTheSystemsControlWhatItTookThere) {
     EXPECT_EQ(callsOf(true), taken);
 }
 
-// A long body's copy comes from the system's control, whose functions may set the hooks of the
-// decode as a log hook may: what is asked for afterwards is asked of those.
+// The copy of a long body is allocated by the system's control. Its functions may set the hooks of
+// the decode, as a log hook may; later requests go to the new hooks.
 class LongBody : public testing::Test {
 protected:
     void SetUp() override {

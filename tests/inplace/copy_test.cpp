@@ -1,5 +1,5 @@
-// Lines and bodies copied in place of the services' calls: the same records in the same memory, the
-// same results, log entries and statistics.
+// Lines and bodies that the library copies itself instead of calling the services: the same records
+// in the same memory, the same results, log entries and statistics.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -32,7 +32,7 @@ uint64_t heapAllocations() {
 
 constexpr uint32_t kOneChunk = 1 << 22; // holds all copies of a test
 
-// The outcome of copies as text, to be compared: results, records, and where each allocation
+// The outcome of copies as text for comparison: results, records, and where each allocation
 // lies in its block, as long as that has one chunk.
 class Trace {
 public:
@@ -57,7 +57,8 @@ public:
             place(allocation);
         }
     }
-    // A text that a copy shares with its source lies outside, at the same address in every trace.
+    // A text that a copy shares with its source is outside the block, at the same address in every
+    // trace.
     void place(const void *allocation) {
         const auto address = reinterpret_cast<uintptr_t>(allocation);
         const uintptr_t offset = address - reinterpret_cast<uintptr_t>(block_);
@@ -83,7 +84,7 @@ private:
     std::string text_;
 };
 
-// Copies and clones every line, gives each third one back, and clones all again into what is free.
+// Copies and clones every line, frees each third one, and clones all again into the free memory.
 std::string copiesOf(const std::vector<BodyLine> &lines, uint32_t chunk) {
     Trace trace(chunk);
     alignas(8) unsigned char target[sizeof(SDPOrigin)];
@@ -112,7 +113,7 @@ void expectTheSameCopies(const std::vector<BodyLine> &lines) {
     }
 }
 
-// The clone, its heap and its log entries; what `spoil` changed is not changed back.
+// The clone, its heap and its log entries; the changes of `spoil` remain.
 std::string cloneOf(SdpLine &body) {
     support::LogRecorder logs;
     const uint64_t before = heapAllocations();
@@ -163,14 +164,14 @@ TEST(CopyInPlace, makesWhatTheCallsMakeOfBodiesMadeByChance) {
     }
 }
 
-// ---- Records that no decode makes
+// ---- Records that no decode returns
 
 char letters[300] = "a text";
 SipString someText = {6, letters};
 SipString lostText = {6, nullptr};
 SipString longText = {300, letters};
 
-// Of each code, those that there are not too.
+// Connections with every address type, and with types that do not exist.
 std::vector<SDPConnection> unusualConnections() {
     SDPConnection connection = {
         {SDP_NETTYPE_IN, &someText}, {SDP_ADDRTYPE_OTHER, &someText}, {}, 1, 2};
@@ -182,7 +183,7 @@ std::vector<SDPConnection> unusualConnections() {
     return connections;
 }
 
-// Of as many payloads as there may be, one more, and some that are not there.
+// The maximum number of payloads, one more, and a count without payloads.
 std::vector<SDPMediaField> unusualMedia(std::vector<uint32_t> &numbers) {
     std::vector<SDPMediaField> media(4);
     for (uint32_t i = 0; i < 4; ++i) {
@@ -194,7 +195,7 @@ std::vector<SDPMediaField> unusualMedia(std::vector<uint32_t> &numbers) {
     return media;
 }
 
-// Of each type, those that there are not too.
+// Attributes of every type, and of types that do not exist.
 std::vector<SDPAttr> unusualAttributes() {
     std::vector<SDPAttr> attributes(60);
     for (uint32_t type = 0; type < attributes.size(); ++type) {
@@ -219,7 +220,7 @@ void addLines(std::vector<BodyLine> &lines, uint32_t type, const std::vector<Rec
     }
 }
 
-// What a service refuses is refused alike, what it repairs is repaired.
+// What a service refuses or repairs is refused or repaired in place too.
 TEST(CopyInPlace, makesWhatTheCallsMakeOfUnusualRecords) {
     SDPRepeatField repeat = {3, nullptr};
     SDPRepeatField *repeats[] = {&repeat, nullptr, &repeat};
@@ -240,7 +241,7 @@ TEST(CopyInPlace, makesWhatTheCallsMakeOfUnusualRecords) {
     expectTheSameCopies(lines);
 }
 
-// A record that is its own target is for the services to refuse.
+// The services refuse a record that is also the target of its copy.
 TEST(CopyInPlace, refusesARecordThatIsItsOwnTargetAsTheCallsDo) {
     const auto outcome = [] {
         Trace trace(1032);
@@ -255,7 +256,7 @@ TEST(CopyInPlace, refusesARecordThatIsItsOwnTargetAsTheCallsDo) {
     EXPECT_EQ(outcome(), inPlace);
 }
 
-// A program that counts in one function of a control sees every request of a copy.
+// A program that counts the calls of one function of a control counts every request of a copy.
 TEST(CopyInPlace, callsTheFunctionsOfAControlWhereOneIsThePrograms) {
     static uint32_t calls;
     static SDPMemCp functions;

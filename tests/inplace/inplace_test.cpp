@@ -1,5 +1,5 @@
-// What is done in place of libsipcore's services gives what their calls give: every case, bodies
-// made by chance and damaged ones, decoded and written both ways.
+// The work that the library does itself has the same results as calls of libsipcore's services:
+// every case, random bodies and damaged ones are decoded and written in both ways.
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -25,7 +25,7 @@ namespace {
 
 using support::Body;
 
-// What comes of a text: equal when each of it is.
+// All results of a text; equal when every part is equal.
 struct Outcome {
     SDPResult result = 0;
     std::string place;
@@ -55,7 +55,7 @@ std::string lexerState() {
     return state;
 }
 
-// The whole of the caller's bytes, those that are not written to among them.
+// All bytes of the caller, including those that are not written.
 std::string serialized(SdpLine &body, uint32_t room) {
     std::string bytes(room, '#');
     uint32_t length = ~0u;
@@ -124,7 +124,7 @@ void expectTheSame(const std::string &bytes, uint32_t roomStep) {
     EXPECT_TRUE(called == inPlace) << support::readable(bytes);
 }
 
-// This program takes no service over: whatever follows would compare calls with calls.
+// This program must replace no service: otherwise the tests would compare calls with calls.
 TEST(InPlace, isWhatAProgramOfTheLibrariesAloneGets) {
     EXPECT_FALSE(sdpline::seesAppends());
     EXPECT_FALSE(sdpline::seesCopies());
@@ -192,7 +192,7 @@ TEST(InPlace, readsAnyByteAtAnyPlaceAsTheCallsDo) {
     }
 }
 
-// The codes of that body whose writer refuses a code without a text, and the count of payloads.
+// The codes of that body whose writer refuses a code that has no text, and the count of payloads.
 std::vector<uint32_t *> codesOf(SdpLine &body) {
     SDPMediaDesc &media = *body.stMediaSet.ppstMediaDescs[0];
     SDPAttr *const *const attrs = media.pstAttrList->ppstAttrs;
@@ -215,7 +215,7 @@ std::vector<uint32_t *> codesOf(SdpLine &body) {
             &attrs[3]->unAttrValue.enT120Mode};
 }
 
-// Records that no text gives: every writer stops where it stops when it calls.
+// Records that no text leads to: every writer stops at the same position in both ways.
 TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
     const auto outcome = [&](uint32_t spoiled) {
         support::LogRecorder log;
@@ -238,7 +238,7 @@ TEST(InPlace, stopsAtCodesWithoutATextAsTheCallsDo) {
     }
 }
 
-// What is written of a body into room for 0, 1, 2 ... bytes, and into buffers that grow.
+// The text of a body in buffers of 0, 1, 2 ... bytes, and in buffers that grow.
 std::vector<std::string> textsOf(SdpLine &body) {
     std::vector<std::string> texts;
     constexpr uint32_t kMost = 2000;
@@ -273,7 +273,7 @@ void expectTheSameTexts(SdpLine &body) {
 
 constexpr uint32_t kMostNumber = 4294967294; // one more is "not given" in c=
 
-// The longest numbers and words everywhere.
+// The longest numbers and words in every field.
 const std::string kLongestLines =
     "v=0\r\no=- 1 2 IN IP4 h\r\ns=-\r\nc=IN IP6 FF02:3:4:5:6:7:8:9\r\nt=1 2\r\n"
     "r=7d 1h 0 25h 1 2 3 4 5 6\r\nm=application 1/2 RTP/SAVP 0 8 9\r\na=rtpmap:0 PCMU/8000/2\r\n"
@@ -306,8 +306,8 @@ TEST(InPlace, writesTheLongestLinesAsTheCallsDo) {
     }
 }
 
-// A name, a text or a word that is not there, and one that no buffer has room for: what follows it
-// in its line, or does not, is the same.
+// A name, a text or a word that is null, and one that is longer than any buffer: the rest of its
+// line is the same.
 TEST(InPlace, writesTextsThatAreNotThereAsTheCallsDo) {
     const std::string text = kManyLines + "a=name:value\r\na=other\r\na=fmtp:0 1\r\n";
     const SipString absent = {7, nullptr};
@@ -346,7 +346,7 @@ TEST(InPlace, writesManyLinesWithoutATextAsTheCallsDo) {
     body->pstEmailList = nullptr;
 }
 
-// Of one byte or two it is written in place, of any other length by the services.
+// With one byte or two it is written in place, with any other length by the services.
 TEST(InPlace, endsLinesAsTheCallsDo) {
     const SipString *const before = g_gpstSdpCrlfCfg;
     const Body body = support::decoded(kManyLines);
@@ -359,7 +359,7 @@ TEST(InPlace, endsLinesAsTheCallsDo) {
     g_gpstSdpCrlfCfg = before;
 }
 
-// Each t= line that cannot be written is followed by the next one, however many there are.
+// After each t= line that cannot be written the next one is tried, whatever their number.
 TEST(InPlace, triesEachTimeFieldAsTheCallsDo) {
     const Body body = support::decoded(kManyLines);
     SDPTimeField &time = *body->stTimeSet.ppstTimeFields[0];
@@ -421,7 +421,7 @@ TEST(InPlace, writesAfterWhatALogHookAppends) {
     }
 }
 
-// A log hook may set other hooks: what a decode asks for after an entry is asked of those.
+// A log hook may set other hooks: requests of a decode after that entry go to them.
 TEST(InPlace, goesThroughTheHooksThatALogHookHasSet) {
     static uint8_t other[24];
     static const void *freed;
@@ -463,7 +463,7 @@ TEST(InPlace, goesOnAfterALogHookThatChangesNothing) {
     SipMmReleaseBufMem(&block);
 }
 
-// An append that does not fit is the last one: also the shorter ones after it.
+// After an append that does not fit nothing is written, not even a shorter text.
 TEST(InPlace, aBufferThatRefusedOnceRefuses) {
     char bytes[8];
     SipStringBuffer *buffer = nullptr;

@@ -1,5 +1,5 @@
-// Lines cloned in place while the heap refuses a request, once: the result, the log entries and the
-// requests to the heap are those of the services, which do not ask a second time.
+// Lines cloned in place while the heap refuses one request: the result, the log entries and the
+// requests to the heap are those of the services, which do not try again.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -23,7 +23,7 @@ std::size_t asked = 0;    // how often the heap was
 extern "C" {
 void *__libc_malloc(std::size_t size);
 
-// The libraries call it, too: a compiler that hides what is not exported must not hide this one.
+// The libraries call it too, so it must be visible when the compiler hides symbols by default.
 [[gnu::visibility("default")]] void *malloc(std::size_t size) {
     if (size >= kChunk) {
         ++asked;
@@ -48,7 +48,7 @@ void fillFirstChunk(SDPMemCp *block, std::size_t left) {
     }
 }
 
-// Clones the sample twice into a block that needs the heap after so many bytes.
+// Clones the sample twice into a block that needs the heap after that many bytes.
 std::string clones(const dsmtest::Sample &sample, std::size_t left) {
     support::LogRecorder logs;
     std::string text;
