@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What a release build must carry, looked up in the built files.
+# Checks in the built files that a release build is hardened.
 # usage: hardening.sh COMPILE_COMMANDS FILE...     compile_commands.json; libraries and programs
 set -euo pipefail
 commands=$1
@@ -12,7 +12,7 @@ complain() {
 }
 
 for file in "$@"; do
-  # Taken once: a pipe into grep -q would end readelf early.
+  # Stored first: a pipe into grep -q would end readelf early.
   headers=$(readelf --wide --file-header --program-headers "$file")
   dynamic=$(readelf --wide --dynamic "$file")
   imports=$(readelf --wide --dyn-syms "$file" | awk '$7 == "UND" { sub(/@.*/, "", $8); print $8 }')
@@ -29,14 +29,14 @@ for file in "$@"; do
   grep -qx '__stack_chk_fail' <<<"$imports" || complain "$file: no guards on the stack"
 done
 
-# The sources have nothing of a known size that is copied by a length known late, so that the
-# checked copies of the C library never show in the files: the commands tell.
+# The sources copy no object of a known size by a length known only at run time, so the files
+# contain no checked copies of the C library: the compiler commands are checked instead.
 compiled=$(grep -E '"command":.* -c [^"]*/(src|cli)/[^"]*\.cpp"' "$commands" || true)
 [ "$(wc -l <<<"$compiled")" -ge 30 ] || complain "$commands lists too few sources"
 options=(-D_FORTIFY_SOURCE=3 -fstack-protector-strong -O)
 if [ "$(uname -m)" = x86_64 ]; then
   options+=(-fcf-protection)
-  # A function that is called through a pointer says so in its first instruction.
+  # A function that is called through a pointer begins with endbr64.
   first=$(objdump -d --no-show-raw-insn --disassemble=SdpLibDecodeSdp "$1" |
     awk '/<SdpLibDecodeSdp>:/ { getline; print $2; exit }')
   [ "$first" = endbr64 ] || complain "$1: SdpLibDecodeSdp begins with '$first', not endbr64"

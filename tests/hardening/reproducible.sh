@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the libraries once more, from a copy of the sources in another folder, and compares them
-# with those of the build byte by byte.
+# Builds the libraries again from a copy of the sources in another folder, and compares them byte by
+# byte with those of the build.
 # usage: reproducible.sh SOURCE_DIR BUILD_DIR CC CXX [CMAKE_OPTION...]
 set -euo pipefail
 source=$1 build=$2 cc=$3 cxx=$4

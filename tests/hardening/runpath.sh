@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Where the built files look for libraries: in folders named from their place, and in no empty
-# element, which is the folder that the program is started in.
+# The folders in which the built files look for libraries must be relative to the files, and must
+# not be empty, which means the working folder.
 # usage: runpath.sh BUILD_DIR
 set -euo pipefail
 build=$1

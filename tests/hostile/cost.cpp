@@ -24,7 +24,7 @@ void measure(const std::string &name, const std::string &body, bool accepted) {
     }
 }
 
-// The same with a last line of no known kind: all of it is read before it is refused.
+// The same with a last line of an unknown type: the decoder reads all of it before it refuses it.
 std::string refused(std::string body) {
     body.resize(SDP_MAX_BODY - 3);
     body.resize(body.rfind('\n') + 1);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# No body of the greatest length takes more than 40 times the instructions of a typical offer of
-# that length: cost.sh PROGRAM
+# No body of the maximum length needs more than 40 times the instructions of a typical offer of that
+# length: cost.sh PROGRAM
 set -euo pipefail
 program=$1
 most=40

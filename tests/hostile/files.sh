@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The program's work is linear in the size of its files: files.sh PROGRAM [MAKECAPTURE]. Each kind of hostile file
-# is made in two sizes, one four times the other; more than six times the instructions fail.
+# The program's work is linear in the size of its files: files.sh PROGRAM [MAKECAPTURE]. Each kind
+# of hostile file is made in two sizes, one four times the other; the test fails if the larger one
+# needs more than six times the instructions.
 set -euo pipefail
 export LC_ALL=C
 program=$1 makecapture=${2:-}
@@ -10,7 +11,7 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 
-# repeat BYTES TEXT: the text over and over; its escapes are those of printf.
+# repeat BYTES TEXT: repeats the text, with the escapes of printf.
 repeat() {
   local text
   printf -v text -- "$2"
@@ -22,7 +23,7 @@ start='INVITE sip:b SIP/2.0\r\nc: application/sdp\r\n'
 sdp='v=0\r\no=- 1 1 IN IP4 x\r\ns=-\r\n'
 multipart='INVITE sip:b SIP/2.0\r\nc: multipart/mixed;boundary=b\r\n\r\n'
 
-# One line a kind: NAME|OPTIONS|BEFORE|REPEATED|AFTER. Without a subcommand it is check.
+# One line for each kind: NAME|OPTIONS|BEFORE|REPEATED|AFTER. The default subcommand is check.
 kinds() {
   cat <<KINDS
 messages|check||$start\r\n$sdp|
@@ -54,7 +55,8 @@ lines of no kind|check --every-line|v=0\r\n|f=\r\n|
 KINDS
 }
 
-# instructions BYTES BEFORE REPEATED AFTER OPTIONS...: of the program on such a file.
+# instructions BYTES BEFORE REPEATED AFTER OPTIONS...: the instructions of the program on such a
+# file.
 instructions() {
   local size=$1 before=$2 repeated=$3 after=$4
   shift 4
@@ -62,7 +64,7 @@ instructions() {
   count_instructions "$@"
 }
 
-# count_instructions OPTIONS...: of the program on the file.
+# count_instructions OPTIONS...: the instructions of the program on the file.
 count_instructions() {
   { valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$@" file 2>&1 >/dev/null ||
     [ $? -le 2 ]; } | awk '/Collected : / { print $NF }'

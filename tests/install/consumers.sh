@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds examples/ against an installed sdpline, by CMake and by pkg-config, and sees both programs
-# answer an offer and refuse a bad one.
+# Builds examples/ against an installed sdpline, with CMake and with pkg-config, and checks that
+# both programs answer an offer and refuse a bad one.
 # usage: consumers.sh EXAMPLES PREFIX WORK_DIR CC CXX [--static]
 set -euo pipefail
 examples=$1 prefix=$2 work=$3 cc=$4 cxx=$5 static=${6:-}
@@ -14,7 +14,7 @@ fail() {
   exit 1
 }
 
-# Whether an example finds its libraries in that prefix and does what is expected of it.
+# Checks that an example finds its libraries in that prefix and prints what is expected.
 try() { # PROGRAM
   local loaded
   loaded=$(ldd "$1")
@@ -33,8 +33,8 @@ try() { # PROGRAM
   esac
 }
 
-# What was built in this folder against the same prefix is kept as far as nothing changed there: an
-# archive that was installed again is linked again, and nothing is compiled again.
+# The build of this folder against the same prefix is kept if nothing changed: an archive that was
+# installed again is linked again, but nothing is compiled again.
 built=$(cat "$work/prefix" 2>/dev/null || true)
 [ "$built" = "$prefix" ] || rm -rf "$work/cmake" "$work"/*.o
 echo "$prefix" >"$work/prefix"

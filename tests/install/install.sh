@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the build into a scratch prefix, moves that, and builds the consumers against it. (Static
-# libraries are installed and used by subproject.sh.)
+# Installs the build into a scratch prefix, moves the prefix, and builds the consumers against it.
+# subproject.sh installs and uses static libraries.
 # usage: install.sh SOURCE_DIR BUILD_DIR CC CXX
 set -euo pipefail
 source=$1 build=$2 cc=$3 cxx=$4
@@ -13,13 +13,14 @@ fail() {
   exit 1
 }
 
-# Whether each C header compiles alone, and nothing in the prefix names a folder of the build.
+# Checks that each C header compiles alone, and that no file in the prefix names a folder of the
+# build.
 look() { # PREFIX
   local header
   for header in "$1"/include/sdpline/*.h; do
     "$cc" -std=c11 -Wall -Wextra -Wpedantic -Werror -fsyntax-only -I"$1/include" -x c "$header"
   done
-  # One sentence for a compiler that is too old, instead of a page of what it stumbles over.
+  # A compiler that is too old gets one message instead of many errors.
   local said
   said=$("$cxx" -std=c++17 -fsyntax-only -I"$1/include" -x c++ "$1/include/sdpline/sdpline.hpp" 2>&1 |
     grep 'error:' || true)
@@ -38,13 +39,13 @@ for file in share/man/man1/sdpline.1 share/bash-completion/completions/sdpline \
   [ -s "$work/first/$file" ] || fail "$file is not there"
 done
 
-# Nothing in it names the folder that it was installed in, as `look` has seen.
+# No file names the folder of the installation, as `look` has checked.
 mv "$work/first" "$work/moved"
 "$consumers" "$source/examples" "$work/moved" "$work/consumers" "$cc" "$cxx"
 "$work/moved/bin/sdpline" check "$source/examples/offer.sdp" >/dev/null ||
   fail "the program does not run where it was moved to"
 
-# The name that programs ask for is the beginning of the file's.
+# The SONAME is the beginning of the file name.
 while read -r library; do
   soname=$(objdump -p "$library" | awk '$1 == "SONAME" { print $2 }')
   [[ ${library##*/} = "$soname".* ]] || fail "${library##*/} is asked for as $soname"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A project that takes these sources as a part of its own: what it decides is left to it. Then the
-# static libraries that it installs, with those who use them.
+# A project that contains these sources as a subproject: its settings are not changed. Then the
+# static libraries that it installs, and projects that use them.
 # usage: subproject.sh SOURCE_DIR CC CXX
 set -euo pipefail
 source=$1 cc=$2 cxx=$3
@@ -48,7 +48,7 @@ installed() { # BUILD
 # because the parent says so.
 configure static -DBUILD_SHARED_LIBS=OFF -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
   -DSDPLINE_INSTALL=ON -DCMAKE_CXX_FLAGS="-O1 -D_FORTIFY_SOURCE=1"
-# A warning is for whoever develops the library to mend, not for whoever builds it.
+# Only developers of the library get errors for warnings, not its users.
 flags static >"$work/flags"
 grep -q -e -Werror "$work/flags" && fail "warnings are errors"
 grep -q -e -D_FORTIFY_SOURCE=3 "$work/flags" && fail "the level of checked copies is not the parent's"
@@ -67,8 +67,8 @@ consumers() {
 }
 consumers
 
-# The archive keeps the lexer's short names to itself when it is told so, and a program with functions
-# of the same names links with it.
+# With SDPLINE_LOCAL_NAMES the archive hides the short names of the lexer, so that a program with
+# functions of the same names links with it.
 mark() { nm "$archive" 2>&1 | awk '$3 == "mark" { print $2 }' | sort -u; }
 [[ $(mark) = *T* ]] || fail "sdpinternals.h declares names that the archive does not have"
 cmake -DSDPLINE_LOCAL_NAMES=ON "$work/static" >/dev/null
@@ -81,7 +81,7 @@ cmake --install "$work/static" --prefix "$prefix" >/dev/null
 "$work/same_names"
 consumers
 
-# A project that knows no C++ links them as well.
+# A project without C++ links them too.
 mkdir "$work/c"
 cat >"$work/c/tidy.c" <<TEXT
 #include <string.h>
@@ -113,7 +113,7 @@ cmake --build "$work/c/build" >/dev/null
 "$work/c/build/tidy" || fail "the static tidy library does not repair a text"
 "$work/c/build/answer" <"$source/examples/offer.sdp" | tr -d '\r' | diff "$source/examples/answer.sdp" -
 
-# ---- Other decisions
+# ---- Other settings
 configure shared -DBUILD_SHARED_LIBS=ON
 ninja -C "$work/shared" -t targets all >"$work/targets"
 grep -q 'libsdpline\.so' "$work/targets" ||

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library without libsipcore, as a stack with services of its own does, and runs a
-# program that supplies them.
+# Builds the library without libsipcore, as for a stack that has these services, and runs a program
+# that defines them.
 # usage: without_sipcore.sh SOURCE_DIR WORK_DIR CC CXX
 set -euo pipefail
 source=$1 work=$2 cc=$3 cxx=$4
@@ -12,7 +12,7 @@ cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
 cmake --build "$work" -j2 >/dev/null
 library=$work/src/libsdpline.so
 
-# Read whole, then searched: a search that ends early would end the reader by a signal.
+# Stored first: a search that ends early would end the reader by SIGPIPE.
 dynamic=$(readelf -d "$library")
 if [ -e "$work/src/sipcore" ] || grep -q sipcore <<<"$dynamic"; then
   echo "libsipcore was built or is needed" >&2

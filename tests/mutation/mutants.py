@@ -45,8 +45,8 @@ class Subject:
     def __init__(self, folders, target, programs, options=(), stages=None):
         self.folders, self.target, self.programs = folders, target, programs
         self.options = options
-        # Of a subject whose mutants are compiled at once: the tests that are run before the others,
-        # and those that are run after them, by their names.
+        # For a subject whose mutants are compiled together: the names of the tests that run first,
+        # and of those that run last.
         self.stages = stages
 
 
@@ -153,7 +153,7 @@ class Original:
     def run_tests(self, program, options=(), number=0, limit=None):
         """killed, hung or survived; the limit is in seconds of the processor"""
         limit = limit or self.limit
-        # Programs of the build look for shared libraries beside themselves.
+        # Programs of the build look for shared libraries in their folder.
         libraries = ":".join(str(self.build / part) for part in ("src", "src/sipcore"))
         environment = dict(os.environ, LD_LIBRARY_PATH=libraries, MUTANT=str(number))
         status, _ = run(["prlimit", "--as=4294967296", "--core=0", f"--cpu={int(limit) + 1}",
@@ -166,7 +166,8 @@ class Original:
     def linked(self, name, program, objects):
         """Whether the tests could be linked with these objects in place of the library's."""
         command = [str(program) if w == name else w for w in self.links[name]]
-        # The changed objects stand first, before inline functions and tables in those of the tests.
+        # The changed objects are linked first, before those of the tests with the same inline
+        # functions.
         first = next(i for i, w in enumerate(command) if w.endswith(".o"))
         library = f"lib{self.subject.target}.a"
         archive = next(i for i, w in enumerate(command) if w.endswith(library))

@@ -5,8 +5,8 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 
-# What is changed into what; the first group of a pattern is replaced. Patterns see code only:
-# literals and comments are blanked out before they look.
+# The patterns and their replacements; the first group of a pattern is replaced. Patterns match only
+# code: literals and comments are blanked out first.
 SWAPS = [
     ("condition", r"(==)", ["!="]),
     ("condition", r"(!=)", ["=="]),
@@ -33,7 +33,7 @@ NUMBER = re.compile(r"(?<![\w.])(0x[0-9A-Fa-f]+|\d+)(u|U)?(?![\w.'])")
 STATEMENT = re.compile(r"^(\s+)((?:[A-Za-z_][\w:.\[\]>*()-]*\s*[-+|&*]?=\s*[^={};]+"
                        r"|(?:\+\+|--)[\w.\[\]>-]+|[A-Za-z_][\w:.>-]*\([^{};]*\)));$")
 RETURN = re.compile(r"^\s*(?:[^/]*\s)?return ([^;{}]+);")
-# Results that {} is, or that other changes reach.
+# Results equal to {}, and results that other patterns change.
 SAME_AS_NOTHING = ("0", "1", "true", "false", "nullptr", "std::nullopt", "Reason::None", "{}")
 DECLARATION = re.compile(r"^\s*(?:const|constexpr|auto|static|using|extern|return|typename|char|"
                          r"bool|uint\w*|size_t|std::\w+|case|default|struct)\b")
@@ -57,7 +57,7 @@ class Mutant:
         self.before_line = text[start:stop].strip()
         self.after_line = (text[start:begin] + after + text[end:stop]).strip()
         self.mutated = text[:begin] + after + text[end:]
-        # Known by what it says, not by where: a line moves when others change.
+        # Identified by its text, not by its number: a line moves when others change.
         nth = text[:start].count(text[start:stop])
         told = f"{path}\0{self.before_line}\0{self.after_line}\0{nth}"
         self.key = hashlib.sha256(told.encode()).hexdigest()[:16]

@@ -26,7 +26,7 @@ __attribute__((constructor(101))) static void choose(void) {{
 }}
 """
 
-# What may come between the parameters of a function and its body, to its left.
+# The text that can be between the parameters of a function and its body.
 HEAD = re.compile(r"\)\s*(?:const\s*|noexcept\s*|override\s*|final\s*|->[^(){};=]*)*$")
 INITIALISED = re.compile(r"\)\s*(?:noexcept\s*)?:\s[^;{}]*\)\s*$")
 COMPUTED = re.compile(r"\b(?:constexpr|consteval)\b")

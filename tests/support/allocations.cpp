@@ -13,7 +13,7 @@ uint32_t tried = 0;
 uint32_t failing = 0; // 0: none
 Allocate realAllocate = nullptr;
 
-// Counts one allocation; true when it is the one to fail.
+// Counts one allocation; true if it has to fail.
 bool refuses() {
     return ++tried == failing;
 }

@@ -1,8 +1,7 @@
-// The memory of blocks, watched and made to fail.
+// Counts the allocations of blocks, and makes one of them fail.
 //
-// A program that links allocations.cpp takes SipMmCreateBufMem over from libsipcore: blocks are
-// still the real ones, but every block made and every allocation in one is counted, and the n-th
-// of them can be made to fail.
+// A program that links allocations.cpp replaces SipMmCreateBufMem of libsipcore: the blocks are
+// real, but every new block and every allocation in one is counted, and the n-th of them can fail.
 #pragma once
 
 #include <cstdint>
@@ -10,17 +9,17 @@
 namespace support {
 
 struct Allocations {
-    // Starts counting anew; nothing fails.
+    // Sets the count to 0; nothing fails.
     static void reset();
     // Fails the n-th allocation since the reset, and none after it.
     static void failAt(uint32_t n);
-    // How many were tried since the reset, the failed one included.
+    // The number of attempts since the reset, including the failed one.
     static uint32_t count();
-    // Whether the one to fail has come.
+    // Whether the one that fails was reached.
     static bool failed();
 };
 
-// What libsipcore holds now, to be compared with what it held before.
+// The memory that libsipcore holds now, for comparison with what it held before.
 struct Held {
     uint64_t blocks;
     uint64_t heapBlocks;

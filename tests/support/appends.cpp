@@ -17,7 +17,7 @@ struct State {
 
 thread_local State state;
 
-// Notes one append; whether it shall fail.
+// Records one append; true if it has to fail.
 bool refuses(std::string_view text) {
     if (!state.watching) {
         return false;

@@ -1,8 +1,8 @@
-// The appends of the string buffer, watched and made to fail.
+// Counts the appends to the string buffer, and makes some of them fail.
 //
-// A program that links appends.cpp takes the four appenders over from libsipcore: each call is
-// counted and noted, and then made by the real service, unless it was told to fail. Counting is
-// per thread, and begins with the first reset.
+// A program that links appends.cpp replaces the four append functions of libsipcore: each call is
+// counted and recorded, and then passed to the real service unless it has to fail. Counting is per
+// thread, and begins with the first reset.
 #pragma once
 
 #include <cstdint>
@@ -12,24 +12,24 @@
 namespace support {
 
 struct Appends {
-    // What a failed append returns: no code of the library and no result of the real service.
+    // The result of a failed append: neither the library nor the real service returns it.
     static constexpr uint32_t kRefused = 0x0A99E4D5;
 
-    // Starts anew: nothing counted, nothing noted, nothing to fail.
+    // Sets the count to 0 and forgets the recorded calls; nothing fails.
     static void reset();
-    // Lets every append through again, uncounted.
+    // Passes every append to the service again, without counting it.
     static void off();
 
-    // Fails the n-th append since the reset, and none after it: the real buffer does not see it.
+    // Fails the n-th append since the reset, and none after it; it is not passed to the service.
     static void failAt(uint32_t n);
     // Fails the n-th append since the reset and all that follow, as a full buffer does.
     static void failFrom(uint32_t n);
 
-    // How many appends were tried since the reset, failed ones included.
+    // The number of attempts since the reset, including failed ones.
     static uint32_t count();
     // The text of each of them.
     static const std::vector<std::string> &texts();
-    // All of them but the failed ones, joined.
+    // The texts of all appends but the failed ones, joined.
     static const std::string &written();
 };
 

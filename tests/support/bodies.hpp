@@ -1,4 +1,4 @@
-// Whole bodies, decoded and written back, for tests that run over many of them.
+// Decodes whole bodies and writes them back, for tests that process many of them.
 #pragma once
 
 #include <cstdint>
@@ -11,19 +11,19 @@
 
 namespace support {
 
-// Null when the text is refused.
+// Null if the text is refused.
 Body decoded(std::string_view text);
 
-// What SdpLibEncodeSdp writes; a failure fails the test.
+// The text that SdpLibEncodeSdp writes; a failure fails the test.
 std::string encoded(SdpLine &line);
 
-// What SdpLibEncodeSdpLine writes, with the line's prefix; a failure fails the test.
+// The text that SdpLibEncodeSdpLine writes, with the line's prefix; a failure fails the test.
 std::string encodedLine(uint32_t lineType, const void *record);
 
-// The body's text for messages: bytes that do not print as \xHH, line feeds as they are.
+// The text of the body for messages: bytes that are not printable as \xHH, line feeds unchanged.
 std::string readable(std::string_view text);
 
-// Configuration that is set while it lives; the defaults come back with its end.
+// Sets the configuration while the object exists; its destructor restores the defaults.
 class Configured {
 public:
     Configured(uint32_t t38Style, uint32_t rtpAvpf, uint32_t lineEnd);

@@ -1,4 +1,4 @@
-// A decoded body that releases itself.
+// Owns a decoded body.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,4 @@
-// The records of a body one by one, as the operations on single lines take them.
+// The records of a body one by one, in the form of the operations on single lines.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace support {
 
-// One record of a body, of the kind that goes with the line type.
+// One record of a body, of the kind that belongs to the line type.
 struct BodyLine {
     uint32_t lineType;
     const void *record;
 };
 
-// Every record of a body that a line type names: r= lines beside the t= lines that hold them, too.
+// Every record of a body that has a line type, including the r= lines within t= lines.
 std::vector<BodyLine> linesOf(const SdpLine &line);
 
 } // namespace support

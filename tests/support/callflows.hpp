@@ -1,4 +1,4 @@
-// Calls as they are captured: SIP messages between two telephones, with media between them.
+// Captured calls: SIP messages between two telephones, with media packets between them.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace support {
 
-// A SIP message of a call, and which side sends it.
+// A SIP message of a call, and the side that sends it.
 struct CallMessage {
     bool fromCaller;
     std::string text;
@@ -22,7 +22,7 @@ class CallFlow {
 public:
     explicit CallFlow(std::string callId) : callId_(std::move(callId)) {}
 
-    // A request of a side; the CSeq rises with every one that is no ACK.
+    // A request of a side; the CSeq rises with every request but ACK.
     CallFlow &request(bool fromCaller, const std::string &method, const std::string &body = "");
     // The response to the last request of the other side: "200 OK".
     CallFlow &response(bool fromCaller, const std::string &status, const std::string &body = "");
@@ -40,10 +40,10 @@ private:
     std::vector<CallMessage> messages_;
 };
 
-// INVITE, 100, 180, 200, ACK, BYE, 200 with nothing wrong.
+// INVITE, 100, 180, 200, ACK, BYE, 200 without faults.
 CallFlow goodCall(const std::string &callId);
 
-// One call for each thing that goes wrong, and one good call first.
+// One call without faults, then one call for each fault.
 std::vector<CallFlow> exampleCalls();
 
 } // namespace support

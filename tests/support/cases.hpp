@@ -1,22 +1,22 @@
 // The cases of tests/cases.
 //
 //     ## A value of the greatest length
-//     Why it is so.
+//     The reason.
 //     ```sdp lf t38=2          the body; see below for the words and escapes
 //     v=0
 //     s={{x*1023}}
 //     ```
 //     ```tree                  the decoded body, as cli::describeTree prints it ...
 //     ```text                  ... and what is written back
-//     ```refused               or the refusal: code, check and place, then the log entries
+//     ```refused               or the refusal: code, check and position, then the log entries
 //
-// Words after "sdp": lf (lines end in LF, else CR LF), raw (lines are joined as they are),
-// open (the last line has no end); avpf, family, max=N, t38=N, eol=lf|cr (configuration while the
-// case runs).
-// Escapes in a body: \r \n \t \0 \s (a space) \\ \xHH, and {{text*N}} for N times the text.
+// Words after "sdp": lf (lines end in LF instead of CR LF), raw (lines are joined without line
+// ends), open (the last line has no line end); avpf, family, max=N, t38=N, eol=lf|cr (the
+// configuration of the case). Escapes in a body: \r \n \t \0 \s (a space) \\ \xHH, and {{text*N}}
+// for N times the text.
 //
-// "tree part": the lines listed occur in this order, among others. "text same": what is written
-// back is the body. After "text", "once": what is written back decodes to another tree.
+// "tree part": the tree contains these lines in this order, and others. "text same": the text that
+// is written back is the body. "text once": the text that is written back decodes to another tree.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// A test for each case of a document.
+// Registers a test for each case of a document.
 #pragma once
 
 #include <gtest/gtest.h>

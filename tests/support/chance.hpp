@@ -1,5 +1,6 @@
-// Draws from a seeded engine. The same seed draws the same everywhere: the library's distributions,
-// whose results differ from one standard library to the next, are not used.
+// Random values of a seeded engine. A seed gives the same values everywhere, since the
+// distributions of the standard library, whose results differ between implementations, are not
+// used.
 #pragma once
 
 #include <cstddef>

@@ -33,7 +33,7 @@ private:
     // 0 to the length
     size_t place() { return chance_.below(body_.size() + 1); }
 
-    // A byte that means something to the parser.
+    // A byte that has a meaning in the parser.
     char signal() {
         static constexpr char signals[] = {'\0', '\r', '\n', ' ', '\t', '=', ':',    '/',
                                            '.',  '-',  '0',  '9', 'I',  'X', '\x7F', '\x80'};

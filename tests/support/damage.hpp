@@ -1,4 +1,4 @@
-// Bodies that something happened to.
+// Damages bodies.
 #pragma once
 
 #include <random>
@@ -6,9 +6,9 @@
 
 namespace support {
 
-// The body with one to four injuries: bytes changed, lost, doubled or put in between, lines moved,
-// dropped or given another letter, numbers and words grown beyond every limit, an end too early.
-// The library may still accept it.
+// The body with one to four random damages: bytes changed, removed, doubled or inserted, lines
+// moved, removed or with another letter, numbers and words beyond every limit, or an early end. The
+// library may still accept it.
 std::string damage(std::string body, std::mt19937 &engine);
 
 } // namespace support

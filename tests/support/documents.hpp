@@ -1,8 +1,8 @@
-// Documents of cases: Markdown files, one case below each "##" heading. What a case is made of are
+// Documents of cases: Markdown files with one case below each "##" heading. A case consists of
 // fenced blocks of named kinds:
 //
 //     ## A value of the greatest length
-//     Why it is so.
+//     The reason.
 //     ```sdp lf t38=2          the kind, and words of the block
 //     v=0
 //     ```
@@ -37,7 +37,7 @@ struct Section {
     std::optional<Block> find(const std::string &kind) const;
 };
 
-// What a document says is wrong: ends the program with the place and the reason.
+// Reports an error in a document: ends the program with the position and the reason.
 [[noreturn]] void refuse(const std::string &file, int line, const std::string &why);
 
 // Every case of every document in the folder. A document with blocks of other kinds, or with two of

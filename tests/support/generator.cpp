@@ -1,5 +1,5 @@
-// One function per production, as the parser has them. Draws are made in the order of the text:
-// nothing may depend on the order in which a compiler evaluates operands.
+// One function for each production, like the parser. Random values are drawn in the order of the
+// text, because compilers evaluate operands in different orders.
 #include "support/generator.hpp"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace support {
 
 namespace {
 
-// Bytes that a text of the kind does not hold, besides NUL and LF.
+// Bytes that a text of this kind must not contain, besides NUL and LF.
 constexpr std::string_view kNotInText = "";
 constexpr std::string_view kNotInWord = " \t";
 constexpr std::string_view kNotInToken = " \t()<>;:@,";
@@ -91,7 +91,7 @@ private:
         }
     }
 
-    // A few, or as many as there is room for.
+    // A few, or as many as the body has room for.
     template <class Make>
     void repeated(Make make) {
         uint32_t count = chance_.below(4);
@@ -272,7 +272,7 @@ private:
         endLine();
     }
 
-    // As it is written, with the colon where a value follows.
+    // The text, with a colon if a value follows.
     static std::string_view name(uint32_t type) {
         const SipString &row = sstrSdpAttrNames[type - 1];
         return {row.pcData, row.ulLen};
@@ -351,7 +351,7 @@ private:
         }
     }
 
-    // What follows the word is no letter, which would belong to it.
+    // The byte after the word is no letter, which would be part of the word.
     void onOff() {
         put(chance_.oneIn(2) ? "on" : "off").put(chance_.oneIn(4) ? "-" : " ");
         bytes(kNotInText, std::min(length(), SDP_MAX_VALUE - 1));
@@ -376,7 +376,7 @@ private:
     // ---- Addresses
 
     Generator &dotted() {
-        // Digits that wrap to a number with the top bit set pass for an octet.
+        // The library accepts digits that wrap to a number with the top bit set as an octet.
         static constexpr std::string_view odd[] = {"010", "000255", "4294967295", "2147483648"};
         for (uint32_t i = 0; i < 4; ++i) {
             put(i == 0 ? "" : ".");
@@ -457,7 +457,7 @@ private:
         return chance_.oneIn(2) ? put(chance_.pick(edges)) : put(std::to_string(chance_.number()));
     }
 
-    // At least 1. Long values are in lines that a body need not have.
+    // At least 1. Only optional lines have long values.
     uint32_t length() {
         const uint32_t size = chance_.below(500);
         if (size < 480 || body_.size() < 100) {

@@ -1,4 +1,4 @@
-// Bytes that end where the readable memory ends.
+// Bytes at the end of the readable memory.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 namespace support {
 
-// A copy of the bytes whose last one is right before a page that may not be touched: reading
-// or writing after it ends the program.
+// A copy of the bytes; the last one is directly before a protected page, so a read or write after
+// it ends the program.
 class Guarded {
 public:
     explicit Guarded(std::string_view bytes);

@@ -1,4 +1,4 @@
-// For programs that take services over from libsipcore: the service that a definition hides.
+// For programs that replace services of libsipcore: the replaced service.
 #pragma once
 
 #include <dlfcn.h>

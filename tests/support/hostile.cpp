@@ -15,7 +15,7 @@ constexpr std::string_view kStart = "v=0\no=- 1 1 IN IP4 x\ns=-\n";
 constexpr std::string_view kTimes = "t=0 0\n";
 constexpr std::string_view kMedia = "m=x 1 x x\n";
 
-// A head after kStart, then one unit as often as there is room for it.
+// A head after kStart, then one unit as often as the body has room for it.
 struct Hostile {
     const char *name;
     std::string head;
@@ -30,7 +30,7 @@ std::string times(std::string_view text, size_t count) {
     return result;
 }
 
-// The most payload numbers of one line.
+// The maximum number of payload numbers of one line.
 std::string allPayloads() {
     return "m=x 1 RTP/AVP" + times(" 0", SDP_MAX_PAYLOADS) + "\n";
 }
@@ -165,7 +165,8 @@ std::vector<HostileBody> hostileMixtures() {
     return bodies;
 }
 
-// What no media description fits into any more, the last one's attributes fill.
+// Attributes of the last media description fill the rest, which is too small for another
+// description.
 std::string typicalOffer() {
     std::string body(kOfferStart);
     fillUp(body, kOfferMedia, SDP_MAX_BODY);

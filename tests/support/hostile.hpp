@@ -1,5 +1,5 @@
-// Bodies of (nearly) the greatest length that make a decode work hardest for their bytes: the
-// shortest lines of each kind, which give the most records, and the longest words.
+// Bodies of (nearly) the maximum length with the highest cost of a decode: the shortest lines of
+// each kind, which give the most records, and the longest words.
 #pragma once
 
 #include <string>
@@ -12,13 +12,13 @@ struct HostileBody {
     std::string text;
 };
 
-// One kind of line or word, as often as there is room for it.
+// One kind of line or word, repeated as often as the body has room.
 std::vector<HostileBody> hostileBodies();
 
-// Every two kinds of lines, and all of them, sharing the bytes.
+// Every two kinds of lines, and all kinds, with equal shares of the bytes.
 std::vector<HostileBody> hostileMixtures();
 
-// An offer of the greatest length as telephones make them: what the others are measured by.
+// An offer of the maximum length with the lines of telephones, for comparison with the others.
 std::string typicalOffer();
 
 } // namespace support

@@ -1,4 +1,4 @@
-// The same work on several threads at once.
+// Runs the same work on several threads.
 #pragma once
 
 #include <thread>
@@ -6,7 +6,7 @@
 
 namespace support {
 
-// Calls work(0), work(1) ... each on a thread of its own, and waits for all of them.
+// Calls work(0), work(1) ..., each on a separate thread, and waits for all of them.
 template <class Count, class Work>
 void inThreads(Count count, Work work) {
     std::vector<std::thread> threads;

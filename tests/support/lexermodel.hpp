@@ -1,6 +1,6 @@
-// The lexer once more, as slow and as plain as can be: every token is cut byte by byte with
-// nextToken() and mark(), and every rule is spelled out as a comparison of bytes. It shares no
-// table and no code with the library; lexer_model_test.cpp runs both side by side.
+// A second, slow and simple lexer: every token is cut byte by byte with nextToken() and mark(), and
+// every rule is a comparison of bytes. It shares no table and no code with the library;
+// lexer_model_test.cpp compares the two.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@
 namespace support {
 
 struct LexerModel {
-    // Reads the bytes that the library reads too; they end in a NUL.
+    // Reads the same bytes as the library; they end in a NUL.
     const uint8_t *input = nullptr;
     uint32_t start = 0;
     uint32_t end = 0;

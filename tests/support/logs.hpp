@@ -1,4 +1,4 @@
-// The log hook, recorded.
+// Records the entries of the log hook.
 #pragma once
 
 #include <cstdint>
@@ -28,8 +28,8 @@ struct LogEntry {
     std::string textWithLine() const;
 };
 
-// Records every entry that is logged while it lives; the hook of before comes back with its end.
-// Recorders nest: the innermost one records.
+// Records every log entry while the object exists; its destructor restores the previous hook.
+// Recorders can be nested: the innermost one records.
 class LogRecorder {
 public:
     LogRecorder();

@@ -1,12 +1,12 @@
 // Writes captures for tests, documents and measurements: makecapture SCENE [NUMBER] >FILE
 //
-//   calls          one call for each thing that goes wrong, over UDP
+//   calls          one call for each fault, over UDP
 //   transports     the same call over UDP, TCP in small segments, WebSocket, IPv6 and fragments
 //   unread         encrypted, cut and incomplete packets beside a call
 //   bulk MEGABYTES calls with SDP among media packets
 //   trace MEGABYTES the messages of such calls as text
 //   gaps, dribble, seeking, fragments, streams, frames KILOBYTES
-//                  what makes the reader of captures work hardest
+//                  captures that cost their reader the most
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -203,7 +203,7 @@ bool writeTrace(size_t megabytes) {
     return true;
 }
 
-// ---- Hostile captures: the packet with a number, as often as there are kilobytes for it
+// ---- Hostile captures: packets up to that number of kilobytes
 
 template <class Packet>
 bool writeMany(size_t kilobytes, const Packet &packet) {
@@ -223,7 +223,7 @@ std::string segment(uint32_t sequence, const std::string &bytes, uint16_t port =
     return between(true, kTcp, support::tcp(40000, port, sequence, support::kAck, bytes));
 }
 
-// Every segment leaves a byte out before it.
+// Before every segment one byte is missing.
 bool writeGaps(size_t kilobytes) {
     return writeMany(kilobytes, [](uint32_t n) { return segment(n * 11, "0123456789"); });
 }
@@ -241,7 +241,7 @@ bool writeSeeking(size_t kilobytes) {
     return writeMany(kilobytes, [](uint32_t n) { return segment(n, n == 0 ? "INVITE " : "x"); });
 }
 
-// First fragments of packets that are never whole.
+// First fragments of packets that are never complete.
 bool writeFragments(size_t kilobytes) {
     return writeMany(kilobytes, [](uint32_t n) {
         return support::ipv4(kCaller, kCalled, kUdp, "12345678", {n, 8 * (n % 8000), true});

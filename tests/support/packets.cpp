@@ -15,7 +15,7 @@ std::string big(uint64_t value, size_t bytes) {
     return text;
 }
 
-// Numbers with a separator between them, each of so many bytes.
+// Numbers with a separator between them, each of that number of bytes.
 std::string numbers(std::string_view text, char separator, int base, size_t bytes) {
     std::string result;
     for (size_t at = 0; at <= text.size();) {

@@ -1,4 +1,4 @@
-// Packets and captures written byte by byte: what the tests of captures read.
+// Writes packets and captures byte by byte for the tests of captures.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace support {
 
-// ---- Headers around a payload, the inner ones first. Checksums are 0: nothing looks at them.
+// ---- Headers around a payload, the inner ones first. Checksums are 0, since no test reads them.
 
 std::string udp(uint16_t source, uint16_t destination, std::string_view payload);
 
@@ -25,12 +25,12 @@ struct Fragment {
 // Addresses are written as text: "192.0.2.1", and for IPv6 as eight groups, "2001:db8:0:0:0:0:0:1".
 std::string ipv4(std::string_view source, std::string_view destination, uint8_t protocol,
                  std::string_view payload, const Fragment &part = {});
-// `extensions` stand before the payload and begin with the number of the header after them.
+// `extensions` precede the payload and begin with the number of the header after them.
 std::string ipv6(std::string_view source, std::string_view destination, uint8_t protocol,
                  std::string_view payload, std::string_view extensions = {});
 std::string fragmentHeader(uint8_t next, const Fragment &part);
 
-// The payload cut at those places: a packet for each part.
+// Cuts the payload at those positions: one packet for each part.
 std::vector<std::string> ipv4Fragments(std::string_view source, std::string_view destination,
                                        uint8_t protocol, std::string_view payload, uint32_t id,
                                        size_t size);
@@ -55,10 +55,10 @@ public:
 
     explicit CaptureWriter(CaptureForm form = CaptureForm::Pcap, uint32_t linkType = kEthernet);
 
-    // A packet, of which the capture keeps so many bytes. Times are nanoseconds since 1970.
+    // A packet, and the number of its bytes in the capture. Times are nanoseconds since 1970.
     void add(std::string_view frame, int64_t time, size_t keep = kWhole);
 
-    // What was written since the last call.
+    // The bytes that were written since the last call.
     std::string take();
 
 private:

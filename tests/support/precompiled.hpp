@@ -1,5 +1,5 @@
-// What nearly every test includes, parsed once for all of them. A source still includes what it
-// uses: the clang preset builds without this file.
+// The headers that nearly every test includes, parsed once for all of them. A source must still
+// include what it uses: the clang preset builds without this file.
 #pragma once
 
 #include <gtest/gtest.h>

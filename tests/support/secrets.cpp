@@ -73,7 +73,7 @@ private:
         }
     }
 
-    // What session names are made of.
+    // Words of session names.
     std::string freeText() {
         std::string text;
         for (uint32_t more = 1 + chance_.below(5); more != 0; --more) {

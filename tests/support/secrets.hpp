@@ -1,4 +1,4 @@
-// Bodies full of what identifies people and machines, with a list of what was put there.
+// Bodies with data that identifies people and machines, and a list of these data.
 #pragma once
 
 #include <random>
@@ -12,7 +12,7 @@ struct SecretBody {
     std::vector<std::string> secrets; // addresses, hosts, users, phone numbers, keys and so on
 };
 
-// Every secret is at least four characters long and occurs nowhere else but by intention.
+// Every secret has at least four characters and occurs elsewhere only on purpose.
 SecretBody generateSecrets(std::mt19937 &engine);
 
 } // namespace support

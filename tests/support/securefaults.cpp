@@ -15,7 +15,7 @@ struct State {
 
 thread_local State state;
 
-// Counts one call; whether it shall fail.
+// Counts one call; true if it has to fail.
 bool refuses() {
     return ++state.calls == state.failing;
 }

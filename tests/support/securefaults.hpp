@@ -1,8 +1,8 @@
-// The bounds-checked memory functions, made to fail, and what the library reports about it.
+// Makes the bounds-checked memory functions fail, and records what the library reports about it.
 //
-// A program that links securefaults.cpp takes memcpy_s, memset_s, SIPAbnormalSecureFunc and
-// SIPAbnormalSecureFuncEx over from libsipcore: every call is counted or noted, and then made by
-// the real service, unless it was told to fail. Everything is per thread.
+// A program that links securefaults.cpp replaces memcpy_s, memset_s, SIPAbnormalSecureFunc and
+// SIPAbnormalSecureFuncEx of libsipcore: every call is counted or recorded, and then passed to the
+// real service unless it has to fail. All state is per thread.
 #pragma once
 
 #include <cstdint>
@@ -18,14 +18,14 @@ struct SecureReport {
 };
 
 struct SecureFaults {
-    // Starts anew: nothing counted, nothing reported, nothing to fail.
+    // Sets the count to 0 and forgets the reports; nothing fails.
     static void reset();
-    // Fails the n-th call of memcpy_s or memset_s since the reset, and none after it: its bytes
-    // stay as they are.
+    // Fails the n-th call of memcpy_s or memset_s since the reset, and none after it; it changes no
+    // bytes.
     static void failAt(uint32_t n);
-    // How many calls of the two were made since the reset, the failed one included.
+    // The number of calls of the two since the reset, including the failed one.
     static uint32_t count();
-    // What was reported since the reset, in order.
+    // The reports since the reset, in order.
     static const std::vector<SecureReport> &reports();
 };
 

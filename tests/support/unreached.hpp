@@ -1,5 +1,5 @@
-// The checks that no input and no call can make fail, each with its reason. Every other check must
-// have failed somewhere in a whole run of sdpline_tests.
+// The checks that no input and no call can make fail, each with its reason. A whole run of
+// sdpline_tests must make every other check fail at least once.
 #pragma once
 
 #include "checks/checks.hpp"

@@ -1,6 +1,6 @@
-// Decoding, encoding and copying on several threads at once, every result compared with the one
-// that the same body gives alone. Where the library has one decoder for the process, decodes take
-// the lock of the C++ API; everything else runs free in both builds.
+// Decoding, encoding and copying on several threads; every result is compared with that of a single
+// thread. Where the library has one decoder for the process, decodes take the lock of the C++ API;
+// everything else runs without a lock in both builds.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -25,7 +25,7 @@ constexpr size_t kThreads = 4;
 constexpr size_t kRounds = 3;
 constexpr int kGenerated = 60;
 
-// Everything that a body gives: the refusal, or its text in three ways.
+// All results of a body: the refusal, or its text in three ways.
 struct Outcome {
     SDPResult code = 0;
     std::string place;      // of a refusal
@@ -123,7 +123,7 @@ void countEntry(uint32_t, uint32_t, uint32_t, const char *, const char *, uint32
     logged.fetch_add(1, std::memory_order_relaxed);
 }
 
-// The bodies of the case documents, accepted and refused ones, and some made by chance.
+// The bodies of the case documents, accepted and refused ones, and random ones.
 std::vector<std::string> someBodies() {
     std::vector<std::string> bodies;
     for (const support::Case &one : support::readCases(SDPLINE_CASES)) {
