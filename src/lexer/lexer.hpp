@@ -126,6 +126,10 @@ struct LexerOn : Position, Special {
         return true;
     }
 
+    // The same under the alphanumeric context, for the token before digits of which only the text
+    // is read: their value is not computed.
+    SDPLINE_INLINE bool takeToDigits(uint32_t wanted);
+
     // The same for the token before a rest of line. The first token of the rest is not cut: only
     // its first byte and kind are known until takeRestOfLine() or finishText() is called.
     SDPLINE_INLINE bool takeToText(uint32_t wanted);
@@ -209,6 +213,7 @@ struct StateLexer : LexerOn<AnythingSpecial> {
     void advance(uint32_t under);
     void advanceAfterRun(uint32_t under) { advance(under); } // setters may set any place
     bool take(uint32_t wanted, uint32_t under);
+    bool takeToDigits(uint32_t wanted) { return take(wanted, Context::Alnum); }
     bool takeToText(uint32_t wanted);
     void finishText();
     bool takeRestOfLine(std::string_view &rest, uint32_t limit);
@@ -333,6 +338,21 @@ inline bool LexerOn<Special>::jump(const char (&text)[Size]) {
     at = end + (size - 1);
     last = static_cast<uint8_t>(text[size - 1]);
     closeByte();
+    return true;
+}
+
+template <class Special>
+inline bool LexerOn<Special>::takeToDigits(uint32_t wanted) {
+    context = Context::Alnum;
+    if (kind != wanted) {
+        return false;
+    }
+    begin();
+    if (isDigit(last)) [[likely]] {
+        closeAt(endOf<lexer::kDigitRun>(at + 1), SDP_TOK_DIGIT);
+    } else {
+        scanLetters();
+    }
     return true;
 }
 

@@ -18,10 +18,10 @@ SDPLINE_INLINE bool storeToken(Parser auto &p, SipString &value, uint32_t kind, 
 SDPLINE_INLINE bool originNames(Parser auto &p, SDPOrigin &origin) {
     return storeToken(p, origin.strUserName, SDP_TOK_STRING, Context::String,
                       {Check::OriginUser, Check::OriginUserText}, Check::OriginUserStore) &&
-           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginUserSpace) &&
+           p.expectDigits(SDP_TOK_SPACE, Check::OriginUserSpace) &&
            storeToken(p, origin.strSessionId, SDP_TOK_DIGIT, Context::Alnum,
                       {Check::OriginId, Check::OriginIdText}, Check::OriginIdStore) &&
-           p.expect(SDP_TOK_SPACE, Context::Alnum, Check::OriginIdSpace) &&
+           p.expectDigits(SDP_TOK_SPACE, Check::OriginIdSpace) &&
            storeToken(p, origin.strSessionVersion, SDP_TOK_DIGIT, Context::Alnum,
                       {Check::OriginVersion, Check::OriginVersionText}, Check::OriginVersionStore);
 }

@@ -54,6 +54,7 @@ struct ParserOn : Lexer {
     using Lexer::context;
     using Lexer::is;
     using Lexer::take;
+    using Lexer::takeToDigits;
     using Lexer::text;
     using Lexer::valueOf;
 
@@ -79,6 +80,11 @@ struct ParserOn : Lexer {
     SDPLINE_INLINE bool expect(uint32_t wanted, uint32_t under, Check check,
                                uint32_t line = __builtin_LINE()) {
         return take(wanted, under) || refuse(check, 0, line);
+    }
+    // The same under the alphanumeric context, before digits of which only the text is read.
+    SDPLINE_INLINE bool expectDigits(uint32_t wanted, Check check,
+                                     uint32_t line = __builtin_LINE()) {
+        return takeToDigits(wanted) || refuse(check, 0, line);
     }
     // The current token must be of the kind.
     SDPLINE_INLINE bool see(uint32_t wanted, Check check, uint32_t line = __builtin_LINE()) {

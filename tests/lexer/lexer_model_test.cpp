@@ -474,7 +474,10 @@ public:
             if (random_.oneIn(4) && model_.kind != SDP_TOK_LF) {
                 gather(context);
             } else {
-                EXPECT_TRUE(lexer_.take(model_.kind, context));
+                const bool toDigits =
+                    context == SDP_LEXCTX_ALNUM && !lexer_.is(SDP_TOK_LF) && random_.oneIn(2);
+                EXPECT_TRUE(toDigits ? lexer_.takeToDigits(model_.kind)
+                                     : lexer_.take(model_.kind, context));
                 model_.context = context;
                 model_.match(model_.kind);
             }
