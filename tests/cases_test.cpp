@@ -39,7 +39,7 @@ Decoded decode(const std::string &bytes) {
     return {result, Body(line), log.texts(), log.textsWithLines()};
 }
 
-// The text with its configured line ends as LF, and bytes that do not print as escapes.
+// The text with its configured line ends as LF, and bytes that are not printable as escapes.
 std::string visible(const std::string &text) {
     const SipString lineEnd = SdpGetCrlfString(0);
     const std::string end(lineEnd.pcData, lineEnd.ulLen);
@@ -148,8 +148,8 @@ private:
         runOtherSpellings();
     }
 
-    // The same text with other line ends, and with bytes at its line starts that are not read: the
-    // check and the line stay, the column moves with the bytes before it.
+    // The same text with other line ends, and with dropped bytes at its line starts: the check and
+    // the line are the same, the column moves with the bytes before it.
     void runOtherSpellings() {
         SDPFailure plain = {};
         SdpLibGetLastFailure(&plain);
@@ -206,7 +206,7 @@ private:
         }
     }
 
-    // Only success or a failure of memory may come back, and everything is given back.
+    // The result is success or a failure of memory, and everything is freed.
     void runFailingAllocations() {
         const Held before = Held::now();
         for (uint32_t n = 1;; ++n) {
@@ -231,8 +231,7 @@ private:
         EXPECT_EQ(Held::now(), before) << "a failed allocation leaked";
     }
 
-    // Only success, where the results of appends are ignored, or a failure of the encoder may come
-    // back.
+    // The result is success, where the results of appends are ignored, or a failure of the encoder.
     void runFailingAppends() {
         const Decoded decoded = decode(case_.body);
         ASSERT_NE(decoded.body, nullptr);

@@ -1,4 +1,4 @@
-// Runs the tests, then looks whether every failing check was reached.
+// Runs the tests, then checks that every failing check was reached.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -29,7 +29,7 @@ SDPResult configureLineEnd(uint32_t value) {
     return SdpLibExtConfigCrlf(&value);
 }
 
-// The text that the body comes out as; "" when it cannot be read or written.
+// The text that is written for the body; "" if it cannot be read or written.
 std::string writtenBack(const std::string &body) {
     const support::Guarded input(body);
     const SipString text = input.text();
@@ -95,7 +95,7 @@ TEST_F(Config, LineEndIsSelectedByItsNumber) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-// The default t= line keeps its CR LF; every other line, written by whichever encoder, does not.
+// The default t= line keeps its CR LF; no other line does, whichever encoder writes it.
 TEST_F(Config, EveryLineIsEndedAsConfigured) {
     const std::string lines[] = {"v=0",
                                  "o=- 1 1 IN IP4 x",

@@ -1,4 +1,4 @@
-// The descriptors say what they are documented to say, and the generic services can walk them.
+// The descriptors have their documented contents, and the generic services can process them.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -12,13 +12,13 @@ namespace {
 using dsmtest::LineMemory;
 using Members = std::vector<const SipDsmTypeDef *>;
 
-// A field's value: the macros would bind a reference to it, and pointers may lie unaligned.
+// A copy of the value: the macros would bind a reference, and pointers can be unaligned.
 template <class T>
 T held(T value) {
     return value;
 }
 
-// So many bytes of numbers, and so many pointers.
+// The size of the numbers, and the count of pointers.
 constexpr uint32_t bytes(uint32_t numbers, uint32_t pointers) {
     return numbers + pointers * static_cast<uint32_t>(sizeof(void *));
 }

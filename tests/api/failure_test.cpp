@@ -1,4 +1,4 @@
-// Why a body was refused: the place in the caller's own text, and codes in words.
+// Why a body was refused: the position in the caller's text, and the texts of codes.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -19,7 +19,7 @@ using support::Allocations;
 using support::Guarded;
 using support::LogRecorder;
 
-// The stack's base of file numbers, of before again with the end.
+// Sets the base of file numbers; the destructor restores the previous one.
 class FileBase {
 public:
     explicit FileBase(uint32_t base) { g_gSipStackFileId = base; }
@@ -78,7 +78,7 @@ TEST(LastFailure, CountsBothBytesOfCrLf) {
     EXPECT_EQ(placeOf("v=0\r\no=-  1\r\n"), "OriginId 2:5 @9 31");
 }
 
-// The column is that of LF alone: right after the line's last byte.
+// The column of an LF is directly after the line's last byte.
 TEST(LastFailure, PlacesALineEndWhereItsCrLfBegins) {
     EXPECT_EQ(placeOf("v=\n"), "VersionDigits 1:3 @2 15");
     EXPECT_EQ(placeOf("v=\r\n"), "VersionDigits 1:3 @2 15");
@@ -157,7 +157,7 @@ TEST(LastFailure, IsOfEveryDecodeEntry) {
     EXPECT_EQ(failure.ulColumn, 3u);
 }
 
-// Decodes another body at every entry of the decode that is looked at.
+// Decodes another body at every log entry of the tested decode.
 class DecodingHook {
 public:
     explicit DecodingHook(const std::string &other) {
@@ -269,7 +269,7 @@ TEST(DescribeResult, KnowsEveryCheckUnderAnyBase) {
     }
 }
 
-// A refusal says what was expected, or what was found where it must not be. The others name what a
+// The text of a refusal says what was expected, or what was found instead. The others name what the
 // check called: memory, the string buffer, another operation.
 TEST(DescribeResult, SaysWhatWasExpected) {
     for (const CheckRow &row : sdpline::kChecks) {
@@ -343,7 +343,7 @@ TEST(FileNumbers, GoIntoResultsCodePointsAndNoNames) {
     EXPECT_EQ(log.entries()[1].file, "sdpparser");
 }
 
-// Results keep the low 8 bits, code points the whole number.
+// Results keep the low 8 bits of the base, code points the whole number.
 TEST(FileNumbers, WrapInResultsOnly) {
     const FileBase base(300);
     SdpLine *line = nullptr;

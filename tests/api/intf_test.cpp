@@ -1,4 +1,4 @@
-// The entry points for whole bodies: their arguments, their hooks, and who holds memory when.
+// The entry points for whole bodies: their arguments, their hooks, and the ownership of memory.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -25,7 +25,7 @@ const std::string kRefused = "v=0\r\no=- 1 1 IN IP4 10.0.0.1\r\ns=-\r\nx=\r\n";
 constexpr SDPResult kRefusedLine = 0x05001866; // after s=, class 102
 constexpr SDPResult kRefusedText = 0x05000401; // no text or one too long
 
-// A pointer that no operation wrote over.
+// A pointer that no operation has overwritten.
 SdpLine *const kUntouched = reinterpret_cast<SdpLine *>(0x10);
 SipStringBuffer *const kUntouchedText = reinterpret_cast<SipStringBuffer *>(0x10);
 
@@ -292,7 +292,7 @@ TEST_F(IntfBuffer, RefusesNullArgumentsAndTouchesNothing) {
     EXPECT_EQ(log.textsWithLines(), Texts(2, "3 sdpintf SdpLibDecodeSipBodyAsSdp:205 0"));
 }
 
-// A text that did not fit once can no longer be read.
+// A buffer whose text once did not fit can no longer be read.
 TEST_F(IntfBuffer, FailsWhenTheBufferCannotBeConverted) {
     uint8_t room[2];
     SipStringBuffer *full = nullptr;
@@ -487,7 +487,7 @@ TEST_F(Intf, EncodeOnlyReadsABody) {
 
 // ---- A body of the model
 
-// r= times without a unit come back in seconds, a c= line without a TTL without one.
+// r= times without a unit are written in seconds, and a c= line without a TTL has none.
 TEST_F(Intf, RecordsHoldWhatTheLinesSay) {
     SdpLine *line = decoded("v=0\no=- 1 1 IN IP4 x\ns=-\nc=IN IP4 1.2.3.4\nt=0 0\n"
                             "r=7d 1h 0 25h\na=foo:bar\na=foo\nm=audio 49170 RTP/AVP 0 8 101\n");

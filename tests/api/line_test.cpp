@@ -22,7 +22,7 @@ using Texts = std::vector<std::string>;
 uint32_t prefixed = 1;
 uint32_t bare = 0;
 
-// A pointer that no operation wrote over.
+// A pointer that no operation has overwritten.
 SipRefString *const kUntouchedLine = reinterpret_cast<SipRefString *>(&prefixed);
 
 // The line's text; "failed" when there is none.
@@ -160,7 +160,7 @@ TEST(EncodeSdpLine, PassesAFailedAppendUpAndKeepsNothing) {
     }
 }
 
-// A text longer than the buffer's first 64 bytes: it grows, and may fail to.
+// A text longer than the buffer's first 64 bytes: the buffer must grow, which can fail.
 TEST(EncodeSdpLine, GrowsForLongText) {
     const std::string words(1000, 'x');
     SipString text = textOf(words.c_str());
@@ -171,8 +171,8 @@ TEST(EncodeSdpLine, GrowsForLongText) {
     EXPECT_EQ(system.memory.live(), 0u);
 }
 
-// An attribute that did not fit is a success of the encoder; the broken buffer then shows in the
-// conversion.
+// The encoder returns success for an attribute that did not fit; the conversion of the broken
+// buffer then fails.
 TEST(EncodeSdpLine, ATextThatTheBufferLostIsNotHandedOut) {
     const std::string words(1000, 'x');
     SDPAttr attribute = {};

@@ -49,7 +49,7 @@ std::string outcomeOf(const std::string &body, const SDPDecodeOptions *options =
     return nameOf(result);
 }
 
-// The memory of the process heap, watched and refused while this lives.
+// Counts and refuses requests to the process heap while it exists.
 class WatchedMemory {
 public:
     explicit WatchedMemory(bool refuses) {
@@ -243,7 +243,7 @@ TEST_F(LongBody, HoldsListsOfAnyLength) {
     }
 }
 
-// Lists that grew slot by slot would take the square of this.
+// Lists that grow by one slot at a time would need the square of this.
 TEST_F(LongBody, TakesRequestsInProportionToItsLength) {
     ASSERT_EQ(SdpSetMaxBodySize(65535), 0u);
     std::string body = kHead + "r=";

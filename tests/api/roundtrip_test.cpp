@@ -1,4 +1,4 @@
-// Bodies made by chance, decoded, written and decoded again; and the same bodies damaged.
+// Random bodies, decoded, written and decoded again; and the same bodies damaged.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,7 +32,7 @@ std::string treeWritten(const SdpLine &line) {
     return cli::describeTree(written);
 }
 
-// What SdpLibSerializeSdp writes into exactly as many bytes as it needs.
+// The text that SdpLibSerializeSdp writes into a buffer of the exact size.
 std::string serialized(SdpLine &line, size_t length) {
     std::string bytes(length, '#');
     uint32_t written = 0;
@@ -51,8 +51,8 @@ Body deserialized(std::string &bytes) {
     return Body(line);
 }
 
-// What the body writes that was read from `written`. The t= line that a body without one is given
-// ends in CR LF under every configuration; once read, it is a line like the others.
+// The text that is written for the body read from `written`. The t= line that is added to a body
+// without one ends in CR LF with every configuration; once read, it is a line like the others.
 std::string writtenAgain(const SdpLine &line, std::string written) {
     const SipString end = SdpGetCrlfString(0);
     const size_t given = written.find("t=0 0\r\n");
@@ -107,7 +107,7 @@ TEST_F(RoundTrip, GivesTheSameTreeAndTheSameBytes) {
     EXPECT_GT(survivors, kBodies * 9 / 10);
 }
 
-// The place that a refusal names lies in the text, and its line and column are those of its offset.
+// The position of a refusal is within the text, and its line and column belong to its offset.
 void expectPlaceIn(std::string_view text, const SDPFailure &failure) {
     if (failure.ulLine == 0) {
         EXPECT_EQ(failure.ulColumn, 0u);
@@ -135,7 +135,7 @@ void expectKnownRefusal(std::string_view text, SDPResult result) {
     expectPlaceIn(text, failure);
 }
 
-// True when it is accepted. What is accepted can be written.
+// True if it is accepted. A body that is accepted can be written.
 bool decodeDamaged(const std::string &text) {
     const Held before = Held::now();
     const support::Guarded input(text);
@@ -166,7 +166,7 @@ TEST(DamagedBodies, AreAcceptedOrRefusedWithAReasonAndAPlace) {
                                        << support::readable(damaged);
         }
     }
-    // Neither so harmless nor so rude that one of the two is never seen.
+    // The damage is neither so small nor so large that one of the two results never occurs.
     EXPECT_GT(accepted, kDamagedBodies * kDamages / 10);
     EXPECT_LT(accepted, kDamagedBodies * kDamages * 9 / 10);
 }

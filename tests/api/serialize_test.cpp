@@ -1,4 +1,4 @@
-// Bodies in the caller's own bytes: SdpLibSerializeSdp and SdpLibDeSerializeSdp.
+// Bodies in buffers of the caller: SdpLibSerializeSdp and SdpLibDeSerializeSdp.
 #include <gtest/gtest.h>
 
 #include <cstring>

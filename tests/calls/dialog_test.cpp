@@ -1,4 +1,4 @@
-// The dialog of the example without a stack: which status, which body, what stays in force.
+// The dialog of the example without a stack: its statuses, bodies and descriptions in force.
 #include <gtest/gtest.h>
 
 #include "../../examples/calls/dialog.hpp"

@@ -28,7 +28,7 @@ std::string sip(const std::string &body, const std::string &name = "a") {
            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-// What is found in packets of raw IP.
+// The messages that are found in packets of raw IP.
 class Reader {
 public:
     void add(std::string_view packet, uint32_t linkType = 101, size_t keep = ~size_t(0)) {
@@ -131,10 +131,10 @@ TEST(Capture, PassesOverExtensionHeaders) {
     reader.add(support::ipv6(a, a, 44, std::string_view(udp).substr(64), second));
     reader.add(support::ipv6(a, a, 44, std::string_view(udp).substr(0, 64), first));
     EXPECT_EQ(reader.found, (Texts{sip("x"), sip("x")}));
-    // A whole packet with a fragment header
+    // A complete packet with a fragment header
     reader.add(support::ipv6(a, a, 44, udp, support::fragmentHeader(kUdp, {9, 0, false})));
     EXPECT_EQ(reader.found.size(), 3u);
-    // More headers than there may be
+    // More headers than are allowed
     std::string many;
     for (int i = 0; i < 40; ++i) {
         many += std::string("\0\0\0\0\0\0\0\0", 8);
@@ -234,7 +234,7 @@ TEST(Capture, GoesOnAfterAGap) {
     EXPECT_EQ(reader.unread(), Texts{"1 gap in a TCP stream: bytes that were not captured"});
 }
 
-// A FIN counts as one byte, of which none is there: what is numbered after it lacks nothing.
+// A FIN counts as one byte without content: no byte is missing before the next number.
 TEST(Capture, AnEndHasNoGap) {
     Reader reader;
     reader.tcp(99, "", support::kSyn);

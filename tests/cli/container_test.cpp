@@ -1,4 +1,4 @@
-// Files of packets: every form gives the same packets, and damaged ones end with a reason.
+// Capture files: the packets are the same in every format, and a damaged file ends with a reason.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -22,7 +22,7 @@ struct Packets {
     size_t rest = 0;
 };
 
-// `chunk` bytes more at a time, as they come from a pipe.
+// Reads `chunk` bytes at a time, as from a pipe.
 Packets packetsOf(const std::string &text, size_t chunk = ~size_t(0)) {
     Packets packets;
     Container container;

@@ -1,4 +1,4 @@
-// What differs between two bodies by meaning.
+// The differences of meaning between two bodies.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -100,7 +100,7 @@ TEST(Differences, OfMediaDescriptionsAtTheEnd) {
               "1 audio description m=audio 1 RTP/AVP 0 > -");
 }
 
-// ---- What is no difference
+// ---- Texts without a difference
 
 TEST(Differences, AreNotInOrderBlanksOrSpelling) {
     EXPECT_EQ(mediaDifference("m=audio 1 RTP/AVP 0\nc=IN IP6 2001:DB8::1\na=ptime:20\na=x\n",
@@ -138,7 +138,7 @@ TEST(Differences, NoneOfABodyToItself) {
     }
 }
 
-// The texts of a change follow what comes before them in a line of the bodies.
+// The texts of a change follow the text before them in a line of the bodies.
 TEST(Differences, NameTheLineOfTheirTexts) {
     std::mt19937 engine(10);
     size_t checked = 0;

@@ -1,4 +1,4 @@
-// Lines of an input as they are shown on a terminal.
+// Lines of an input for a terminal.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -45,7 +45,7 @@ TEST(Excerpt, CutsALongLineAroundTheMark) {
               std::string(100, 'a') + '\n' + std::string(99, ' ') + '^');
 }
 
-// Of what JSON lets pass in a string: DEL, and the control characters of Latin-1 in UTF-8.
+// Characters that JSON allows in a string: DEL, and the control characters of Latin-1 in UTF-8.
 TEST(EscapedJson, HoldsNothingThatATerminalObeys) {
     EXPECT_EQ(cli::escapedJson("{\n  \"a\": \"\x7f\xc2\x80\xc2\x9b"
                                "31m\xc2\xa0\xc3\xa9\"\n}\n"),

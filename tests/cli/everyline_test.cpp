@@ -56,8 +56,8 @@ TEST(EveryLine, TakesTheLongestLine) {
     EXPECT_EQ(faultsOf("x\ns=" + std::string(5000, 'y'), 0), "4 TextTooLong");
 }
 
-// Where a body's line was refused for what is in it, the line alone is refused for the same, at the
-// same place.
+// When the contents of a line cause the refusal of a body, the line by itself is refused for the
+// same reason at the same position.
 TEST(EveryLine, AgreesWithTheDecoder) {
     std::mt19937 engine(11);
     size_t compared = 0;

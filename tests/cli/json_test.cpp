@@ -1,4 +1,4 @@
-// Bodies to JSON and back, without loss; and JSON of every kind that is no body.
+// Bodies to JSON and back, without loss; and many kinds of JSON that are no body.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -21,7 +21,7 @@ support::Body fromJson(const json &document, std::string &error) {
     return support::Body(body ? std::move(*body).release() : nullptr);
 }
 
-// Through the text of the document, as between two runs of the program.
+// Writes and parses the text of the document, as two runs of the program do.
 support::Body throughJson(SdpLine &line, std::string &error) {
     const json document = json::parse(cli::jsonOf(line).dump());
     return fromJson(document, error);
@@ -58,7 +58,7 @@ TEST(Json, KeepsGeneratedBodiesUnderEveryStyle) {
     }
 }
 
-// ---- What is no body
+// ---- Documents that are no body
 
 const char kBody[] =
     "v=0\no=- 1 2 IN IP4 192.0.2.1\ns=-\nc=IN IP4 192.0.2.1/5/2\nt=0 0\nr=7d 1h 0\n"
@@ -198,9 +198,9 @@ TEST(JsonIn, RefusesMorePayloadsThanALineHolds) {
               "/media/0/format/payloads: expected at most 100 payload numbers, found 101");
 }
 
-// ---- Any JSON at all
+// ---- Random JSON
 
-// Every place of the document.
+// Every value in the document.
 void collect(json &value, std::vector<json *> &places) {
     places.push_back(&value);
     if (value.is_structured()) {
@@ -246,7 +246,7 @@ void injure(json &document, std::mt19937 &engine) {
     }
 }
 
-// What the text of a body decodes to, in JSON.
+// The JSON of the decoded text of a body.
 json readBack(const std::string &text, bool avpf) {
     const Configured configured(SDP_T38_STYLE_FLAG, avpf ? 1 : 0, SDP_LINE_END_CRLF);
     const support::Body body = support::decoded(text);
@@ -260,7 +260,7 @@ json canonical(const json &document) {
     return body ? json::parse(cli::jsonOf(*body).dump()) : json();
 }
 
-// Whatever is taken can be written, and is read back as it was or not written at all.
+// A document that is accepted is written to a text that is read back unchanged, or is not written.
 TEST(JsonIn, TakesOrRefusesAnyJson) {
     std::mt19937 engine(7);
     size_t taken = 0;
@@ -358,7 +358,7 @@ TEST(JsonReadBack, SetsTheDecoderForTheBodyAndBack) {
     EXPECT_EQ(SdpGetSupMedProtoRtpAvpf(), 0u);
 }
 
-// Their word has no code, and payload numbers all the same.
+// Their word has no code, but payload numbers.
 TEST(JsonReadBack, TakesMediaOfTheRtpFamily) {
     json document = sample();
     document["media"][1]["protocol"] = "UDP/TLS/RTP/SAVPF";
@@ -391,7 +391,7 @@ TEST(JsonReadBack, WritesFlagsSoThatNoneIsLost) {
     EXPECT_EQ(error, "/attributes/2: would be lost");
 }
 
-// Its lines are those that a decoder reads, once they end as it wants.
+// A decoder reads its lines once they have the expected line ends.
 TEST(JsonReadBack, ReadsOtherLineEndsToo) {
     for (const uint32_t lineEnd : {SDP_LINE_END_CR, SDP_LINE_END_LF}) {
         const Configured configured(SDP_T38_STYLE_FLAG, 0, lineEnd);

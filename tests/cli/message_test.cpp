@@ -1,4 +1,4 @@
-// Bodies found in texts of SIP messages, whatever the messages look like.
+// Finds bodies in texts of SIP messages of many forms.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ Texts bodiesOf(const std::string &text) {
     return bodies;
 }
 
-// "120: the body is encoded as gzip", with "wrong" or "note" after the offset where it is no more.
+// "120: the body is encoded as gzip", with "wrong" or "note" after the offset for lower severities.
 Texts problemsOf(const std::string &text) {
     Texts problems;
     for (const cli::Problem &problem : cli::findBodies(text).problems) {
@@ -86,7 +86,7 @@ TEST(Messages, EndAtTheirLength) {
     EXPECT_EQ(problemsOf(withLength(kSdp) + "after"), Texts{});
 }
 
-// What follows the end that the length means would be SDP too, or is none where the body goes on.
+// After the end that the length gives, SDP follows too; or the rest of the body is no SDP.
 TEST(Messages, WithALengthThatIsWrongGiveTheirBodyAllTheSame) {
     const std::string type = "c: application/sdp\r\n";
     const std::string size = std::to_string(kSdp.size());
@@ -145,7 +145,7 @@ TEST(Messages, MayHaveFoldedAndCompactHeadersInAnyCase) {
     }
 }
 
-// A text that lost its carriage returns says a length that counts them.
+// The length in a text that lost its carriage returns still counts them.
 TEST(Messages, WithBareLineFeedsMayCountCrLf) {
     const std::string body = withLineFeeds(kSdp);
     const std::string text = withLineFeeds(withLength(kSdp));
@@ -184,7 +184,7 @@ TEST(Messages, WithoutAnySdpAreAProblem) {
               Texts{"2: no SIP message carries an application/sdp body"});
 }
 
-// A message whose headers never end does not take the next one's.
+// A message whose headers never end does not take the headers of the next one.
 TEST(Messages, WithoutAnEmptyLineEndBeforeTheNext) {
     EXPECT_EQ(bodiesOf(kInvite + "c: application/sdp\r\n" + withLength(kSdp)).back(), kSdp);
 }
@@ -222,7 +222,7 @@ TEST(Bodies, KnowTheirLines) {
     EXPECT_EQ(found.problems[0].line, 5u);
 }
 
-// A text that comes in parts: whatever is dropped between two of them, the same is found.
+// A text that is read in parts: the results are the same wherever the earlier text is dropped.
 TEST(Bodies, AreFoundInParts) {
     const size_t ahead = cli::BodyFinder::kAhead;
     const std::string gap = '\n' + std::string(ahead + 100, 'x') + '\n';
@@ -247,7 +247,7 @@ TEST(Bodies, AreFoundInParts) {
     EXPECT_EQ(whole.bodies[1].line, found.bodies[1].line);
 }
 
-// Parts far shorter than those that are always enough: what may be decided early is decided alike.
+// Parts far shorter than those that are always sufficient: early decisions are the same.
 TEST(Bodies, AreFoundInShortParts) {
     std::mt19937 random(18);
     const auto below = [&random](size_t limit) { return random() % limit; };
@@ -356,7 +356,7 @@ TEST(Multipart, ReportsEncodedPartsAtThePart) {
                                       ": the body is encoded as base64"});
 }
 
-// ---- Any text at all
+// ---- Random texts
 
 TEST(Messages, OfAnyBytesGivePlacesInsideTheText) {
     const std::vector<std::string> pieces = {kInvite,

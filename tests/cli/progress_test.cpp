@@ -1,4 +1,4 @@
-// What the progress bar says.
+// The text of the progress bar.
 #include <gtest/gtest.h>
 
 #include "output/terminal.hpp"
@@ -21,7 +21,7 @@ TEST(Progress, OfOneFileIsInBytes) {
               "[..............................] 1.0 of 4000.0 GB, 1000 MB/s, 1:06:39 left");
 }
 
-// A pipe does not say how much will come.
+// The size of a pipe is not known.
 TEST(Progress, WithoutAnEndSaysNoneOfIt) {
     EXPECT_EQ((cli::Advance{1, 0, 0, 1'500'000'000, 3}.text()), "1.5 GB, 500 MB/s");
     EXPECT_EQ((cli::Advance{30, 3, 0, 60'000'000, 1}.text()),

@@ -1,4 +1,4 @@
-// What hostile lines cost to mask: no more than a few times as much for four times the length.
+// The cost of masking hostile lines: four times the length costs only a few times as much.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@ std::string repeated(const std::string &pattern, size_t size) {
     return text;
 }
 
-// Processor time of masking the line, in milliseconds: what other programs do does not count.
+// The processor time of masking the line, in milliseconds, without the time of other programs.
 double costOf(const std::string &line) {
     cli::Redactor redactor;
     const std::clock_t start = std::clock();
@@ -38,7 +38,7 @@ void expectLinear(const std::string &before) {
         const std::string longLine = before + repeated(pattern, 4 * kSize);
         double small = costOf(line);
         double large = costOf(longLine);
-        // The least of a few: a processor that is slow for a moment only ever adds.
+        // The minimum of a few runs: a slow moment of the processor only adds time.
         for (int again = 0; again < 5 && large >= 8 * small + 4; ++again) {
             small = std::min(small, costOf(line));
             large = std::min(large, costOf(longLine));
@@ -65,7 +65,7 @@ TEST(RedactCost, OfOtherLinesIsLinear) {
     }
 }
 
-// What was seen as seconds: a line of 80 kB.
+// A line of 80 kB once took seconds.
 TEST(RedactCost, OfALongLineIsSmall) {
     for (const char *const pattern : {"%", "1:", "A1b"}) {
         EXPECT_LT(costOf("a=x:" + repeated(pattern, 80000)), 1500) << pattern;

@@ -1,4 +1,4 @@
-// Masks: nothing that was to be hidden is left, and what is left is still a body.
+// Masks: no hidden value is left in the text, and the text is still a body.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -187,7 +187,7 @@ TEST(Redact, GivesEqualValuesEqualMasks) {
     EXPECT_EQ(redactor.redacted("a=x:tel:+1-617-555-6011"), "a=x:tel:phone1");
 }
 
-// A user, a key or a label in another place is still the same.
+// A user, a key or a label has the same mask in every place.
 TEST(Redact, GivesAValueItsMaskInEveryPlace) {
     cli::Redactor redactor;
     EXPECT_EQ(redactor.redacted("o=alice 5 5 IN IP4 x"), "o=user1 1 1 IN IP4 host1.invalid");
@@ -247,7 +247,7 @@ std::string maskedText(const std::string &body) {
     return masked;
 }
 
-// Masks may be longer than what they hide: a value, or a body, can grow beyond what is decoded.
+// Masks can be longer than the values they hide: a value or a body can grow beyond the limits.
 constexpr size_t kLongestName = 255; // of an encoding, the shortest limit
 bool growsTooLong(const std::string &masked) {
     size_t longest = 0;
@@ -259,7 +259,7 @@ bool growsTooLong(const std::string &masked) {
     return masked.size() > SDP_MAX_BODY || longest > kLongestName;
 }
 
-// Records and text give the same: what `check` shows is what `format` writes.
+// Records and text are masked alike: `check` shows the text that `format` writes.
 TEST(Redact, DoesTheSameToRecordsAndText) {
     std::mt19937 engine(5);
     size_t compared = 0;
@@ -287,7 +287,7 @@ TEST(Redact, KeepsMediaOfTheRtpFamily) {
     SdpSetSupMedProtoRtpFamily(0);
 }
 
-// ---- Nothing of what was planted is left
+// ---- None of the known secrets is left
 
 std::string lower(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -312,7 +312,7 @@ TEST(Redact, LeavesNoSecretInTheText) {
     }
 }
 
-// Whatever happens to a line, down to one that is none of SDP.
+// Lines with any damage, even those that are no SDP line.
 TEST(Redact, LeavesNoSecretInLinesWithoutTheirStart) {
     std::mt19937 engine(12);
     for (int i = 0; i < 500; ++i) {

@@ -1,4 +1,4 @@
-// Attributes to look at: every type, its value, and the questions about lists.
+// Views of attributes: every type, its value, and the queries on lists.
 #include <algorithm>
 #include <vector>
 
@@ -9,7 +9,7 @@ using namespace sdpline;
 
 namespace {
 
-// A body whose texts live in it: the value of the line may refer to them.
+// The body owns the texts that the value of the line refers to.
 class One {
 public:
     explicit One(const std::string &line) : body_(decoded(std::string(kPlain) + "a=" + line)) {}

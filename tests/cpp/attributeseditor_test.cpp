@@ -1,4 +1,4 @@
-// Attributes to change.
+// The editor of attributes.
 #include <utility>
 
 #include "cpp/cpptest.hpp"

@@ -1,4 +1,4 @@
-// What is the same: values, lines, bodies.
+// Equality of values, lines and bodies.
 #include <array>
 #include <random>
 
@@ -10,7 +10,7 @@ using namespace sdpline;
 
 namespace {
 
-// The body with one line more, or with one part of its text replaced.
+// The body with one additional line, or with one part of its text replaced.
 Body changed(std::string text, std::string_view from, std::string_view to) {
     const std::size_t at = text.find(from);
     EXPECT_NE(at, std::string::npos) << from;

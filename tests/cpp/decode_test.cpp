@@ -1,4 +1,4 @@
-// Whole bodies: text in, text out, and who owns what in between.
+// Whole bodies: from text, to text, and the ownership of memory.
 #include <array>
 #include <mutex>
 #include <span>
@@ -15,7 +15,7 @@ using support::Held;
 
 namespace {
 
-// A log hook that decodes, and what it was told at the first entry of each decode.
+// A log hook that decodes, and the first entry of each decode that it receives.
 class DecodingHook {
 public:
     DecodingHook() : before_(g_gpfnSipLmLogHndlr) { g_gpfnSipLmLogHndlr = decode; }
@@ -94,7 +94,7 @@ TEST(CppDecode, ThePlaceOfAnEarlierRefusalIsNotTold) {
     EXPECT_EQ(body.error().function, "SdpLibDecodeSdp");
 }
 
-// The parser goes on without the word of an unknown protocol; the C++ API does not.
+// The parser continues without memory for an unknown protocol; the C++ API returns an error.
 TEST(CppDecode, EveryFailedRequestIsAFailure) {
     support::Allocations::reset();
     ASSERT_TRUE(Body::decode(kEveryLine));

@@ -1,4 +1,4 @@
-// The other lines to change.
+// The editors of the other lines.
 #include <array>
 #include <utility>
 

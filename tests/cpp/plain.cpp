@@ -1,4 +1,4 @@
-// The API in a program without exceptions and without run-time types.
+// The API in a program without exceptions and without run-time type information.
 #include "cpp/plain.hpp"
 
 #include "sdpline/sdpline.hpp"

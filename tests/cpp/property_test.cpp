@@ -1,4 +1,4 @@
-// Edits by chance over bodies by chance: what the API lets through is read back as it was meant.
+// Random edits of random bodies: an edit that the API accepts is read back as it was made.
 #include <algorithm>
 #include <deque>
 #include <random>
@@ -17,7 +17,7 @@ class Editing {
 public:
     explicit Editing(std::mt19937 &engine) : chance_(engine) {}
 
-    // Makes one edit, and returns whether it was let through.
+    // Makes one edit, and returns whether it was accepted.
     bool one(Body &body) {
         switch (chance_.below(15)) {
         case 0: return body.setSessionName(text()).ok();
@@ -37,8 +37,8 @@ public:
     }
 
 private:
-    // Mostly harmless bytes; blanks, separators, line ends and NULs among them. A few texts are
-    // about as long as a text may be, of harmless bytes only.
+    // Mostly ordinary bytes, and some blanks, separators, line ends and NULs. A few texts have
+    // about the maximum length, with ordinary bytes only.
     std::string_view text() {
         static constexpr char kBytes[] = "abcxyz019AZ:;@,()<>/.-_= \t\r\n\0\x80\xFF";
         const bool isLong = chance_.oneIn(200);
@@ -55,7 +55,7 @@ private:
         return chance_.oneIn(2) ? text() : std::string_view(chance_.pick(kNames));
     }
 
-    // A media description of the body, or some of its lines, once more.
+    // Copies a media description of the body, or some of its lines.
     bool copied(Body &body) {
         if (body.media().empty() || body.media().size() > 8) {
             return false;

@@ -1,5 +1,5 @@
-// Every operation that asks for memory, with the first, second, ... request failing until none
-// does: each failure says so, changes nothing that can be seen, and leaks nothing.
+// Every operation that allocates, with the first, second, ... request failing until none does: each
+// failure is reported, changes nothing that is visible, and leaks nothing.
 #include <array>
 #include <functional>
 
@@ -22,7 +22,7 @@ Status statusOf(const Result<Value> &result) {
     return result ? Status() : Status(result.error());
 }
 
-// A body to copy from, made before anything fails.
+// The source of copies, made before any request fails.
 const Body &offer() {
     static const Body body = decoded(kEveryLine);
     return body;
@@ -115,12 +115,12 @@ const Operation kOperations[] = {
      }},
 };
 
-// What can be seen of a body: its text, and the t= lines that are not in it.
+// The visible state of a body: its text, and the t= lines that are not in the text.
 std::string seen(const Body &body) {
     return written(body) + std::to_string(body.times().size());
 }
 
-// Returns how many requests failed before one run succeeded.
+// Returns the number of failed runs before one succeeded.
 std::uint32_t failuresOf(const Operation &operation, std::string_view text) {
     offer();
     for (std::uint32_t n = 1;; ++n) {

@@ -1,4 +1,4 @@
-// Views of a body that is gone at the end of the line do not compile; what outlives it does.
+// Views of a body that is destroyed at the end of the expression do not compile; copies do.
 #include <type_traits>
 #include <utility>
 
@@ -16,7 +16,7 @@ namespace {
         std::forward<B>(of) expression;                                                            \
     }
 
-// A view: of a body that has a name only.
+// A view: only of a body that is an lvalue.
 #define VIEWS(Name, expression)                                                                    \
     COMPILES(Name, expression);                                                                    \
     static_assert(Name<Body &> && Name<const Body &>);                                             \
@@ -38,7 +38,7 @@ VIEWS(Medias, .media());
 VIEWS(Records, .record());
 VIEWS(ConnectionsOf, .connectionOf(std::declval<const Media &>()));
 
-// A value: of any body.
+// A copy: of any body.
 #define VALUES(Name, expression)                                                                   \
     COMPILES(Name, expression);                                                                    \
     static_assert(Name<Body &> && Name<const Body &> && Name<Body> && Name<const Body>)
@@ -48,7 +48,7 @@ VALUES(Encodes, .encode());
 VALUES(EncodesInto, .encode(std::span<char>()));
 VALUES(Clones, .clone());
 
-// The same by way of a result that has no name.
+// The same through a result that is a temporary.
 COMPILES(NamesByArrow, ->sessionName());
 COMPILES(NamesByStar, .value().sessionName());
 static_assert(NamesByArrow<Result<Body> &> && NamesByArrow<const Result<Body> &>);
@@ -60,7 +60,7 @@ COMPILES(Bytes, ->data());
 static_assert(Bytes<Result<std::string> &> && !Bytes<Result<std::string>>);
 static_assert(Bytes<Result<std::string_view>>);
 
-// An editor owns nothing: it may come from a result that has no name.
+// An editor owns nothing: it can come from a temporary result.
 COMPILES(Edits, ->setPort(1));
 static_assert(Edits<Result<MediaEditor>> && Edits<const Result<MediaEditor>>);
 

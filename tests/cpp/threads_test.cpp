@@ -1,4 +1,4 @@
-// Several threads over the C++ API at once. Bodies are not shared between those that change them.
+// Several threads that use the C++ API. Threads that change bodies do not share them.
 #include <algorithm>
 #include <atomic>
 #include <mutex>
@@ -41,7 +41,7 @@ TEST(CppThreads, DecodesGoOneAtATime) {
     EXPECT_EQ(wrong, 0);
 }
 
-// No thread sees the options of another one, nor does the process have them.
+// The options of a thread affect neither other threads nor the process.
 TEST(CppThreads, EachDecodeHasItsOptions) {
     const std::string head = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nt=0 0\r\n";
     const std::string offer = head + "m=audio 9 UDP/TLS/RTP/SAVPF 111 63\r\n";

@@ -1,5 +1,5 @@
-// The C++ API beside others: programs without exceptions, and the library's own headers, whose
-// names live in the namespace around that API's.
+// The C++ API together with other code: programs without exceptions, and the internal headers of
+// the library, whose names are in the namespace around that of the API.
 #include "sdpline/sdpline.hpp"
 
 #include "checks/checks.hpp"
@@ -20,8 +20,8 @@
 
 namespace sdpline {
 
-// Every name of the API that a program writes is found from the namespace that the library's
-// internals are in, and is not one of theirs.
+// Name lookup from the namespace of the library's internals finds every name of the API, and none
+// of the internals.
 static_assert(std::is_same_v<Body, v1::Body>);
 static_assert(std::is_same_v<Error, v1::Error> && std::is_same_v<Fault, v1::Fault>);
 static_assert(std::is_same_v<Result<int>, v1::Result<int>> && std::is_same_v<Status, v1::Status>);

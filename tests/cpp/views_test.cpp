@@ -1,4 +1,4 @@
-// Lines to look at: every kind of line, and the ranges over them.
+// Views of lines: every kind of line, and the ranges over them.
 #include <algorithm>
 #include <array>
 #include <iterator>

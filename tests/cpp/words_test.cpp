@@ -23,7 +23,7 @@ std::optional<Value> valueOf(const std::string &line) {
     return body.attributes().first<Value>();
 }
 
-// Those that have a word.
+// The values that have a word.
 template <class Code>
 std::vector<Code> codesOf() {
     std::vector<Code> codes;

@@ -1,5 +1,5 @@
-// Prints docs/results.md from the table of failing checks, so that the document cannot say anything
-// else than the code.
+// Prints docs/results.md from the table of failing checks, so that the document always agrees with
+// the code.
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
@@ -52,7 +52,7 @@ std::string logText(const Logged &logged) {
     return std::to_string(logged.level) + ", " + category;
 }
 
-// A bar would end the cell.
+// A vertical bar would end the cell.
 std::string cell(const char *sentence) {
     std::string text;
     for (; *sentence != '\0'; ++sentence) {

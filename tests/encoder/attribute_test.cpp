@@ -1,4 +1,4 @@
-// The a= lines but the preconditions.
+// The a= lines except the preconditions.
 #include <algorithm>
 
 #include "encoder/encodetest.hpp"

@@ -105,8 +105,8 @@ TEST_F(EncodeConnection, TriesEveryLetterOfIpv6) {
     }
 }
 
-// The address type names the text's family, the transport address the binary's; each is written
-// as it is.
+// The address type has the family of the text, the transport address that of the bytes; both are
+// written unchanged.
 TEST_F(EncodeConnection, DoesNotTieTheAddressTypeToTheAddress) {
     connection.stAddrType.enAddrType = SDP_ADDRTYPE_IP6;
     EXPECT_EQ(encoded(), "c=IN IP6 224.2.1.1\r\n");

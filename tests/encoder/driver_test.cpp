@@ -120,7 +120,7 @@ TEST_F(EncodeBody, LogsTheFieldsFailureAndThenItsOwn) {
     EXPECT_EQ(text(), "v=0\r\no=jdoe 2890844526 2890842807 ");
 }
 
-// ---- Each append of a body refused
+// ---- Each append of a body fails
 
 struct Group {
     SDPResult result; // of a body that loses one of these appends
@@ -129,7 +129,7 @@ struct Group {
 
 const uint32_t kGoesOn = 0;
 
-// The appends of the full body in order, and what encoding the body returns without one of them.
+// The appends of the full body in order, and the result of the encoder when one of them fails.
 const std::vector<Group> kFullBodyAppends = {
     {0x03040068, {"v", "=", "0", "\r\n"}},
     {0x03042068,
@@ -190,7 +190,7 @@ TEST_F(EncodeBody, AnswersTheCodeOfTheLineThatLostAnAppend) {
             const SDPResult result = SdpLibEncodeSdpInt(&full.line, buffer);
             EXPECT_EQ(resultName(result), resultName(group.result)) << n << ' ' << append;
             if (result != 0) {
-                // Nothing after the line that failed.
+                // Nothing is written after the line that failed.
                 EXPECT_EQ(log.texts().back(), "3 sdpencode SdpLibEncodeSdpInt 21");
                 EXPECT_LT(Appends::count(), n + 6) << append;
             } else if (&group != &kFullBodyAppends.back()) {

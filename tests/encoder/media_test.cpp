@@ -235,7 +235,7 @@ protected:
     FullBody body;
     SDPMediaDesc &audio = body.medias[0];
 
-    // All that follows the first m= line.
+    // Everything after the first m= line.
     const std::string rest =
         std::string(kFullBodyText).substr(std::string(kFullBodyText).rfind("i=A Seminar"));
 };

@@ -17,7 +17,7 @@ protected:
         return text();
     }
 
-    // A word that fails: what is left, and the log of the word and of the whole.
+    // A word that fails: the text that remains, and the log entries of the word and of the line.
     void expectRefused(SDPResult result, const char *left, const std::string &wordFunction,
                        const std::string &message) {
         startAnew();

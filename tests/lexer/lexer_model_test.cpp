@@ -1,5 +1,5 @@
-// The lexer beside its model, on random inputs under random operations: after every operation all
-// getters return the same. The seed is fixed.
+// Compares the lexer with its model on random inputs and random operations: after every operation
+// all getters return the same. The seed is fixed.
 #include "lexer/lexertest.hpp"
 
 #include <algorithm>
@@ -28,7 +28,7 @@ public:
     uint32_t below(uint32_t bound) { return static_cast<uint32_t>(engine_() % bound); }
     bool oneIn(uint32_t n) { return below(n) == 0; }
 
-    // Bytes that the contexts treat differently, among them now and then any byte and long runs.
+    // Bytes that the contexts treat differently, sometimes any byte, and long runs.
     std::string input() {
         static constexpr std::string_view kinds[] = {
             "IN IP4 IP6 X-", "osvuiepcbtkamrz=", "=========",
@@ -91,8 +91,8 @@ protected:
         ASSERT_EQ(sdpGetInput(), model_.input);
     }
 
-    // Runs an operation on the lexer of the state, or, as a parse does that knows what follows its
-    // input, on one that need not look for special places.
+    // Runs an operation on the lexer of the state or, like a parse that knows the bytes after its
+    // input, on one that does not check for special places.
     template <class Operation>
     auto onLexer(const Operation &operation) const {
         StateLexer lexer = sdpline::lexer::load();
@@ -112,7 +112,7 @@ protected:
 
     // ---- One operation on both
 
-    // The value of digits is counted while they are cut, where nothing is special.
+    // Where nothing is special, the value of digits is computed while they are cut.
     static void compareCounted(const sdpline::Position &position) {
         const std::string_view digits = {reinterpret_cast<const char *>(position.at),
                                          static_cast<size_t>(position.end - position.at)};
@@ -194,7 +194,7 @@ protected:
         EXPECT_EQ(kind, model_.startTracking());
     }
 
-    // Any place of the input, as setters may set it.
+    // Any position in the input, as setters can set it.
     void jump(Random &random) {
         if (size_ == 0) {
             return;
@@ -208,7 +208,7 @@ protected:
         model_.impose();
     }
 
-    // A token half made.
+    // An incomplete token.
     void build(Random &random) {
         if (model_.start < size_ && random.oneIn(3)) {
             model_.index = random.below(size_ - model_.start + 1);
@@ -250,9 +250,9 @@ protected:
         compare();
     }
 
-    // ---- The fast operations beside token by token
+    // ---- The fast operations compared with token by token
 
-    // Both on a token of the context that was cut at any place of the input, or on its end.
+    // Both on a token of the context at any position in the input, or at its end.
     void moveAnywhere(Random &random, uint32_t context) {
         switchBoth(context);
         if (!random.oneIn(4) && size_ != 0) {
@@ -313,7 +313,7 @@ TEST_F(LexerModelTest, RandomOperationsLeaveTheSameState) {
     }
 }
 
-// As the parser uses it: one input from its start to its end.
+// Like the parser: one input from its start to its end.
 TEST_F(LexerModelTest, RandomInputsAreCutTheSameFromStartToEnd) {
     Random random(7);
     for (int round = 0; round < 5000 && !HasFailure(); ++round) {
@@ -418,10 +418,10 @@ TEST_F(LexerModelTest, BytesAfterOffset0NeverReachASlash) {
     }
 }
 
-// ---- Bodies beside their normal forms
+// ---- Bodies compared with their normal forms
 
-// A body with CR LF and LF at its line ends and spaces before its lines; its normal form; and where
-// in that each of its bytes is.
+// A body with CR LF and LF at its line ends and spaces before its lines; its normal form; and the
+// position of each byte in it.
 struct TwoForms {
     std::string body = "v=";
     std::string normal = "v=";

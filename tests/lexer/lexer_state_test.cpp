@@ -1,4 +1,4 @@
-// The lexer's state: places, the end, texts, and the operations that set them.
+// The lexer's state: positions, the end, texts, and the operations that set them.
 #include "lexer/lexertest.hpp"
 
 #include <cstring>

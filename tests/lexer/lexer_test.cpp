@@ -1,4 +1,4 @@
-// How the six contexts cut tokens. The kinds of the 256 bytes are plain numbers here.
+// The tokens of the six contexts. The kinds of the 256 bytes are numbers here.
 #include "lexer/lexertest.hpp"
 
 #include <array>
@@ -145,7 +145,7 @@ TEST_F(LexerTest, EveryByteButSeparatorsBeginsATokenInTheTokenContext) {
 
 // ---- Contexts: the second byte
 
-// Where the token ends that begins with `first`, with `second` after it; first at offset 2.
+// The end of the token that begins with `first` at offset 2, followed by `second`.
 #define EXPECT_RUN(context, first, second, continues, kind)                                        \
     do {                                                                                           \
         useInside(std::string(first) + str(second) + "\n", context);                               \

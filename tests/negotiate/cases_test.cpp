@@ -1,5 +1,5 @@
-// Runs every case of tests/cases/negotiate; an answer that is expected is also checked, made again
-// with itself as the previous one, and looked at from both ends.
+// Runs every case of tests/cases/negotiate; an expected answer is also checked, made again with
+// itself as the previous one, and evaluated from both sides.
 #include <gtest/gtest.h>
 
 #include "negotiate/documents.hpp"

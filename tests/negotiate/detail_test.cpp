@@ -1,4 +1,4 @@
-// Decisions that are different for a few inputs only.
+// Decisions that differ only for a few inputs.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,14 +12,14 @@ namespace {
 
 using sdpline::Body;
 
-// ---- Of several local streams the one that came furthest says why none fits
+// ---- The reason comes from the local stream whose comparison got furthest
 
 struct Failure {
     const char *local;
     const char *reason;
 };
 
-// In the order in which a stream is compared.
+// In the order of the comparisons of a stream.
 const Failure kFailures[] = {
     {"m=video 40000 RTP/SAVP 0\n", "NoMediaType"},
     {"m=audio 40000 RTP/AVP 0\nc=IN IP4 192.0.2.9\na=crypto:1 A inline:x\n", "NoProtocol"},
@@ -46,7 +46,7 @@ TEST(NegotiateDetail, TheFurthestStreamSaysWhy) {
     }
 }
 
-// A stream that is in use already is further than another kind, and less than another protocol.
+// A stream in use ranks above another media type, and below another protocol.
 TEST(NegotiateDetail, AStreamInUseSaysWhy) {
     const Body offer = offerOf("m=audio 49170 RTP/AVP 0\nm=audio 49172 RTP/AVP 0\n");
     const std::string used = "m=audio 40000 RTP/AVP 0\n";
@@ -120,7 +120,7 @@ TEST(NegotiateDetail, NumbersAreWrittenWhole) {
               "stream 1: a payload number above 127 is no format (128) [FormatNumberTooHigh]\n");
 }
 
-// The rule of a caller is told 1 or 0, and returns what is not 0.
+// The rule of a caller receives 1 or 0, and returns any value but 0.
 uint32_t sameByName(void *context, const SdpNegotiateCodec *, const SdpNegotiateCodec *,
                     uint32_t same) {
     *static_cast<uint32_t *>(context) = same;
@@ -149,7 +149,7 @@ TEST(NegotiateDetail, ARuleOfTheCallerInC) {
     }
 }
 
-// A word that other protocols have for a format, though it is a number.
+// Other protocols have a word as format, even if it is a number.
 TEST(NegotiateDetail, NumbersOfOtherProtocolsAreWords) {
     const char *const stream = "m=application 49170 DTLS/SCTP 5000\n";
     EXPECT_EQ(decisionsOf(offerOf(stream), localOf(stream)),
@@ -159,7 +159,7 @@ TEST(NegotiateDetail, NumbersOfOtherProtocolsAreWords) {
                      .accepted);
 }
 
-// ---- T.38 lines of a stream that is none
+// ---- T.38 lines of another stream
 
 TEST(NegotiateDetail, FaxLinesOfSpeech) {
     const Body offer = offerOf("m=audio 49170 RTP/AVP 0\na=T38FaxVersion:0\n");
@@ -217,7 +217,7 @@ TEST(NegotiateDetail, ASentenceIsCut) {
 
 // ---- Formats of an agreement
 
-// A number without an rtpmap in the answer is what the offer says that it is, RTX too.
+// A number without a=rtpmap in the answer has its meaning in the offer, for RTX too.
 TEST(NegotiateDetail, AnswersMayLeaveOutWhatTheOfferDefines) {
     const Body offer = offerOf("m=video 5000 RTP/AVP 96 97\na=rtpmap:96 VP8/90000\n"
                                "a=rtpmap:97 rtx/90000\na=fmtp:97 apt=96\n");
@@ -244,7 +244,7 @@ TEST(NegotiateDetail, OfEqualFormatsThatOfTheSameNumber) {
     }
 }
 
-// Two of the offer that are one of ours keep their order.
+// Two formats of the offer that match one of ours keep their order.
 TEST(NegotiateDetail, OurOrderOfFormatsThatAreOne) {
     const Body offer = offerOf("m=video 5000 RTP/AVP 96 97\na=rtpmap:96 VP8/90000\n"
                                "a=rtpmap:97 VP8/90000\n");
@@ -258,7 +258,7 @@ TEST(NegotiateDetail, AParameterEndsItsNameAtTheFirstEqualsSign) {
     EXPECT_FALSE(sdpline::answer(offer, localOf("m=audio 6000 RTP/AVP 18\n")).value().accepted);
 }
 
-// ---- Words: without the case of letters, and of nothing else
+// ---- Words: only the case of letters is ignored
 
 bool equalWords(const std::string &one, const std::string &two) {
     return std::equal(one.begin(), one.end(), two.begin(), two.end(), [](char a, char b) {

@@ -67,7 +67,7 @@ Result<sdpline::Answer> answerOf(const Case &current) {
     return sdpline::answer(*offer, *local, previous ? &*previous : nullptr, optionsOf(current));
 }
 
-// The answer outlives the bodies that it was made of, whose memory has others by then.
+// The answer must stay valid after the bodies that it was made from are freed.
 void addAnswer(const Case &current, std::map<std::string, std::string> &outputs) {
     const auto made = answerOf(current);
     const std::vector<Body> others = [] {

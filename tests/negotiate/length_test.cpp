@@ -1,5 +1,5 @@
-// Bodies at the limit of what a decoder reads, made long by each kind of text in turn: a call
-// refuses to make one that is too long, and makes every shorter one.
+// Bodies at the size limit of the decoder, lengthened by each kind of text in turn: a call refuses
+// to make one that is too long, and makes every shorter one.
 #include <gtest/gtest.h>
 
 #include "negotiate/documents.hpp"
@@ -46,7 +46,7 @@ std::string with(const char *body, size_t size) {
     return text.replace(text.find('@'), 1, size, 'x');
 }
 
-// Four lines of so many bytes.
+// Four lines of that number of bytes.
 std::string lines(const std::string &begin, size_t width) {
     const std::string line = begin + std::string(width - begin.size() - 2, 'y') + "\r\n";
     return line + line + line + line;
@@ -56,7 +56,7 @@ std::string closed(size_t width) {
     return lines("m=y 0 udp ", width);
 }
 
-// How wide four other lines are, and which lengths of a text reach the limit beside them.
+// The length of four other lines, and the lengths of a text that reach the limit with them.
 struct Span {
     size_t width;
     size_t from;
@@ -64,7 +64,7 @@ struct Span {
 };
 constexpr Span kSpans[] = {{900, 300, 440}, {755, 880, 1020}};
 
-// What a call makes of a text, one byte longer each time: bodies up to the limit, then TooLong.
+// Calls with a text that gets one byte longer each time: bodies up to the limit, then TooLong.
 template <class Make>
 void expectLimit(const Place &place, const Span &span, Make make) {
     SCOPED_TRACE(place.name);
@@ -83,7 +83,7 @@ void expectLimit(const Place &place, const Span &span, Make make) {
         ASSERT_TRUE(text) << size;
         longest = text->size();
     }
-    // Text of the other side only is not copied: then nothing grows.
+    // Text that only the other side has is not copied: then nothing grows.
     EXPECT_TRUE(refused ? longest == SDP_MAX_BODY : longest < SDP_MAX_BODY) << longest;
 }
 

@@ -1,4 +1,4 @@
-// Lines that are different for a few inputs only: transport, groups, next offers, preconditions.
+// Lines that differ only for a few inputs: transport, groups, next offers, preconditions.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -175,7 +175,7 @@ std::string streamOf(const std::vector<std::pair<unsigned, std::string>> &format
     return "m=audio 6000 RTP/AVP" + numbers + '\n' + maps;
 }
 
-// A number keeps its codec, no two codecs have one, and what is free is taken as it is wanted.
+// A number keeps its codec, no two codecs share one, and a free number is used as requested.
 TEST(NegotiateDetail, NumbersOfTheNextOffer) {
     uint32_t seed = 1;
     const auto below = [&](uint32_t count) {
@@ -271,7 +271,7 @@ TEST(NegotiateDetail, StrengthsThatAnAnswerLowers) {
     }
 }
 
-// ---- Transport, once more
+// ---- Transport, further cases
 
 TEST(NegotiateDetail, KeysOfOtherProtocols) {
     const Body offer = offerOf("m=audio 5000 x/y 0\na=crypto:1 A inline:x\n");

@@ -1,4 +1,5 @@
-// Every allocation of every call fails once: the call says so, or does without, and gives all back.
+// Every allocation of every call fails once: the call returns an error or works without, and frees
+// all.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -248,7 +249,7 @@ TEST(NegotiateMemory, ACheckWithoutMemorySaysSo) {
     EXPECT_EQ(answer.error().fault, sdpline::Fault::Memory);
 }
 
-// A session keeps what was sent last and what is in force; nothing of an offer that has its answer.
+// A session keeps the description sent last and the one in force, and frees an answered offer.
 TEST(NegotiateMemory, ASettledSessionKeepsNoOffer) {
     const auto local = sdpline::Body::decode(kLocalHead + "m=audio 40000 RTP/AVP 0\n");
     const auto remote = sdpline::Body::decode(kOfferHead + "m=audio 49170 RTP/AVP 0\n");

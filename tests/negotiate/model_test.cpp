@@ -1,5 +1,4 @@
-// Rules that are written a second time, slowly and as their RFC has them, over all that they can be
-// given.
+// A second, slow implementation of rules as their RFC states them, compared over all inputs.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,7 +27,7 @@ bool agreeOn(const Body &offer, const Body &local) {
     return sdpline::answer(offer, local).value().accepted;
 }
 
-// ---- H264: RFC 6184 section 8.1, table 5, as it is printed
+// ---- H264: RFC 6184 section 8.1, table 5
 
 const std::array<std::pair<const char *, std::pair<int, const char *>>, 7> kTable5 = {{
     {"CB", {0x42, "x1xx0000"}},
@@ -284,7 +283,7 @@ void expectDirections(bool multicast, const std::string &session, const std::str
     const std::string text = textOf(answer->body);
     const bool silent = wordOf(both) == "sendrecv" && theirs.empty() && session.empty();
     ASSERT_EQ(text.find("a=" + wordOf(both) + '\n') == std::string::npos, silent) << text;
-    // Any two bodies, as both of them see them.
+    // Any two bodies, from both sides.
     const Ways common = multicast ? Ways{peer.send && own.send, peer.receive && own.receive} : both;
     const auto answerer = sdpline::agree(offer, local, sdpline::Side::Answerer);
     const auto offerer = sdpline::agree(offer, local, sdpline::Side::Offerer);
@@ -372,7 +371,7 @@ std::multiset<std::string> linesOf(const Segments &segments, bool confirm) {
             desire(one.desired[0], "send");
             desire(one.desired[1], "recv");
         }
-        // Only the peer knows its segment, and whether what is sent to us end to end is there.
+        // Only the peer knows its segment, and whether the direction to us is reserved end to end.
         const unsigned asked = i == 0 ? one.missing() & 2 : i == 2 ? one.missing() : 0;
         if (confirm && asked != 0) {
             lines.insert("a=conf:qos " + status + ' ' + kDirections[asked]);
@@ -405,7 +404,7 @@ Segments turned(const Segments &segments) {
     return result;
 }
 
-// What the answer says: strengths may rise; we know our segment, the peer knows its own.
+// The answer: strengths may rise; we know our segment, and the peer knows the other one.
 Segments merged(const Segments &peer, const Segments &own) {
     Segments result;
     for (size_t i = 0; i < 3; ++i) {

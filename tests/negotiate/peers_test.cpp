@@ -1,5 +1,5 @@
-// SDP answers as other libraries decode them: media, ports, protocols, formats, directions,
-// addresses and the number of attributes are those that we meant.
+// SDP answers decoded by other libraries: media, ports, protocols, formats, directions, addresses
+// and the number of attributes are as intended.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +19,7 @@ using peers::Stream;
 using peers::Streams;
 using sdpline::Body;
 
-// sofia-sip returns words that it knows as it writes them itself.
+// sofia-sip returns words that it knows in its spelling.
 std::string lowered(std::string_view word) {
     std::string text(word);
     std::transform(text.begin(), text.end(), text.begin(), [](char byte) {
@@ -28,7 +28,7 @@ std::string lowered(std::string_view word) {
     return text;
 }
 
-// What we meant.
+// The intended values.
 Streams meant(const Body &body) {
     Streams streams;
     for (const sdpline::Media media : body.media()) {
@@ -64,7 +64,7 @@ std::string describe(const Streams &streams) {
     return text;
 }
 
-// What a library reads in another way, by case.
+// The differences of a library, by case.
 struct Exception {
     std::string_view peer;
     std::string_view title;
@@ -74,7 +74,7 @@ constexpr Exception kExceptions[] = {
     {"libre", "A multicast stream among others"}, // a number of ports after the port:
     {"libre", "Ports of a hierarchical stream"},  // it is read as port 0
     {"sofia", "Only numbers above 127"},          // refused
-    // a multicast address with its TTL is not read: the session's holds
+    // a multicast address with its TTL is not read: that of the session is used
     {"libre", "A multicast stream that is sendrecv"},
     {"libre", "A multicast stream that is sendonly"},
     {"libre", "A multicast stream that is recvonly"},
@@ -131,7 +131,7 @@ TEST_F(NegotiatePeers, ReadAnswersAsTheyAreMeant) {
     EXPECT_GT(read, 100u);
 }
 
-// ---- Offers by chance, of what phones and browsers say
+// ---- Random offers with lines of phones and browsers
 
 class Offers {
 public:
@@ -227,7 +227,7 @@ private:
     uint32_t number_ = 96;
 };
 
-// What a gateway can do: each stream twice, some with an address of their own.
+// The body of a gateway: each stream twice, some with their address.
 const char *const kGateway =
     "v=0\no=- 2 1 IN IP4 198.51.100.2\ns=-\nc=IN IP4 198.51.100.2\nt=0 0\n"
     "m=audio 40000 RTP/AVP 8 0 9 18 96 97 98 101\na=rtpmap:96 opus/48000/2\n"

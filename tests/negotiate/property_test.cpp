@@ -1,4 +1,4 @@
-// Laws that hold for any two bodies, over bodies made by chance and those of the cases.
+// Properties of any two bodies, tested on random bodies and those of the cases.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -63,7 +63,7 @@ void expectBothEnds(const Body &offer, const Body &answer) {
     }
 }
 
-// What nothing can change between two answers to one offer: see chooseConnection.
+// The part that must be equal in two answers to one offer: see chooseConnection.
 bool hasExistingConnection(const std::string &offer) {
     return offer.find("a=connection:existing") != std::string::npos;
 }
@@ -106,7 +106,7 @@ void expectNext(const std::string &previousText, const std::string &wantedText) 
     SCOPED_TRACE("previous\n" + previousText + "\nwanted\n" + wantedText + "\nnext\n" +
                  textOf(*next));
     std::string faults = textOf(sdpline::checkNext(*previous, *next));
-    // A port of the wanted body is what it is.
+    // The port of the wanted body is not changed.
     while (faults.find("[NextPortTooHigh]") != std::string::npos) {
         const size_t end = faults.find("[NextPortTooHigh]\n") + 18;
         const size_t begin = faults.rfind('\n', end - 2);
@@ -127,7 +127,8 @@ public:
 };
 
 TEST_F(NegotiateProperty, AnyTwoBodiesMadeByChance) {
-    // With flags of 0 left out a description is not what was decided: they are written as they are.
+    // Without flags of 0 the description would differ from the decision: they are written with
+    // values.
     const support::Configured configured(SDP_T38_STYLE_VALUE, 1, SDP_LINE_END_CRLF);
     std::mt19937 engine(16);
     for (int i = 0; i < 400; ++i) {
@@ -153,7 +154,7 @@ TEST_F(NegotiateProperty, AnyTwoBodiesOfTheCases) {
     }
 }
 
-// Any two bodies as an offer and its answer: judged without an end, and agreed on by both.
+// Any two bodies as an offer and its answer: the check ends, and both sides agree.
 TEST_F(NegotiateProperty, AnyReply) {
     const auto bodies = casesBodies();
     std::mt19937 engine(18);

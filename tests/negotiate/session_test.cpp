@@ -1,4 +1,4 @@
-// The state machine: who may do what when, and what stays in force.
+// The state machine: the calls that each state allows, and the description in force.
 #include <gtest/gtest.h>
 
 #include "negotiate/documents.hpp"
@@ -129,7 +129,7 @@ TEST(Negotiator, ARefusedOfferLeavesWhatIsInForceAndUsesItsVersionUp) {
     ASSERT_TRUE(session.refused());
     EXPECT_EQ(session.state(), State::Stable);
     EXPECT_EQ(textOf(session.local()), inForce);
-    // The same again is what was sent; another one has the next version.
+    // An equal description is sent unchanged; another one has the next version.
     const auto again = session.offer(localOf(kHold));
     EXPECT_EQ(versionOf(*again), "2");
     ASSERT_TRUE(session.refused());
@@ -138,7 +138,7 @@ TEST(Negotiator, ARefusedOfferLeavesWhatIsInForceAndUsesItsVersionUp) {
     EXPECT_EQ(versionOf(answer->body), "3");
 }
 
-// The m= lines of a refused offer have never been; its version has.
+// The m= lines of a refused offer do not count; its version does.
 TEST(Negotiator, ARefusedOfferLeavesNoLines) {
     Negotiator session;
     ASSERT_TRUE(session.offer(localOf(kAudio)));
@@ -151,7 +151,7 @@ TEST(Negotiator, ARefusedOfferLeavesNoLines) {
     EXPECT_EQ(versionOf(*next), "3");
     ASSERT_TRUE(session.refused());
 
-    // What was in force again is another description than the one that was sent last.
+    // The description in force differs from the one that was sent last.
     const auto back = session.offer(localOf(kAudio));
     EXPECT_EQ(versionOf(*back), "4");
 }
@@ -191,7 +191,7 @@ TEST(Negotiator, Glare) {
     EXPECT_TRUE(session.receiveAnswer(offerOf(kAudio)));
 }
 
-// Each call in the states in which it has no place: an error, and nothing changes.
+// Each call in the states that do not allow it: an error, and nothing changes.
 TEST(Negotiator, CallsInTheWrongState) {
     const Body local = localOf(kAudio);
     const Body remote = offerOf(kAudio);

@@ -1,5 +1,5 @@
-// Answers beside those of sofia-sip's offer/answer engine: the cases in which the two differ are
-// those of docs/differences.md.
+// Compares answers with those of sofia-sip's offer/answer engine: the cases in which the two differ
+// are those of docs/differences.md.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,8 +20,8 @@ namespace {
 
 using sdpline::Body;
 
-// What the engine answers; empty where it does not. All common formats in the offer's order, as our
-// answers have them.
+// The answer of the engine; empty if there is none. It has all common formats in the offer's order,
+// like our answers.
 std::string answerBySoa(su_root_t *root, const std::string &offer, const std::string &local) {
     soa_session_t *const session = soa_create("default", root, nullptr);
     soa_set_params(session, SOATAG_RTP_SELECT(SOA_RTP_SELECT_COMMON),
@@ -45,8 +45,8 @@ const peers::Peer &sofia() {
                          [](const peers::Peer &one) { return one.name == "sofia"; });
 }
 
-// As its parser reads it. The engine leaves the formats of rejected streams out, and writes words
-// that it knows in small letters.
+// The text that its parser reads. The engine omits the formats of rejected streams, and writes
+// words that it knows in small letters.
 std::string streamsOf(const std::string &text) {
     std::string all;
     for (peers::Stream stream : sofia().read(text).value_or(peers::Streams())) {

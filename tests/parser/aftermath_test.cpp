@@ -1,9 +1,9 @@
-// What a parse leaves for the lexer's getters: the context in force where it stopped, the kind of
-// the token it stopped at, and in the text buffer the text that it took last. A rule that tests a
-// token and then switches leaves the context of before when it refuses; one that switches and then
-// tests leaves the new one.
+// The state that the lexer's getters return after a parse: the context where it stopped, the kind
+// of the token it stopped at, and in the text buffer the last text. A rule that tests a token and
+// then switches the context leaves the previous context when it refuses; one that switches first
+// leaves the new one.
 //
-// The test runs in two programs: where memset_s is the program's own, and where it is libsipcore's.
+// The test runs in two programs: in one memset_s is the program's, in the other libsipcore's.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -391,7 +391,7 @@ TEST_F(AftermathOfCalls, WordsClassifiedLeaveTheTextBuffer) {
     EXPECT_STREQ(sdpGetThrowAwayBuffer(), "#");
 }
 
-// ---- An input that is gone
+// ---- An input that was freed
 
 SDPResult decodeText(const char *text) {
     const SipString body = {static_cast<uint32_t>(std::string_view(text).size()),
@@ -469,7 +469,7 @@ TEST_F(InputGone, TheNextInputIsRead) {
     EXPECT_STREQ(LT(), "v=");
 }
 
-// ---- What a decode finds, and what a log hook sees of it
+// ---- The state before a decode, and the state that a log hook reads
 
 class DecodeState : public testing::Test {
 protected:

@@ -1,4 +1,4 @@
-// The copy of a text that the lexer reads nearly as it is: which texts have one, and what is in it.
+// The copy of a text for the lexer: the texts that have one, and its contents.
 #include "parser/normalform.hpp"
 
 #include <gtest/gtest.h>
@@ -14,10 +14,10 @@ namespace {
 using support::Guarded;
 using namespace std::string_view_literals;
 
-// What ends the normal form, and the padding.
+// The end of the normal form, and the padding.
 const std::string kAfterBody = std::string("\n\n") + std::string(1 + 16, '\0');
 
-// The copy with all that is written after it; no value where none is made.
+// The copy with everything that is written after it; no value if none is made.
 std::optional<std::string> copiedBody(std::string_view text) {
     Guarded input(text);
     Guarded output(text.size() + kAfterBody.size());
@@ -32,7 +32,7 @@ std::string_view beginningOfBody() {
     return text;
 }
 
-// Bodies of each length have the bytes at each of their offsets.
+// Bodies of every length with the bytes at every offset.
 template <class Judge>
 void atEachOffset(std::string_view bytes, Judge judge) {
     for (size_t size = 18; size < beginningOfBody().size(); ++size) {

@@ -1,5 +1,5 @@
-// The driver: the order of lines, the normal form, the growth of lists, and what a parse leaves
-// when it ends. Whole bodies are in the case documents.
+// The driver: the order of lines, the normal form, the growth of lists, and the state after a
+// parse. Whole bodies are in the case documents.
 #include "parser/parsing.hpp"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ constexpr Line kLines[] = {
     {"m", "m=audio 0 TCP x", SDP_TOK_MEDIA},
 };
 
-// Lines of no kind, with the token that they begin with.
+// Lines of an unknown type, with their first token.
 constexpr Line kOddLines[] = {
     {"f", "f=1", SDP_TOK_ALPHA},      {"V", "V=0", SDP_TOK_ALPHA},
     {"t", "t 0 0", SDP_TOK_ALPHA},    {"0", "0=1", SDP_TOK_DIGIT},
@@ -62,7 +62,7 @@ struct State {
     const char *refusal;
 };
 
-// Lists take lines of their own kind again, t= its r= lines.
+// Lists accept more lines of their type, t= its r= lines.
 constexpr State kStates[] = {
     {"", "pbctmuie", "AfterName 102"},
     {"i", "pbctue", "AfterInfo 102"},
@@ -235,7 +235,7 @@ TEST(FirstLines, AreVersionOriginAndName) {
     }
 }
 
-// Below an m= line other rules hold; after its attributes the driver decides again.
+// Below an m= line other rules apply; after its attributes the driver's rules apply again.
 TEST(LastLines, AreThoseOfTheMedia) {
     for (const Line &line : kLines) {
         const bool follows = line.key[0] == 'a' || line.key[0] == 'm';
@@ -311,7 +311,7 @@ TEST(NormalForm, DropsNulBytes) {
     EXPECT_EQ(normalForm(bytes("a\n\0b")), "a\nb\n\n");
 }
 
-// A blank is judged by what was written last, a CR by the byte after it in the text.
+// The last byte that was written decides about a blank, the next byte of the text about a CR.
 TEST(NormalForm, LooksThroughNulBytesAtBlanksButNotAtLineFeeds) {
     EXPECT_EQ(normalForm(bytes("a\n\0 b")), "a\nb\n\n");
     EXPECT_EQ(normalForm(bytes("a\n \0 \0\0 b")), "a\nb\n\n");

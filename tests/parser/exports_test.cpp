@@ -1,5 +1,5 @@
-// Parsers that the library itself reaches by other ways, called as a program may call them: each
-// reads what the same text gives within a body.
+// Exported parsers that the library does not call by these names: each has the same result as the
+// text within a body.
 #include <cstring>
 
 #include "parser/parsing.hpp"
@@ -30,7 +30,7 @@ constexpr ValueParser kValueParsers[] = {
     {sdpRtpmapAttr, SDP_ATTR_RTPMAP, "rtpmap:97 iLBC/8000/2\n"},
 };
 
-// What the value encodes to tells everything that was read.
+// The encoded value shows everything that was read.
 std::string written(SDPAttr &attr) {
     uint32_t withPrefix = 1;
     SipRefString *text = nullptr;

@@ -1,4 +1,5 @@
-// Whole bodies of 4093 bytes in the smallest of lines: as many as fit, written back and read again.
+// Whole bodies of 4093 bytes with as many of the shortest lines as fit, written back and read
+// again.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -47,7 +48,7 @@ protected:
         return text;
     }
 
-    // The line as often as it fits into a body that begins and ends so, and how often that is.
+    // Repeats the line as often as it fits between this start and end, and counts the lines.
     static std::string fill(const std::string &begin, const std::string &line,
                             const std::string &end, uint32_t &count) {
         std::string text = begin;

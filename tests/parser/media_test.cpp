@@ -41,7 +41,7 @@ struct FirstToken {
 constexpr const char *kMedia = "m=audio 1 RTP/AVP 0\n";
 constexpr const char *kConnection = "c=IN IP4 192.0.2.1\n";
 
-// Every kind of line, and first tokens that begin none.
+// Every kind of line, and first tokens of no line.
 constexpr FirstToken kFirstTokens[] = {
     {"v=0\n", 37},
     {"o=- 1 1 IN IP4 192.0.2.1\n", 35},
@@ -76,7 +76,7 @@ std::string after(const FirstToken &line) {
     return line.kind == SDP_TOK_EOF ? "" : std::string(line.text) + '\n';
 }
 
-// Which lines may follow another, and which check refuses the rest.
+// The lines that may follow another, and the check that refuses the others.
 struct Order {
     const char *line;
     std::vector<uint32_t> followers;
@@ -229,7 +229,7 @@ TEST_F(MediaTest, ARefusedDescriptionLeavesTheCount) {
 
 // ---- The counter of 8 bits
 
-// So many lines with ports 1, 2, 3 ... that take no memory of their own.
+// That number of lines with ports 1, 2, 3 ..., which need no memory.
 std::string manyLines(uint32_t count) {
     std::string text;
     for (uint32_t port = 1; port <= count; ++port) {

@@ -1,5 +1,5 @@
 // The media-control attributes by their parsers called alone: texts without a line end, the word
-// classifiers, and what stays in the record when a line is refused.
+// classifiers, and the contents of the record after a refused line.
 #include "parser/parsing.hpp"
 
 namespace {

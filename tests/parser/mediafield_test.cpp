@@ -1,4 +1,4 @@
-// The parsers of the m= line one by one: what bodies cannot reach, and memory that fails.
+// The parsers of the m= line one by one: inputs that bodies cannot have, and memory failures.
 #include "parser/parsing.hpp"
 
 #include <array>
@@ -14,7 +14,7 @@ class MediaFieldTest : public support::ParsingTest {
 protected:
     MediaFieldTest() { clear(); }
 
-    // As the parser's own records are: zeroed.
+    // Zeroed like the records of the parser.
     void clear() { field = {}; }
 
     SDPResult parse(std::string_view text) {
@@ -127,7 +127,7 @@ TEST_F(MediaFieldTest, WithoutZeroBytesTheEmptyListFails) {
     EXPECT_EQ(log.texts(), Texts{"5 sdpparser sdpRtpAvpMediaFmt 1"});
 }
 
-// A whole body: what the encoder makes of the empty list can be read for port 0 only.
+// A whole body: the encoded text of an empty list can be read only with port 0.
 TEST(MediaFieldBody, ABlankWithoutPayloadNumbersIsWrittenWithoutTheBlank) {
     std::string body = "v=0\r\no=- 1 1 IN IP4 192.0.2.1\r\ns=-\r\nm=audio 5004 RTP/AVP \r\n";
     const SipString text = {static_cast<uint32_t>(body.size()), body.data()};

@@ -1,5 +1,5 @@
-// The v=, o= and text line parsers alone: what no whole body can bring about, and what they leave
-// in the records.
+// The parsers of v=, o= and text lines by themselves: inputs that no whole body can have, and the
+// contents of the records.
 #include "parser/parsing.hpp"
 
 #include "support/securefaults.hpp"

@@ -80,7 +80,7 @@ TEST_F(ParserTime, EndOfInputIsNoUnit) {
     EXPECT_EQ(unit.enTimeType, uint32_t{SDP_TIME_SECONDS});
 }
 
-// ---- What a unit may be
+// ---- Units
 
 TEST_F(ParserTime, ATypedTimeSwitchesTheContextBeforeItLooks) {
     start("r=x");
@@ -171,8 +171,8 @@ TEST_F(ParserTime, LinesAfterThe256thTakeTheFirstSlots) {
     EXPECT_EQ(timesOf(set), "257-0 258-0 259-0");
 }
 
-// The array is asked for slot by slot; after the wrap it stays for one line and then shrinks to
-// two slots.
+// The array grows by one slot at a time; after the wrap it keeps its size for one line and then
+// shrinks to two slots.
 TEST_F(ParserTime, TimeArrayGrowsByOneSlotAndStartsAnewAfterTheWrap) {
     start(timeLines(258) + "\n");
     SDPTimeSet set = {};
@@ -239,7 +239,7 @@ TEST_F(ParserTime, RecordsStartZeroed) {
     EXPECT_EQ(repeats, nullptr);
 }
 
-// ---- What stays in the records when a line is refused
+// ---- The contents of the records after a refused line
 
 TEST_F(ParserTime, CountsAreStoredWhenTheirListsEnd) {
     start("t=1 2\nr=7d 1h\nr=x\n");

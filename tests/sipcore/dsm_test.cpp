@@ -8,7 +8,7 @@ namespace {
 
 using namespace sipcoretests;
 
-// A filled Everything whose parts live as long as the sample.
+// A filled Everything whose parts exist as long as the sample.
 class Sample {
 public:
     Sample() {
@@ -199,7 +199,7 @@ TEST(Walker, refusesDescriptionsThatMakeNoSense) {
 }
 
 TEST(WalkerDepth, endsADescriptionThatContainsItself) {
-    // struct Link { Link *next; }, described without end
+    // struct Link { Link *next; }, whose descriptor refers to itself
     struct Link {
         Link *next;
     };

@@ -70,7 +70,7 @@ TEST(SystemMemoryDeathTest, aPointerIntoAPieceIsNoticedByDebugBuilds) {
 #endif
 
 #if !defined(SIPCORE_TESTS_SANITIZED)
-// Runs in a process of its own, whose address space is then limited.
+// Runs in a separate process with a limited address space.
 void useAnExhaustedHeap() {
     const rlimit limit{64u << 20, 64u << 20};
     const LeakCheck leaks;
@@ -87,7 +87,7 @@ void useAnExhaustedHeap() {
     std::_Exit(good ? 0 : 1);
 }
 
-// Chunks of this next size cannot be had, so that the first chunk is all there is.
+// Chunks of this next size cannot be allocated, so the block has only its first chunk.
 void useUpABlockOnAnExhaustedHeap() {
     const rlimit limit{64u << 20, 64u << 20};
     SDPMemCp *block = nullptr;

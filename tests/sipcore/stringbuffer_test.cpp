@@ -117,8 +117,8 @@ TEST_F(Growable, growsByAtLeastTheGrowSizeAndByAsMuchAsIsAppended) {
     SipSbReleaseStringBuffer(buffer);
 }
 
-// What the heap gives beyond the request is not left unused; a control of the program's is asked
-// for what it was told.
+// The buffer also uses the bytes of the heap beyond its request; a control of the program receives
+// exact requests.
 TEST(StringBuffer, usesAllThatTheSystemsControlTakesFromTheHeap) {
     const auto heapBytes = [](uint32_t first) {
         const SipMmStatistics before = statistics();

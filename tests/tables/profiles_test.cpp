@@ -1,4 +1,4 @@
-// The table of static payload profiles, and the accessors that stacks read it by.
+// The table of static payload profiles, and its accessor functions.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,5 @@
-// IPv6 text to bytes: the pattern, the token table, and the walk over both. Every expectation is
-// worked out by hand; what looks wrong is kept on purpose, so that bodies read as they always did.
+// IPv6 text to bytes: the pattern, the token table, and the walk over both. Every expectation was
+// computed by hand; results that look wrong are intended, because the library must not change them.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -118,7 +118,7 @@ TEST(TokanizeIPv6Str, EndsAtANul) {
     EXPECT_EQ(patternOf(std::string_view("\0:3", 3)), "");
 }
 
-// The texts end where readable memory ends.
+// The texts end at the end of the readable memory.
 TEST(TokanizeIPv6Str, LooksAtNoByteAfterTheLength) {
     EXPECT_EQ(patternOf("1"), "T");
     EXPECT_EQ(patternOf("1234"), "T");
@@ -152,7 +152,7 @@ TEST(TokanizeIPv6Str, KeepsTwentyTwoLetters) {
     EXPECT_EQ(patternOf("1.2.3.4.5.6.7.8.9.a.b.c.d"), "TDTDTDTDTDTDTDTDTDTDTD");
 }
 
-// A step that begins with 21 letters writes two more, a group and what ends it.
+// A step that begins with 21 letters writes two more: a group and its end.
 TEST(TokanizeIPv6Str, CutsTheTwentyThirdLetter) {
     const Cut tokens = cut(".1.2.3.4.5.6.7.8.9.a.b.c");
     EXPECT_EQ(tokens.pattern, "DTDTDTDTDTDTDTDTDTDTDT");
@@ -228,7 +228,7 @@ struct Loaded {
     const char *address; // "::" is zero groups, as many as are missing
 };
 
-// Spells the gap of an expectation out.
+// Writes the gap of an expectation as zeros.
 std::string spelled(std::string address) {
     const size_t gap = address.find("::");
     if (gap == std::string::npos) {
@@ -341,7 +341,7 @@ constexpr Loaded kTails[] = {
     {"::1.2.3.4.5",               "::0102:0304"},
 };
 
-// Where the tail overlaps the head it wins.
+// Where the two overlap, the tail overwrites the head.
 constexpr Loaded kOverlaps[] = {
     {"1:2:3:4:5:6:7::8",          "0001:0002:0003:0004:0005:0006:0007:0008"},
     {"1:2:3:4:5:6::7:8",          "0001:0002:0003:0004:0005:0006:0007:0008"},

@@ -66,7 +66,7 @@ TEST(CmpExactString, IgnoresTheCaseOfAsciiLetters) {
     EXPECT_EQ(SdpiCmpExactString("abc", "abd"), 0u);
 }
 
-// "@" and "`", "[" and "{" differ in the bit that tells the case of a letter.
+// "@" and "`", "[" and "{" differ in the bit that is the case of a letter.
 TEST(CmpExactString, DistinguishesAllOtherBytes) {
     EXPECT_EQ(SdpiCmpExactString("@", "`"), 0u);
     EXPECT_EQ(SdpiCmpExactString("[", "{"), 0u);
@@ -227,7 +227,7 @@ TEST(ConvDecStrToDec, LooksAtThreeBytesAtMost) {
 
 // ---- Search
 
-// Where the needle was found, counted from 1; 0 for not at all.
+// The position of the needle, counted from 1; 0 if it was not found.
 uint32_t found(const char *hay, uint32_t hayLength, const char *needle) {
     const auto needleLength = static_cast<uint32_t>(std::strlen(needle));
     const char *const at = SdpSmStrstr(hay, hayLength, needle, needleLength);

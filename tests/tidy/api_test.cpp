@@ -1,4 +1,4 @@
-// Repairs and doubts in C++: tidy.hpp over the libraries as programs link them.
+// Repairs and doubts in C++: tidy.hpp with the shared libraries.
 #include <gtest/gtest.h>
 
 #include "sdpline/tidy.hpp"

@@ -1,4 +1,4 @@
-// Runs every case of tests/cases/tidy: the report, the text after it, what must hold of any text,
+// Runs every case of tests/cases/tidy: the report, the repaired text, the properties of any text,
 // and all of it again with each allocation failing in turn.
 #include <gtest/gtest.h>
 
@@ -69,7 +69,7 @@ private:
                std::to_string(tidied.remaining.ulColumn) + '\n';
     }
 
-    // Without memory the text is refused; with it the report is as ever.
+    // Without memory the text is refused; with memory the report is the expected one.
     void runFailingAllocations() {
         const std::string expected = run().report();
         for (uint32_t n = 1;; ++n) {

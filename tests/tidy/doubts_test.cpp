@@ -1,4 +1,4 @@
-// Doubts: those that the library finds in one pass are those that plain questions find.
+// The doubts that the library finds in one pass are those that simple tests find.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -40,7 +40,7 @@ TEST(Doubts, OfEveryCaseAreThosePlainlyFound) {
     }
 }
 
-// The cases have each doubt that there is, so that the questions have, too.
+// The cases contain every doubt, so the simple tests find every doubt.
 TEST(Doubts, AreEachAmongThosePlainlyFound) {
     std::string found;
     for (const tidytest::TidyCase &current : tidytest::readTidyCases()) {
@@ -54,7 +54,7 @@ TEST(Doubts, AreEachAmongThosePlainlyFound) {
     }
 }
 
-// Numbers grown, bytes put in, lines doubled: what may be doubted.
+// Numbers enlarged, bytes inserted, lines doubled: changes that can cause doubts.
 std::string doubtful(std::mt19937 &engine) {
     Chance chance(engine);
     std::string text = support::generateBody(engine);

@@ -1,7 +1,6 @@
-// Every two rules in one text: each rule's fault is put into the same body at each place where it
-// can be, and so is that of every other rule, beside it or in the same line. Both are repaired and
-// told, whatever the one does to the other; two that cannot meet in a line have a row that says
-// why.
+// Every two rules in one text: the fault of each rule is put into the same body at each possible
+// place, together with that of every other rule, in another line or in the same one. Both must be
+// repaired and reported; two rules that cannot meet in a line have a row with the reason.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -42,7 +41,7 @@ constexpr Never kNever[] = {
     {SDP_TIDY_NAME_MISSING, SDP_TIDY_NAME_EMPTY, "a line that is missing is not empty"},
 };
 
-// A rule that takes the line away leaves none for the other.
+// A rule that removes the line leaves none for the other.
 constexpr uint32_t kTakeAway[] = {SDP_TIDY_VERSION_MISSING, SDP_TIDY_ORIGIN_MISSING,
                                   SDP_TIDY_NAME_MISSING, SDP_TIDY_TIME_MISSING};
 

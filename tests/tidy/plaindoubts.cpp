@@ -13,7 +13,7 @@ namespace tidytest {
 
 namespace {
 
-// What 32 bits hold.
+// The largest number of 32 bits.
 const std::string kLargest = "4294967295";
 
 struct PlainLine {
@@ -23,7 +23,7 @@ struct PlainLine {
     size_t number;
 };
 
-// A run of digits compared by its length and its letters.
+// Compares a run of digits by its length and its digits.
 bool isAbove(std::string digits, const std::string &most) {
     digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
     return digits.size() != most.size() ? digits.size() > most.size() : digits > most;

@@ -1,4 +1,4 @@
-// What must hold of any text, on bodies made and damaged by chance.
+// The properties of any text, tested on random and randomly damaged bodies.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -114,7 +114,7 @@ TEST(TidyProperty, HoldsForDamagedBodies) {
     }
 }
 
-// A rule that is switched off repairs nothing, and no other rule does its work unseen.
+// A rule that is switched off repairs nothing, and no other rule makes its repair without a report.
 TEST(TidyProperty, EachRuleIsNeededByACaseThatShowsIt) {
     for (const tidytest::TidyCase &current : tidytest::readTidyCases()) {
         if (!current.text) {

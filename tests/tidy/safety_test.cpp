@@ -1,6 +1,6 @@
-// What other readers make of a text does not change by tidying: media, ports, protocols, formats
-// and addresses as libosip2, GStreamer, sofia-sip and libre read them, of every case that is
-// repaired. Where one reads something else afterwards, docs/repairs.md has a row that says why.
+// Repairs do not change the values that other readers find: media, ports, protocols, formats and
+// addresses as libosip2, GStreamer, sofia-sip and libre read them, in every case that is repaired.
+// Where one reads another value afterwards, docs/repairs.md has a row with the reason.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -91,7 +91,7 @@ public:
     const std::map<std::string, Counts> &counts() const { return counts_; }
 
 private:
-    // One of the rules that were at work has a row for this reader.
+    // One of the rules that made a repair has a row for this reader.
     void expectListed(const peers::Peer &peer, const TidyCase &current, const Tidied &tidied,
                       const std::string &what) {
         bool found = false;

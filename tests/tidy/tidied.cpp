@@ -67,7 +67,7 @@ std::vector<std::string> cut(const std::string &text) {
     return lines;
 }
 
-// Of equal lines as many are in the repaired text as in the given one, or rows tell of the others.
+// The repaired text has as many equal lines as the given one, or rows report the others.
 void expectNoLineLost(const std::string &text, const Tidied &tidied) {
     struct Balance {
         int lost = 0;
@@ -94,10 +94,10 @@ void expectNoLineLost(const std::string &text, const Tidied &tidied) {
     }
 }
 
-// A line that is written anew is one that the decoder refuses as it was given.
+// The decoder refuses the original of a line that was rewritten.
 void expectOnlyRefusedLinesChanged(const std::string &text, const Tidied &tidied,
                                    const SDPDecodeOptions &options) {
-    // Rules that put a line in, and one for what may be there when a line comes before it.
+    // Rules that add a line, and one for blanks that can be before an added line.
     constexpr uint64_t putIn =
         SDP_TIDY_BIT(SDP_TIDY_LEADING_BLANK) | SDP_TIDY_BIT(SDP_TIDY_VERSION_MISSING) |
         SDP_TIDY_BIT(SDP_TIDY_ORIGIN_MISSING) | SDP_TIDY_BIT(SDP_TIDY_NAME_MISSING) |

@@ -1,5 +1,5 @@
-// The operations themselves: arguments, the table of rules, who owns what, what is never repaired,
-// and what a text costs.
+// The operations: arguments, the table of rules, ownership, texts that are never repaired, and the
+// cost of a text.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -143,7 +143,7 @@ TEST(TidyText, ThatIsTakenIsTheCallersAndNeedsNoMemoryOfItsOwn) {
     SdpTidyRelease(&report);
 }
 
-// A text that the decoder would take is not repaired because its memory ran out.
+// A text that the decoder accepts is not repaired when memory runs out.
 TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
     const std::string body = kHead + "a=x:y \r\nm=audio 5 RTP/AVP 0\r\n";
     for (uint32_t n = 1;; ++n) {
@@ -160,7 +160,7 @@ TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
     }
 }
 
-// The library tells a lack of memory by the names of the decoder's checks.
+// The library recognises a lack of memory by the names of the decoder's checks.
 TEST(TidyText, KnowsTheChecksOfMemory) {
     struct Row {
         std::string_view name;
@@ -210,7 +210,7 @@ TEST(TidyNever, IsACrInsideALine) {
 
 // ---- Cost
 
-// Twice the text costs twice the requests, whatever has to be repaired.
+// Twice the text needs twice the requests, whatever is repaired.
 TEST(TidyCost, IsLinear) {
     const std::string lines[] = {"a=x:\r\n",  "a=ptime: 20 \r\n",
                                  "\r\n",      "y=1\r\n",

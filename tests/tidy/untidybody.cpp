@@ -82,17 +82,17 @@ size_t netOf(Place place) {
 
 using Apply = std::function<void(UntidyBody &, Place)>;
 
-// Another text for a field of the line.
+// Replaces the text of a field of the line.
 Apply field(size_t index, const char *text) {
     return [=](UntidyBody &body, Place at) { body.at(at).fields[index] = text; };
 }
 
-// The same, counted from the type of the network.
+// The same, counted from the network type.
 Apply fieldFromNet(size_t index, const char *text) {
     return [=](UntidyBody &body, Place at) { body.at(at).fields[netOf(at) + index] = text; };
 }
 
-// One line more after that of a place.
+// Adds a line after that of a place.
 Apply lineAfter(Place place, const char *line) {
     return [=](UntidyBody &body, Place) { body.insertAfter(place, line); };
 }
