@@ -176,7 +176,7 @@ private:
     // Ends the token, a run, before `byte`, which is then the byte that was classified last.
     void closeAt(const uint8_t *byte, uint32_t closed) {
         end = byte;
-        last = lexer::readAnew(byte);
+        last = lexer::readAgain(byte);
         kind = closed;
     }
 

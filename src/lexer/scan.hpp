@@ -27,7 +27,7 @@ SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run, const ByteTab
 
 // Reads a byte again that a loop has just read. Without the volatile access the compiler would keep
 // every byte of the loop in a register, in case it is the last one.
-SDPLINE_INLINE uint8_t readAnew(const uint8_t *byte) {
+SDPLINE_INLINE uint8_t readAgain(const uint8_t *byte) {
     return *const_cast<const volatile uint8_t *>(byte);
 }
 

@@ -1,6 +1,4 @@
 // Checking a description that follows another one of the same side (RFC 3264 section 8).
-#include <algorithm>
-
 #include "negotiate/describe.hpp"
 #include "negotiate/draft.hpp"
 #include "negotiate/formats.hpp"

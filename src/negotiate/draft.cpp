@@ -1,8 +1,6 @@
 // Drafts of bodies, and finishing them.
 #include "negotiate/draft.hpp"
 
-#include <cstring>
-
 #include "negotiate/origin.hpp"
 
 namespace sdpline::negotiate {

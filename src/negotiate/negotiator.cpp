@@ -5,8 +5,6 @@
 //        ^                    |               ^                     |
 //        +--------------------+               +---------------------+
 //          final answer, refused                final answer, refuse
-#include <cstring>
-
 #include "negotiate/draft.hpp"
 #include "negotiate/nextoffer.hpp"
 #include "negotiate/origin.hpp"

@@ -1,8 +1,6 @@
 // Replacing payload numbers that would change their codec, in all lines that have them.
 #include "negotiate/renumber.hpp"
 
-#include <algorithm>
-
 #include "negotiate/formats.hpp"
 #include "negotiate/pairing.hpp"
 

@@ -3,14 +3,13 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
 #include "sdpline/sdpline.h"
 #include "services/builtin.hpp"
-#include "text/inline.hpp"
 #include "sipcore/block.hpp"
 #include "sipcore/fill.hpp"
 #include "text/bytes.hpp"
+#include "text/inline.hpp"
 
 namespace sdpline {
 

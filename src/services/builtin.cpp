@@ -34,7 +34,7 @@ Builtin findBuiltin() {
     return {.appends = core.copyChar == SipSbCopyChar &&
                        core.copyConstString == SipSbCopyConstString &&
                        core.copyString == SipSbCopyString && core.copyLong == SipSbCopyLong,
-            .makeRoom = core.makeRoom,
+            .reserve = core.reserve,
             .copy = core.copy == memcpy_s,
             .fill = core.fill == memset_s,
             .blockAlloc = core.blockAlloc,

@@ -12,7 +12,7 @@ namespace sdpline {
 struct Builtin {
     bool appends; // all four appends of string buffers
     // Grows a string buffer in advance, as an append would.
-    uint32_t (*makeRoom)(SipStringBuffer *buffer, uint32_t size);
+    uint32_t (*reserve)(SipStringBuffer *buffer, uint32_t size);
     bool copy; // memcpy_s
     bool fill; // memset_s
     // pfnAlloc and pfnFree of blocks; null where blocks are not handled in place. blockTake is

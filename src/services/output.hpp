@@ -57,7 +57,7 @@ private:
 
 // The most bytes that a line takes without its texts and without what its writer reserves. The
 // longest such line is c= with an IPv6 address and two numbers.
-constexpr uint32_t kLineRoom = 96;
+constexpr uint32_t kLineSize = 96;
 
 // The configured line end, one byte or two.
 struct LineEnd {
@@ -78,9 +78,9 @@ inline LineEnd configuredLineEnd() {
 // results may go on to append: these bytes go to the buffer `elsewhere`.
 class InPlaceLine {
 public:
-    using Elsewhere = char[kLineRoom];
+    using Elsewhere = char[kLineSize];
 
-    // kLineRoom bytes must follow `limit`.
+    // kLineSize bytes must follow `limit`.
     InPlaceLine(char *at, char *limit, LineEnd lineEnd, Elsewhere &elsewhere)
         : at_(at), limit_(limit), elsewhere_(elsewhere), lineEnd_(lineEnd) {}
 
@@ -154,7 +154,7 @@ public:
 
 private:
     uint32_t checked() const {
-        assert(int64_t{at_ - limit_} <= int64_t{kLineRoom});
+        assert(int64_t{at_ - limit_} <= int64_t{kLineSize});
         return 0;
     }
 
@@ -198,7 +198,7 @@ public:
                 }
                 missing = line.missing();
             }
-        } while (makeRoom(missing));
+        } while (grow(missing));
         return byServices(write);
     }
 
@@ -216,29 +216,28 @@ private:
         const bool open = !seesAppends() && buffer_ != nullptr && builtin.owns(*buffer_->memCp) &&
                           !buffer_->failed() && lineEnd_.size != 0 && isLarge(*buffer_);
         at_ = open ? buffer_->at : nowhere + 1;
-        limit_ = open ? buffer_->end - kLineRoom : nowhere;
+        limit_ = open ? buffer_->end - kLineSize : nowhere;
     }
 
     // Whether the buffer has room for a line; it grows if it can.
     static bool isLarge(SipStringBuffer &buffer) {
-        return buffer.capacity() >= kLineRoom || builtin.makeRoom(&buffer, kLineRoom) == 0;
+        return buffer.capacity() >= kLineSize || builtin.reserve(&buffer, kLineSize) == 0;
     }
 
     // Grows the buffer for a line that lacked `missing` bytes; returns false where the buffer
     // cannot grow, or where room was not what the line lacked.
-    bool makeRoom(uint64_t missing) {
+    bool grow(uint64_t missing) {
         const ptrdiff_t before = limit_ - at_;
-        *this = withRoom(*this, missing);
+        *this = grown(*this, missing);
         return limit_ - at_ > before;
     }
 
     // By value: an Output whose address is not passed on stays in registers.
-    [[gnu::noinline, gnu::cold]] static Output withRoom(Output out, uint64_t missing) {
-        const auto room = static_cast<int64_t>(missing) + (out.limit_ - out.at_) + kLineRoom;
-        if (out.isInPlace() && room <= UINT32_MAX) {
+    [[gnu::noinline, gnu::cold]] static Output grown(Output out, uint64_t missing) {
+        const auto size = static_cast<int64_t>(missing) + (out.limit_ - out.at_) + kLineSize;
+        if (out.isInPlace() && size <= UINT32_MAX) {
             out.store();
-            builtin.makeRoom(out.buffer_,
-                             static_cast<uint32_t>(std::max<int64_t>(room, kLineRoom)));
+            builtin.reserve(out.buffer_, static_cast<uint32_t>(std::max<int64_t>(size, kLineSize)));
             out.load();
         }
         return out;
@@ -258,7 +257,7 @@ private:
 
     SipStringBuffer *buffer_;
     char *at_;    // beyond the limit where lines are written by the services
-    char *limit_; // kLineRoom bytes before the end
+    char *limit_; // kLineSize bytes before the end
     LineEnd lineEnd_;
 };
 

@@ -43,14 +43,14 @@ struct alignas(8) Allocation {
     Allocation *nextFree;
 };
 
-enum State : uint32_t { kFreed = 2, kLive = 5, kLiveInOwnChunk = 7, kStateMask = 7 };
+enum State : uint32_t { kFreed = 2, kLive = 5, kLiveAloneInChunk = 7, kStateMask = 7 };
 
 struct FreeSpan {
     std::byte *at;
     std::byte *end;
     Chunk *chunk;
 
-    std::size_t room() const { return static_cast<std::size_t>(end - at); }
+    std::size_t size() const { return static_cast<std::size_t>(end - at); }
 };
 
 constexpr uint32_t kHeaderSize = offsetof(Allocation, nextFree);
@@ -121,7 +121,7 @@ SIPCORE_UNCHECKED inline void push(Allocation *&list, Allocation *allocation) {
     list = allocation;
 }
 
-// Cuts an allocation from a span, which must have room for it.
+// Cuts an allocation from a span, which must be large enough.
 inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
     auto *allocation = reinterpret_cast<Allocation *>(span.at);
     const auto offset = static_cast<uint32_t>(span.at - reinterpret_cast<std::byte *>(span.chunk));

@@ -16,7 +16,7 @@ struct SipCoreBuiltin {
     decltype(&SipSbCopyString) copyString;
     decltype(&SipSbCopyLong) copyLong;
     // Grows a string buffer in advance, as an append would.
-    uint32_t (*makeRoom)(SipStringBuffer *buffer, uint32_t size);
+    uint32_t (*reserve)(SipStringBuffer *buffer, uint32_t size);
     decltype(&memcpy_s) copy;
     decltype(&memset_s) fill;
     decltype(SDPMemCp::pfnAlloc) blockAlloc;

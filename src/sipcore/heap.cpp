@@ -12,7 +12,6 @@
 #include <atomic>
 #include <cassert>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 #include <utility>
 

@@ -35,7 +35,7 @@ void fillFreed(Allocation *allocation) {
 // block points to the block itself.
 [[maybe_unused]] bool isLive(Allocation *allocation) {
     const uint32_t state = stateOf(allocation);
-    if (state != kLive && state != kLiveInOwnChunk) {
+    if (state != kLive && state != kLiveAloneInChunk) {
         return false;
     }
     const Block *owner = chunkOf(allocation)->owner;
@@ -52,11 +52,11 @@ inline void *zeroed(void *memory, uint32_t size) {
     return memory;
 }
 
-// A request that can be put on a free list takes the size of its class if the span has room for it,
+// A request that can be put on a free list takes the size of its class if the span is large enough,
 // else the size it needs.
 void *cutLarge(FreeSpan &span, uint32_t request) {
     uint32_t size = roundUp8(request);
-    if (size <= kListedMax && span.room() >= kHeaderSize + std::bit_ceil(size)) {
+    if (size <= kListedMax && span.size() >= kHeaderSize + std::bit_ceil(size)) {
         size = std::bit_ceil(size);
     }
     return cut(span, request, size, kLive);
@@ -83,7 +83,7 @@ FreeSpan spanOf(void *begin, void *memory, std::size_t heapBytes, Chunk *chunk) 
 constexpr std::size_t kLeastBlock = 1536;
 constexpr uint32_t kLargestNext = 1032;
 
-// Opens a chunk with room for at least one allocation of the given payload size; a null chunk after
+// Opens a chunk for at least one allocation of the given payload size; a null chunk after
 // a failure.
 FreeSpan openChunk(Block &block, uint32_t size, Content content = Content::Any) {
     const std::size_t heapBytes = heapSize(sizeof(Chunk) + kHeaderSize + size);
@@ -119,10 +119,10 @@ void closeChunk(Chunk *chunk) {
     heapGive(chunk, chunk->heapBytes, Use::Other);
 }
 
-// The block goes on with the span that has more room, the old one or the rest of the new one, so
+// The block goes on with the larger span, the old one or the rest of the new one, so
 // that a large request does not waste the rest of the chunk in use.
-void keepRoomier(Block &block, const FreeSpan &opened) {
-    if (opened.room() > block.span.room()) {
+void keepLarger(Block &block, const FreeSpan &opened) {
+    if (opened.size() > block.span.size()) {
         block.span = opened;
     }
 }
@@ -133,7 +133,7 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
         return nullptr;
     }
     void *memory = cut(opened, request, size, kLive);
-    keepRoomier(block, opened);
+    keepLarger(block, opened);
     return memory;
 }
 
@@ -147,19 +147,19 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
     if (listed && block.freed[classOf(whole)] != nullptr) {
         return reuse(block.freed[classOf(whole)], request);
     }
-    if (block.span.room() >= kHeaderSize + exact) {
+    if (block.span.size() >= kHeaderSize + exact) {
         return cutLarge(block.span, request);
     }
     if (!listed) {
         FreeSpan alone = openChunk(block, exact, Content::Zeroed);
-        return alone.chunk != nullptr ? cut(alone, request, exact, kLiveInOwnChunk) : nullptr;
+        return alone.chunk != nullptr ? cut(alone, request, exact, kLiveAloneInChunk) : nullptr;
     }
     FreeSpan opened = openNextChunk(block, exact <= block.nextSize ? exact : whole);
     if (opened.chunk == nullptr) {
         return nullptr;
     }
     void *memory = cutLarge(opened, request);
-    keepRoomier(block, opened);
+    keepLarger(block, opened);
     return memory;
 }
 
@@ -173,7 +173,7 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
     if (list != nullptr) {
         return reuse(list, request);
     }
-    if (block.span.room() < kHeaderSize + size) {
+    if (block.span.size() < kHeaderSize + size) {
         return allocateSmallInNewChunk(block, request, size);
     }
     return cut(block.span, request, size, kLive);
@@ -181,7 +181,7 @@ void keepRoomier(Block &block, const FreeSpan &opened) {
 
 [[gnu::noinline]] void *allocateRareZeroed(Block &block, uint32_t request) {
     void *const memory = allocateRare(block, request);
-    if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveInOwnChunk) {
+    if (memory == nullptr || stateOf(allocationOf(memory)) == kLiveAloneInChunk) {
         return memory; // zeroed by the heap, which need not touch fresh pages
     }
     return zeroed(memory, request);
@@ -216,7 +216,7 @@ uint32_t blockFree(void *memory) {
     }
     Allocation *const allocation = allocationOf(memory);
     assert(isLive(allocation) && "not memory of a block, or freed before");
-    if (stateOf(allocation) == kLiveInOwnChunk) {
+    if (stateOf(allocation) == kLiveAloneInChunk) {
         closeChunk(chunkOf(allocation));
     } else {
         fillFreed(allocation);

@@ -138,7 +138,7 @@ SipStringBuffer *newBuffer(SDPMemCp *memCp, uint32_t firstSize) {
 
 } // namespace
 
-uint32_t makeRoom(SipStringBuffer *buffer, uint32_t size) {
+uint32_t reserve(SipStringBuffer *buffer, uint32_t size) {
     if (buffer->failed() || buffer->fixed) {
         return SIP_NO_SPACE;
     }
@@ -264,7 +264,7 @@ const SipCoreBuiltin SIPCORE_BUILTIN = {.copyChar = sipcoreCopyChar,
                                         .copyConstString = sipcoreCopyConstString,
                                         .copyString = sipcoreCopyString,
                                         .copyLong = sipcoreCopyLong,
-                                        .makeRoom = sipcore::makeRoom,
+                                        .reserve = sipcore::reserve,
                                         .copy = sipcoreCopy,
                                         .fill = sipcoreFill,
                                         .blockAlloc = sipcore::blockAlloc,

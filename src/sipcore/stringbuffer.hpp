@@ -9,11 +9,11 @@
 #include <cstring>
 
 //   data          at                end
-//   |  the text   |  room           |
+//   |  the text   |  free           |
 struct SipStringBuffer {
     char *data;
     char *at;  // where the next byte goes
-    char *end; // the end of the room; before `at` after a failed append, so that nothing fits
+    char *end; // the end of the memory; before `at` after a failed append, so that nothing fits
     uint32_t growSize;
     bool fixed;
     SDPMemCp *memCp;
@@ -28,7 +28,7 @@ namespace sipcore {
 
 // Grows the buffer unless `size` bytes fit. A buffer that cannot grow is unchanged, and does not
 // count as failed.
-uint32_t makeRoom(SipStringBuffer *buffer, uint32_t size);
+uint32_t reserve(SipStringBuffer *buffer, uint32_t size);
 
 // ---- Texts
 

@@ -91,15 +91,15 @@ private:
     }
 
     void doubtAt(Rule rule, uint32_t offset, uint32_t inLine) {
-        if (count_ == room_) {
-            const uint32_t room = std::max(2 * room_, 8u);
-            auto *const more = memory_.array<SDPTidyRow>(room);
+        if (count_ == capacity_) {
+            const uint32_t capacity = std::max(2 * capacity_, 8u);
+            auto *const more = memory_.array<SDPTidyRow>(capacity);
             if (more == nullptr) {
                 return;
             }
             std::copy_n(rows_, count_, more);
             rows_ = more;
-            room_ = room;
+            capacity_ = capacity;
         }
         rows_[count_++] = {static_cast<uint32_t>(rule), line_, inLine + 1, offset, line_};
     }
@@ -299,7 +299,7 @@ private:
     std::string_view direction_;
     SDPTidyRow *rows_ = nullptr;
     uint32_t count_ = 0;
-    uint32_t room_ = 0;
+    uint32_t capacity_ = 0;
     uint32_t line_ = 0;
     uint32_t mediaCount_ = 0;
     bool hasTime_ = false;

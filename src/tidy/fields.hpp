@@ -31,7 +31,6 @@ public:
 
     // White space at the start; null for none.
     const char *leading() const { return leading_; }
-    bool hasTrailing() const { return trailing_ != nullptr; }
 
     // Whether the wanted rules cover all white space that must be repaired.
     bool repairable(const Workspace &work) const {

@@ -93,30 +93,30 @@ uint32_t countLines(std::string_view text, char breaks) {
 template <char kBreak>
 class Reader {
 public:
-    // `room` is the number of lines for which there is memory.
-    Reader(Workspace &work, uint32_t room)
-        : work_(work), cutter_(work.text), next_(work.lines), room_(room) {}
+    // `capacity` is the number of lines for which there is memory.
+    Reader(Workspace &work, uint32_t capacity)
+        : work_(work), cutter_(work.text), next_(work.lines), capacity_(capacity) {}
 
     // Returns false if the text has more lines.
     bool read() {
-        while (hasRoom() && !begin(next())) {
+        while (canRead() && !begin(next())) {
         }
         do {
             readUsual();
-        } while (hasRoom() && readLine());
+        } while (canRead() && readLine());
         work_.lineCount = count_;
         return cutter_.done() || !work_.tail.empty();
     }
 
 private:
-    bool hasRoom() const { return !cutter_.done() && count_ != room_; }
+    bool canRead() const { return !cutter_.done() && count_ != capacity_; }
 
     // Reads lines up to one without a key, or v=: nearly all lines. The local variables are kept in
     // registers.
     void readUsual() {
         Cutter<kBreak> cutter = cutter_;
         Line *line = next_;
-        const Line *const end = work_.lines + (kBreak == '\n' ? room_ : 0);
+        const Line *const end = work_.lines + (kBreak == '\n' ? capacity_ : 0);
         for (uint32_t number = count_ + 1; line < end && !cutter.done(); ++number, ++line) {
             Cutter<kBreak> ahead = cutter;
             std::string_view lineEnd;
@@ -247,7 +247,7 @@ private:
     const char *goesOnAt_ = nullptr; // after empty lines
     Line *next_;
     uint32_t count_ = 0;
-    uint32_t room_;
+    uint32_t capacity_;
 };
 
 // Most texts have at most one line for each kUsualLine bytes, and kFewLines more.
@@ -259,9 +259,9 @@ bool cut(Workspace &work) {
     // The decoder has counted the lines that it accepted.
     const uint32_t taken = work.takenLines();
     const std::string_view rest = withoutFirst(work.text, taken == 0 ? 0 : work.takenSize);
-    const auto room = taken + static_cast<uint32_t>(rest.size()) / kUsualLine + kFewLines;
-    work.lines = work.memory.array<Line>(room);
-    if (work.lines != nullptr && !Reader<kBreak>(work, room).read()) {
+    const auto capacity = taken + static_cast<uint32_t>(rest.size()) / kUsualLine + kFewLines;
+    work.lines = work.memory.array<Line>(capacity);
+    if (work.lines != nullptr && !Reader<kBreak>(work, capacity).read()) {
         const uint32_t count = taken + countLines(rest, kBreak);
         work.forgetLines();
         work.lines = work.memory.array<Line>(count);

@@ -35,8 +35,8 @@ std::string_view decimal(Memory &memory, uint32_t number) {
 
 // False without memory.
 bool Workspace::growFound() {
-    const uint32_t room = foundRoom_ == 0 ? kFirstRows : 2 * foundRoom_;
-    auto *const more = memory.array<Found>(room);
+    const uint32_t capacity = foundCapacity_ == 0 ? kFirstRows : 2 * foundCapacity_;
+    auto *const more = memory.array<Found>(capacity);
     if (more == nullptr) {
         return false;
     }
@@ -44,7 +44,7 @@ bool Workspace::growFound() {
         std::memcpy(static_cast<void *>(more), found_, foundCount_ * sizeof(Found));
     }
     found_ = more;
-    foundRoom_ = room;
+    foundCapacity_ = capacity;
     return true;
 }
 

@@ -176,7 +176,7 @@ public:
 
     // Adds a row to the report; `at` points into the given line.
     void report(Rule rule, const Line &line, const char *at) {
-        if (foundCount_ != foundRoom_ || growFound()) [[likely]] {
+        if (foundCount_ != foundCapacity_ || growFound()) [[likely]] {
             const auto offset = static_cast<uint32_t>(at - line.original.data());
             found_[foundCount_++] = {rule, &line, line.original.empty() ? 0 : offset};
         }
@@ -201,7 +201,7 @@ private:
     bool rtpFamily_;
     Found *found_ = nullptr;
     uint32_t foundCount_ = 0;
-    uint32_t foundRoom_ = 0;
+    uint32_t foundCapacity_ = 0;
 };
 
 // ---- The passes, in their order. Each is linear in the text.

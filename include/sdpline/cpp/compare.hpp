@@ -1,7 +1,7 @@
 /*
  * compare.hpp: whether two bodies, or parts of them, have the same content.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  *
  * Numbers, addresses and keywords are compared by their meaning, not by their spelling: a short and
  * a full IPv6 address are equal, so are "1h" and "3600", and encoding names in any case. Other
@@ -13,7 +13,6 @@
 #define SDPLINE_CPP_COMPARE_HPP
 
 #include <cstddef>
-#include <cstdint>
 
 #include "sdpline/cpp/attributes.hpp"
 #include "sdpline/cpp/list.hpp"

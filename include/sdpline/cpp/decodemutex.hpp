@@ -1,7 +1,7 @@
 /*
  * decodemutex.hpp: the lock by which decodes take turns, and which none can take twice.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_DECODEMUTEX_HPP
 #define SDPLINE_CPP_DECODEMUTEX_HPP
@@ -117,7 +117,7 @@ public:
     }
     ~DecodeTurn() {
         if (!refused_) {
-            giveBack();
+            release();
         }
     }
     DecodeTurn(const DecodeTurn &) = delete;
@@ -135,7 +135,7 @@ private:
     static void take() {
         decodingHere = true;
     }
-    static void giveBack() {
+    static void release() {
         decodingHere = false;
     }
 #else
@@ -145,7 +145,7 @@ private:
     static void take() {
         decoding.lock();
     }
-    static void giveBack() {
+    static void release() {
         decoding.unlock();
     }
 #endif

@@ -1,7 +1,7 @@
 /*
  * decodeoptions.hpp: the options of one decode.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_DECODEOPTIONS_HPP
 #define SDPLINE_CPP_DECODEOPTIONS_HPP

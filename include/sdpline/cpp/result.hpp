@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <iosfwd>
 #include <new>
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 /*
  * words.hpp: the value codes of the records as enumerations, and their words.
  *
- * Part of sdpline.hpp, whose conventions hold here.
+ * Part of sdpline.hpp, whose conventions apply.
  */
 #ifndef SDPLINE_CPP_WORDS_HPP
 #define SDPLINE_CPP_WORDS_HPP
