@@ -27,7 +27,7 @@ def arguments():
         metavar="FILE.md",
         nargs="?",
         const="docs/performance.md",
-        help="write the tables between its markers, and a plot beside it",
+        help="write the tables between its markers, and a plot in the same folder",
     )
     return parser.parse_known_args()
 

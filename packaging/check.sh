@@ -53,7 +53,7 @@ cp /var/lib/dpkg/status "$root/var/lib/dpkg/"
 cp /var/lib/dpkg/info/format /var/lib/dpkg/info/*.list "$root/var/lib/dpkg/info/"
 in_root() { dpkg --root="$root" --force-not-root --force-bad-path "$@"; }
 in_root --log="$work/log" --install "$build"/*.deb >/dev/null
-# The loader does not search the scratch root, so it is told where the libraries are.
+# The loader does not search the scratch root, so LD_LIBRARY_PATH names the folder of the libraries.
 LD_LIBRARY_PATH=$(dirname "$(find "$root/usr" -name libsdpline.so.1)")
 export LD_LIBRARY_PATH
 "$root/usr/bin/sdpline" check "$source/examples/offer.sip"

@@ -41,9 +41,8 @@ struct Shown {
 
 Shown shownOf(const Found &body, const Diagnostic &diagnostic, Redactor *redactor) {
     Shown shown = {};
-    std::string line;
+    const std::string line = linePartAt(body, diagnostic.offset.value_or(0), nullptr).text;
     if (diagnostic.offset) {
-        line = linePartAt(body, *diagnostic.offset, nullptr).text;
         shown.part = linePartAt(body, *diagnostic.offset, redactor);
         const bool atEnd = *diagnostic.offset >= body.text.size();
         shown.found = foundAt(diagnostic.sentence, shown.part->text, shown.part->offset, atEnd);

@@ -54,6 +54,8 @@ struct Hint {
     std::string_view text;
 };
 
+constexpr std::string_view kBodyStart =
+    "a body begins with \"v=0\", a SIP message with a line such as \"INVITE sip:b@host SIP/2.0\"";
 constexpr std::string_view kSessionStart = "a body begins with the lines v=, o= and s=";
 constexpr std::string_view kSessionOrder =
     "the lines of a session come in the order v= o= s= i= u= e= p= c= b= t= r= z= k= a= m=";
@@ -62,8 +64,7 @@ constexpr std::string_view kMediaOrder =
 
 // The first row that applies is used.
 constexpr auto kHints = std::to_array<Hint>({
-    {"StartVersion", always,
-     "a body begins with \"v=0\", a SIP message with a line such as \"INVITE sip:b@host SIP/2.0\""},
+    {"StartVersion", always, kBodyStart},
     {"StartOrigin", always, kSessionStart},
     {"StartName", always, kSessionStart},
     {"AfterMediaConnection", isLine<'c'>, "a media description takes one c= line"},
@@ -84,7 +85,8 @@ constexpr auto kHints = std::to_array<Hint>({
     {"Time*", always, "the line is t=START STOP, in seconds; 0 0 is a session without end"},
     {"FormatEnd", isAvpf, "--avpf reads the formats of RTP/AVPF as payload numbers"},
     {"FormatEnd", isRtp, "--rtp-family reads the formats of every RTP protocol as payload numbers"},
-    {"ParseArgument", always, "--max-body allows bodies of up to 65535 bytes"},
+    {"ParseArgument", isLine<'v'>, "--max-body allows bodies of up to 65535 bytes"},
+    {"ParseArgument", always, kBodyStart},
     {"Rtpmap*", always, "the line is a=rtpmap:PAYLOAD NAME/CLOCK-RATE or .../CHANNELS"},
     {"MediaPort*", always, "the line is m=MEDIA PORT PROTOCOL FORMAT ..."},
     {"MediaProto*", always, "the line is m=MEDIA PORT PROTOCOL FORMAT ..."},

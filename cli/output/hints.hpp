@@ -6,8 +6,8 @@
 
 namespace cli {
 
-// The hint for a failing check of the library; `line` is the refused line. Empty where there is
-// none.
+// The hint for a failing check of the library; `line` is the refused line, or the first line if the
+// whole body was refused. Empty if there is no hint.
 std::string_view hintFor(std::string_view check, std::string_view line);
 
 // What the line has at the refused byte, escaped: "\"x\"", "a space", "the line end"; `atEnd` says

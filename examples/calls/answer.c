@@ -75,7 +75,7 @@ static void write_response(const char *request, const struct reply *reply, FILE 
     fwrite(reply->body, 1, reply->size, text);
 }
 
-/* What the peer is told about a refused body: the place and the sentence. */
+/* The message to the peer about a refused body: the position and the sentence. */
 static void refuse_body(SDPResult result, struct reply *reply) {
     SDPFailure place;
     SDPResultText why;

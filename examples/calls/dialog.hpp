@@ -226,7 +226,7 @@ private:
         return done ? std::move(body) : done.error();
     }
 
-    /* What the peer is told: line, column and sentence, without names of the library. */
+    /* The message to the peer: line, column and sentence, without names of the library. */
     Reply refused(const sdpline::Error &error) const {
         if (error.fault == sdpline::Fault::Memory || error.fault == sdpline::Fault::Busy) {
             return detail::failure(error);

@@ -17,12 +17,14 @@ cat >empty <<'TEXT'
 nothing: the body is empty (sdpparser SdpLibParseSdp, 0x05000401)
 TEXT
 expect "an empty body" 1 nothing empty -- "$program" decode nothing
-head -c 4094 /dev/zero | tr '\0' x >big
+{ cat good.sdp && head -c 4094 /dev/zero | tr '\0' x; } | head -c 4094 >big
 cat >long <<'TEXT'
 big: the body is 4094 bytes long, more than 4093 (sdpparser SdpLibParseSdp, 0x05000401)
   hint: --max-body allows bodies of up to 65535 bytes
 TEXT
 expect "a body that is too long" 1 nothing long -- "$program" decode big
+head -c 4094 /dev/zero >binary
+expect "a binary file" 1 nothing '~hint: a body begins with "v=0"' -- "$program" decode binary
 echo 'sdpline: none.sdp: No such file or directory' >none
 expect "a file that is not there" 2 nothing none -- "$program" decode none.sdp
 mkdir folder && cp good.sdp folder

@@ -15,13 +15,12 @@ namespace {
 constexpr char kHead[] =
     R"(# Every result
 
-What each failing check of the library returns, printed from the table in `src/checks/` by
-`tests/docs/results_table.cpp`; a test compares this file with what that program prints. To write it
-anew from a build in `build/debug`: `build/debug/tests/results_table >docs/results.md`.
+The result of each failing check of the library. `tests/docs/results_table.cpp` prints this file from the
+table in `src/checks/`, and a test compares the two. `./dev docs` updates it.
 
 - **Code** is the result while `g_gSipStackFileId` is 0. A base is added to the top 8 bits, modulo 256.
-  "bare" results are the number alone, whatever the base. "passed on" rows have no code of their own:
-  they add a log entry and return what the function below them returned.
+  "bare" results are the number alone, whatever the base. "passed on" rows add a log entry and return the
+  code of the function that they called.
 - **Class** is the low 10 bits of the code, by its name in `sdpline.h` without `SDP_ERRCLASS_`.
 - **Log** is the level of the log entry and the number in its category, "none" for 0xFFFFFFFF; "-" is
   a check that is not logged. A check that is not logged does not set `g_gSipCodePoint` either.
