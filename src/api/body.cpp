@@ -15,61 +15,61 @@ SDPLINE_PER_THREAD SdpFnAlloc g_gSdpFnAlloc = nullptr;
 SDPLINE_PER_THREAD SdpFnFree g_gSdpFnFree = nullptr;
 SDPLINE_PER_THREAD SDPMemCp *g_mSdpDecodeMemCp = nullptr;
 
-SDPResult SdpLibDecodeSdp(const SipString *pstSdpText, SdpLine **ppstSdpLine) {
-    if (pstSdpText == nullptr || ppstSdpLine == nullptr) {
+SDPResult SdpLibDecodeSdp(const SipString *text, SdpLine **body) {
+    if (text == nullptr || body == nullptr) {
         return fail(Check::DecodeArgument);
     }
-    *ppstSdpLine = nullptr;
+    *body = nullptr;
     SDPMemCp *memCp = nullptr;
     if (SipMmCreateBufMem(kDecodeBlock.first, kDecodeBlock.next, &memCp) != 0) {
         return fail(Check::DecodeBlock);
     }
     beginDecode(memCp);
     SdpLine *line = nullptr;
-    const SDPResult result = parseBody(pstSdpText, &line);
+    const SDPResult result = parseBody(text, &line);
     endDecode(result == 0);
     if (result != 0) {
         SipMmReleaseBufMem(&memCp);
         return logAndForward(Check::DecodeRefused, result);
     }
     line->pstMemCp = memCp;
-    *ppstSdpLine = line;
+    *body = line;
     return 0;
 }
 
-SDPResult SdpLibDecodeSdpWithOptions(const SipString *pstSdpText,
-                                     const SDPDecodeOptions *pstOptions, SdpLine **ppstSdpLine) {
-    if (pstOptions != nullptr &&
-        (pstOptions->ulMaxBodySize == 0 || pstOptions->ulMaxBodySize > SDP_MAX_LONG_BODY)) {
+SDPResult SdpLibDecodeSdpWithOptions(const SipString *text, const SDPDecodeOptions *options,
+                                     SdpLine **body) {
+    if (options != nullptr &&
+        (options->ulMaxBodySize == 0 || options->ulMaxBodySize > SDP_MAX_LONG_BODY)) {
         return fail(Check::DecodeOptions);
     }
-    decodeOptions = pstOptions;
-    const SDPResult result = SdpLibDecodeSdp(pstSdpText, ppstSdpLine);
+    decodeOptions = options;
+    const SDPResult result = SdpLibDecodeSdp(text, body);
     decodeOptions = nullptr;
     return result;
 }
 
-SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *pstBody, SdpLine **ppstSdpLine) {
-    if (pstBody == nullptr || ppstSdpLine == nullptr) {
+SDPResult SdpLibDecodeSipBodyAsSdp(SipStringBuffer *buffer, SdpLine **line) {
+    if (buffer == nullptr || line == nullptr) {
         return fail(Check::DecodeBodyArgument);
     }
-    *ppstSdpLine = nullptr;
+    *line = nullptr;
     SipRefString *body = nullptr;
-    if (const uint32_t result = SipSbConvertToRefString(pstBody, &body)) {
+    if (const uint32_t result = SipSbConvertToRefString(buffer, &body)) {
         return fail(Check::DecodeBodyText, result);
     }
     const SipString text = {SipSmGetLenFromRefString(body),
                             const_cast<char *>(SipSmGetDataFromRefString(body))};
-    const SDPResult result = SdpLibDecodeSdp(&text, ppstSdpLine);
+    const SDPResult result = SdpLibDecodeSdp(&text, line);
     SipSmReleaseRefString(body);
     return result;
 }
 
-SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine) {
-    if (ppstSdpLine == nullptr) {
+SDPResult SdpLibCreateSdp(SdpLine **body) {
+    if (body == nullptr) {
         return fail(Check::CreateArgument);
     }
-    *ppstSdpLine = nullptr;
+    *body = nullptr;
     SDPMemCp *memCp = nullptr;
     if (SipMmCreateBufMem(kCreateBlock.first, kCreateBlock.next, &memCp) != 0) {
         return fail(Check::CreateBlock);
@@ -80,46 +80,46 @@ SDPResult SdpLibCreateSdp(SdpLine **ppstSdpLine) {
         return fail(Check::CreateAlloc);
     }
     line->pstMemCp = memCp;
-    *ppstSdpLine = line;
+    *body = line;
     return 0;
 }
 
-SDPResult SdpLibEncodeSdp(SdpLine *pstSdpLine, SipStringBuffer **ppstText) {
-    if (pstSdpLine == nullptr || ppstText == nullptr) {
+SDPResult SdpLibEncodeSdp(SdpLine *body, SipStringBuffer **encoded) {
+    if (body == nullptr || encoded == nullptr) {
         return fail(Check::EncodeArgument);
     }
-    *ppstText = nullptr;
+    *encoded = nullptr;
     SipStringBuffer *text = nullptr;
     if (const uint32_t result =
             SipSbCreateStringBufferNew(gSipSystemMemCp, kBodyText.first, kBodyText.next, &text)) {
         return logAndForward(Check::EncodeBuffer, result);
     }
-    if (const SDPResult result = encodeBody(pstSdpLine, text)) {
+    if (const SDPResult result = encodeBody(body, text)) {
         SipSbReleaseStringBuffer(text);
         return logAndForward(Check::EncodeFailed, result);
     }
-    *ppstText = text;
+    *encoded = text;
     return 0;
 }
 
-SDPResult SdpLibReleaseSdp(SdpLine **ppstSdpLine) {
-    if (ppstSdpLine != nullptr && *ppstSdpLine != nullptr && (*ppstSdpLine)->pstMemCp != nullptr) {
-        SDPMemCp *memCp = (*ppstSdpLine)->pstMemCp; // the body goes with its block
+SDPResult SdpLibReleaseSdp(SdpLine **line) {
+    if (line != nullptr && *line != nullptr && (*line)->pstMemCp != nullptr) {
+        SDPMemCp *memCp = (*line)->pstMemCp; // the body goes with its block
         SipMmReleaseBufMem(&memCp);
-        *ppstSdpLine = nullptr;
+        *line = nullptr;
     }
     return 0;
 }
 
-void *SdpLibAllocSdpMem(uint32_t ulSize) {
+void *SdpLibAllocSdpMem(uint32_t size) {
     SDPMemCp *const memCp = g_mSdpDecodeMemCp;
-    return memCp != nullptr ? memCp->pfnAlloc(memCp, ulSize) : nullptr;
+    return memCp != nullptr ? memCp->pfnAlloc(memCp, size) : nullptr;
 }
 
-void SdpLibFreeSdpMem(void *pMem) {
+void SdpLibFreeSdpMem(void *memory) {
     SDPMemCp *const memCp = g_mSdpDecodeMemCp;
     if (memCp != nullptr) {
-        memCp->pfnFree(pMem);
+        memCp->pfnFree(memory);
     }
 }
 

@@ -30,46 +30,46 @@ const SipString *g_gpstSdpCrlfCfg = g_gstSdpCrlfString;
 uint32_t g_gstSdpT38OptCfg = SDP_T38_STYLE_FLAG;
 uint32_t g_bSupMedProtoRtpAvpf = 0;
 
-SDPResult SdpLibExtConfigValidate(uint32_t enConfigType, uint32_t *pulValue) {
-    if (pulValue == nullptr || enConfigType == 0 || enConfigType > kConfigTypes) {
+SDPResult SdpLibExtConfigValidate(uint32_t configType, uint32_t *value) {
+    if (value == nullptr || configType == 0 || configType > kConfigTypes) {
         return fail(Check::ConfigValidate);
     }
     return 0;
 }
 
-SDPResult SdpLibExtConfig(uint32_t enConfigType, uint32_t *pulValue) {
-    if (SdpLibExtConfigValidate(enConfigType, pulValue) != 0) {
+SDPResult SdpLibExtConfig(uint32_t configType, uint32_t *value) {
+    if (SdpLibExtConfigValidate(configType, value) != 0) {
         return fail(Check::ConfigArgument);
     }
-    switch (enConfigType) {
-    case SDP_CONFIG_LINE_END: return SdpLibExtConfigCrlf(pulValue);
+    switch (configType) {
+    case SDP_CONFIG_LINE_END: return SdpLibExtConfigCrlf(value);
     case SDP_CONFIG_RTP_AVPF:
-        if (*pulValue > 1) {
+        if (*value > 1) {
             return fail(Check::ConfigAvpf);
         }
-        g_bSupMedProtoRtpAvpf = *pulValue;
+        g_bSupMedProtoRtpAvpf = *value;
         return 0;
     default: return 0; // types that older callers pass
     }
 }
 
-SDPResult SdpLibExtConfigCrlf(uint32_t *pulValue) {
-    if (*pulValue < SDP_LINE_END_CRLF || *pulValue > SDP_LINE_END_CR) {
+SDPResult SdpLibExtConfigCrlf(uint32_t *value) {
+    if (*value < SDP_LINE_END_CRLF || *value > SDP_LINE_END_CR) {
         return fail(Check::ConfigLineEnd);
     }
-    g_gpstSdpCrlfCfg = &g_gstSdpCrlfString[*pulValue - SDP_LINE_END_CRLF];
+    g_gpstSdpCrlfCfg = &g_gstSdpCrlfString[*value - SDP_LINE_END_CRLF];
     return 0;
 }
 
-SipString SdpGetCrlfString(uint8_t ucIndex) {
-    return g_gpstSdpCrlfCfg[ucIndex];
+SipString SdpGetCrlfString(uint8_t index) {
+    return g_gpstSdpCrlfCfg[index];
 }
 
-SDPResult SdpSetT38OptCfg(uint32_t ulValue) {
-    if (ulValue > kMaxT38Style) {
+SDPResult SdpSetT38OptCfg(uint32_t value) {
+    if (value > kMaxT38Style) {
         return fail(Check::ConfigT38Style);
     }
-    g_gstSdpT38OptCfg = ulValue;
+    g_gstSdpT38OptCfg = value;
     return 0;
 }
 
@@ -77,27 +77,27 @@ uint32_t SdpGetT380ptCfg() {
     return g_gstSdpT38OptCfg;
 }
 
-void SdpSetSupMedProtoRtpAvpf(uint32_t bValue) {
-    g_bSupMedProtoRtpAvpf = bValue;
+void SdpSetSupMedProtoRtpAvpf(uint32_t value) {
+    g_bSupMedProtoRtpAvpf = value;
 }
 
 uint32_t SdpGetSupMedProtoRtpAvpf() {
     return g_bSupMedProtoRtpAvpf;
 }
 
-void SdpSetSupMedProtoRtpFamily(uint32_t bValue) {
-    decodeSettings.bRtpFamily = bValue;
+void SdpSetSupMedProtoRtpFamily(uint32_t value) {
+    decodeSettings.bRtpFamily = value;
 }
 
 uint32_t SdpGetSupMedProtoRtpFamily() {
     return decodeSettings.bRtpFamily;
 }
 
-SDPResult SdpSetMaxBodySize(uint32_t ulBytes) {
-    if (ulBytes == 0 || ulBytes > SDP_MAX_LONG_BODY) {
+SDPResult SdpSetMaxBodySize(uint32_t bytes) {
+    if (bytes == 0 || bytes > SDP_MAX_LONG_BODY) {
         return fail(Check::ConfigMaxBody);
     }
-    decodeSettings.ulMaxBodySize = ulBytes;
+    decodeSettings.ulMaxBodySize = bytes;
     return 0;
 }
 
@@ -105,16 +105,16 @@ uint32_t SdpGetMaxBodySize() {
     return decodeSettings.ulMaxBodySize;
 }
 
-void SdpSetFnAlloc(SdpFnAlloc pfnAlloc) {
-    g_gSdpFnAlloc = pfnAlloc;
+void SdpSetFnAlloc(SdpFnAlloc alloc) {
+    g_gSdpFnAlloc = alloc;
 }
 
 SdpFnAlloc SdpGetFnAlloc() {
     return g_gSdpFnAlloc;
 }
 
-void SdpSetFnFree(SdpFnFree pfnFree) {
-    g_gSdpFnFree = pfnFree;
+void SdpSetFnFree(SdpFnFree free) {
+    g_gSdpFnFree = free;
 }
 
 SdpFnFree SdpGetFnFree() {

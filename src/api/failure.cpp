@@ -35,17 +35,17 @@ using namespace sdpline;
 
 extern "C" {
 
-void SdpLibGetLastFailure(SDPFailure *pstFailure) {
-    if (pstFailure != nullptr) {
-        *pstFailure = lastFailure;
+void SdpLibGetLastFailure(SDPFailure *failure) {
+    if (failure != nullptr) {
+        *failure = lastFailure;
     }
 }
 
-SDPResult SdpLibDescribeResult(uint32_t ulResult, SDPResultText *pstText) {
+SDPResult SdpLibDescribeResult(uint32_t result, SDPResultText *words) {
     SDPResultText text = {"", "", "", "", ""};
-    const bool known = describe(ulResult, text);
-    if (pstText != nullptr) {
-        *pstText = text;
+    const bool known = describe(result, text);
+    if (words != nullptr) {
+        *words = text;
     }
     return known ? 0 : 1;
 }

@@ -5,23 +5,23 @@
 
 using namespace sdpline;
 
-SDPResult SdpLibCloneSdp(const SdpLine *pstSdpLine, SdpLine **ppstClone) {
-    if (pstSdpLine == nullptr || ppstClone == nullptr) {
+SDPResult SdpLibCloneSdp(const SdpLine *body, SdpLine **clone) {
+    if (body == nullptr || clone == nullptr) {
         return fail(Check::CloneBodyArgument);
     }
-    *ppstClone = nullptr;
+    *clone = nullptr;
     SdpLine *line = nullptr;
     if (const SDPResult result = SdpLibCreateSdp(&line)) {
         return result;
     }
     SDPMemCp *const control = line->pstMemCp;
     RecordCopier<CopyMemory> copier{CopyMemory(*control)};
-    copier.copy(*pstSdpLine, *line);
+    copier.copy(*body, *line);
     line->pstMemCp = control;
     if (copier.failed()) {
         SdpLibReleaseSdp(&line);
         return fail(copier.tooManyPayLoads() ? Check::CloneBodyPayLoads : Check::CloneBodyAlloc);
     }
-    *ppstClone = line;
+    *clone = line;
     return 0;
 }

@@ -7,14 +7,14 @@ using lexer::state;
 
 extern "C" {
 
-void setInput(const SipString *pstText) {
-    state.input = reinterpret_cast<const uint8_t *>(pstText->pcData);
+void setInput(const SipString *text) {
+    state.input = reinterpret_cast<const uint8_t *>(text->pcData);
     state.late = nullptr;
     state.inputGone = false;
 }
 
-void setLexerContext(uint32_t enContext) {
-    state.context = enContext;
+void setLexerContext(uint32_t context) {
+    state.context = context;
 }
 
 uint32_t nextToken() {
@@ -33,8 +33,8 @@ uint32_t startTracking() {
     return lexer::startTracking();
 }
 
-uint32_t sdp_match(uint32_t enKind) {
-    return lexer::match(enKind) ? 1 : 0;
+uint32_t sdp_match(uint32_t kind) {
+    return lexer::match(kind) ? 1 : 0;
 }
 
 uint32_t LA() {
@@ -58,24 +58,24 @@ uint32_t sdpGetEnd() {
     return state.ended;
 }
 
-void sdpSetEnd(uint32_t bEnd) {
-    state.ended = bEnd;
+void sdpSetEnd(uint32_t ended) {
+    state.ended = ended;
 }
 
 uint32_t sdpGetEndToken() {
     return state.end;
 }
 
-void sdpSetEndToken(uint32_t ulOffset) {
-    state.end = ulOffset;
+void sdpSetEndToken(uint32_t offset) {
+    state.end = offset;
 }
 
 uint32_t sdpGetIndex() {
     return state.index;
 }
 
-void sdpSetIndex(uint32_t ulIndex) {
-    state.index = ulIndex;
+void sdpSetIndex(uint32_t index) {
+    state.index = index;
 }
 
 const uint8_t *sdpGetInput() {
@@ -86,24 +86,24 @@ uint8_t sdpGetLastChar() {
     return state.last;
 }
 
-void sdpSetLastChar(uint8_t ucChar) {
-    state.last = ucChar;
+void sdpSetLastChar(uint8_t byte) {
+    state.last = byte;
 }
 
 uint32_t sdpGetStartToken() {
     return state.start;
 }
 
-void sdpSetStartToken(uint32_t ulOffset) {
-    state.start = ulOffset;
+void sdpSetStartToken(uint32_t offset) {
+    state.start = offset;
 }
 
 uint32_t sdpGetTToken() {
     return state.kind;
 }
 
-void sdpSetTToken(uint32_t enKind) {
-    state.kind = enKind;
+void sdpSetTToken(uint32_t kind) {
+    state.kind = kind;
 }
 
 char *sdpGetThrowAwayBuffer() {
@@ -111,16 +111,16 @@ char *sdpGetThrowAwayBuffer() {
     return state.text;
 }
 
-void sdpSetThrowAwayBuffer(const uint8_t *pucBytes, int32_t iCount) {
-    lexer::overwriteText(pucBytes, iCount);
+void sdpSetThrowAwayBuffer(const uint8_t *bytes, int32_t count) {
+    lexer::overwriteText(bytes, count);
 }
 
 char *sdpGetRtpmapVar() {
     return state.rtpmap;
 }
 
-SDPResult sdpSetString(SipString *pstValue, const char *pcText) {
-    return storeText(*pstValue, pcText);
+SDPResult sdpSetString(SipString *value, const char *text) {
+    return storeText(*value, text);
 }
 
 } // extern "C"

@@ -15,270 +15,268 @@ extern "C" {
 
 // ---- Bodies and lists
 
-SDPResult SdpLibParseSdp(const SipString *pstText, SdpLine **ppstLine) {
-    return parseBody(pstText, ppstLine);
+SDPResult SdpLibParseSdp(const SipString *text, SdpLine **line) {
+    return parseBody(text, line);
 }
 
-SDPResult startSdpParsing(SdpLine *pstLine) {
-    return parseFromState(*pstLine);
+SDPResult startSdpParsing(SdpLine *line) {
+    return parseFromState(*line);
 }
 
-void convertCRLFToCR(const uint8_t *pucText, uint32_t ulLen, uint8_t *pucOut, uint32_t ulOutSize) {
-    normaliseCleared(pucText, ulLen, pucOut, ulOutSize);
+void convertCRLFToCR(const uint8_t *text, uint32_t length, uint8_t *out, uint32_t outSize) {
+    normaliseCleared(text, length, out, outSize);
 }
 
-void **SdpLibUtilExtendDP(void **ppArray, uint32_t ulCount, uint32_t ulNewCount) {
-    return extendArray(ppArray, ulCount, ulNewCount);
+void **SdpLibUtilExtendDP(void **array, uint32_t count, uint32_t newCount) {
+    return extendArray(array, count, newCount);
 }
 
 // ---- v= o= and the lines of text
 
-SDPResult sdpProtoVersion(SdpLine *pstLine) {
-    return PARSE(parseVersion(p, pstLine->ulProtoVersion));
+SDPResult sdpProtoVersion(SdpLine *line) {
+    return PARSE(parseVersion(p, line->ulProtoVersion));
 }
 
-SDPResult sdpOriginField(SDPOrigin *pstOrigin) {
-    return PARSE(parseOrigin(p, *pstOrigin));
+SDPResult sdpOriginField(SDPOrigin *origin) {
+    return PARSE(parseOrigin(p, *origin));
 }
 
-SDPResult sdpStringField(uint32_t enKind, SipString *pstValue) {
-    return PARSE(parseText(p, enKind, *pstValue));
+SDPResult sdpStringField(uint32_t kind, SipString *value) {
+    return PARSE(parseText(p, kind, *value));
 }
 
-SDPResult sdpStringListFields(uint32_t enKind, SipString ***pppstStrings, uint32_t *pulCount) {
-    SDPStringList list = {*pulCount, *pppstStrings};
-    const SDPResult result = PARSE(parseTextList(p, enKind, list));
-    *pppstStrings = list.ppstStrings;
-    *pulCount = list.ulNoOfStrings;
+SDPResult sdpStringListFields(uint32_t kind, SipString ***strings, uint32_t *count) {
+    SDPStringList list = {*count, *strings};
+    const SDPResult result = PARSE(parseTextList(p, kind, list));
+    *strings = list.ppstStrings;
+    *count = list.ulNoOfStrings;
     return result;
 }
 
 // ---- c=
 
-SDPResult sdpConnectionField(SDPConnection *pstConnection) {
-    return PARSE(parseConnection(p, *pstConnection));
+SDPResult sdpConnectionField(SDPConnection *connection) {
+    return PARSE(parseConnection(p, *connection));
 }
 
-SDPResult sdpConnectionFieldAddrType(SDPConnection *pstConnection, uint32_t enKind) {
-    return addressType(*pstConnection, enKind);
+SDPResult sdpConnectionFieldAddrType(SDPConnection *connection, uint32_t kind) {
+    return addressType(*connection, kind);
 }
 
-SDPResult sdpConnectionFieldAddrIpv4(SDPConnection *pstConnection) {
-    return PARSE(parseIpv4(p, *pstConnection));
+SDPResult sdpConnectionFieldAddrIpv4(SDPConnection *connection) {
+    return PARSE(parseIpv4(p, *connection));
 }
 
-SDPResult sdpConnectionFieldAddrIpv6(SDPConnection *pstConnection) {
-    return PARSE(parseIpv6(p, *pstConnection));
+SDPResult sdpConnectionFieldAddrIpv6(SDPConnection *connection) {
+    return PARSE(parseIpv6(p, *connection));
 }
 
-SDPResult sdpConnectionFieldTtl(SDPConnection *pstConnection) {
-    return PARSE(parseTtlAndCount(p, *pstConnection));
+SDPResult sdpConnectionFieldTtl(SDPConnection *connection) {
+    return PARSE(parseTtlAndCount(p, *connection));
 }
 
 // ---- t= and r=
 
-SDPResult sdpTimeFieldsSet(SDPTimeSet *pstSet) {
-    return PARSE(parseTimes(p, *pstSet));
+SDPResult sdpTimeFieldsSet(SDPTimeSet *set) {
+    return PARSE(parseTimes(p, *set));
 }
 
-SDPResult sdpTimeFields(SDPTimeField *pstField) {
-    return PARSE(parseTimeAndRepeats(p, *pstField));
+SDPResult sdpTimeFields(SDPTimeField *field) {
+    return PARSE(parseTimeAndRepeats(p, *field));
 }
 
-SDPResult sdpTimeField(SDPTimeField *pstField) {
-    return PARSE(parseTime(p, *pstField));
+SDPResult sdpTimeField(SDPTimeField *field) {
+    return PARSE(parseTime(p, *field));
 }
 
-SDPResult sdpRepeatFields(SDPRepeatFieldSet *pstSet) {
-    return PARSE(parseRepeats(p, *pstSet));
+SDPResult sdpRepeatFields(SDPRepeatFieldSet *set) {
+    return PARSE(parseRepeats(p, *set));
 }
 
-SDPResult sdpRepeatField(SDPRepeatField *pstField) {
-    return PARSE(parseRepeat(p, *pstField));
+SDPResult sdpRepeatField(SDPRepeatField *field) {
+    return PARSE(parseRepeat(p, *field));
 }
 
-SDPResult sdpTypedTime(SDPTimeUnit *pstUnit) {
-    return PARSE(parseTypedTime(p, *pstUnit));
+SDPResult sdpTypedTime(SDPTimeUnit *unit) {
+    return PARSE(parseTypedTime(p, *unit));
 }
 
 // ---- a=
 
-SDPResult sdpAttributeFields(SDPAttrList *pstList) {
-    return PARSE(parseAttributes(p, *pstList));
+SDPResult sdpAttributeFields(SDPAttrList *list) {
+    return PARSE(parseAttributes(p, *list));
 }
 
-SDPResult sdpAttributeField(SDPAttr *pstAttr) {
-    return PARSE(parseAttribute(p, *pstAttr));
+SDPResult sdpAttributeField(SDPAttr *attr) {
+    return PARSE(parseAttribute(p, *attr));
 }
 
-SDPResult sdpAttributeFieldType(SDPAttr *pstAttr, const char *pcName, uint32_t enType) {
-    return PARSE(parseValue(p, *pstAttr, pcName, enType));
+SDPResult sdpAttributeFieldType(SDPAttr *attr, const char *name, uint32_t type) {
+    return PARSE(parseValue(p, *attr, name, type));
 }
 
-SDPResult sdpAttributeFieldDataSink(SDPAttr *pstAttr, const char *pcName) {
-    return PARSE(parseOther(p, *pstAttr, pcName));
+SDPResult sdpAttributeFieldDataSink(SDPAttr *attr, const char *name) {
+    return PARSE(parseOther(p, *attr, name));
 }
 
-SDPResult sdpOtherRecAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseTextValue(p, *pstAttr, enType));
+SDPResult sdpOtherRecAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseTextValue(p, *attr, type));
 }
 
-SDPResult sdpUnRecAttr(const char *pcName, SDPAttr *pstAttr) {
-    return PARSE(keepUnrecognised(p, *pstAttr, pcName));
+SDPResult sdpUnRecAttr(const char *name, SDPAttr *attr) {
+    return PARSE(keepUnrecognised(p, *attr, name));
 }
 
-SDPResult sdpUnRecAttrTypeExtn(const char *pcName, SDPAttr *pstAttr, char *pcBuffer,
-                               uint32_t ulSize) {
+SDPResult sdpUnRecAttrTypeExtn(const char *name, SDPAttr *attr, char *buffer, uint32_t size) {
     constexpr uint32_t work = SDP_MAX_VALUE + 1;
-    const uint32_t space = ulSize < work ? ulSize : work;
+    const uint32_t space = size < work ? size : work;
     std::string_view value;
     const SDPResult result =
-        PARSE(keepNamedText(p, *pstAttr, pcName, space == 0 ? 0 : space - 1, value));
+        PARSE(keepNamedText(p, *attr, name, space == 0 ? 0 : space - 1, value));
     if (result == 0 && space != 0) {
-        pcBuffer[value.copy(pcBuffer, space - 1)] = '\0';
+        buffer[value.copy(buffer, space - 1)] = '\0';
     }
     return result;
 }
 
-SDPResult sdpUnRecAttrTypeNoVal(const char *pcName, SDPAttr *pstAttr) {
-    return PARSE(keepName(p, *pstAttr, pcName));
+SDPResult sdpUnRecAttrTypeNoVal(const char *name, SDPAttr *attr) {
+    return PARSE(keepName(p, *attr, name));
 }
 
 // ---- a=rtpmap
 
-SDPResult sdpRtpmapAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseRtpmap(p, *pstAttr, enType));
+SDPResult sdpRtpmapAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseRtpmap(p, *attr, type));
 }
 
-SDPResult sdpRtpmapAttrLocateStdRtpProfile(SDPRtpMapAttr *pstRtpMap) {
-    return locateProfile(*pstRtpMap);
+SDPResult sdpRtpmapAttrLocateStdRtpProfile(SDPRtpMapAttr *rtpMap) {
+    return locateProfile(*rtpMap);
 }
 
-SDPResult sdpRtpmapAttrPayloadDvi4For8K(SDPRtpMapAttr *pstRtpMap) {
-    return refineDvi4(*pstRtpMap), 0;
+SDPResult sdpRtpmapAttrPayloadDvi4For8K(SDPRtpMapAttr *rtpMap) {
+    return refineDvi4(*rtpMap), 0;
 }
 
-SDPResult sdpRtpmapAttrPayloadL16For2C(SDPRtpMapAttr *pstRtpMap) {
-    return refineL16(*pstRtpMap), 0;
+SDPResult sdpRtpmapAttrPayloadL16For2C(SDPRtpMapAttr *rtpMap) {
+    return refineL16(*rtpMap), 0;
 }
 
 // ---- Media control
 
-SDPResult sdpModeAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseFlag(p, *pstAttr, enType));
+SDPResult sdpModeAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseFlag(p, *attr, type));
 }
 
-SDPResult sdpPacketizationAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parsePacketNumber(p, *pstAttr, enType));
+SDPResult sdpPacketizationAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parsePacketNumber(p, *attr, type));
 }
 
-SDPResult sdpQualityAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseQuality(p, *pstAttr, enType));
+SDPResult sdpQualityAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseQuality(p, *attr, type));
 }
 
-SDPResult sdpFaxNumericAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseFaxNumber(p, *pstAttr, enType));
+SDPResult sdpFaxNumericAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseFaxNumber(p, *attr, type));
 }
 
-SDPResult sdpFaxRateMgmtAttr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseFaxRate(p, *pstAttr, enType));
+SDPResult sdpFaxRateMgmtAttr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseFaxRate(p, *attr, type));
 }
 
-SDPResult sdpFaxUdpEC(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseFaxErrorCorrection(p, *pstAttr, enType));
+SDPResult sdpFaxUdpEC(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseFaxErrorCorrection(p, *attr, type));
 }
 
-SDPResult sdpSilenceSuppression(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseSilenceSupp(p, *pstAttr, enType));
+SDPResult sdpSilenceSuppression(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseSilenceSupp(p, *attr, type));
 }
 
-SDPResult sdpEchoCacellation(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseEcan(p, *pstAttr, enType));
+SDPResult sdpEchoCacellation(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseEcan(p, *attr, type));
 }
 
-SDPResult sdpIpBcpAttr(SDPAttr *pstAttr) {
-    return PARSE(parseIpBcp(p, *pstAttr));
+SDPResult sdpIpBcpAttr(SDPAttr *attr) {
+    return PARSE(parseIpBcp(p, *attr));
 }
 
-SDPResult sdpT120Attr(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parseSetup(p, *pstAttr, enType));
+SDPResult sdpT120Attr(SDPAttr *attr, uint32_t type) {
+    return PARSE(parseSetup(p, *attr, type));
 }
 
-SDPResult sdpSilenceSuppressionOn(SDPAttr *pstAttr, const char *pcWord) {
-    return classifySilence(pstAttr->unAttrValue.stSilenceSupp, pcWord);
+SDPResult sdpSilenceSuppressionOn(SDPAttr *attr, const char *word) {
+    return classifySilence(attr->unAttrValue.stSilenceSupp, word);
 }
 
-SDPResult sdpEchoCacellationDirection(SDPAttr *pstAttr, const char *pcWord) {
-    return classifyEcanDirection(pstAttr->unAttrValue.stEcan, pcWord);
+SDPResult sdpEchoCacellationDirection(SDPAttr *attr, const char *word) {
+    return classifyEcanDirection(attr->unAttrValue.stEcan, word);
 }
 
-SDPResult sdpEchoCacellationOn(SDPAttr *pstAttr, const char *pcWord) {
-    return classifyEcan(pstAttr->unAttrValue.stEcan, pcWord);
+SDPResult sdpEchoCacellationOn(SDPAttr *attr, const char *word) {
+    return classifyEcan(attr->unAttrValue.stEcan, word);
 }
 
-SDPResult sdpIpBcpAttrType(SDPAttr *pstAttr, const char *pcWord) {
-    return classifyIpBcp(pstAttr->unAttrValue.stIpBcp, pcWord);
+SDPResult sdpIpBcpAttrType(SDPAttr *attr, const char *word) {
+    return classifyIpBcp(attr->unAttrValue.stIpBcp, word);
 }
 
-SDPResult sdpT120AttrT120Mode(SDPAttr *pstAttr, const char *pcWord) {
-    return classifySetup(*pstAttr, pcWord);
+SDPResult sdpT120AttrT120Mode(SDPAttr *attr, const char *word) {
+    return classifySetup(*attr, word);
 }
 
 // ---- Preconditions
 
-SDPResult sdpResourceStatus(SDPAttr *pstAttr, uint32_t enType) {
-    return PARSE(parsePrecondition(p, *pstAttr, enType));
+SDPResult sdpResourceStatus(SDPAttr *attr, uint32_t type) {
+    return PARSE(parsePrecondition(p, *attr, type));
 }
 
-SDPResult sdpResourceStatusExtractPrecondition(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyPrecondition(*pstStatus, pcWord);
+SDPResult sdpResourceStatusExtractPrecondition(SDPRsrcMgmtStatus *status, const char *word) {
+    return classifyPrecondition(*status, word);
 }
 
-SDPResult sdpResourceStatusExtractStrengthTag(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyStrength(*pstStatus, pcWord);
+SDPResult sdpResourceStatusExtractStrengthTag(SDPRsrcMgmtStatus *status, const char *word) {
+    return classifyStrength(*status, word);
 }
 
-SDPResult sdpResourceExtractStatusType(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyStatus(*pstStatus, pcWord);
+SDPResult sdpResourceExtractStatusType(SDPRsrcMgmtStatus *status, const char *word) {
+    return classifyStatus(*status, word);
 }
 
-SDPResult sdpResourceStatusExtractDirTag(SDPRsrcMgmtStatus *pstStatus, const char *pcWord) {
-    return classifyDirection(*pstStatus, pcWord);
+SDPResult sdpResourceStatusExtractDirTag(SDPRsrcMgmtStatus *status, const char *word) {
+    return classifyDirection(*status, word);
 }
 
 // ---- m=
 
-SDPResult sdpMediaDescriptions(SDPMediaSet *pstSet) {
-    return PARSE(parseMediaDescriptions(p, *pstSet));
+SDPResult sdpMediaDescriptions(SDPMediaSet *set) {
+    return PARSE(parseMediaDescriptions(p, *set));
 }
 
-SDPResult sdpMediaDescription(SDPMediaDesc *pstDesc) {
-    return PARSE(parseMediaDescription(p, *pstDesc));
+SDPResult sdpMediaDescription(SDPMediaDesc *desc) {
+    return PARSE(parseMediaDescription(p, *desc));
 }
 
-SDPResult sdpMediaField(SDPMediaField *pstField) {
-    return PARSE(parseMediaField(p, *pstField));
+SDPResult sdpMediaField(SDPMediaField *field) {
+    return PARSE(parseMediaField(p, *field));
 }
 
-SDPResult sdpMediaType(SDPMediaField *pstField, const char *pcWord) {
-    return classifyMedia(*pstField, pcWord);
+SDPResult sdpMediaType(SDPMediaField *field, const char *word) {
+    return classifyMedia(*field, word);
 }
 
-SDPResult sdpMediaFmt(SDPMediaField *pstField, const char *pcProto) {
-    return PARSE(parseFormats(p, *pstField, pcProto));
+SDPResult sdpMediaFmt(SDPMediaField *field, const char *proto) {
+    return PARSE(parseFormats(p, *field, proto));
 }
 
-SDPResult sdpRtpAvpMediaFmt(SDPMediaField *pstField, uint32_t enProto) {
-    return PARSE(parsePayloads(p, *pstField, enProto));
+SDPResult sdpRtpAvpMediaFmt(SDPMediaField *field, uint32_t proto) {
+    return PARSE(parsePayloads(p, *field, proto));
 }
 
-SDPResult sdpRtpAvpMediaFmtGetNoOfPayloads(uint32_t *pulCount, uint32_t *pulPayLoads,
-                                           uint32_t ulLimit) {
-    return PARSE(parsePayloadNumbers(p, *pulCount, pulPayLoads, ulLimit));
+SDPResult sdpRtpAvpMediaFmtGetNoOfPayloads(uint32_t *count, uint32_t *payLoads, uint32_t limit) {
+    return PARSE(parsePayloadNumbers(p, *count, payLoads, limit));
 }
 
-SDPResult sdpOtherMediaFmt(SDPMediaField *pstField, uint32_t enProto) {
-    return PARSE(parseOtherFormat(p, *pstField, enProto));
+SDPResult sdpOtherMediaFmt(SDPMediaField *field, uint32_t proto) {
+    return PARSE(parseOtherFormat(p, *field, proto));
 }
 
 } // extern "C"

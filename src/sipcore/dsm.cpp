@@ -358,30 +358,30 @@ const SipDsmTypeDef g_gstStringPointerDef{sizeof(void *), SIP_DSM_POINTER, &g_gs
 const SipDsmTypeDef g_gstHostIPV4Def{4, SIP_DSM_SET, &sipcore::kHostIpv4Octets};
 const SipDsmTypeDef g_gstHostIPV6Def{16, SIP_DSM_SET, &sipcore::kHostIpv6Octets};
 
-uint32_t SipDsmCopyGeneralField(SDPMemCp *pstMemCp, const void *pSrc, void *pDst,
-                                const SipDsmTypeDef *pstDef) {
+uint32_t SipDsmCopyGeneralField(SDPMemCp *memCp, const void *source, void *target,
+                                const SipDsmTypeDef *descriptor) {
     using namespace sipcore;
-    if (pstMemCp == nullptr || pSrc == nullptr || pDst == nullptr || pSrc == pDst ||
-        !isSound(pstDef)) {
+    if (memCp == nullptr || source == nullptr || target == nullptr || source == target ||
+        !isSound(descriptor)) {
         return SIP_INVALID_ARGUMENT;
     }
-    auto dst = static_cast<Bytes>(pDst);
-    std::memset(dst, 0, pstDef->ulSize);
-    const uint32_t result = Copier(pstMemCp).copy(static_cast<ConstBytes>(pSrc), dst, pstDef, 0);
+    auto dst = static_cast<Bytes>(target);
+    std::memset(dst, 0, descriptor->ulSize);
+    const uint32_t result = Copier(memCp).copy(static_cast<ConstBytes>(source), dst, descriptor, 0);
     if (result != SIP_OK) {
-        Clearer(pstMemCp).clear(dst, pstDef, 0);
-        std::memset(dst, 0, pstDef->ulSize);
+        Clearer(memCp).clear(dst, descriptor, 0);
+        std::memset(dst, 0, descriptor->ulSize);
     }
     return result;
 }
 
-uint32_t SipDsmClearGeneralField(SDPMemCp *pstMemCp, void *pValue, const SipDsmTypeDef *pstDef) {
+uint32_t SipDsmClearGeneralField(SDPMemCp *memCp, void *value, const SipDsmTypeDef *descriptor) {
     using namespace sipcore;
-    if (pstMemCp == nullptr || pValue == nullptr || !isSound(pstDef)) {
+    if (memCp == nullptr || value == nullptr || !isSound(descriptor)) {
         return SIP_INVALID_ARGUMENT;
     }
-    Clearer clearer(pstMemCp);
-    clearer.clear(static_cast<Bytes>(pValue), pstDef, 0);
+    Clearer clearer(memCp);
+    clearer.clear(static_cast<Bytes>(value), descriptor, 0);
     return clearer.firstFailure();
 }
 

@@ -247,20 +247,20 @@ uint32_t wholeSystemSize(uint32_t size) {
 
 SDPMemCp *gSipSystemMemCp = &sipcore::systemMemCp;
 
-void SipMmGetStatistics(SipMmStatistics *pstStatistics) {
+void SipMmGetStatistics(SipMmStatistics *statistics) {
     using namespace sipcore;
-    if (pstStatistics == nullptr) {
+    if (statistics == nullptr) {
         return;
     }
     releaseCached(); // what the calling thread caches is not in use
     // `given` is read before `taken`, so that it is never the larger one while threads allocate.
     const uint64_t given = counters.given.load(kRelaxed);
-    pstStatistics->ulBlocks = counters.blocks.load(kRelaxed);
-    pstStatistics->ulHeapAllocations = counters.taken.load(kRelaxed);
-    pstStatistics->ulHeapBlocks = pstStatistics->ulHeapAllocations - given;
-    pstStatistics->ulHeapBytes = counters.bytes.load(kRelaxed);
-    pstStatistics->ulHeapBytesPeak = counters.peak.load(kRelaxed);
-    pstStatistics->ulAbnormalReports = counters.abnormal.load(kRelaxed);
+    statistics->ulBlocks = counters.blocks.load(kRelaxed);
+    statistics->ulHeapAllocations = counters.taken.load(kRelaxed);
+    statistics->ulHeapBlocks = statistics->ulHeapAllocations - given;
+    statistics->ulHeapBytes = counters.bytes.load(kRelaxed);
+    statistics->ulHeapBytesPeak = counters.peak.load(kRelaxed);
+    statistics->ulAbnormalReports = counters.abnormal.load(kRelaxed);
 }
 
 void SipMmResetPeak(void) {

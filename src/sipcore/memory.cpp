@@ -234,39 +234,39 @@ void *takeUnfilled(SDPMemCp *memCp, uint32_t size) {
 
 } // namespace sipcore
 
-uint32_t SipMmCreateBufMem(uint32_t ulFirstSize, uint32_t ulNextSize, SDPMemCp **ppstMemCp) {
+uint32_t SipMmCreateBufMem(uint32_t firstSize, uint32_t nextSize, SDPMemCp **memCp) {
     using namespace sipcore;
-    if (ppstMemCp == nullptr) {
+    if (memCp == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    *ppstMemCp = nullptr;
-    if (ulFirstSize > kLargestRequest || ulNextSize > kLargestRequest) {
+    *memCp = nullptr;
+    if (firstSize > kLargestRequest || nextSize > kLargestRequest) {
         return SIP_INVALID_ARGUMENT;
     }
     const std::size_t heapBytes =
-        heapSize(std::max(sizeof(Block) + kHeaderSize + roundUp8(ulFirstSize), kLeastBlock));
+        heapSize(std::max(sizeof(Block) + kHeaderSize + roundUp8(firstSize), kLeastBlock));
     auto *block = static_cast<Block *>(heapTake(heapBytes, Use::Block, Content::Any));
     if (block == nullptr) {
         return SIP_NO_MEMORY;
     }
     block->control = {block, blockAlloc, blockFree};
     block->span = spanOf(block + 1, block, heapBytes, &block->first);
-    block->nextSize = roundUp8(ulNextSize);
+    block->nextSize = roundUp8(nextSize);
     block->first = {block, nullptr, nullptr, heapBytes};
     clearRecord<sizeof block->freed>(block->freed);
-    *ppstMemCp = &block->control;
+    *memCp = &block->control;
     return SIP_OK;
 }
 
-uint32_t SipMmReleaseBufMem(SDPMemCp **ppstMemCp) {
+uint32_t SipMmReleaseBufMem(SDPMemCp **memCp) {
     using namespace sipcore;
-    if (ppstMemCp == nullptr) {
+    if (memCp == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    if (*ppstMemCp == nullptr) {
+    if (*memCp == nullptr) {
         return SIP_OK;
     }
-    auto *block = static_cast<Block *>((*ppstMemCp)->pService);
+    auto *block = static_cast<Block *>((*memCp)->pService);
     if (block == nullptr) { // the system memory control is no block
         return SIP_INVALID_ARGUMENT;
     }
@@ -276,6 +276,6 @@ uint32_t SipMmReleaseBufMem(SDPMemCp **ppstMemCp) {
         chunk = next;
     }
     heapGive(block, block->first.heapBytes, Use::Block);
-    *ppstMemCp = nullptr;
+    *memCp = nullptr;
     return SIP_OK;
 }

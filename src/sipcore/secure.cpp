@@ -26,37 +26,37 @@ namespace {
 
 } // namespace
 
-int memcpy_s(void *pDest, size_t ulDestMax, const void *pSrc, size_t ulCount) {
-    if (ulCount == 0) {
+int memcpy_s(void *target, size_t capacity, const void *source, size_t count) {
+    if (count == 0) {
         return 0;
     }
-    if (pDest == nullptr || pSrc == nullptr) {
+    if (target == nullptr || source == nullptr) {
         return EINVAL;
     }
-    if (ulCount > ulDestMax) {
+    if (count > capacity) {
         return ERANGE;
     }
-    std::memmove(pDest, pSrc, ulCount); // the ranges may overlap
+    std::memmove(target, source, count); // the ranges may overlap
     return 0;
 }
 
-int memset_s(void *pDest, size_t ulDestMax, int iValue, size_t ulCount) {
-    if (ulCount > sipcore::kSmallFill || ulCount > ulDestMax || pDest == nullptr || iValue != 0)
+int memset_s(void *target, size_t capacity, int value, size_t count) {
+    if (count > sipcore::kSmallFill || count > capacity || target == nullptr || value != 0)
         [[unlikely]] {
-        return fill(pDest, ulDestMax, iValue, ulCount);
+        return fill(target, capacity, value, count);
     }
-    sipcore::zeroSmall(static_cast<char *>(pDest), ulCount);
+    sipcore::zeroSmall(static_cast<char *>(target), count);
     return 0;
 }
 
-int SS_MemCmp(const void *pFirst, const void *pSecond, uint32_t ulLen) {
-    if (ulLen == 0 || pFirst == pSecond) {
+int SS_MemCmp(const void *first, const void *second, uint32_t length) {
+    if (length == 0 || first == second) {
         return 0;
     }
-    if (pFirst == nullptr || pSecond == nullptr) {
-        return pFirst == nullptr ? -1 : 1;
+    if (first == nullptr || second == nullptr) {
+        return first == nullptr ? -1 : 1;
     }
-    return std::memcmp(pFirst, pSecond, ulLen);
+    return std::memcmp(first, second, length);
 }
 
 void SIPAbnormalSecureFunc(const char *, uint32_t) {

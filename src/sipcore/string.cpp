@@ -31,106 +31,106 @@ SipRefString *sipcore::newRefString(SDPMemCp *memCp, const char *text, uint32_t 
     return ref;
 }
 
-uint32_t SipSmGetLenFromRefString(const SipRefString *pstRef) {
-    return pstRef == nullptr ? 0 : pstRef->length;
+uint32_t SipSmGetLenFromRefString(const SipRefString *reference) {
+    return reference == nullptr ? 0 : reference->length;
 }
 
-const char *SipSmGetDataFromRefString(const SipRefString *pstRef) {
-    return pstRef == nullptr ? nullptr : reinterpret_cast<const char *>(pstRef + 1);
+const char *SipSmGetDataFromRefString(const SipRefString *reference) {
+    return reference == nullptr ? nullptr : reinterpret_cast<const char *>(reference + 1);
 }
 
-void SipSmHoldRefString(SipRefString *pstRef) {
-    if (pstRef != nullptr) {
-        pstRef->holds.fetch_add(1, std::memory_order_relaxed);
+void SipSmHoldRefString(SipRefString *reference) {
+    if (reference != nullptr) {
+        reference->holds.fetch_add(1, std::memory_order_relaxed);
     }
 }
 
-void SipSmReleaseRefString(SipRefString *pstRef) {
+void SipSmReleaseRefString(SipRefString *reference) {
     // Acquire and release: all reads of the text by other holders happen before it is freed.
-    if (pstRef != nullptr && pstRef->holds.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        pstRef->pfnFree(pstRef);
+    if (reference != nullptr && reference->holds.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        reference->pfnFree(reference);
     }
 }
 
-uint32_t SipSmCopyString(SDPMemCp *pstMemCp, const SipString *pstSrc, SipString *pstDst) {
-    if (pstDst == nullptr) {
+uint32_t SipSmCopyString(SDPMemCp *memCp, const SipString *from, SipString *to) {
+    if (to == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
     // The target may be a shallow copy of the source, whose pointer it must not keep.
-    const SipString source = pstSrc == nullptr ? SipString{0, nullptr} : *pstSrc;
-    *pstDst = {0, nullptr};
-    if (pstMemCp == nullptr || pstSrc == nullptr) {
+    const SipString source = from == nullptr ? SipString{0, nullptr} : *from;
+    *to = {0, nullptr};
+    if (memCp == nullptr || from == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
     if (source.ulLen == 0 || source.pcData == nullptr) {
-        pstDst->ulLen = source.ulLen;
+        to->ulLen = source.ulLen;
         return SIP_OK;
     }
-    auto *data = static_cast<char *>(sipcore::takeUnfilled(pstMemCp, source.ulLen));
+    auto *data = static_cast<char *>(sipcore::takeUnfilled(memCp, source.ulLen));
     if (data == nullptr) {
         return SIP_NO_MEMORY;
     }
     std::memcpy(data, source.pcData, source.ulLen);
-    *pstDst = {source.ulLen, data};
+    *to = {source.ulLen, data};
     return SIP_OK;
 }
 
-uint32_t SipSmCloneString(SDPMemCp *pstMemCp, const SipString *pstSrc, SipString **ppstDst) {
-    if (pstMemCp == nullptr || ppstDst == nullptr) {
+uint32_t SipSmCloneString(SDPMemCp *memCp, const SipString *source, SipString **target) {
+    if (memCp == nullptr || target == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    *ppstDst = nullptr;
-    if (pstSrc == nullptr) {
+    *target = nullptr;
+    if (source == nullptr) {
         return SIP_OK;
     }
-    auto *clone = static_cast<SipString *>(pstMemCp->pfnAlloc(pstMemCp, sizeof(SipString)));
+    auto *clone = static_cast<SipString *>(memCp->pfnAlloc(memCp, sizeof(SipString)));
     if (clone == nullptr) {
         return SIP_NO_MEMORY;
     }
-    const uint32_t result = SipSmCopyString(pstMemCp, pstSrc, clone);
+    const uint32_t result = SipSmCopyString(memCp, source, clone);
     if (result != SIP_OK) {
-        pstMemCp->pfnFree(clone);
+        memCp->pfnFree(clone);
         return result;
     }
-    *ppstDst = clone;
+    *target = clone;
     return SIP_OK;
 }
 
-void SipSmClearString(SDPMemCp *pstMemCp, SipString *pstText) {
-    if (pstText == nullptr) {
+void SipSmClearString(SDPMemCp *memCp, SipString *text) {
+    if (text == nullptr) {
         return;
     }
-    if (pstMemCp != nullptr && pstText->pcData != nullptr) {
-        pstMemCp->pfnFree(pstText->pcData);
+    if (memCp != nullptr && text->pcData != nullptr) {
+        memCp->pfnFree(text->pcData);
     }
-    *pstText = {0, nullptr};
+    *text = {0, nullptr};
 }
 
-void SipSmFreeString(SDPMemCp *pstMemCp, SipString **ppstText) {
-    if (ppstText == nullptr || *ppstText == nullptr) {
+void SipSmFreeString(SDPMemCp *memCp, SipString **text) {
+    if (text == nullptr || *text == nullptr) {
         return;
     }
-    SipSmClearString(pstMemCp, *ppstText);
-    if (pstMemCp != nullptr) {
-        pstMemCp->pfnFree(*ppstText);
+    SipSmClearString(memCp, *text);
+    if (memCp != nullptr) {
+        memCp->pfnFree(*text);
     }
-    *ppstText = nullptr;
+    *text = nullptr;
 }
 
-uint32_t SipSmStringNCmp(const SipString *pstFirst, const SipString *pstSecond, uint32_t ulCount) {
-    if (pstFirst == nullptr || pstSecond == nullptr) {
+uint32_t SipSmStringNCmp(const SipString *first, const SipString *second, uint32_t count) {
+    if (first == nullptr || second == nullptr) {
         return 0;
     }
-    if (pstFirst->ulLen < ulCount || pstSecond->ulLen < ulCount) {
+    if (first->ulLen < count || second->ulLen < count) {
         return 0;
     }
-    if (ulCount == 0) {
+    if (count == 0) {
         return 1;
     }
-    if (pstFirst->pcData == nullptr || pstSecond->pcData == nullptr) {
+    if (first->pcData == nullptr || second->pcData == nullptr) {
         return 0;
     }
-    return std::memcmp(pstFirst->pcData, pstSecond->pcData, ulCount) == 0 ? 1 : 0;
+    return std::memcmp(first->pcData, second->pcData, count) == 0 ? 1 : 0;
 }
 
 extern "C" {

@@ -147,105 +147,105 @@ uint32_t reserve(SipStringBuffer *buffer, uint32_t size) {
 
 } // namespace sipcore
 
-uint32_t SipSbCreateStringBufferNew(SDPMemCp *pstMemCp, uint32_t ulFirstSize, uint32_t ulGrowSize,
-                                    SipStringBuffer **ppstBuf) {
-    if (ppstBuf == nullptr) {
+uint32_t SipSbCreateStringBufferNew(SDPMemCp *memCp, uint32_t firstSize, uint32_t growSize,
+                                    SipStringBuffer **made) {
+    if (made == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    *ppstBuf = nullptr;
-    if (pstMemCp == nullptr) {
+    *made = nullptr;
+    if (memCp == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    SipStringBuffer *buffer = sipcore::newBuffer(pstMemCp, ulFirstSize);
+    SipStringBuffer *buffer = sipcore::newBuffer(memCp, firstSize);
     if (buffer == nullptr) {
         return SIP_NO_MEMORY;
     }
-    buffer->growSize = ulGrowSize;
-    *ppstBuf = buffer;
+    buffer->growSize = growSize;
+    *made = buffer;
     return SIP_OK;
 }
 
-uint32_t SipSbCreateFixedStringBuffer(SDPMemCp *pstMemCp, uint8_t *pucBuf, uint32_t ulBufLen,
-                                      SipStringBuffer **ppstBuf) {
-    if (ppstBuf == nullptr) {
+uint32_t SipSbCreateFixedStringBuffer(SDPMemCp *memCp, uint8_t *bytes, uint32_t size,
+                                      SipStringBuffer **made) {
+    if (made == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    *ppstBuf = nullptr;
-    if (pstMemCp == nullptr || pucBuf == nullptr) {
+    *made = nullptr;
+    if (memCp == nullptr || bytes == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    SipStringBuffer *buffer = sipcore::newBuffer(pstMemCp, 0);
+    SipStringBuffer *buffer = sipcore::newBuffer(memCp, 0);
     if (buffer == nullptr) {
         return SIP_NO_MEMORY;
     }
     buffer->fixed = true;
-    buffer->data = reinterpret_cast<char *>(pucBuf);
+    buffer->data = reinterpret_cast<char *>(bytes);
     buffer->at = buffer->data;
-    buffer->end = buffer->data + ulBufLen;
-    *ppstBuf = buffer;
+    buffer->end = buffer->data + size;
+    *made = buffer;
     return SIP_OK;
 }
 
-void SipSbReleaseStringBuffer(SipStringBuffer *pstBuf) {
-    if (pstBuf != nullptr) {
-        sipcore::dropText(*pstBuf);
-        pstBuf->memCp->pfnFree(pstBuf);
+void SipSbReleaseStringBuffer(SipStringBuffer *buffer) {
+    if (buffer != nullptr) {
+        sipcore::dropText(*buffer);
+        buffer->memCp->pfnFree(buffer);
     }
 }
 
-void SipSbReleaseFixedStringBuffer(SipStringBuffer *pstBuf, uint8_t **ppucData, uint32_t *pulLen) {
+void SipSbReleaseFixedStringBuffer(SipStringBuffer *buffer, uint8_t **data, uint32_t *length) {
     // The text of a growable buffer is released with it, and not reported.
-    const bool fixed = pstBuf != nullptr && pstBuf->fixed;
-    if (ppucData != nullptr) {
-        *ppucData = fixed ? reinterpret_cast<uint8_t *>(pstBuf->data) : nullptr;
+    const bool fixed = buffer != nullptr && buffer->fixed;
+    if (data != nullptr) {
+        *data = fixed ? reinterpret_cast<uint8_t *>(buffer->data) : nullptr;
     }
-    if (pulLen != nullptr) {
-        *pulLen = fixed ? pstBuf->length() : 0;
+    if (length != nullptr) {
+        *length = fixed ? buffer->length() : 0;
     }
-    SipSbReleaseStringBuffer(pstBuf);
+    SipSbReleaseStringBuffer(buffer);
 }
 
-uint32_t SipSbConvertToRefString(SipStringBuffer *pstBuf, SipRefString **ppstRef) {
-    if (ppstRef == nullptr) {
+uint32_t SipSbConvertToRefString(SipStringBuffer *buffer, SipRefString **reference) {
+    if (reference == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    *ppstRef = nullptr;
-    if (pstBuf == nullptr) {
+    *reference = nullptr;
+    if (buffer == nullptr) {
         return SIP_INVALID_ARGUMENT;
     }
-    if (pstBuf->failed()) {
+    if (buffer->failed()) {
         return SIP_NO_SPACE;
     }
-    *ppstRef = sipcore::newRefString(pstBuf->memCp, pstBuf->data, pstBuf->length());
-    return *ppstRef == nullptr ? SIP_NO_MEMORY : SIP_OK;
+    *reference = sipcore::newRefString(buffer->memCp, buffer->data, buffer->length());
+    return *reference == nullptr ? SIP_NO_MEMORY : SIP_OK;
 }
 
-uint32_t SipSbCopyChar(SipStringBuffer *pstBuf, char cChar) {
-    if (pstBuf == nullptr || pstBuf->at >= pstBuf->end) [[unlikely]] {
-        return sipcore::appendSlowly(pstBuf, cChar);
+uint32_t SipSbCopyChar(SipStringBuffer *buffer, char letter) {
+    if (buffer == nullptr || buffer->at >= buffer->end) [[unlikely]] {
+        return sipcore::appendSlowly(buffer, letter);
     }
-    char *const at = pstBuf->at;
-    *at = cChar;
-    pstBuf->at = at + 1;
+    char *const at = buffer->at;
+    *at = letter;
+    buffer->at = at + 1;
     return SIP_OK;
 }
 
-uint32_t SipSbCopyConstString(SipStringBuffer *pstBuf, const char *pcText, uint32_t ulLen) {
-    return sipcore::append(pstBuf, pcText, ulLen);
+uint32_t SipSbCopyConstString(SipStringBuffer *buffer, const char *text, uint32_t length) {
+    return sipcore::append(buffer, text, length);
 }
 
-uint32_t SipSbCopyString(SipStringBuffer *pstBuf, const SipString *pstText) {
-    if (pstText == nullptr || pstText->pcData == nullptr) [[unlikely]] {
-        return sipcore::append(pstBuf, "", 0);
+uint32_t SipSbCopyString(SipStringBuffer *buffer, const SipString *text) {
+    if (text == nullptr || text->pcData == nullptr) [[unlikely]] {
+        return sipcore::append(buffer, "", 0);
     }
-    return sipcore::append(pstBuf, pstText->pcData, pstText->ulLen);
+    return sipcore::append(buffer, text->pcData, text->ulLen);
 }
 
-uint32_t SipSbCopyLong(SipStringBuffer *pstBuf, uint32_t ulValue) {
-    if (!sipcore::fits(pstBuf, sipcore::kMostDigits)) [[unlikely]] {
-        return sipcore::appendNumberSlowly(pstBuf, ulValue);
+uint32_t SipSbCopyLong(SipStringBuffer *buffer, uint32_t value) {
+    if (!sipcore::fits(buffer, sipcore::kMostDigits)) [[unlikely]] {
+        return sipcore::appendNumberSlowly(buffer, value);
     }
-    pstBuf->at = sipcore::putNumber(pstBuf->at, ulValue);
+    buffer->at = sipcore::putNumber(buffer->at, value);
     return SIP_OK;
 }
 

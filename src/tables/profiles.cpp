@@ -54,17 +54,17 @@ constexpr SipString g_aStrRtpmapProfiles[36] = {SDPLINE_PROFILES(PROFILE)};
 constexpr uint32_t g_aulRtpmapClockRates[36] = {SDPLINE_PROFILES(PROFILE)};
 #undef PROFILE
 
-SipString SdpGetRtpmapProfile(uint16_t usRow) {
-    return g_aStrRtpmapProfiles[usRow];
+SipString SdpGetRtpmapProfile(uint16_t row) {
+    return g_aStrRtpmapProfiles[row];
 }
 
-uint32_t SdpCopyRtpmapProfile(SipStringBuffer *pstBuf, uint16_t usRow) {
-    const SipString &name = g_aStrRtpmapProfiles[usRow];
-    return SipSbCopyConstString(pstBuf, name.pcData, name.ulLen);
+uint32_t SdpCopyRtpmapProfile(SipStringBuffer *buffer, uint16_t row) {
+    const SipString &name = g_aStrRtpmapProfiles[row];
+    return SipSbCopyConstString(buffer, name.pcData, name.ulLen);
 }
 
-uint32_t SdpGetRtpmapClockRates(uint16_t usRow) {
-    return g_aulRtpmapClockRates[usRow];
+uint32_t SdpGetRtpmapClockRates(uint16_t row) {
+    return g_aulRtpmapClockRates[row];
 }
 
 } // extern "C"
