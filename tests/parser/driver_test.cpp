@@ -8,6 +8,7 @@
 #include <fstream>
 #include <map>
 
+#include "support/each.hpp"
 #include "support/securefaults.hpp"
 
 namespace {
@@ -266,58 +267,53 @@ std::string_view bytes(const char (&literal)[Size]) {
 }
 
 TEST(NormalForm, EndsInTwoLineFeeds) {
-    EXPECT_EQ(normalForm(""), "\n\n");
-    EXPECT_EQ(normalForm("a"), "a\n\n");
-    EXPECT_EQ(normalForm("a\n"), "a\n\n\n");
+    support::expectEach(normalForm, {{"", "\n\n"}, {"a", "a\n\n"}, {"a\n", "a\n\n\n"}});
 }
 
 TEST(NormalForm, DropsTheCrOfCrLfOnly) {
-    EXPECT_EQ(normalForm("a\r\nb\r\n"), "a\nb\n\n\n");
-    EXPECT_EQ(normalForm("\r\n\r\n"), "\n\n\n\n");
-    EXPECT_EQ(normalForm("a\rb"), "a\rb\n\n");
-    EXPECT_EQ(normalForm("a\r\r\nb"), "a\r\nb\n\n");
-    EXPECT_EQ(normalForm("\n\rb"), "\n\rb\n\n");
+    support::expectEach(normalForm, {{"a\r\nb\r\n", "a\nb\n\n\n"},
+                                     {"\r\n\r\n", "\n\n\n\n"},
+                                     {"a\rb", "a\rb\n\n"},
+                                     {"a\r\r\nb", "a\r\nb\n\n"},
+                                     {"\n\rb", "\n\rb\n\n"}});
 }
 
 // The line feed after it was not in the text.
 TEST(NormalForm, KeepsACrAtTheVeryEnd) {
-    EXPECT_EQ(normalForm("a\r"), "a\r\n\n");
-    EXPECT_EQ(normalForm("\r"), "\r\n\n");
-    EXPECT_EQ(normalForm("a\n\r"), "a\n\r\n\n");
+    support::expectEach(normalForm, {{"a\r", "a\r\n\n"}, {"\r", "\r\n\n"}, {"a\n\r", "a\n\r\n\n"}});
 }
 
 TEST(NormalForm, DropsBlanksAtLineStarts) {
-    EXPECT_EQ(normalForm("a\n b"), "a\nb\n\n");
-    EXPECT_EQ(normalForm("a\r\n    b \n  "), "a\nb \n\n\n");
-    EXPECT_EQ(normalForm("\n \n \n"), "\n\n\n\n\n");
+    support::expectEach(
+        normalForm,
+        {{"a\n b", "a\nb\n\n"}, {"a\r\n    b \n  ", "a\nb \n\n\n"}, {"\n \n \n", "\n\n\n\n\n"}});
 }
 
 TEST(NormalForm, KeepsBlanksOfTheFirstLineAndAfterACr) {
-    EXPECT_EQ(normalForm("  a"), "  a\n\n");
-    EXPECT_EQ(normalForm(" "), " \n\n");
-    EXPECT_EQ(normalForm("a\r b"), "a\r b\n\n");
-    EXPECT_EQ(normalForm("a\n\r b"), "a\n\r b\n\n");
+    support::expectEach(
+        normalForm,
+        {{"  a", "  a\n\n"}, {" ", " \n\n"}, {"a\r b", "a\r b\n\n"}, {"a\n\r b", "a\n\r b\n\n"}});
 }
 
 TEST(NormalForm, KeepsTabs) {
-    EXPECT_EQ(normalForm("a\n\tb"), "a\n\tb\n\n");
-    EXPECT_EQ(normalForm("a\n \t b"), "a\n\t b\n\n");
-    EXPECT_EQ(normalForm("\ta\t"), "\ta\t\n\n");
+    support::expectEach(
+        normalForm,
+        {{"a\n\tb", "a\n\tb\n\n"}, {"a\n \t b", "a\n\t b\n\n"}, {"\ta\t", "\ta\t\n\n"}});
 }
 
 TEST(NormalForm, DropsNulBytes) {
-    EXPECT_EQ(normalForm(bytes("\0a\0\0b\0")), "ab\n\n");
-    EXPECT_EQ(normalForm(bytes("\0")), "\n\n");
-    EXPECT_EQ(normalForm(bytes("a\n\0b")), "a\nb\n\n");
+    support::expectEach(
+        normalForm,
+        {{bytes("\0a\0\0b\0"), "ab\n\n"}, {bytes("\0"), "\n\n"}, {bytes("a\n\0b"), "a\nb\n\n"}});
 }
 
 // The last byte that was written decides about a blank, the next byte of the text about a CR.
 TEST(NormalForm, LooksThroughNulBytesAtBlanksButNotAtLineFeeds) {
-    EXPECT_EQ(normalForm(bytes("a\n\0 b")), "a\nb\n\n");
-    EXPECT_EQ(normalForm(bytes("a\n \0 \0\0 b")), "a\nb\n\n");
-    EXPECT_EQ(normalForm(bytes("a\r\0\nb")), "a\r\nb\n\n");
-    EXPECT_EQ(normalForm(bytes("\0 a")), " a\n\n");
-    EXPECT_EQ(normalForm(bytes("a\n\0\r\n b")), "a\n\nb\n\n");
+    support::expectEach(normalForm, {{bytes("a\n\0 b"), "a\nb\n\n"},
+                                     {bytes("a\n \0 \0\0 b"), "a\nb\n\n"},
+                                     {bytes("a\r\0\nb"), "a\r\nb\n\n"},
+                                     {bytes("\0 a"), " a\n\n"},
+                                     {bytes("a\n\0\r\n b"), "a\n\nb\n\n"}});
 }
 
 TEST(NormalForm, KeepsEveryOtherByte) {

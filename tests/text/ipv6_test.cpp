@@ -8,6 +8,7 @@
 #include <string>
 
 #include "sdpline/sdpinternals.h"
+#include "support/each.hpp"
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
 #include "support/securefaults.hpp"
@@ -56,11 +57,11 @@ std::string patternOf(std::string_view text) {
 }
 
 TEST(TokanizeIPv6Str, TellsGroupsColonsAndDots) {
-    EXPECT_EQ(patternOf("2001:db8::1"), "THTHHT");
-    EXPECT_EQ(patternOf("::ffff:192.0.2.1"), "HHTHTDTDTDT");
-    EXPECT_EQ(patternOf("fe80::"), "THH");
-    EXPECT_EQ(patternOf("::"), "HH");
-    EXPECT_EQ(patternOf("Zz9"), "T");
+    support::expectEach(patternOf, {{"2001:db8::1", "THTHHT"},
+                                    {"::ffff:192.0.2.1", "HHTHTDTDTDT"},
+                                    {"fe80::", "THH"},
+                                    {"::", "HH"},
+                                    {"Zz9", "T"}});
 }
 
 TEST(TokanizeIPv6Str, KeepsTheTextOfEachGroup) {
@@ -93,8 +94,7 @@ TEST(TokanizeIPv6Str, DropsTheFifthDigit) {
     EXPECT_EQ(tokens.pattern, "THT");
     EXPECT_EQ(tokens.token(0), "1234");
     EXPECT_EQ(tokens.token(2), "6");
-    EXPECT_EQ(patternOf("12345"), "T");
-    EXPECT_EQ(patternOf("12345."), "TD");
+    support::expectEach(patternOf, {{"12345", "T"}, {"12345.", "TD"}});
 }
 
 // The second group's bytes take the place of the first one's NUL.
@@ -103,26 +103,21 @@ TEST(TokanizeIPv6Str, StartsAnotherGroupAfterTheFifthDigit) {
     EXPECT_EQ(tokens.pattern, "TTHT");
     EXPECT_EQ(std::string(tokens.slots[0], 4), "1234");
     EXPECT_EQ(tokens.token(1), "6");
-    EXPECT_EQ(patternOf("1234567890"), "TT");
-    EXPECT_EQ(patternOf("12345678901"), "TTT");
+    support::expectEach(patternOf, {{"1234567890", "TT"}, {"12345678901", "TTT"}});
 }
 
 TEST(TokanizeIPv6Str, SkipsOtherBytes) {
-    EXPECT_EQ(patternOf("1-:\xff/2"), "THT");
-    EXPECT_EQ(patternOf("a b"), "TT");
-    EXPECT_EQ(patternOf("%[]@`{"), "");
+    support::expectEach(patternOf, {{"1-:\xff/2", "THT"}, {"a b", "TT"}, {"%[]@`{", ""}});
 }
 
 TEST(TokanizeIPv6Str, EndsAtANul) {
-    EXPECT_EQ(patternOf(std::string_view("1:2\0:3", 6)), "THT");
-    EXPECT_EQ(patternOf(std::string_view("\0:3", 3)), "");
+    support::expectEach(
+        patternOf, {{std::string_view("1:2\0:3", 6), "THT"}, {std::string_view("\0:3", 3), ""}});
 }
 
 // The texts end at the end of the readable memory.
 TEST(TokanizeIPv6Str, LooksAtNoByteAfterTheLength) {
-    EXPECT_EQ(patternOf("1"), "T");
-    EXPECT_EQ(patternOf("1234"), "T");
-    EXPECT_EQ(patternOf("1:"), "TH");
+    support::expectEach(patternOf, {{"1", "T"}, {"1234", "T"}, {"1:", "TH"}});
     const std::string text = "1:23";
     Cut tokens = {};
     char pattern[SDP_IPV6_PATTERN];
@@ -147,9 +142,9 @@ TEST(TokanizeIPv6Str, DoesNotLogTheNinthColon) {
 }
 
 TEST(TokanizeIPv6Str, KeepsTwentyTwoLetters) {
-    EXPECT_EQ(patternOf(std::string(22, '.')), std::string(22, 'D'));
-    EXPECT_EQ(patternOf(std::string(23, '.')), std::string(22, 'D'));
-    EXPECT_EQ(patternOf("1.2.3.4.5.6.7.8.9.a.b.c.d"), "TDTDTDTDTDTDTDTDTDTDTD");
+    support::expectEach(patternOf, {{std::string(22, '.'), std::string(22, 'D')},
+                                    {std::string(23, '.'), std::string(22, 'D')},
+                                    {"1.2.3.4.5.6.7.8.9.a.b.c.d", "TDTDTDTDTDTDTDTDTDTDTD"}});
 }
 
 // A step that begins with 21 letters writes two more: a group and its end.

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "sdpline/sdpinternals.h"
+#include "support/each.hpp"
 #include "support/guarded.hpp"
 #include "support/logs.hpp"
 
@@ -170,21 +171,13 @@ uint16_t hex(const char *text) {
 }
 
 TEST(ConvHexStrToDec, ReadsUpToFourDigits) {
-    EXPECT_EQ(hex("fFfF"), 65535);
-    EXPECT_EQ(hex("0"), 0);
-    EXPECT_EQ(hex("a9"), 0xA9);
-    EXPECT_EQ(hex("01bC"), 0x1BC);
-    EXPECT_EQ(hex("12345"), 0x1234);
+    support::expectEach<const char *, uint16_t>(
+        hex, {{"fFfF", 65535}, {"0", 0}, {"a9", 0xA9}, {"01bC", 0x1BC}, {"12345", 0x1234}});
 }
 
 TEST(ConvHexStrToDec, EndsAtAnyOtherByte) {
-    EXPECT_EQ(hex("g"), 0);
-    EXPECT_EQ(hex(""), 0);
-    EXPECT_EQ(hex("12g4"), 0x12);
-    EXPECT_EQ(hex("1:2"), 1);
-    EXPECT_EQ(hex("@"), 0);
-    EXPECT_EQ(hex("G"), 0);
-    EXPECT_EQ(hex("`"), 0);
+    support::expectEach<const char *, uint16_t>(
+        hex, {{"g", 0}, {"", 0}, {"12g4", 0x12}, {"1:2", 1}, {"@", 0}, {"G", 0}, {"`", 0}});
 }
 
 TEST(ConvHexStrToDec, LooksAtFourBytesAtMost) {
@@ -199,24 +192,16 @@ uint16_t dec(const char *text) {
 }
 
 TEST(ConvDecStrToDec, ReadsUpToThreeDigits) {
-    EXPECT_EQ(dec("255"), 255);
-    EXPECT_EQ(dec("0"), 0);
-    EXPECT_EQ(dec("007"), 7);
-    EXPECT_EQ(dec("1234"), 123);
-    EXPECT_EQ(dec("999"), 999);
+    support::expectEach<const char *, uint16_t>(
+        dec, {{"255", 255}, {"0", 0}, {"007", 7}, {"1234", 123}, {"999", 999}});
 }
 
 TEST(ConvDecStrToDec, EndsAtAByteThatIsNoLetter) {
-    EXPECT_EQ(dec("25."), 25);
-    EXPECT_EQ(dec(""), 0);
-    EXPECT_EQ(dec(".1"), 0);
-    EXPECT_EQ(dec("1-a"), 1);
+    support::expectEach<const char *, uint16_t>(dec, {{"25.", 25}, {"", 0}, {".1", 0}, {"1-a", 1}});
 }
 
 TEST(ConvDecStrToDec, RefusesALetterAmongTheFirstThree) {
-    EXPECT_EQ(dec("1a"), 65535);
-    EXPECT_EQ(dec("25a"), 65535);
-    EXPECT_EQ(dec("Z"), 65535);
+    support::expectEach<const char *, uint16_t>(dec, {{"1a", 65535}, {"25a", 65535}, {"Z", 65535}});
     EXPECT_EQ(dec("123a"), 123) << "the fourth is not looked at";
 }
 
