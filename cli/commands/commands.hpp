@@ -24,22 +24,13 @@ enum ExitStatus : int {
     kUnusable = kUsage // an input, an argument or the output cannot be used
 };
 
-void addDecode(CLI::App &app, int &status);
-void addFormat(CLI::App &app, int &status);
-void addEncode(CLI::App &app, int &status);
-void addCheck(CLI::App &app, int &status);
-void addCalls(CLI::App &app, int &status);
-void addDiff(CLI::App &app, int &status);
-void addExplain(CLI::App &app, int &status);
-void addProfiles(CLI::App &app, int &status);
-void addAnswer(CLI::App &app, int &status);
-void addNegotiateCheck(CLI::App &app, int &status);
-void addTidy(CLI::App &app, int &status);
-void addRules(CLI::App &app, int &status);
+using AddCommand = void(CLI::App &app, int &status);
+AddCommand addDecode, addFormat, addEncode, addCheck, addCalls, addDiff, addExplain, addProfiles;
+AddCommand addAnswer, addNegotiateCheck, addTidy, addRules;
 
 // In the order of the help. A new command needs a row here, a section in the man page and a row in
 // completion/generate.sh.
-inline constexpr auto kCommands = std::to_array<void (*)(CLI::App &app, int &status)>(
+inline constexpr auto kCommands = std::to_array<AddCommand *>(
     {addDecode, addFormat, addEncode, addCheck, addCalls, addDiff, addExplain, addProfiles,
      addAnswer, addNegotiateCheck, addTidy, addRules});
 

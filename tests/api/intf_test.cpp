@@ -342,20 +342,21 @@ TEST_F(Intf, CreateRefusesANullArgument) {
     EXPECT_EQ(log.textsWithLines(), Texts{"3 sdpintf SdpLibCreateSdp:250 0"});
 }
 
-TEST_F(Intf, CreateFailsWithoutABlock) {
-    SdpLine *line = kUntouched;
-    Allocations::failAt(1);
-    EXPECT_EQ(SdpLibCreateSdp(&line), 0x04041001u);
-    EXPECT_EQ(line, nullptr);
-    EXPECT_EQ(log.textsWithLines(), Texts{"3 sdpintf SdpLibCreateSdp:259 1"});
-}
-
-TEST_F(Intf, CreateGivesTheBlockBackWithoutABody) {
-    SdpLine *line = kUntouched;
-    Allocations::failAt(2);
-    EXPECT_EQ(SdpLibCreateSdp(&line), 0x04043001u);
-    EXPECT_EQ(line, nullptr);
-    EXPECT_EQ(log.textsWithLines(), Texts{"5 sdpintf SdpLibCreateSdp:269 1"});
+TEST_F(Intf, CreateFailsWithoutABlockAndGivesItBackWithoutABody) {
+    const struct {
+        SDPResult result;
+        const char *entry;
+    } failures[] = {{0x04041001, "3 sdpintf SdpLibCreateSdp:259 1"},
+                    {0x04043001, "5 sdpintf SdpLibCreateSdp:269 1"}};
+    uint32_t n = 0;
+    for (const auto &failure : failures) {
+        log.clear();
+        SdpLine *line = kUntouched;
+        Allocations::failAt(++n);
+        EXPECT_EQ(SdpLibCreateSdp(&line), failure.result);
+        EXPECT_EQ(line, nullptr);
+        EXPECT_EQ(log.textsWithLines(), Texts{failure.entry});
+    }
 }
 
 TEST_F(Intf, ReleaseClearsThePointerSoThatTwiceIsHarmless) {

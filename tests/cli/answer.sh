@@ -2,23 +2,13 @@
 # sdpline answer and sdpline negotiate-check
 . "$(dirname "$0")/expect.sh"
 
-file local.sdp <<'SDP'
-v=0
-o=- 2 1 IN IP4 198.51.100.2
-s=-
-c=IN IP4 198.51.100.2
-t=0 0
+session local.sdp '2 1 IN IP4 198.51.100.2' 198.51.100.2 <<'SDP'
 m=audio 40000 RTP/AVP 0 8
 m=video 40002 RTP/AVP 97
 a=rtpmap:97 H264/90000
 a=fmtp:97 profile-level-id=42e01f
 SDP
-file offer.sdp <<'SDP'
-v=0
-o=- 1 1 IN IP4 192.0.2.1
-s=-
-c=IN IP4 192.0.2.1
-t=0 0
+session offer.sdp '1 1 IN IP4 192.0.2.1' 192.0.2.1 <<'SDP'
 m=audio 49170 RTP/AVP 8 0
 a=sendonly
 a=x:y
@@ -26,12 +16,7 @@ m=video 49172 RTP/AVP 97
 a=rtpmap:97 H264/90000
 a=fmtp:97 profile-level-id=64001f
 SDP
-sed 's/$/\r/' >answer.sdp <<'SDP'
-v=0
-o=- 2 1 IN IP4 198.51.100.2
-s=-
-c=IN IP4 198.51.100.2
-t=0 0
+session answer.sdp '2 1 IN IP4 198.51.100.2' 198.51.100.2 <<'SDP'
 m=audio 40000 RTP/AVP 8 0
 a=recvonly
 m=video 0 RTP/AVP 97

@@ -138,12 +138,7 @@ for command in "check gzip" "check --json gzip bad.sdp" "decode --json escape.sd
 done
 
 # ---- Every line
-file many.sdp <<'SDP'
-v=0
-o=- 1 2 IN IP4 192.0.2.1
-s=-
-c=IN IP4 1.2.3.256
-t=0 0
+session many.sdp '1 2 IN IP4 192.0.2.1' 1.2.3.256 <<'SDP'
 a=ptime:20.5
 f=1
 a=sendrecv

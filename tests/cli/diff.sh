@@ -2,12 +2,7 @@
 # sdpline diff
 . "$(dirname "$0")/expect.sh"
 
-file a.sdp <<'SDP'
-v=0
-o=- 1 1 IN IP4 192.0.2.1
-s=-
-c=IN IP4 192.0.2.1
-t=0 0
+session a.sdp '1 1 IN IP4 192.0.2.1' 192.0.2.1 <<'SDP'
 m=audio 5004 RTP/AVP 0 8 101
 a=rtpmap:101 telephone-event/8000
 a=ptime:20

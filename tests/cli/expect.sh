@@ -44,6 +44,11 @@ compare() { # WHAT EXPECTED GOT
 # file NAME: writes standard input to a file, with CR LF as line ends.
 file() { sed 's/$/\r/' >"$1"; }
 
+# session FILE ORIGIN ADDRESS: writes the lines of a session, then those of standard input.
+session() {
+  { printf 'v=0\no=- %s\ns=-\nc=IN IP4 %s\nt=0 0\n' "$2" "$3" && cat; } | file "$1"
+}
+
 # message FILE BODY [HEADER...]: writes a SIP request with the body and its Content-Length.
 message() {
   local file=$1 body=$2

@@ -18,6 +18,7 @@ using dsmtest::LineMemory;
 using dsmtest::Look;
 using dsmtest::lookAt;
 using dsmtest::NoTexts;
+using dsmtest::otherFormat;
 using dsmtest::recordSize;
 using dsmtest::Sample;
 using dsmtest::sampleNamed;
@@ -183,9 +184,7 @@ TEST(ClearLineFaults, AnswerTheServicesCodeAndDoNotKeepARecordFromBeingFreed) {
 // The operations of single records return the codes that a media field replaces by others.
 TEST(CopyMediaFormatFaults, HaveCodesOfTheirOwn) {
     LineMemory memory;
-    SDPMediaFmt source = {};
-    source.enFmtType = SDP_FMT_OTHER;
-    source.unMediaFmt.strOtherFmts = textOf("wb");
+    SDPMediaFmt source = otherFormat("wb");
     SDPMediaFmt copy;
     memory.refuse(1);
     EXPECT_EQ(SdpCopyMediaFormat(memory.control(), &source, &copy), 0x020ed001u);
@@ -227,9 +226,7 @@ TEST(CopyLineFaults, LeaveNoPointerWhateverTheStringServicesDo) {
 }
 
 TEST(CopyMediaFormatFaults, LeaveNoTextWhateverTheStringServiceDoes) {
-    SDPMediaFmt source = {};
-    source.enFmtType = SDP_FMT_OTHER;
-    source.unMediaFmt.strOtherFmts = textOf("wb");
+    SDPMediaFmt source = otherFormat("wb");
     LineMemory memory;
     const NoTexts noTexts(99, 0);
     support::LogRecorder logs;

@@ -17,6 +17,7 @@ namespace {
 using dsmtest::LineMemory;
 using dsmtest::Look;
 using dsmtest::lookAt;
+using dsmtest::otherFormat;
 using dsmtest::recordSize;
 using dsmtest::Sample;
 using dsmtest::sampleNamed;
@@ -206,9 +207,7 @@ TEST(CopyMediaFormat, KeepsACountWithoutNumbersAndDropsAnArrayWithoutCount) {
 
 TEST(CopyMediaFormat, OnlyTheOtherFormatIsAText) {
     LineMemory memory;
-    SDPMediaFmt source = {};
-    source.enFmtType = SDP_FMT_OTHER;
-    source.unMediaFmt.strOtherFmts = textOf("wb");
+    SDPMediaFmt source = otherFormat("wb");
     SDPMediaFmt copy;
     EXPECT_EQ(SdpCopyMediaFormat(memory.control(), &source, &copy), 0u);
     EXPECT_EQ(memory.sizeAt(copy.unMediaFmt.strOtherFmts.pcData), 2u);

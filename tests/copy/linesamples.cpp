@@ -258,4 +258,11 @@ SipString textOf(const char *literal) {
     return {static_cast<uint32_t>(std::strlen(literal)), const_cast<char *>(literal)};
 }
 
+SDPMediaFmt otherFormat(const char *literal) {
+    SDPMediaFmt format = {};
+    format.enFmtType = SDP_FMT_OTHER;
+    format.unMediaFmt.strOtherFmts = textOf(literal);
+    return format;
+}
+
 } // namespace dsmtest

@@ -33,5 +33,6 @@ struct Look {
 Look lookAt(uint32_t lineType, const void *record);
 
 SipString textOf(const char *literal);
+SDPMediaFmt otherFormat(const char *literal);
 
 } // namespace dsmtest

@@ -7,8 +7,6 @@ namespace {
 
 using namespace support;
 
-using Lines = std::vector<std::string>;
-
 SDPAttr number(uint32_t type, uint32_t value) {
     SDPAttr attr = {};
     attr.ulAttrType = type;

@@ -8,8 +8,6 @@ namespace {
 
 using namespace support;
 
-using Lines = std::vector<std::string>;
-
 class EncodeConnection : public EncodeTest {
 protected:
     EncodeConnection() {

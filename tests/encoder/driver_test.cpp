@@ -11,8 +11,6 @@ using namespace support;
 using sdpline::Check;
 using sdpline::codeOf;
 
-using Lines = std::vector<std::string>;
-
 class EncodeBody : public EncodeTest {
 protected:
     EncodeBody() {

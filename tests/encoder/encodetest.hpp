@@ -17,6 +17,8 @@
 
 namespace support {
 
+using Lines = std::vector<std::string>;
+
 // A counted string over a literal.
 SipString str(std::string_view text);
 

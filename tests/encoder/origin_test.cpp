@@ -5,8 +5,6 @@ namespace {
 
 using namespace support;
 
-using Lines = std::vector<std::string>;
-
 class EncodeOrigin : public EncodeTest {
 protected:
     SDPResult encode() { return sdpLibEncodeOriginField(&prefixed, &origin, buffer); }

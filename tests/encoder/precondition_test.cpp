@@ -5,8 +5,6 @@ namespace {
 
 using namespace support;
 
-using Lines = std::vector<std::string>;
-
 class EncodePrecondition : public EncodeTest {
 protected:
     SDPResult encode(uint32_t type) { return sdpLibEncodeStatusAttribField(&status, type, buffer); }

@@ -5,7 +5,6 @@ namespace {
 
 using namespace support;
 
-using Lines = std::vector<std::string>;
 using WordWriter = SDPResult (*)(SDPRsrcMgmtStatus *, SipStringBuffer *);
 
 class EncodeStatusWord : public EncodeTest {

@@ -5,8 +5,6 @@ namespace {
 
 using namespace support;
 
-using Lines = std::vector<std::string>;
-
 class EncodeTime : public EncodeTest {
 protected:
     SDPResult encode() { return sdpLibEncodeTimeSet(&prefixed, &set, buffer); }

@@ -67,25 +67,23 @@ void failAnswer(const std::string &name, const Case &current, const Input &input
     });
 }
 
-// A call that makes a report, or a body, which is released.
-template <class Call>
-void failReport(const std::string &name, const Call &call) {
+// A call that makes something, which is released.
+template <class Made, class Release, class Call>
+void failMaking(const std::string &name, Release release, const Call &call) {
     failEach(name, [&] {
-        SdpNegotiateReport *report = nullptr;
-        const SDPResult result = call(&report);
-        SdpNegotiateReleaseReport(&report);
+        Made *made = nullptr;
+        const SDPResult result = call(&made);
+        release(&made);
         return result;
     });
 }
-
+template <class Call>
+void failReport(const std::string &name, const Call &call) {
+    failMaking<SdpNegotiateReport>(name, SdpNegotiateReleaseReport, call);
+}
 template <class Call>
 void failBody(const std::string &name, const Call &call) {
-    failEach(name, [&] {
-        SdpLine *body = nullptr;
-        const SDPResult result = call(&body);
-        SdpLibReleaseSdp(&body);
-        return result;
-    });
+    failMaking<SdpLine>(name, SdpLibReleaseSdp, call);
 }
 
 void failAgreeAndCheck(const std::string &name, const Input &input) {

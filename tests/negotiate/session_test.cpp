@@ -191,30 +191,31 @@ TEST(Negotiator, Glare) {
     EXPECT_TRUE(session.receiveAnswer(offerOf(kAudio)));
 }
 
+template <class... Outcome>
+void expectWrongState(const Outcome &...outcome) {
+    for (const std::string_view check : {std::string_view(outcome.error().check)...}) {
+        EXPECT_EQ(check, "WrongState");
+    }
+}
+
 // Each call in the states that do not allow it: an error, and nothing changes.
 TEST(Negotiator, CallsInTheWrongState) {
     const Body local = localOf(kAudio);
     const Body remote = offerOf(kAudio);
     Negotiator stable;
-    EXPECT_EQ(stable.receiveAnswer(remote).error().check, "WrongState");
-    EXPECT_EQ(stable.answer(local).error().check, "WrongState");
-    EXPECT_EQ(stable.refuse().error().check, "WrongState");
-    EXPECT_EQ(stable.refused().error().check, "WrongState");
+    expectWrongState(stable.receiveAnswer(remote), stable.answer(local), stable.refuse(),
+                     stable.refused());
     EXPECT_EQ(stable.state(), State::Stable);
 
     Negotiator offering;
     ASSERT_TRUE(offering.offer(local));
-    EXPECT_EQ(offering.offer(local).error().check, "WrongState");
-    EXPECT_EQ(offering.answer(local).error().check, "WrongState");
-    EXPECT_EQ(offering.refuse().error().check, "WrongState");
+    expectWrongState(offering.offer(local), offering.answer(local), offering.refuse());
     EXPECT_EQ(offering.state(), State::HaveLocalOffer);
 
     Negotiator offered;
     ASSERT_TRUE(offered.receiveOffer(remote));
-    EXPECT_EQ(offered.offer(local).error().check, "WrongState");
-    EXPECT_EQ(offered.receiveOffer(remote).error().check, "WrongState");
-    EXPECT_EQ(offered.receiveAnswer(remote).error().check, "WrongState");
-    EXPECT_EQ(offered.refused().error().check, "WrongState");
+    expectWrongState(offered.offer(local), offered.receiveOffer(remote),
+                     offered.receiveAnswer(remote), offered.refused());
     EXPECT_EQ(offered.state(), State::HaveRemoteOffer);
 }
 

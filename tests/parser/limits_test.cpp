@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "parser/parsing.hpp"
 #include "support/body.hpp"
@@ -48,6 +49,20 @@ protected:
         return text;
     }
 
+    struct Full {
+        std::string text;
+        Body body;
+    };
+    // The body of which that many lines are all that fits, decoded.
+    static Full filled(const std::string &begin, const std::string &line, const std::string &end,
+                       uint32_t expected) {
+        uint32_t count = 0;
+        std::string text = fill(begin, line, end, count);
+        EXPECT_EQ(count, expected);
+        Body body = decode(text);
+        return {std::move(text), std::move(body)};
+    }
+
     // Repeats the line as often as it fits between this start and end, and counts the lines.
     static std::string fill(const std::string &begin, const std::string &line,
                             const std::string &end, uint32_t &count) {
@@ -60,11 +75,9 @@ protected:
 };
 
 TEST_F(LimitsTest, AttributesOfTheSession) {
-    uint32_t count = 0;
-    const std::string text = fill(kHead + "t=0 0\n", "a=x\n", "", count);
-    ASSERT_EQ(count, 1013u);
-    const Body body = decode(text);
-    ASSERT_NE(body, nullptr);
+    constexpr uint32_t count = 1013;
+    const auto [text, body] = filled(kHead + "t=0 0\n", "a=x\n", "", count);
+    ASSERT_TRUE(body);
     ASSERT_EQ(body->pstAttrList->ulNoOfAttrs, count);
     for (uint32_t i = 0; i < count; ++i) {
         const SDPAttr &attr = *body->pstAttrList->ppstAttrs[i];
@@ -75,22 +88,18 @@ TEST_F(LimitsTest, AttributesOfTheSession) {
 }
 
 TEST_F(LimitsTest, AttributesOfADescription) {
-    uint32_t count = 0;
-    const std::string text = fill(kHead + "t=0 0\nm=x 0 RTP/AVP\n", "a=fax\n", "", count);
-    ASSERT_EQ(count, 673u);
-    const Body body = decode(text);
-    ASSERT_NE(body, nullptr);
+    constexpr uint32_t count = 673;
+    const auto [text, body] = filled(kHead + "t=0 0\nm=x 0 RTP/AVP\n", "a=fax\n", "", count);
+    ASSERT_TRUE(body);
     EXPECT_EQ(body->stMediaSet.ppstMediaDescs[0]->pstAttrList->ulNoOfAttrs, count);
     EXPECT_EQ(encode(body), text);
 }
 
 TEST_F(LimitsTest, TextLines) {
     for (const std::string line : {"e=x\n", "p=x\n", "b=x\n"}) {
-        uint32_t count = 0;
-        const std::string text = fill(kHead, line, "t=0 0\n", count);
-        ASSERT_EQ(count, 1013u);
-        const Body body = decode(text);
-        ASSERT_NE(body, nullptr) << line;
+        constexpr uint32_t count = 1013;
+        const auto [text, body] = filled(kHead, line, "t=0 0\n", count);
+        ASSERT_TRUE(body) << line;
         const SDPStringList *const list = line[0] == 'e'   ? body->pstEmailList
                                           : line[0] == 'p' ? body->pstPhoneList
                                                            : body->pstBandwidthList;
@@ -100,44 +109,36 @@ TEST_F(LimitsTest, TextLines) {
 }
 
 TEST_F(LimitsTest, TypedTimesOfOneLine) {
-    uint32_t count = 0;
-    const std::string text = fill(kHead + "t=0 0\nr=1d", " 1d", "\n", count);
-    ASSERT_EQ(count, 1349u);
-    const Body body = decode(text);
-    ASSERT_NE(body, nullptr);
+    constexpr uint32_t count = 1349;
+    const auto [text, body] = filled(kHead + "t=0 0\nr=1d", " 1d", "\n", count);
+    ASSERT_TRUE(body);
     const SDPRepeatFieldSet &set = *body->stTimeSet.ppstTimeFields[0]->pstRepeatFieldSet;
     EXPECT_EQ(set.ppstRepeatFields[0]->ulNoOfTimeUnits, count + 1);
     EXPECT_EQ(encode(body), text);
 }
 
 TEST_F(LimitsTest, RepeatLines) {
-    uint32_t count = 0;
-    const std::string text = fill(kHead + "t=0 0\n", "r=1d\n", "", count);
-    ASSERT_EQ(count, 810u);
-    const Body body = decode(text);
-    ASSERT_NE(body, nullptr);
+    constexpr uint32_t count = 810;
+    const auto [text, body] = filled(kHead + "t=0 0\n", "r=1d\n", "", count);
+    ASSERT_TRUE(body);
     EXPECT_EQ(body->stTimeSet.ppstTimeFields[0]->pstRepeatFieldSet->ulNoOfRepeatFields, count);
     EXPECT_EQ(encode(body), text);
 }
 
 // 676 lines are counted in 8 bits: 164 are left, of which the first is written.
 TEST_F(LimitsTest, TimeLines) {
-    uint32_t count = 0;
-    const std::string text = fill(kHead, "t=7 9\n", "", count);
-    ASSERT_EQ(count, 676u);
-    const Body body = decode(text);
-    ASSERT_NE(body, nullptr);
+    constexpr uint32_t count = 676;
+    const auto [text, body] = filled(kHead, "t=7 9\n", "", count);
+    ASSERT_TRUE(body);
     EXPECT_EQ(body->stTimeSet.ulNoOfTimeFields, 676u % 256);
     EXPECT_EQ(encode(body), kHead + "t=7 9\n");
 }
 
 // 406 descriptions are counted in 8 bits: 150 are left, the 257th to the last.
 TEST_F(LimitsTest, Descriptions) {
-    uint32_t count = 0;
-    const std::string text = fill(kHead, "m=x 1 u 1\n", "m=y 2 u 2\n", count);
-    ASSERT_EQ(count, 405u);
-    const Body body = decode(text);
-    ASSERT_NE(body, nullptr);
+    constexpr uint32_t count = 405;
+    const auto [text, body] = filled(kHead, "m=x 1 u 1\n", "m=y 2 u 2\n", count);
+    ASSERT_TRUE(body);
     ASSERT_EQ(body->stMediaSet.ulNoOfMediaDescs, 406u % 256);
     std::string written = kHead + "t=0 0\r\n"; // a line end that no setting changes
     for (uint32_t i = 0; i < 149; ++i) {

@@ -87,8 +87,7 @@ TEST_F(ParserMediaControl, SilenceWords) {
         sdpSilenceSuppressionOn,
         [](SDPAttr & attr) -> auto & { return attr.unAttrValue.stSilenceSupp.bOn; },
         {{"on", 1}, {"off", 0}, {"ON", kNoWord}, {"o", kNoWord}, {"on ", kNoWord}},
-        "SilenceWord 101");
-    EXPECT_EQ(log.texts(), std::vector<std::string>(3, "3 sdpparser sdpSilenceSuppressionOn 3"));
+        "SilenceWord 101", "3 sdpparser sdpSilenceSuppressionOn 3");
 }
 
 TEST_F(ParserMediaControl, EcanDirections) {
@@ -101,16 +100,14 @@ TEST_F(ParserMediaControl, EcanDirections) {
          {"bf", kNoWord},
          {"F", kNoWord},
          {"", kNoWord}},
-        "EcanDirectionWord 101");
-    EXPECT_EQ(log.texts(),
-              std::vector<std::string>(3, "3 sdpparser sdpEchoCacellationDirection 3"));
+        "EcanDirectionWord 101", "3 sdpparser sdpEchoCacellationDirection 3");
 }
 
 TEST_F(ParserMediaControl, EcanWords) {
     expectWords(
         sdpEchoCacellationOn, [](SDPAttr & attr) -> auto & { return attr.unAttrValue.stEcan.bOn; },
-        {{"on", 1}, {"off", 0}, {"Off", kNoWord}, {" on", kNoWord}}, "EcanWord 101");
-    EXPECT_EQ(log.texts(), std::vector<std::string>(2, "3 sdpparser sdpEchoCacellationOn 3"));
+        {{"on", 1}, {"off", 0}, {"Off", kNoWord}, {" on", kNoWord}}, "EcanWord 101",
+        "3 sdpparser sdpEchoCacellationOn 3");
 }
 
 TEST_F(ParserMediaControl, IpBcpTypes) {
@@ -124,7 +121,6 @@ TEST_F(ParserMediaControl, IpBcpTypes) {
          {" Request", kNoWord},
          {"Reject", kNoWord}},
         "IpBcpType 101");
-    EXPECT_TRUE(log.entries().empty());
 }
 
 TEST_F(ParserMediaControl, SetupRoles) {
@@ -136,8 +132,7 @@ TEST_F(ParserMediaControl, SetupRoles) {
          {"Active", kNoWord},
          {"active ", kNoWord},
          {"holdconn", kNoWord}},
-        "SetupWord 101");
-    EXPECT_EQ(log.texts(), std::vector<std::string>(3, "3 sdpparser sdpT120AttrT120Mode 3"));
+        "SetupWord 101", "3 sdpparser sdpT120AttrT120Mode 3");
 }
 
 // ---- Records

@@ -59,8 +59,10 @@ protected:
     // What a classifier stores for each word: its code, or nothing for one that it refuses.
     static constexpr uint32_t kNoWord = 0xFFFFFFFF;
     template <class Record, class Field>
-    static void expectWords(SDPResult (*classify)(Record *, const char *), Field field,
-                            std::initializer_list<WordAndCode> rows, const char *refusal) {
+    void expectWords(SDPResult (*classify)(Record *, const char *), Field field,
+                     std::initializer_list<WordAndCode> rows, const char *refusal,
+                     const char *entry = nullptr) {
+        std::vector<std::string> entries;
         for (const WordAndCode &row : rows) {
             constexpr uint32_t kBefore = 77;
             Record record = {};
@@ -68,7 +70,11 @@ protected:
             const bool refused = row.code == kNoWord;
             EXPECT_EQ(named(classify(&record, row.word)), refused ? refusal : "ok") << row.word;
             EXPECT_EQ(std::invoke(field, record), refused ? kBefore : row.code) << row.word;
+            if (refused && entry != nullptr) {
+                entries.emplace_back(entry);
+            }
         }
+        EXPECT_EQ(log.texts(), entries);
     }
 
     // Fails the n-th allocation from now on. Memory comes filled with kDirt, not zeroed.

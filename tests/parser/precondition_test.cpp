@@ -47,17 +47,13 @@ TEST_F(ParserPrecondition, StrengthWords) {
                  {"unknown", 4},
                  {"Mandatory", kNoWord},
                  {"", kNoWord}},
-                "StrengthWord 101");
-    EXPECT_EQ(log.texts(),
-              std::vector<std::string>(2, "3 sdpparser sdpResourceStatusExtractStrengthTag 3"));
+                "StrengthWord 101", "3 sdpparser sdpResourceStatusExtractStrengthTag 3");
 }
 
 TEST_F(ParserPrecondition, StatusWords) {
     expectWords(sdpResourceExtractStatusType, &SDPRsrcMgmtStatus::enStatusType,
                 {{"e2e", 0}, {"local", 1}, {"remote", 2}, {"E2E", kNoWord}, {"loca", kNoWord}},
-                "StatusWord 101");
-    EXPECT_EQ(log.texts(),
-              std::vector<std::string>(2, "3 sdpparser sdpResourceExtractStatusType 3"));
+                "StatusWord 101", "3 sdpparser sdpResourceExtractStatusType 3");
 }
 
 TEST_F(ParserPrecondition, DirectionWords) {
@@ -68,9 +64,7 @@ TEST_F(ParserPrecondition, DirectionWords) {
                  {"sendrecv", 3},
                  {"sendonly", kNoWord},
                  {"SEND", kNoWord}},
-                "DirectionWord 101");
-    EXPECT_EQ(log.texts(),
-              std::vector<std::string>(2, "3 sdpparser sdpResourceStatusExtractDirTag 3"));
+                "DirectionWord 101", "3 sdpparser sdpResourceStatusExtractDirTag 3");
 }
 
 TEST_F(ParserPrecondition, QosIsKnownAndOtherWordsAreKept) {

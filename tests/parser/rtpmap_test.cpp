@@ -1,5 +1,6 @@
 // a=rtpmap by the parser called alone, and the static profile of a name.
 #include "parser/parsing.hpp"
+#include "support/each.hpp"
 #include "support/securefaults.hpp"
 
 namespace {
@@ -19,6 +20,17 @@ protected:
         map.ulClockRate = clock;
         map.ulEncodingParams = channels;
         EXPECT_EQ(named(sdpRtpmapAttrLocateStdRtpProfile(&map)), "ok");
+        return map.ulEncodingId;
+    }
+
+    // The profile 77 after an operation that chooses among those of one name.
+    static uint32_t refined(SDPResult (*refine)(SDPRtpMapAttr *), uint32_t clock,
+                            uint32_t channels) {
+        SDPRtpMapAttr map = {};
+        map.ulEncodingId = 77;
+        map.ulClockRate = clock;
+        map.ulEncodingParams = channels;
+        EXPECT_EQ(refine(&map), 0u);
         return map.ulEncodingId;
     }
 };
@@ -98,22 +110,15 @@ TEST_F(ParserRtpmap, NameWithoutMemory) {
 // ---- Profiles
 
 TEST_F(ParserRtpmap, LastProfileOfANameIsLocated) {
-    struct Row {
-        const char *name;
-        uint32_t profile;
-    };
-    constexpr Row rows[] = {
-        {"PCMU", 1},       {"GSM", 2},      {"G723", 3},   {"DVI4", 16},    {"LPC", 6},
-        {"PCMA", 7},       {"G722", 8},     {"L16", 10},   {"QCELP", 11},   {"CN", 12},
-        {"MPA", 13},       {"G728", 14},    {"G729", 17},  {"G726-40", 18}, {"G726-32", 19},
-        {"G726-24", 20},   {"G726-16", 21}, {"G729D", 22}, {"G729E", 23},   {"GSM-EFR", 24},
-        {"L8", 25},        {"RED", 26},     {"VDVI", 27},  {"CelB", 28},    {"JPEG", 29},
-        {"nv", 30},        {"H261", 31},    {"MPV", 32},   {"MP2", 33},     {"H263", 34},
-        {"H263-1998", 35}, {"", 0},         {"pcmu", 0},   {"PCMU ", 0},    {"PCM", 0},
-    };
-    for (const Row &row : rows) {
-        EXPECT_EQ(profileOf(row.name), row.profile) << row.name;
-    }
+    support::expectEach<const char *, uint32_t>(
+        [](const char *name) { return profileOf(name); },
+        {{"PCMU", 1},       {"GSM", 2},      {"G723", 3},   {"DVI4", 16},    {"LPC", 6},
+         {"PCMA", 7},       {"G722", 8},     {"L16", 10},   {"QCELP", 11},   {"CN", 12},
+         {"MPA", 13},       {"G728", 14},    {"G729", 17},  {"G726-40", 18}, {"G726-32", 19},
+         {"G726-24", 20},   {"G726-16", 21}, {"G729D", 22}, {"G729E", 23},   {"GSM-EFR", 24},
+         {"L8", 25},        {"RED", 26},     {"VDVI", 27},  {"CelB", 28},    {"JPEG", 29},
+         {"nv", 30},        {"H261", 31},    {"MPV", 32},   {"MP2", 33},     {"H263", 34},
+         {"H263-1998", 35}, {"", 0},         {"pcmu", 0},   {"PCMU ", 0},    {"PCM", 0}});
     EXPECT_EQ(profileOf(std::string(1024, 'n')), 0u);
 }
 
@@ -154,32 +159,15 @@ TEST_F(ParserRtpmap, FailingCopyOfTheNameIsReported) {
 }
 
 TEST_F(ParserRtpmap, Dvi4IsRefinedByClockRate) {
-    struct Row {
-        uint32_t clock;
-        uint32_t profile;
-    };
-    for (const Row row :
-         {Row{8000, 4}, {16000, 5}, {11025, 15}, {22050, 16}, {0, 77}, {44100, 77}, {8001, 77}}) {
-        SDPRtpMapAttr map = {};
-        map.ulEncodingId = 77;
-        map.ulClockRate = row.clock;
-        EXPECT_EQ(sdpRtpmapAttrPayloadDvi4For8K(&map), 0u);
-        EXPECT_EQ(map.ulEncodingId, row.profile) << row.clock;
-    }
+    support::expectEach<uint32_t, uint32_t>(
+        [](uint32_t clock) { return refined(sdpRtpmapAttrPayloadDvi4For8K, clock, 0); },
+        {{8000, 4}, {16000, 5}, {11025, 15}, {22050, 16}, {0, 77}, {44100, 77}, {8001, 77}});
 }
 
 TEST_F(ParserRtpmap, L16IsRefinedByChannels) {
-    struct Row {
-        uint32_t channels;
-        uint32_t profile;
-    };
-    for (const Row row : {Row{1, 10}, {2, 9}, {0, 77}, {3, 77}}) {
-        SDPRtpMapAttr map = {};
-        map.ulEncodingId = 77;
-        map.ulEncodingParams = row.channels;
-        EXPECT_EQ(sdpRtpmapAttrPayloadL16For2C(&map), 0u);
-        EXPECT_EQ(map.ulEncodingId, row.profile) << row.channels;
-    }
+    support::expectEach<uint32_t, uint32_t>(
+        [](uint32_t channels) { return refined(sdpRtpmapAttrPayloadL16For2C, 0, channels); },
+        {{1, 10}, {2, 9}, {0, 77}, {3, 77}});
 }
 
 TEST_F(ParserRtpmap, AttributeNameIsAWritableText) {

@@ -16,21 +16,25 @@ uint32_t kindOfNext() {
     return sdpGetLexerContext() == SDP_LEXCTX_SDP ? LA() : 0;
 }
 
-// ---- v=
-
-class VersionLine : public support::ParsingTest {
+// Tests of the parser of one line.
+template <class Record, SDPResult (*Parse)(Record *)>
+class LineTest : public support::ParsingTest {
 protected:
     std::string parse(std::string_view text) {
         start(text);
-        return named(sdpProtoVersion(&line));
+        return named(Parse(&record));
     }
 
-    SdpLine line = {};
+    Record record = {};
 };
+
+// ---- v=
+
+class VersionLine : public LineTest<SdpLine, sdpProtoVersion> {};
 
 TEST_F(VersionLine, LeavesTheNextKeyCurrent) {
     EXPECT_EQ(parse("v=12\no=x"), "ok");
-    EXPECT_EQ(line.ulProtoVersion, 12u);
+    EXPECT_EQ(record.ulProtoVersion, 12u);
     EXPECT_EQ(kindOfNext(), static_cast<uint32_t>(SDP_TOK_ORIGIN));
 }
 
@@ -42,34 +46,26 @@ TEST_F(VersionLine, FailsAtTheEndOfInput) {
 
 TEST_F(VersionLine, KeepsTheNumberOfALineThatGoesOn) {
     EXPECT_EQ(parse("v=7 \n"), "VersionEnd 101");
-    EXPECT_EQ(line.ulProtoVersion, 7u);
+    EXPECT_EQ(record.ulProtoVersion, 7u);
 }
 
 // ---- o=
 
-class OriginLine : public support::ParsingTest {
-protected:
-    std::string parse(std::string_view text) {
-        start(text);
-        return named(sdpOriginField(&origin));
-    }
-
-    SDPOrigin origin = {};
-};
+class OriginLine : public LineTest<SDPOrigin, sdpOriginField> {};
 
 TEST_F(OriginLine, FillsTheRecord) {
     SipString other = {};
-    origin.stNetType.pstrOtherNetType = &other;
-    origin.stAddrType.pstrOtherAddrType = &other;
+    record.stNetType.pstrOtherNetType = &other;
+    record.stAddrType.pstrOtherAddrType = &other;
     EXPECT_EQ(parse("o=alice 28 007 IN IP6 ::1\ns=x"), "ok");
-    EXPECT_EQ(textOf(origin.strUserName), "alice");
-    EXPECT_EQ(textOf(origin.strSessionId), "28");
-    EXPECT_EQ(textOf(origin.strSessionVersion), "007");
-    EXPECT_EQ(textOf(origin.strAddress), "::1");
-    EXPECT_EQ(origin.stNetType.enNetType, 1u);
-    EXPECT_EQ(origin.stAddrType.enAddrType, 2u);
-    EXPECT_TRUE(origin.stNetType.pstrOtherNetType == nullptr);
-    EXPECT_TRUE(origin.stAddrType.pstrOtherAddrType == nullptr);
+    EXPECT_EQ(textOf(record.strUserName), "alice");
+    EXPECT_EQ(textOf(record.strSessionId), "28");
+    EXPECT_EQ(textOf(record.strSessionVersion), "007");
+    EXPECT_EQ(textOf(record.strAddress), "::1");
+    EXPECT_EQ(record.stNetType.enNetType, 1u);
+    EXPECT_EQ(record.stAddrType.enAddrType, 2u);
+    EXPECT_TRUE(record.stNetType.pstrOtherNetType == nullptr);
+    EXPECT_TRUE(record.stAddrType.pstrOtherAddrType == nullptr);
     EXPECT_EQ(kindOfNext(), static_cast<uint32_t>(SDP_TOK_SESSION_NAME));
     EXPECT_EQ(sizesAskedFor(), (std::vector<uint32_t>{5, 2, 3, 3})) << "no terminators";
 }
@@ -110,15 +106,15 @@ TEST_F(OriginLine, LogsATextThatCannotBeStored) {
     const char *const checks[] = {"OriginUserStore 1", "OriginIdStore 1", "OriginVersionStore 1",
                                   "OriginAddressStore 1"};
     for (uint32_t i = 0; i < 4; ++i) {
-        origin = {};
+        record = {};
         log.clear();
         failAllocation(i + 1);
         EXPECT_EQ(parse("o=user 22 333 IN IP4 address\n"), checks[i]);
         EXPECT_EQ(log.texts(), Texts{"3 sdpparser sdpOriginField 3"});
     }
-    EXPECT_EQ(origin.strAddress.ulLen, 7u) << "the length stays";
-    EXPECT_EQ(textOf(origin.strAddress), "(null)");
-    EXPECT_EQ(textOf(origin.strSessionVersion), "333") << "what came before stays";
+    EXPECT_EQ(record.strAddress.ulLen, 7u) << "the length stays";
+    EXPECT_EQ(textOf(record.strAddress), "(null)");
+    EXPECT_EQ(textOf(record.strSessionVersion), "333") << "what came before stays";
 }
 
 // ---- One text
