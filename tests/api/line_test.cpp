@@ -120,27 +120,26 @@ TEST(EncodeSdpLine, RefusesOtherArgumentsBeforeAnythingIsAllocated) {
     }
 }
 
-TEST(EncodeSdpLine, WithoutMemoryForTheBufferFailsWithItsOwnCode) {
+// Without memory for the buffer it is a code of the operation, without that for the text the
+// service's.
+TEST(EncodeSdpLine, WithoutMemoryNothingIsKept) {
+    const struct {
+        SDPResult result;
+        Texts entries;
+    } failures[] = {{0x0406b001, {"3 sdpintf SdpLibEncodeSdpLine:430 1 \"retVal=2\""}},
+                    {SIP_NO_MEMORY, {}}};
     SDPKey key = {textOf("prompt")};
-    SystemMemory system;
-    system.memory.refuse(1);
-    support::LogRecorder logs;
-    SipRefString *text = kUntouchedLine;
-    EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), 0x0406b001u);
-    EXPECT_EQ(text, nullptr);
-    EXPECT_EQ(logs.textsWithLines(), Texts{"3 sdpintf SdpLibEncodeSdpLine:430 1 \"retVal=2\""});
-}
-
-TEST(EncodeSdpLine, WithoutMemoryForTheTextPassesTheServicesCodeUp) {
-    SDPKey key = {textOf("prompt")};
-    SystemMemory system;
-    system.memory.refuse(2);
-    support::LogRecorder logs;
-    SipRefString *text = kUntouchedLine;
-    EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), uint32_t{SIP_NO_MEMORY});
-    EXPECT_EQ(text, nullptr);
-    EXPECT_TRUE(logs.entries().empty());
-    EXPECT_EQ(system.memory.live(), 0u);
+    uint32_t n = 0;
+    for (const auto &failure : failures) {
+        SystemMemory system;
+        system.memory.refuse(++n);
+        support::LogRecorder logs;
+        SipRefString *text = kUntouchedLine;
+        EXPECT_EQ(SdpLibEncodeSdpLine(&prefixed, SDP_LINE_KEY, &key, &text), failure.result);
+        EXPECT_EQ(text, nullptr);
+        EXPECT_EQ(logs.textsWithLines(), failure.entries);
+        EXPECT_EQ(system.memory.live(), 0u);
+    }
 }
 
 TEST(EncodeSdpLine, PassesAFailedAppendUpAndKeepsNothing) {

@@ -14,16 +14,7 @@
 
 namespace {
 
-using dsmtest::LineMemory;
-using dsmtest::Look;
-using dsmtest::lookAt;
-using dsmtest::NoTexts;
-using dsmtest::otherFormat;
-using dsmtest::recordSize;
-using dsmtest::Sample;
-using dsmtest::sampleNamed;
-using dsmtest::samples;
-using dsmtest::textOf;
+using namespace dsmtest;
 using Texts = std::vector<std::string>;
 
 // A sample's record, to tell whether somebody changed it.

@@ -14,15 +14,7 @@
 
 namespace {
 
-using dsmtest::LineMemory;
-using dsmtest::Look;
-using dsmtest::lookAt;
-using dsmtest::otherFormat;
-using dsmtest::recordSize;
-using dsmtest::Sample;
-using dsmtest::sampleNamed;
-using dsmtest::samples;
-using dsmtest::textOf;
+using namespace dsmtest;
 using Texts = std::vector<std::string>;
 
 // Space for any record, filled with rubbish, at an address that is a multiple of 4 and not of 8:

@@ -19,8 +19,7 @@ public:
     void version(uint32_t value) { number(value); }
 
     void connection(const SDPConnection &record) {
-        coded(record.stNetType.enNetType, record.stNetType.pstrOtherNetType);
-        coded(record.stAddrType.enAddrType, record.stAddrType.pstrOtherAddrType);
+        types(record);
         address(record.stTptAddr);
         number(record.ulTtl);
         number(record.ulNoOfAddrs);
@@ -30,9 +29,14 @@ public:
         text(record.strUserName);
         text(record.strSessionId);
         text(record.strSessionVersion);
+        types(record);
+        text(record.strAddress);
+    }
+
+    template <class Record>
+    void types(const Record &record) {
         coded(record.stNetType.enNetType, record.stNetType.pstrOtherNetType);
         coded(record.stAddrType.enAddrType, record.stAddrType.pstrOtherAddrType);
-        text(record.strAddress);
     }
 
     void media(const SDPMediaField &record) {

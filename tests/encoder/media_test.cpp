@@ -30,6 +30,19 @@ protected:
                 "3 sdpencodemedia sdpLibEncodeMediaField 21 " + message};
     }
 
+    // Each code from 1 on has its word, which one append writes.
+    void expectWords(const char *const (&words)[6], uint32_t &code,
+                     SDPResult (*write)(SDPMediaField *, SipStringBuffer *)) {
+        code = 0;
+        for (const char *const word : words) {
+            startAnew();
+            ++code;
+            EXPECT_EQ(write(&field, buffer), 0u);
+            EXPECT_EQ(text(), word);
+            EXPECT_EQ(Appends::count(), 1u);
+        }
+    }
+
     uint32_t payloads[101] = {0, 8, 97};
     SDPMediaField field = {{SDP_MEDIA_AUDIO, nullptr},
                            49170,
@@ -59,13 +72,7 @@ TEST_F(EncodeMedia, WritesTheNumberOfPortsAboveOne) {
 
 TEST_F(EncodeMedia, WritesEachTypeWithItsBlank) {
     const char *const words[] = {"audio ", "video ", "application ", "data ", "control ", "image "};
-    for (uint32_t type = 1; type <= 6; ++type) {
-        startAnew();
-        field.stMedia.enMediaType = type;
-        EXPECT_EQ(sdpLibEncodeMediaType(&field, buffer), 0u);
-        EXPECT_EQ(text(), words[type - 1]);
-        EXPECT_EQ(Appends::count(), 1u);
-    }
+    expectWords(words, field.stMedia.enMediaType, sdpLibEncodeMediaType);
 }
 
 TEST_F(EncodeMedia, WritesAnOtherTypeByItsText) {
@@ -82,13 +89,7 @@ TEST_F(EncodeMedia, WritesEachProtocol) {
     const char *const words[] = {"RTP/AVP", "udp", "TCP", "udptl", "RTP/SAVP", "RTP/AVPF"};
     for (const uint32_t support : {0u, 1u}) {
         g_bSupMedProtoRtpAvpf = support;
-        for (uint32_t proto = 1; proto <= 6; ++proto) {
-            startAnew();
-            field.stProto.enProto = proto;
-            EXPECT_EQ(sdpLibEncodeMediaProtoType(&field, buffer), 0u);
-            EXPECT_EQ(text(), words[proto - 1]);
-            EXPECT_EQ(Appends::count(), 1u);
-        }
+        expectWords(words, field.stProto.enProto, sdpLibEncodeMediaProtoType);
     }
     g_bSupMedProtoRtpAvpf = 0;
 }
