@@ -124,10 +124,12 @@ public:
             return made.error();
         }
         SdpLine &line = **made;
-        internal::Copier copier{internal::Memory(line.pstMemCp)};
-        copier.fill(internal::recordOf(origin), line.stOrigin);
-        copier.fill(internal::lent(sessionName), line.strSessionName);
-        return ofHandle(internal::unlessFailed(copier, *std::move(made)));
+        const internal::Memory memory(line.pstMemCp);
+        if (!memory.copy(internal::recordOf(origin), line.stOrigin) ||
+            !memory.copy(internal::lent(sessionName), line.strSessionName)) {
+            return internal::noMemory();
+        }
+        return Body(*std::move(made));
     }
 
     /* Makes a copy of all records, also of those that are not written, in a new block. */
@@ -262,7 +264,7 @@ public:
     }
     /* Sets an address, with "IN IP4" or "IN IP6", and without TTL and number of addresses. */
     Status setConnection(const Address &address) {
-        return setConnection(Connection{.address = address});
+        return internal::setConnection(memory(), connectionSlot(), address);
     }
     /* Sets it by its text after "c=", such as "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) {

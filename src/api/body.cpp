@@ -74,7 +74,7 @@ SDPResult SdpLibCreateSdp(SdpLine **body) {
     if (SipMmCreateBufMem(kCreateBlock.first, kCreateBlock.next, &memCp) != 0) {
         return fail(Check::CreateBlock);
     }
-    auto *const line = static_cast<SdpLine *>(memCp->pfnAlloc(memCp, sizeof(SdpLine)));
+    auto *const line = allocateFrom<SdpLine>(*memCp);
     if (line == nullptr) {
         SipMmReleaseBufMem(&memCp);
         return fail(Check::CreateAlloc);

@@ -23,6 +23,7 @@ struct alignas(64) AttributeLayout {
     std::array<uint8_t, sizeof(SDPAttr)> kept; // 255 for each byte that is copied
     uint8_t text;                              // offset of a SipString; 0 for none
     Pointer pointer;
+    bool refersToText; // and to nothing else
 };
 
 constexpr size_t valueSize(Shape shape) {
@@ -77,6 +78,7 @@ inline constexpr auto kAttributeLayouts = [] {
         layouts[type].text = static_cast<uint8_t>(
             hasText(shape) ? offsetof(SDPAttr, unAttrValue) + textWithinValue(shape) : 0);
         layouts[type].pointer = pointerOf(shape);
+        layouts[type].refersToText = hasText(shape) && pointerOf(shape) == Pointer::None;
     }
     return layouts;
 }();

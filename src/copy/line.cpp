@@ -61,8 +61,10 @@ inline void copyRecord(Copier &copier, const Record &source, Record &target) {
 
 // The bytes after an IPv4 address become zero; without an address all bytes do.
 template <class Copier>
-inline void copyRecord(Copier &copier, const SDPConnection &source, SDPConnection &target) {
-    copier.copy(source, target);
+inline void copyRecord(Copier &, const SDPConnection &source, SDPConnection &target) {
+    target = source;
+    target.stNetType.pstrOtherNetType = nullptr;
+    target.stAddrType.pstrOtherAddrType = nullptr;
     auto &address = target.stTptAddr.unTptAddr;
     if (source.stTptAddr.enTptAddrType == SDP_TPTADDR_IPV4) {
         std::memset(address.aucIpv6 + 4, 0, 12);
@@ -71,7 +73,17 @@ inline void copyRecord(Copier &copier, const SDPConnection &source, SDPConnectio
     }
 }
 
-// These two copy the whole record, or nothing if it does not fit.
+// Returns false also for a text without bytes, which is left to the services.
+inline bool cutText(CutMemory &memory, const SipString &from, SipString &to) {
+    if (from.pcData == nullptr) [[unlikely]] {
+        return false;
+    }
+    to.pcData = static_cast<char *>(memory.copied(from.pcData, from.ulLen));
+    to.ulLen = from.ulLen;
+    return to.pcData != nullptr;
+}
+
+// These copy the whole record, or nothing if it does not fit.
 template <class Record>
 inline bool copyWithin(SDPMemCp &memCp, const Record &source, Record &target) {
     RecordCopier copier{CutMemory(memCp)};
@@ -80,6 +92,34 @@ inline bool copyWithin(SDPMemCp &memCp, const Record &source, Record &target) {
         copier.memory().drop();
         return false;
     }
+    copier.memory().keep();
+    return true;
+}
+
+inline bool copyWithin(SDPMemCp &memCp, const SDPOrigin &source, SDPOrigin &target) {
+    CutMemory memory(memCp);
+    target.stNetType = {source.stNetType.enNetType, nullptr};
+    target.stAddrType = {source.stAddrType.enAddrType, nullptr};
+    if (!cutText(memory, source.strUserName, target.strUserName) ||
+        !cutText(memory, source.strSessionId, target.strSessionId) ||
+        !cutText(memory, source.strSessionVersion, target.strSessionVersion) ||
+        !cutText(memory, source.strAddress, target.strAddress)) [[unlikely]] {
+        memory.drop();
+        return false;
+    }
+    memory.keep();
+    return true;
+}
+
+inline bool copyWithin(SDPMemCp &memCp, const SipString &source, SipString &target) {
+    const uint32_t size = source.ulLen;
+    auto &block = *static_cast<sipcore::Block *>(memCp.pService);
+    void *const bytes = source.pcData != nullptr ? sipcore::cutSmall(block, size) : nullptr;
+    if (bytes == nullptr) [[unlikely]] {
+        return false;
+    }
+    copyBytes(bytes, source.pcData, size);
+    target = {size, static_cast<char *>(bytes)};
     return true;
 }
 
@@ -90,9 +130,10 @@ inline Record *cloneWithin(SDPMemCp &memCp, const Record &source) {
     if (made != nullptr) [[likely]] {
         copyRecord(copier, source, *made);
         if (!copier.failed()) [[likely]] {
+            copier.memory().keep();
             return made;
         }
-        copier.memory().dropFrom(made);
+        copier.memory().drop();
     }
     return nullptr;
 }
@@ -184,15 +225,33 @@ template <class Record>
 
 // ---- Attributes: most lines are attributes, so their clones are written to need few registers
 
-inline bool cutText(CutMemory &memory, const SipString &from, SipString &to) {
-    const uint32_t size = from.ulLen;
-    to.ulLen = size;
-    to.pcData = nullptr;
-    if (size == 0 || from.pcData == nullptr) {
-        return true;
+[[gnu::noinline]] SDPResult clonePlain(sipcore::Block &block, const AttributeLayout &layout,
+                                       const SDPAttr &source, void **target) {
+    auto *const made = static_cast<SDPAttr *>(sipcore::cutSmall(block, sizeof(SDPAttr)));
+    if (made == nullptr) [[unlikely]] {
+        return cloneByRequests<SDPAttr>(&block.control, SDP_LINE_ATTRIBUTE, &source, target);
     }
-    to.pcData = static_cast<char *>(memory.copied(from.pcData, size));
-    return to.pcData != nullptr;
+    copyKept(layout, source, *made);
+    *target = made;
+    return 0;
+}
+
+// The record and its text are cut together. A text without bytes is cloned by requests.
+[[gnu::noinline]] SDPResult cloneWithText(sipcore::Block &block, const AttributeLayout &layout,
+                                          const SDPAttr &source, void **target) {
+    const SipString &text = textOf(source, layout);
+    const char *const from = text.pcData;
+    const uint32_t size = text.ulLen;
+    char *to = nullptr;
+    auto *const made = from != nullptr ? sipcore::cutWithRecord<SDPAttr>(block, size, to) : nullptr;
+    if (made == nullptr) [[unlikely]] {
+        return cloneByRequests<SDPAttr>(&block.control, SDP_LINE_ATTRIBUTE, &source, target);
+    }
+    *target = made;
+    copyKept(layout, source, *made);
+    textOf(*made, layout).pcData = to;
+    copyBytes(to, from, size);
+    return 0;
 }
 
 SDPLINE_INLINE bool cutName(CutMemory &memory, const SDPAttr &from, SDPAttr &to) {
@@ -204,30 +263,28 @@ SDPLINE_INLINE bool cutName(CutMemory &memory, const SDPAttr &from, SDPAttr &to)
     return to.pstAttrName != nullptr && cutText(memory, *name, *to.pstAttrName);
 }
 
-inline SDPAttr *cutAttribute(CutMemory &memory, const SDPAttr &source,
-                             const AttributeLayout &layout, bool isNamed) {
+inline SDPAttr *cutNamedAttribute(CutMemory memory, const SDPAttr &source,
+                                  const AttributeLayout &layout) {
     auto *const made = static_cast<SDPAttr *>(memory.take(sizeof(SDPAttr)));
     if (made == nullptr) [[unlikely]] {
         return nullptr;
     }
     copyKept(layout, source, *made);
-    if ((isNamed && !cutName(memory, source, *made)) ||
+    if (!cutName(memory, source, *made) ||
         (layout.text != 0 && !cutText(memory, textOf(source, layout), textOf(*made, layout))))
         [[unlikely]] {
-        memory.dropFrom(made);
+        memory.drop();
         return nullptr;
     }
+    memory.keep();
     return made;
 }
 
-template <bool IsNamed>
-[[gnu::noinline]] SDPResult cloneAttribute(SDPMemCp *memCp, const AttributeLayout &layout,
-                                           const void *source, void **target) {
-    CutMemory memory(*memCp);
-    SDPAttr *const made =
-        cutAttribute(memory, *static_cast<const SDPAttr *>(source), layout, IsNamed);
+[[gnu::noinline]] SDPResult cloneNamed(SDPMemCp *memCp, const AttributeLayout &layout,
+                                       const SDPAttr &source, void **target) {
+    SDPAttr *const made = cutNamedAttribute(CutMemory(*memCp), source, layout);
     if (made == nullptr) [[unlikely]] {
-        return cloneByRequests<SDPAttr>(memory.control(), SDP_LINE_ATTRIBUTE, source, target);
+        return cloneByRequests<SDPAttr>(memCp, SDP_LINE_ATTRIBUTE, &source, target);
     }
     *target = made;
     return 0;
@@ -236,13 +293,17 @@ template <bool IsNamed>
 inline SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void **target) {
     const auto &source = *static_cast<const SDPAttr *>(from);
     const AttributeLayout &layout = layoutOf(source);
+    auto &block = *static_cast<sipcore::Block *>(memCp->pService);
+    if (layout.refersToText) {
+        return cloneWithText(block, layout, source, target);
+    }
     if (layout.pointer == Pointer::Name) {
-        return cloneAttribute<true>(memCp, layout, from, target);
+        return cloneNamed(memCp, layout, source, target);
     }
     const bool hasText = layout.pointer == Pointer::Precondition &&
                          preconditionOf(source).pstrOtherPrecondition != nullptr;
     return hasText ? cloneByRequests<SDPAttr>(memCp, SDP_LINE_ATTRIBUTE, from, target)
-                   : cloneAttribute<false>(memCp, layout, from, target);
+                   : clonePlain(block, layout, source, target);
 }
 
 // ---- Arguments

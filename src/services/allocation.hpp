@@ -46,6 +46,20 @@ SDPLINE_INLINE void *takeFrom(sipcore::Block &block, uint32_t size) {
     return memory != nullptr ? memory : builtin.blockTake(&block.control, size);
 }
 
+// Memory for a record from any control: zeroed where it is libsipcore's, else as the control
+// returns it. Returns null without memory.
+template <class Record>
+inline Record *allocateFrom(SDPMemCp &control) {
+    if (!builtin.ownsBlock(control)) {
+        return static_cast<Record *>(control.pfnAlloc(&control, sizeof(Record)));
+    }
+    void *const memory = takeFrom(*static_cast<sipcore::Block *>(control.pService), sizeof(Record));
+    if (memory != nullptr) [[likely]] {
+        sipcore::clearRecord<sizeof(Record)>(memory);
+    }
+    return static_cast<Record *>(memory);
+}
+
 // Returns null when there is no hook, or the hook has no memory. The content is undefined.
 SDPLINE_INLINE void *allocateBytes(uint32_t size) {
     sipcore::Block *const block = decodeBlock;

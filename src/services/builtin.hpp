@@ -15,8 +15,8 @@ struct Builtin {
     uint32_t (*reserve)(SipStringBuffer *buffer, uint32_t size);
     bool copy; // memcpy_s
     bool fill; // memset_s
-    // pfnAlloc and pfnFree of blocks; null where blocks are not handled in place. blockTake is
-    // pfnAlloc without its zeroing.
+    // pfnAlloc and pfnFree of blocks; null, which no control has, where blocks are not handled in
+    // place. blockTake is pfnAlloc without its zeroing.
     decltype(SDPMemCp::pfnAlloc) blockAlloc;
     decltype(SDPMemCp::pfnAlloc) blockTake;
     decltype(SDPMemCp::pfnFree) blockFree;
@@ -30,7 +30,7 @@ struct Builtin {
     // Whether both functions of a memory control are libsipcore's functions of a block; owns() also
     // accepts those of the system's control. Where a program replaced one of them, it is called.
     bool ownsBlock(const SDPMemCp &memCp) const {
-        return blockAlloc != nullptr && memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
+        return memCp.pfnAlloc == blockAlloc && memCp.pfnFree == blockFree;
     }
     // Whether lines are copied in place into memory of the control.
     bool copiesLines(const SDPMemCp &memCp) const {

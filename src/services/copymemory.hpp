@@ -65,30 +65,21 @@ private:
 };
 
 // Memory from the unused rest of a block's current span only: no new chunk, and no freed allocation
-// is used. A copy that fails half way is dropped, and the block is as it was.
+// is used. The block is changed by keep() alone: a copy that fails half way leaves it as it was.
 class CutMemory {
 public:
     explicit CutMemory(SDPMemCp &control)
-        : block_(static_cast<sipcore::Block *>(control.pService)), before_(block_->span.at) {}
-
-    bool failed() const { return failed_; }
-    void fail() { failed_ = true; }
-    // Returns to the span all memory that was taken since the construction.
-    void drop() const {
-        sipcore::forbid(before_, static_cast<size_t>(block_->span.at - before_));
-        block_->span.at = before_;
-    }
+        : block_(static_cast<sipcore::Block *>(control.pService)), at_(block_->span.at) {}
 
     SDPMemCp *control() const { return &block_->control; }
-    // The same as drop(), given the first allocation that was made.
-    void dropFrom(void *first) const {
-        std::byte *const before = static_cast<std::byte *>(first) - sipcore::kHeaderSize;
-        sipcore::forbid(before, static_cast<size_t>(block_->span.at - before));
-        block_->span.at = before;
-    }
+    bool failed() const { return at_ > block_->span.end; }
+    void fail() { at_ = block_->span.end + 1; }
+
+    void keep() const { block_->span.at = at_; }
+    void drop() const { sipcore::forbid(block_->span.at, block_->span.room()); }
 
     SDPLINE_INLINE void *take(uint32_t size) {
-        void *const memory = sipcore::cutSmall(*block_, size);
+        void *const memory = sipcore::cutSmall(*block_, at_, size);
         if (memory == nullptr) [[unlikely]] {
             fail();
         }
@@ -105,8 +96,7 @@ public:
 
 private:
     sipcore::Block *block_;
-    std::byte *before_;
-    bool failed_ = false;
+    std::byte *at_; // where the next allocation goes; beyond the span after a failure
 };
 
 } // namespace sdpline

@@ -121,28 +121,66 @@ SIPCORE_UNCHECKED inline void push(Allocation *&list, Allocation *allocation) {
     list = allocation;
 }
 
-// Cuts an allocation from a span, which must be large enough.
-inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
-    auto *allocation = reinterpret_cast<Allocation *>(span.at);
-    const auto offset = static_cast<uint32_t>(span.at - reinterpret_cast<std::byte *>(span.chunk));
-    setHeader(allocation, size, offset | state);
-    span.at += kHeaderSize + size;
+// Cuts an allocation from a chunk, at `at`, where there must be enough memory.
+inline void *cut(std::byte *&at, Chunk *chunk, uint32_t request, std::size_t size, State state) {
+    auto *allocation = reinterpret_cast<Allocation *>(at);
+    const auto offset = static_cast<uint32_t>(at - reinterpret_cast<std::byte *>(chunk));
+    setHeader(allocation, static_cast<uint32_t>(size), offset | state);
+    at += kHeaderSize + size;
     permit(payloadOf(allocation), request);
     return payloadOf(allocation);
 }
 
-// Memory from the span with undefined content, for requests of 1 to 256 bytes whose free list is
-// empty: nearly all requests of a decode. Returns null for all others, and when the span is full.
+inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
+    return cut(span.at, span.chunk, request, size, state);
+}
+
+// Memory from `at` to the end of the span, with undefined content, for requests of 1 to 256 bytes
+// whose free list is empty: nearly all requests of a decode. Returns null for all others, and when
+// the span is full.
+[[gnu::always_inline]] inline void *cutSmall(const Block &block, std::byte *&at, uint32_t request) {
+    const std::size_t before = (request - 1) & ~uint32_t{7}; // the size of the class below
+    if (before >= kSmallMax || block.freed[before / 8] != nullptr) [[unlikely]] {
+        return nullptr;
+    }
+    const std::size_t size = before + 8;
+    if (at + kHeaderSize + size > block.span.end) [[unlikely]] {
+        return nullptr;
+    }
+    return cut(at, block.span.chunk, request, size, kLive);
+}
+
 [[gnu::always_inline]] inline void *cutSmall(Block &block, uint32_t request) {
-    const uint32_t classNumber = (request - 1) / 8;
-    if (classNumber >= kSmallClasses || block.freed[classNumber] != nullptr) [[unlikely]] {
+    return cutSmall(block, block.span.at, request);
+}
+
+// The same for a record and, after it, a request of 1 to 256 bytes: returns the record, and the
+// other allocation in `second`. Returns null, and cuts nothing, unless both fit.
+template <class Record>
+[[gnu::always_inline]] inline Record *cutWithRecord(Block &block, uint32_t request, char *&second) {
+    constexpr uint32_t recordSize = roundUp8(sizeof(Record));
+    constexpr uint32_t whole = kHeaderSize + recordSize;
+    static_assert(recordSize <= kSmallMax);
+    const std::size_t before = (request - 1) & ~uint32_t{7};
+    if (before >= kSmallMax || block.freed[before / 8] != nullptr ||
+        block.freed[classOf(recordSize)] != nullptr) [[unlikely]] {
         return nullptr;
     }
-    const uint32_t size = roundUp8(request);
-    if (block.span.at + kHeaderSize + size > block.span.end) [[unlikely]] {
+    std::byte *const at = block.span.at;
+    std::byte *const after = at + whole + kHeaderSize + before + 8;
+    if (after > block.span.end) [[unlikely]] {
         return nullptr;
     }
-    return cut(block.span, request, size, kLive);
+    const auto offset = static_cast<uint32_t>(at - reinterpret_cast<std::byte *>(block.span.chunk));
+    const uint32_t tag = offset | kLive;
+    setHeader(reinterpret_cast<Allocation *>(at), recordSize, tag);
+    setHeader(reinterpret_cast<Allocation *>(at + whole), static_cast<uint32_t>(before) + 8,
+              tag + whole);
+    block.span.at = after;
+    permit(at + kHeaderSize, sizeof(Record));
+    permit(at + whole + kHeaderSize, request);
+    second = reinterpret_cast<char *>(at + whole + kHeaderSize);
+    return reinterpret_cast<Record *>(at + kHeaderSize);
 }
 
 // Debug builds fill freed memory after the link, and check the filling when the allocation is

@@ -37,7 +37,7 @@ void raisePeak(uint64_t bytes) {
     }
 }
 
-void *takeFromHeap(std::size_t size, Use use, Content content) {
+[[gnu::noinline]] void *takeFromHeap(std::size_t size, Use use, Content content) {
     void *memory = content == Content::Zeroed ? std::calloc(1, size) : std::malloc(size);
     if (memory == nullptr) {
         return nullptr;
@@ -48,7 +48,7 @@ void *takeFromHeap(std::size_t size, Use use, Content content) {
     return memory;
 }
 
-void giveToHeap(void *memory, std::size_t size, Use use) {
+[[gnu::noinline]] void giveToHeap(void *memory, std::size_t size, Use use) {
     std::free(memory);
     counters.blocks.fetch_sub(use == Use::Block ? 1 : 0, kRelaxed);
     counters.given.fetch_add(1, kRelaxed);

@@ -205,7 +205,7 @@ void *blockAlloc(SDPMemCp *memCp, uint32_t size) {
 #if defined(SIPCORE_ASAN) // the bytes after the requested ones must not be written
     zeroSmall(static_cast<char *>(memory), size);
 #else
-    zeroPayload(static_cast<char *>(memory), roundUp8(size));
+    zeroPayload(static_cast<char *>(memory), sizeOf(allocationOf(memory)));
 #endif
     return memory;
 }

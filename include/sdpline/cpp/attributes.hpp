@@ -96,9 +96,11 @@ template <>
 struct ValueIn<Fmtp> : ValueOfType<AttributeType::Fmtp> {
     static Fmtp read(const SDPAttr &attribute) {
         const std::string_view text = viewOf(attribute.unAttrValue.strValue);
-        const std::size_t end = text.find(' ');
-        return end != std::string_view::npos ? Fmtp{text.substr(0, end), text.substr(end + 1)}
-                                             : Fmtp{text, {}};
+        std::size_t end = 0;
+        while (end < text.size() && text[end] != ' ') {
+            ++end;
+        }
+        return {text.substr(0, end), text.substr(end < text.size() ? end + 1 : end)};
     }
 };
 
@@ -337,8 +339,8 @@ public:
     template <class T>
     std::optional<T> first() const {
         for (const Attribute one : *this) {
-            if (const std::optional<T> value = one.as<T>()) {
-                return value;
+            if (internal::ValueIn<T>::holds(*one.record())) {
+                return internal::ValueIn<T>::read(*one.record());
             }
         }
         return std::nullopt;

@@ -234,10 +234,9 @@ private:
         if (at == size()) {
             return putRecord(at, record);
         }
-        internal::Copier copier(home_.memory());
-        SDPAttr *const made = copier.cloneWhole(record);
+        SDPAttr *const made = home_.memory().clone(record);
         if (made == nullptr) {
-            return copier.error();
+            return internal::noMemory();
         }
         const SDPAttr *const first = (*this)[at].record();
         removeIf([&](const Attribute &one) { return one.record() != first && isOld(one); });

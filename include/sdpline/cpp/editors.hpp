@@ -199,7 +199,7 @@ public:
     }
     /* Sets an address, with "IN IP4" or "IN IP6", and without TTL and number of addresses. */
     Status setConnection(const Address &address) const {
-        return setConnection(Connection{.address = address});
+        return internal::setConnection(memory_, connectionSlot(), address);
     }
     /* Sets it by its text after "c=", such as "IN IP4 192.0.2.1", which is decoded. */
     Status setConnection(std::string_view text) const {
@@ -336,8 +336,14 @@ private:
     }
 
     Result<MediaEditor> putLine(std::size_t index, const SDPMediaField &field) {
-        const SDPMediaDesc source = {field, nullptr, nullptr, nullptr, nullptr, nullptr};
-        return put(index, Media(&source));
+        const auto make = [&](internal::Copier &copier, SDPMediaDesc **slots) {
+            slots[0] = copier.make<SDPMediaDesc>([&](SDPMediaDesc &to) {
+                to = {};
+                copier.fill(field, to.stMediaField);
+            });
+            return std::size_t{1};
+        };
+        return made(index, internal::insertItems(memory_, *set_, index, 1, make));
     }
 
     Result<MediaEditor> made(std::size_t index, const Status &status) const {

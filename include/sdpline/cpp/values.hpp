@@ -15,7 +15,6 @@
 #define SDPLINE_CPP_VALUES_HPP
 
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -124,10 +123,18 @@ struct Fmtp {
 
     /* The format as a payload number. */
     std::optional<std::uint32_t> payload() const {
-        std::uint32_t number = 0;
-        const char *const end = format.data() + format.size();
-        const auto [at, fault] = std::from_chars(format.data(), end, number);
-        return fault == std::errc() && at == end ? std::optional(number) : std::nullopt;
+        constexpr std::uint64_t kMost = 0xFFFFFFFF;
+        std::uint64_t number = 0;
+        for (const char c : format) {
+            const auto digit = static_cast<unsigned char>(c - '0');
+            if (digit > 9 || number > kMost) {
+                return std::nullopt;
+            }
+            number = number * 10 + digit;
+        }
+        return !format.empty() && number <= kMost
+                   ? std::optional(static_cast<std::uint32_t>(number))
+                   : std::nullopt;
     }
 
     friend bool operator==(const Fmtp &, const Fmtp &) = default;

@@ -20,25 +20,10 @@ inline Result<BodyHandle> newBody() {
     if (const SDPResult code = SdpLibCreateSdp(&line)) {
         return libraryError(code);
     }
-    line->ulProtoVersion = 0;
-    line->stOrigin = {};
-    line->strSessionName = {};
-    line->pstrSessionInfo = line->pstrUri = line->pstrTimeZone = nullptr;
-    line->pstEmailList = line->pstPhoneList = line->pstBandwidthList = nullptr;
-    line->pstConnection = nullptr;
-    line->stTimeSet = {};
-    line->pstKey = nullptr;
-    line->pstAttrList = nullptr;
-    line->stMediaSet = {};
+    SDPMemCp *const block = line->pstMemCp;
+    *line = {};
+    line->pstMemCp = block;
     return BodyHandle(line);
-}
-
-/* The body, or the copier's error: an incomplete body is then released with its block. */
-inline Result<BodyHandle> unlessFailed(const Copier &copier, BodyHandle body) {
-    if (!copier.ok()) {
-        return copier.error();
-    }
-    return body;
 }
 
 [[gnu::cold]] inline Error cloneError(SDPResult code) {

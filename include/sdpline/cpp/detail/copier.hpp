@@ -26,26 +26,14 @@ inline SipString lent(std::string_view text) {
     return {static_cast<std::uint32_t>(text.size()), const_cast<char *>(text.data())};
 }
 
-/* Most texts are one word: it is copied without a call, in two parts that may overlap. */
-inline void copyBytes(char *to, const char *from, std::size_t size) {
-    if (size >= 8 && size <= 16) {
-        std::memcpy(to, from, 8);
-        std::memcpy(to + size - 8, from + size - 8, 8);
-    } else if (size >= 4 && size < 8) {
-        std::memcpy(to, from, 4);
-        std::memcpy(to + size - 4, from + size - 4, 4);
-    } else {
-        std::memcpy(to, from, size);
-    }
-}
-
 /* ---- The block of a body --------------------------------------------------------------------- */
 
-/* The kind of line by which SdpFreeLine frees a record; all lines of one text are freed alike. */
+/* The kind of line by which the C operations copy and free a record; all lines of one text are
+ * copied and freed alike. */
 template <class Record>
 inline constexpr std::uint32_t kLineOf = SDP_LINE_COUNT;
 template <>
-inline constexpr std::uint32_t kLineOf<SipString> = SDP_LINE_INFO;
+inline constexpr std::uint32_t kLineOf<SipString> = SDP_LINE_NAME;
 template <>
 inline constexpr std::uint32_t kLineOf<SDPKey> = SDP_LINE_KEY;
 template <>
@@ -60,6 +48,10 @@ template <>
 inline constexpr std::uint32_t kLineOf<SDPAttr> = SDP_LINE_ATTRIBUTE;
 template <>
 inline constexpr std::uint32_t kLineOf<SDPMediaField> = SDP_LINE_MEDIA;
+
+template <class Record>
+concept IsLine = kLineOf<Record>
+!= SDP_LINE_COUNT;
 
 class Memory {
 public:
@@ -89,13 +81,27 @@ public:
         }
     }
 
-    /* Frees a record with all that it refers to. Null is accepted. */
-    template <class Record>
-    void free(Record *record) const {
-        static_assert(kLineOf<Record> != SDP_LINE_COUNT);
-        void *line = record;
-        if (line != nullptr) {
-            SdpFreeLine(control_, kLineOf<Record>, &line);
+    /* Overwrites the whole line. Returns false when the block is exhausted; the target may then be
+     * cleared. */
+    template <IsLine Line>
+    bool copy(const Line &from, Line &to) const {
+        return SdpCopyLine(control_, kLineOf<Line>, &from, &to) == 0;
+    }
+
+    /* A complete clone, or null when the block is exhausted. */
+    template <IsLine Line>
+    Line *clone(const Line &from) const {
+        void *made = nullptr;
+        SdpCloneLine(control_, kLineOf<Line>, &from, &made);
+        return static_cast<Line *>(made);
+    }
+
+    /* Frees a line with all that it refers to. Null is accepted. */
+    template <IsLine Line>
+    void free(Line *line) const {
+        void *record = line;
+        if (record != nullptr) {
+            SdpFreeLine(control_, kLineOf<Line>, &record);
         }
     }
     inline void free(SDPMediaDesc *media) const;
@@ -131,9 +137,9 @@ inline void Memory::free(SDPMediaDesc *media) const {
 /* ---- Deep copies ----------------------------------------------------------------------------- */
 
 /*
- * Copies records into a block. As in a decode, each record and text is one allocation. After the
- * first failure ok() is false, nothing more is allocated, and all further pointers are null. An
- * incomplete copy has no pointer into the source, and can be freed.
+ * Copies lines, and what consists of lines, into a block. After the first failure ok() is false,
+ * nothing more is allocated, and all further pointers are null. An incomplete copy has no pointer
+ * into the source, and can be freed.
  *
  * fill(from, to) overwrites the whole record `to`.
  */
@@ -161,14 +167,13 @@ public:
         return make<Record>([&](Record &to) { fill(from, to); });
     }
 
-    /* An attribute is cloned by the C operation, completely or not at all. */
-    SDPAttr *clone(const SDPAttr &from) {
-        void *made = nullptr;
-        if (ok() && SdpCloneLine(memory_.control(), SDP_LINE_ATTRIBUTE, &from, &made) != 0)
-            [[unlikely]] {
+    template <IsLine Line>
+    Line *clone(const Line &from) {
+        Line *const made = ok() ? memory_.clone(from) : nullptr;
+        if (made == nullptr) [[unlikely]] {
             fail(noMemory);
         }
-        return static_cast<SDPAttr *>(made);
+        return made;
     }
 
     template <class Record>
@@ -176,48 +181,18 @@ public:
         return from != nullptr ? clone(*from) : nullptr;
     }
 
-    /* A complete clone, or null: an incomplete one is freed. */
-    template <class Record>
-    Record *cloneWhole(const Record &from) {
-        Record *const made = clone(from);
-        if (ok()) [[likely]] {
-            return made;
-        }
-        memory_.free(made);
-        return nullptr;
-    }
-
-    void fill(const SipString &from, SipString &to) { to = text(from); }
-    void fill(const SDPKey &from, SDPKey &to) { to.strKey = text(from.strKey); }
-
-    void fill(const SDPOrigin &from, SDPOrigin &to) {
-        to = {text(from.strUserName),  text(from.strSessionId),      text(from.strSessionVersion),
-              netType(from.stNetType), addressType(from.stAddrType), text(from.strAddress)};
-    }
-
-    void fill(const SDPConnection &from, SDPConnection &to) {
-        to = {netType(from.stNetType), addressType(from.stAddrType), from.stTptAddr, from.ulTtl,
-              from.ulNoOfAddrs};
-    }
-
     void fill(const SDPTimeUnit &from, SDPTimeUnit &to) { to = from; }
-    void fill(const SDPTimeField &from, SDPTimeField &to) {
-        to = {from.ulStartTime, from.ulStopTime, cloneGiven(from.pstRepeatFieldSet)};
-    }
 
     void fill(const SDPMediaField &from, SDPMediaField &to) {
-        const bool otherType = from.stMedia.enMediaType == SDP_MEDIA_OTHER;
-        const bool otherProtocol = from.stProto.enProto == SDP_PROTO_OTHER;
-        to = {{from.stMedia.enMediaType, otherText(otherType, from.stMedia.pstrOtherMedia)},
-              from.ulPort,
-              from.ulNoOfPorts,
-              {from.stProto.enProto, otherText(otherProtocol, from.stProto.pstrOtherProto)},
-              {from.stMediaFmt.enFmtType, {}}};
-        if (from.stMediaFmt.enFmtType == SDP_FMT_OTHER) {
-            to.stMediaFmt.unMediaFmt.strOtherFmts = text(from.stMediaFmt.unMediaFmt.strOtherFmts);
-        } else {
-            to.stMediaFmt.unMediaFmt.stRtpPayLoads =
-                payloads(from.stMediaFmt.unMediaFmt.stRtpPayLoads);
+        const SDPMediaFmt &format = from.stMediaFmt;
+        if (format.enFmtType != SDP_FMT_OTHER &&
+            format.unMediaFmt.stRtpPayLoads.ulNoOfPayLoads > SDP_MAX_PAYLOADS) {
+            fail(tooManyPayloads);
+        }
+        if (!ok()) {
+            to = {};
+        } else if (!memory_.copy(from, to)) {
+            fail(noMemory);
         }
     }
 
@@ -281,19 +256,6 @@ public:
         return static_cast<Item *>(made);
     }
 
-    SipString text(const SipString &from) {
-        const std::string_view view = viewOf(from);
-        if (view.empty()) {
-            return {0, nullptr};
-        }
-        char *const bytes = array<char>(view.size());
-        if (bytes == nullptr) {
-            return {0, nullptr};
-        }
-        copyBytes(bytes, view.data(), view.size());
-        return {static_cast<std::uint32_t>(view.size()), bytes};
-    }
-
     SDPRtpPayLoads payloads(const SDPRtpPayLoads &from) {
         if (from.ulNoOfPayLoads > SDP_MAX_PAYLOADS) {
             fail(tooManyPayloads);
@@ -315,20 +277,6 @@ public:
 
 private:
     void fail(Error (*failure)()) { failure_ = ok() ? failure : failure_; }
-
-    SipString *otherText(bool other, const SipString *from) {
-        return other ? cloneGiven(from) : nullptr;
-    }
-
-    SDPNetType netType(const SDPNetType &from) {
-        return {from.enNetType,
-                otherText(from.enNetType == SDP_NETTYPE_OTHER, from.pstrOtherNetType)};
-    }
-
-    SDPAddrType addressType(const SDPAddrType &from) {
-        return {from.enAddrType,
-                otherText(from.enAddrType == SDP_ADDRTYPE_OTHER, from.pstrOtherAddrType)};
-    }
 
     Memory memory_;
     Error (*failure_)() = nullptr;

@@ -59,7 +59,8 @@ public:
 
     std::optional<Error> fill(Direction direction) {
         record.ulAttrType = static_cast<std::uint32_t>(direction);
-        return refusedCode(direction);
+        return tables::isOf<tables::Shape::Direction>(record.ulAttrType) ? std::nullopt
+                                                                         : refusedCode(direction);
     }
     std::optional<Error> fill(SetupRole setup) { return fillCode(AttributeType::Setup, setup); }
     std::optional<Error> fill(T38RateManagement management) {

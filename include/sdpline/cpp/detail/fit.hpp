@@ -77,18 +77,24 @@ bool holdsOneOf(std::string_view text) {
 }
 
 template <const std::string_view &Unfit>
+bool fits(std::string_view text, std::size_t longest = SDP_MAX_VALUE) {
+    return text.size() - 1 < longest && !holdsOneOf<Unfit>(text);
+}
+
+/* Of a text that does not fit. */
+[[gnu::cold]] inline Error misfit(std::string_view text, std::string_view sentence,
+                                  std::size_t longest) {
+    return refusedArgument(text.empty() ? "a text is empty"
+                           : text.size() > longest
+                               ? "a text is longer than a decoder of this library reads"
+                               : sentence);
+}
+
+template <const std::string_view &Unfit>
 std::optional<Error> refusal(std::string_view text, std::string_view sentence,
                              std::size_t longest = SDP_MAX_VALUE) {
-    if (text.empty()) [[unlikely]] {
-        return refusedArgument("a text is empty");
-    }
-    if (text.size() > longest) [[unlikely]] {
-        return refusedArgument("a text is longer than a decoder of this library reads");
-    }
-    if (holdsOneOf<Unfit>(text)) [[unlikely]] {
-        return refusedArgument(sentence);
-    }
-    return std::nullopt;
+    return fits<Unfit>(text, longest) ? std::nullopt
+                                      : std::optional(misfit(text, sentence, longest));
 }
 
 /* A value that takes the rest of its line. */
@@ -98,6 +104,9 @@ inline std::optional<Error> refusedText(std::string_view text,
 }
 
 /* A value between two blanks. */
+inline bool isWord(std::string_view text) {
+    return fits<kWordEnds>(text);
+}
 inline std::optional<Error> refusedWord(std::string_view text) {
     return refusal<kWordEnds>(text, "a word holds a blank, a line end or a NUL");
 }
@@ -114,31 +123,42 @@ std::optional<Error> refusedToken(const Keyword<Code> &word) {
 }
 
 /* Whether all bytes are digits. Eight are tested together: bytes from "0" to "?" that are still in
- * this range when 6 is added are "0" to "9". */
+ * this range when 6 is added are "0" to "9". The last eight may overlap those before. */
 inline bool areDigits(std::string_view text) {
     constexpr std::uint64_t kOnes = 0x0101010101010101;
-    std::size_t at = 0;
-    for (std::uint64_t word = 0; at + sizeof word <= text.size(); at += sizeof word) {
-        std::memcpy(&word, text.data() + at, sizeof word);
-        if ((word & (kOnes * 0xF0)) != kOnes * 0x30 ||
-            ((word + kOnes * 6) & (kOnes * 0xF0)) != kOnes * 0x30) {
+    constexpr std::size_t kWord = sizeof(std::uint64_t);
+    const auto areEight = [text](std::size_t from) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + from, kWord);
+        return (word & (kOnes * 0xF0)) == kOnes * 0x30 &&
+               ((word + kOnes * 6) & (kOnes * 0xF0)) == kOnes * 0x30;
+    };
+    if (text.size() < kWord) {
+        for (const char c : text) {
+            if (c < '0' || c > '9') {
+                return false;
+            }
+        }
+        return true;
+    }
+    for (std::size_t at = 0; at + kWord < text.size(); at += kWord) {
+        if (!areEight(at)) {
             return false;
         }
     }
-    for (; at < text.size(); ++at) {
-        if (text[at] < '0' || text[at] > '9') {
-            return false;
-        }
-    }
-    return true;
+    return areEight(text.size() - kWord);
+}
+
+inline bool isNumber(std::string_view text) {
+    return text.size() - 1 < SDP_MAX_VALUE && areDigits(text);
 }
 
 inline std::optional<Error> refusedDigits(std::string_view text) {
-    if (!areDigits(text)) [[unlikely]] {
-        const auto error = refusedWord(text);
-        return error ? error : refusedArgument("a number holds something else than digits");
+    if (isNumber(text)) [[likely]] {
+        return std::nullopt;
     }
-    return text.empty() || text.size() > SDP_MAX_VALUE ? refusedWord(text) : std::nullopt;
+    const auto error = refusedWord(text);
+    return error ? error : refusedArgument("a number holds something else than digits");
 }
 
 /* A code of an enumeration. */

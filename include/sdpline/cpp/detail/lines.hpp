@@ -46,13 +46,14 @@ inline std::optional<Error> refusedOrigin(const Origin &origin) {
         (origin.addressType != AddressType::Ip4 && origin.addressType != AddressType::Ip6)) {
         return refusedArgument("an origin is IN and IP4 or IP6");
     }
-    for (const auto &error : {refusedWord(origin.userName), refusedDigits(origin.sessionId),
-                              refusedDigits(origin.sessionVersion), refusedWord(origin.address)}) {
-        if (error) {
-            return error;
-        }
+    if (isWord(origin.userName) && isNumber(origin.sessionId) && isNumber(origin.sessionVersion) &&
+        isWord(origin.address)) [[likely]] {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const auto name = refusedWord(origin.userName);
+    const auto id = refusedDigits(origin.sessionId);
+    const auto version = refusedDigits(origin.sessionVersion);
+    return name ? name : id ? id : version ? version : refusedWord(origin.address);
 }
 
 /* The record refers to the texts of the value. */
@@ -85,15 +86,22 @@ inline std::optional<Error> refusedConnection(const Connection &connection) {
     return std::nullopt;
 }
 
-inline SDPConnection recordOf(const Connection &connection) {
-    const bool v4 = connection.address.isV4();
+inline SDPConnection recordOf(const Address &address) {
+    const bool v4 = address.isV4();
     SDPConnection record = {{SDP_NETTYPE_IN, nullptr},
                             {v4 ? SDP_ADDRTYPE_IP4 : SDP_ADDRTYPE_IP6, nullptr},
                             {v4 ? SDP_TPTADDR_IPV4 : SDP_TPTADDR_IPV6, {}},
-                            connection.ttl.value_or(SDP_NOT_GIVEN),
-                            connection.addressCount.value_or(SDP_NOT_GIVEN)};
-    const auto octets = connection.address.octets();
+                            SDP_NOT_GIVEN,
+                            SDP_NOT_GIVEN};
+    const auto octets = address.octets();
     std::memcpy(record.stTptAddr.unTptAddr.aucIpv6, octets.data(), octets.size());
+    return record;
+}
+
+inline SDPConnection recordOf(const Connection &connection) {
+    SDPConnection record = recordOf(connection.address);
+    record.ulTtl = connection.ttl.value_or(SDP_NOT_GIVEN);
+    record.ulNoOfAddrs = connection.addressCount.value_or(SDP_NOT_GIVEN);
     return record;
 }
 
@@ -102,6 +110,14 @@ inline Status setConnection(Memory memory, Slot<SDPConnection> slot, const Conne
         return *error;
     }
     return setLine(memory, slot, recordOf(connection));
+}
+
+/* An address alone. */
+inline Status setConnection(Memory memory, Slot<SDPConnection> slot, const Address &address) {
+    if (address.empty()) {
+        return refusedArgument("a connection has no address");
+    }
+    return setLine(memory, slot, recordOf(address));
 }
 
 inline Status setConnection(Memory memory, Slot<SDPConnection> slot, std::string_view text) {
@@ -132,7 +148,7 @@ inline Status addRepeat(Memory memory, SDPTimeField &time, std::span<const Typed
         return *error;
     }
     const auto make = [times](Copier &copier, SDPRepeatField **slots) {
-        slots[0] = copier.clone(SDPRepeatField{});
+        slots[0] = copier.make<SDPRepeatField>([](SDPRepeatField &none) { none = {}; });
         auto **const units = copier.array<SDPTimeUnit *>(times.size());
         if (units != nullptr) {
             std::memset(units, 0, times.size() * sizeof *units);

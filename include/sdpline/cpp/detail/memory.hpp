@@ -26,12 +26,11 @@ namespace internal {
 /* Replaces the target by a deep copy of the source, which may refer to the target. */
 template <class Record>
 Status replace(Memory memory, const Record &source, Record &target) {
-    Copier copier(memory);
     Record fresh;
-    copier.fill(source, fresh);
-    SdpClearLine(memory.control(), kLineOf<Record>, copier.ok() ? &target : &fresh);
-    if (!copier.ok()) {
-        return copier.error();
+    const bool copied = memory.copy(source, fresh);
+    SdpClearLine(memory.control(), kLineOf<Record>, copied ? &target : &fresh);
+    if (!copied) {
+        return noMemory();
     }
     target = fresh;
     return {};
@@ -63,10 +62,9 @@ private:
 
 template <class Record>
 Status setLine(Memory memory, Slot<Record> slot, const Record &source) {
-    Copier copier(memory);
-    Record *const made = copier.cloneWhole(source);
+    Record *const made = memory.clone(source);
     if (made == nullptr) {
-        return copier.error();
+        return noMemory();
     }
     memory.free(slot.get());
     slot.set(made);
