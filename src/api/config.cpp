@@ -17,15 +17,19 @@ namespace {
 constexpr uint32_t kConfigTypes = 4;
 constexpr uint32_t kMaxT38Style = SDP_T38_STYLE_VALUE;
 
-char crlf[] = "\r\n";
-char lf[] = "\n";
-char cr[] = "\r";
+// Read only: the record of a text has no other kind of pointer.
+constexpr char kCrlf[] = "\r\n";
+constexpr char kCr[] = "\r";
+constexpr char *readOnly(const char *text) {
+    return const_cast<char *>(text);
+}
 
 } // namespace
 
 extern "C" {
 
-constinit const SipString g_gstSdpCrlfString[3] = {{2, crlf}, {1, lf}, {1, cr}};
+constinit const SipString g_gstSdpCrlfString[3] = {
+    {2, readOnly(kCrlf)}, {1, readOnly(kCrlf + 1)}, {1, readOnly(kCr)}};
 const SipString *g_gpstSdpCrlfCfg = g_gstSdpCrlfString;
 uint32_t g_gstSdpT38OptCfg = SDP_T38_STYLE_FLAG;
 uint32_t g_bSupMedProtoRtpAvpf = 0;

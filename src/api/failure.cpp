@@ -37,7 +37,7 @@ extern "C" {
 
 void SdpLibGetLastFailure(SDPFailure *failure) {
     if (failure != nullptr) {
-        *failure = lastFailure;
+        *failure = lastFailure.refusal;
     }
 }
 

@@ -78,8 +78,7 @@ const char *className(uint16_t errorClass) {
     }
 }
 
-SDPLINE_PER_THREAD LastFailed lastFailed = {Check::Count, nullptr};
-SDPLINE_PER_THREAD SDPFailure lastFailure = {};
+SDPLINE_PER_THREAD LastFailure lastFailure = {Check::Count, nullptr, {}};
 
 namespace {
 
@@ -104,13 +103,11 @@ bool isOfDecode(Check check) {
 [[gnu::noinline]] void callLogHook(SipLmLogHndlr hook, Check check, uint32_t value, uint32_t line) {
     const CheckRow &failed = row(check);
     const Logged &logged = failed.logged;
-    const LastFailed lastCheck = lastFailed;
-    const SDPFailure lastPlace = lastFailure;
+    const LastFailure before = lastFailure;
     log(hook, {logged.level, sourceName(failed.source), failed.function, line, logged.category,
                logged.format, value});
     if (isOfDecode(check)) {
-        lastFailed = lastCheck;
-        lastFailure = lastPlace;
+        lastFailure = before;
     }
 }
 
@@ -150,7 +147,8 @@ SDPResult codeOf(Check check) {
 
 SDPResult reportFailed(Check check, uint32_t value, uint32_t line, const char *word) {
     if (isOfParsing(row(check).source)) {
-        lastFailed = {check, word};
+        lastFailure.check = check;
+        lastFailure.word = word;
     }
     report(check, value, line);
     return codeOf(check);

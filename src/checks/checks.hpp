@@ -111,15 +111,12 @@ SDPLINE_INLINE SDPResult failWord(Check check, const char *word, uint32_t line =
 const char *sourceName(Source source);
 const char *className(uint16_t errorClass);
 
-// The check of lexer, parser and utilities that failed last, and its word (see reportFailed).
-struct LastFailed {
-    Check check;
-    const char *word;
+struct LastFailure {
+    Check check;        // the check of lexer, parser and utilities that failed last,
+    const char *word;   // and its word (see reportFailed)
+    SDPFailure refusal; // of the text that SdpLibParseSdp refused last
 };
-extern SDPLINE_PER_THREAD LastFailed lastFailed;
-
-// The last text that SdpLibParseSdp refused.
-extern SDPLINE_PER_THREAD SDPFailure lastFailure;
+extern SDPLINE_PER_THREAD LastFailure lastFailure;
 
 #ifdef SDPLINE_COUNT_CHECKS
 // How often each check failed since the start of the program; in test builds only.

@@ -17,15 +17,15 @@ public:
     bool run(const BodyDraft &draft) {
         body_.stOrigin = copyOf(draft.origin);
         body_.strSessionName = copyOf(draft.name);
-        body_.pstrSessionInfo = clone(draft.info);
-        body_.pstrUri = clone(draft.uri);
+        body_.pstrSessionInfo = given(SDP_LINE_INFO, draft.info);
+        body_.pstrUri = given(SDP_LINE_URI, draft.uri);
         body_.pstEmailList = texts(draft.emails);
         body_.pstPhoneList = texts(draft.phones);
         body_.pstConnection = clone(draft.connection);
         body_.pstBandwidthList = texts(draft.bandwidths);
         times(draft.times);
-        body_.pstrTimeZone = clone(draft.zone);
-        body_.pstKey = clone(draft.key);
+        body_.pstrTimeZone = given(SDP_LINE_ZONE, draft.zone);
+        body_.pstKey = given(SDP_LINE_KEY, draft.key);
         body_.pstAttrList = attributes(draft.attributes);
         media(draft.media);
         return good_;
@@ -48,6 +48,18 @@ private:
             std::memset(static_cast<void *>(items), 0, count * sizeof(Record *));
         }
         return items;
+    }
+
+    // A line by the library's operation, which makes it or nothing.
+    template <class Record>
+    Record *line(uint32_t type, const Record &source) {
+        void *made = nullptr;
+        good_ = good_ && SdpCloneLine(block_, type, &source, &made) == 0;
+        return static_cast<Record *>(made);
+    }
+    template <class Record>
+    Record *given(uint32_t type, const Record *source) {
+        return source != nullptr ? line(type, *source) : nullptr;
     }
 
     SipString copyOf(const SipString &source) {
@@ -78,23 +90,17 @@ private:
         address.pstrOtherAddrType = clone(address.pstrOtherAddrType);
         return connection;
     }
-    SDPKey copyOf(SDPKey key) { return {copyOf(key.strKey)}; }
-    // Written in place, because most records of a body are attributes.
-    SDPAttr *cloneOf(const SDPAttr &source) {
-        auto *const target = allocate<SDPAttr>();
-        if (target == nullptr) {
-            return nullptr;
+    // The library would copy the pointer itself of a text that a known precondition does not use.
+    SDPAttr *clone(const SDPAttr &source) {
+        if (!isPrecondition(source)) {
+            return line(SDP_LINE_ATTRIBUTE, source);
         }
-        *target = source;
-        if (SipString *const text = textIn(*target)) {
-            *text = copyOf(*text);
+        SDPAttr known = source;
+        SDPPreconditionS &type = known.unAttrValue.stRsrcMgmtStatus.stPrecondition;
+        if (type.enPreconditionType != SDP_PRECONDITION_OTHER) {
+            type.pstrOtherPrecondition = nullptr;
         }
-        if (isPrecondition(source)) {
-            SDPPreconditionS &type = target->unAttrValue.stRsrcMgmtStatus.stPrecondition;
-            type.pstrOtherPrecondition = clone(type.pstrOtherPrecondition);
-        }
-        target->pstAttrName = clone(source.pstAttrName);
-        return target;
+        return line(SDP_LINE_ATTRIBUTE, known);
     }
     SDPMediaField copyOf(SDPMediaField line) {
         line.stMedia.pstrOtherMedia = clone(line.stMedia.pstrOtherMedia);
@@ -155,15 +161,7 @@ private:
         }
         SDPTimeField **const items = allocateList<SDPTimeField>(count);
         for (uint32_t i = 0; good_ && i < count; ++i) {
-            const SDPTimeField &time = *source->ppstTimeFields[i];
-            void *made = nullptr;
-            if (time.pstRepeatFieldSet != nullptr) {
-                good_ = SdpCloneLine(block_, SDP_LINE_TIME, &time, &made) == 0;
-            } else if (auto *const flat = allocate<SDPTimeField>()) {
-                *flat = time;
-                made = flat;
-            }
-            items[i] = static_cast<SDPTimeField *>(made);
+            items[i] = line(SDP_LINE_TIME, *source->ppstTimeFields[i]);
         }
         body_.stTimeSet = {good_ ? count : 0, items};
     }
@@ -175,7 +173,7 @@ private:
         auto *const list = allocate<SDPAttrList>();
         SDPAttr **const items = allocateList<SDPAttr>(source.size());
         for (uint32_t i = 0; good_ && i < source.size(); ++i) {
-            items[i] = cloneOf(source[i]);
+            items[i] = clone(source[i]);
         }
         if (good_) {
             *list = {source.size(), items};
@@ -197,8 +195,12 @@ private:
     SDPMediaDesc *oneMedia(const MediaDraft &source) {
         auto *const target = allocate<SDPMediaDesc>();
         if (target != nullptr) {
-            *target = {copyOf(source.line),      clone(source.info), clone(source.connection),
-                       texts(source.bandwidths), clone(source.key),  attributes(source.attributes)};
+            *target = {copyOf(source.line),
+                       given(SDP_LINE_INFO, source.info),
+                       clone(source.connection),
+                       texts(source.bandwidths),
+                       given(SDP_LINE_KEY, source.key),
+                       attributes(source.attributes)};
         }
         return target;
     }

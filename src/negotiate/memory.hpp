@@ -123,9 +123,7 @@ public:
         const size_t fits =
             text.size() < sizeof bytes_ - size_ ? text.size() : sizeof bytes_ - size_;
         cut_ = cut_ || fits < text.size();
-        if (fits != 0) {
-            std::memcpy(bytes_ + size_, text.data(), fits);
-        }
+        text.copy(bytes_ + size_, fits);
         size_ += fits;
         return *this;
     }

@@ -17,18 +17,18 @@ uint32_t beforeCr(const SipString &text, uint32_t offset) {
 
 void rememberPlace(const SipString &text, const Position &position, SDPResult failure,
                    PlaceOf placeOf) {
-    const auto *const word = reinterpret_cast<const uint8_t *>(lastFailed.word);
+    const auto *const word = reinterpret_cast<const uint8_t *>(lastFailure.word);
     const uint8_t *const refused = word != nullptr ? word : position.at;
     const OriginalPlace place = placeOf(reinterpret_cast<const uint8_t *>(text.pcData), text.ulLen,
                                         static_cast<uint32_t>(refused - position.input));
     const uint32_t offset = beforeCr(text, place.offset);
-    lastFailure = {failure,    position.kind,
-                   place.line, offset - place.lineStart + 1,
-                   offset,     row(lastFailed.check).name};
+    lastFailure.refusal = {failure,    position.kind,
+                           place.line, offset - place.lineStart + 1,
+                           offset,     row(lastFailure.check).name};
 }
 
 void rememberCall(SDPResult result, Check check) {
-    lastFailure = {result, 0, 0, 0, 0, row(check).name};
+    lastFailure.refusal = {result, 0, 0, 0, 0, row(check).name};
 }
 
 } // namespace sdpline

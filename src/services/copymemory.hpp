@@ -75,6 +75,7 @@ public:
     bool failed() const { return at_ > block_->span.end; }
     void fail() { at_ = block_->span.end + 1; }
 
+    // Makes the allocations part of the block, or gives them up.
     void keep() const { block_->span.at = at_; }
     void drop() const { sipcore::forbid(block_->span.at, block_->span.room()); }
 
@@ -96,7 +97,7 @@ public:
 
 private:
     sipcore::Block *block_;
-    std::byte *at_; // where the next allocation goes; beyond the span after a failure
+    std::byte *at_; // where the next allocation is cut; after the end of the span once one failed
 };
 
 } // namespace sdpline
