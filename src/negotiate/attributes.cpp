@@ -84,7 +84,7 @@ const Row *rowOf(std::string_view name) {
         return nullptr;
     }
     for (uint8_t i = kChains.first[bucketOf(name)]; i != kNoRow; i = kChains.next[i]) {
-        if (kRows[i].name == name) {
+        if (same(kRows[i].name, name)) {
             return &kRows[i];
         }
     }

@@ -32,6 +32,9 @@ public:
         left_ -= rounded;
         return memory;
     }
+    // Where the next take() of at most `size` bytes will be; null when memory is exhausted.
+    char *room(size_t size) { return size <= left_ || refill(size) ? next_ : nullptr; }
+
     template <class T>
     T *make(size_t count = 1) {
         static_assert(std::is_trivially_copyable_v<T>);
@@ -133,8 +136,7 @@ public:
         if (!__builtin_constant_p(size) || size > sizeof bytes_ - size_) {
             return *this << std::string_view(text, size);
         }
-        std::memcpy(bytes_ + size_, text, size);
-        size_ += size;
+        size_ += std::string_view(text, size).copy(bytes_ + size_, size);
         return *this;
     }
     Text &operator<<(uint32_t number);

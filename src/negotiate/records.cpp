@@ -91,7 +91,7 @@ const SDPAttr *find(AttributeSpan attributes, uint32_t type) {
 const SDPAttr *find(AttributeSpan attributes, std::string_view name) {
     for (const SDPAttr *const attribute : attributes) {
         const SipString *const own = attribute->pstAttrName;
-        if (own != nullptr && own->ulLen == name.size() && otherName(*attribute) == name) {
+        if (own != nullptr && own->ulLen == name.size() && same(otherName(*attribute), name)) {
             return attribute;
         }
     }

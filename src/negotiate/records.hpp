@@ -7,6 +7,7 @@
 
 #include "sdpline/sdpline.hpp"
 #include "sdpline/sdpnegotiate.h"
+#include "text/bytes.hpp"
 
 namespace sdpline::negotiate {
 
@@ -57,6 +58,11 @@ bool sameLetters(std::string_view one, std::string_view two);
 // inlined.
 inline bool sameWord(std::string_view one, std::string_view two) {
     return one.size() == two.size() && sameLetters(one, two);
+}
+
+// Whether two names are the same. Most are a few bytes: no call compares them.
+inline bool same(std::string_view one, std::string_view two) {
+    return one.size() == two.size() && equalBytes(one.data(), two.data(), one.size());
 }
 
 bool hasWord(std::string_view text, std::string_view word); // inside, without case

@@ -5,7 +5,40 @@ namespace sdpline::negotiate {
 
 namespace {
 
-void writeSentence(Text &text, Reason reason, uint32_t stream, std::string_view detail) {
+// Text is appended without a check: there must be enough memory for it.
+class Writer {
+public:
+    explicit Writer(char *at) : at_(at) {}
+
+    template <size_t Size>
+    Writer &operator<<(const char (&text)[Size]) {
+        std::memcpy(at_, text, Size - 1);
+        at_ += Size - 1;
+        return *this;
+    }
+    Writer &operator<<(std::string_view text) {
+        at_ += text.copy(at_, text.size());
+        return *this;
+    }
+    Writer &operator<<(uint32_t number) {
+        if (number >= 10) {
+            return *this << (Text() << number).view();
+        }
+        *at_++ = static_cast<char>('0' + number);
+        return *this;
+    }
+
+    const char *end() const { return at_; }
+
+private:
+    char *at_;
+};
+
+// The longest text around a sentence and its detail.
+constexpr std::string_view kAround = "stream 4294967295 rejected:  ()";
+
+template <class Out>
+void writeSentence(Out &text, Reason reason, uint32_t stream, std::string_view detail) {
     const bool accepted = reason == Reason::Accepted;
     if (stream != kSession) {
         text << "stream " << stream + 1;
@@ -28,6 +61,25 @@ void writeSentence(Text &text, Reason reason, uint32_t stream, std::string_view 
     }
 }
 
+// The sentence in the arena; one that is longer than a Text is cut.
+std::string_view sentence(Arena &arena, Reason reason, uint32_t stream, std::string_view detail) {
+    const size_t most = kAround.size() + sentenceOf(reason).size() + detail.size();
+    if (most > SDP_MAX_VALUE) {
+        Text text;
+        writeSentence(text, reason, stream, detail);
+        return arena.copy(text.view());
+    }
+    char *const begin = arena.room(most);
+    if (begin == nullptr) {
+        return {};
+    }
+    Writer writer(begin);
+    writeSentence(writer, reason, stream, detail);
+    const auto size = static_cast<size_t>(writer.end() - begin);
+    arena.take(size);
+    return {begin, size};
+}
+
 } // namespace
 
 void Report::add(Reason reason, uint32_t stream, std::string_view detail, uint32_t payload) {
@@ -39,9 +91,7 @@ void Report::add(Reason reason, uint32_t stream, std::string_view detail, uint32
     if (decision == nullptr) {
         return;
     }
-    Text text;
-    writeSentence(text, reason, stream, detail);
-    *decision = {resultOf(reason), stream, payload, lent(arena.copy(text.view()))};
+    *decision = {resultOf(reason), stream, payload, lent(sentence(arena, reason, stream, detail))};
     decisions_.add(decision);
 }
 
