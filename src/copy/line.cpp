@@ -54,6 +54,10 @@ bool isUnusual(const SDPTimeField &time) {
 
 // ---- Copies in place
 
+sipcore::Block &blockOf(const SDPMemCp &memCp) {
+    return *static_cast<sipcore::Block *>(memCp.pService);
+}
+
 template <class Copier, class Record>
 inline void copyRecord(Copier &copier, const Record &source, Record &target) {
     copier.copy(source, target);
@@ -111,10 +115,38 @@ inline bool copyWithin(SDPMemCp &memCp, const SDPOrigin &source, SDPOrigin &targ
     return true;
 }
 
+// A list of payload numbers, and a type and a protocol that have codes.
+bool isUsual(const SDPMediaField &line) {
+    const SDPRtpPayLoads &numbers = line.stMediaFmt.unMediaFmt.stRtpPayLoads;
+    return line.stMedia.enMediaType != SDP_MEDIA_OTHER && line.stProto.enProto != SDP_PROTO_OTHER &&
+           line.stMediaFmt.enFmtType == SDP_FMT_RTP_PAYLOADS && numbers.pulPayLoads != nullptr &&
+           numbers.ulNoOfPayLoads <= SDP_MAX_PAYLOADS;
+}
+
+[[gnu::noinline]] bool copyUnusual(SDPMemCp &memCp, const SDPMediaField &source,
+                                   SDPMediaField &target) {
+    return copyWithin<SDPMediaField>(memCp, source, target);
+}
+
+inline bool copyWithin(SDPMemCp &memCp, const SDPMediaField &source, SDPMediaField &target) {
+    const SDPRtpPayLoads &from = source.stMediaFmt.unMediaFmt.stRtpPayLoads;
+    const uint32_t size = from.ulNoOfPayLoads * static_cast<uint32_t>(sizeof(uint32_t));
+    void *const numbers = isUsual(source) ? sipcore::cutSmall(blockOf(memCp), size) : nullptr;
+    if (numbers == nullptr) {
+        return copyUnusual(memCp, source, target);
+    }
+    target = source;
+    target.stMedia.pstrOtherMedia = nullptr;
+    target.stProto.pstrOtherProto = nullptr;
+    target.stMediaFmt.unMediaFmt.stRtpPayLoads.pulPayLoads = static_cast<uint32_t *>(numbers);
+    copyBytes(numbers, from.pulPayLoads, size);
+    return true;
+}
+
 inline bool copyWithin(SDPMemCp &memCp, const SipString &source, SipString &target) {
     const uint32_t size = source.ulLen;
-    auto &block = *static_cast<sipcore::Block *>(memCp.pService);
-    void *const bytes = source.pcData != nullptr ? sipcore::cutSmall(block, size) : nullptr;
+    void *const bytes =
+        source.pcData != nullptr ? sipcore::cutSmall(blockOf(memCp), size) : nullptr;
     if (bytes == nullptr) [[unlikely]] {
         return false;
     }
@@ -123,19 +155,27 @@ inline bool copyWithin(SDPMemCp &memCp, const SipString &source, SipString &targ
     return true;
 }
 
+// A record that refers to nothing else.
 template <class Record>
 inline Record *cloneWithin(SDPMemCp &memCp, const Record &source) {
-    RecordCopier copier{CutMemory(memCp)};
-    auto *const made = static_cast<Record *>(copier.memory().take(sizeof(Record)));
+    auto *const made = static_cast<Record *>(sipcore::cutSmall(blockOf(memCp), sizeof(Record)));
     if (made != nullptr) [[likely]] {
+        RecordCopier copier{CutMemory(memCp)};
         copyRecord(copier, source, *made);
-        if (!copier.failed()) [[likely]] {
-            copier.memory().keep();
-            return made;
-        }
-        copier.memory().drop();
     }
-    return nullptr;
+    return made;
+}
+
+inline SipString *cloneWithin(SDPMemCp &memCp, const SipString &source) {
+    char *bytes = nullptr;
+    auto *const made = source.pcData != nullptr
+                           ? sipcore::cutWithRecord<SipString>(blockOf(memCp), source.ulLen, bytes)
+                           : nullptr;
+    if (made != nullptr) [[likely]] {
+        *made = {source.ulLen, bytes};
+        copyBytes(bytes, source.pcData, source.ulLen);
+    }
+    return made;
 }
 
 [[gnu::noinline]] SDPResult copyByServices(SDPMemCp *memCp, uint32_t type, const void *source,
@@ -293,7 +333,7 @@ inline SDPAttr *cutNamedAttribute(CutMemory memory, const SDPAttr &source,
 inline SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void **target) {
     const auto &source = *static_cast<const SDPAttr *>(from);
     const AttributeLayout &layout = layoutOf(source);
-    auto &block = *static_cast<sipcore::Block *>(memCp->pService);
+    sipcore::Block &block = blockOf(*memCp);
     if (layout.refersToText) {
         return cloneWithText(block, layout, source, target);
     }
@@ -358,14 +398,14 @@ SDPResult SdpCloneLine(SDPMemCp *memCp, uint32_t type, const void *source, void 
         if (type == SDP_LINE_ATTRIBUTE) [[likely]] {
             return cloneAttribute(memCp, source, target);
         }
-        if (type >= SDP_LINE_INFO && type < SDP_LINE_COUNT) { // lines that are one text
-            return cloneInPlace<SipString>(memCp, type, source, target);
-        }
         if (type == SDP_LINE_CONNECTION) {
             return cloneInPlace<SDPConnection>(memCp, type, source, target);
         }
         if (type == SDP_LINE_TIME) {
             return cloneInPlace<SDPTimeField>(memCp, type, source, target);
+        }
+        if (type >= SDP_LINE_INFO && type < SDP_LINE_COUNT) { // lines that are one text
+            return cloneInPlace<SipString>(memCp, type, source, target);
         }
     }
     return isRefused(memCp, type, source, target) ? refuseClone()

@@ -181,6 +181,17 @@ TEST(CppMedia, LinesAreAddedByValueAndByText) {
               "video 0 RTP/AVP|application 5 TCP t120|audio 6 UDP/TLS/RTP/SAVPF 0 8");
     EXPECT_EQ(linesOf(written(body), 'a'), "sendrecv");
 
+    const DecodeOptions family{.rtpFamily = true};
+    EXPECT_FALSE(body.media().add("audio 7 UDP/TLS/RTP/SAVPF 111 0"));
+    const auto ofFamily = body.media().insert(0, "audio 7 UDP/TLS/RTP/SAVPF 111 0", family);
+    ASSERT_TRUE(ofFamily);
+    EXPECT_EQ(ofFamily->payloads().size(), 2u);
+    EXPECT_TRUE(body.media().remove(*ofFamily));
+    const auto last = body.media().add("audio 7 RTP/AVPF 111 0", family);
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->line().payloads.size(), 2u);
+    EXPECT_TRUE(body.media().remove(*last));
+
     const auto refused = body.media().add("audio 1 RTP/AVP x");
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().column, 17u);

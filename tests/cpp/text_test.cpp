@@ -45,6 +45,17 @@ TEST(CppText, OfValuesIsWhatTheEncoderWrites) {
     EXPECT_EQ(shown(Keyword<Protocol>("UDP/TLS/RTP/SAVPF")), "UDP/TLS/RTP/SAVPF");
 }
 
+TEST(CppText, OfTimesAndRepeats) {
+    Body body = decoded(kPlain);
+    EXPECT_DONE(body.times().add(1, 4294967295));
+    EXPECT_DONE(body.times().back().addRepeat(
+        {{7, TimeUnit::Days}, {1, TimeUnit::Hours}, {0}, {25, TimeUnit::Hours}}));
+    EXPECT_EQ(shown(body.times().back()), "1 4294967295");
+    std::ostringstream out;
+    out << body.times().back().repeats()[0];
+    EXPECT_EQ(out.str(), "7d 1h 0 25h");
+}
+
 TEST(CppText, OfWhatCannotBeWrittenIsTheReason) {
     EXPECT_EQ(shown(Connection{}), "[a connection has no address]");
     EXPECT_EQ(shown(Origin{.userName = ""}), "[a text is empty]");

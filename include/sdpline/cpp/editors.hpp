@@ -112,8 +112,9 @@ public:
     TimesEditor(internal::Memory memory, SDPTimeSet *set)
         : ListView(set, {memory}), memory_(memory), set_(set) {}
 
-    /* Adds a line at the end, in NTP seconds. Without any t= line the encoder writes "t=0 0"; of
-     * several it writes only the first one, with its r= lines. */
+    /* Adds a line at the end, in NTP seconds; back() is its editor, which adds r= lines. Without
+     * any t= line the encoder writes "t=0 0"; of several it writes only the first one, with its r=
+     * lines. */
     Status add(std::uint32_t start, std::uint32_t stop) {
         const SDPTimeField source = {start, stop, nullptr};
         return internal::insertItems(memory_, *set_, size(), 1, internal::CloneOf(source));
@@ -255,6 +256,10 @@ public:
     Result<MediaEditor> add(const MediaLine &line) { return put(size(), line); }
     /* The same by the text after "m=", such as "audio 49170 RTP/AVP 0 8", which is decoded. */
     Result<MediaEditor> add(std::string_view text) { return put(size(), text); }
+    /* The same with options: "audio 9 UDP/TLS/RTP/SAVPF 111 0" needs rtpFamily. */
+    Result<MediaEditor> add(std::string_view text, const DecodeOptions &options) {
+        return put(size(), text, &options);
+    }
     /* Adds a copy of a whole media description of this or another body. */
     Result<MediaEditor> add(const Media &media) { return put(size(), media); }
     /* The same with only those a= lines for which wanted(Attribute) is true. */
@@ -270,6 +275,10 @@ public:
     }
     Result<MediaEditor> insert(std::size_t index, std::string_view text) {
         return put(checked(index), text);
+    }
+    Result<MediaEditor> insert(std::size_t index, std::string_view text,
+                               const DecodeOptions &options) {
+        return put(checked(index), text, &options);
     }
     Result<MediaEditor> insert(std::size_t index, const Media &media) {
         return put(checked(index), media);
@@ -308,8 +317,9 @@ private:
         return putLine(index, draft.record);
     }
 
-    Result<MediaEditor> put(std::size_t index, std::string_view text) {
-        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nm=", text);
+    Result<MediaEditor> put(std::size_t index, std::string_view text,
+                            const DecodeOptions *options = nullptr) {
+        auto decoded = internal::decodeLine("v=0\no=- 0 0 IN IP4 0\ns=-\nm=", text, options);
         if (!decoded) {
             return decoded.error();
         }

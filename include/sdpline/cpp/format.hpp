@@ -19,8 +19,10 @@
 #include <format>
 #include <string_view>
 
+/* Ranges are formatted by the standard library (C++23); toText() makes a string of a Repeat. */
 template <sdpline::internal::HasText Value>
-struct std::formatter<Value, char> : std::formatter<std::string_view, char> {
+requires(!sdpline::internal::OwnsNothing<Value>) struct std::formatter<Value, char>
+    : std::formatter<std::string_view, char> {
     template <class Context>
     auto format(const Value &value, Context &context) const {
         return std::formatter<std::string_view, char>::format(sdpline::toText(value), context);

@@ -72,6 +72,24 @@ inline std::string toText(const TypedTime &time) {
     return time.unit == TimeUnit::Seconds ? text : text.append(wordOf(time.unit));
 }
 
+/* "0 0": the t= line without its r= lines. */
+inline std::string toText(const Time &time) {
+    std::string text;
+    internal::appendNumber(text, time.start());
+    text += ' ';
+    internal::appendNumber(text, time.stop());
+    return text;
+}
+
+/* "7d 1h 0 25h" */
+inline std::string toText(const Repeat &repeat) {
+    std::string text;
+    for (const TypedTime time : repeat) {
+        text.append(text.empty() ? "" : " ").append(toText(time));
+    }
+    return text;
+}
+
 /* "ptime:20": the text of an attribute, or of a value that AttributesEditor::add takes. */
 inline std::string toText(const Attribute &attribute) {
     return internal::textOr(std::nullopt, SDP_LINE_ATTRIBUTE, attribute.record());

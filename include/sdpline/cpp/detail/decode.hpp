@@ -107,14 +107,15 @@ inline Result<BodyHandle> decodeText(std::string_view text,
  * and
  * "=", included. The place of a failure is one in the line's text.
  */
-inline Result<BodyHandle> decodeLine(std::string_view begin, std::string_view text) {
+inline Result<BodyHandle> decodeLine(std::string_view begin, std::string_view text,
+                                     const DecodeOptions *options = nullptr) {
     std::array<char, SDP_MAX_BODY> body;
     if (const auto error = refusedText(text, body.size() - begin.size())) {
         return *error;
     }
     std::memcpy(body.data(), begin.data(), begin.size());
     std::memcpy(body.data() + begin.size(), text.data(), text.size());
-    auto decoded = decodeText({body.data(), begin.size() + text.size()});
+    auto decoded = decodeText({body.data(), begin.size() + text.size()}, options);
     if (decoded) {
         return decoded;
     }
