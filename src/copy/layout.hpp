@@ -87,12 +87,12 @@ inline const AttributeLayout &layoutOf(const SDPAttr &attribute) {
     return kAttributeLayouts[std::min<uint32_t>(attribute.ulAttrType, SDP_ATTR_UNKNOWN)];
 }
 
-inline const SipString &textOf(const SDPAttr &attribute, const AttributeLayout &layout) {
+inline const SipString &textAt(const SDPAttr &attribute, size_t offset) {
     return *reinterpret_cast<const SipString *>(reinterpret_cast<const char *>(&attribute) +
-                                                layout.text);
+                                                offset);
 }
-inline SipString &textOf(SDPAttr &attribute, const AttributeLayout &layout) {
-    return *reinterpret_cast<SipString *>(reinterpret_cast<char *>(&attribute) + layout.text);
+inline SipString &textAt(SDPAttr &attribute, size_t offset) {
+    return *reinterpret_cast<SipString *>(reinterpret_cast<char *>(&attribute) + offset);
 }
 
 template <class Word>

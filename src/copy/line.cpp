@@ -123,26 +123,6 @@ bool isUsual(const SDPMediaField &line) {
            numbers.ulNoOfPayLoads <= SDP_MAX_PAYLOADS;
 }
 
-[[gnu::noinline]] bool copyUnusual(SDPMemCp &memCp, const SDPMediaField &source,
-                                   SDPMediaField &target) {
-    return copyWithin<SDPMediaField>(memCp, source, target);
-}
-
-inline bool copyWithin(SDPMemCp &memCp, const SDPMediaField &source, SDPMediaField &target) {
-    const SDPRtpPayLoads &from = source.stMediaFmt.unMediaFmt.stRtpPayLoads;
-    const uint32_t size = from.ulNoOfPayLoads * static_cast<uint32_t>(sizeof(uint32_t));
-    void *const numbers = isUsual(source) ? sipcore::cutSmall(blockOf(memCp), size) : nullptr;
-    if (numbers == nullptr) {
-        return copyUnusual(memCp, source, target);
-    }
-    target = source;
-    target.stMedia.pstrOtherMedia = nullptr;
-    target.stProto.pstrOtherProto = nullptr;
-    target.stMediaFmt.unMediaFmt.stRtpPayLoads.pulPayLoads = static_cast<uint32_t *>(numbers);
-    copyBytes(numbers, from.pulPayLoads, size);
-    return true;
-}
-
 inline bool copyWithin(SDPMemCp &memCp, const SipString &source, SipString &target) {
     const uint32_t size = source.ulLen;
     void *const bytes =
@@ -199,6 +179,24 @@ template <class Record>
     const bool isDone = source != target && !isUnusual(from) &&
                         copyWithin(*memCp, from, *static_cast<Record *>(target));
     return isDone ? 0 : copyByServices(memCp, type, source, target);
+}
+
+[[gnu::noinline]] SDPResult copyMediaInPlace(SDPMemCp *memCp, const void *source, void *target) {
+    const auto &from = *static_cast<const SDPMediaField *>(source);
+    const SDPRtpPayLoads &list = from.stMediaFmt.unMediaFmt.stRtpPayLoads;
+    const uint32_t size = list.ulNoOfPayLoads * static_cast<uint32_t>(sizeof(uint32_t));
+    void *const numbers =
+        source != target && isUsual(from) ? sipcore::cutSmall(blockOf(*memCp), size) : nullptr;
+    if (numbers == nullptr) {
+        return copyInPlace<SDPMediaField>(memCp, SDP_LINE_MEDIA, source, target);
+    }
+    auto &to = *static_cast<SDPMediaField *>(target);
+    to = from;
+    to.stMedia.pstrOtherMedia = nullptr;
+    to.stProto.pstrOtherProto = nullptr;
+    to.stMediaFmt.unMediaFmt.stRtpPayLoads.pulPayLoads = static_cast<uint32_t *>(numbers);
+    copyBytes(numbers, list.pulPayLoads, size);
+    return 0;
 }
 
 [[gnu::noinline]] SDPResult cloneByServices(SDPMemCp *memCp, uint32_t type, const void *source,
@@ -279,9 +277,9 @@ template <class Record>
 // The record and its text are cut together. A text without bytes is cloned by requests.
 [[gnu::noinline]] SDPResult cloneWithText(sipcore::Block &block, const AttributeLayout &layout,
                                           const SDPAttr &source, void **target) {
-    const SipString &text = textOf(source, layout);
+    const SipString &text = textAt(source, layout.text);
     const char *const from = text.pcData;
-    const uint32_t size = text.ulLen;
+    const size_t size = text.ulLen;
     char *to = nullptr;
     auto *const made = from != nullptr ? sipcore::cutWithRecord<SDPAttr>(block, size, to) : nullptr;
     if (made == nullptr) [[unlikely]] {
@@ -289,7 +287,7 @@ template <class Record>
     }
     *target = made;
     copyKept(layout, source, *made);
-    textOf(*made, layout).pcData = to;
+    textAt(*made, layout.text).pcData = to;
     copyBytes(to, from, size);
     return 0;
 }
@@ -311,8 +309,8 @@ inline SDPAttr *cutNamedAttribute(CutMemory memory, const SDPAttr &source,
     }
     copyKept(layout, source, *made);
     if (!cutName(memory, source, *made) ||
-        (layout.text != 0 && !cutText(memory, textOf(source, layout), textOf(*made, layout))))
-        [[unlikely]] {
+        (layout.text != 0 &&
+         !cutText(memory, textAt(source, layout.text), textAt(*made, layout.text)))) [[unlikely]] {
         memory.drop();
         return nullptr;
     }
@@ -332,7 +330,10 @@ inline SDPAttr *cutNamedAttribute(CutMemory memory, const SDPAttr &source,
 
 inline SDPResult cloneAttribute(SDPMemCp *memCp, const void *from, void **target) {
     const auto &source = *static_cast<const SDPAttr *>(from);
-    const AttributeLayout &layout = layoutOf(source);
+    if (source.ulAttrType > kLastAttribute) [[unlikely]] {
+        return cloneByRequests<SDPAttr>(memCp, SDP_LINE_ATTRIBUTE, from, target);
+    }
+    const AttributeLayout &layout = kAttributeLayouts[source.ulAttrType];
     sipcore::Block &block = blockOf(*memCp);
     if (layout.refersToText) {
         return cloneWithText(block, layout, source, target);
@@ -376,7 +377,7 @@ SDPResult SdpCopyLine(SDPMemCp *memCp, uint32_t type, const void *source, void *
     if (builtin.copiesLines(*memCp) && target != nullptr) [[likely]] {
         switch (type) {
         case SDP_LINE_ORIGIN: return copyInPlace<SDPOrigin>(memCp, type, source, target);
-        case SDP_LINE_MEDIA: return copyInPlace<SDPMediaField>(memCp, type, source, target);
+        case SDP_LINE_MEDIA: return copyMediaInPlace(memCp, source, target);
         case SDP_LINE_NAME: return copyInPlace<SipString>(memCp, type, source, target);
         default: break;
         }

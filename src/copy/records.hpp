@@ -77,7 +77,7 @@ public:
                 type.enPreconditionType == SDP_PRECONDITION_OTHER, type.pstrOtherPrecondition);
         }
         if (layout.text != 0) {
-            copy(textOf(from, layout), textOf(to, layout));
+            copy(textAt(from, layout.text), textAt(to, layout.text));
         }
     }
     void copy(const SDPMediaField &from, SDPMediaField &to) {

@@ -23,7 +23,7 @@ public:
     // Returns memory that is not cleared; null when memory is exhausted. Small requests are cut
     // from a larger allocation. Nothing is freed before the block.
     void *take(size_t size) {
-        const size_t rounded = (size + kAlignment - 1) & ~(kAlignment - 1);
+        const size_t rounded = roundUp(size);
         if (rounded > left_ && !refill(rounded)) {
             return nullptr;
         }
@@ -32,8 +32,12 @@ public:
         left_ -= rounded;
         return memory;
     }
-    // Where the next take() of at most `size` bytes will be; null when memory is exhausted.
-    char *room(size_t size) { return size <= left_ || refill(size) ? next_ : nullptr; }
+    // Memory for at most `size` bytes, null when it is exhausted; keep() allocates what was used.
+    char *room(size_t size) { return size <= left_ || refill(roundUp(size)) ? next_ : nullptr; }
+    void keep(size_t size) {
+        next_ += roundUp(size);
+        left_ -= roundUp(size);
+    }
 
     template <class T>
     T *make(size_t count = 1) {
@@ -65,6 +69,9 @@ public:
 
 private:
     static constexpr size_t kAlignment = 8;
+    static constexpr size_t roundUp(size_t size) {
+        return (size + kAlignment - 1) & ~(kAlignment - 1);
+    }
     static constexpr uint32_t kAllocation = 2048;
 
     bool refill(size_t size);

@@ -76,7 +76,7 @@ std::string_view sentence(Arena &arena, Reason reason, uint32_t stream, std::str
     Writer writer(begin);
     writeSentence(writer, reason, stream, detail);
     const auto size = static_cast<size_t>(writer.end() - begin);
-    arena.take(size);
+    arena.keep(size);
     return {begin, size};
 }
 
