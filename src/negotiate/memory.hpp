@@ -33,7 +33,7 @@ public:
         return memory;
     }
     // Memory for at most `size` bytes, null when it is exhausted; keep() allocates what was used.
-    char *room(size_t size) { return size <= left_ || refill(roundUp(size)) ? next_ : nullptr; }
+    char *reserve(size_t size) { return size <= left_ || refill(roundUp(size)) ? next_ : nullptr; }
     void keep(size_t size) {
         next_ += roundUp(size);
         left_ -= roundUp(size);

@@ -69,7 +69,7 @@ std::string_view sentence(Arena &arena, Reason reason, uint32_t stream, std::str
         writeSentence(text, reason, stream, detail);
         return arena.copy(text.view());
     }
-    char *const begin = arena.room(most);
+    char *const begin = arena.reserve(most);
     if (begin == nullptr) {
         return {};
     }

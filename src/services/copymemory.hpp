@@ -77,7 +77,7 @@ public:
 
     // Makes the allocations part of the block, or gives them up.
     void keep() const { block_->span.at = at_; }
-    void drop() const { sipcore::forbid(block_->span.at, block_->span.room()); }
+    void drop() const { sipcore::forbid(block_->span.at, block_->span.size()); }
 
     SDPLINE_INLINE void *take(uint32_t size) {
         void *const memory = sipcore::cutSmall(*block_, at_, size);
