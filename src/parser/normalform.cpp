@@ -143,15 +143,41 @@ bool copyBody(const uint8_t *text, uint32_t length, uint8_t *out) {
     return !found.any();
 }
 
-OriginalPlace bodyPlace(const uint8_t *text, uint32_t length, uint32_t offset) {
-    OriginalPlace place = {std::min(offset, length), 1, 0};
-    for (uint32_t at = 0; at < place.offset; ++at) {
-        if (text[at] == '\n') {
-            ++place.line;
-            place.lineStart = at + 1;
+namespace {
+
+// The number of line feeds. Bytes of a mask count them for sixteen bytes at once.
+uint32_t countLines(const uint8_t *byte, const uint8_t *end) {
+    uint32_t count = 0;
+#ifdef __SSE2__
+    constexpr ptrdiff_t kMost = 255 * 16; // a byte of the sums counts up to 255
+    const __m128i lf = _mm_set1_epi8('\n');
+    for (const uint8_t *const last = end - (end - byte) % 16; byte != last;) {
+        const uint8_t *const stop = byte + std::min(last - byte, kMost);
+        __m128i sums = _mm_setzero_si128();
+        for (; byte != stop; byte += 16) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(byte));
+            sums = _mm_sub_epi8(sums, _mm_cmpeq_epi8(bytes, lf));
         }
+        sums = _mm_sad_epu8(sums, _mm_setzero_si128());
+        count += static_cast<uint32_t>(_mm_cvtsi128_si32(sums) +
+                                       _mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
     }
-    return place;
+#endif
+    for (; byte != end; ++byte) {
+        count += *byte == '\n' ? 1 : 0;
+    }
+    return count;
+}
+
+} // namespace
+
+OriginalPlace bodyPlace(const uint8_t *text, uint32_t length, uint32_t offset) {
+    const uint32_t place = std::min(offset, length);
+    uint32_t lineStart = place;
+    while (lineStart != 0 && text[lineStart - 1] != '\n') {
+        --lineStart;
+    }
+    return {place, 1 + countLines(text, text + lineStart), lineStart};
 }
 
 uint8_t *normalise(const uint8_t *text, uint32_t length, uint8_t *out) {

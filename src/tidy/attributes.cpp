@@ -1,9 +1,10 @@
 // Repairs of the a= line (RFC 4566 section 5.13): white space around its parts, a missing colon or
 // value. The form that the decoder accepts follows from the attribute's shape.
+#include "tidy/attributes.hpp"
+
 #include <array>
 
 #include "tidy/fields.hpp"
-#include "tidy/shapes.hpp"
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
@@ -20,21 +21,11 @@ constexpr auto kEndsName = [] {
     return ends;
 }();
 
-// Marks the colons among eight bytes, as bytesBelow does; after the first one, other bytes may be
-// marked too.
-uint64_t colonsIn(const char *bytes) {
-    constexpr uint64_t each = 0x0101010101010101;
-    uint64_t value;
-    std::memcpy(&value, bytes, sizeof value);
-    value ^= ':' * each;
-    return (value - each) & ~value & 0x80 * each;
-}
-
 std::string_view nameOf(std::string_view value) {
     const char *at = value.data();
     const char *const end = at + value.size();
     while (end - at >= 8) {
-        const uint64_t marks = bytesBelow(' ' + 1, at) | colonsIn(at);
+        const uint64_t marks = bytesBelow(' ' + 1, at) | bytesEqual(':', at);
         if (marks != 0) {
             at += bytesBefore(marks);
             break;
@@ -51,22 +42,16 @@ constexpr bool needsValue(Shape shape) {
     return shape != Shape::Flag && shape != Shape::MaybeWords && shape != Shape::Any;
 }
 
-// An attribute's name, and the text after it.
-struct Attribute {
-    explicit Attribute(std::string_view value)
-        : name(nameOf(value)), rest(value.data() + name.size(), value.size() - name.size()),
-          shape(shapeOf(name)) {}
-
-    std::string_view name;
-    std::string_view rest;
-    Shape shape;
-};
+// Whether a text has nothing but blanks. Most texts do not even end in one.
+bool isBlankText(std::string_view text) {
+    return text.empty() || (isBlank(text.back()) && withoutBlanksBefore(text).empty());
+}
 
 class AttributeLine {
 public:
     AttributeLine(Workspace &work, Line &line, const Attribute &attribute)
-        : work_(work), line_(line), name_(attribute.name), rest_(attribute.rest),
-          shape_(attribute.shape) {}
+        : work_(work), line_(line), name_(attribute.name.data(), attribute.name.size()),
+          rest_(attribute.rest.data(), attribute.rest.size()), shape_(attribute.shape) {}
 
     void repair() {
         if (name_.empty()) {
@@ -77,8 +62,7 @@ public:
         }
         if (rest_.front() == ':') {
             rest_.remove_prefix(1);
-            return withoutBlanksBefore(rest_).empty() && !isTextOfBlanks() ? valueMissing()
-                                                                           : repairValue();
+            return isBlankText(rest_) && !isTextOfBlanks() ? valueMissing() : repairValue();
         }
         if (withoutBlanksBefore(rest_).empty()) {
             return needsValue(shape_) ? valueMissing() : trailing();
@@ -165,7 +149,7 @@ private:
     void repairWord(std::string_view word) {
         if (work_.wants(Rule::SpaceRun)) {
             work_.report(Rule::SpaceRun, line_, rest_.data());
-            cutOut(work_, line_, rest_.data(), word.data());
+            cutOut(line_, rest_.data(), word.data());
         }
     }
 
@@ -221,9 +205,28 @@ private:
     Shape shape_;
 };
 
-// Whether the attribute certainly needs no repair, as most do not.
+} // namespace
+
+// Most attributes are a=rtpmap, whose name needs no lookup.
+Attribute::Attribute(std::string_view value) {
+    constexpr char begin[] = "rtpmap:";
+    if (beginsWith(value, begin)) {
+        name = {value.data(), sizeof begin - 2};
+        rest = withoutFirst(value, name.size());
+        shape = Shape::Rtpmap;
+        rtpmap = lookAtRtpmap(withoutFirst(rest, 1));
+    } else {
+        name = nameOf(value);
+        rest = withoutFirst(value, name.size());
+        shape = shapeOf(name);
+    }
+}
+
 bool isPlain(const Attribute &attribute) {
     const std::string_view rest = attribute.rest;
+    if (attribute.shape == Shape::Rtpmap) {
+        return attribute.rtpmap == Rtpmaps::Plain;
+    }
     if (rest.empty()) {
         return !attribute.name.empty() && !needsValue(attribute.shape);
     }
@@ -239,16 +242,11 @@ bool isPlain(const Attribute &attribute) {
     }
 }
 
-} // namespace
-
-void repairAttribute(Workspace &work, Line &line, std::string_view value) {
-    constexpr char rtpmap[] = "rtpmap:";
-    if (beginsWith(value, rtpmap) &&
-        isSettledRtpmap(work, line, withoutFirst(value, sizeof rtpmap - 1))) {
-        return;
-    }
-    const Attribute attribute(value);
-    if (!isPlain(attribute) && !endsTwice(work, line)) {
+void repairAttribute(Workspace &work, Line &line, const Attribute &attribute) {
+    const bool isInPlace = attribute.name.data() == line.text.data() + 2;
+    if (attribute.rtpmap == Rtpmaps::AfterBlanks && isInPlace) {
+        closeRtpmap(work, line, withoutFirst(attribute.rest, 1));
+    } else if (!endsTwice(work, line)) {
         AttributeLine(work, line, attribute).repair();
     }
 }

@@ -4,12 +4,25 @@
 
 namespace sdpline::tidy {
 
+// Member by member, because GCC clears the whole record with a string instruction, which takes
+// longer: a report is cleared for every text, repaired or not.
+void clear(SDPTidyReport &report) {
+    report.enOutcome = 0;
+    report.strText = {};
+    report.ulNoOfRows = 0;
+    report.pstRows = nullptr;
+    report.stFailure = {};
+    report.stRemaining = {};
+    report.pstLine = nullptr;
+    report.pstMemCp = nullptr;
+}
+
 bool begin(const SipString *text, const SDPTidyOptions *options, SDPTidyReport *report,
            Request &request) {
     if (report == nullptr) {
         return false;
     }
-    *report = {};
+    clear(*report);
     report->enOutcome = SDP_TIDY_REFUSED;
     if (text == nullptr || text->pcData == nullptr || text->ulLen == 0 ||
         text->ulLen > SDP_MAX_LONG_BODY) {

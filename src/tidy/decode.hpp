@@ -18,6 +18,8 @@ inline std::string_view viewOf(const SipString &text) {
     return {text.pcData, text.ulLen};
 }
 
+void clear(SDPTidyReport &report);
+
 // Clears the report and sets the request. Returns false for a refused argument.
 bool begin(const SipString *text, const SDPTidyOptions *options, SDPTidyReport *report,
            Request &request);

@@ -62,7 +62,7 @@ void Fields::write(Workspace &work, Line &line, std::string_view key) {
         work.report(Rule::TrailingSpace, line, trailing_);
     }
     if (!changed_ && isOneCut_ && begin_ == line.text.data() + key.size()) {
-        return cut(work, line);
+        return cut(line);
     }
     size_t size = key.size();
     for (uint32_t i = 0; i < count_; ++i) {
@@ -77,13 +77,13 @@ void Fields::write(Workspace &work, Line &line, std::string_view key) {
 }
 
 // Repairs a line that is still the given one: shortens it, or removes white space at one place.
-void Fields::cut(Workspace &work, Line &line) const {
+void Fields::cut(Line &line) const {
     if (trailing_ != nullptr) {
         line.text = line.text.substr(0, static_cast<size_t>(trailing_ - line.text.data()));
     }
     if (const char *const from = leading_ != nullptr ? leading_ : run_; from != nullptr) {
         const char *const to = afterBlanks(from, line.text.data() + line.text.size());
-        cutOut(work, line, leading_ != nullptr ? from : from + 1, to);
+        cutOut(line, leading_ != nullptr ? from : from + 1, to);
     }
 }
 

@@ -44,7 +44,7 @@ public:
     void write(Workspace &work, Line &line, std::string_view key);
 
 private:
-    void cut(Workspace &work, Line &line) const;
+    void cut(Line &line) const;
     std::string_view blankAfter(uint32_t index) const;
 
     // Not initialised before it is counted.

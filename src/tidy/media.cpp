@@ -1,4 +1,6 @@
 // Repairs of the m= line (RFC 4566 section 5.14): white space between its fields, missing formats.
+#include <algorithm>
+
 #include "sdpline/cpp/detail/keywords.hpp"
 #include "tidy/values.hpp"
 
@@ -9,9 +11,8 @@ namespace {
 constexpr uint32_t kBeforeFormats = 3; // media, port, protocol
 
 // The payload number of an a=rtpmap line, empty for any other line.
-std::string_view payloadOf(const Line &line) {
+std::string_view payloadOf(std::string_view value) {
     constexpr std::string_view begin = "a=rtpmap:";
-    std::string_view value = line.text;
     if (value.starts_with(kKept)) { // a payload without a mapping
         value.remove_prefix(kKept.size());
     }
@@ -86,8 +87,7 @@ private:
             line_.text = line_.text.substr(0, static_cast<size_t>(end - line_.text.data()));
         }
         if (run_ != nullptr) {
-            cutOut(work_, line_, run_ + 1,
-                   afterBlanks(run_, line_.text.data() + line_.text.size()));
+            cutOut(line_, run_ + 1, afterBlanks(run_, line_.text.data() + line_.text.size()));
         }
     }
 
@@ -145,10 +145,16 @@ private:
 
     template <class Use>
     void eachPayload(Use use) const {
-        const Line *const end = work_.lines + work_.lineCount;
-        for (const Line *line = &line_ + 1; rtp_ && line != end && line->key != 'm'; ++line) {
-            if (const std::string_view payload = payloadOf(*line); !payload.empty()) {
-                use(payload);
+        Line *const end = work_.lines + work_.entryCount;
+        for (Line *line = &line_ + 1; rtp_ && line != end && line->key != 'm'; ++line) {
+            join(work_, *line);
+            size_t size = 0;
+            for (std::string_view lines = line->text; !lines.empty();
+                 lines = withoutFirst(lines, size)) {
+                size = std::min(lines.find('\n'), lines.size() - 1) + 1;
+                if (const auto payload = payloadOf(lines.substr(0, size)); !payload.empty()) {
+                    use(payload);
+                }
             }
         }
     }

@@ -1,46 +1,16 @@
 // Repairs of the order of lines (RFC 4566 section 5): lines that belong to the session or to a
 // media description, duplicate and misplaced lines, and missing lines.
+#include "tidy/sequence.hpp"
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
 
 namespace {
 
-constexpr uint8_t kRanks = 14; // the rank of a line that does not belong where it is
-
-// The order of lines, and the rank of each letter.
-struct Order {
-    explicit constexpr Order(std::string_view letters) : keys(letters) {
-        for (uint8_t &rank : ranks) {
-            rank = kRanks;
-        }
-        for (size_t rank = 0; rank < keys.size(); ++rank) {
-            ranks[keys[rank] - 'a'] = static_cast<uint8_t>(rank);
-        }
-    }
-
-    constexpr uint8_t rankOf(char key) const {
-        return key >= 'a' && key <= 'z' ? ranks[key - 'a'] : kRanks;
-    }
-
-    constexpr uint8_t last() const { return static_cast<uint8_t>(keys.size() - 1); }
-
-    std::string_view keys;
-    uint8_t ranks[26] = {};
-};
-
-// An r= line after a t= line gets the rank of t=, so that it stays with it.
-constexpr Order kSessionOrder("vosiuepcbtrzka");
-constexpr Order kMediaOrder("micbka");
-static_assert(kSessionOrder.keys.back() == 'a' && kMediaOrder.keys.back() == 'a');
-static_assert(kSessionOrder.keys.size() == kRanks && kMediaOrder.keys.size() <= kRanks);
-
 // Lines between s= and t= that may be followed neither by an m= line nor by an attribute.
 constexpr uint32_t kNeedTime = lettersOf("iuepb");
 // Lines after t=.
 constexpr uint32_t kAfterTime = lettersOf("zka");
-// Lines that may occur once. The first of a kind is kept, but the last of c= lines.
-constexpr uint32_t kSingle = lettersOf("osiuczk");
 constexpr uint32_t kOfSession = lettersOf("osueptrz");
 
 // The session, or one media description: its lines, and those that are moved to it.
@@ -122,6 +92,8 @@ private:
 
     // For two lines of a kind that may occur once: returns true if the later one is removed.
     bool isLeftOut(Line &first, Line &later) {
+        join(work_, first);
+        join(work_, later);
         if (first.text == later.text) {
             return drop(Rule::LineTwice, later);
         }
@@ -213,13 +185,17 @@ public:
     explicit Arranger(Workspace &work) : work_(work), session_(work, kSessionOrder) {}
 
     LineList run() {
-        Line *const end = work_.lines + work_.lineCount;
+        Line *const end = work_.lines + work_.entryCount;
         Line *media = work_.lines;
         while (media != end && media->key != 'm') {
             add(session_, *media++);
         }
         LineList descriptions;
         for (Line *line = media; line != end;) {
+            if (line->isWhole) {
+                descriptions.append(*line++);
+                continue;
+            }
             Section description(work_, kMediaOrder);
             do {
                 addBelow(description, *line++);
@@ -260,7 +236,7 @@ private:
         if (work_.goesOn) {
             return; // the missing lines may follow the empty line
         }
-        const Line *const end = work_.lines + work_.lineCount;
+        const Line *const end = work_.lines + work_.entryCount;
         const Line *begin = work_.lines;
         while (begin != end - 1 && begin->rank == kNotWritten) {
             ++begin;

@@ -10,8 +10,8 @@ namespace {
 constexpr std::string_view kIp4 = "IP4";
 constexpr std::string_view kIp6 = "IP6";
 
-constexpr bool isAddressType(std::string_view word) {
-    return word == kIp4 || word == kIp6;
+inline bool isAddressType(std::string_view word) {
+    return equals(word, "IP4") || equals(word, "IP6");
 }
 
 // Whether a word is an IPv6 address, or one with a "/" after it.
@@ -189,48 +189,81 @@ private:
     Fields &fields_;
 };
 
-// Whether the fields are those of an origin with one blank between each two, but at most at one
-// place two or more: `run` is the second of those blanks, or null.
-bool isOrigin(std::string_view value, const char *&run) {
-    constexpr uint32_t fields = 6;
-    const char *at = value.data();
-    const char *const end = at + value.size();
-    run = nullptr;
-    for (uint32_t field = 0;; ++field) {
-        const char *const begin = at;
-        at = findBlank(at, end);
-        const std::string_view word(begin, static_cast<size_t>(at - begin));
-        if (word.empty() || ((field == 1 || field == 2) && !isNumber(word)) ||
-            (field == 3 && word != "IN") || (field == 4 && !isAddressType(word))) {
+// Scans the fields of an origin. There is one blank between each two of them, and at one place at
+// most there may be more.
+class OriginScan {
+public:
+    explicit OriginScan(std::string_view value) : at_(value.data()), end_(at_ + value.size()) {}
+
+    // user SP sess-id SP sess-version SP "IN" SP ( "IP4" / "IP6" ) SP address
+    bool passes() {
+        return word() && gap() && number() && gap() && number() && gap() && isNext("IN") && gap() &&
+               (isNext("IP4") || isNext("IP6")) && gap() && word() && at_ == end_;
+    }
+
+    // The second blank where there are more than one, else null.
+    const char *run() const { return run_; }
+
+private:
+    SDPLINE_INLINE bool word() {
+        const char *const begin = at_;
+        while (at_ != end_ && !isBlank(*at_)) {
+            ++at_;
+        }
+        return at_ != begin;
+    }
+
+    SDPLINE_INLINE bool number() {
+        const char *const begin = at_;
+        while (end_ - at_ >= 8 && areEightDigits(at_)) {
+            at_ += 8;
+        }
+        while (at_ != end_ && isDigit(*at_)) {
+            ++at_;
+        }
+        return at_ != begin;
+    }
+
+    template <size_t kSize>
+    SDPLINE_INLINE bool isNext(const char (&literal)[kSize]) {
+        const bool is = beginsWith({at_, static_cast<size_t>(end_ - at_)}, literal);
+        at_ += is ? kSize - 1 : 0;
+        return is;
+    }
+
+    SDPLINE_INLINE bool gap() {
+        if (at_ == end_ || *at_ != ' ') {
             return false;
         }
-        if (field + 1 == fields || at == end || *at != ' ') {
-            return field + 1 == fields && at == end;
+        if (++at_ != end_ && isBlank(*at_)) {
+            const bool isFirst = run_ == nullptr;
+            run_ = at_;
+            at_ = afterBlanks(at_, end_);
+            return isFirst;
         }
-        if (++at != end && isBlank(*at)) {
-            if (run != nullptr) {
-                return false;
-            }
-            run = at;
-            at = afterBlanks(at, end);
-        }
+        return true;
     }
-}
+
+    const char *at_;
+    const char *end_;
+    const char *run_ = nullptr;
+};
 
 } // namespace
 
 // user SP sess-id SP sess-version SP "IN IP4" SP address, or IP6
 bool isPlainOrigin(std::string_view value) {
-    const char *run;
-    return isOrigin(value, run) && run == nullptr;
+    OriginScan scan(value);
+    return scan.passes() && scan.run() == nullptr;
 }
 
 void repairOrigin(Workspace &work, Line &line, std::string_view value) {
-    const char *run;
-    if (value.data() == line.text.data() + 2 && isOrigin(value, run)) {
+    OriginScan scan(value);
+    if (value.data() == line.text.data() + 2 && scan.passes()) {
+        const char *const run = scan.run();
         if (run != nullptr && work.wants(Rule::SpaceRun)) {
             work.report(Rule::SpaceRun, line, run - 1);
-            cutOut(work, line, run, afterBlanks(run, value.data() + value.size()));
+            cutOut(line, run, afterBlanks(run, value.data() + value.size()));
         }
         return;
     }

@@ -132,30 +132,59 @@ private:
     std::string_view rate_; // the missing one, if registered
 };
 
+// Returns the first slash, else the end.
+const char *findSlash(const char *at, const char *end) {
+    for (; end - at >= 8; at += 8) {
+        if (const uint64_t slashes = bytesEqual('/', at); slashes != 0) {
+            at += bytesBefore(slashes);
+            break;
+        }
+    }
+    while (at != end && *at != '/') {
+        ++at;
+    }
+    return at;
+}
+
+const char *afterDigits(const char *at, const char *end) {
+    while (at != end && isDigit(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+// payload SP name "/" clock-rate [ "/" channels ], with no other white space
+bool isSettled(const char *at, const char *end) {
+    const char *const gap = afterDigits(at, end);
+    const char *const slash = findSlash(gap, end);
+    if (gap == at || slash == end || slash - gap < 2 || *gap != ' ' || isBlank(gap[1]) ||
+        isBlank(slash[-1])) {
+        return false;
+    }
+    const char *const rate = afterDigits(slash + 1, end);
+    if (rate == end || *rate != '/') {
+        return rate == end && rate - slash > 1;
+    }
+    const char *const channels = afterDigits(rate + 1, end);
+    return channels == end && channels - rate > 1 && rate - slash > 1;
+}
+
 } // namespace
 
-// payload SP name clock, with blanks only before the payload
-bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value) {
-    const std::string_view bare = withoutBlanksBefore(value);
-    const size_t digits = countDigits(bare);
-    const size_t slash = bare.find('/');
-    if (digits == 0 || slash == std::string_view::npos || slash < digits + 2 ||
-        bare[digits] != ' ' || isBlank(bare[digits + 1]) || isBlank(bare[slash - 1]) ||
-        !isClock(withoutFirst(bare, slash))) {
-        return false;
+Rtpmaps lookAtRtpmap(std::string_view value) {
+    const char *const end = value.data() + value.size();
+    const char *const bare = afterBlanks(value.data(), end);
+    if (!isSettled(bare, end)) {
+        return Rtpmaps::Other;
     }
-    if (bare.size() == value.size()) {
-        return true;
-    }
-    constexpr size_t begin = std::string_view("a=rtpmap:").size();
-    if (value.data() != line.text.data() + begin) {
-        return false;
-    }
+    return bare == value.data() ? Rtpmaps::Plain : Rtpmaps::AfterBlanks;
+}
+
+void closeRtpmap(Workspace &work, Line &line, std::string_view value) {
     if (work.wants(Rule::RtpmapSpace) && !endsTwice(work, line)) {
         work.report(Rule::RtpmapSpace, line, value.data());
-        cutOut(work, line, value.data(), bare.data());
+        cutOut(line, value.data(), withoutBlanksBefore(value).data());
     }
-    return true;
 }
 
 void repairRtpmap(Workspace &work, Line &line, std::string_view value) {

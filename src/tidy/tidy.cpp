@@ -18,78 +18,121 @@ constexpr uint32_t kBlockMore = 1536;
 
 // ---- The repaired text
 
-// Adds a line end to the last line of the given text if another line follows it now.
-void endLast(Workspace &work, LineList &lines) {
-    Line &last = work.lines[work.lineCount - 1];
-    if (last.end.empty() && last.rank != kNotWritten && &last != lines.last) {
-        last.end = work.lineEnd;
-        lines.size += last.end.size();
+// Calls `use` for each line that is written, in the order of writing.
+template <class Use>
+void eachLine(const Workspace &work, const LineList &arranged, Use use) {
+    if (!work.inOrder) {
+        for (Line *line = arranged.first; line != nullptr; line = line->next) {
+            use(*line);
+        }
+        return;
+    }
+    Line *const end = work.lines + work.entryCount;
+    for (Line *line = work.lines; line != end; ++line) {
+        if (line->rank != kNotWritten) {
+            use(*line);
+        }
     }
 }
 
-// The number of CR LF in the lines and after them.
-uint32_t countCr(const Workspace &work, const LineList &lines) {
-    uint32_t count = 0;
-    for (const Line *line = lines.first; line != nullptr; line = line->next) {
-        count += line->end.size() == 2 ? 1 : 0;
+// Adds a line end to the last line of the given text if another line follows it now.
+void endLast(Workspace &work, const LineList &arranged) {
+    Line &last = work.lines[work.entryCount - 1];
+    if (last.end.empty() && last.rank != kNotWritten && &last != arranged.last) {
+        last.end = work.lineEnd;
     }
-    for (size_t at = work.tail.find("\r\n"); at != std::string_view::npos;
-         at = work.tail.find("\r\n", at + 2)) {
+}
+
+uint32_t countCrLf(std::string_view text) {
+    uint32_t count = 0;
+    for (size_t at = text.find("\r\n"); at != std::string_view::npos;
+         at = text.find("\r\n", at + 2)) {
         ++count;
     }
     return count;
 }
 
-void writeTail(Draft &draft, std::string_view tail, bool withoutCr) {
-    while (withoutCr) {
-        const size_t at = tail.find("\r\n");
-        if (at == std::string_view::npos) {
-            break;
-        }
-        draft << tail.substr(0, at);
-        tail.remove_prefix(at + 1);
-    }
-    draft << tail;
+size_t sizeOf(const Workspace &work, const LineList &arranged) {
+    size_t size = work.tail.size();
+    eachLine(work, arranged, [&](const Line &line) { size += line.size(); });
+    return size;
 }
 
-std::string_view textOf(Workspace &work, LineList &lines, uint32_t limit) {
-    endLast(work, lines);
-    const size_t size = lines.size + work.tail.size();
+// The number of CR LF in the lines and after them.
+uint32_t countCr(const Workspace &work, const LineList &arranged) {
+    uint32_t count = countCrLf(work.tail);
+    eachLine(work, arranged, [&](const Line &line) {
+        count += countCrLf(line.text) + (line.end.size() == 2 ? 1 : 0);
+    });
+    return count;
+}
+
+void writeWithoutCr(Draft &draft, std::string_view text) {
+    for (size_t at = text.find("\r\n"); at != std::string_view::npos; at = text.find("\r\n")) {
+        draft << text.substr(0, at);
+        text = withoutFirst(text, at + 1);
+    }
+    draft << text;
+}
+
+SDPLINE_INLINE void writeLine(Draft &draft, const Line &line) {
+    const bool isCut = !line.more.empty();
+    const std::string_view last = isCut ? line.more : line.text;
+    if (isCut) {
+        draft << line.text;
+    }
+    if (last.data() + last.size() == line.end.data()) [[likely]] {
+        draft << std::string_view(last.data(), last.size() + line.end.size());
+    } else {
+        draft << last << line.end;
+    }
+}
+
+// Writes the lines and sets their new numbers.
+void writeLines(Draft &draft, const Workspace &work, const LineList &arranged, bool withoutCr) {
+    uint32_t number = 1;
+    eachLine(work, arranged, [&](Line &line) {
+        line.newNumber = number;
+        number += line.count;
+        if (withoutCr) {
+            writeWithoutCr(draft, line.text);
+            draft << line.more << withoutFirst(line.end, line.end.size() == 2 ? 1 : 0);
+        } else {
+            writeLine(draft, line);
+        }
+    });
+}
+
+std::string_view textOf(Workspace &work, const LineList &arranged, uint32_t limit) {
+    const size_t size = sizeOf(work, arranged);
     bool withoutCr = false;
     if (size > limit && work.wants(Rule::LineEndSize)) {
-        const uint32_t count = countCr(work, lines);
+        const uint32_t count = countCr(work, arranged);
         withoutCr = count != 0 && size - count <= limit;
     }
     work.memory.leaveBuffer(size + (work.foundCount() + 2) * sizeof(SDPTidyRow));
     Draft draft(work.memory, size);
-    uint32_t number = 0;
-    for (Line *line = lines.first; line != nullptr; line = line->next) {
-        line->newNumber = ++number;
-        if (withoutCr && line->end.size() == 2) {
-            line->end.remove_prefix(1);
-        }
-        if (line->end.data() == line->text.data() + line->text.size()) {
-            draft << std::string_view(line->text.data(), line->text.size() + line->end.size());
-        } else {
-            draft << line->text << line->end;
-        }
-    }
-    writeTail(draft, work.tail, withoutCr);
+    writeLines(draft, work, arranged, withoutCr);
     if (withoutCr) {
         const Line &first = work.lines[0];
+        writeWithoutCr(draft, work.tail);
         work.report(Rule::LineEndSize, first, first.original.data() + first.original.size());
+    } else {
+        draft << work.tail;
     }
     return draft.text();
 }
 
 // ---- The report
 
+uint32_t placeOf(const Workspace &work, const Line &line) {
+    return static_cast<uint32_t>(line.original.data() - work.text.data());
+}
+
 SDPTidyRow rowOf(const Workspace &work, const Found &found) {
     const Line &line = *found.line;
-    const Line &given = work.lines[line.number - 1];
-    const auto begin = static_cast<uint32_t>(given.original.data() - work.text.data());
-    return {static_cast<uint32_t>(found.rule), line.number, found.offset + 1, begin + found.offset,
-            line.newNumber};
+    return {static_cast<uint32_t>(found.rule), line.number, found.offset + 1,
+            placeOf(work, line) + found.offset, line.newNumber};
 }
 
 // Sorts the rows in the order of the text, by counting.
@@ -128,23 +171,32 @@ SDPTidyRow *rowsOf(Workspace &work) {
     return done == count || sortRows(work, rows, count) ? rows : nullptr;
 }
 
+// The offset of one of several lines, which are counted from 0.
+uint32_t beginOf(std::string_view lines, uint32_t which) {
+    size_t begin = 0;
+    for (; which != 0; --which) {
+        begin = lines.find('\n', begin) + 1;
+    }
+    return static_cast<uint32_t>(begin);
+}
+
 // Converts the place of a failure in the repaired text to one in the given text. For a line that
 // was written again it is the start of the line.
 SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure failure) {
     if (failure.ulLine == 0) {
         return failure; // of the whole text
     }
-    for (const Line *line = lines.first; line != nullptr; line = line->next) {
-        if (line->newNumber != failure.ulLine) {
-            continue;
-        }
-        const Line &given = work.lines[line->number - 1];
-        const bool same =
-            line->text.data() == line->original.data() && line->text.data() != nullptr;
-        failure.ulLine = line->number;
+    const Line *found = nullptr;
+    eachLine(work, lines, [&](const Line &line) {
+        found = failure.ulLine - line.newNumber < line.count ? &line : found;
+    });
+    if (found != nullptr) {
+        const uint32_t which = failure.ulLine - found->newNumber;
+        const bool same = found->text.data() == found->original.data() && found->more.empty();
+        failure.ulLine = found->number + which;
         failure.ulColumn = same ? failure.ulColumn : 1;
         failure.ulOffset =
-            static_cast<uint32_t>(given.original.data() - work.text.data()) + failure.ulColumn - 1;
+            placeOf(work, *found) + beginOf(found->text, which) + failure.ulColumn - 1;
         return failure;
     }
     // The empty line that ends the description, or the end of the text.
@@ -171,16 +223,20 @@ public:
     SDPResult run() {
         if (const SDPFailure &failure = report_.stFailure; failure.ulLine != 0) {
             work_.takenCount = failure.ulLine - 1;
-            work_.takenSize = failure.ulOffset;
+            work_.takenSize = failure.ulOffset - (failure.ulColumn - 1);
         }
-        if (!cutLines(work_)) {
+        readLines(work_);
+        if (work_.memory.hasFailed()) {
             return SDP_TIDY_NO_MEMORY;
         }
         if (work_.hasSecondVersion) {
             return report_.stFailure.ulResult;
         }
-        repairLines(work_);
-        LineList lines = arrange(work_);
+        LineList lines;
+        if (!work_.inOrder) {
+            lines = arrange(work_);
+            endLast(work_, lines);
+        }
         const std::string_view text = textOf(work_, lines, request_.decode.ulMaxBodySize);
         if (work_.memory.hasFailed()) {
             return SDP_TIDY_NO_MEMORY;
@@ -255,7 +311,7 @@ void SdpTidyRelease(SDPTidyReport *pstReport) {
         SDPMemCp *memCp = pstReport->pstMemCp;
         SdpLibReleaseSdp(&line);
         SipMmReleaseBufMem(&memCp);
-        *pstReport = {};
+        clear(*pstReport);
     }
 }
 

@@ -1,6 +1,7 @@
 // Repairs within a line: white space around its "=", lines of few fields, and the dispatch by kind.
 #include "tidy/values.hpp"
 
+#include "tidy/attributes.hpp"
 #include "tidy/fields.hpp"
 
 namespace sdpline::tidy {
@@ -110,19 +111,19 @@ constexpr bool isAddressPart(std::string_view text) {
 
 // Whether the line certainly needs no repair, as most lines do not.
 bool isPlain(const Line &line) {
-    constexpr std::string_view ip4 = "c=IN IP4 ";
+    constexpr char ip4[] = "IN IP4 ";
     if (line.text.size() < 3 || line.text[1] != '=') {
         return false;
     }
     const std::string_view value = withoutFirst(line.text, 2);
     switch (line.key) {
-    case 'v': return value == withoutFirst(kVersionLine, 2);
-    case 't': return value == withoutFirst(kTimeLine, 2);
+    case 'v': return equals(value, "0");
+    case 't': return equals(value, "0 0");
     case 'm': return isPlainMedia(value);
     case 'o': return isPlainOrigin(value);
     case 'c':
-        return line.text.starts_with(ip4) && line.text.size() != ip4.size() &&
-               isAddressPart(withoutFirst(line.text, ip4.size()));
+        return value.size() >= sizeof ip4 && beginsWith(value, ip4) &&
+               isAddressPart(withoutFirst(value, sizeof ip4 - 1));
     default: return isText(line.key);
     }
 }
@@ -130,31 +131,31 @@ bool isPlain(const Line &line) {
 } // namespace
 
 bool endsTwice(const Workspace &work, const Line &line) {
-    return line.text.find('\r') != std::string_view::npos ||
-           (work.hasNul && line.text.find('\0') != std::string_view::npos);
+    return work.hasInnerEnd && (line.text.find('\r') != std::string_view::npos ||
+                                line.text.find('\0') != std::string_view::npos);
 }
 
-// The line end is copied too if it follows the line, so that both are written at once.
-void cutOut(Workspace &work, Line &line, const char *from, const char *to) {
-    const char *const end = line.text.data() + line.text.size();
-    const size_t endSize = line.end.data() == end ? line.end.size() : 0;
-    const auto before = static_cast<size_t>(from - line.text.data());
-    const auto after = static_cast<size_t>(end - to);
-    auto *const copy = work.memory.array<char>(before + after + endSize);
-    if (copy == nullptr) {
-        return;
-    }
-    std::memcpy(copy, line.text.data(), before);
-    std::memcpy(copy + before, to, after + endSize);
-    line.text = {copy, before + after};
-    if (endSize != 0) {
-        line.end = {copy + before + after, endSize};
+void cutOut(Line &line, const char *from, const char *to) {
+    const char *const begin = line.text.data();
+    const char *const end = begin + line.text.size();
+    line.text = {begin, static_cast<size_t>(from - begin)};
+    line.more = {to, static_cast<size_t>(end - to)};
+}
+
+void join(Workspace &work, Line &line) {
+    if (!line.more.empty()) {
+        line.text =
+            (Draft(work.memory, line.text.size() + line.more.size()) << line.text << line.more)
+                .text();
+        line.more = {};
     }
 }
 
 void leaveOut(Line &line) {
     line.text = {};
+    line.more = {};
     line.end = {};
+    line.newNumber = 0;
     line.key = '\0';
     line.rank = kNotWritten;
 }
@@ -162,8 +163,10 @@ void leaveOut(Line &line) {
 void makeAttribute(Workspace &work, Line &line) {
     line.text =
         (Draft(work.memory, kKept.size() + line.original.size()) << kKept << line.original).text();
+    line.more = {};
     line.key = 'a';
     line.aside = true;
+    work.movesLines = true;
 }
 
 void keepAsAttribute(Workspace &work, Line &line) {
@@ -172,6 +175,7 @@ void keepAsAttribute(Workspace &work, Line &line) {
     if (line.extra != nullptr) {
         line.extra->key = 'a';
     }
+    work.movesLines = true;
 }
 
 namespace {
@@ -190,13 +194,13 @@ void repairValue(Workspace &work, Line &line, std::string_view value) {
     case 'c': return repairConnection(work, line, value);
     case 'r': return repairRepeat(work, line, value);
     case 'm': return repairMedia(work, line, value);
-    case 'a': return repairAttribute(work, line, value);
+    case 'a': return repairAttribute(work, line, Attribute(value));
     default: return;
     }
 }
 
 // Repairs a line that may need it.
-void repairLine(Workspace &work, Line &line) {
+void repairFaulty(Workspace &work, Line &line) {
     if (endsTwice(work, line)) {
         return;
     }
@@ -220,20 +224,9 @@ void repairLine(Workspace &work, Line &line) {
 
 } // namespace
 
-void repairLines(Workspace &work) {
-    Line *const end = work.lines + work.lineCount;
-    Line *const refused = work.lines + work.takenLines();
-    for (Line *line = refused; line < end; ++line) {
-        if (line->text.size() > 2 && beginsWith(line->text, "a=") && !isBlank(line->text[2])) {
-            repairAttribute(work, *line, withoutFirst(line->text, 2));
-        } else if (line->rank != kNotWritten && (line == refused || !isPlain(*line))) {
-            repairLine(work, *line);
-        }
-    }
-    for (Line *line = work.lines; work.hasDeferred && line != end; ++line) {
-        if (line->deferred) {
-            addFormats(work, *line);
-        }
+void repairLine(Workspace &work, Line &line, Refused refused) {
+    if (refused == Refused::Yes || !isPlain(line)) {
+        repairFaulty(work, line);
     }
 }
 

@@ -15,39 +15,44 @@ inline constexpr std::string_view kKept = "a=x-line:";
 void repairOrigin(Workspace &work, Line &line, std::string_view value);
 void repairConnection(Workspace &work, Line &line, std::string_view value);
 void repairMedia(Workspace &work, Line &line, std::string_view value);
-void repairAttribute(Workspace &work, Line &line, std::string_view value);
 void repairRtpmap(Workspace &work, Line &line, std::string_view value);
 
 // Adds the missing formats to a deferred m= line.
 void addFormats(Workspace &work, Line &line);
+
+// Repairs a line according to its type. Refused::Yes is for the line at which the decoder refused
+// the text; it did not reach the others.
+enum class Refused : bool { No, Yes };
+void repairLine(Workspace &work, Line &line, Refused refused);
 
 // Whether such a line certainly needs no repair, as most lines do not. When false is returned, it
 // may or may not need one.
 bool isPlainOrigin(std::string_view value);
 bool isPlainMedia(std::string_view value);
 
-// The same for a=rtpmap, after the repair of its most frequent fault: blanks after the colon of a
-// line that has not been written again.
-bool isSettledRtpmap(Workspace &work, Line &line, std::string_view value);
+// Whether the value of an a=rtpmap line is complete without superfluous white space (Plain); or
+// would be without the blanks before it, which is the most frequent fault (AfterBlanks).
+enum class Rtpmaps : uint8_t { Plain, AfterBlanks, Other };
+Rtpmaps lookAtRtpmap(std::string_view value);
+// Removes these blanks from a line that has not been written again.
+void closeRtpmap(Workspace &work, Line &line, std::string_view value);
 
 // The number of blanks between words, if there is one blank between each two and none around them;
 // else, and for control characters, kNotEven.
 inline constexpr uint32_t kNotEven = 0xFFFFFFFF;
-constexpr uint32_t countBlanks(std::string_view words) {
+inline uint32_t countBlanks(std::string_view words) {
+    const char *const end = words.data() + words.size();
     uint32_t count = 0;
-    size_t word = 0; // where it begins
-    for (size_t at = 0; at != words.size(); ++at) {
-        const auto byte = static_cast<uint8_t>(words[at]);
-        if (byte > ' ') [[likely]] {
-            continue;
+    for (const char *word = words.data();; ++count) {
+        const char *const at = findControl(word, end);
+        if (at == end) {
+            return at != word ? count : kNotEven;
         }
-        if (byte != ' ' || at == word) {
+        if (*at != ' ' || at == word) {
             return kNotEven;
         }
         word = at + 1;
-        ++count;
     }
-    return word != words.size() ? count : kNotEven;
 }
 
 // Whether the line has a CR or a NUL, so that readers disagree about its end: it is not repaired.
@@ -56,8 +61,12 @@ bool endsTwice(const Workspace &work, const Line &line);
 // Whether the decoder accepts payload numbers after that protocol.
 bool takesPayloads(std::string_view protocol, bool rtpFamily);
 
-// Removes the text between two places of the line.
-void cutOut(Workspace &work, Line &line, const char *from, const char *to);
+// Removes the text between two places of a line that has not been written again. The line consists
+// of two parts then: nothing is copied before the whole text is written.
+void cutOut(Line &line, const char *from, const char *to);
+
+// Copies the two parts of a line to one text.
+void join(Workspace &work, Line &line);
 
 // Removes the line from the text. Its entry stays, for the report.
 void leaveOut(Line &line);

@@ -6,7 +6,7 @@ namespace sdpline::tidy {
 
 namespace {
 
-constexpr uint32_t kFirstRows = 8;
+constexpr uint32_t kFirstRows = 16;
 constexpr uint32_t kNextAllocation = 4096;
 
 } // namespace
@@ -48,11 +48,38 @@ bool Workspace::growFound() {
     return true;
 }
 
+bool Workspace::growLines(uint32_t used, uint32_t count) {
+    auto *const more = memory.array<Line>(count);
+    if (more == nullptr) {
+        return false;
+    }
+    if (lines != nullptr) {
+        std::memcpy(static_cast<void *>(more), lines, used * sizeof(Line));
+    }
+    for (Found *found = found_; found != found_ + foundCount_; ++found) {
+        found->line = more + (found->line - lines);
+    }
+    lines = more;
+    return true;
+}
+
 Line *Workspace::newLine(std::string_view content, const Line &before) {
     auto *const line = memory.array<Line>(1);
     if (line != nullptr) {
-        *line = {content,         {}, lineEnd, nullptr, nullptr, before.number, 0,
-                 content.front(), 0,  true,    false};
+        *line = {.text = content,
+                 .more = {},
+                 .original = {before.original.data(), 0},
+                 .end = lineEnd,
+                 .next = nullptr,
+                 .extra = nullptr,
+                 .number = before.number,
+                 .count = 1,
+                 .newNumber = 0,
+                 .key = content.front(),
+                 .rank = 0,
+                 .aside = true,
+                 .deferred = false,
+                 .isWhole = false};
     }
     return line;
 }

@@ -8,24 +8,31 @@
 #include <span>
 #include <string_view>
 
+#include "text/bytes.hpp"
 #include "tidy/rules.hpp"
 
 namespace sdpline::tidy {
 
-// One line of the text, or one that was inserted. The lines are linked in the order in which they
-// will be written; their array is in the order of the given text.
+// One line of the text, or one that was inserted; or several consecutive lines that do not change.
+// The array of lines is in the order of the given text. Once lines have been arranged they are
+// linked in the order in which they will be written.
 struct Line {
-    std::string_view text;     // as it will be written, without its line end
-    std::string_view original; // as it was given; empty for a line that was inserted
-    std::string_view end;      // CR LF or LF; empty at the end of the text
+    std::string_view text;     // as it will be written, without the end of the (last) line
+    std::string_view more;     // is written after it: the rest of a line from which a part was cut
+    std::string_view original; // as it was given; empty, at its place, for an inserted line
+    std::string_view end;      // CR LF, LF, or nothing where the text ends
     Line *next;
-    Line *extra;        // a line that was added for this one; null for none
-    uint32_t number;    // in the given text, from 1; for an inserted line, of the line it precedes
-    uint32_t newNumber; // in the repaired text, from 1; 0: not written
-    char key;           // the letter before "="; 0 for none
-    uint8_t rank;       // the position of its kind in the order of lines
-    bool aside;         // moved to the end of the lines of its kind
-    bool deferred;      // an m= line that gets its formats when the lines after it are repaired
+    Line *extra;        // a line put in beside this one, null for none
+    uint32_t number;    // of the given text, from 1; of a line put in, that of the line it precedes
+    uint32_t count;     // the number of lines
+    uint32_t newNumber; // of the repaired text, from 1; 0: not written
+    char key;           // the letter before "=", 0 for a line without
+    uint8_t rank;       // where its kind is in the order of lines
+    bool aside;         // goes to the end of its kind, wherever it was
+    bool deferred;      // an m= line whose formats are those of the lines below, when repaired
+    bool isWhole;       // whole media descriptions that do not change
+
+    size_t size() const { return text.size() + more.size() + end.size(); }
 };
 
 // The rank of a line that is not written.
@@ -35,20 +42,17 @@ inline constexpr uint8_t kNotWritten = 0xFF;
 struct LineList {
     Line *first = nullptr;
     Line *last = nullptr;
-    size_t size = 0; // bytes of their texts, with the line ends
 
     bool empty() const { return first == nullptr; }
     void append(Line &line) {
         (first == nullptr ? first : last->next) = &line;
         last = &line;
         line.next = nullptr;
-        size += line.text.size() + line.end.size();
     }
     void append(const LineList &more) {
         if (!more.empty()) {
             (first == nullptr ? first : last->next) = more.first;
             last = more.last;
-            size += more.size;
         }
     }
 };
@@ -113,34 +117,38 @@ private:
 class Draft {
 public:
     Draft(Memory &memory, size_t size)
-        : begin_(static_cast<char *>(memory.take(size))), size_(begin_ != nullptr ? size : 0) {}
+        : begin_(static_cast<char *>(memory.take(size))), at_(begin_),
+          end_(begin_ + (begin_ != nullptr ? size : 0)) {}
 
-    Draft &operator<<(std::string_view part) {
-        if (part.data() == pending_.data() + pending_.size()) {
-            pending_ = {pending_.data(), pending_.size() + part.size()};
+    SDPLINE_INLINE Draft &operator<<(std::string_view part) {
+        if (part.data() == pendingEnd_) {
+            pendingEnd_ += part.size();
         } else if (!part.empty()) {
             flush();
-            pending_ = part;
+            pending_ = part.data();
+            pendingEnd_ = pending_ + part.size();
         }
         return *this;
     }
     std::string_view text() {
         flush();
-        return {begin_, used_};
+        return {begin_, static_cast<size_t>(at_ - begin_)};
     }
 
 private:
-    void flush() {
-        if (pending_.size() <= size_ - used_ && !pending_.empty()) {
-            std::memcpy(begin_ + used_, pending_.data(), pending_.size());
-            used_ += pending_.size();
+    [[gnu::noinline]] void flush() {
+        const auto size = static_cast<size_t>(pendingEnd_ - pending_);
+        if (size <= static_cast<size_t>(end_ - at_)) {
+            copyBytes(at_, pending_, size);
+            at_ += size;
         }
     }
 
     char *begin_;
-    size_t size_;
-    size_t used_ = 0;
-    std::string_view pending_;
+    char *at_;
+    char *end_;
+    const char *pending_ = nullptr;
+    const char *pendingEnd_ = nullptr;
 };
 
 // Writes a number in decimal digits.
@@ -158,14 +166,17 @@ public:
     std::string_view tail;             // the first empty line and the text after it
     std::string_view lineEnd = "\r\n"; // of inserted lines
     Line *lines = nullptr;
-    uint32_t lineCount = 0;
-    uint32_t takenCount = 0;       // lines that the decoder accepted before it refused one
-    uint32_t takenSize = 0;        // bytes before the place of the failure
-    bool endsInCr = false;         // lines end in CR, because the text has no LF
-    bool goesOn = false;           // lines of SDP follow the empty line that ends the description
-    bool hasSecondVersion = false; // a second v= line, or text before v=: never repaired
-    bool hasDeferred = false;      // a line is deferred
-    bool hasNul = false;           // the text has a NUL
+    uint32_t entryCount = 0;       // of `lines`
+    uint32_t lineCount = 0;        // of the text
+    uint32_t takenCount = 0;       // of lines, that the decoder took before it refused one
+    uint32_t takenSize = 0;        // and bytes of them
+    bool endsInCr = false;         // each line, there being no LF
+    bool goesOn = false;           // after the empty line that ends the description
+    bool hasSecondVersion = false; // or text before v=: that is never repaired
+    bool hasDeferred = false;      // lines
+    bool hasInnerEnd = false;      // a line may have a NUL or a CR inside
+    bool inOrder = false;          // the lines need no arranging, and none is missing
+    bool movesLines = false;       // a repair changed the order, or inserted a line
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }
     // The number of lines that need no repair within them, because the decoder accepted them. It
@@ -178,18 +189,16 @@ public:
     void report(Rule rule, const Line &line, const char *at) {
         if (foundCount_ != foundCapacity_ || growFound()) [[likely]] {
             const auto offset = static_cast<uint32_t>(at - line.original.data());
-            found_[foundCount_++] = {rule, &line, line.original.empty() ? 0 : offset};
+            found_[foundCount_++] = {rule, &line, offset};
         }
     }
     void report(Rule rule, const Line &line) { report(rule, line, line.original.data()); }
 
     const Found *found() const { return found_; }
     uint32_t foundCount() const { return foundCount_; }
-    // Resets what cutting the lines has set, before they are cut again.
-    void forgetLines() {
-        foundCount_ = 0;
-        hasSecondVersion = false;
-    }
+    // Moves the lines, of which there are `used`, to an array of `count`. Returns false without
+    // memory.
+    bool growLines(uint32_t used, uint32_t count);
 
     // Makes a line to be inserted; null without memory.
     Line *newLine(std::string_view content, const Line &before);
@@ -206,11 +215,9 @@ private:
 
 // ---- The passes, in their order. Each is linear in the text.
 
-// Cuts the text into lines. False without memory.
-bool cutLines(Workspace &work);
-
-// Repairs the fields of the lines that the decoder did not accept, by their kinds.
-void repairLines(Workspace &work);
+// Cuts the text into lines, and repairs the fields of those that the decoder did not accept, by
+// their kinds.
+void readLines(Workspace &work);
 
 // Sorts the lines, removes duplicate ones, and inserts missing ones.
 LineList arrange(Workspace &work);
@@ -244,11 +251,33 @@ inline uint64_t bytesBelow(uint8_t limit, const char *bytes) {
     return ~above & 0x80 * each;
 }
 
-// The number of bytes before the first marked one.
+// Marks the bytes equal to `byte`. Bytes next to a marked one may be marked too.
+inline uint64_t bytesEqual(char byte, const char *bytes) {
+    constexpr uint64_t each = 0x0101010101010101;
+    uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    value ^= static_cast<uint8_t>(byte) * each;
+    return (value - each) & ~value & 0x80 * each;
+}
+
+// The number of bytes before the first one that bytesBelow or bytesEqual has marked.
 inline ptrdiff_t bytesBefore(uint64_t marks) {
     return (std::endian::native == std::endian::little ? std::countr_zero(marks)
                                                        : std::countl_zero(marks)) /
            8;
+}
+
+// Returns the first blank or control character, else the end.
+inline const char *findControl(const char *at, const char *end) {
+    for (; end - at >= 8; at += 8) {
+        if (const uint64_t below = bytesBelow(' ' + 1, at); below != 0) {
+            return at + bytesBefore(below);
+        }
+    }
+    while (at != end && static_cast<uint8_t>(*at) > ' ') {
+        ++at;
+    }
+    return at;
 }
 
 // Returns the first blank or tab, else the end.
@@ -277,6 +306,11 @@ constexpr const char *afterBlanks(const char *at, const char *end) {
 template <size_t kSize>
 bool beginsWith(std::string_view text, const char (&literal)[kSize]) {
     return text.size() >= kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
+}
+
+template <size_t kSize>
+bool equals(std::string_view text, const char (&literal)[kSize]) {
+    return text.size() == kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
 }
 
 // The text without its first `bytes` bytes, of which it must have as many. Unlike substr() it

@@ -2,6 +2,7 @@
 // cost of a text.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "support/allocations.hpp"
@@ -157,6 +158,43 @@ TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
         }
         EXPECT_NE(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
         EXPECT_TRUE(refused.rows.empty());
+    }
+}
+
+// More lines than the first array of them holds: their rows are the same after it has grown, and
+// each allocation may fail.
+TEST(TidyText, OfManyFaultyLinesIsRepaired) {
+    constexpr uint32_t lines = 150;
+    std::string body = kHead;
+    for (uint32_t i = 0; i < lines; ++i) {
+        body += "a=y" + std::to_string(i) + "\r\n"; // which the decoder accepts
+    }
+    for (uint32_t i = 0; i < 3; ++i) {
+        body += "m=audio 5 RTP/AVP 0\r\nb=AS:64\r\nb=CT:64\r\na=sendrecv\r\n";
+    }
+    const auto before = static_cast<uint32_t>(std::count(body.begin(), body.end(), '\n'));
+    std::string expected = body;
+    for (uint32_t i = 0; i < lines; ++i) {
+        body += "a=x" + std::to_string(i) + ":\r\n";
+        expected += "a=x" + std::to_string(i) + "\r\n";
+    }
+    body += "a=ptime: 20\r\n";
+    expected += "a=ptime:20\r\n";
+    for (uint32_t n = 1;; ++n) {
+        Allocations::failAt(n);
+        const Tidied repaired = tidied(body, tidytest::kAll);
+        const bool failed = Allocations::failed();
+        Allocations::reset();
+        if (!failed) {
+            EXPECT_EQ(repaired.text, expected);
+            ASSERT_EQ(repaired.rows.size(), lines + 1);
+            for (uint32_t i = 0; i <= lines; ++i) {
+                EXPECT_EQ(repaired.rows[i].ulLine, before + 1 + i);
+                EXPECT_EQ(repaired.rows[i].ulNewLine, before + 1 + i);
+            }
+            return;
+        }
+        EXPECT_NE(repaired.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
     }
 }
 
