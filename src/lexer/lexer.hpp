@@ -63,9 +63,7 @@ struct LexerOn : Position, Special {
     using Special::special;
 
     // The properties of the input's bytes.
-    SDPLINE_INLINE const lexer::ByteTables &bytes() const {
-        return inBody ? lexer::kBodyBytes : lexer::kBytes;
-    }
+    const lexer::ByteTables &bytes() const { return inBody ? lexer::kBodyBytes : lexer::kBytes; }
 
     // Takes the text of the current token and returns it as a view into the input. When it has more
     // than 1023 bytes, nothing is taken and the data of the view is null.
@@ -132,7 +130,7 @@ struct LexerOn : Position, Special {
 
     // The same for the token before a rest of line. The first token of the rest is not cut: only
     // its first byte and kind are known until takeRestOfLine() or finishText() is called.
-    SDPLINE_INLINE bool takeToText(uint32_t wanted);
+    bool takeToText(uint32_t wanted);
     void finishText() {
         if (kind == SDP_TOK_STRING) {
             last = *at;
@@ -143,7 +141,7 @@ struct LexerOn : Position, Special {
     // Takes the tokens of the string context from the current one to the end of the line or of the
     // input, which is current afterwards. Returns false when they have more than `limit` bytes; the
     // token that no longer fits is then current.
-    SDPLINE_INLINE bool takeRestOfLine(std::string_view &rest, uint32_t limit);
+    bool takeRestOfLine(std::string_view &rest, uint32_t limit);
 
     // Takes the bytes from the current one to a "/" or the line end, which is current afterwards.
     // Returns false when there are more than `limit` of them or the input ends first.
@@ -156,7 +154,7 @@ private:
     // Moves to the position of a lexer that read on token by token.
     void stopAt(const StateLexer &other);
     // Moves the end of the current line end over the spaces before the next line's text.
-    SDPLINE_INLINE void goToNextLine() {
+    void goToNextLine() {
         if (last == '\r') [[likely]] {
             end = at + 2;
         }
@@ -165,10 +163,10 @@ private:
                 ++end;
             }
     }
-    SDPLINE_INLINE bool begin();
+    bool begin();
     void noteTaken(const uint8_t *from, uint32_t size, uint32_t flags = 0);
 
-    SDPLINE_INLINE void close(uint32_t size, uint32_t closed) {
+    void close(uint32_t size, uint32_t closed) {
         end = at + size;
         kind = closed;
     }
@@ -181,18 +179,18 @@ private:
     }
 
     // The token is one byte.
-    SDPLINE_INLINE void closeByte() { close(1, bytes().kind[last]); }
+    void closeByte() { close(1, bytes().kind[last]); }
 
     // The first byte that does not continue the run.
-    SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, lexer::Run run) const {
+    const uint8_t *runEnd(const uint8_t *byte, lexer::Run run) const {
         return lexer::runEnd(byte, run, bytes());
     }
     template <lexer::Run run>
-    SDPLINE_INLINE const uint8_t *endOf(const uint8_t *byte) const {
+    const uint8_t *endOf(const uint8_t *byte) const {
         return runEnd(kPadded ? lexer::skip<run>(byte) : byte, run);
     }
     // The next line end, or the end of the input.
-    SDPLINE_INLINE const uint8_t *lineEnd() const;
+    const uint8_t *lineEnd() const;
 
     template <lexer::Run run>
     void scanRun(uint32_t closed);
@@ -200,8 +198,8 @@ private:
     SDPLINE_INLINE void scanSdp();
     SDPLINE_INLINE void scanAlnum();
     void scanLetters();
-    SDPLINE_INLINE void scanIpv6();
-    SDPLINE_INLINE void jumpTo(const uint8_t *byte);
+    void scanIpv6();
+    void jumpTo(const uint8_t *byte);
 };
 
 using BodyLexer = LexerOn<NothingSpecial>;

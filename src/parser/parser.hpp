@@ -321,7 +321,7 @@ SDPLINE_INLINE bool parseList(Parser auto &parser, ListChecks checks, Attach att
             finish(count);
             return true;
         }
-        if (count == 0) {
+        if (sizeof count == 1 && count == 0) {
             slots.count = 1;
         } else if (count == slots.count) {
             slots.grow(count);
