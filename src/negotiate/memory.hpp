@@ -133,7 +133,7 @@ public:
         const size_t fits =
             text.size() < sizeof bytes_ - size_ ? text.size() : sizeof bytes_ - size_;
         cut_ = cut_ || fits < text.size();
-        text.copy(bytes_ + size_, fits);
+        std::char_traits<char>::copy(bytes_ + size_, text.data(), fits);
         size_ += fits;
         return *this;
     }
@@ -143,7 +143,8 @@ public:
         if (!__builtin_constant_p(size) || size > sizeof bytes_ - size_) {
             return *this << std::string_view(text, size);
         }
-        size_ += std::string_view(text, size).copy(bytes_ + size_, size);
+        std::char_traits<char>::copy(bytes_ + size_, text, size);
+        size_ += size;
         return *this;
     }
     Text &operator<<(uint32_t number);

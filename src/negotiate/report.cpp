@@ -17,7 +17,8 @@ public:
         return *this;
     }
     Writer &operator<<(std::string_view text) {
-        at_ += text.copy(at_, text.size());
+        std::char_traits<char>::copy(at_, text.data(), text.size());
+        at_ += text.size();
         return *this;
     }
     Writer &operator<<(uint32_t number) {
