@@ -88,10 +88,9 @@ static int cloneMediaSet(SDPMemCp *block, const SDPMediaSet *from, SDPMediaSet *
     return 1;
 }
 
+/* Writes every field but pstMemCp, so that none needs to be cleared. */
 static int cloneSession(const SdpLine *from, SdpLine *to) {
     SDPMemCp *block = to->pstMemCp;
-    memset(to, 0, sizeof *to); /* a memory service need not clear what it gives */
-    to->pstMemCp = block;
     to->ulProtoVersion = from->ulProtoVersion;
     to->stTimeSet.ulNoOfTimeFields = from->stTimeSet.ulNoOfTimeFields;
     return copyLine(block, SDP_LINE_ORIGIN, &from->stOrigin, &to->stOrigin) &&
