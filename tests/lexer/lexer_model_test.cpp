@@ -467,6 +467,10 @@ public:
         model_.context = SDP_LEXCTX_SDP;
         model_.startTracking();
     }
+    BodyBesideModel(const BodyBesideModel &) = delete;
+    BodyBesideModel &operator=(const BodyBesideModel &) = delete;
+    // The text taken last is in bytes_, until it is copied.
+    ~BodyBesideModel() { sdpline::lexer::publishText(); }
 
     void run() {
         while (model_.kind != SDP_TOK_EOF && !testing::Test::HasFailure()) {
