@@ -126,7 +126,7 @@ struct LexerOn : Position, Special {
 
     // The same under the alphanumeric context, for the token before digits of which only the text
     // is read: their value is not computed.
-    SDPLINE_INLINE bool takeToDigits(uint32_t wanted);
+    bool takeToDigits(uint32_t wanted);
 
     // The same for the token before a rest of line. The first token of the rest is not cut: only
     // its first byte and kind are known until takeRestOfLine() or finishText() is called.

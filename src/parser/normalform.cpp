@@ -66,19 +66,19 @@ struct Lanes {
     static constexpr uint32_t kSize = 16;
     __m128i all;
 
-    SDPLINE_INLINE static Lanes load(const uint8_t *from) {
+    static Lanes load(const uint8_t *from) {
         return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(from))};
     }
-    SDPLINE_INLINE void store(uint8_t *to) const {
+    void store(uint8_t *to) const {
         _mm_storeu_si128(reinterpret_cast<__m128i *>(to), all);
     }
     // Ones where a byte is this one.
-    SDPLINE_INLINE Lanes equal(char byte) const {
+    Lanes equal(char byte) const {
         return {_mm_cmpeq_epi8(all, _mm_set1_epi8(byte))};
     }
-    SDPLINE_INLINE Lanes without(Lanes other) const { return {_mm_andnot_si128(other.all, all)}; }
-    SDPLINE_INLINE Lanes with(Lanes other) const { return {_mm_or_si128(other.all, all)}; }
-    SDPLINE_INLINE bool any() const { return _mm_movemask_epi8(all) != 0; }
+    Lanes without(Lanes other) const { return {_mm_andnot_si128(other.all, all)}; }
+    Lanes with(Lanes other) const { return {_mm_or_si128(other.all, all)}; }
+    bool any() const { return _mm_movemask_epi8(all) != 0; }
 };
 
 #else
@@ -91,27 +91,27 @@ struct Lanes {
     static constexpr uint64_t kOnes = 0x0101010101010101;
     static constexpr uint64_t kLow = 0x7F * kOnes;
 
-    SDPLINE_INLINE static Lanes load(const uint8_t *from) {
+    static Lanes load(const uint8_t *from) {
         Lanes bytes;
         std::memcpy(&bytes.all, from, kSize);
         return bytes;
     }
-    SDPLINE_INLINE void store(uint8_t *to) const { std::memcpy(to, &all, kSize); }
+    void store(uint8_t *to) const { std::memcpy(to, &all, kSize); }
     // The top bit where a byte is this one.
-    SDPLINE_INLINE Lanes equal(char byte) const {
+    Lanes equal(char byte) const {
         const uint64_t differ = all ^ (static_cast<uint8_t>(byte) * kOnes);
         return {~(((differ & kLow) + kLow) | differ | kLow)};
     }
-    SDPLINE_INLINE Lanes without(Lanes other) const { return {all & ~other.all}; }
-    SDPLINE_INLINE Lanes with(Lanes other) const { return {all | other.all}; }
-    SDPLINE_INLINE bool any() const { return all != 0; }
+    Lanes without(Lanes other) const { return {all & ~other.all}; }
+    Lanes with(Lanes other) const { return {all | other.all}; }
+    bool any() const { return all != 0; }
 };
 
 #endif
 
 // Copies Lanes::kSize bytes of a text, which one more byte follows. Returns a mask of the bytes
 // that are not allowed in a body: a NUL, and a CR that no LF follows.
-SDPLINE_INLINE Lanes copySome(const uint8_t *text, uint8_t *out) {
+inline Lanes copySome(const uint8_t *text, uint8_t *out) {
     const Lanes bytes = Lanes::load(text);
     bytes.store(out);
     const Lanes next = Lanes::load(text + 1);
