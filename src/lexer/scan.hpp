@@ -18,7 +18,7 @@ namespace sdpline::lexer {
 constexpr uint32_t kPadding = 16;
 
 // The first byte that does not continue the run; the NUL after the input continues none.
-SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run, const ByteTables &bytes) {
+inline const uint8_t *runEnd(const uint8_t *byte, Run run, const ByteTables &bytes) {
     while ((bytes.runs[*byte] & run) != 0) {
         ++byte;
     }
@@ -27,7 +27,7 @@ SDPLINE_INLINE const uint8_t *runEnd(const uint8_t *byte, Run run, const ByteTab
 
 // Reads a byte again that a loop has just read. Without the volatile access the compiler would keep
 // every byte of the loop in a register, in case it is the last one.
-SDPLINE_INLINE uint8_t readAgain(const uint8_t *byte) {
+inline uint8_t readAgain(const uint8_t *byte) {
     return *const_cast<const volatile uint8_t *>(byte);
 }
 
@@ -45,7 +45,7 @@ SDPLINE_INLINE const uint8_t *skip(const uint8_t *byte) {
 
 // The first byte that `stops` marks. The NUL at the end of the input must be marked.
 template <class Stops>
-SDPLINE_INLINE const uint8_t *findInPadded(const uint8_t *byte, const Stops &stops) {
+inline const uint8_t *findInPadded(const uint8_t *byte, const Stops &stops) {
     for (;; byte += 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(byte));
         const auto found = static_cast<uint32_t>(_mm_movemask_epi8(stops(bytes)));
@@ -55,10 +55,10 @@ SDPLINE_INLINE const uint8_t *findInPadded(const uint8_t *byte, const Stops &sto
     }
 }
 
-SDPLINE_INLINE __m128i equals(__m128i bytes, char byte) {
+inline __m128i equals(__m128i bytes, char byte) {
     return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte));
 }
-SDPLINE_INLINE __m128i atMost(__m128i bytes, char limit) {
+inline __m128i atMost(__m128i bytes, char limit) {
     return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(limit)), bytes);
 }
 
@@ -94,20 +94,20 @@ SDPLINE_INLINE const uint8_t *skip<kNameRun>(const uint8_t *byte) {
 }
 
 // Skips to a line end or the end of the body. It may stop early, at another byte up to CR.
-SDPLINE_INLINE const uint8_t *skipLine(const uint8_t *byte) {
+inline const uint8_t *skipLine(const uint8_t *byte) {
     return findInPadded(byte, [](__m128i bytes) { return atMost(bytes, '\r'); });
 }
 
 #else
 
-SDPLINE_INLINE const uint8_t *skipLine(const uint8_t *byte) {
+inline const uint8_t *skipLine(const uint8_t *byte) {
     return byte;
 }
 
 #endif
 
 // The next line end of a body, or the end of the body.
-SDPLINE_INLINE const uint8_t *bodyLineEnd(const uint8_t *byte) {
+inline const uint8_t *bodyLineEnd(const uint8_t *byte) {
     const auto endsLine = [](uint8_t one) { return one == '\r' || one == '\n' || one == '\0'; };
     for (byte = skipLine(byte); !endsLine(*byte); byte = skipLine(byte + 1)) {
     }

@@ -69,13 +69,9 @@ struct Lanes {
     static Lanes load(const uint8_t *from) {
         return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(from))};
     }
-    void store(uint8_t *to) const {
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(to), all);
-    }
+    void store(uint8_t *to) const { _mm_storeu_si128(reinterpret_cast<__m128i *>(to), all); }
     // Ones where a byte is this one.
-    Lanes equal(char byte) const {
-        return {_mm_cmpeq_epi8(all, _mm_set1_epi8(byte))};
-    }
+    Lanes equal(char byte) const { return {_mm_cmpeq_epi8(all, _mm_set1_epi8(byte))}; }
     Lanes without(Lanes other) const { return {_mm_andnot_si128(other.all, all)}; }
     Lanes with(Lanes other) const { return {_mm_or_si128(other.all, all)}; }
     bool any() const { return _mm_movemask_epi8(all) != 0; }
