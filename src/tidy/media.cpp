@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "sdpline/cpp/detail/keywords.hpp"
+#include "tidy/gaps.hpp"
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
@@ -197,10 +198,18 @@ bool takesPayloads(std::string_view protocol, bool rtpFamily) {
            (rtpFamily && tables::endsInRtpProfile(protocol));
 }
 
-// At least three fields before the formats, and one format.
-bool isPlainMedia(std::string_view value) {
-    const uint32_t blanks = countBlanks(value);
-    return blanks >= kBeforeFormats && blanks != kNotEven;
+// Three fields before the formats, and at least one format.
+void repairMediaLine(Workspace &work, Line &line, std::string_view value) {
+    Gaps gaps;
+    if (gaps.find(work, value)) {
+        if (gaps.hasMoreThan(kBeforeFormats)) {
+            return gaps.close(work, line);
+        }
+    } else if (const uint32_t blanks = countBlanks(value);
+               blanks >= kBeforeFormats && blanks != kNotEven) {
+        return;
+    }
+    repairFaulty(work, line);
 }
 
 void repairMedia(Workspace &work, Line &line, std::string_view value) {

@@ -1,6 +1,7 @@
 // Repairs of the o= line (RFC 4566 section 5.2) and the c= line (section 5.7).
 #include "tidy/address.hpp"
 #include "tidy/fields.hpp"
+#include "tidy/gaps.hpp"
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
@@ -189,84 +190,22 @@ private:
     Fields &fields_;
 };
 
-// Scans the fields of an origin. There is one blank between each two of them, and at one place at
-// most there may be more.
-class OriginScan {
-public:
-    explicit OriginScan(std::string_view value) : at_(value.data()), end_(at_ + value.size()) {}
-
-    // user SP sess-id SP sess-version SP "IN" SP ( "IP4" / "IP6" ) SP address
-    bool passes() {
-        return word() && gap() && number() && gap() && number() && gap() && isNext("IN") && gap() &&
-               (isNext("IP4") || isNext("IP6")) && gap() && word() && at_ == end_;
-    }
-
-    // The second blank where there are more than one, else null.
-    const char *run() const { return run_; }
-
-private:
-    SDPLINE_INLINE bool word() {
-        const char *const begin = at_;
-        while (at_ != end_ && !isBlank(*at_)) {
-            ++at_;
-        }
-        return at_ != begin;
-    }
-
-    SDPLINE_INLINE bool number() {
-        const char *const begin = at_;
-        while (end_ - at_ >= 8 && areEightDigits(at_)) {
-            at_ += 8;
-        }
-        while (at_ != end_ && isDigit(*at_)) {
-            ++at_;
-        }
-        return at_ != begin;
-    }
-
-    template <size_t kSize>
-    SDPLINE_INLINE bool isNext(const char (&literal)[kSize]) {
-        const bool is = beginsWith({at_, static_cast<size_t>(end_ - at_)}, literal);
-        at_ += is ? kSize - 1 : 0;
-        return is;
-    }
-
-    SDPLINE_INLINE bool gap() {
-        if (at_ == end_ || *at_ != ' ') {
-            return false;
-        }
-        if (++at_ != end_ && isBlank(*at_)) {
-            const bool isFirst = run_ == nullptr;
-            run_ = at_;
-            at_ = afterBlanks(at_, end_);
-            return isFirst;
-        }
-        return true;
-    }
-
-    const char *at_;
-    const char *end_;
-    const char *run_ = nullptr;
-};
-
 } // namespace
 
-// user SP sess-id SP sess-version SP "IN IP4" SP address, or IP6
-bool isPlainOrigin(std::string_view value) {
-    OriginScan scan(value);
-    return scan.passes() && scan.run() == nullptr;
+// user SP sess-id SP sess-version SP "IN" SP ( "IP4" / "IP6" ) SP address
+void repairOriginLine(Workspace &work, Line &line, std::string_view value) {
+    Gaps gaps;
+    if (gaps.find(work, value)) {
+        gaps.next(); // the user
+        if (isNumber(gaps.next()) && isNumber(gaps.next()) && equals(gaps.next(), "IN") &&
+            isAddressType(gaps.next()) && !gaps.next().empty() && gaps.done()) {
+            return gaps.close(work, line);
+        }
+    }
+    repairFaulty(work, line);
 }
 
 void repairOrigin(Workspace &work, Line &line, std::string_view value) {
-    OriginScan scan(value);
-    if (value.data() == line.text.data() + 2 && scan.passes()) {
-        const char *const run = scan.run();
-        if (run != nullptr && work.wants(Rule::SpaceRun)) {
-            work.report(Rule::SpaceRun, line, run - 1);
-            cutOut(line, run, afterBlanks(run, value.data() + value.size()));
-        }
-        return;
-    }
     Fields fields(value);
     if (fields.count() == 0 && work.wants(Rule::OriginMissing)) {
         work.report(Rule::OriginMissing, line);

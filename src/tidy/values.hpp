@@ -25,10 +25,13 @@ void addFormats(Workspace &work, Line &line);
 enum class Refused : bool { No, Yes };
 void repairLine(Workspace &work, Line &line, Refused refused);
 
-// Whether such a line certainly needs no repair, as most lines do not. When false is returned, it
-// may or may not need one.
-bool isPlainOrigin(std::string_view value);
-bool isPlainMedia(std::string_view value);
+// Repairs a line that may have any fault.
+[[gnu::noinline]] void repairFaulty(Workspace &work, Line &line);
+
+// Repairs such a line. Most need no repair, or only that of their most frequent fault, blanks too
+// many at one place: these are repaired at once, and repairFaulty() is called for all others.
+[[gnu::noinline]] void repairOriginLine(Workspace &work, Line &line, std::string_view value);
+[[gnu::noinline]] void repairMediaLine(Workspace &work, Line &line, std::string_view value);
 
 // Whether the value of an a=rtpmap line is complete without superfluous white space (Plain); or
 // would be without the blanks before it, which is the most frequent fault (AfterBlanks).

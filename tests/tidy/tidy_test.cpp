@@ -161,6 +161,34 @@ TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
     }
 }
 
+// Blanks too many at one place of an o= line and of an m= line: in each gap, so many that the lines
+// are short or long, and with or without text after the last line.
+TEST(TidyText, OfBlanksTooManyIsRepairedWhereverTheyAre) {
+    const std::string origin = "v=0\r\no=user 2890844526 2890842807 IN IP4 192.0.2.1";
+    const std::string media = "\r\ns=-\r\nt=0 0\r\nm=audio 5004 RTP/AVP 0 8 101";
+    size_t atOrigin = origin.find(' ');
+    size_t atMedia = media.find(' ', media.find("m="));
+    while (atOrigin != std::string::npos && atMedia != std::string::npos) {
+        for (uint32_t count = 1; count <= 40; ++count) {
+            for (const std::string end : {"", "\r\n", "\r\na=sendrecv\r\na=ptime:20\r\n"}) {
+                const std::string more(count, count % 3 == 0 ? '\t' : ' ');
+                std::string body = origin + media + end;
+                body.insert(origin.size() + atMedia + 1, more);
+                body.insert(atOrigin + 1, more);
+                const Tidied repaired = tidied(body, tidytest::kAll);
+                EXPECT_EQ(repaired.text, origin + media + end) << body;
+                const auto column = std::to_string(atOrigin + 1 - origin.find("o="));
+                const auto below = std::to_string(atMedia + 1 - media.find("m="));
+                EXPECT_EQ(repaired.report(),
+                          "2:" + column + " SpaceRun -> 2\n5:" + below + " SpaceRun -> 5\n")
+                    << body;
+            }
+        }
+        atOrigin = origin.find(' ', atOrigin + 1);
+        atMedia = media.find(' ', atMedia + 1);
+    }
+}
+
 // More lines than the first array of them holds: their rows are the same after it has grown, and
 // each allocation may fail.
 TEST(TidyText, OfManyFaultyLinesIsRepaired) {
