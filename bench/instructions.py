@@ -6,9 +6,8 @@ a decode gets cheaper. A call's answer: 1.6 times the decode and the encode of i
 negotiated answer (all that is offered is ours, with the report): 3 times the decode, by the C
 interface and by the C++ API. A copy of a body, whole and line by line: half its decode. A text that
 is taken as it is: 1.2 times its decode to tidy; one that is repaired: 2.8 times the decode of what
-comes out when its second line is refused, three times when its last one is or each has a fault, and
-3.3 times for the shortest with a fault in each line. Counts belong to a compiler and a C library,
-which the baseline names.
+comes out when its second line is refused, three times when its last one is or each has a fault.
+Counts belong to a compiler and a C library, which the baseline names.
 
 usage: instructions.py PROGRAM BASELINE [--update]
 """
@@ -26,7 +25,6 @@ ANSWERS = ["answer", "answer-c"]  # by the C++ API and by the C interface
 OFFERS = BODIES[:-1]
 REPAIRED = "repaired"  # the decode of what comes out of the repairs below
 TIDY_LIMITS = {"tidy": 1.2, "repair-first": 2.8, "repair-last": 3.0, "repair-each": 3.0}
-SHORT_LIMITS = {("repair-each", "240B"): 3.3}  # most of its lines have a fault
 ANSWER_LIMIT = 1.6  # times decode and encode
 NEGOTIATIONS = {"negotiate": 3.0, "negotiate-c": 3.0}  # times the decode of the offer
 SHORTEST = "130B"
@@ -88,7 +86,7 @@ def compare_tidied(counts, decodes):
         for body in OFFERS:
             decode = decodes["decode", body] if operation == "tidy" else counts[REPAIRED, body]
             ratio = counts[operation, body] / decode
-            limit = SHORT_LIMITS.get((operation, body), TIDY_LIMITS[operation])
+            limit = TIDY_LIMITS[operation]
             lines.append(f"{operation:12} {body:8} is {ratio:.2f} times its decode")
             if ratio > limit:
                 errors.append(f"{operation} {body} is {ratio:.2f} times its decode, not {limit}")
