@@ -248,7 +248,7 @@ void LineMasks::alternative(size_t from) {
     }
 }
 
-// A number and an attribute: a=acap:1 crypto:1 ... (RFC 5939 section 3.3.1), a=ssrc:1 cname:x
+// A number and an attribute: a=acap:1 crypto:1 ... (RFC 5939 section 3.4.1), a=ssrc:1 cname:x
 // (RFC 5576 section 4.1), a=cpar:a=rtpmap:... An attribute in one of these is not nested again.
 void LineMasks::nested(size_t from) {
     const std::vector<Word> words = wordsFrom(from);
@@ -264,7 +264,7 @@ void LineMasks::nested(size_t from) {
     attribute(inner + (line_.substr(inner).starts_with("a=") ? 2 : 0));
 }
 
-// 1 RTP/SAVPF UDP/TLS/RTP/SAVP (RFC 5939 section 3.3.2)
+// 1 RTP/SAVPF UDP/TLS/RTP/SAVP (RFC 5939 section 3.4.2)
 void LineMasks::transports(size_t from) {
     const auto isTransport = [](std::string_view word) {
         return word.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ/-") == kNone;

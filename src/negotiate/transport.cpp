@@ -76,7 +76,7 @@ void writeSetups(const Sides &sides, Text &text) {
     write(", ours ", setupOf(sides.local, sides.ours));
 }
 
-// "existing" is answered only if the offer has it and there is a connection (RFC 4145 section 5.1):
+// "existing" is answered only if the offer has it and there is a connection (RFC 4145 section 5.2):
 // our a=connection tells, or else an open line over the same protocol in our previous description.
 std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previous) {
     const SDPAttr *const theirs = findFor(sides.offer, sides.offered, "connection");
