@@ -1,4 +1,4 @@
-// sdpline calls: follows the offers and answers of every call, and reports their faults.
+// sdpline calls: follows offer and answer in every call, and reports faults in them.
 #include "commands/commands.hpp"
 
 #include <fstream>

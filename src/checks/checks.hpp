@@ -36,7 +36,7 @@ enum class ResultKind : uint8_t {
 
 constexpr uint32_t kNoCategory = 0xFFFFFFFF;
 
-// How a failing check is logged. A line of 0 stands for the line of the source that calls fail().
+// How a failing check is logged. A line of 0 means the source line that calls fail().
 struct Logged {
     uint8_t level; // 0: not logged at all
     uint32_t category;

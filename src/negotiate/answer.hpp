@@ -20,7 +20,7 @@ struct AnswerInput {
     const SdpNegotiateOptions &options;
 };
 
-// One offered stream, and the local stream that answers it.
+// One offered stream, and the local stream with which it is answered.
 struct Match {
     const SDPMediaDesc *offered = nullptr;
     const SDPMediaDesc *ours = nullptr;

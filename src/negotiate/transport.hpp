@@ -17,7 +17,7 @@ bool hasFeedback(const SDPMediaDesc &media); // the AVPF profiles
 // or SAVPF and SAVP.
 bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf);
 
-// One stream of an offer, and the stream of ours that answers it.
+// One stream of an offer, and the local stream with which it is answered.
 struct Sides {
     const SdpLine &offer;
     const SDPMediaDesc &offered;
