@@ -80,7 +80,7 @@ SDPLINE_INLINE const uint8_t *skip<kTokenRun>(const uint8_t *byte) {
 }
 
 template <>
-SDPLINE_INLINE const uint8_t *skip<kDigitRun>(const uint8_t *byte) {
+inline const uint8_t *skip<kDigitRun>(const uint8_t *byte) {
     return findInPadded(byte, [](__m128i bytes) {
         const __m128i digits = atMost(_mm_sub_epi8(bytes, _mm_set1_epi8('0')), '9' - '0');
         return _mm_cmpeq_epi8(digits, _mm_setzero_si128());

@@ -201,8 +201,7 @@ const uint8_t *bytesOf(const SipString &text) {
 }
 
 // Parses the text and stores the position at which the parser stopped in the lexer's state.
-SDPLINE_INLINE SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line,
-                                   PlaceOf placeOf) {
+SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line, PlaceOf placeOf) {
     const bool done = parseLines(parser, line);
     lexer::store(parser);
     lexer::loseInput();

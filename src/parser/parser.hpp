@@ -82,8 +82,7 @@ struct ParserOn : Lexer {
         return take(wanted, under) || refuse(check, 0, line);
     }
     // The same under the alphanumeric context, before digits of which only the text is read.
-    SDPLINE_INLINE bool expectDigits(uint32_t wanted, Check check,
-                                     uint32_t line = __builtin_LINE()) {
+    bool expectDigits(uint32_t wanted, Check check, uint32_t line = __builtin_LINE()) {
         return takeToDigits(wanted) || refuse(check, 0, line);
     }
     // The current token must be of the kind.

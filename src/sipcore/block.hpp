@@ -157,8 +157,7 @@ inline void *cut(FreeSpan &span, uint32_t request, uint32_t size, State state) {
 // The same for a record and, after it, a request of 1 to 256 bytes: returns the record, and the
 // other allocation in `second`. Returns null, and cuts nothing, unless both fit.
 template <class Record>
-[[gnu::always_inline]] inline Record *cutWithRecord(Block &block, std::size_t request,
-                                                    char *&second) {
+inline Record *cutWithRecord(Block &block, std::size_t request, char *&second) {
     constexpr uint32_t recordSize = roundUp8(sizeof(Record));
     constexpr uint32_t whole = kHeaderSize + recordSize;
     static_assert(recordSize <= kSmallMax);
