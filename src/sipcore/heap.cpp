@@ -73,7 +73,8 @@ struct CachedMemory {
 struct Cache {
     CachedMemory *lists[2][kSizes];
     std::size_t bytes;
-    bool watched; // the cache is freed when the thread ends
+    uint32_t nextFreed; // the list whose allocations are freed next when the cache is full
+    bool watched;       // the cache is freed when the thread ends
 };
 
 [[gnu::tls_model("initial-exec")]] constinit thread_local Cache cache{};
@@ -92,6 +93,22 @@ void releaseCached() {
         }
     }
     cache.bytes = 0;
+}
+
+// Frees allocations until there is room for one of that size, one list after another. If a full
+// cache stayed as it is, it would be of no use to work that needs other sizes than earlier work.
+[[gnu::noinline]] void makeRoom(std::size_t size) {
+    while (cache.bytes + size > kCacheMax) {
+        const auto use = static_cast<Use>(cache.nextFreed / kSizes);
+        const std::size_t freedSize = (cache.nextFreed % kSizes + 1) * kStep;
+        CachedMemory *&list = listOf(freedSize, use);
+        if (list == nullptr) {
+            cache.nextFreed = (cache.nextFreed + 1) % (2 * kSizes);
+            continue;
+        }
+        cache.bytes -= freedSize;
+        giveToHeap(std::exchange(list, list->next), freedSize, use);
+    }
 }
 
 // Destructors of the thread that run after this one may free more memory, which is then cached
@@ -153,7 +170,7 @@ constinit ThreadEnds threadEnds;
 }
 
 bool isCachedSize(std::size_t size) {
-    return size <= kLargestCached;
+    return size <= kLargestCached && kCacheMax != 0;
 }
 
 } // namespace
@@ -173,7 +190,10 @@ void *heapTake(std::size_t bytes, Use use, Content content) {
 
 void heapGive(void *memory, std::size_t bytes, Use use) {
     const std::size_t size = heapSize(bytes);
-    if (isCachedSize(size) && cache.bytes + size <= kCacheMax && (cache.watched || watchThread())) {
+    if (isCachedSize(size) && (cache.watched || watchThread())) {
+        if (cache.bytes + size > kCacheMax) [[unlikely]] {
+            makeRoom(size);
+        }
         CachedMemory *&list = listOf(size, use);
         list = new (memory) CachedMemory{list};
         cache.bytes += size;

@@ -5,6 +5,9 @@
 #include <sys/resource.h>
 
 #include <cstdlib>
+#include <future>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -141,6 +144,57 @@ TEST(Statistics, keepThePeakUntilItIsReset) {
     SipMmResetPeak();
     EXPECT_EQ(statistics().ulHeapBytesPeak, before.ulHeapBytes);
 }
+
+#if !defined(SIPCORE_TESTS_SANITIZED)
+// Frees more than a thread caches, so that its cache is full of these sizes.
+void fillCache() {
+    std::vector<void *> memory;
+    for (uint32_t size = 300; size < 4000; size += 250) {
+        for (uint32_t i = 0; i < 5; ++i) {
+            memory.push_back(systemAlloc(size));
+        }
+    }
+    for (void *one : memory) {
+        systemFree(one);
+    }
+}
+
+TEST(Cache, isOfUseAfterWorkWithOtherSizes) {
+    const SipMmStatistics before = statistics(); // frees the cache
+    fillCache();
+    constexpr uint32_t kRounds = 1000;
+    for (uint32_t i = 0; i < kRounds; ++i) {
+        void *memory = systemAlloc(200);
+        SDPMemCp *block = nullptr;
+        ASSERT_EQ(SipMmCreateBufMem(512, 512, &block), 0u);
+        systemFree(memory);
+        SipMmReleaseBufMem(&block);
+    }
+    const SipMmStatistics after = statistics();
+    EXPECT_LT(after.ulHeapAllocations - before.ulHeapAllocations, kRounds / 2);
+    EXPECT_EQ(after.ulHeapBytes, before.ulHeapBytes);
+    EXPECT_EQ(after.ulBlocks, before.ulBlocks);
+}
+
+TEST(Cache, keepsNoMoreThanItsLimit) {
+    const uint64_t before = statistics().ulHeapBytes;
+    std::promise<void> filled;
+    std::promise<void> measured;
+    std::thread other([&] {
+        fillCache();
+        fillCache();
+        filled.set_value();
+        measured.get_future().wait();
+    });
+    filled.get_future().wait();
+    const uint64_t cached = statistics().ulHeapBytes - before;
+    measured.set_value();
+    other.join();
+    EXPECT_LE(cached, 64u * 1024);
+    EXPECT_GT(cached, 60u * 1024);
+    EXPECT_EQ(statistics().ulHeapBytes, before);
+}
+#endif
 
 TEST(Statistics, acceptANullPointer) {
     const SipMmStatistics before = statistics();
