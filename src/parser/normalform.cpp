@@ -165,14 +165,30 @@ uint32_t countLines(const uint8_t *byte, const uint8_t *end) {
     return count;
 }
 
+// The offset of the line that has a byte there.
+uint32_t lineStartOf(const uint8_t *text, uint32_t place) {
+#ifdef __SSE2__
+    const __m128i lf = _mm_set1_epi8('\n');
+    for (; place >= 16; place -= 16) {
+        __m128i part;
+        std::memcpy(&part, text + place - 16, sizeof part);
+        const auto marks = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(part, lf)));
+        if (marks != 0) {
+            return place - 16 + static_cast<uint32_t>(std::bit_width(marks));
+        }
+    }
+#endif
+    while (place != 0 && text[place - 1] != '\n') {
+        --place;
+    }
+    return place;
+}
+
 } // namespace
 
 OriginalPlace bodyPlace(const uint8_t *text, uint32_t length, uint32_t offset) {
     const uint32_t place = std::min(offset, length);
-    uint32_t lineStart = place;
-    while (lineStart != 0 && text[lineStart - 1] != '\n') {
-        --lineStart;
-    }
+    const uint32_t lineStart = lineStartOf(text, place);
     return {place, 1 + countLines(text, text + lineStart), lineStart};
 }
 
