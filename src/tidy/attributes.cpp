@@ -5,6 +5,7 @@
 #include <array>
 
 #include "tidy/fields.hpp"
+#include "tidy/shapes.hpp"
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
@@ -38,6 +39,16 @@ std::string_view nameOf(std::string_view value) {
     return {value.data(), static_cast<size_t>(at - value.data())};
 }
 
+// An attribute's name, and the text after it. `value` is the text after "a=".
+struct Attribute {
+    explicit Attribute(std::string_view value)
+        : name(nameOf(value)), rest(withoutFirst(value, name.size())), shape(shapeOf(name)) {}
+
+    std::string_view name;
+    std::string_view rest;
+    Shape shape;
+};
+
 constexpr bool needsValue(Shape shape) {
     return shape != Shape::Flag && shape != Shape::MaybeWords && shape != Shape::Any;
 }
@@ -50,8 +61,8 @@ bool isBlankText(std::string_view text) {
 class AttributeLine {
 public:
     AttributeLine(Workspace &work, Line &line, const Attribute &attribute)
-        : work_(work), line_(line), name_(attribute.name.data(), attribute.name.size()),
-          rest_(attribute.rest.data(), attribute.rest.size()), shape_(attribute.shape) {}
+        : work_(work), line_(line), name_(attribute.name), rest_(attribute.rest),
+          shape_(attribute.shape) {}
 
     void repair() {
         if (name_.empty()) {
@@ -129,10 +140,6 @@ private:
     }
 
     void repairWords() {
-        const std::string_view bare = withoutBlanksBefore(rest_);
-        if (bare.size() != rest_.size() && isInPlace() && wordOf(bare).size() == bare.size()) {
-            return repairWord(bare);
-        }
         Fields fields(rest_);
         const bool leads = fields.leading() != nullptr;
         if (!fields.repairable(work_) || (leads && !work_.wants(Rule::SpaceRun)) ||
@@ -143,14 +150,6 @@ private:
             work_.report(Rule::SpaceRun, line_, fields.leading());
         }
         fields.write(work_, line_, begin());
-    }
-
-    // Repairs a value that is one word with blanks before it.
-    void repairWord(std::string_view word) {
-        if (work_.wants(Rule::SpaceRun)) {
-            work_.report(Rule::SpaceRun, line_, rest_.data());
-            cutOut(line_, rest_.data(), word.data());
-        }
     }
 
     // Repairs a value that is only "on" or "off", and blanks before it.
@@ -171,25 +170,13 @@ private:
         write(name_, value, bare ? kSilenceParams : std::string_view());
     }
 
-    // Whether the line is still the given one.
-    bool isInPlace() const { return line_.text.data() + 2 == name_.data(); }
-
     // Returns "a=", the name and the colon.
     std::string_view begin() {
-        if (isInPlace()) {
-            return line_.text.substr(0, name_.size() + 3);
-        }
         return (Draft(work_.memory, name_.size() + 3) << "a=" << name_ << ":").text();
     }
 
     // Writes the attribute without colon and value.
-    void writeNameAlone() {
-        if (isInPlace()) {
-            line_.text = line_.text.substr(0, name_.size() + 2);
-        } else {
-            write(name_, {});
-        }
-    }
+    void writeNameAlone() { write(name_, {}); }
 
     // Writes the attribute with its value; without a value there is no colon.
     void write(std::string_view name, std::string_view text, std::string_view after = {}) {
@@ -205,50 +192,62 @@ private:
     Shape shape_;
 };
 
-} // namespace
-
-// Most attributes are a=rtpmap, whose name needs no lookup.
-Attribute::Attribute(std::string_view value) {
-    constexpr char begin[] = "rtpmap:";
-    if (beginsWith(value, begin)) {
-        name = {value.data(), sizeof begin - 2};
-        rest = withoutFirst(value, name.size());
-        shape = Shape::Rtpmap;
-        rtpmap = lookAtRtpmap(withoutFirst(rest, 1));
-    } else {
-        name = nameOf(value);
-        rest = withoutFirst(value, name.size());
-        shape = shapeOf(name);
+// The form of words with one blank between each two. The most frequent fault is a blank before the
+// only one.
+Look lookAtWords(std::string_view words, Cut &cut) {
+    if (countBlanks(words) != kNotEven) {
+        return Look::Plain;
     }
+    const std::string_view word = withoutBlanksBefore(words);
+    if (word.size() == words.size() || word.empty() || wordOf(word).size() != word.size()) {
+        return Look::Other;
+    }
+    cut = {Rule::SpaceRun, words.data(), words.data(), word.data()};
+    return Look::Cut;
 }
 
-bool isPlain(const Attribute &attribute) {
+Look lookAtForm(const Attribute &attribute, Cut &cut) {
     const std::string_view rest = attribute.rest;
-    if (attribute.shape == Shape::Rtpmap) {
-        return attribute.rtpmap == Rtpmaps::Plain;
+    if (rest.empty() || attribute.name.empty()) {
+        return rest.empty() && !needsValue(attribute.shape) ? Look::Plain : Look::Other;
     }
-    if (rest.empty()) {
-        return !attribute.name.empty() && !needsValue(attribute.shape);
-    }
-    if (attribute.name.empty() || rest.size() == 1 || rest.front() != ':') {
-        return false;
+    const bool hasColon = rest.front() == ':';
+    if (rest.size() == 1 || !hasColon) {
+        if (needsValue(attribute.shape) || (!hasColon && !withoutBlanksBefore(rest).empty())) {
+            return Look::Other;
+        }
+        cut = {hasColon ? Rule::ValueMissing : Rule::TrailingSpace, rest.data(), rest.data(),
+               rest.data() + rest.size()};
+        return Look::Cut;
     }
     switch (attribute.shape) {
     case Shape::Text:
-    case Shape::Any: return true;
+    case Shape::Any: return Look::Plain;
     case Shape::Words:
-    case Shape::MaybeWords: return countBlanks(withoutFirst(rest, 1)) != kNotEven;
-    default: return false;
+    case Shape::MaybeWords: return lookAtWords(withoutFirst(rest, 1), cut);
+    default: return Look::Other;
     }
 }
 
-void repairAttribute(Workspace &work, Line &line, const Attribute &attribute) {
-    const bool isInPlace = attribute.name.data() == line.text.data() + 2;
-    if (attribute.rtpmap == Rtpmaps::AfterBlanks && isInPlace) {
-        closeRtpmap(work, line, withoutFirst(attribute.rest, 1));
-    } else if (!endsTwice(work, line)) {
-        AttributeLine(work, line, attribute).repair();
+// Nearly half of all attributes are a=rtpmap, whose name needs no lookup.
+Look lookAtParts(std::string_view value, Cut &cut) {
+    constexpr char rtpmap[] = "rtpmap:";
+    return beginsWith(value, rtpmap) ? lookAtRtpmap(withoutFirst(value, sizeof rtpmap - 1), cut)
+                                     : lookAtForm(Attribute(value), cut);
+}
+
+} // namespace
+
+Look lookAtAttribute(const Workspace &work, std::string_view value, Cut &cut) {
+    const Look look = lookAtParts(value, cut);
+    if (look != Look::Cut) {
+        return look;
     }
+    return work.wants(cut.rule) && !endsTwice(work, value) ? Look::Cut : Look::Plain;
+}
+
+void repairAttribute(Workspace &work, Line &line, std::string_view value) {
+    AttributeLine(work, line, Attribute(value)).repair();
 }
 
 } // namespace sdpline::tidy

@@ -1,25 +1,15 @@
-// The parts of the a= line, and their repair.
+// The a= line, and its repair.
 #pragma once
 
-#include "tidy/shapes.hpp"
 #include "tidy/values.hpp"
 
 namespace sdpline::tidy {
 
-// An attribute's name, and the text after it. `value` is the text after "a=".
-struct Attribute {
-    explicit Attribute(std::string_view value);
+// Of both, `value` is the text after "a=".
 
-    std::string_view name;
-    std::string_view rest;
-    Shape shape;
-    Rtpmaps rtpmap = Rtpmaps::Other; // of that shape
-};
+// Looks at an attribute of the given text. Sets `cut` where it returns Look::Cut.
+[[gnu::noinline]] Look lookAtAttribute(const Workspace &work, std::string_view value, Cut &cut);
 
-// Whether the attribute certainly needs no repair, as most do not.
-bool isPlain(const Attribute &attribute);
-
-// Repairs an attribute that is not plain.
-void repairAttribute(Workspace &work, Line &line, const Attribute &attribute);
+void repairAttribute(Workspace &work, Line &line, std::string_view value);
 
 } // namespace sdpline::tidy

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -19,7 +20,7 @@ public:
     // may include a NUL, or a CR that no LF follows.
     Breaks(std::string_view text, char byte, bool &hasOthers)
         : block_(text.data()), begin_(text.data()), end_(block_ + text.size()), byte_(byte),
-          hasOthers_(hasOthers), marks_(marked()) {}
+          hasOthers_(&hasOthers), marks_(marked()) {}
 
     // Continues the search at that place.
     void jump(const char *to) {
@@ -47,7 +48,7 @@ private:
     // One bit for each byte of the block, the lowest for the first byte; a bit is set for a line
     // end. The last block is read from 64 bytes before the end of the text, so that nothing after
     // it is read.
-    uint64_t marked() {
+    [[gnu::noinline]] uint64_t marked() {
         const ptrdiff_t left = end_ - block_;
         if (left >= kBlock) {
             return marksOf(block_);
@@ -55,7 +56,7 @@ private:
         if (end_ - begin_ >= kBlock) {
             return left == 0 ? 0 : marksOf(end_ - kBlock) >> (kBlock - left);
         }
-        hasOthers_ = true;
+        *hasOthers_ = true;
         uint64_t marks = 0;
         for (ptrdiff_t i = 0; i < left; ++i) {
             marks |= uint64_t{block_[i] == byte_} << i;
@@ -82,10 +83,10 @@ private:
         const uint64_t others =
             (crs & ~(marks >> 1 | first)) | maskOf(_mm_cmpeq_epi8(least, _mm_setzero_si128()));
         if (others != 0) [[unlikely]] {
-            hasOthers_ = true;
+            *hasOthers_ = true;
         }
 #else
-        hasOthers_ = true;
+        *hasOthers_ = true;
         for (uint32_t at = 0; at < kBlock; ++at) {
             marks |= uint64_t{bytes[at] == byte_} << at;
         }
@@ -103,7 +104,7 @@ private:
     const char *begin_;
     const char *end_;
     char byte_;
-    bool &hasOthers_;
+    bool *hasOthers_;
     uint64_t marks_; // of those in the block that were not returned
 };
 

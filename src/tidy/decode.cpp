@@ -1,6 +1,6 @@
 #include "tidy/decode.hpp"
 
-#include "tidy/rules.hpp"
+#include "tidy/workspace.hpp"
 
 namespace sdpline::tidy {
 
@@ -66,14 +66,29 @@ SDPResult decodeGiven(const Request &request, SDPTidyReport &report) {
     return result;
 }
 
+namespace {
+
+constexpr uint32_t kClassMask = (1u << 10) - 1;
+
 // The decoder's checks of memory have these names, and no others do.
-bool isOfMemory(std::string_view check) {
+bool isNameOfMemory(std::string_view check) {
     switch (check.empty() ? '\0' : check.back()) {
-    case 'c': return check.ends_with("Alloc");
-    case 'w': return check.ends_with("Grow");
-    case 'e': return check.ends_with("Store");
-    case 'k': return check.ends_with("Block");
-    case 'g': return check == "SetString";
+    case 'c': return endsWith(check, "Alloc");
+    case 'w': return endsWith(check, "Grow");
+    case 'e': return endsWith(check, "Store");
+    case 'k': return endsWith(check, "Block");
+    case 'g': return equals(check, "SetString");
+    default: return false;
+    }
+}
+
+} // namespace
+
+// Most failures are of another class.
+bool isOfMemory(const SDPFailure &failure) {
+    switch (failure.ulResult & kClassMask) {
+    case SDP_ERRCLASS_RESOURCE: return isNameOfMemory(failure.pcCheck);
+    case SDP_ERRCLASS_UNEXPECTED_LINE: return equals(failure.pcCheck, "MediaConnectionAlloc");
     default: return false;
     }
 }

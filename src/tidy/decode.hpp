@@ -33,7 +33,7 @@ SDPResult decodeGiven(const Request &request, SDPTidyReport &report);
 // The failure of the decode that just returned this result.
 SDPFailure failureOf(SDPResult result);
 
-// Whether that check fails for lack of memory, so that the text is not the cause.
-bool isOfMemory(std::string_view check);
+// Whether the decoder failed for lack of memory, so that the text is not the cause.
+bool isOfMemory(const SDPFailure &failure);
 
 } // namespace sdpline::tidy

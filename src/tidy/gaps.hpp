@@ -21,7 +21,7 @@ public:
     // between each two, and at one place at most more blanks. Returns false where it takes more to
     // tell: for control characters and white space around the words, for a long value, and for one
     // at the end of the text, where there are no 16 bytes to read.
-    SDPLINE_INLINE bool find(const Workspace &work, std::string_view value) {
+    [[gnu::noinline]] bool find(const Workspace &work, std::string_view value) {
         const size_t size = value.size();
         const char *const textEnd = work.text.data() + work.text.size();
         const size_t read = (size + kBlock - 1) & ~(kBlock - 1);
@@ -68,12 +68,13 @@ public:
         return left != 0;
     }
 
-    // Removes the blanks that are too many, if the rules allow it.
-    SDPLINE_INLINE void close(Workspace &work, Line &line) const {
-        if (extra_ != nullptr && work.wants(Rule::SpaceRun)) {
-            work.report(Rule::SpaceRun, line, extra_ - 1);
-            cutOut(line, extra_, afterExtra_);
+    // Whether there are blanks too many; the removal of them.
+    SDPLINE_INLINE Look look(const Workspace &work, Cut &cut) const {
+        if (extra_ == nullptr || !work.wants(Rule::SpaceRun)) {
+            return Look::Plain;
         }
+        cut = {Rule::SpaceRun, extra_ - 1, extra_, afterExtra_};
+        return Look::Cut;
     }
 
 private:

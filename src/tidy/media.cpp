@@ -199,17 +199,13 @@ bool takesPayloads(std::string_view protocol, bool rtpFamily) {
 }
 
 // Three fields before the formats, and at least one format.
-void repairMediaLine(Workspace &work, Line &line, std::string_view value) {
+Look lookAtMedia(const Workspace &work, std::string_view value, Cut &cut) {
     Gaps gaps;
     if (gaps.find(work, value)) {
-        if (gaps.hasMoreThan(kBeforeFormats)) {
-            return gaps.close(work, line);
-        }
-    } else if (const uint32_t blanks = countBlanks(value);
-               blanks >= kBeforeFormats && blanks != kNotEven) {
-        return;
+        return gaps.hasMoreThan(kBeforeFormats) ? gaps.look(work, cut) : Look::Other;
     }
-    repairFaulty(work, line);
+    const uint32_t blanks = countBlanks(value);
+    return blanks >= kBeforeFormats && blanks != kNotEven ? Look::Plain : Look::Other;
 }
 
 void repairMedia(Workspace &work, Line &line, std::string_view value) {

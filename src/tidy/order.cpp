@@ -1,5 +1,6 @@
 // Repairs of the order of lines (RFC 4566 section 5): lines that belong to the session or to a
 // media description, duplicate and misplaced lines, and missing lines.
+#include "tidy/runs.hpp"
 #include "tidy/sequence.hpp"
 #include "tidy/values.hpp"
 
@@ -86,7 +87,9 @@ private:
     // A fast path: most lines are attributes, which come last and so are never late.
     void addAttribute(Line &line) {
         line.rank = highest_ = order_.last();
-        seen_[line.rank] = &line;
+        if (seen_[line.rank] == nullptr) {
+            seen_[line.rank] = &line;
+        }
         lines_.append(line);
     }
 
@@ -186,29 +189,51 @@ public:
 
     LineList run() {
         Line *const end = work_.lines + work_.entryCount;
-        Line *media = work_.lines;
-        while (media != end && media->key != 'm') {
-            add(session_, *media++);
+        Line *line = work_.lines;
+        uint32_t count = 1; // the first m= line too
+        for (; line != end && line->key != 'm'; ++line) {
+            count += line->count;
+        }
+        given_ = work_.memory.array<Line *>(count);
+        if (given_ == nullptr) {
+            return {};
+        }
+        Line *const media = line;
+        for (line = work_.lines; line != media; ++line) {
+            eachLineOf(*line, [&](Line &one) {
+                given_[givenCount_++] = &one;
+                add(session_, one);
+            });
+        }
+        if (media != end) {
+            given_[givenCount_++] = media;
         }
         LineList descriptions;
-        for (Line *line = media; line != end;) {
-            if (line->isWhole) {
-                descriptions.append(*line++);
-                continue;
-            }
-            Section description(work_, kMediaOrder);
-            do {
-                addBelow(description, *line++);
-            } while (line != end && line->key != 'm');
-            descriptions.append(description.inOrder());
+        while (line != end) {
+            descriptions.append(line->isInOrder ? wholeDescription(line) : description(line));
         }
-        addMissing(media != end ? *media : *(end - 1), media != end);
+        if (work_.memory.hasFailed()) {
+            return {};
+        }
+        addMissing(media != end ? media : nullptr);
         LineList all = session_.inOrder();
         all.append(descriptions);
+        endLast(all);
         return all;
     }
 
 private:
+    template <class Use>
+    void eachLineOf(Line &entry, Use use) {
+        const std::span<Line> more = unfold(work_, entry);
+        use(entry);
+        last_ = entry.rank != kNotWritten || last_ == nullptr ? &entry : last_;
+        for (Line &line : more) {
+            use(line);
+            last_ = &line;
+        }
+    }
+
     static void add(Section &section, Line &line) {
         if (line.rank == kNotWritten) {
             return;
@@ -217,6 +242,36 @@ private:
         section.add(line);
         if (extra != nullptr) {
             section.add(*extra);
+        }
+    }
+
+    // A media description whose lines stay. `line` is set to the line after it.
+    LineList wholeDescription(Line *&line) {
+        LineList list;
+        const Line *const end = work_.lines + work_.entryCount;
+        do {
+            if (line->rank != kNotWritten) {
+                list.append(*line);
+                last_ = line;
+            }
+            ++line;
+        } while (line != end && line->key != 'm');
+        return list;
+    }
+
+    LineList description(Line *&line) {
+        Section section(work_, kMediaOrder);
+        const Line *const end = work_.lines + work_.entryCount;
+        do {
+            eachLineOf(*line++, [&](Line &one) { addBelow(section, one); });
+        } while (line != end && line->key != 'm');
+        return section.inOrder();
+    }
+
+    // Adds a line end to the last line of the given text if another line follows it now.
+    void endLast(const LineList &all) {
+        if (last_->end.empty() && last_->rank != kNotWritten && last_ != all.last) {
+            last_->end = work_.lineEnd;
         }
     }
 
@@ -231,26 +286,26 @@ private:
         add(session_, line);
     }
 
-    // `next` is the first m= line or, without one, the last line.
-    void addMissing(const Line &next, bool hasMedia) {
+    // `media` is the first m= line, null for none.
+    void addMissing(const Line *media) {
         if (work_.goesOn) {
             return; // the missing lines may follow the empty line
         }
-        const Line *const end = work_.lines + work_.entryCount;
-        const Line *begin = work_.lines;
-        while (begin != end - 1 && begin->rank == kNotWritten) {
-            ++begin;
+        uint32_t first = 0;
+        while (first != givenCount_ - 1 && given_[first]->rank == kNotWritten) {
+            ++first;
         }
-        if (!session_.has('v') && begin->key != '\0' && work_.wants(Rule::VersionMissing)) {
-            session_.addMissing('v', Rule::VersionMissing, kVersionLine, *begin);
+        const Line &begin = *given_[first];
+        if (!session_.has('v') && begin.key != '\0' && work_.wants(Rule::VersionMissing)) {
+            session_.addMissing('v', Rule::VersionMissing, kVersionLine, begin);
         }
-        const Line &second = begin->key == 'v' && begin + 1 != end ? begin[1] : *begin;
+        const uint32_t second = begin.key == 'v' ? lineAfter(first) : first;
         if (!session_.has('o') && work_.wants(Rule::OriginMissing)) {
-            session_.addMissing('o', Rule::OriginMissing, kOriginLine, second);
+            session_.addMissing('o', Rule::OriginMissing, kOriginLine, *given_[second]);
         }
         if (!session_.has('s') && work_.wants(Rule::NameMissing)) {
-            const bool more = second.key == 'o' && &second + 1 != end;
-            session_.addMissing('s', Rule::NameMissing, kNameLine, more ? (&second)[1] : second);
+            const uint32_t third = given_[second]->key == 'o' ? lineAfter(second) : second;
+            session_.addMissing('s', Rule::NameMissing, kNameLine, *given_[third]);
         }
         if (session_.has('t') || session_.has('r') || !work_.wants(Rule::TimeMissing)) {
             return;
@@ -261,18 +316,28 @@ private:
                                       : session_.has('k') ? session_.first('k')
                                                           : session_.first('a');
             session_.addMissing('t', Rule::TimeMissing, kTimeLine, *after);
-        } else if (hasMedia && isOneOf(kNeedTime, last)) {
-            session_.addMissing('t', Rule::TimeMissing, kTimeLine, next);
+        } else if (media != nullptr && isOneOf(kNeedTime, last)) {
+            session_.addMissing('t', Rule::TimeMissing, kTimeLine, *media);
         }
+    }
+
+    uint32_t lineAfter(uint32_t which) const {
+        return which + 1 != givenCount_ ? which + 1 : which;
     }
 
     Workspace &work_;
     Section session_;
+    Line **given_ = nullptr; // the lines of the session as they were given, and the first m= line
+    uint32_t givenCount_ = 0;
+    Line *last_ = nullptr; // of the given text
 };
 
 } // namespace
 
 LineList arrange(Workspace &work) {
+    if (work.takenMedia != nullptr) {
+        splitTaken(work);
+    }
     return Arranger(work).run();
 }
 

@@ -193,16 +193,16 @@ private:
 } // namespace
 
 // user SP sess-id SP sess-version SP "IN" SP ( "IP4" / "IP6" ) SP address
-void repairOriginLine(Workspace &work, Line &line, std::string_view value) {
+Look lookAtOrigin(const Workspace &work, std::string_view value, Cut &cut) {
     Gaps gaps;
     if (gaps.find(work, value)) {
         gaps.next(); // the user
         if (isNumber(gaps.next()) && isNumber(gaps.next()) && equals(gaps.next(), "IN") &&
             isAddressType(gaps.next()) && !gaps.next().empty() && gaps.done()) {
-            return gaps.close(work, line);
+            return gaps.look(work, cut);
         }
     }
-    repairFaulty(work, line);
+    return Look::Other;
 }
 
 void repairOrigin(Workspace &work, Line &line, std::string_view value) {

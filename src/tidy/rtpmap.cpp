@@ -171,20 +171,14 @@ bool isSettled(const char *at, const char *end) {
 
 } // namespace
 
-Rtpmaps lookAtRtpmap(std::string_view value) {
+Look lookAtRtpmap(std::string_view value, Cut &cut) {
     const char *const end = value.data() + value.size();
     const char *const bare = afterBlanks(value.data(), end);
     if (!isSettled(bare, end)) {
-        return Rtpmaps::Other;
+        return Look::Other;
     }
-    return bare == value.data() ? Rtpmaps::Plain : Rtpmaps::AfterBlanks;
-}
-
-void closeRtpmap(Workspace &work, Line &line, std::string_view value) {
-    if (work.wants(Rule::RtpmapSpace) && !endsTwice(work, line)) {
-        work.report(Rule::RtpmapSpace, line, value.data());
-        cutOut(line, value.data(), withoutBlanksBefore(value).data());
-    }
+    cut = {Rule::RtpmapSpace, value.data(), value.data(), bare};
+    return bare != value.data() ? Look::Cut : Look::Plain;
 }
 
 void repairRtpmap(Workspace &work, Line &line, std::string_view value) {

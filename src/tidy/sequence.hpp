@@ -61,44 +61,37 @@ private:
 inline constexpr Followers kAfterInSession(kSessionOrder);
 inline constexpr Followers kAfterInMedia(kMediaOrder);
 
-// Checks that lines are in their order and that no line is missing. add() is called for each line
-// of a text as it will be written. When holds() returns true, the lines certainly need no
-// arranging.
+// Checks that the lines of a section, the session or a media description, are in their order and
+// that none is missing.
 class Sequence {
 public:
-    void add(const Line &line) {
-        if (line.key == 'm') {
-            endSession();
-            followers_ = &kAfterInMedia;
-            seen_ = kStart;
-        } else if (line.key != '\0') [[likely]] {
-            tooLate_ |= followers_->of(line.key) & seen_;
-            seen_ |= 1u << ((line.key - 'a') & 0x1F);
-        } else {
-            tooLate_ |= line.rank == kNotWritten ? 0 : kStart;
-        }
+    // Called for each line of the section as it will be written; of a media description for those
+    // after the m= line. `key` is 0 for a line without.
+    void add(char key) {
+        tooLate_ |= followers_->of(key) & seen_;
+        seen_ |= 1u << ((key - 'a') & 0x1F);
     }
 
-    // The same for attributes below an m= line.
-    void addAttributes() { seen_ |= lettersOf("a"); }
+    // Ends the section; a media description is next. Returns true if the lines certainly need no
+    // arranging.
+    bool end() {
+        const bool isComplete =
+            followers_ == &kAfterInMedia || has(lettersOf("vost")) || has(lettersOf("vosr"));
+        const bool holds = isComplete && tooLate_ == 0;
+        beginMedia();
+        return holds;
+    }
 
-    bool isBelowMedia() const { return followers_ == &kAfterInMedia; }
-
-    bool holds() {
-        endSession();
-        return tooLate_ == 0;
+    void beginMedia() {
+        followers_ = &kAfterInMedia;
+        seen_ = kStart;
+        tooLate_ = 0;
     }
 
 private:
-    static constexpr uint32_t kStart = 1u << 31; // always in seen_
+    static constexpr uint32_t kStart = 1u << 31; // always in seen_; the bit of a line without a key
 
     bool has(uint32_t letters) const { return (seen_ & letters) == letters; }
-
-    void endSession() {
-        if (!isBelowMedia() && !has(lettersOf("vost")) && !has(lettersOf("vosr"))) {
-            tooLate_ = kStart;
-        }
-    }
 
     const Followers *followers_ = &kAfterInSession;
     uint32_t seen_ = kStart; // letters

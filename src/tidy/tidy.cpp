@@ -21,7 +21,7 @@ constexpr uint32_t kBlockMore = 1536;
 // Calls `use` for each line that is written, in the order of writing.
 template <class Use>
 void eachLine(const Workspace &work, const LineList &arranged, Use use) {
-    if (!work.inOrder) {
+    if (!work.inOrder) [[unlikely]] {
         for (Line *line = arranged.first; line != nullptr; line = line->next) {
             use(*line);
         }
@@ -32,14 +32,6 @@ void eachLine(const Workspace &work, const LineList &arranged, Use use) {
         if (line->rank != kNotWritten) {
             use(*line);
         }
-    }
-}
-
-// Adds a line end to the last line of the given text if another line follows it now.
-void endLast(Workspace &work, const LineList &arranged) {
-    Line &last = work.lines[work.entryCount - 1];
-    if (last.end.empty() && last.rank != kNotWritten && &last != arranged.last) {
-        last.end = work.lineEnd;
     }
 }
 
@@ -59,20 +51,12 @@ size_t sizeOf(const Workspace &work, const LineList &arranged) {
 }
 
 // The number of CR LF in the lines and after them.
-uint32_t countCr(const Workspace &work, const LineList &arranged) {
+[[gnu::noinline]] uint32_t countCr(const Workspace &work, const LineList &arranged) {
     uint32_t count = countCrLf(work.tail);
     eachLine(work, arranged, [&](const Line &line) {
         count += countCrLf(line.text) + (line.end.size() == 2 ? 1 : 0);
     });
     return count;
-}
-
-void writeWithoutCr(Draft &draft, std::string_view text) {
-    for (size_t at = text.find("\r\n"); at != std::string_view::npos; at = text.find("\r\n")) {
-        draft << text.substr(0, at);
-        text = withoutFirst(text, at + 1);
-    }
-    draft << text;
 }
 
 SDPLINE_INLINE void writeLine(Draft &draft, const Line &line) {
@@ -88,39 +72,57 @@ SDPLINE_INLINE void writeLine(Draft &draft, const Line &line) {
     }
 }
 
-// Writes the lines and sets their new numbers.
-void writeLines(Draft &draft, const Workspace &work, const LineList &arranged, bool withoutCr) {
+void writeWithoutCr(Draft &draft, std::string_view text) {
+    for (size_t at = text.find("\r\n"); at != std::string_view::npos; at = text.find("\r\n")) {
+        draft << text.substr(0, at);
+        text = withoutFirst(text, at + 1);
+    }
+    draft << text;
+}
+
+void writeLineWithoutCr(Draft &draft, const Line &line) {
+    writeWithoutCr(draft, line.text);
+    draft << line.more << withoutFirst(line.end, line.end.size() == 2 ? 1 : 0);
+}
+
+// Sets the new numbers of the lines, and calls `write` for each.
+template <class Write>
+void writeLines(const Workspace &work, const LineList &arranged, Write write) {
     uint32_t number = 1;
     eachLine(work, arranged, [&](Line &line) {
         line.newNumber = number;
         number += line.count;
-        if (withoutCr) {
-            writeWithoutCr(draft, line.text);
-            draft << line.more << withoutFirst(line.end, line.end.size() == 2 ? 1 : 0);
-        } else {
-            writeLine(draft, line);
-        }
+        write(line);
     });
+}
+
+// Two functions, because the draft of the first one can be in registers.
+std::string_view linesOf(Workspace &work, const LineList &arranged, size_t size) {
+    Draft draft(work.memory, size);
+    writeLines(work, arranged, [&](const Line &line) { writeLine(draft, line); });
+    return (draft << work.tail).text();
+}
+
+[[gnu::noinline]] std::string_view linesWithoutCr(Workspace &work, const LineList &arranged,
+                                                  size_t size) {
+    Draft draft(work.memory, size);
+    writeLines(work, arranged, [&](const Line &line) { writeLineWithoutCr(draft, line); });
+    writeWithoutCr(draft, work.tail);
+    const Line &first = work.lines[0];
+    work.report(Rule::LineEndSize, first, first.original.data() + first.original.size());
+    return draft.text();
 }
 
 std::string_view textOf(Workspace &work, const LineList &arranged, uint32_t limit) {
     const size_t size = sizeOf(work, arranged);
-    bool withoutCr = false;
+    work.memory.leaveBuffer(size + (work.foundCount() + 2) * sizeof(SDPTidyRow));
     if (size > limit && work.wants(Rule::LineEndSize)) {
         const uint32_t count = countCr(work, arranged);
-        withoutCr = count != 0 && size - count <= limit;
+        if (count != 0 && size - count <= limit) {
+            return linesWithoutCr(work, arranged, size);
+        }
     }
-    work.memory.leaveBuffer(size + (work.foundCount() + 2) * sizeof(SDPTidyRow));
-    Draft draft(work.memory, size);
-    writeLines(draft, work, arranged, withoutCr);
-    if (withoutCr) {
-        const Line &first = work.lines[0];
-        writeWithoutCr(draft, work.tail);
-        work.report(Rule::LineEndSize, first, first.original.data() + first.original.size());
-    } else {
-        draft << work.tail;
-    }
-    return draft.text();
+    return linesOf(work, arranged, size);
 }
 
 // ---- The report
@@ -136,7 +138,7 @@ SDPTidyRow rowOf(const Workspace &work, const Found &found) {
 }
 
 // Sorts the rows in the order of the text, by counting.
-bool sortRows(Workspace &work, SDPTidyRow *rows, uint32_t count) {
+[[gnu::noinline]] bool sortRows(Workspace &work, SDPTidyRow *rows, uint32_t count) {
     auto *const starts = work.memory.array<uint32_t>(work.lineCount + 2);
     if (starts == nullptr) {
         return false;
@@ -161,14 +163,15 @@ SDPTidyRow *rowsOf(Workspace &work) {
     if (rows == nullptr) {
         return nullptr;
     }
-    uint32_t done = 0;
-    for (; done < count; ++done) {
-        rows[done] = rowOf(work, work.found()[done]);
-        if (done != 0 && rows[done].ulLine < rows[done - 1].ulLine) {
-            break;
-        }
+    uint32_t last = 0;
+    bool areSorted = true;
+    for (uint32_t row = 0; row < count; ++row) {
+        const Found &found = work.found()[row];
+        areSorted = areSorted && found.line->number >= last;
+        last = found.line->number;
+        rows[row] = rowOf(work, found);
     }
-    return done == count || sortRows(work, rows, count) ? rows : nullptr;
+    return areSorted || sortRows(work, rows, count) ? rows : nullptr;
 }
 
 // The offset of one of several lines, which are counted from 0.
@@ -182,7 +185,8 @@ uint32_t beginOf(std::string_view lines, uint32_t which) {
 
 // Converts the place of a failure in the repaired text to one in the given text. For a line that
 // was written again it is the start of the line.
-SDPFailure inGivenText(const Workspace &work, const LineList &lines, SDPFailure failure) {
+[[gnu::noinline]] SDPFailure inGivenText(const Workspace &work, const LineList &lines,
+                                         SDPFailure failure) {
     if (failure.ulLine == 0) {
         return failure; // of the whole text
     }
@@ -235,7 +239,6 @@ public:
         LineList lines;
         if (!work_.inOrder) {
             lines = arrange(work_);
-            endLast(work_, lines);
         }
         const std::string_view text = textOf(work_, lines, request_.decode.ulMaxBodySize);
         if (work_.memory.hasFailed()) {
@@ -299,7 +302,7 @@ SDPResult SdpTidyText(const SipString *pstText, const SDPTidyOptions *pstOptions
         return SDP_TIDY_ARGUMENT;
     }
     const SDPResult result = decodeGiven(request, *pstReport);
-    if (result == 0 || isOfMemory(pstReport->stFailure.pcCheck)) {
+    if (result == 0 || isOfMemory(pstReport->stFailure)) {
         return result;
     }
     return repair(request, *pstReport);

@@ -135,9 +135,9 @@ bool isPlain(char key, std::string_view value) {
 
 } // namespace
 
-bool endsTwice(const Workspace &work, const Line &line) {
-    return work.hasInnerEnd && (line.text.find('\r') != std::string_view::npos ||
-                                line.text.find('\0') != std::string_view::npos);
+bool endsTwice(const Workspace &work, std::string_view line) {
+    return work.hasInnerEnd &&
+           (line.find('\r') != std::string_view::npos || line.find('\0') != std::string_view::npos);
 }
 
 void cutOut(Line &line, const char *from, const char *to) {
@@ -199,32 +199,14 @@ void repairValue(Workspace &work, Line &line, std::string_view value) {
     case 'c': return repairConnection(work, line, value);
     case 'r': return repairRepeat(work, line, value);
     case 'm': return repairMedia(work, line, value);
-    case 'a': return repairAttribute(work, line, Attribute(value));
+    case 'a': return repairAttribute(work, line, value);
     default: return;
     }
 }
 
-// Nearly all values are "0 0", and the most frequent fault is white space after it.
-[[gnu::noinline]] void repairTimeLine(Workspace &work, Line &line, std::string_view value) {
-    constexpr char usual[] = "0 0";
-    if (equals(value, usual)) {
-        return;
-    }
-    const bool begins = beginsWith(value, usual);
-    const std::string_view rest = withoutFirst(value, begins ? sizeof usual - 1 : 0);
-    if (!begins || !withoutBlanksBefore(rest).empty()) {
-        return repairFaulty(work, line);
-    }
-    if (work.wants(Rule::TrailingSpace)) {
-        work.report(Rule::TrailingSpace, line, rest.data());
-        line.text = {line.text.data(), kTimeLine.size()};
-    }
-}
-
-} // namespace
-
-void repairFaulty(Workspace &work, Line &line) {
-    if (endsTwice(work, line)) {
+// Repairs a line that may have any fault.
+[[gnu::noinline]] void repairFaulty(Workspace &work, Line &line) {
+    if (endsTwice(work, line.text)) {
         return;
     }
     std::string_view value;
@@ -245,21 +227,47 @@ void repairFaulty(Workspace &work, Line &line) {
     repairValue(work, line, value);
 }
 
-// Calls only at its ends, so that most lines save no register.
-void repairLine(Workspace &work, Line &line, Refused refused) {
-    if (line.text.size() > 2 && line.text[1] == '=') {
-        const std::string_view value = withoutFirst(line.text, 2);
-        switch (line.key) {
-        case 'o': return repairOriginLine(work, line, value);
-        case 't': return repairTimeLine(work, line, value);
-        case 'm': return repairMediaLine(work, line, value);
-        default: break;
-        }
-        if (refused == Refused::No && isPlain(line.key, value)) {
-            return;
-        }
+// Nearly all values are "0 0", and the most frequent fault is white space after it.
+Look lookAtTime(const Workspace &work, std::string_view value, Cut &cut) {
+    constexpr char usual[] = "0 0";
+    if (!beginsWith(value, usual)) {
+        return Look::Other;
     }
-    repairFaulty(work, line);
+    const std::string_view rest = withoutFirst(value, sizeof usual - 1);
+    if (rest.empty()) {
+        return Look::Plain;
+    }
+    if (!withoutBlanksBefore(rest).empty()) {
+        return Look::Other;
+    }
+    cut = {Rule::TrailingSpace, rest.data(), rest.data(), rest.data() + rest.size()};
+    return work.wants(cut.rule) ? Look::Cut : Look::Plain;
+}
+
+} // namespace
+
+Look lookAtLine(const Workspace &work, char key, std::string_view text, Refused refused, Cut &cut) {
+    if (text.size() <= 2 || text[1] != '=') {
+        return Look::Other;
+    }
+    const std::string_view value = withoutFirst(text, 2);
+    switch (key) {
+    case 'a': return isBlank(value[0]) ? Look::Other : lookAtAttribute(work, value, cut);
+    case 'o': return lookAtOrigin(work, value, cut);
+    case 't': return lookAtTime(work, value, cut);
+    case 'm': return lookAtMedia(work, value, cut);
+    default: break;
+    }
+    return refused == Refused::No && isPlain(key, value) ? Look::Plain : Look::Other;
+}
+
+void repairLine(Workspace &work, Line &line, Look look, const Cut &cut) {
+    if (look == Look::Cut) {
+        work.report(cut.rule, line, cut.place);
+        cutOut(line, cut.from, cut.to);
+    } else if (look == Look::Other) {
+        repairFaulty(work, line);
+    }
 }
 
 } // namespace sdpline::tidy

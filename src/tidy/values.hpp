@@ -20,25 +20,30 @@ void repairRtpmap(Workspace &work, Line &line, std::string_view value);
 // Adds the missing formats to a deferred m= line.
 void addFormats(Workspace &work, Line &line);
 
-// Repairs a line according to its type. Refused::Yes is for the line at which the decoder refused
-// the text; it did not reach the others.
+// What a first look at a line shows: that it needs no repair, as most lines do not; that it needs
+// a part removed, which is the most frequent repair; or that it may need any repair.
+enum class Look : uint8_t { Plain, Cut, Other };
+
+// The removal of a part of a line.
+struct Cut {
+    Rule rule;
+    const char *place; // that is reported
+    const char *from;
+    const char *to;
+};
+
+// Refused::Yes is for the line at which the decoder refused the text; it did not reach the others.
 enum class Refused : bool { No, Yes };
-void repairLine(Workspace &work, Line &line, Refused refused);
 
-// Repairs a line that may have any fault.
-[[gnu::noinline]] void repairFaulty(Workspace &work, Line &line);
+// Looks at a line of the given text. Sets `cut` where it returns Look::Cut.
+Look lookAtLine(const Workspace &work, char key, std::string_view text, Refused refused, Cut &cut);
+// Out of line, so that the frame of one kind of line is not set up for the others.
+[[gnu::noinline]] Look lookAtOrigin(const Workspace &work, std::string_view value, Cut &cut);
+[[gnu::noinline]] Look lookAtMedia(const Workspace &work, std::string_view value, Cut &cut);
+Look lookAtRtpmap(std::string_view value, Cut &cut);
 
-// Repairs such a line. Most need no repair, or only that of their most frequent fault, blanks too
-// many at one place: these are repaired at once, and repairFaulty() is called for all others.
-[[gnu::noinline]] void repairOriginLine(Workspace &work, Line &line, std::string_view value);
-[[gnu::noinline]] void repairMediaLine(Workspace &work, Line &line, std::string_view value);
-
-// Whether the value of an a=rtpmap line is complete without superfluous white space (Plain); or
-// would be without the blanks before it, which is the most frequent fault (AfterBlanks).
-enum class Rtpmaps : uint8_t { Plain, AfterBlanks, Other };
-Rtpmaps lookAtRtpmap(std::string_view value);
-// Removes these blanks from a line that has not been written again.
-void closeRtpmap(Workspace &work, Line &line, std::string_view value);
+// Repairs a line after that look.
+void repairLine(Workspace &work, Line &line, Look look, const Cut &cut);
 
 // The number of blanks between words, if there is one blank between each two and none around them;
 // else, and for control characters, kNotEven.
@@ -59,7 +64,7 @@ inline uint32_t countBlanks(std::string_view words) {
 }
 
 // Whether the line has a CR or a NUL, so that readers disagree about its end: it is not repaired.
-bool endsTwice(const Workspace &work, const Line &line);
+bool endsTwice(const Workspace &work, std::string_view line);
 
 // Whether the decoder accepts payload numbers after that protocol.
 bool takesPayloads(std::string_view protocol, bool rtpFamily);

@@ -6,17 +6,16 @@ namespace sdpline::tidy {
 
 namespace {
 
-constexpr uint32_t kFirstRows = 16;
 constexpr uint32_t kNextAllocation = 4096;
 
 } // namespace
 
 void Memory::grow(size_t size) {
     const auto request = static_cast<uint32_t>(std::max(size, size_t{next_}));
-    next_ = kNextAllocation;
     if (memCp_ == nullptr && !failed_) {
-        failed_ = SipMmCreateBufMem(request, kNextAllocation, &memCp_) != 0;
+        failed_ = SipMmCreateBufMem(std::max(request, first_), kNextAllocation, &memCp_) != 0;
     }
+    next_ = next_ != 0 ? kNextAllocation : 0;
     free_ = failed_ ? nullptr : static_cast<char *>(memCp_->pfnAlloc(memCp_, request));
     failed_ = free_ == nullptr;
     left_ = failed_ ? 0 : request;
@@ -35,14 +34,12 @@ std::string_view decimal(Memory &memory, uint32_t number) {
 
 // False without memory.
 bool Workspace::growFound() {
-    const uint32_t capacity = foundCapacity_ == 0 ? kFirstRows : 2 * foundCapacity_;
+    const uint32_t capacity = 2 * foundCapacity_;
     auto *const more = memory.array<Found>(capacity);
     if (more == nullptr) {
         return false;
     }
-    if (found_ != nullptr) {
-        std::memcpy(static_cast<void *>(more), found_, foundCount_ * sizeof(Found));
-    }
+    std::memcpy(static_cast<void *>(more), found_, foundCount_ * sizeof(Found));
     found_ = more;
     foundCapacity_ = capacity;
     return true;
@@ -53,9 +50,7 @@ bool Workspace::growLines(uint32_t used, uint32_t count) {
     if (more == nullptr) {
         return false;
     }
-    if (lines != nullptr) {
-        std::memcpy(static_cast<void *>(more), lines, used * sizeof(Line));
-    }
+    std::memcpy(static_cast<void *>(more), lines, used * sizeof(Line));
     for (Found *found = found_; found != found_ + foundCount_; ++found) {
         found->line = more + (found->line - lines);
     }
@@ -66,20 +61,9 @@ bool Workspace::growLines(uint32_t used, uint32_t count) {
 Line *Workspace::newLine(std::string_view content, const Line &before) {
     auto *const line = memory.array<Line>(1);
     if (line != nullptr) {
-        *line = {.text = content,
-                 .more = {},
-                 .original = {before.original.data(), 0},
-                 .end = lineEnd,
-                 .next = nullptr,
-                 .extra = nullptr,
-                 .number = before.number,
-                 .count = 1,
-                 .newNumber = 0,
-                 .key = content.front(),
-                 .rank = 0,
-                 .aside = true,
-                 .deferred = false,
-                 .isWhole = false};
+        *line =
+            lineOf(content, {before.original.data(), 0}, lineEnd, before.number, content.front());
+        line->aside = true;
     }
     return line;
 }

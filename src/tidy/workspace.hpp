@@ -13,27 +13,47 @@
 
 namespace sdpline::tidy {
 
-// One line of the text, or one that was inserted; or several consecutive lines that do not change.
-// The array of lines is in the order of the given text. Once lines have been arranged they are
-// linked in the order in which they will be written.
+// One line of the text, or one that was inserted; or a run, which is several consecutive lines that
+// do not change. The array of lines is in the order of the given text. Once lines have been
+// arranged they are linked in the order in which they will be written.
 struct Line {
     std::string_view text;     // as it will be written, without the end of the (last) line
     std::string_view more;     // is written after it: the rest of a line from which a part was cut
-    std::string_view original; // as it was given; empty, at its place, for an inserted line
+    std::string_view original; // as it was given; empty, at its place, for an inserted line; of a
+                               // run the first line
     std::string_view end;      // CR LF, LF, or nothing where the text ends
     Line *next;
     Line *extra;        // a line put in beside this one, null for none
     uint32_t number;    // of the given text, from 1; of a line put in, that of the line it precedes
     uint32_t count;     // the number of lines
     uint32_t newNumber; // of the repaired text, from 1; 0: not written
-    char key;           // the letter before "=", 0 for a line without
+    char key;           // the letter before "=", of a run that of its first line; 0 for none
     uint8_t rank;       // where its kind is in the order of lines
     bool aside;         // goes to the end of its kind, wherever it was
     bool deferred;      // an m= line whose formats are those of the lines below, when repaired
-    bool isWhole;       // whole media descriptions that do not change
+    bool isInOrder;     // an m= line of whose description no line moves
 
     size_t size() const { return text.size() + more.size() + end.size(); }
 };
+
+// A line whose other fields are not set.
+inline Line lineOf(std::string_view text, std::string_view original, std::string_view end,
+                   uint32_t number, char key) {
+    return {.text = text,
+            .more = {},
+            .original = original,
+            .end = end,
+            .next = nullptr,
+            .extra = nullptr,
+            .number = number,
+            .count = 1,
+            .newNumber = 0,
+            .key = key,
+            .rank = 0,
+            .aside = false,
+            .deferred = false,
+            .isInOrder = false};
+}
 
 // The rank of a line that is not written.
 inline constexpr uint8_t kNotWritten = 0xFF;
@@ -69,10 +89,10 @@ struct Found {
 class Memory {
 public:
     // `first` is the size of the first allocation, which is enough for most texts.
-    Memory(SDPMemCp *memCp, uint32_t first) : memCp_(memCp), next_(first) {}
+    Memory(SDPMemCp *memCp, uint32_t first) : memCp_(memCp), first_(first), next_(first) {}
     // The buffer is used first; when it is full, a block is made.
     Memory(std::span<char> buffer, uint32_t first)
-        : next_(first), free_(buffer.data()), left_(buffer.size()) {}
+        : first_(first), next_(first), free_(buffer.data()), left_(buffer.size()) {}
 
     void *take(size_t size) {
         size = (size + 7) & ~size_t{7};
@@ -91,11 +111,12 @@ public:
     }
     bool hasFailed() const { return failed_; }
 
-    // From here on memory comes from the block, so that it can outlive the buffer. `size` bytes are
-    // enough for the requests that follow.
+    // From here on memory comes from the block, so that it can outlive the buffer. Each request
+    // gets memory of its own; `size` bytes are enough for the requests that follow.
     void leaveBuffer(size_t size) {
         if (memCp_ == nullptr) {
-            next_ = static_cast<uint32_t>(size);
+            first_ = static_cast<uint32_t>(size);
+            next_ = 0;
             left_ = 0;
         }
     }
@@ -106,7 +127,8 @@ private:
     void grow(size_t size);
 
     SDPMemCp *memCp_ = nullptr;
-    uint32_t next_;
+    uint32_t first_; // of the block
+    uint32_t next_;  // of the next allocation, at least
     char *free_ = nullptr;
     size_t left_ = 0;
     bool failed_ = false;
@@ -124,24 +146,28 @@ public:
         if (part.data() == pendingEnd_) {
             pendingEnd_ += part.size();
         } else if (!part.empty()) {
-            flush();
+            at_ = copied(at_, end_, pending_, pendingEnd_);
             pending_ = part.data();
             pendingEnd_ = pending_ + part.size();
         }
         return *this;
     }
     std::string_view text() {
-        flush();
+        at_ = copied(at_, end_, pending_, pendingEnd_);
+        pending_ = pendingEnd_ = nullptr;
         return {begin_, static_cast<size_t>(at_ - begin_)};
     }
 
 private:
-    [[gnu::noinline]] void flush() {
-        const auto size = static_cast<size_t>(pendingEnd_ - pending_);
-        if (size <= static_cast<size_t>(end_ - at_)) {
-            copyBytes(at_, pending_, size);
-            at_ += size;
+    // Returns the end of the copy. A static function, so that a draft can be in registers.
+    [[gnu::noinline]] static char *copied(char *at, const char *limit, const char *part,
+                                          const char *partEnd) {
+        const auto size = static_cast<size_t>(partEnd - part);
+        if (size > static_cast<size_t>(limit - at)) {
+            return at;
         }
+        copyBytes(at, part, size);
+        return at + size;
     }
 
     char *begin_;
@@ -156,27 +182,36 @@ std::string_view decimal(Memory &memory, uint32_t number);
 
 class Workspace {
 public:
-    // `size` is the size of the first allocation.
+    // The number of entries for lines, and of rows, that are there at first.
+    static constexpr uint32_t kFewLines = 32;
+    static constexpr uint32_t kFewRows = 16;
+    static constexpr size_t kLeastBuffer = kFewLines * sizeof(Line) + kFewRows * sizeof(Found);
+
+    // The buffer has at least kLeastBuffer bytes; `size` is the size of the first allocation when
+    // it is full.
     Workspace(std::span<char> buffer, uint32_t size, std::string_view given, uint64_t rules,
               bool rtpFamily)
-        : memory(buffer, size), text(given), rules_(rules), rtpFamily_(rtpFamily) {}
+        : memory(buffer, size), text(given), lines(memory.array<Line>(kFewLines)), rules_(rules),
+          rtpFamily_(rtpFamily), found_(memory.array<Found>(kFewRows)) {}
 
     Memory memory;
     const std::string_view text;
+    Line *lines;
     std::string_view tail;             // the first empty line and the text after it
     std::string_view lineEnd = "\r\n"; // of inserted lines
-    Line *lines = nullptr;
-    uint32_t entryCount = 0;       // of `lines`
-    uint32_t lineCount = 0;        // of the text
-    uint32_t takenCount = 0;       // of lines, that the decoder took before it refused one
-    uint32_t takenSize = 0;        // and bytes of them
-    bool endsInCr = false;         // each line, there being no LF
-    bool goesOn = false;           // after the empty line that ends the description
-    bool hasSecondVersion = false; // or text before v=: that is never repaired
-    bool hasDeferred = false;      // lines
-    bool hasInnerEnd = false;      // a line may have a NUL or a CR inside
-    bool inOrder = false;          // the lines need no arranging, and none is missing
-    bool movesLines = false;       // a repair changed the order, or inserted a line
+    uint32_t entryCount = 0;           // of `lines`
+    uint32_t lineCount = 0;            // of the text
+    uint32_t takenCount = 0;           // of lines, that the decoder took before it refused one
+    uint32_t takenSize = 0;            // and bytes of them
+    uint32_t takenEntry = 0;           // the entry of these lines
+    const char *takenMedia = nullptr;  // the last m= line among them
+    bool endsInCr = false;             // each line, there being no LF
+    bool goesOn = false;               // after the empty line that ends the description
+    bool hasSecondVersion = false;     // or text before v=: that is never repaired
+    bool hasDeferred = false;          // lines
+    bool hasInnerEnd = false;          // a line may have a NUL or a CR inside
+    bool inOrder = true;               // the lines need no arranging, and none is missing
+    bool movesLines = false;           // a repair of the section changed the order, or added a line
 
     bool wants(Rule rule) const { return (rules_ & bitOf(rule)) != 0; }
     // The number of lines that need no repair within them, because the decoder accepted them. It
@@ -204,13 +239,13 @@ public:
     Line *newLine(std::string_view content, const Line &before);
 
 private:
-    bool growFound();
+    [[gnu::noinline]] bool growFound();
 
     uint64_t rules_;
     bool rtpFamily_;
-    Found *found_ = nullptr;
+    Found *found_;
     uint32_t foundCount_ = 0;
-    uint32_t foundCapacity_ = 0;
+    uint32_t foundCapacity_ = kFewRows;
 };
 
 // ---- The passes, in their order. Each is linear in the text.
@@ -220,7 +255,7 @@ private:
 void readLines(Workspace &work);
 
 // Sorts the lines, removes duplicate ones, and inserts missing ones.
-LineList arrange(Workspace &work);
+[[gnu::noinline]] LineList arrange(Workspace &work);
 
 // ---- Bytes and words
 
@@ -302,15 +337,21 @@ constexpr const char *afterBlanks(const char *at, const char *end) {
     return at;
 }
 
-// The same as starts_with, without a call.
+// The same as starts_with, ends_with and ==, without a call.
 template <size_t kSize>
 bool beginsWith(std::string_view text, const char (&literal)[kSize]) {
-    return text.size() >= kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
+    return text.size() >= kSize - 1 && equalBytes(text.data(), literal, kSize - 1);
+}
+
+template <size_t kSize>
+bool endsWith(std::string_view text, const char (&literal)[kSize]) {
+    return text.size() >= kSize - 1 &&
+           equalBytes(text.data() + text.size() - (kSize - 1), literal, kSize - 1);
 }
 
 template <size_t kSize>
 bool equals(std::string_view text, const char (&literal)[kSize]) {
-    return text.size() == kSize - 1 && std::memcmp(text.data(), literal, kSize - 1) == 0;
+    return text.size() == kSize - 1 && equalBytes(text.data(), literal, kSize - 1);
 }
 
 // The text without its first `bytes` bytes, of which it must have as many. Unlike substr() it

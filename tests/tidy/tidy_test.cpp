@@ -226,21 +226,70 @@ TEST(TidyText, OfManyFaultyLinesIsRepaired) {
     }
 }
 
-// The library recognises a lack of memory by the names of the decoder's checks.
+// Lines of the last description are out of their order, and one belongs to the session; before them
+// are lines and descriptions that the decoder accepts. Each allocation may fail, also where there
+// are more lines than the first array of them holds.
+class TidyOrder : public testing::TestWithParam<std::tuple<uint32_t, uint32_t>> {};
+
+TEST_P(TidyOrder, IsRestoredAfterAcceptedLines) {
+    const auto [descriptions, lines] = GetParam();
+    std::string session = kHead;
+    std::string media;
+    for (uint32_t i = 0; i < lines; ++i) {
+        session += "a=y" + std::to_string(i) + "\r\n";
+    }
+    for (uint32_t i = 0; i < descriptions; ++i) {
+        media += "m=audio 5 RTP/AVP 0\r\nb=AS:64\r\nb=CT:64\r\n";
+        for (uint32_t line = 0; line < lines; ++line) {
+            media += "a=z" + std::to_string(line) + "\r\n";
+        }
+    }
+    media += "m=video 7 RTP/AVP 31\r\n";
+    const std::string connection = "c=IN IP4 192.0.2.2\r\n";
+    const std::string attributes = "a=sendrecv\r\na=ptime:20\r\n";
+    const std::string ofSession = "z=0 0\r\n";
+    const std::string body = session + media + attributes + connection + ofSession + "a=x";
+    const auto place = session.find("a=") == std::string::npos ? session.size() : kHead.size();
+    const std::string expected = session.substr(0, place) + ofSession + session.substr(place) +
+                                 media + connection + attributes + "a=x";
+    for (uint32_t n = 1;; ++n) {
+        Allocations::failAt(n);
+        const Tidied repaired = tidied(body, tidytest::kAll);
+        const bool failed = Allocations::failed();
+        Allocations::reset();
+        if (!failed) {
+            EXPECT_EQ(repaired.text, expected);
+            const auto all = static_cast<uint32_t>(std::count(body.begin(), body.end(), '\n'));
+            const std::string rows = std::to_string(all - 1) + ":1 LineOrder -> " +
+                                     std::to_string(all - 2) + '\n' + std::to_string(all) +
+                                     ":1 LineLevel -> 5\n";
+            EXPECT_EQ(repaired.report(), rows);
+            return;
+        }
+        EXPECT_NE(repaired.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Bodies, TidyOrder,
+                         testing::Combine(testing::Values(0u, 1u, 2u, 3u),
+                                          testing::Values(0u, 1u, 20u, 60u)));
+
+// The library recognises a lack of memory by the classes and names of the decoder's checks.
 TEST(TidyText, KnowsTheChecksOfMemory) {
     struct Row {
         std::string_view name;
+        std::string_view outcome;
         std::string_view sentence;
     };
     const Row rows[] = {
-#define CHECK(source, name, function, outcome, logged, sentence) {#name, sentence},
+#define CHECK(source, name, function, outcome, logged, sentence) {#name, #outcome, sentence},
 #include "checks/parser.def"
 #include "checks/parser_attribute.def"
 #include "checks/parser_media.def"
 #include "checks/parser_time.def"
 #include "checks/text.def"
 #undef CHECK
-        {"DecodeBlock", "no memory"},
+        {"DecodeBlock", "CODE(152, RESOURCE)", "no memory"},
     };
     const auto isOfMemory = [](std::string_view check) {
         return check.ends_with("Alloc") || check.ends_with("Grow") || check.ends_with("Store") ||
@@ -248,6 +297,9 @@ TEST(TidyText, KnowsTheChecksOfMemory) {
     };
     for (const Row &row : rows) {
         EXPECT_EQ(isOfMemory(row.name), row.sentence.starts_with("no memory")) << row.name;
+        if (isOfMemory(row.name) && row.name != "MediaConnectionAlloc") {
+            EXPECT_TRUE(row.outcome.ends_with(" RESOURCE)")) << row.name;
+        }
     }
 }
 
