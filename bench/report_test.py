@@ -188,12 +188,12 @@ class TidyRatios(unittest.TestCase):
 
     def test_what_costs_more_than_its_limit_is_an_error(self):
         decodes = {("decode", body): 100 for body in instructions.OFFERS}
-        lines, errors = instructions.compare_tidied(self.counts(300), decodes)
+        lines, errors = instructions.compare_tidied(self.counts(270), decodes)
         self.assertEqual(len(lines), 16)
         self.assertEqual(errors, [])
-        _, errors = instructions.compare_tidied(self.counts(301), decodes)
-        self.assertEqual(errors, ["repair-last 1KB is 3.01 times its decode, not 3.0"])
-        _, errors = instructions.compare_tidied(self.counts(300), decodes | {("decode", "1KB"): 80})
+        _, errors = instructions.compare_tidied(self.counts(271), decodes)
+        self.assertEqual(errors, ["repair-last 1KB is 2.71 times its decode, not 2.7"])
+        _, errors = instructions.compare_tidied(self.counts(270), decodes | {("decode", "1KB"): 80})
         self.assertEqual(errors, ["tidy 1KB is 1.25 times its decode, not 1.2"])
 
 

@@ -12,7 +12,8 @@ namespace {
 
 // The buffer is sufficient for a text of about 1 KB with lines of the usual length. For a longer
 // text a block is made.
-constexpr size_t kBuffer = 8192;
+constexpr size_t kBuffer = 6144;
+static_assert(kBuffer > Workspace::kLeastBuffer);
 constexpr uint32_t kBlockTimes = 7;
 constexpr uint32_t kBlockMore = 1536;
 
