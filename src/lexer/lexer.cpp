@@ -112,22 +112,22 @@ StateLexer begin(const uint8_t *input) {
     return lexer;
 }
 
-BodyLexer beginBody(const uint8_t *body, const LateInput &late) {
-    const Position first = {.input = body,
-                            .at = body,
-                            .end = body + 2,
-                            .kind = SDP_TOK_VERSION,
-                            .context = SDP_LEXCTX_SDP,
-                            .last = '=',
-                            .counted = 0};
+// The fields are set one by one: the copy of a lexer that was just made would wait for its stores.
+void beginBody(const uint8_t *body, const LateInput &late, BodyLexer &lexer) {
+    lexer.input = body;
+    lexer.at = body;
+    lexer.end = body + 2;
+    lexer.kind = SDP_TOK_VERSION;
+    lexer.context = SDP_LEXCTX_SDP;
+    lexer.last = '=';
+    lexer.counted = 0;
     state.input = late.input;
     state.late = &late;
     state.inputGone = false;
     state.end = 1;
-    state.kind = first.kind;
-    state.context = first.context;
-    state.last = first.last;
-    return {first, {}};
+    state.kind = SDP_TOK_VERSION;
+    state.context = SDP_LEXCTX_SDP;
+    state.last = '=';
 }
 
 void clear() {

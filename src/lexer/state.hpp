@@ -50,9 +50,9 @@ void store(const LexerOn<Special> &lexer) {
 bool isUntouched();
 // Sets the state to the first token of an input, and returns a lexer at that token.
 StateLexer begin(const uint8_t *input);
-// The same for a body that begins with "v=", when the state is untouched. The input that the
-// exported operations read is the late one, the body's normal form.
-BodyLexer beginBody(const uint8_t *body, const LateInput &late);
+// The same for a body that begins with "v=", when the state is untouched: sets the lexer. The input
+// that the exported operations read is the late one, the body's normal form.
+void beginBody(const uint8_t *body, const LateInput &late, BodyLexer &lexer);
 // Resets the positions to the start of the input.
 void clear();
 

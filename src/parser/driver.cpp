@@ -201,7 +201,7 @@ const uint8_t *bytesOf(const SipString &text) {
 }
 
 // Parses the text and stores the position at which the parser stopped in the lexer's state.
-SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line, PlaceOf placeOf) {
+SDPResult parseWith(Parser auto &parser, const SipString &text, SdpLine &line, PlaceOf placeOf) {
     const bool done = parseLines(parser, line);
     lexer::store(parser);
     lexer::loseInput();
@@ -221,9 +221,12 @@ SDPResult parseWith(Parser auto parser, const SipString &text, SdpLine &line, Pl
     std::memset(end, 0, lexer::kPadding);
     const bool hasCr = std::memchr(buffer, '\r', static_cast<size_t>(end - buffer)) != nullptr;
     const StateLexer start = lexer::begin(buffer);
-    return start.special == 0 && !hasCr
-               ? parseWith(BodyParser{{start, {}}, 0}, text, line, originalPlace)
-               : parseWith(StateParser{start, 0}, text, line, originalPlace);
+    if (start.special == 0 && !hasCr) {
+        BodyParser parser = {{start, {}}, 0};
+        return parseWith(parser, text, line, originalPlace);
+    }
+    StateParser parser = {start, 0};
+    return parseWith(parser, text, line, originalPlace);
 }
 
 // For a body longer than SDP_MAX_BODY bytes: the buffer is allocated, and freed after the parse.
@@ -250,7 +253,10 @@ SDPLINE_INLINE SDPResult parseShort(const SipString &text, SdpLine &line) {
         return parseNormalForm(normalForm, kBufferSize, text, line);
     }
     const lexer::LateInput late = {normalise, bytesOf(text), text.ulLen, normalForm};
-    return parseWith(BodyParser{{lexer::beginBody(body, late)}, 0}, text, line, bodyPlace);
+    BodyParser parser;
+    parser.failure = 0;
+    lexer::beginBody(body, late, parser);
+    return parseWith(parser, text, line, bodyPlace);
 }
 
 } // namespace
