@@ -172,6 +172,18 @@ class Output {
 public:
     explicit Output(SipStringBuffer *buffer) : buffer_(buffer) { load(); }
 
+    // The fields are copied one by one: loads of several fields that were just stored would wait
+    // for the stores.
+    Output(const Output &other) : buffer_(other.buffer_) { *this = other; }
+    Output &operator=(const Output &other) {
+        at_ = other.at_;
+        limit_ = other.limit_;
+        lineEnd_.first = other.lineEnd_.first;
+        lineEnd_.last = other.lineEnd_.last;
+        lineEnd_.size = other.lineEnd_.size;
+        return *this;
+    }
+
     // Sets the end of the buffer's text after the written lines. Until then it is not changed.
     void store() const {
         if (isInPlace()) {
