@@ -206,21 +206,21 @@ Look lookAtWords(std::string_view words, Cut &cut) {
     return Look::Cut;
 }
 
-Look lookAtForm(const Attribute &attribute, Cut &cut) {
-    const std::string_view rest = attribute.rest;
-    if (rest.empty() || attribute.name.empty()) {
-        return rest.empty() && !needsValue(attribute.shape) ? Look::Plain : Look::Other;
+// `rest` is the text after the name.
+Look lookAtForm(std::string_view rest, Shape shape, Cut &cut) {
+    if (rest.empty()) {
+        return needsValue(shape) ? Look::Other : Look::Plain;
     }
     const bool hasColon = rest.front() == ':';
     if (rest.size() == 1 || !hasColon) {
-        if (needsValue(attribute.shape) || (!hasColon && !withoutBlanksBefore(rest).empty())) {
+        if (needsValue(shape) || (!hasColon && !withoutBlanksBefore(rest).empty())) {
             return Look::Other;
         }
         cut = {hasColon ? Rule::ValueMissing : Rule::TrailingSpace, rest.data(), rest.data(),
                rest.data() + rest.size()};
         return Look::Cut;
     }
-    switch (attribute.shape) {
+    switch (shape) {
     case Shape::Text:
     case Shape::Any: return Look::Plain;
     case Shape::Words:
@@ -232,8 +232,12 @@ Look lookAtForm(const Attribute &attribute, Cut &cut) {
 // Nearly half of all attributes are a=rtpmap, whose name needs no lookup.
 Look lookAtParts(std::string_view value, Cut &cut) {
     constexpr char rtpmap[] = "rtpmap:";
-    return beginsWith(value, rtpmap) ? lookAtRtpmap(withoutFirst(value, sizeof rtpmap - 1), cut)
-                                     : lookAtForm(Attribute(value), cut);
+    if (beginsWith(value, rtpmap)) {
+        return lookAtRtpmap(withoutFirst(value, sizeof rtpmap - 1), cut);
+    }
+    const std::string_view name = nameOf(value);
+    return name.empty() ? Look::Other
+                        : lookAtForm(withoutFirst(value, name.size()), shapeOf(name), cut);
 }
 
 } // namespace

@@ -177,8 +177,11 @@ Look lookAtRtpmap(std::string_view value, Cut &cut) {
     if (!isSettled(bare, end)) {
         return Look::Other;
     }
+    if (bare == value.data()) {
+        return Look::Plain;
+    }
     cut = {Rule::RtpmapSpace, value.data(), value.data(), bare};
-    return bare != value.data() ? Look::Cut : Look::Plain;
+    return Look::Cut;
 }
 
 void repairRtpmap(Workspace &work, Line &line, std::string_view value) {
