@@ -229,7 +229,7 @@ Look lookAtForm(std::string_view rest, Shape shape, Cut &cut) {
     }
 }
 
-// Nearly half of all attributes are a=rtpmap, whose name needs no lookup.
+// Many attributes are a=rtpmap, whose name needs no lookup.
 Look lookAtParts(std::string_view value, Cut &cut) {
     constexpr char rtpmap[] = "rtpmap:";
     if (beginsWith(value, rtpmap)) {
