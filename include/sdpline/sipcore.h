@@ -296,10 +296,11 @@ SIPCORE_API void SIPAbnormalSecureFuncEx(const char *pcName, uint32_t ulNumber);
 
 /* The memory that libsipcore has allocated, over all threads. A thread caches the allocations that
  * it frees if they have at most 4096 bytes, up to 64 KiB in all, and uses them again before it
- * calls the process heap. When the cache is full, others are freed for each that is added. They are
- * freed when the thread ends; if the library is unloaded before, they are lost. SipMmGetStatistics and SipMmResetPeak first free the cache of the calling thread,
- * so that only the caches of other threads are counted as memory in use. Allocations that can be
- * cached are rounded up to multiples of 256 bytes. */
+ * calls the process heap. When the cache is full, others are freed for each that is added. All are
+ * freed when the thread ends; if the library is unloaded before, they are lost. SipMmGetStatistics
+ * and SipMmResetPeak first free the cache of the calling thread, so that only the caches of other
+ * threads are counted as memory in use. Allocations that can be cached are rounded up to multiples
+ * of 256 bytes. */
 typedef struct SipMmStatistics {
     uint64_t ulBlocks;          /* blocks that exist */
     uint64_t ulHeapAllocations; /* allocations made from the process heap since the start */
