@@ -189,6 +189,21 @@ TEST(TidyText, OfBlanksTooManyIsRepairedWhereverTheyAre) {
     }
 }
 
+// Tidies with each allocation failing in turn, which must not give a repaired text, and at last
+// with all memory.
+Tidied tidiedInTheEnd(const std::string &body) {
+    for (uint32_t n = 1;; ++n) {
+        Allocations::failAt(n);
+        Tidied repaired = tidied(body, tidytest::kAll);
+        const bool failed = Allocations::failed();
+        Allocations::reset();
+        if (!failed) {
+            return repaired;
+        }
+        EXPECT_NE(repaired.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
+    }
+}
+
 // More lines than the first array of them holds: their rows are the same after it has grown, and
 // each allocation may fail.
 TEST(TidyText, OfManyFaultyLinesIsRepaired) {
@@ -208,21 +223,12 @@ TEST(TidyText, OfManyFaultyLinesIsRepaired) {
     }
     body += "a=ptime: 20\r\n";
     expected += "a=ptime:20\r\n";
-    for (uint32_t n = 1;; ++n) {
-        Allocations::failAt(n);
-        const Tidied repaired = tidied(body, tidytest::kAll);
-        const bool failed = Allocations::failed();
-        Allocations::reset();
-        if (!failed) {
-            EXPECT_EQ(repaired.text, expected);
-            ASSERT_EQ(repaired.rows.size(), lines + 1);
-            for (uint32_t i = 0; i <= lines; ++i) {
-                EXPECT_EQ(repaired.rows[i].ulLine, before + 1 + i);
-                EXPECT_EQ(repaired.rows[i].ulNewLine, before + 1 + i);
-            }
-            return;
-        }
-        EXPECT_NE(repaired.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
+    const Tidied repaired = tidiedInTheEnd(body);
+    EXPECT_EQ(repaired.text, expected);
+    ASSERT_EQ(repaired.rows.size(), lines + 1);
+    for (uint32_t i = 0; i <= lines; ++i) {
+        EXPECT_EQ(repaired.rows[i].ulLine, before + 1 + i);
+        EXPECT_EQ(repaired.rows[i].ulNewLine, before + 1 + i);
     }
 }
 
@@ -252,22 +258,12 @@ TEST_P(TidyOrder, IsRestoredAfterAcceptedLines) {
     const auto place = session.find("a=") == std::string::npos ? session.size() : kHead.size();
     const std::string expected = session.substr(0, place) + ofSession + session.substr(place) +
                                  media + connection + attributes + "a=x";
-    for (uint32_t n = 1;; ++n) {
-        Allocations::failAt(n);
-        const Tidied repaired = tidied(body, tidytest::kAll);
-        const bool failed = Allocations::failed();
-        Allocations::reset();
-        if (!failed) {
-            EXPECT_EQ(repaired.text, expected);
-            const auto all = static_cast<uint32_t>(std::count(body.begin(), body.end(), '\n'));
-            const std::string rows = std::to_string(all - 1) + ":1 LineOrder -> " +
+    const Tidied repaired = tidiedInTheEnd(body);
+    EXPECT_EQ(repaired.text, expected);
+    const auto all = static_cast<uint32_t>(std::count(body.begin(), body.end(), '\n'));
+    EXPECT_EQ(repaired.report(), std::to_string(all - 1) + ":1 LineOrder -> " +
                                      std::to_string(all - 2) + '\n' + std::to_string(all) +
-                                     ":1 LineLevel -> 5\n";
-            EXPECT_EQ(repaired.report(), rows);
-            return;
-        }
-        EXPECT_NE(repaired.outcome, static_cast<uint32_t>(SDP_TIDY_REPAIRED)) << n;
-    }
+                                     ":1 LineLevel -> 5\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Bodies, TidyOrder,
