@@ -161,6 +161,24 @@ TEST(TidyText, ThatMemoryRunsOutForIsNotRepaired) {
     }
 }
 
+// A lack of memory is reported as the decoder's failure, also where its class is another one than
+// that of the others, and though a later line has a fault.
+TEST(TidyText, ThatMemoryRunsOutForHasTheFailureOfTheDecoder) {
+    const std::string body = kHead + "m=audio 5 RTP/AVP 0\r\nc=IN IP4 192.0.2.1\r\na=ptime: 20\r\n";
+    uint32_t found = 0; // first in the decode of the given text, then in that of the repaired one
+    for (uint32_t n = 1; n < 100; ++n) {
+        Allocations::failAt(n);
+        const Tidied refused = tidied(body, tidytest::kAll);
+        Allocations::reset();
+        if (refused.remaining.pcCheck == std::string_view("MediaConnectionAlloc") && ++found == 1) {
+            EXPECT_EQ(refused.result, refused.remaining.ulResult);
+            EXPECT_EQ(refused.outcome, static_cast<uint32_t>(SDP_TIDY_REFUSED));
+            EXPECT_TRUE(refused.rows.empty());
+        }
+    }
+    EXPECT_GE(found, 1u);
+}
+
 // Blanks too many at one place of an o= line and of an m= line: in each gap, so many that the lines
 // are short or long, and with or without text after the last line.
 TEST(TidyText, OfBlanksTooManyIsRepairedWhereverTheyAre) {
