@@ -45,7 +45,7 @@ public:
     }
 
     // Returns the next word, an empty text after the last one.
-    SDPLINE_INLINE std::string_view next() {
+    std::string_view next() {
         if (wordEnds_ == 0) {
             return {};
         }
@@ -69,7 +69,7 @@ public:
     }
 
     // Whether there are blanks too many; the removal of them.
-    SDPLINE_INLINE Look look(const Workspace &work, Cut &cut) const {
+    Look look(const Workspace &work, Cut &cut) const {
         if (extra_ == nullptr || !work.wants(Rule::SpaceRun)) {
             return Look::Plain;
         }

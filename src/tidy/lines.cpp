@@ -85,7 +85,7 @@ private:
     }
 
     // `at` is the line that was reached.
-    SDPLINE_INLINE Line &newEntry(const char *at) {
+    Line &newEntry(const char *at) {
         if (next_ == end_) [[unlikely]] {
             grow(at);
         }
