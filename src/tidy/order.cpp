@@ -223,6 +223,7 @@ public:
     }
 
 private:
+    // Calls `use` for each line of an entry, in the order of the text.
     template <class Use>
     void eachLineOf(Line &entry, Use use) {
         const std::span<Line> more = unfold(work_, entry);
