@@ -3,6 +3,7 @@
 #
 # They start from the corpus, the cases, and the inputs found by earlier runs, which are kept in
 # BUILD/fuzz/found. Inputs that break a property are kept in BUILD/fuzz/findings, with the log.
+# They are printed too, in base64, because a machine of CI is gone after its run.
 set -euo pipefail
 sources=$(dirname "$(realpath "$0")")
 build=$(realpath "$1")/fuzz
@@ -25,7 +26,8 @@ if ! "$program" -max_total_time="$seconds" -max_len=4200 -timeout=10 -rss_limit_
   -dict="$build/seeds/sdp.dict" -artifact_prefix="$build/findings/$target-" \
   "$build/found/$target" "$sources/corpus/$target" "$build/seeds/$target" >"$log" 2>&1; then
   { echo "$target: FINDING, all of it in $log"
-    grep -E '^(FINDING|SUMMARY|==.*ERROR|Test unit|.*runtime error)|Test unit written' "$log" || tail -n 5 "$log"; } >&2
+    grep -E -A1 '^(FINDING|SUMMARY|==.*ERROR|Test unit|.*runtime error)|Test unit written' "$log" || tail -n 5 "$log"
+    sed -n 's/.*Test unit written to //p' "$log" | xargs -r base64; } >&2
   exit 1
 fi
 # "#551816  DONE   cov: 1997 ft: 9191 ..."

@@ -1,6 +1,8 @@
 // Replacing payload numbers that would change their codec, in all lines that have them.
 #include "negotiate/renumber.hpp"
 
+#include <algorithm>
+
 #include "negotiate/formats.hpp"
 #include "negotiate/pairing.hpp"
 
@@ -12,28 +14,57 @@ namespace {
 constexpr uint32_t kFirstUnassigned = 35;
 constexpr uint32_t kLastUnassigned = 63;
 
+// Lines whose value begins with a payload number: "96 nack pli" (RFC 4585 section 4.2, RFC 6236
+// section 3.1.1).
+bool beginsWithNumber(std::string_view name) {
+    return name == "rtcp-fb" || name == "imageattr";
+}
+
+// The payload number that a line is about; SDP_NEGOTIATE_NONE if it is about none.
+uint32_t numberOf(const SDPAttr &attribute) {
+    if (attribute.ulAttrType == SDP_ATTR_RTPMAP) {
+        return attribute.unAttrValue.stRtpMap.ulPayloadType;
+    }
+    std::string_view value;
+    if (attribute.ulAttrType == SDP_ATTR_FMTP) {
+        value = viewOf(attribute.unAttrValue.strValue);
+    } else if (beginsWithNumber(otherName(attribute))) {
+        value = otherValue(attribute);
+    }
+    uint32_t number = 0;
+    return takeNumber(value, number) ? number : SDP_NEGOTIATE_NONE;
+}
+
 class Renumbering {
 public:
     Renumbering(const SDPMediaDesc &previous, const SDPMediaDesc &wanted, Arena &arena)
-        : arena_(arena) {
+        : wanted_(wanted), arena_(arena) {
         gather(previous, before_);
         gather(wanted, after_);
     }
 
     // Returns false if every number keeps its codec.
-    bool plan() {
+    bool needed() const {
+        return std::any_of(after_.begin(), after_.end(),
+                           [this](const Format &format) { return clashes(format); });
+    }
+
+    void plan() {
         for (uint32_t number = 0; number <= kHighestPayload; ++number) {
             numbers_[number] = static_cast<uint8_t>(number);
-            taken_[number] = before_.indexOf(number) || after_.indexOf(number);
         }
-        bool any = false;
+        for (const Format &format : after_) {
+            use(format.number);
+        }
+        // The lines of a number that the m= line lacks would define the format that gets it.
+        for (const SDPAttr *const attribute : attributesOf(wanted_.pstAttrList)) {
+            use(numberOf(*attribute));
+        }
         for (const Format &format : after_) {
             if (clashes(format)) {
                 numbers_[format.number] = static_cast<uint8_t>(replacement(format));
-                any = true;
             }
         }
-        return any;
     }
 
     void apply(MediaDraft &draft) {
@@ -44,8 +75,10 @@ public:
                 map.ulPayloadType = replaced(map.ulPayloadType);
             } else if (attribute.ulAttrType == SDP_ATTR_FMTP) {
                 attribute = parameters(attribute);
-            } else if (otherName(attribute) == "rtcp-fb") {
-                attribute = feedback(attribute);
+            } else if (beginsWithNumber(otherName(attribute))) {
+                attribute = other(attribute);
+            } else if (otherName(attribute) == "rid") {
+                attribute = restrictions(attribute);
             }
         }
     }
@@ -58,11 +91,16 @@ private:
                !sameCodec(format, before_.items[*place]);
     }
 
+    void use(uint32_t number) {
+        if (number <= kHighestPayload) {
+            used_[number] = true;
+        }
+    }
+
     uint32_t replacement(const Format &format) {
         for (const Format &one : before_) {
-            if (sameCodec(one, format) && sameParameters(one, format) &&
-                !after_.indexOf(one.number) && !given_[one.number]) {
-                given_[one.number] = true;
+            if (sameCodec(one, format) && sameParameters(one, format) && !used_[one.number]) {
+                use(one.number);
                 return one.number;
             }
         }
@@ -75,8 +113,8 @@ private:
 
     std::optional<uint32_t> firstFree(uint32_t first, uint32_t last) {
         for (uint32_t number = first; number <= last; ++number) {
-            if (!taken_[number]) {
-                taken_[number] = true;
+            if (!used_[number] && !before_.indexOf(number)) {
+                use(number);
                 return number;
             }
         }
@@ -88,7 +126,10 @@ private:
     }
 
     void payloads(SDPMediaFmt &format) {
-        if (format.enFmtType == SDP_FMT_OTHER) {
+        if (format.enFmtType == SDP_FMT_OTHER) { // one number, which the decoder stores as a word
+            Text text;
+            list(viewOf(format.unMediaFmt.strOtherFmts), ' ', text);
+            format.unMediaFmt.strOtherFmts = lent(arena_.copy(text.view()));
             return;
         }
         const SDPRtpPayLoads old = format.unMediaFmt.stRtpPayLoads;
@@ -122,24 +163,13 @@ private:
     // Writes " apt=96" or " 96/97" with the numbers replaced.
     void references(const Format &format, Text &text) {
         const std::string_view all = format.parameters;
-        const std::string_view list =
-            format.role == Role::Rtx ? parameter(all, "apt").value_or(firstBytes(all, 0)) : all;
-        const auto begin = static_cast<size_t>(list.data() - all.data());
-        text << " " << firstBytes(all, begin);
-        std::string_view rest = list;
-        uint32_t number = 0;
-        while (takeNumber(rest, number)) {
-            text << replaced(number);
-            if (rest.empty() || rest[0] != '/') {
-                break;
-            }
-            text << "/";
-            rest.remove_prefix(1);
-        }
-        text << rest << after(all, begin + list.size());
+        const std::string_view numbers =
+            format.role == Role::Rtx ? parameter(all, "apt").value_or("") : all;
+        text << " ";
+        within(all, numbers, '/', text);
     }
 
-    SDPAttr feedback(const SDPAttr &attribute) {
+    SDPAttr other(const SDPAttr &attribute) {
         std::string_view rest = otherValue(attribute);
         uint32_t number = 0;
         if (!takeNumber(rest, number)) {
@@ -147,15 +177,55 @@ private:
         }
         Text text;
         text << replaced(number) << rest;
-        return otherLine(arena_, "rtcp-fb", text);
+        return otherLine(arena_, otherName(attribute), text);
     }
 
+    // "1 send pt=96,97;max-width=1280" (RFC 8851 section 4)
+    SDPAttr restrictions(const SDPAttr &attribute) {
+        const std::string_view all = otherValue(attribute);
+        std::string_view rest = all;
+        takeWord(rest);
+        takeWord(rest);
+        const auto numbers = parameter(rest, "pt");
+        if (!numbers) {
+            return attribute;
+        }
+        Text text;
+        within(all, *numbers, ',', text);
+        return otherLine(arena_, "rid", text);
+    }
+
+    // Writes `all` with the numbers of its part `numbers` replaced.
+    void within(std::string_view all, std::string_view numbers, char separator, Text &text) {
+        if (numbers.empty()) {
+            text << all;
+            return;
+        }
+        const auto begin = static_cast<size_t>(numbers.data() - all.data());
+        text << firstBytes(all, begin);
+        list(numbers, separator, text);
+        text << after(all, begin + numbers.size());
+    }
+
+    void list(std::string_view rest, char separator, Text &text) {
+        uint32_t number = 0;
+        while (takeNumber(rest, number)) {
+            text << replaced(number);
+            if (rest.empty() || rest[0] != separator) {
+                break;
+            }
+            text << std::string_view(&separator, 1);
+            rest.remove_prefix(1);
+        }
+        text << rest;
+    }
+
+    const SDPMediaDesc &wanted_;
     Arena &arena_;
     FormatList before_;
     FormatList after_;
     uint8_t numbers_[kHighestPayload + 1];
-    bool taken_[kHighestPayload + 1];
-    bool given_[kHighestPayload + 1] = {};
+    bool used_[kHighestPayload + 1] = {}; // in the new description
 };
 
 } // namespace
@@ -163,7 +233,8 @@ private:
 void keepNumbers(const SDPMediaDesc &previous, const SDPMediaDesc &wanted, Arena &arena,
                  MediaDraft &draft) {
     Renumbering renumbering(previous, wanted, arena);
-    if (renumbering.plan()) {
+    if (renumbering.needed()) {
+        renumbering.plan();
         renumbering.apply(draft);
     }
 }
