@@ -113,21 +113,35 @@ void Grouping::addGroups() {
     }
 }
 
-// Writes the group with the ids of the accepted streams, in the offer's order.
-void Grouping::addGroup(std::string_view offered) {
+// The accepted stream of an id. No two streams should have one id (RFC 5888 section 4); if they do,
+// the first one is meant, and none may be rejected.
+std::optional<uint32_t> Grouping::acceptedWith(std::string_view mid) const {
     const MediaSpan streams = mediaOf(offer_);
+    std::optional<uint32_t> found;
+    for (uint32_t i = 0; i < streams.size(); ++i) {
+        if (midOf(*streams[i]) != mid) {
+            continue;
+        }
+        if (draft_.media[i].line.ulPort == 0) {
+            return std::nullopt;
+        }
+        found = found.value_or(i);
+    }
+    return found;
+}
+
+// Writes the group with the ids of the accepted streams, in the offer's order, each once.
+void Grouping::addGroup(std::string_view offered) {
     Growing<uint32_t> members(report_.arena);
     Text text;
     std::string_view rest = offered;
     text << takeWord(rest);
     while (!rest.empty()) {
         const std::string_view mid = takeWord(rest);
-        for (uint32_t i = 0; i < streams.size(); ++i) {
-            if (draft_.media[i].line.ulPort != 0 && midOf(*streams[i]) == mid) {
-                text << " " << mid;
-                members.add(i);
-                break;
-            }
+        const auto stream = acceptedWith(mid);
+        if (stream && std::find(members.begin(), members.end(), *stream) == members.end()) {
+            text << " " << mid;
+            members.add(*stream);
         }
     }
     if (members.size() == 0) {

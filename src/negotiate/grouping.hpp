@@ -1,6 +1,8 @@
 // a=mid and a=group (RFC 5888, RFC 8843).
 #pragma once
 
+#include <optional>
+
 #include "negotiate/draft.hpp"
 #include "negotiate/report.hpp"
 
@@ -34,6 +36,7 @@ private:
     bool lacksBundle(uint32_t stream) const;
     void addMids();
     void addGroups();
+    std::optional<uint32_t> acceptedWith(std::string_view mid) const;
     void addGroup(std::string_view offered);
     void bundle(const Growing<uint32_t> &streams);
 
