@@ -168,7 +168,7 @@ private:
             (options_.pulPorts == nullptr || nextPort_ >= options_.ulNoOfPorts)) {
             return Reason::StreamsUsedUp;
         }
-        if (!sameProtocol(offered, ours, options_.bAvpForAvpf != 0)) {
+        if (!fitsProtocol(offered, ours, options_.bAvpForAvpf != 0)) {
             why << "offered " << protocolWord(offered) << ", ours " << protocolWord(ours);
             return Reason::NoProtocol;
         }

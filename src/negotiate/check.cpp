@@ -90,7 +90,7 @@ private:
             change(Reason::MediaTypeChanged, index, mediaWord(offered), mediaWord(answered));
             return;
         }
-        if (!sameWord(protocolWord(offered), protocolWord(answered))) {
+        if (!sameProtocol(offered, answered)) {
             change(Reason::ProtocolChanged, index, protocolWord(offered), protocolWord(answered));
         }
         const uint32_t port = answered.stMediaField.ulPort;

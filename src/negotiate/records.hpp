@@ -81,8 +81,16 @@ inline std::string_view protocolWord(const SDPMediaDesc &media) {
     return Media(&media).protocol().text();
 }
 
+// Whether two m= lines have the same word. Equal codes that have a word of their own are enough.
 inline bool sameMedia(const SDPMediaDesc &one, const SDPMediaDesc &two) {
-    return sameWord(mediaWord(one), mediaWord(two));
+    const uint32_t code = one.stMediaField.stMedia.enMediaType;
+    return (code == two.stMediaField.stMedia.enMediaType && code != SDP_MEDIA_OTHER) ||
+           sameWord(mediaWord(one), mediaWord(two));
+}
+inline bool sameProtocol(const SDPMediaDesc &one, const SDPMediaDesc &two) {
+    const uint32_t code = one.stMediaField.stProto.enProto;
+    return (code == two.stMediaField.stProto.enProto && code != SDP_PROTO_OTHER) ||
+           sameWord(protocolWord(one), protocolWord(two));
 }
 
 // Whether the protocol has that code, or is a word for which fits(word) is true.

@@ -46,7 +46,7 @@ void StreamWriter::mediaLine() {
     const uint32_t theirs = std::max(offered_.stMediaField.ulNoOfPorts, uint32_t{1});
     const uint32_t own = std::max(ours_.stMediaField.ulNoOfPorts, uint32_t{1});
     line.ulNoOfPorts = match_.multicast ? theirs : std::min(theirs, own);
-    if (!sameWord(protocolWord(offered_), protocolWord(ours_))) {
+    if (!sameProtocol(offered_, ours_)) {
         line.stProto = ours_.stMediaField.stProto;
         report_.add(Reason::AvpForAvpf, match_.stream, protocolWord(ours_));
     }

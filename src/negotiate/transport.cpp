@@ -21,14 +21,13 @@ bool hasFeedback(const SDPMediaDesc &media) {
                       [](std::string_view word) { return hasWord(word, "AVPF"); });
 }
 
-bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf) {
-    const std::string_view theirs = protocolWord(offered);
-    const std::string_view own = protocolWord(ours);
-    if (sameWord(theirs, own)) {
+bool fitsProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf) {
+    if (sameProtocol(offered, ours)) {
         return true;
     }
+    const std::string_view theirs = protocolWord(offered);
     return avpForAvpf && hasFeedback(offered) &&
-           sameWord(firstBytes(theirs, theirs.size() - 1), own);
+           sameWord(firstBytes(theirs, theirs.size() - 1), protocolWord(ours));
 }
 
 // ---- a=setup
@@ -85,7 +84,7 @@ std::string_view chooseConnection(const Sides &sides, const SDPMediaDesc *previo
     }
     const SDPAttr *const ours = findFor(sides.local, sides.ours, "connection");
     const bool open = previous != nullptr && previous->stMediaField.ulPort != 0 &&
-                      sameWord(protocolWord(*previous), protocolWord(sides.offered));
+                      sameProtocol(*previous, sides.offered);
     const bool existing = ours != nullptr ? otherValue(*ours) == "existing" : open;
     return existing && otherValue(*theirs) == "existing" ? "existing" : "new";
 }

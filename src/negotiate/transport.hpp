@@ -13,9 +13,9 @@ bool isTcp(const SDPMediaDesc &media);       // "TCP", "TCP/BFCP"
 bool isSavp(const SDPMediaDesc &media);      // RTP/SAVP, RTP/SAVPF: keys by a=crypto
 bool hasFeedback(const SDPMediaDesc &media); // the AVPF profiles
 
-// Whether two protocols are equal without case; with `avpForAvpf` also an offered AVPF and our AVP,
-// or SAVPF and SAVP.
-bool sameProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf);
+// Whether our protocol answers the offered one: they are equal without case, or with `avpForAvpf`
+// AVPF is offered and ours is AVP, or SAVPF and SAVP.
+bool fitsProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf);
 
 // One stream of an offer, and the local stream with which it is answered.
 struct Sides {
