@@ -76,7 +76,7 @@ public:
             } else if (attribute.ulAttrType == SDP_ATTR_FMTP) {
                 attribute = parameters(attribute);
             } else if (beginsWithNumber(otherName(attribute))) {
-                attribute = other(attribute);
+                attribute = formatLine(attribute);
             } else if (otherName(attribute) == "rid") {
                 attribute = restrictions(attribute);
             }
@@ -146,30 +146,23 @@ private:
         if (!takeNumber(rest, number)) {
             return attribute;
         }
-        const auto place = after_.indexOf(number);
         Text text;
         text << replaced(number);
-        const bool refers =
-            place && after_.items[*place].fmtp != nullptr &&
-            (after_.items[*place].role == Role::Red || after_.items[*place].role == Role::Rtx);
-        if (!refers) {
-            text << rest;
-            return textLine(arena_, SDP_ATTR_FMTP, text);
-        }
-        references(after_.items[*place], text);
+        within(rest, references(number, rest), '/', text);
         return textLine(arena_, SDP_ATTR_FMTP, text);
     }
 
-    // Writes " apt=96" or " 96/97" with the numbers replaced.
-    void references(const Format &format, Text &text) {
-        const std::string_view all = format.parameters;
-        const std::string_view numbers =
-            format.role == Role::Rtx ? parameter(all, "apt").value_or("") : all;
-        text << " ";
-        within(all, numbers, '/', text);
+    // The numbers in the parameters of a format that refers to others: " apt=96" or " 96/97".
+    std::string_view references(uint32_t number, std::string_view parameters) const {
+        const auto place = after_.indexOf(number);
+        const Role role = place ? after_.items[*place].role : Role::Codec;
+        if (role == Role::Red) {
+            return after(parameters, parameters.find_first_not_of(' '));
+        }
+        return role == Role::Rtx ? parameter(parameters, "apt").value_or("") : "";
     }
 
-    SDPAttr other(const SDPAttr &attribute) {
+    SDPAttr formatLine(const SDPAttr &attribute) {
         std::string_view rest = otherValue(attribute);
         uint32_t number = 0;
         if (!takeNumber(rest, number)) {
