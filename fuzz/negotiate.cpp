@@ -84,6 +84,20 @@ void requireAnswer(const Body &offer, const Body &local, const Body *previous,
     }
 }
 
+// The codecs of the streams of a description, in their order.
+std::string codecsOf(const Body &body) {
+    const auto all = sdpline::agree(body, body, sdpline::Side::Offerer);
+    require(all.ok(), "an agreement can be made");
+    std::string codecs;
+    for (const auto &stream : all->streams) {
+        for (const auto &one : stream.formats) {
+            codecs += one.name + '/' + std::to_string(one.clockRate) + '/' +
+                      std::to_string(one.channels) + '\n';
+        }
+    }
+    return codecs;
+}
+
 void requireNext(const Body &previous, const Body &wanted) {
     const auto next = sdpline::nextOffer(previous, wanted);
     if (!next) {
@@ -92,6 +106,11 @@ void requireNext(const Body &previous, const Body &wanted) {
     }
     for (const auto &fault : sdpline::checkNext(previous, *next)) {
         require(fault.name == "NextPortTooHigh", "a next offer has no faults", fault.sentence);
+    }
+    if (wanted.media().size() == 1 && next->media().size() == 1) {
+        const std::string before = codecsOf(wanted);
+        const std::string after = codecsOf(*next);
+        require(after == before, "a new number has the codec of the old one", before + after);
     }
 }
 
