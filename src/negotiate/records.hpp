@@ -81,7 +81,8 @@ inline std::string_view protocolWord(const SDPMediaDesc &media) {
     return Media(&media).protocol().text();
 }
 
-// Whether two m= lines have the same word. Equal codes that have a word of their own are enough.
+// Whether two m= lines have the same media type, or the same protocol, without case. Words are
+// compared only if the codes differ or mean any word.
 inline bool sameMedia(const SDPMediaDesc &one, const SDPMediaDesc &two) {
     const uint32_t code = one.stMediaField.stMedia.enMediaType;
     return (code == two.stMediaField.stMedia.enMediaType && code != SDP_MEDIA_OTHER) ||

@@ -13,8 +13,8 @@ bool isTcp(const SDPMediaDesc &media);       // "TCP", "TCP/BFCP"
 bool isSavp(const SDPMediaDesc &media);      // RTP/SAVP, RTP/SAVPF: keys by a=crypto
 bool hasFeedback(const SDPMediaDesc &media); // the AVPF profiles
 
-// Whether our protocol answers the offered one: they are equal without case, or with `avpForAvpf`
-// AVPF is offered and ours is AVP, or SAVPF and SAVP.
+// Whether a stream of our protocol fits the offered one. The protocols are equal without case; with
+// `avpForAvpf`, AVP also fits AVPF, and SAVP fits SAVPF.
 bool fitsProtocol(const SDPMediaDesc &offered, const SDPMediaDesc &ours, bool avpForAvpf);
 
 // One stream of an offer, and the local stream with which it is answered.
