@@ -180,8 +180,9 @@ SDPLINE_API SDPResult SdpNegotiateAgree(const SdpLine *pstOffer, const SdpLine *
  * that is no longer wanted gets port 0, and keeps its media word, protocol and formats; a new
  * stream uses a line of port 0, or a line at the end. Streams of pstWanted with port 0 or a port
  * above 65535 are not wanted. A payload number that would change its codec is replaced in all lines
- * of its stream: by the number that the codec had, or by one from 96 to 127 that neither
- * description has, or from 35 to 63 if those are in use. If these are in use too, it stays.
+ * of its stream: by the number that the codec has in pstPrevious if no line of pstWanted has that
+ * number, else by one from 96 to 127 that neither description has, or from 35 to 63 if those are
+ * in use. If these are in use too, it stays.
  */
 SDPLINE_API SDPResult SdpNegotiateNextOffer(const SdpLine *pstPrevious, const SdpLine *pstWanted,
                                             SdpLine **ppstOffer);

@@ -14,31 +14,16 @@ namespace {
 constexpr uint32_t kFirstUnassigned = 35;
 constexpr uint32_t kLastUnassigned = 63;
 
-// Lines whose value begins with a payload number: "96 nack pli" (RFC 4585 section 4.2, RFC 6236
-// section 3.1.1).
+// Names of lines whose value begins with a payload number: "96 nack pli" (RFC 4585 section 4.2,
+// RFC 6236 section 3.1.1).
 bool beginsWithNumber(std::string_view name) {
     return name == "rtcp-fb" || name == "imageattr";
-}
-
-// The payload number that a line is about; SDP_NEGOTIATE_NONE if it is about none.
-uint32_t numberOf(const SDPAttr &attribute) {
-    if (attribute.ulAttrType == SDP_ATTR_RTPMAP) {
-        return attribute.unAttrValue.stRtpMap.ulPayloadType;
-    }
-    std::string_view value;
-    if (attribute.ulAttrType == SDP_ATTR_FMTP) {
-        value = viewOf(attribute.unAttrValue.strValue);
-    } else if (beginsWithNumber(otherName(attribute))) {
-        value = otherValue(attribute);
-    }
-    uint32_t number = 0;
-    return takeNumber(value, number) ? number : SDP_NEGOTIATE_NONE;
 }
 
 class Renumbering {
 public:
     Renumbering(const SDPMediaDesc &previous, const SDPMediaDesc &wanted, Arena &arena)
-        : wanted_(wanted), arena_(arena) {
+        : arena_(arena) {
         gather(previous, before_);
         gather(wanted, after_);
     }
@@ -49,25 +34,23 @@ public:
                            [this](const Format &format) { return clashes(format); });
     }
 
-    void plan() {
+    void run(MediaDraft &draft) {
         for (uint32_t number = 0; number <= kHighestPayload; ++number) {
             numbers_[number] = static_cast<uint8_t>(number);
         }
-        for (const Format &format : after_) {
-            use(format.number);
-        }
-        // The lines of a number that the m= line lacks would define the format that gets it.
-        for (const SDPAttr *const attribute : attributesOf(wanted_.pstAttrList)) {
-            use(numberOf(*attribute));
-        }
+        // Changes nothing, but marks the numbers of all lines. A number that the m= line lacks and
+        // another line has is in use: that line would be about the format with the new number.
+        replaceIn(draft);
         for (const Format &format : after_) {
             if (clashes(format)) {
                 numbers_[format.number] = static_cast<uint8_t>(replacement(format));
             }
         }
+        replaceIn(draft);
     }
 
-    void apply(MediaDraft &draft) {
+private:
+    void replaceIn(MediaDraft &draft) {
         payloads(draft.line.stMediaFmt);
         for (SDPAttr &attribute : draft.attributes) {
             if (attribute.ulAttrType == SDP_ATTR_RTPMAP) {
@@ -83,7 +66,6 @@ public:
         }
     }
 
-private:
     bool clashes(const Format &format) const {
         const auto place = before_.indexOf(format.number);
         return format.number >= kFirstDynamicPayload && format.number <= kHighestPayload && place &&
@@ -91,16 +73,10 @@ private:
                !sameCodec(format, before_.items[*place]);
     }
 
-    void use(uint32_t number) {
-        if (number <= kHighestPayload) {
-            used_[number] = true;
-        }
-    }
-
     uint32_t replacement(const Format &format) {
         for (const Format &one : before_) {
             if (sameCodec(one, format) && sameParameters(one, format) && !used_[one.number]) {
-                use(one.number);
+                used_[one.number] = true;
                 return one.number;
             }
         }
@@ -114,15 +90,19 @@ private:
     std::optional<uint32_t> firstFree(uint32_t first, uint32_t last) {
         for (uint32_t number = first; number <= last; ++number) {
             if (!used_[number] && !before_.indexOf(number)) {
-                use(number);
+                used_[number] = true;
                 return number;
             }
         }
         return std::nullopt;
     }
 
-    uint32_t replaced(uint32_t number) const {
-        return number <= kHighestPayload ? numbers_[number] : number;
+    uint32_t replaced(uint32_t number) {
+        if (number > kHighestPayload) {
+            return number;
+        }
+        used_[number] = true;
+        return numbers_[number];
     }
 
     void payloads(SDPMediaFmt &format) {
@@ -134,7 +114,10 @@ private:
         }
         const SDPRtpPayLoads old = format.unMediaFmt.stRtpPayLoads;
         auto *const fresh = arena_.make<uint32_t>(old.ulNoOfPayLoads);
-        for (uint32_t i = 0; fresh != nullptr && i < old.ulNoOfPayLoads; ++i) {
+        if (fresh == nullptr) {
+            return;
+        }
+        for (uint32_t i = 0; i < old.ulNoOfPayLoads; ++i) {
             fresh[i] = replaced(old.pulPayLoads[i]);
         }
         format.unMediaFmt.stRtpPayLoads.pulPayLoads = fresh;
@@ -213,12 +196,11 @@ private:
         text << rest;
     }
 
-    const SDPMediaDesc &wanted_;
     Arena &arena_;
     FormatList before_;
     FormatList after_;
     uint8_t numbers_[kHighestPayload + 1];
-    bool used_[kHighestPayload + 1] = {}; // in the new description
+    bool used_[kHighestPayload + 1] = {}; // in a line of the new description
 };
 
 } // namespace
@@ -227,8 +209,7 @@ void keepNumbers(const SDPMediaDesc &previous, const SDPMediaDesc &wanted, Arena
                  MediaDraft &draft) {
     Renumbering renumbering(previous, wanted, arena);
     if (renumbering.needed()) {
-        renumbering.plan();
-        renumbering.apply(draft);
+        renumbering.run(draft);
     }
 }
 
